@@ -1,0 +1,68 @@
+#pragma once
+
+#include <initializer_list>
+#include <map>
+#include <memory>
+#include <string>
+
+namespace com::korvel::deviceconfig {
+
+// Properties of one namespace, by name, as they were when they were read.
+class Properties {
+  public:
+    Properties(std::string namespaceName, std::map<std::string, std::string> valuesByName);
+
+    const std::string& getNamespace() const;
+
+    // The value of the property, or `fallback` if the property is absent.
+    std::string getString(const std::string& name, const std::string& fallback) const;
+
+  private:
+    std::string ns;
+    std::map<std::string, std::string> values;
+};
+
+// Told of changes; always owned by a std::shared_ptr. The order of the virtual operations is part of the binary
+// interface.
+class OnPropertiesChangeListener : public std::enable_shared_from_this<OnPropertiesChangeListener> {
+  public:
+    // Called on a thread of the client, never on two at once, and with no lock held. It may call the client and
+    // even destroy it.
+    virtual void onPropertiesChanged(Properties properties) = 0;
+
+    virtual ~OnPropertiesChangeListener() = default;
+};
+
+// A client of the device configuration: named properties in namespaces. On a host each property is the content of
+// a file; <host/DeviceConfigFiles.h> says which. May be used from any thread.
+class DeviceConfig {
+  public:
+    DeviceConfig();
+    DeviceConfig(const DeviceConfig&) = delete;
+    DeviceConfig& operator=(const DeviceConfig&) = delete;
+
+    // Waits for a notification under way, unless it is called from within it. No listener is called afterwards.
+    virtual ~DeviceConfig();
+
+    // Whether the properties can be read now.
+    bool isDeviceConfigAvailable();
+
+    // The properties of those names, read afresh; those that do not exist are absent from the result.
+    Properties getProperties(const std::string& ns, std::initializer_list<std::string> names);
+
+    // Calls the listener with all properties of the namespace after every later change of one of them. Changes in
+    // quick succession may share a call, which then shows the last. The client keeps the listener until it is
+    // removed. REQUIRES: the listener is not null.
+    void addOnPropertiesChangeListener(const std::string& ns,
+                                       const std::shared_ptr<OnPropertiesChangeListener>& listener);
+
+    // Makes no further call to the listener, but does not wait for one that is under way. May be called from
+    // within it. A listener that is not registered is ignored.
+    void removeOnPropertiesChangeListener(const std::shared_ptr<OnPropertiesChangeListener>& listener);
+
+  private:
+    class Impl;
+    std::shared_ptr<Impl> impl;  // shared with the client's thread, which may end after the client
+};
+
+}  // namespace com::korvel::deviceconfig

@@ -1,0 +1,54 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_set>
+#include <vector>
+
+#include "os/Export.h"
+#include "rulesengine/Action.h"
+#include "rulesengine/EventType.h"
+#include "rulesengine/Filter.h"
+
+namespace Brenta::OS::RulesEngine {
+
+class Event;
+class FiniteStateMachine;
+class Transition;
+
+// One state of a machine, which owns it; a state owns the transitions that leave it.
+class VIG_EXPORT State {
+  public:
+    // The names of the two states that every machine has.
+    static const std::string START_STATE;
+    static const std::string END_STATE;
+
+    // `owner` must outlive the state.
+    State(std::string stateName, FiniteStateMachine& owner);
+    State(const State&) = delete;
+    State& operator=(const State&) = delete;
+    ~State();
+
+    // Appends a transition from this state to `to`, a state of the same machine. Transitions are tried in
+    // the order in which they were added.
+    // REQUIRES: `to`, the filters and the actions are not null (asserted in debug builds).
+    void addTransition(State* to, EventType eventType, std::vector<std::shared_ptr<Filter>> filters,
+                       std::vector<std::shared_ptr<Action>> actions);
+
+    // Offers the event to the transitions. Returns the target of the first that fires, null if none does.
+    State* onEvent(const Event& event);
+
+    // Adds the event type of each transition to `eventTypes`.
+    void getListeningEventTypes(std::unordered_set<EventType>& eventTypes) const;
+
+    // Valid as long as the state.
+    std::string_view getName() const;
+
+  private:
+    const std::string name;
+    FiniteStateMachine& machine;
+    std::vector<std::unique_ptr<Transition>> transitions;
+};
+
+}  // namespace Brenta::OS::RulesEngine

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "os/Export.h"
+#include "rulesengine/Action.h"
+#include "rulesengine/EventType.h"
+#include "rulesengine/Filter.h"
+
+namespace Brenta::OS::RulesEngine {
+
+class EvaluationContext;
+class Event;
+class State;
+
+// One edge between two states of a machine; owned by the state that it leaves, and never changed.
+class VIG_EXPORT Transition {
+  public:
+    // Both states stay owned by their machine and may be the same.
+    // REQUIRES: no state, filter or action is null (asserted in debug builds).
+    Transition(State* source, State* target, EventType listensFor, std::vector<std::shared_ptr<Filter>> conditions,
+               std::vector<std::shared_ptr<Action>> effects);
+
+    EventType getEventType() const;
+
+    // Tries to fire: asks the event whether it matches, then the filters in order up to the first that is
+    // false. If all are true, runs every action in order and returns the target state; otherwise returns
+    // null and nothing has happened. A Timeout transition that fires takes the event's `timeoutId` out of
+    // the context after its actions.
+    State* onEvent(EvaluationContext& context, const Event& event) const;
+
+  private:
+    State* const from;
+    State* const to;
+    const EventType eventType;
+    const std::vector<std::shared_ptr<Filter>> filters;
+    const std::vector<std::shared_ptr<Action>> actions;
+};
+
+}  // namespace Brenta::OS::RulesEngine

@@ -1,0 +1,6 @@
+#pragma once
+
+enum { ANDROID_LOG_INFO = 4, ANDROID_LOG_ERROR = 6 };
+
+extern "C" int __android_log_print(int priority, const char* tag, const char* format, ...)
+    __attribute__((format(printf, 3, 4)));

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <utils/String16.h>
+#include <utils/StrongPointer.h>
+
+namespace android {
+
+using status_t = int;
+
+// The one service that there may be, or null.
+sp<void> findService(const String16& name);
+
+template <typename INTERFACE>
+status_t getService(const String16& name, sp<INTERFACE>* service) {
+    *service = std::static_pointer_cast<INTERFACE>(findService(name));
+    return *service ? 0 : -2;
+}
+
+}  // namespace android

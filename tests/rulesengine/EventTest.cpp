@@ -1,0 +1,91 @@
+#include "rulesengine/Event.h"
+
+#include <gmock/gmock.h>
+
+#include <type_traits>
+
+#include "rulesengine/Action.h"
+#include "rulesengine/EvaluationContext.h"
+#include "rulesengine/Filter.h"
+#include "rulesengine/FiniteStateMachine.h"
+#include "rulesengine/TimeoutEvent.h"
+#include "tests/support/Slots.h"
+
+namespace {
+
+using namespace Brenta::OS::RulesEngine;
+using support::slotOf;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr EventType kTypes[] = {EventType::EnteringState,
+                                EventType::Timeout,
+                                EventType::Test,
+                                EventType::TelemetryEventBegin,
+                                EventType::ProcessMemoryHeartBeat,
+                                EventType::SystemMemoryHeartBeat,
+                                EventType::ZramHeartBeat,
+                                EventType::ProcessCpuHeartBeat,
+                                EventType::ForegroundAppsStats,
+                                EventType::TelemetryEventEnd};
+
+template <typename Source>
+void expectNoAttributes(const Source& source) {
+    EXPECT_EQ(source.getUint64Attr("x"), std::nullopt);
+    EXPECT_EQ(source.getInt64Attr("x"), std::nullopt);
+    EXPECT_EQ(source.getDoubleAttr("x"), std::nullopt);
+    EXPECT_EQ(source.getBoolAttr("x"), std::nullopt);
+    EXPECT_EQ(source.getStringAttr("x"), "");
+}
+
+TEST(Event, WithoutOverridesHasNoAttributesAndMatchesItsOwnTypeOnly) {
+    const EvaluationContext context;
+    expectNoAttributes(context);
+    EXPECT_THAT(context.timeoutIds, IsEmpty());
+    const auto expectBare = [&context](const Event& event, EventType own) {
+        expectNoAttributes(event);
+        for (int kind = 0; kind < 5; ++kind) {
+            EXPECT_THAT(event.keys(static_cast<Event::ValueType>(kind)), IsEmpty());
+        }
+        for (const EventType type : kTypes) {
+            EXPECT_EQ(event.matches(type, context), type == own);
+        }
+    };
+    for (const EventType type : kTypes) {
+        expectBare(Event(type), type);
+    }
+    expectBare(Event::ENTERING_STATE, EventType::EnteringState);
+    expectBare(TimeoutEvent(3), EventType::Timeout);
+}
+
+// What clients are compiled against.
+
+TEST(EventType, HasFixedValuesWhichAreTheHashes) {
+    std::vector<std::size_t> hashes;
+    for (const EventType type : kTypes) {
+        hashes.push_back(std::hash<EventType>()(type));
+    }
+    EXPECT_THAT(hashes, ElementsAre(0, 1, 2, 1000, 1001, 1002, 1003, 1004, 1005, 2000));
+    EXPECT_EQ(std::hash<EventType>()(static_cast<EventType>(0xFFFFFFFF)), 0xFFFFFFFF);
+}
+
+TEST(Interfaces, HaveTheirVirtualOperationsInAFixedOrder) {
+    EXPECT_THAT((std::vector{slotOf(&Event::matches), slotOf(&Event::getUint64Attr), slotOf(&Event::getInt64Attr),
+                             slotOf(&Event::getDoubleAttr), slotOf(&Event::getBoolAttr), slotOf(&Event::getStringAttr),
+                             slotOf(&Event::keys)}),
+                ElementsAre(0, 3, 4, 5, 6, 7, 8));
+    EXPECT_THAT((std::vector{slotOf(&EvaluationContext::getUint64Attr), slotOf(&EvaluationContext::getInt64Attr),
+                             slotOf(&EvaluationContext::getDoubleAttr), slotOf(&EvaluationContext::getBoolAttr),
+                             slotOf(&EvaluationContext::getStringAttr)}),
+                ElementsAre(2, 3, 4, 5, 6));
+    EXPECT_THAT((std::vector{slotOf(&Filter::operator()), slotOf(&Action::operator())}), ElementsAre(2, 2));
+}
+
+static_assert(std::is_same_v<std::underlying_type_t<EventType>, std::uint32_t>);
+static_assert(Event::ValueType::Uint64 == Event::ValueType{0} && Event::ValueType::Int64 == Event::ValueType{1} &&
+              Event::ValueType::Double == Event::ValueType{2} && Event::ValueType::Bool == Event::ValueType{3} &&
+              Event::ValueType::String == Event::ValueType{4});
+static_assert(!std::is_copy_constructible_v<FiniteStateMachine> && !std::is_move_constructible_v<FiniteStateMachine>);
+static_assert(!std::is_polymorphic_v<FiniteStateMachine> && !std::is_polymorphic_v<State>);
+
+}  // namespace

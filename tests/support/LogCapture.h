@@ -1,0 +1,80 @@
+#pragma once
+
+#include <android/log.h>
+#include <host/LogSink.h>
+
+#include <memory>
+#include <mutex>
+#include <ostream>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace support {
+
+struct LogLine {
+    int priority;
+    std::string tag;
+    std::string message;
+
+    bool operator==(const LogLine&) const = default;
+};
+
+// How a failed assertion shows it.
+inline void PrintTo(const LogLine& line, std::ostream* out) {
+    *out << line.priority << "/" << line.tag << ": \"" << line.message << '"';
+}
+
+// Lines of the library at error priority, to compare a capture with.
+inline std::vector<LogLine> errorLines(const std::vector<std::string>& messages) {
+    std::vector<LogLine> lines;
+    for (const std::string& message : messages) {
+        lines.push_back({ANDROID_LOG_ERROR, "VIGManager", message});
+    }
+    return lines;
+}
+
+// Takes the place of the platform's log as long as it lives. Any thread may log, also while it goes.
+class LogCapture {
+  public:
+    LogCapture()
+        : previous(host::setLogSink([shared = captured](int priority, std::string_view tag, std::string_view message) {
+              const std::lock_guard lock(shared->mutex);
+              shared->lines.push_back({priority, std::string(tag), std::string(message)});
+          })) {}
+    LogCapture(const LogCapture&) = delete;
+    LogCapture& operator=(const LogCapture&) = delete;
+    ~LogCapture() { host::setLogSink(previous); }
+
+    std::vector<LogLine> lines() const {
+        const std::lock_guard lock(captured->mutex);
+        return captured->lines;
+    }
+
+    // The lines since the last call.
+    std::vector<LogLine> takeLines() const {
+        const std::lock_guard lock(captured->mutex);
+        return std::exchange(captured->lines, {});
+    }
+
+    std::vector<std::string> messages() const {
+        std::vector<std::string> messages;
+        for (const LogLine& line : lines()) {
+            messages.push_back(line.message);
+        }
+        return messages;
+    }
+
+  private:
+    struct Captured {
+        std::mutex mutex;
+        std::vector<LogLine> lines;  // guarded by mutex
+    };
+
+    // Shared with the sink, in which a thread may still be when the capture has gone.
+    const std::shared_ptr<Captured> captured = std::make_shared<Captured>();
+    const host::LogSink previous;
+};
+
+}  // namespace support

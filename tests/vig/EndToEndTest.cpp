@@ -1,0 +1,91 @@
+#include <android/log.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "rulesengine/FiniteStateMachine.h"
+#include "tests/support/Documents.h"
+#include "tests/support/FakeTriggerService.h"
+#include "tests/support/LogCapture.h"
+#include "tests/support/Receiver.h"
+#include "tests/support/TestEvent.h"
+#include "tests/vig/fakes/FakeDeviceConfig.h"
+#include "vig/actions/PseudoRandomGenerator.h"
+
+namespace {
+
+using Brenta::OS::RulesEngine::EventType;
+using Brenta::OS::RulesEngine::FiniteStateMachine;
+using Brenta::OS::VIG::PseudoRandomGenerator;
+using Brenta::OS::VIG::VIGConfig;
+using Brenta::OS::VIG::VIGManager;
+using support::LogLine;
+using support::TestEvent;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+// The way of a rule document: device configuration, manager, callback, machine, trigger service.
+class EndToEnd : public testing::Test {
+  protected:
+    FiniteStateMachine& deliver(std::string_view document) {
+        config.setResponse(std::string(document));
+        VIGManager manager;
+        support::Receiver receiver;
+        manager.registerCallback(receiver.callback());
+        receiver.waitFor(1);
+        configs = receiver.takeLatest();
+        // The configurations outlive the manager.
+        return *configs.at(0)->getConfigPayload()->getFiniteStateMachine();
+    }
+
+    fakes::FakeDeviceConfig config;
+    fakes::FakeSleep sleep;
+    support::FakeTriggerService service;
+    support::LogCapture log;
+    std::vector<std::unique_ptr<VIGConfig>> configs;
+};
+
+TEST_F(EndToEnd, AProcessOverItsMemoryBudgetTriggersOneCollection) {
+    auto& machine = deliver(support::document({support::config(
+        7, {support::transition("start", "end", "ProcessMemoryHeartBeat", "[]", R"([{"name":"TriggerVelora"}])")})}));
+    machine.start();
+    const TestEvent event({.int64 = {{"vmRssKB", 1000}, {"vmSwapKB", 24}}, .string = {{"processName", "camera"}}},
+                          EventType::ProcessMemoryHeartBeat);
+    machine.onEvent(event);
+    machine.onEvent(event);
+    EXPECT_THAT(service.triggers(),
+                ElementsAre(support::Trigger{"vig:memory_heartbeat_over_budget:camera",
+                                             "camera",
+                                             {"threshold_current_value:1024", "threshold_units:RSS_anon_plus_swap_KB",
+                                              "vmRssKB:1000", "vmSwapKB:24", "processName:camera"}}));
+    EXPECT_EQ(machine.getCurrentState()->getName(), "end");
+}
+
+TEST_F(EndToEnd, TheCompleteDocumentLogsZramAndSamplesTheProcessesOverBudget) {
+    auto& machine = deliver(support::kCompleteDocument);
+    EXPECT_EQ(configs.at(0)->getConfigId(), 7);
+    machine.start();
+    log.takeLines();
+
+    machine.onEvent(
+        TestEvent({.uint64 = {{"memUsedMaxBytes", 7}, {"numCompressedDataBytes", 3}}}, EventType::ZramHeartBeat));
+    EXPECT_THAT(log.takeLines(),
+                ElementsAre(LogLine{ANDROID_LOG_INFO, "VIGManager",
+                                    "Received VIG zram heart beat. memUsedMaxBytes: 7, numCompressedDataBytes: 3"}));
+
+    const auto process = [](std::int64_t vmRssKB) {
+        return TestEvent({.int64 = {{"vmRssKB", vmRssKB}, {"vmSwapKB", 0}}, .string = {{"processName", "camera"}}},
+                         EventType::ProcessMemoryHeartBeat);
+    };
+    PseudoRandomGenerator::ofProcess().seed(5489);
+    PseudoRandomGenerator draws(5489);
+    machine.onEvent(process(2097152));  // not over budget, so no draw
+    while (draws.draw() >= 0.1) {
+        machine.onEvent(process(2097153));
+        ASSERT_THAT(service.triggers(), IsEmpty());
+    }
+    machine.onEvent(process(2097153));
+    EXPECT_EQ(service.triggers().size(), 1U);
+    EXPECT_EQ(machine.getCurrentState()->getName(), "end");
+}
+
+}  // namespace

@@ -1,0 +1,465 @@
+#include "vig/VIGManager.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <pthread.h>
+
+#include <atomic>
+#include <future>
+#include <system_error>
+#include <thread>
+
+#include "tests/support/LogCapture.h"
+#include "tests/support/Receiver.h"
+#include "tests/vig/fakes/FakeDeviceConfig.h"
+
+namespace {
+
+using Brenta::OS::VIG::VIGManager;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr const char* kAvailable = "ViG device config is available now.";
+constexpr const char* kNotAvailable = "ViG device config is not available yet.";
+constexpr const char* kUpdated = "ViG response is updated in QDC!";
+
+// The document number N has N configurations, so that a receiver can tell which one it got.
+std::string documentNumber(std::size_t number) {
+    std::string configs;
+    for (std::size_t id = 0; id < number; ++id) {
+        configs += (id == 0 ? "" : ",") + std::string(R"({"id":)") + std::to_string(id) +
+                   R"(,"payload":{"id":1,"data":{"transitions":[]}}})";
+    }
+    return R"({"configs":[)" + configs + "]}";
+}
+
+class ManagerTest : public testing::Test {
+  protected:
+    // Destroying the manager joins its watcher, so that everything it does has been done.
+    void destroy() { manager.reset(); }
+
+    fakes::FakeDeviceConfig config;
+    fakes::FakeSleep sleep;
+    support::LogCapture log;
+    std::unique_ptr<VIGManager> manager = std::make_unique<VIGManager>();
+    support::Receiver receiver;
+};
+
+TEST_F(ManagerTest, ParsesWithTheNamesOfTheLibraryAndNoOthers) {
+    const auto parse = [&](const char* event, const char* action) {
+        return manager->parseResponse(std::string(R"({"configs":[{"id":1,"payload":{"id":1,"data":{"transitions":[{)") +
+                                      R"("from_state":"start","to_state":"end","event":")" + event +
+                                      R"(","filters":[],"actions":[{"name":")" + action + R"("}]}]}}}]})");
+    };
+    for (const char* event :
+         {"EnteringState", "Timeout", "Test", "TelemetryEventBegin", "ProcessMemoryHeartBeat", "SystemMemoryHeartBeat",
+          "ZramHeartBeat", "ProcessCpuHeartBeat", "ForegroundAppsStats", "TelemetryEventEnd"}) {
+        EXPECT_EQ(parse(event, "Test").size(), 1U) << event;
+    }
+    for (const char* action : {"Test", "LogZramHeartBeat", "TriggerVelora", "TriggerVeloraCpu"}) {
+        EXPECT_EQ(parse("Test", action).size(), 1U) << action;
+    }
+    const auto configs = parse("ZramHeartBeat", "Test");
+    EXPECT_THAT(configs.at(0)->getConfigPayload()->getFiniteStateMachine()->getAllListeningEventTypes(),
+                ElementsAre(static_cast<Brenta::OS::RulesEngine::EventType>(1003)));
+    EXPECT_THAT(log.messages(), IsEmpty());
+    EXPECT_THAT(parse("zramheartbeat", "Test"), IsEmpty());
+    EXPECT_THAT(parse("Test", "test"), IsEmpty());
+}
+
+TEST_F(ManagerTest, ReadsAnAbsentOrBrokenDocumentAsNoConfigurations) {
+    EXPECT_EQ(manager->getConfig(), "\n    { \"configs\": [] }\n  ");
+    EXPECT_THAT(manager->parseResponse(manager->getConfig()), IsEmpty());
+    EXPECT_THAT(log.messages(), IsEmpty());
+    EXPECT_THAT(manager->parseResponse(""), IsEmpty());
+    config.setResponse("text");
+    EXPECT_EQ(manager->getConfig(), "text");
+}
+
+TEST_F(ManagerTest, DeliversOnceBeforeItListensWhenTheServiceIsThere) {
+    config.setResponse(documentNumber(2));
+    std::size_t deliveredBefore = 0;
+    config.onAdd = [&](const auto&) { deliveredBefore = receiver.sizes().size(); };
+    std::promise<void> listening;
+    config.onAdded = [&](const auto&) { listening.set_value(); };
+    manager->registerCallback(receiver.callback());
+    listening.get_future().wait();
+    EXPECT_EQ(deliveredBefore, 1U);
+    EXPECT_THAT(config.namespaces(), ElementsAre("korvel_vig"));
+    destroy();
+    EXPECT_THAT(receiver.sizes(), ElementsAre(2));
+    EXPECT_NE(receiver.threads().at(0), std::this_thread::get_id());
+    EXPECT_THAT(log.messages(), ElementsAre(kAvailable));
+    EXPECT_THAT(sleep.delays(), IsEmpty());
+    EXPECT_THAT(config.listeners(), IsEmpty());
+}
+
+TEST_F(ManagerTest, WaitsOneThenTwoSecondsForTheThirdCheck) {
+    config.availability = [](int check) { return check == 3; };
+    manager->registerCallback(receiver.callback());
+    receiver.waitFor(1);
+    destroy();
+    EXPECT_THAT(sleep.delays(), ElementsAre(1, 2));
+    EXPECT_THAT(log.messages(), ElementsAre(kNotAvailable, kNotAvailable, kAvailable));
+}
+
+TEST_F(ManagerTest, GivesUpAfterFiveChecksAndANewRegistrationBeginsAnew) {
+    config.setAvailable(false);
+    std::promise<void> last;
+    sleep.during = [&](int count) {
+        if (count == 5) {
+            last.set_value();
+        }
+    };
+    manager->registerCallback(receiver.callback());
+    last.get_future().wait();
+    support::Receiver second;
+    config.setAvailable(true);
+    manager->registerCallback(second.callback());
+    second.waitFor(1);
+    destroy();
+    EXPECT_THAT(sleep.delays(), ElementsAre(1, 2, 4, 8, 16));
+    EXPECT_EQ(config.checks(), 6);
+    EXPECT_THAT(receiver.sizes(), IsEmpty());
+    EXPECT_THAT(log.messages(),
+                ElementsAre(kNotAvailable, kNotAvailable, kNotAvailable, kNotAvailable, kNotAvailable, kAvailable));
+}
+
+TEST_F(ManagerTest, AWatcherThatGaveUpNeitherDeliversNorListens) {
+    config.setAvailable(false);
+    manager->registerCallback(receiver.callback());
+    destroy();
+    EXPECT_THAT(sleep.delays(), ElementsAre(1, 2, 4, 8, 16));
+    EXPECT_THAT(receiver.sizes(), IsEmpty());
+    EXPECT_EQ(config.mostListeners(), 0U);
+}
+
+TEST_F(ManagerTest, ARegistrationWhileTheWatcherPollsGetsAFullBackOffOfItsOwn) {
+    config.setAvailable(false);
+    support::Receiver second;
+    sleep.during = [&](int count) {
+        if (count == 3) {
+            manager->registerCallback(second.callback());
+        } else if (count == 7) {
+            config.setAvailable(true);
+        }
+    };
+    manager->registerCallback(receiver.callback());
+    second.waitFor(1);
+    destroy();
+    EXPECT_THAT(sleep.delays(), ElementsAre(1, 2, 4, 1, 2, 4, 8));
+    EXPECT_THAT(receiver.sizes(), IsEmpty());
+}
+
+TEST_F(ManagerTest, DeliversTheResponseOfEachNotification) {
+    std::promise<void> listening;
+    config.onAdded = [&](const auto&) { listening.set_value(); };
+    manager->registerCallback(receiver.callback());
+    listening.get_future().wait();
+    config.setResponse(documentNumber(3));
+    config.notify();
+    config.setResponse("broken");
+    config.notify();
+    config.setResponse(std::nullopt);
+    config.notify();
+    EXPECT_THAT(receiver.sizes(), ElementsAre(0, 3, 0, 0));
+    EXPECT_EQ(receiver.threads().at(1), std::this_thread::get_id());
+    const auto listener = config.listeners().at(0);
+    manager->deregisterCallback();
+    EXPECT_THAT(config.listeners(), IsEmpty());
+    config.notify(listener);
+    EXPECT_THAT(receiver.sizes(), ElementsAre(0, 3, 0, 0));
+    EXPECT_EQ(log.messages().back(), kUpdated);
+    destroy();
+    const auto before = log.messages();
+    config.notify(listener);
+    EXPECT_EQ(log.messages(), before) << "a notification after the destruction must reach nothing";
+}
+
+TEST_F(ManagerTest, ALaterRegistrationGetsADeliveryAndAListenerOfItsOwn) {
+    manager->registerCallback(receiver.callback());
+    receiver.waitFor(1);
+    support::Receiver second;
+    config.setResponse(documentNumber(1));
+    manager->registerCallback(second.callback());
+    second.waitFor(1);
+    destroy();
+    EXPECT_THAT(receiver.sizes(), ElementsAre(0));
+    EXPECT_THAT(second.sizes(), ElementsAre(1));
+    EXPECT_LE(config.mostListeners(), 1U);
+    EXPECT_THAT(config.listeners(), IsEmpty());
+}
+
+TEST_F(ManagerTest, ANotificationOfAnEarlierRegistrationReachesNobody) {
+    std::promise<void> first;
+    std::promise<void> again;
+    config.onAdded = [&, added = 0](const auto&) mutable { (added++ == 0 ? first : again).set_value(); };
+    manager->registerCallback(receiver.callback());
+    first.get_future().wait();
+    const auto earlier = config.listeners().at(0);
+    support::Receiver second;
+    manager->registerCallback(second.callback());
+    again.get_future().wait();
+    config.setResponse(documentNumber(5));
+    config.notify(earlier);
+    EXPECT_THAT(receiver.sizes(), ElementsAre(0));
+    EXPECT_THAT(second.sizes(), ElementsAre(0));
+    EXPECT_EQ(config.mostListeners(), 1U);
+}
+
+TEST_F(ManagerTest, ARegistrationWithoutATargetStillListens) {
+    std::promise<void> listening;
+    config.onAdded = [&](const auto&) { listening.set_value(); };
+    manager->registerCallback(nullptr);
+    listening.get_future().wait();
+    config.notify();
+    EXPECT_THAT(log.messages(), Contains(kUpdated));
+}
+
+TEST_F(ManagerTest, DeregistrationDuringTheFirstDeliveryLeavesNoListener) {
+    std::promise<void> delivering;
+    std::promise<void> deregistered;
+    manager->registerCallback([&](auto&&) {
+        delivering.set_value();
+        deregistered.get_future().wait();
+    });
+    delivering.get_future().wait();
+    manager->deregisterCallback();
+    deregistered.set_value();
+    destroy();
+    EXPECT_EQ(config.mostListeners(), 0U);
+}
+
+TEST_F(ManagerTest, DeregistrationDuringTheRegistrationOfTheListenerLeavesNone) {
+    std::promise<void> adding;
+    std::promise<void> mayAdd;
+    config.onAdd = [&](const auto&) {
+        adding.set_value();
+        mayAdd.get_future().wait();
+    };
+    manager->registerCallback(receiver.callback());
+    adding.get_future().wait();
+    auto deregistered = std::async(std::launch::async, [&] {
+        manager->deregisterCallback();
+        return config.listeners();
+    });
+    mayAdd.set_value();
+    EXPECT_THAT(deregistered.get(), IsEmpty());
+    destroy();
+    EXPECT_THAT(config.listeners(), IsEmpty());
+}
+
+TEST_F(ManagerTest, DeregistrationDoesNotWaitForAServiceThatDoesNotAnswer) {
+    std::promise<void> adding;
+    std::promise<void> mayAdd;
+    config.onAdd = [&](const auto&) {
+        adding.set_value();
+        mayAdd.get_future().wait();
+    };
+    manager->registerCallback(receiver.callback());
+    adding.get_future().wait();
+    manager->deregisterCallback();
+    mayAdd.set_value();
+    destroy();
+    EXPECT_EQ(config.mostListeners(), 1U);
+    EXPECT_THAT(config.listeners(), IsEmpty());
+}
+
+TEST_F(ManagerTest, ACallbackMayRegisterAndDeregister) {
+    support::Receiver second;
+    manager->registerCallback([&](auto&&) {
+        manager->deregisterCallback();
+        manager->registerCallback(second.callback());
+    });
+    second.waitFor(1);
+    std::promise<void> delivered;
+    manager->registerCallback([&](auto&&) {
+        manager->deregisterCallback();
+        delivered.set_value();
+    });
+    delivered.get_future().wait();
+    destroy();
+    EXPECT_THAT(second.sizes(), ElementsAre(0));
+    EXPECT_THAT(config.listeners(), IsEmpty());
+}
+
+TEST_F(ManagerTest, AServiceThatNotifiesWithinItsOwnCallsDoesNoHarm) {
+    support::Receiver second;
+    int deliveries = 0;
+    config.onAdded = [&](const auto& listener) { config.notify(listener); };
+    config.onRemove = [&](const auto& listener) { config.notify(listener); };
+    manager->registerCallback([&](auto&&) {
+        if (++deliveries == 2) {
+            manager->registerCallback(second.callback());
+        }
+    });
+    second.waitFor(2);
+    destroy();
+    EXPECT_EQ(deliveries, 2);
+    EXPECT_LE(config.mostListeners(), 1U);
+    EXPECT_THAT(config.listeners(), IsEmpty());
+}
+
+TEST_F(ManagerTest, AServiceWhoseRemovalWaitsForTheNotificationUnderWayDoesNotHangTheManager) {
+    std::promise<void> listening;
+    config.onAdded = [&](const auto&) { listening.set_value(); };
+    std::promise<void> notified;
+    std::promise<void> removing;
+    std::promise<void> done;
+    int deliveries = 0;
+    manager->registerCallback([&](auto&&) {
+        if (++deliveries == 2) {
+            notified.set_value();
+            removing.get_future().wait();
+            config.onAdded = nullptr;
+            manager->registerCallback(receiver.callback());
+        }
+    });
+    listening.get_future().wait();
+    config.onRemove = [&, removals = 0](const auto&) mutable {
+        if (++removals == 1) {
+            removing.set_value();
+            done.get_future().wait();
+        }
+    };
+    auto notification = std::async(std::launch::async, [&] {
+        config.notify();
+        done.set_value();
+    });
+    notified.get_future().wait();
+    manager->deregisterCallback();
+    notification.get();
+    receiver.waitFor(1);
+    destroy();
+    EXPECT_THAT(config.listeners(), IsEmpty());
+}
+
+TEST_F(ManagerTest, NotificationsOnSeveralThreadsAreDeliveredOneAtATimeAndInOrder) {
+    std::promise<void> listening;
+    config.onAdded = [&](const auto&) { listening.set_value(); };
+    std::atomic<int> inside{0};
+    std::atomic<int> mostInside{0};
+    std::atomic<int> deliveries{0};
+    manager->registerCallback([&](auto&&) {
+        mostInside = std::max(mostInside.load(), ++inside);
+        ++deliveries;
+        std::this_thread::yield();
+        --inside;
+    });
+    listening.get_future().wait();
+    std::vector<std::future<void>> threads;
+    for (int thread = 0; thread < 4; ++thread) {
+        threads.push_back(std::async(std::launch::async, [&] {
+            for (int round = 0; round < 50; ++round) {
+                config.notify();
+            }
+        }));
+    }
+    threads.clear();
+    EXPECT_EQ(deliveries, 201);
+    EXPECT_EQ(mostInside, 1);
+}
+
+TEST_F(ManagerTest, TheDestructorLetsTheWatcherFinishButNotACallbackThatRegistersForEver) {
+    int deliveries = 0;
+    std::function<void()> registerAgain;
+    const auto callback = [&](auto&&) {
+        ++deliveries;
+        registerAgain();
+    };
+    registerAgain = [&, target = manager.get()] { target->registerCallback(callback); };
+    manager->registerCallback(callback);
+    destroy();
+    EXPECT_GE(deliveries, 1);
+    EXPECT_THAT(config.listeners(), IsEmpty());
+}
+
+TEST_F(ManagerTest, TheDestructorWaitsForADeliveryUnderWay) {
+    std::promise<void> delivering;
+    std::atomic<bool> delivered{false};
+    std::promise<void> destroying;
+    manager->registerCallback([&](auto&&) {
+        delivering.set_value();
+        destroying.get_future().wait();
+        delivered = true;
+    });
+    delivering.get_future().wait();
+    auto destruction = std::async(std::launch::async, [&] {
+        destroying.set_value();
+        destroy();
+        return delivered.load();
+    });
+    EXPECT_TRUE(destruction.get());
+}
+
+TEST_F(ManagerTest, DeregistrationWithoutARegistrationChangesNothing) {
+    manager->deregisterCallback();
+    destroy();
+    EXPECT_THAT(log.messages(), IsEmpty());
+    EXPECT_EQ(config.checks(), 0);
+}
+
+TEST_F(ManagerTest, TheWatcherStartedByHandListensWithoutARegistration) {
+    std::promise<void> listening;
+    config.onAdded = [&](const auto&) { listening.set_value(); };
+    manager->configureDeviceConfigService();
+    listening.get_future().wait();
+    manager->configureDeviceConfigService();
+    destroy();
+    EXPECT_EQ(config.mostListeners(), 1U);
+    EXPECT_EQ(config.checks(), 1);
+}
+
+class OverridingManager : public VIGManager {
+  public:
+    ~OverridingManager() override { stop(); }
+    std::string getConfig() const override { return documentNumber(4); }
+    void configureDeviceConfigService() override {
+        ++configured;
+        VIGManager::configureDeviceConfigService();
+    }
+    int configured = 0;
+};
+
+TEST_F(ManagerTest, UsesTheOverridesOfADerivedClass) {
+    OverridingManager overriding;
+    overriding.registerCallback(receiver.callback());
+    receiver.waitFor(1);
+    EXPECT_THAT(receiver.sizes(), ElementsAre(4));
+    EXPECT_EQ(overriding.configured, 1);
+}
+
+#ifdef __cpp_exceptions
+// A stack larger than the address space makes the creation of any thread fail.
+class ImpossibleThreads {
+  public:
+    ImpossibleThreads() {
+        pthread_getattr_default_np(&previous);
+        pthread_attr_t impossible;
+        pthread_attr_init(&impossible);
+        pthread_attr_setstacksize(&impossible, std::size_t{1} << 60);
+        pthread_setattr_default_np(&impossible);
+        pthread_attr_destroy(&impossible);
+    }
+    ~ImpossibleThreads() {
+        pthread_setattr_default_np(&previous);
+        pthread_attr_destroy(&previous);
+    }
+
+  private:
+    pthread_attr_t previous;
+};
+
+TEST_F(ManagerTest, AThreadThatCannotBeCreatedLeavesNothingHalfDone) {
+    {
+        const ImpossibleThreads impossibleThreads;
+        EXPECT_THROW(manager->registerCallback(receiver.callback()), std::system_error);
+    }
+    EXPECT_EQ(receiver.uses(), 0) << "the manager must not keep the callback";
+    manager->registerCallback(receiver.callback());
+    receiver.waitFor(1);
+}
+#endif
+
+}  // namespace

@@ -1,0 +1,99 @@
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstring>
+#include <thread>
+
+#include "tests/support/TemporaryFolder.h"
+#include "vig/actions/PseudoRandomDoublePureFunctionImpl.h"
+#include "vig/actions/PseudoRandomGenerator.h"
+
+namespace {
+
+using namespace Brenta::OS::VIG;
+
+std::vector<double> drawn(PseudoRandomGenerator& generator, std::size_t count) {
+    std::vector<double> values(count);
+    std::generate(values.begin(), values.end(), [&generator] { return generator.draw(); });
+    return values;
+}
+
+TEST(PseudoRandomGenerator, DrawsThePublishedSequenceOfItsSeed) {
+    PseudoRandomGenerator generator(1);
+    generator.seed(5489);
+    const std::vector<double> values = drawn(generator, 5000);
+    EXPECT_EQ(values[0], 0.1354770042967805);
+    EXPECT_EQ(values[1], 0.8350085899945795);
+    EXPECT_EQ(values[2], 0.9688677711242314);
+    // The upper half is the second output of the two, here the ten thousandth.
+    EXPECT_EQ(std::floor(values[4999] * 0x1p32), 4123659995.0);
+    EXPECT_EQ(PseudoRandomGenerator::toDouble(3499211612, 581869302), values[0]);
+}
+
+TEST(PseudoRandomGenerator, StaysBelowOne) {
+    EXPECT_EQ(PseudoRandomGenerator::toDouble(0, 0), 0.0);
+    EXPECT_EQ(PseudoRandomGenerator::toDouble(1, 0), 0x1p-64);
+    EXPECT_EQ(PseudoRandomGenerator::toDouble(4294966271, 4294967295), 0x1.fffffffffffffp-1);
+    EXPECT_EQ(PseudoRandomGenerator::toDouble(4294966272, 4294967295), 0x1.fffffffffffffp-1);
+    EXPECT_EQ(PseudoRandomGenerator::toDouble(4294967295, 4294967295), 0x1.fffffffffffffp-1);
+}
+
+TEST(PseudoRandomGenerator, SpreadsEvenly) {
+    PseudoRandomGenerator generator(5489);
+    std::array<int, 10> tenths = {};
+    for (const double value : drawn(generator, 100000)) {
+        ASSERT_GE(value, 0.0);
+        ASSERT_LT(value, 1.0);
+        ++tenths[static_cast<std::size_t>(value * 10)];
+    }
+    EXPECT_THAT(tenths, testing::Each(testing::AllOf(testing::Gt(9600), testing::Lt(10400))));
+}
+
+TEST(PseudoRandomGenerator, ReadsAWholeSeedOrNone) {
+    const support::TemporaryFolder folder;
+    const auto seedOf = [](const std::filesystem::path& device) {
+        return PseudoRandomGenerator::readSeed(device.c_str());
+    };
+    const std::uint32_t seed = 0x01020304;
+    std::string bytes(sizeof seed, '\0');
+    std::memcpy(bytes.data(), &seed, sizeof seed);
+    EXPECT_EQ(seedOf(folder.write("device", bytes + "more")), seed);
+    EXPECT_EQ(seedOf(folder.write("short", "123")), std::nullopt);
+    EXPECT_EQ(seedOf(folder.write("empty", "")), std::nullopt);
+    EXPECT_EQ(seedOf(folder.path("missing")), std::nullopt);
+    EXPECT_EQ(seedOf(folder.path()), std::nullopt);  // can be opened, but not read
+    EXPECT_TRUE(seedOf("/dev/urandom").has_value());
+}
+
+TEST(PseudoRandomDouble, DrawsFromOneSequenceThroughEveryFunction) {
+    PseudoRandomGenerator::ofProcess().seed(5489);
+    const auto first = PseudoRandomDoublePureFunctionImpl::get();
+    const auto second = PseudoRandomDoublePureFunctionImpl::get();
+    EXPECT_EQ(first(), 0.1354770042967805);
+    EXPECT_EQ(second(), 0.8350085899945795);
+    EXPECT_EQ(first(), 0.9688677711242314);
+}
+
+TEST(PseudoRandomDouble, DrawsFromOneSequenceOnEveryThread) {
+    constexpr std::size_t kDraws = 20000;
+    PseudoRandomGenerator::ofProcess().seed(5489);
+    std::vector<double> values(2 * kDraws);
+    const auto drawInto = [&values](std::size_t begin) {
+        const auto function = PseudoRandomDoublePureFunctionImpl::get();
+        for (std::size_t i = begin; i < begin + kDraws; ++i) {
+            values[i] = function();
+        }
+    };
+    std::thread other(drawInto, kDraws);
+    drawInto(0);
+    other.join();
+    PseudoRandomGenerator generator(5489);
+    std::vector<double> expected = drawn(generator, 2 * kDraws);
+    std::sort(values.begin(), values.end());
+    std::sort(expected.begin(), expected.end());
+    EXPECT_EQ(values, expected);
+}
+
+}  // namespace

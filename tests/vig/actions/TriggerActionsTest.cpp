@@ -1,0 +1,146 @@
+#include <gmock/gmock.h>
+
+#include "tests/support/FakeTriggerService.h"
+#include "tests/support/Locales.h"
+#include "tests/support/LogCapture.h"
+#include "tests/support/TestEvent.h"
+#include "vig/actions/VIGTriggerVeloraCpuFuncActionFactoryImpl.h"
+#include "vig/actions/VIGTriggerVeloraFuncActionFactoryImpl.h"
+
+namespace {
+
+using namespace Brenta::OS::VIG;
+using support::Attributes;
+using support::errorLines;
+using support::FakeTriggerService;
+using support::LogCapture;
+using support::TestEvent;
+using support::Trigger;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+void fire(const VIGActionFunctionFactory& factory, const TestEvent& event) {
+    support::TestContext context({.string = {{"processName", "of the context"}}});
+    (*factory.get({}))(context, event);
+}
+
+const VIGTriggerVeloraFuncActionFactoryImpl kMemory;
+const VIGTriggerVeloraCpuFuncActionFactoryImpl kCpu;
+
+const Attributes kCamera = {.int64 = {{"vmRssKB", 1000}, {"vmSwapKB", 24}}, .string = {{"processName", "camera"}}};
+const Trigger kCameraTrigger = {"vig:memory_heartbeat_over_budget:camera",
+                                "camera",
+                                {"threshold_current_value:1024", "threshold_units:RSS_anon_plus_swap_KB",
+                                 "vmRssKB:1000", "vmSwapKB:24", "processName:camera"}};
+const std::string kNoService = "Error while getting the service proxy: -2 , triggerService is null!";
+
+void expectTrigger(const VIGActionFunctionFactory& factory, const Attributes& attributes, const Trigger& expected) {
+    const FakeTriggerService service;
+    const LogCapture log;
+    fire(factory, TestEvent(attributes));
+    EXPECT_THAT(service.triggers(), ElementsAre(expected));
+    EXPECT_THAT(log.lines(), IsEmpty());
+}
+
+TEST(TriggerActions, DescribeTheBreachAndEveryAttributeByKind) {
+    expectTrigger(kMemory, kCamera, kCameraTrigger);
+    expectTrigger(
+        kCpu, {.real = {{"cpuAvgUtilization", 90.0}}, .string = {{"processName", "gallery"}}},
+        {"vig:cpu_over_budget:gallery",
+         "gallery",
+         {"threshold_current_value:90", "threshold_units:CPU_credits", "cpuAvgUtilization:90", "processName:gallery"}});
+    const auto expectEveryKind = [] {
+        expectTrigger(kCpu,
+                      {.uint64 = {{"z", UINT64_MAX}, {"a", 0}},
+                       .int64 = {{"i", INT64_MIN}},
+                       .real = {{"cpuAvgUtilization", 87.5}, {"d", 1e16}, {"e", 0.1}, {"f", -0.0}},
+                       .boolean = {{"foreground", true}, {"b", false}},
+                       .string = {{"empty", ""}, {"processName", "a:b {}"}, {"", "no name"}}},
+                      {"vig:cpu_over_budget:a:b {}",
+                       "a:b {}",
+                       {"threshold_current_value:87.5", "threshold_units:CPU_credits", "z:18446744073709551615", "a:0",
+                        "i:-9223372036854775808", "cpuAvgUtilization:87.5", "d:1e+16", "e:0.1", "f:-0",
+                        "foreground:true", "b:false", "empty:", "processName:a:b {}", ":no name"}});
+    };
+    expectEveryKind();
+    support::inCommaLocales(expectEveryKind);
+}
+
+TEST(TriggerActions, WrapASumThatIsBeyondTheRange) {
+    expectTrigger(kMemory, {.int64 = {{"vmSwapKB", 1}, {"vmRssKB", INT64_MAX}}, .string = {{"processName", "p"}}},
+                  {"vig:memory_heartbeat_over_budget:p",
+                   "p",
+                   {"threshold_current_value:-9223372036854775808", "threshold_units:RSS_anon_plus_swap_KB",
+                    "vmSwapKB:1", "vmRssKB:9223372036854775807", "processName:p"}});
+}
+
+TEST(TriggerActions, ReplaceWhatIsNotUtf8AndKeepWhatIsBeyondTheFirstPlane) {
+    expectTrigger(kCpu,
+                  {.real = {{"cpuAvgUtilization", 1.5}},
+                   .string = {{"processName", "\xF0\x9F\x8E\xB5\xFF!"}, {"\xC0", "\xE2\x82"}}},
+                  {"vig:cpu_over_budget:\xF0\x9F\x8E\xB5\xEF\xBF\xBD!",
+                   "\xF0\x9F\x8E\xB5\xEF\xBF\xBD!",
+                   {"threshold_current_value:1.5", "threshold_units:CPU_credits", "cpuAvgUtilization:1.5",
+                    "processName:\xF0\x9F\x8E\xB5\xEF\xBF\xBD!", "\xEF\xBF\xBD:\xEF\xBF\xBD"}});
+}
+
+TEST(TriggerActions, SendNothingWithoutTheAttributesThatTheyNeed) {
+    const std::string noName = "Missing required attribute processName in event.";
+    const std::string noRss = "Missing required attributes vmRssKB in event.";
+    const std::string noSwap = "Missing required attributes vmSwapKB in event.";
+    const std::string noCpu = "Missing required attribute cpuAvgUtilization in event.";
+    const std::string failed = "synthesizeMetadata from event failed!";
+    const support::NamedValues<std::string> named = {{"processName", "p"}};
+    struct {
+        const VIGActionFunctionFactory& factory;
+        Attributes attributes;
+        std::vector<std::string> messages;
+    } const cases[] = {
+        {kMemory, {}, {noName}},
+        {kMemory, {.int64 = {{"vmRssKB", 1}, {"vmSwapKB", 1}}, .string = {{"processName", ""}}}, {noName}},
+        {kMemory, {.string = named}, {noRss, failed}},
+        {kMemory, {.uint64 = {{"vmRssKB", 1}}, .int64 = {{"vmSwapKB", 1}}, .string = named}, {noRss, failed}},
+        {kMemory, {.int64 = {{"vmRssKB", 1}}, .string = named}, {noSwap, failed}},
+        {kCpu, {.real = {{"cpuAvgUtilization", 1.0}}}, {noName}},
+        {kCpu, {.int64 = {{"cpuAvgUtilization", 1}}, .string = named}, {noCpu, failed}},
+    };
+    const FakeTriggerService service;
+    for (const auto& [factory, attributes, messages] : cases) {
+        const LogCapture log;
+        fire(factory, TestEvent(attributes));
+        EXPECT_EQ(log.lines(), errorLines(messages));
+    }
+    EXPECT_THAT(service.triggers(), IsEmpty());
+}
+
+TEST(TriggerActions, LookTheServiceUpOnEveryCall) {
+    const LogCapture log;
+    fire(kMemory, TestEvent(kCamera));
+    EXPECT_EQ(log.takeLines(), errorLines({kNoService}));
+    expectTrigger(kMemory, kCamera, kCameraTrigger);
+    fire(kCpu, TestEvent({.string = {{"processName", "p"}}}));
+    EXPECT_EQ(log.takeLines(), errorLines({kNoService}));
+}
+
+TEST(TriggerActions, IgnoreWhatTheServiceAnswers) {
+    FakeTriggerService service;
+    service.answer(android::binder::Status::fromServiceSpecificError(7));
+    const LogCapture log;
+    fire(kMemory, TestEvent(kCamera));
+    EXPECT_THAT(service.triggers(), ElementsAre(kCameraTrigger));
+    EXPECT_THAT(log.lines(), IsEmpty());
+}
+
+TEST(TriggerActions, LeaveOutAListedAttributeThatHasNoValueUnlessItIsAString) {
+    struct KeysWithoutValues : TestEvent {
+        using TestEvent::TestEvent;
+        std::vector<std::string_view> keys(ValueType /*kind*/) const override { return {"ghost"}; }
+    };
+    const FakeTriggerService service;
+    fire(kMemory, KeysWithoutValues(kCamera));
+    ASSERT_EQ(service.triggers().size(), 1U);
+    EXPECT_THAT(service.triggers()[0].metadata,
+                ElementsAre("threshold_current_value:1024", "threshold_units:RSS_anon_plus_swap_KB", "ghost:"));
+}
+
+}  // namespace

@@ -1,0 +1,247 @@
+#include "vig/parsers/FilterParser.h"
+
+#include <gmock/gmock.h>
+
+#include <cmath>
+#include <limits>
+
+#include "tests/support/Documents.h"
+#include "tests/support/Locales.h"
+#include "tests/support/LogCapture.h"
+#include "tests/support/TestEvent.h"
+#include "tests/vig/parsers/Json.h"
+
+namespace {
+
+using namespace Brenta::OS::VIG;
+using support::Attributes;
+using support::errorLines;
+using support::filter;
+using support::LogCapture;
+using support::operand;
+using support::TestContext;
+using support::TestEvent;
+
+// "One" to "Three" in every type that a filter can name, "Half" for doubles only.
+VIGParserConfig registry() {
+    return VIGParserConfig({}, {}, {{"One", [] { return 1; }}, {"Two", [] { return 2; }}, {"Three", [] { return 3; }}},
+                           {{"One", [] { return 1.0; }},
+                            {"Two", [] { return 2.0; }},
+                            {"Three", [] { return 3.0; }},
+                            {"Half", [] { return 0.5; }}},
+                           {{"One", [] { return "1"; }}, {"Two", [] { return "2"; }}, {"Three", [] { return "3"; }}},
+                           {{"Half", [] { return true; }}});
+}
+
+void expectRefused(const Json::Value& value, const std::vector<std::string>& messages) {
+    const LogCapture log;
+    EXPECT_EQ(_parseFilter(value, registry()), nullptr);
+    EXPECT_EQ(log.lines(), errorLines(messages));
+}
+
+// The registry goes before the filter is used, as it does when a document is parsed.
+bool passes(const std::string& text, Attributes event, Attributes context = {}) {
+    const auto parsed = _parseFilter(json(text), registry());
+    EXPECT_NE(parsed, nullptr) << text;
+    return parsed && (*parsed)(TestContext(std::move(context)), TestEvent(std::move(event)));
+}
+
+std::string constant(const std::string& text) {
+    return operand("constant", text);
+}
+
+const std::string kX = operand("envvar", "x");
+const Json::Value kGood = json(filter(">", "integer", kX, constant("80")));
+
+TEST(FilterParser, RefusesABadMemberWithItsMessages) {
+    const std::string whole = "Invalid filter JSON: {}.";
+    const std::string noObject = "Filter operand must be an object.";
+    const std::string noType = "Filter operand type is missing or invalid.";
+    const std::string noValue = "Filter operand value is missing or invalid.";
+    const std::string first = "Invalid operand1 JSON: {}.";
+    const std::string second = "Invalid operand2 JSON: {}.";
+    struct {
+        std::string key;
+        std::vector<std::string> values;  // empty for a missing member
+        std::vector<std::string> messages;
+    } const cases[] = {
+        {"operator", {"", "null", "1", R"(["=="])"}, {whole}},
+        {"operator", {R"("=>")"}, {"Invalid operator string: =>."}},
+        {"operator", {R"(" ==")"}, {"Invalid operator string:  ==."}},
+        {"operator", {R"("=")"}, {"Invalid operator string: =."}},
+        {"value_type", {"", "null", R"("")"}, {"Invalid operand value type: ."}},
+        {"value_type", {R"("Integer")"}, {"Invalid operand value type: Integer."}},
+        {"value_type", {"0.5"}, {"Invalid operand value type: 0.5."}},
+        {"value_type", {"true"}, {"Invalid operand value type: true."}},
+        {"value_type", {"{}", R"(["integer"])"}, {"Invalid operand value type: {}."}},
+        {"operand1", {"", "null", "[]", R"("x")"}, {noObject, first}},
+        {"operand1", {"{}", R"({"type":null})", R"({"type":["envvar"],"value":"x"})"}, {noType, first}},
+        {"operand1", {R"({"type":"Constant","value":1})"}, {"Unknown filter operand type: Constant", first}},
+        {"operand1", {R"({"type":""})"}, {"Unknown filter operand type: ", first}},
+        {"operand1", {R"({"type":"envvar"})", R"({"type":"constant","value":80})"}, {noValue, first}},
+        {"operand1", {R"({"type":"constant","value":{}})", R"({"type":"envvar","value":true})"}, {noValue, first}},
+        {"operand1", {operand("function", "Half")}, {"Failed to find function: Half"}},
+        {"operand1", {operand("function", "one")}, {"Failed to find function: one"}},
+        {"operand2", {"", "[]"}, {noObject, second}},
+        {"operand2", {R"({"value":"80"})"}, {noType, second}},
+        {"operand2", {R"({"type":"var"})"}, {"Unknown filter operand type: var", second}},
+        {"operand2", {R"({"type":"constant","value":80})"}, {noValue, second}},
+    };
+    for (const auto& [key, values, messages] : cases) {
+        for (const std::string& value : values) {
+            const Json::Value bad = with(kGood, key, value);
+            expectRefused(bad, shown(messages, key == "operator" ? bad : bad[key]));
+        }
+    }
+    for (const char* text : {"null", "[]", "3", R"("==")"}) {
+        expectRefused(json(text), shown({whole}, json(text)));
+    }
+}
+
+TEST(FilterParser, ReportsTheFirstFaultOnly) {
+    expectRefused(json(R"({"operator":"=>"})"), {"Invalid operator string: =>."});
+    expectRefused(json(R"({"operator":"==","operand1":1})"), {"Invalid operand value type: ."});
+    expectRefused(json(R"({"operator":"==","value_type":"double"})"),
+                  {"Filter operand must be an object.", "Invalid operand1 JSON: null\n."});
+    expectRefused(json(filter("==", "integer", constant("abc"), operand("function", "Half"))),
+                  {"Failed to find function: Half"});
+}
+
+TEST(FilterParser, RefusesATypedConstantThatIsNoNumberOfTheType) {
+    const std::pair<std::string, std::vector<std::string>> cases[] = {
+        {"integer", {"", "abc", "-", ".5", "9223372036854775808", "-9223372036854775809"}},
+        {"double", {"", "abc", "1e999", "-1e999"}}};
+    for (const auto& [type, texts] : cases) {
+        for (const std::string& text : texts) {
+            for (const std::string& source : {kX, operand("function", "One")}) {
+                expectRefused(json(filter("==", type, constant(text), source)),
+                              {"Invalid constant of value type " + type + ": " + text + "."});
+            }
+        }
+    }
+}
+
+TEST(FilterParser, ComparesEveryPairOfOperandsByEveryOperator) {
+    struct {
+        std::string text;
+        bool expected[3];  // for 1, 2 and 3 on the left of 2
+    } const operators[] = {{"==", {false, true, false}}, {"!=", {true, false, true}}, {">", {false, false, true}},
+                           {"<", {true, false, false}},  {">=", {false, true, true}}, {"<=", {true, true, false}}};
+    const Attributes event = {.int64 = {{"One", 1}, {"Two", 2}, {"Three", 3}},
+                              .real = {{"One", 1}, {"Two", 2}, {"Three", 3}},
+                              .string = {{"One", "1"}, {"Two", "2"}, {"Three", "3"}}};
+    const auto operands = [](int number) {
+        const std::string name = number == 1 ? "One" : number == 2 ? "Two" : "Three";
+        return std::vector{constant(std::to_string(number)), operand("envvar", name), operand("function", name)};
+    };
+    const LogCapture log;
+    for (const auto& [op, expected] : operators) {
+        for (const int number : {1, 2, 3}) {
+            for (const std::string& left : operands(number)) {
+                for (const std::string& two : operands(2)) {
+                    for (const std::string type : {"integer", "double", "string"}) {
+                        EXPECT_EQ(passes(filter(op, type, left, two), event), expected[number - 1])
+                            << left << op << two;
+                        EXPECT_EQ(passes(filter(op, type, two, left), event), expected[3 - number])
+                            << two << op << left;
+                    }
+                }
+            }
+        }
+    }
+    EXPECT_THAT(log.lines(), testing::IsEmpty());
+}
+
+TEST(FilterParser, ReadsATypedConstantUpToTheEndOfTheNumber) {
+    const std::pair<std::string, std::int64_t> integers[] = {
+        {"12kB", 12}, {" \\t+7", 7}, {"010", 10}, {"2.0", 2}, {"-9223372036854775808", INT64_MIN}};
+    for (const auto& [text, value] : integers) {
+        EXPECT_TRUE(passes(filter("==", "integer", kX, constant(text)), {.int64 = {{"x", value}}})) << text;
+    }
+    const double infinity = std::numeric_limits<double>::infinity();
+    const std::pair<std::string, double> doubles[] = {
+        {"0.75x", 0.75}, {" -1e3", -1000.0}, {"-Infinity", -infinity}, {"0,5", 0.0}};
+    for (const auto& [text, value] : doubles) {
+        EXPECT_TRUE(passes(filter("==", "double", kX, constant(text)), {.real = {{"x", value}}})) << text;
+    }
+}
+
+TEST(FilterParser, TakesTheNearestNumberForAConstantAgainstAConstant) {
+    const auto equal = [](const std::string& type, const std::string& left, const std::string& right) {
+        return passes(filter("==", type, constant(left), constant(right)), {});
+    };
+    const std::pair<std::string, std::string> integers[] = {{"12abc", "12"},
+                                                            {"abc", "0"},
+                                                            {"", "0"},
+                                                            {"2", "2.0"},
+                                                            {"99999999999999999999", "9223372036854775807"},
+                                                            {"-99999999999999999999", "-9223372036854775808"}};
+    for (const auto& [left, right] : integers) {
+        EXPECT_TRUE(equal("integer", left, right)) << left;
+    }
+    EXPECT_TRUE(equal("double", "abc", "0") && equal("double", "1e400", "inf") && equal("double", "-1e400", "-inf"));
+    EXPECT_TRUE(equal("double", "2", "2.0") && !equal("double", "nan", "nan") && !equal("string", "2", "2.0"));
+}
+
+TEST(FilterParser, ReadsAndShowsDecimalPointsInEveryLocale) {
+    const Json::Value badType = with(kGood, "value_type", "0.5");
+    support::inCommaLocales([&] {
+        EXPECT_TRUE(passes(filter("==", "double", kX, constant("0.75")), {.real = {{"x", 0.75}}}));
+        EXPECT_TRUE(passes(filter("==", "double", constant("0.75"), constant("75e-2")), {}));
+        expectRefused(badType, {"Invalid operand value type: 0.5."});
+    });
+}
+
+TEST(FilterParser, LooksAtTheContextForAVariableAgainstAConstantOnly) {
+    const Attributes three = {.int64 = {{"x", 3}}, .real = {{"x", 3}}, .string = {{"x", "3"}}};
+    for (const std::string type : {"integer", "double", "string"}) {
+        EXPECT_TRUE(passes(filter("==", type, kX, constant("3")), {}, three));
+        EXPECT_TRUE(passes(filter("==", type, kX, operand("envvar", "y")), {}, three));
+        EXPECT_TRUE(passes(filter("<", type, kX, operand("function", "One")), {}, three));
+        EXPECT_EQ(passes(filter("!=", type, kX, constant("3")), {}), type == "string");
+    }
+}
+
+TEST(FilterParser, PutsTheFallbackInPlaceOfAnUnknownFunctionAgainstAVariable) {
+    for (const std::string type : {"integer", "string"}) {
+        const LogCapture log;
+        EXPECT_TRUE(passes(filter("==", type, operand("function", "Half"), kX), {}));
+        EXPECT_EQ(log.lines(), errorLines({"Invalid pure function type: Half"}));
+    }
+    const LogCapture log;
+    EXPECT_TRUE(passes(filter("==", "double", operand("function", "A"), operand("function", "B")), {}));
+    EXPECT_EQ(log.lines(), errorLines({"Invalid pure function type: A", "Invalid pure function type: B"}));
+}
+
+TEST(OperandFunctions, YieldTheFallbackOfTheirCaller) {
+    const FilterOperand unknown{FilterOperand::Type::Function, "Nope"};
+    const LogCapture log;
+    EXPECT_EQ(_createIntegerOperandFunction(unknown, registry(), 5)(TestContext({}), TestEvent({})), 5);
+    EXPECT_EQ(_createDoubleOperandFunction(unknown, registry(), 0.5)(TestContext({}), TestEvent({})), 0.5);
+    EXPECT_EQ(_createStringOperandFunction(unknown, registry(), "none")(TestContext({}), TestEvent({})), "none");
+    EXPECT_EQ(log.lines(), errorLines(std::vector<std::string>(3, "Invalid pure function type: Nope")));
+}
+
+TEST(GenericFilter, CallsBothSidesOnEveryEvaluationLeftFirst) {
+    std::string calls;
+    const auto side = [&calls](char name, double value) {
+        return [&calls, name, value](auto&, auto&) {
+            calls += name;
+            return value;
+        };
+    };
+    std::shared_ptr<Brenta::OS::RulesEngine::Filter> created;
+    _createFilter<double>(FilterOperator::NotEqual, side('L', std::nan("")), side('R', 1.0), created);
+    EXPECT_TRUE((*created)(TestContext({}), TestEvent({})));
+    EXPECT_TRUE((*created)(TestContext({}), TestEvent({})));
+    EXPECT_EQ(calls, "LRLR");
+}
+
+static_assert(kFilterOperatorTable.reverseLookup("==") == FilterOperator{0} &&
+              kFilterOperatorTable.reverseLookup("!=") == FilterOperator{1} &&
+              kFilterOperatorTable.reverseLookup(">") == FilterOperator{2} &&
+              kFilterOperatorTable.reverseLookup("<") == FilterOperator{3} &&
+              kFilterOperatorTable.reverseLookup(">=") == FilterOperator{4} &&
+              kFilterOperatorTable.reverseLookup("<=") == FilterOperator{5});
+
+}  // namespace

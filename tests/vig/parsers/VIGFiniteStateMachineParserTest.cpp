@@ -1,0 +1,236 @@
+#include "vig/parsers/VIGFiniteStateMachineParser.h"
+
+#include <gmock/gmock.h>
+
+#include <limits>
+#include <type_traits>
+
+#include "tests/support/Documents.h"
+#include "tests/support/Locales.h"
+#include "tests/support/LogCapture.h"
+#include "tests/support/Slots.h"
+#include "tests/support/TestEvent.h"
+#include "tests/vig/parsers/Json.h"
+#include "vig/actions/TestActionFunctionFactory.h"
+#include "vig/parsers/VIGParserConfig.h"
+
+namespace {
+
+using namespace Brenta::OS::VIG;
+using Brenta::OS::RulesEngine::EventType;
+using Brenta::OS::RulesEngine::FiniteStateMachine;
+using support::LogCapture;
+using support::machine;
+using support::transition;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+using Parameters = std::vector<VIGActionParameter>;
+
+// Accepts any parameters and writes them down; its action writes its number.
+class RecordingFactory : public VIGActionFunctionFactory {
+  public:
+    std::optional<VIGActionFunction> get(const Parameters& parameters) const override {
+        asked.push_back(parameters);
+        return [this, number = asked.size()](auto&, auto&) { ran.push_back(number); };
+    }
+
+    mutable std::vector<Parameters> asked;
+    mutable std::vector<std::size_t> ran;
+};
+
+class MachineParserTest : public testing::Test {
+  protected:
+    // "Test" refuses parameters, what `recordKey` names does not.
+    VIGParseResult<FiniteStateMachine> parse(const Json::Value& value, const std::string& recordKey) {
+        const auto test = std::make_shared<TestActionFunctionFactory>();
+        const VIGParserConfig config({{"Test", EventType::Test}, {"EnteringState", EventType::EnteringState}},
+                                     {{"Test", test}, {"Test(integer)", test}, {recordKey, factory}}, {}, {}, {}, {},
+                                     [this] {
+                                         contexts.push_back(new support::TestContext({}));
+                                         return std::unique_ptr<support::TestContext>(contexts.back());
+                                     });
+        return VIGFiniteStateMachineParser().parse(value, config);
+    }
+
+    // Every refusal ends with the line of the whole machine.
+    void expectRefused(const Json::Value& value, std::vector<std::string> messages) {
+        const LogCapture log;
+        const auto result = parse(value, "Record");
+        EXPECT_EQ(result.error, VIGParseError::InvalidFsm);
+        EXPECT_EQ(result.value, nullptr);
+        messages.push_back("Invalid FSM JSON: " + value.toStyledString() + ".");
+        EXPECT_EQ(log.lines(), support::errorLines(messages));
+    }
+
+    std::unique_ptr<FiniteStateMachine> expectAccepted(const Json::Value& value,
+                                                       const std::string& recordKey = "Record") {
+        const LogCapture log;
+        auto result = parse(value, recordKey);
+        EXPECT_EQ(result.error, VIGParseError::Ok);
+        EXPECT_THAT(log.lines(), IsEmpty());
+        return std::move(result.value);
+    }
+
+    const std::shared_ptr<RecordingFactory> factory = std::make_shared<RecordingFactory>();
+    std::vector<support::TestContext*> contexts;
+};
+
+Json::Value withAction(const std::string& action) {
+    return json(machine({transition("start", "end", "Test", "[]", "[" + action + "]")}));
+}
+
+Json::Value withParameters(const std::string& parameters) {
+    return withAction(R"({"name":"Record","parameters":)" + parameters + "}");
+}
+
+TEST_F(MachineParserTest, RefusesAMachineWithoutAListOfTransitions) {
+    for (const char* text : {"null", "[]", "3", R"("x")", "{}", R"({"transitions":null})", R"({"transitions":{}})"}) {
+        expectRefused(json(text), {});
+    }
+    EXPECT_THAT(contexts, IsEmpty());
+}
+
+TEST_F(MachineParserTest, RefusesATransitionOfTheWrongShapeWithoutALineOfItsOwn) {
+    for (const char* text : {"null", "3", "[]", R"("x")"}) {
+        expectRefused(json(machine({transition("start", "end", "Test"), text})), {});
+    }
+    for (const std::string key : {"from_state", "to_state", "event", "filters", "actions"}) {
+        for (const char* value : {"", "null", "1", "true", "{}", key.back() == 's' ? R"("x")" : "[]"}) {
+            Json::Value bad = json(machine({}));
+            bad["transitions"].append(with(json(transition("start", "end", "Test")), key, value));
+            expectRefused(bad, {});
+        }
+    }
+}
+
+TEST_F(MachineParserTest, ReportsTheFirstFaultOfATransitionAndReadsNoFurther) {
+    const std::string record = R"([{"name":"Record"},{"name":"Nope"},{"name":"Record"}])";
+    const std::pair<std::string, std::string> cases[] = {
+        {transition("start", "end", "Heartbeat"), "FSM Event not found!"},
+        {transition("start", "end", "test"), "FSM Event not found!"},
+        {transition("start", "end", "Heartbeat", R"([{"operator":"=>"},1])", record), "Invalid operator string: =>."},
+        {transition("start", "end", "Heartbeat", "[]", record), "FSM Action (Nope) not found!"}};
+    for (const auto& [bad, message] : cases) {
+        expectRefused(json(machine({transition("start", "end", "Test"), bad, "1"})), {message});
+    }
+    EXPECT_THAT(factory->asked, ElementsAre(Parameters()));
+}
+
+TEST_F(MachineParserTest, RefusesABadActionWithItsMessages) {
+    for (const char* action : {"1", "null", "[]", "{}", R"({"name":null})", R"({"name":1,"parameters":[1]})"}) {
+        expectRefused(withAction(action), shown({"Invalid action JSON: {}."}, json(action)));
+    }
+    expectRefused(withAction(R"({"name":"test"})"), {"FSM Action (test) not found!"});
+    expectRefused(withAction(R"({"name":"Test","parameters":[]})"), {"FSM Action (Test()) not found!"});
+    expectRefused(withAction(R"({"name":"A","parameters":[{"type":"double","value":"1"},{"type":"string"}]})"),
+                  {"FSM Action (A(double,string)) not found!"});
+    expectRefused(
+        withAction(R"({"name":"Test","parameters":[{"type":"integer","value":"3"}]})"),
+        {"Test Action should not have any parameters.", "Action Test(integer) does not support the given parameters.",
+         "FSM Action (Test(integer)) not found!"});
+}
+
+TEST_F(MachineParserTest, RefusesABadParameterWithoutAskingForTheAction) {
+    const std::pair<std::string, std::string> types[] = {{R"({"type":"int","value":"3"})", "int"},
+                                                         {R"({"type":"Double","value":"3"})", "Double"},
+                                                         {R"({"value":"3"})", ""},
+                                                         {R"({"type":null})", ""},
+                                                         {R"({"type":1})", "1"},
+                                                         {R"({"type":["integer"],"value":"3"})", "{}"},
+                                                         {R"({"type":"string","value":{}})", "{}"},
+                                                         {R"({"type":"integer","value":[3]})", "{}"},
+                                                         {R"("integer")", "{}"},
+                                                         {"null", "{}"}};
+    for (const auto& [parameter, shownType] : types) {
+        expectRefused(withParameters("[" + parameter + "]"),
+                      shown({"Invalid action parameter type: " + shownType + "."}, json(parameter)));
+    }
+    const std::pair<std::string, std::vector<std::string>> values[] = {
+        {"integer", {"99999999999", "2147483648", "-2147483649", "9999999999999999999", "abc", "", "true"}},
+        {"double", {"1e999", "-1e999", "abc", ""}}};
+    for (const auto& [type, texts] : values) {
+        for (const std::string& text : texts) {
+            expectRefused(withParameters(R"([{"type":")" + type + R"(","value":")" + text + R"("}])"),
+                          {"Invalid value for an action parameter of type " + type + ": " + text + "."});
+        }
+        expectRefused(withParameters(R"([{"type":")" + type + R"("}])"),
+                      {"Invalid value for an action parameter of type " + type + ": ."});
+    }
+    EXPECT_THAT(factory->asked, IsEmpty());
+}
+
+TEST_F(MachineParserTest, AsksForAnActionByItsNameAndParameterTypesInEveryLocale) {
+    const double infinity = std::numeric_limits<double>::infinity();
+    struct {
+        std::string parameters;
+        std::string key;
+        Parameters expected;
+    } const cases[] = {
+        {"null", "Record", {}},
+        {R"({"type":"integer","value":"3"})", "Record", {}},
+        {"[]", "Record()", {}},
+        {R"([{"type":"integer","value":"12s"},{"type":"string","value":"cpu"}])",
+         "Record(integer,string)",
+         {12, "cpu"}},
+        {R"([{"type":"integer","value":3},{"type":"integer","value":3.7}])", "Record(integer,integer)", {3, 3}},
+        {R"([{"type":"integer","value":" \t2147483647"},{"type":"integer","value":"-2147483648"}])",
+         "Record(integer,integer)",
+         {INT32_MAX, INT32_MIN}},
+        {R"([{"type":"double","value":"0.5x"},{"type":"double","value":1.25},{"type":"double","value":"-inf"}])",
+         "Record(double,double,double)",
+         {0.5, 1.25, -infinity}},
+        {R"([{"type":"string"},{"type":"string","value":null},{"type":"string","value":false}])",
+         "Record(string,string,string)",
+         {"", "", "false"}},
+        {R"([{"type":"string","value":0.5},{"type":"string","value":18446744073709551615}])",
+         "Record(string,string)",
+         {"0.5", "18446744073709551615"}},
+    };
+    for (const auto& [parameters, key, expected] : cases) {
+        const Json::Value value = withParameters(parameters);
+        const auto expectParameters = [&, &key = key, &expected = expected] {
+            factory->asked.clear();
+            expectAccepted(value, key);
+            EXPECT_THAT(factory->asked, ElementsAre(expected)) << key;
+        };
+        expectParameters();
+        support::inCommaLocales(expectParameters);
+    }
+}
+
+TEST_F(MachineParserTest, BuildsAMachineWithAContextOfItsOwnAndDoesNotStartIt) {
+    const auto empty = expectAccepted(json(R"({"transitions":[],"other":1})"));
+    EXPECT_THAT(empty->getAllListeningEventTypes(), IsEmpty());
+    const auto entering = expectAccepted(json(machine({transition("start", "", "EnteringState")})));
+    EXPECT_EQ(entering->getCurrentState()->getName(), "start");
+    entering->start();
+    EXPECT_EQ(entering->getCurrentState()->getName(), "");
+    EXPECT_THAT(contexts, ElementsAre(empty->getContext(), entering->getContext()));
+}
+
+TEST_F(MachineParserTest, KeepsTheOrderOfTransitionsAndActions) {
+    const std::string gate =
+        support::filter("==", "integer", support::operand("envvar", "x"), support::operand("constant", "1"));
+    const auto parsed = expectAccepted(
+        json(machine({transition("start", "start", "Test", "[" + gate + "]", R"([{"name":"Record"},{"name":"Test"}])"),
+                      transition("start", "idle", "Test", "[]", R"([{"name":"Record"},{"name":"Record"}])"),
+                      transition("start", "end", "Test"), transition("idle", "busy", "Test")})));
+    parsed->onEvent(support::TestEvent({.int64 = {{"x", 1}}}));
+    EXPECT_THAT(factory->ran, ElementsAre(1U));
+    parsed->onEvent(support::TestEvent({}));
+    EXPECT_THAT(factory->ran, ElementsAre(1U, 2U, 3U));
+    EXPECT_EQ(parsed->getCurrentState()->getName(), "idle");
+}
+
+// What clients are compiled against.
+TEST(ParserInterfaces, HaveTheirOperationBehindTheDestructor) {
+    EXPECT_EQ(support::slotOf(&VIGIParser<FiniteStateMachine>::parse), 2U);
+    EXPECT_EQ(support::slotOf(&VIGActionFunctionFactory::get), 2U);
+}
+
+static_assert(!std::is_polymorphic_v<VIGParserConfig>);
+static_assert(!std::is_copy_constructible_v<VIGParseResult<int>> && std::is_move_constructible_v<VIGParseResult<int>>);
+static_assert(std::is_same_v<VIGActionParameter, std::variant<std::int32_t, double, std::string>>);
+
+}  // namespace

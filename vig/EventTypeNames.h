@@ -1,0 +1,22 @@
+#pragma once
+
+#include "os/LookupTable.h"
+#include "rulesengine/EventType.h"
+
+namespace Brenta::OS::VIG {
+
+// The names by which documents, and the tool's event records, refer to the event types.
+inline constexpr LookupTable<10, RulesEngine::EventType, const char*> kEventTypeNames{{{
+    {RulesEngine::EventType::EnteringState, "EnteringState"},
+    {RulesEngine::EventType::Timeout, "Timeout"},
+    {RulesEngine::EventType::Test, "Test"},
+    {RulesEngine::EventType::TelemetryEventBegin, "TelemetryEventBegin"},
+    {RulesEngine::EventType::ProcessMemoryHeartBeat, "ProcessMemoryHeartBeat"},
+    {RulesEngine::EventType::SystemMemoryHeartBeat, "SystemMemoryHeartBeat"},
+    {RulesEngine::EventType::ZramHeartBeat, "ZramHeartBeat"},
+    {RulesEngine::EventType::ProcessCpuHeartBeat, "ProcessCpuHeartBeat"},
+    {RulesEngine::EventType::ForegroundAppsStats, "ForegroundAppsStats"},
+    {RulesEngine::EventType::TelemetryEventEnd, "TelemetryEventEnd"},
+}}};
+
+}  // namespace Brenta::OS::VIG

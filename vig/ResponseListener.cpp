@@ -1,0 +1,21 @@
+#include "vig/ResponseListener.h"
+
+#include <cassert>
+#include <utility>
+
+namespace Brenta::OS::VIG {
+
+using com::korvel::deviceconfig::Properties;
+
+ResponseListener::ResponseListener(std::function<void(const Properties&)> changeHandler)
+    : handler(std::move(changeHandler)) {
+    assert(handler);
+}
+
+void ResponseListener::onPropertiesChanged(Properties properties) {
+    handler(properties);
+}
+
+ResponseListener::~ResponseListener() = default;
+
+}  // namespace Brenta::OS::VIG

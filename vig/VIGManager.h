@@ -1,0 +1,123 @@
+#pragma once
+
+#include <atomic>
+#include <condition_variable>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "os/Export.h"
+#include "vig/parsers/VIGConfig.h"
+#include "vig/parsers/VIGParserConfig.h"
+
+namespace com::korvel::deviceconfig {
+class DeviceConfig;
+}
+
+namespace Brenta::OS::VIG {
+
+class DeliveryGate;
+class LogZramHeartBeatActionFunctionFactory;
+class ResponseListener;
+class TestActionFunctionFactory;
+class VIGTriggerVeloraCpuFuncActionFactoryImpl;
+class VIGTriggerVeloraFuncActionFactoryImpl;
+
+// Delivers the configurations of the device to a client: once when the device-configuration service is found,
+// and again whenever the rule document changes. This is the one object that a client creates.
+//
+// A delivery hands over the ownership of the configurations, and of the machines in them, which outlive the
+// manager. A document that is absent or in any way invalid reads as an empty list; the log says why.
+// Deliveries run on the manager's watcher thread (the first) and on the device-configuration library's own
+// thread (the others), never on the client's, and never two at a time. Each belongs to one registration: the
+// callback of a later one never sees a document that was read for an earlier one.
+//
+// All operations may be called from any thread, and all but the destructor from within the callback.
+// Nothing throws, but for the std::system_error of a thread that cannot be created.
+// The order of the virtual operations and of the members is part of the binary interface.
+class VIG_EXPORT VIGManager {
+  public:
+    using Callback = std::function<void(std::vector<std::unique_ptr<VIGConfig>>&&)>;
+
+    // Starts no thread and calls no service.
+    VIGManager();
+    VIGManager(const VIGManager&) = delete;
+    VIGManager& operator=(const VIGManager&) = delete;
+
+    // When it returns, no thread runs any code of the manager and no listener is left. Waits for a watcher that
+    // still polls, about 31 seconds at most, and for deliveries under way; until then the callback may be called.
+    // REQUIRES: not called from within the callback (asserted in debug builds).
+    virtual ~VIGManager();
+
+    // The text of the rule document, read anew from the device configuration; that of an empty document if
+    // there is none.
+    virtual std::string getConfig() const;
+
+    // Parses a document with the names that the library knows. Empty if the document is invalid, with a line
+    // in the log.
+    virtual std::vector<std::unique_ptr<VIGConfig>> parseResponse(const std::string& response) const;
+
+    // Starts the watcher thread, or asks the one that still polls to begin again. Part of registerCallback.
+    virtual void configureDeviceConfigService();
+
+    // Makes `newCallback` the receiver of all deliveries and looks for the service, for about 31 seconds from
+    // now; a service that appears later is not found. If the service is known, the first delivery follows at
+    // once. An earlier registration ends as with deregisterCallback, but without waiting for the service.
+    // If the thread cannot be created, there is no registration afterwards.
+    void registerCallback(Callback newCallback);
+
+    // Ends the registration. No delivery for it begins after the return, but one under way may still call
+    // the copy of the callback that it holds. No listener stays registered; should the service need longer
+    // than two seconds for a registration under way, the listener is removed as soon as it is done.
+    void deregisterCallback();
+
+  protected:
+    // The registry of the names that the library knows.
+    VIGParserConfig createParserConfig() const;
+
+    // Does what the destructor does first. A derived class that overrides an operation calls it in its own
+    // destructor, because the manager's threads may call the override until then.
+    void stop();
+
+  private:
+    void watch();
+    std::optional<std::uint64_t> takeWatchRequest();
+    bool isWatchRequested() const;
+    bool isSubscribed() const;
+    void pollFor(std::uint64_t served);
+    void goLive(std::uint64_t served);
+
+    bool isAwaited(std::uint64_t served) const;
+    void deliver(std::uint64_t served, const std::string& response);
+
+    void replaceRegistration(std::unique_lock<std::mutex>& lock, Callback newCallback);
+    void subscribe(std::uint64_t served);
+    void unsubscribe(std::unique_lock<std::mutex>& lock);
+    void callService(std::unique_lock<std::mutex>& lock, const std::function<void()>& call);
+
+    Callback callback;  // guarded by mutex
+    std::unique_ptr<com::korvel::deviceconfig::DeviceConfig> deviceConfig;
+    std::shared_ptr<ResponseListener> responseListener;  // guarded by mutex
+    std::atomic<bool> deviceConfigAvailable{false};
+    mutable std::mutex mutex;
+    std::thread deviceConfigThread;  // guarded by mutex until `stop` joins it
+    std::shared_ptr<TestActionFunctionFactory> testActionFunctionFactory;
+    std::shared_ptr<LogZramHeartBeatActionFunctionFactory> logZramHeartBeatActionFunctionFactory;
+    std::shared_ptr<VIGTriggerVeloraFuncActionFactoryImpl> triggerVeloraFuncActionFactory;
+    std::shared_ptr<VIGTriggerVeloraCpuFuncActionFactoryImpl> triggerVeloraCpuFuncActionFactory;
+
+    std::uint64_t registration{0};  // guarded by mutex; another one with each change of the callback
+    bool watching{false};           // guarded by mutex; the watcher has not decided to end
+    bool stopping{false};           // guarded by mutex; nothing new begins
+    std::thread::id subscriber;     // guarded by mutex; adds or removes a listener at this moment, if any
+    std::condition_variable subscriptionSettled;
+    std::optional<std::uint64_t> watchRequest;  // guarded by mutex; the registration that waits to be served
+    std::shared_ptr<DeliveryGate> gate;
+};
+
+}  // namespace Brenta::OS::VIG

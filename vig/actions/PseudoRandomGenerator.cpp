@@ -1,0 +1,68 @@
+#include "vig/actions/PseudoRandomGenerator.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <chrono>
+#include <cmath>
+#include <cstddef>
+
+namespace Brenta::OS::VIG {
+
+namespace {
+
+// Without the device a seed need not be secret, only differ from process to process and from start to start.
+std::uint32_t seedWithoutDevice() {
+    const auto now = static_cast<std::uint64_t>(std::chrono::system_clock::now().time_since_epoch().count());
+    return static_cast<std::uint32_t>(now ^ (now >> 32)) ^ (static_cast<std::uint32_t>(getpid()) << 16);
+}
+
+}  // namespace
+
+PseudoRandomGenerator::PseudoRandomGenerator(std::uint32_t value) : engine(value) {}
+
+PseudoRandomGenerator& PseudoRandomGenerator::ofProcess() {
+    static PseudoRandomGenerator generator(readSeed("/dev/urandom").value_or(seedWithoutDevice()));
+    return generator;
+}
+
+void PseudoRandomGenerator::seed(std::uint32_t value) {
+    const std::lock_guard lock(mutex);
+    engine.seed(value);
+}
+
+double PseudoRandomGenerator::draw() {
+    const std::lock_guard lock(mutex);
+    const auto first = static_cast<std::uint32_t>(engine());
+    const auto second = static_cast<std::uint32_t>(engine());
+    return toDouble(first, second);
+}
+
+double PseudoRandomGenerator::toDouble(std::uint32_t first, std::uint32_t second) {
+    const double quotient = (second * 4294967296.0 + first) * 0x1p-64;
+    // The sum rounds up to 2^64 for the very largest outputs.
+    return quotient < 1.0 ? quotient : std::nextafter(1.0, 0.0);
+}
+
+// Not std::random_device, which throws where the device is missing.
+std::optional<std::uint32_t> PseudoRandomGenerator::readSeed(const char* devicePath) {
+    const int device = open(devicePath, O_RDONLY | O_CLOEXEC);
+    if (device < 0) {
+        return std::nullopt;
+    }
+    std::uint32_t value = 0;
+    std::size_t filled = 0;
+    while (filled < sizeof value) {
+        const ssize_t got = read(device, reinterpret_cast<char*>(&value) + filled, sizeof value - filled);
+        if (got > 0) {
+            filled += static_cast<std::size_t>(got);
+        } else if (got == 0 || errno != EINTR) {
+            break;
+        }
+    }
+    close(device);
+    return filled == sizeof value ? std::optional(value) : std::nullopt;
+}
+
+}  // namespace Brenta::OS::VIG

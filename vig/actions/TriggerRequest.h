@@ -1,0 +1,29 @@
+#pragma once
+
+#include <utils/String16.h>
+
+#include <optional>
+#include <string_view>
+#include <vector>
+
+#include "rulesengine/Event.h"
+
+namespace Brenta::OS::VIG {
+
+// What the trigger actions have in common. All of it runs on the thread that drives the machine.
+
+using TriggerMetadata = std::vector<std::optional<android::String16>>;
+
+// Appends one entry. Text that is not valid UTF-8 is converted with replacement characters.
+void appendEntry(TriggerMetadata& metadata, std::string_view text);
+
+// Appends "name:value" for every attribute that the event lists in its keys.
+void appendAttributes(TriggerMetadata& metadata, const RulesEngine::Event& event);
+
+// Asks the trigger service for a collection named `namePrefix` followed by the event's "processName". Blocks
+// for the lookup of the service and the call. Where the event, the service or the metadata (an empty list)
+// does not serve, writes a line to the log and calls nothing; what the service answers is ignored.
+void requestTrigger(const char* namePrefix, TriggerMetadata (*synthesizeMetadata)(const RulesEngine::Event&),
+                    const RulesEngine::Event& event);
+
+}  // namespace Brenta::OS::VIG

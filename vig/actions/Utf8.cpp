@@ -1,0 +1,51 @@
+#include "vig/actions/Utf8.h"
+
+#include <cstddef>
+
+namespace Brenta::OS::VIG {
+
+namespace {
+
+struct Sequence {
+    std::size_t length;
+    bool wellFormed;
+};
+
+// The sequence at the beginning of `text`, which is not empty. The second byte has a narrower range after some
+// lead bytes, which rules out overlong forms, surrogates and what is beyond U+10FFFF.
+Sequence firstSequence(std::string_view text) {
+    const auto lead = static_cast<unsigned char>(text[0]);
+    if (lead < 0x80) {
+        return {1, true};
+    }
+    if (lead < 0xC2 || lead > 0xF4) {
+        return {1, false};
+    }
+    const std::size_t length = lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
+    unsigned lowest = lead == 0xE0 ? 0xA0 : lead == 0xF0 ? 0x90 : 0x80;
+    unsigned highest = lead == 0xED ? 0x9F : lead == 0xF4 ? 0x8F : 0xBF;
+    for (std::size_t place = 1; place < length; ++place) {
+        const unsigned next = place < text.size() ? static_cast<unsigned char>(text[place]) : 0;
+        if (next < lowest || next > highest) {
+            return {place, false};
+        }
+        lowest = 0x80;
+        highest = 0xBF;
+    }
+    return {length, true};
+}
+
+}  // namespace
+
+std::string replaceInvalidUtf8(std::string_view text) {
+    std::string valid;
+    valid.reserve(text.size());
+    while (!text.empty()) {
+        const Sequence sequence = firstSequence(text);
+        valid += sequence.wellFormed ? text.substr(0, sequence.length) : "\xEF\xBF\xBD";
+        text.remove_prefix(sequence.length);
+    }
+    return valid;
+}
+
+}  // namespace Brenta::OS::VIG

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <variant>
+
+#include "rulesengine/EvaluationContext.h"
+#include "rulesengine/Event.h"
+
+namespace Brenta::OS::VIG {
+
+// One parameter of an action, as written in a document.
+using VIGActionParameter = std::variant<std::int32_t, double, std::string>;
+
+// What an action does each time its transition fires. It runs on the thread that drives the machine.
+using VIGActionFunction = std::function<void(RulesEngine::EvaluationContext&, const RulesEngine::Event&)>;
+
+}  // namespace Brenta::OS::VIG

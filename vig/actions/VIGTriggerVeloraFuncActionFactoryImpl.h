@@ -1,0 +1,21 @@
+#pragma once
+
+#include <utils/String16.h>
+
+#include "vig/actions/VIGActionFunctionFactory.h"
+
+namespace Brenta::OS::VIG {
+
+// "TriggerVelora": asks the trigger service for a collection because a process is over its memory budget.
+// Reads the event's "processName" (String) and "vmRssKB" and "vmSwapKB" (Int64, kB). Takes no parameters.
+// The action blocks its thread for the lookup of the service and the call.
+class VIG_EXPORT VIGTriggerVeloraFuncActionFactoryImpl : public VIGActionFunctionFactory {
+  public:
+    std::optional<VIGActionFunction> get(const std::vector<VIGActionParameter>& parameters) const override;
+
+    // The measured value, its unit, and every attribute of the event. Empty, with a line in the log, if the
+    // event lacks the measured value.
+    static std::vector<std::optional<android::String16>> synthesizeMetadata(const RulesEngine::Event& event);
+};
+
+}  // namespace Brenta::OS::VIG

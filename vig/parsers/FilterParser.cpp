@@ -1,0 +1,318 @@
+#include "vig/parsers/FilterParser.h"
+
+#include <json/value.h>
+
+#include <string_view>
+#include <utility>
+
+#include "rulesengine/Comparators.h"
+#include "rulesengine/FuncFilter.h"
+#include "vig/Log.h"
+#include "vig/parsers/JsonValues.h"
+#include "vig/parsers/NumberText.h"
+
+namespace Brenta::OS::VIG {
+
+using RulesEngine::EvaluationContext;
+using RulesEngine::Event;
+using RulesEngine::EvtAndContextComparator;
+using RulesEngine::Filter;
+using RulesEngine::FuncFilter;
+using RulesEngine::ReturnValueComparator;
+
+namespace {
+
+constexpr LookupTable<3, FilterOperand::Type, std::string_view> kOperandTypes{{{
+    {FilterOperand::Type::Constant, "constant"},
+    {FilterOperand::Type::Function, "function"},
+    {FilterOperand::Type::Envvar, "envvar"},
+}}};
+
+constexpr LookupTable<3, FilterValueType, std::string_view> kValueTypes{{{
+    {FilterValueType::String, "string"},
+    {FilterValueType::Integer, "integer"},
+    {FilterValueType::Double, "double"},
+}}};
+
+// The operator that keeps the meaning when the operands change places.
+FilterOperator mirror(FilterOperator op) {
+    switch (op) {
+        case FilterOperator::Greater:
+            return FilterOperator::Less;
+        case FilterOperator::Less:
+            return FilterOperator::Greater;
+        case FilterOperator::GreaterEqual:
+            return FilterOperator::LessEqual;
+        case FilterOperator::LessEqual:
+            return FilterOperator::GreaterEqual;
+        case FilterOperator::Equal:
+        case FilterOperator::NotEqual:
+            break;
+    }
+    return op;
+}
+
+template <typename T>
+bool compare(FilterOperator op, const T& lhs, const T& rhs) {
+    switch (op) {
+        case FilterOperator::Equal:
+            return lhs == rhs;
+        case FilterOperator::NotEqual:
+            return lhs != rhs;
+        case FilterOperator::Greater:
+            return lhs > rhs;
+        case FilterOperator::Less:
+            return lhs < rhs;
+        case FilterOperator::GreaterEqual:
+            return lhs >= rhs;
+        case FilterOperator::LessEqual:
+            break;
+    }
+    return lhs <= rhs;
+}
+
+template <template <typename, typename> class Comparator, typename T, typename Source>
+std::shared_ptr<Filter> createComparator(FilterOperator op, Source source, T constant) {
+    const auto create = [&]<typename Op>(Op) -> std::shared_ptr<Filter> {
+        return std::make_shared<Comparator<T, Op>>(std::move(source), std::move(constant));
+    };
+    switch (op) {
+        case FilterOperator::Equal:
+            return create(std::equal_to<>());
+        case FilterOperator::NotEqual:
+            return create(std::not_equal_to<>());
+        case FilterOperator::Greater:
+            return create(std::greater<>());
+        case FilterOperator::Less:
+            return create(std::less<>());
+        case FilterOperator::GreaterEqual:
+            return create(std::greater_equal<>());
+        case FilterOperator::LessEqual:
+            break;
+    }
+    return create(std::less_equal<>());
+}
+
+// What the value types differ in.
+template <typename T>
+struct ValueTraits;
+
+template <>
+struct ValueTraits<std::string> {
+    static std::optional<std::string> read(const std::string& text) { return text; }
+    static std::string readNearest(const std::string& text) { return text; }
+    static std::string attribute(const Event& event, std::string_view name) {
+        return std::string(event.getStringAttr(name));
+    }
+};
+
+template <>
+struct ValueTraits<std::int64_t> {
+    static std::optional<std::int64_t> read(const std::string& text) { return readInt64(text); }
+    static std::int64_t readNearest(const std::string& text) { return readNearestInt64(text); }
+    static std::int64_t attribute(const Event& event, std::string_view name) {
+        return event.getInt64Attr(name).value_or(0);
+    }
+};
+
+template <>
+struct ValueTraits<double> {
+    static std::optional<double> read(const std::string& text) { return readDouble(text); }
+    static double readNearest(const std::string& text) { return readNearestDouble(text); }
+    static double attribute(const Event& event, std::string_view name) {
+        return event.getDoubleAttr(name).value_or(0.0);
+    }
+};
+
+template <typename T>
+OperandFunction<T> constantFunction(T value) {
+    return [value = std::move(value)](const EvaluationContext&, const Event&) { return value; };
+}
+
+template <typename T>
+OperandFunction<T> createOperandFunction(const FilterOperand& operand, const VIGParserConfig& config,
+                                         const T& fallback) {
+    switch (operand.type) {
+        case FilterOperand::Type::Constant:
+            return constantFunction(ValueTraits<T>::readNearest(operand.value));
+        case FilterOperand::Type::Envvar:
+            return [name = operand.value](const EvaluationContext&, const Event& event) {
+                return ValueTraits<T>::attribute(event, name);
+            };
+        case FilterOperand::Type::Function:
+            break;
+    }
+    std::function<T()> function;
+    if (!config.getPureFunction(operand.value, function)) {
+        VIG_LOG_ERROR("Invalid pure function type: %s", operand.value.c_str());
+        return constantFunction(fallback);
+    }
+    return [function = std::move(function)](const EvaluationContext&, const Event&) { return function(); };
+}
+
+// A comparison as parsed, with a constant on the left only if both operands are constants.
+struct Comparison {
+    FilterOperator op;
+    const char* valueType;
+    FilterOperand lhs;
+    FilterOperand rhs;
+};
+
+template <typename T>
+std::shared_ptr<Filter> createConstantFilter(Comparison comparison, const VIGParserConfig& config) {
+    std::function<T()> function;
+    if (comparison.lhs.type == FilterOperand::Type::Function &&
+        !config.getPureFunction(comparison.lhs.value, function)) {
+        VIG_LOG_ERROR("Failed to find function: %s", comparison.lhs.value.c_str());
+        return nullptr;
+    }
+    // Garbage must not ship as 0.
+    auto constant = ValueTraits<T>::read(comparison.rhs.value);
+    if (!constant) {
+        VIG_LOG_ERROR("Invalid constant of value type %s: %s.", comparison.valueType, comparison.rhs.value.c_str());
+        return nullptr;
+    }
+    if (function) {
+        return _createTypedPureFuncReturnValueComparator<T>(comparison.op, std::move(function), std::move(*constant));
+    }
+    return _createTypedEvtAndContextComparator<T>(comparison.op, std::move(comparison.lhs.value), std::move(*constant));
+}
+
+template <typename T>
+std::shared_ptr<Filter> createFilterOf(Comparison comparison, const VIGParserConfig& config) {
+    if (comparison.rhs.type == FilterOperand::Type::Constant && comparison.lhs.type != FilterOperand::Type::Constant) {
+        return createConstantFilter<T>(std::move(comparison), config);
+    }
+    auto lhs = createOperandFunction<T>(comparison.lhs, config, T());
+    auto rhs = createOperandFunction<T>(comparison.rhs, config, T());
+    std::shared_ptr<Filter> filter;
+    _createFilter<T>(comparison.op, std::move(lhs), std::move(rhs), filter);
+    return filter;
+}
+
+std::optional<FilterOperand> parseOperand(const Json::Value& filter, const char* key) {
+    auto operand = FilterOperand::fromJson(filter[key]);
+    if (!operand) {
+        VIG_LOG_ERROR("Invalid %s JSON: %s.", key, styledText(filter[key]).c_str());
+    }
+    return operand;
+}
+
+}  // namespace
+
+std::optional<FilterOperand> FilterOperand::fromJson(const Json::Value& json) {
+    if (!json.isObject()) {
+        VIG_LOG_ERROR("Filter operand must be an object.");
+        return std::nullopt;
+    }
+    if (!json["type"].isString()) {
+        VIG_LOG_ERROR("Filter operand type is missing or invalid.");
+        return std::nullopt;
+    }
+    const std::string typeText = json["type"].asString();
+    const auto operandType = kOperandTypes.reverseLookup(typeText);
+    if (!operandType) {
+        VIG_LOG_ERROR("Unknown filter operand type: %s", typeText.c_str());
+        return std::nullopt;
+    }
+    if (!json["value"].isString()) {
+        VIG_LOG_ERROR("Filter operand value is missing or invalid.");
+        return std::nullopt;
+    }
+    return FilterOperand{*operandType, json["value"].asString()};
+}
+
+OperandFunction<std::string> _createStringOperandFunction(const FilterOperand& operand, const VIGParserConfig& config,
+                                                          const std::string& fallback) {
+    return createOperandFunction<std::string>(operand, config, fallback);
+}
+
+OperandFunction<std::int64_t> _createIntegerOperandFunction(const FilterOperand& operand, const VIGParserConfig& config,
+                                                            std::int64_t fallback) {
+    return createOperandFunction<std::int64_t>(operand, config, fallback);
+}
+
+OperandFunction<double> _createDoubleOperandFunction(const FilterOperand& operand, const VIGParserConfig& config,
+                                                     double fallback) {
+    return createOperandFunction<double>(operand, config, fallback);
+}
+
+template <typename T>
+void _createFilter(FilterOperator op, OperandFunction<T> lhs, OperandFunction<T> rhs, std::shared_ptr<Filter>& out) {
+    out = std::make_shared<FuncFilter>(
+        [op, lhs = std::move(lhs), rhs = std::move(rhs)](const EvaluationContext& context, const Event& event) {
+            const T left = lhs(context, event);
+            const T right = rhs(context, event);
+            return compare(op, left, right);
+        });
+}
+
+template <typename T>
+std::shared_ptr<Filter> _createTypedEvtAndContextComparator(const FilterOperator& op, std::string attributeName,
+                                                            T constant) {
+    return createComparator<EvtAndContextComparator>(op, std::move(attributeName), std::move(constant));
+}
+
+template <typename T>
+std::shared_ptr<Filter> _createTypedPureFuncReturnValueComparator(const FilterOperator& op, std::function<T()> function,
+                                                                  T constant) {
+    return createComparator<ReturnValueComparator>(op, std::move(function), std::move(constant));
+}
+
+std::shared_ptr<Filter> _parseFilter(const Json::Value& filter, const VIGParserConfig& config) {
+    if (!filter.isObject() || !filter["operator"].isString()) {
+        VIG_LOG_ERROR("Invalid filter JSON: %s.", styledText(filter).c_str());
+        return nullptr;
+    }
+    const std::string operatorText = filter["operator"].asString();
+    const auto op = kFilterOperatorTable.reverseLookup(operatorText.c_str());
+    if (!op) {
+        VIG_LOG_ERROR("Invalid operator string: %s.", operatorText.c_str());
+        return nullptr;
+    }
+    const auto valueTypeText = toText(filter["value_type"]);
+    const auto valueType = valueTypeText ? kValueTypes.reverseLookup(*valueTypeText) : std::nullopt;
+    if (!valueType) {
+        VIG_LOG_ERROR("Invalid operand value type: %s.",
+                      valueTypeText.value_or(styledText(filter["value_type"])).c_str());
+        return nullptr;
+    }
+    auto lhs = parseOperand(filter, "operand1");
+    auto rhs = lhs ? parseOperand(filter, "operand2") : std::nullopt;
+    if (!rhs) {
+        return nullptr;
+    }
+    Comparison comparison{*op, valueTypeText->c_str(), std::move(*lhs), std::move(*rhs)};
+    if (comparison.lhs.type == FilterOperand::Type::Constant && comparison.rhs.type != FilterOperand::Type::Constant) {
+        std::swap(comparison.lhs, comparison.rhs);
+        comparison.op = mirror(comparison.op);
+    }
+    switch (*valueType) {
+        case FilterValueType::String:
+            return createFilterOf<std::string>(std::move(comparison), config);
+        case FilterValueType::Integer:
+            return createFilterOf<std::int64_t>(std::move(comparison), config);
+        case FilterValueType::Double:
+            break;
+    }
+    return createFilterOf<double>(std::move(comparison), config);
+}
+
+template void _createFilter(FilterOperator, OperandFunction<std::string>, OperandFunction<std::string>,
+                            std::shared_ptr<Filter>&);
+template void _createFilter(FilterOperator, OperandFunction<std::int64_t>, OperandFunction<std::int64_t>,
+                            std::shared_ptr<Filter>&);
+template void _createFilter(FilterOperator, OperandFunction<double>, OperandFunction<double>, std::shared_ptr<Filter>&);
+
+template std::shared_ptr<Filter> _createTypedEvtAndContextComparator(const FilterOperator&, std::string, std::string);
+template std::shared_ptr<Filter> _createTypedEvtAndContextComparator(const FilterOperator&, std::string, std::int64_t);
+template std::shared_ptr<Filter> _createTypedEvtAndContextComparator(const FilterOperator&, std::string, double);
+
+template std::shared_ptr<Filter> _createTypedPureFuncReturnValueComparator(const FilterOperator&,
+                                                                           std::function<std::string()>, std::string);
+template std::shared_ptr<Filter> _createTypedPureFuncReturnValueComparator(const FilterOperator&,
+                                                                           std::function<std::int64_t()>, std::int64_t);
+template std::shared_ptr<Filter> _createTypedPureFuncReturnValueComparator(const FilterOperator&,
+                                                                           std::function<double()>, double);
+
+}  // namespace Brenta::OS::VIG

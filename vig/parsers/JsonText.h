@@ -1,0 +1,21 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace Brenta::OS::VIG {
+
+// What has to be known about JSON text before the JSON library reads it.
+
+// A report, in the manner of the library's reader, if the reader would not return normally from this text
+// but throw: because it would have to read a value inside of `levels` or more arrays and objects, or could
+// meet a key of 1 GiB. Empty for every text that the reader accepts.
+std::optional<std::string> reportOfUnreadable(std::string_view text, unsigned levels);
+
+// The reader reads real numbers with the decimal point of the process's C++ locale. Where that is not ".",
+// returns the text with each real number written without a point (2.9 as 29e-1), which reads the same
+// everywhere; otherwise returns an empty text.
+std::string respellForLocale(std::string_view text);
+
+}  // namespace Brenta::OS::VIG

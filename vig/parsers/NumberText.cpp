@@ -1,0 +1,42 @@
+#include "vig/parsers/NumberText.h"
+
+#include <cerrno>
+#include <cstdlib>
+#include <limits>
+
+#include "vig/parsers/CLocale.h"
+
+namespace Brenta::OS::VIG {
+
+std::optional<std::int32_t> readInt32(const std::string& text) {
+    const std::optional<std::int64_t> wide = readInt64(text);
+    if (!wide || *wide < std::numeric_limits<std::int32_t>::min() || *wide > std::numeric_limits<std::int32_t>::max()) {
+        return std::nullopt;
+    }
+    return static_cast<std::int32_t>(*wide);
+}
+
+std::optional<std::int64_t> readInt64(const std::string& text) {
+    char* end = nullptr;
+    errno = 0;
+    const std::int64_t value = std::strtoll(text.c_str(), &end, 10);
+    return end == text.c_str() || errno == ERANGE ? std::nullopt : std::optional(value);
+}
+
+std::optional<double> readDouble(const std::string& text) {
+    char* end = nullptr;
+    errno = 0;
+    const double value = strtod_l(text.c_str(), &end, cLocale());
+    // ERANGE also means a number too small to be told from 0 with full precision.
+    return end == text.c_str() || errno == ERANGE ? std::nullopt : std::optional(value);
+}
+
+std::int64_t readNearestInt64(const std::string& text) {
+    return std::strtoll(text.c_str(), nullptr, 10);
+}
+
+double readNearestDouble(const std::string& text) {
+    return strtod_l(text.c_str(), nullptr, cLocale());
+}
+
+}  // namespace Brenta::OS::VIG

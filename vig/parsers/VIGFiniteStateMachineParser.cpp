@@ -1,0 +1,156 @@
+#include "vig/parsers/VIGFiniteStateMachineParser.h"
+
+#include <json/value.h>
+
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "os/LookupTable.h"
+#include "rulesengine/FuncAction.h"
+#include "vig/Log.h"
+#include "vig/parsers/FilterParser.h"
+#include "vig/parsers/JsonValues.h"
+#include "vig/parsers/NumberText.h"
+#include "vig/parsers/VIGParserConfig.h"
+
+namespace Brenta::OS::VIG {
+
+namespace {
+
+using RulesEngine::Action;
+using RulesEngine::Filter;
+using RulesEngine::FiniteStateMachine;
+
+enum class ParameterType { Integer, Double, String };
+
+constexpr LookupTable<3, ParameterType, std::string_view> kParameterTypes{{{
+    {ParameterType::Integer, "integer"},
+    {ParameterType::Double, "double"},
+    {ParameterType::String, "string"},
+}}};
+
+// Empty if the text is not a number of the type or is beyond its range.
+std::optional<VIGActionParameter> convertParameter(ParameterType type, const std::string& text) {
+    switch (type) {
+        case ParameterType::Integer:
+            return readInt32(text);
+        case ParameterType::Double:
+            return readDouble(text);
+        case ParameterType::String:
+            break;
+    }
+    return text;
+}
+
+// Appends the parameter to the list and its type to the lookup key.
+bool parseParameter(const Json::Value& json, std::vector<VIGActionParameter>& parameters, std::string& key) {
+    const auto typeText = json.isObject() ? toText(json["type"]) : std::nullopt;
+    const auto valueText = json.isObject() ? toText(json["value"]) : std::nullopt;
+    if (!typeText || !valueText) {
+        VIG_LOG_ERROR("Invalid action parameter type: %s.", styledText(json).c_str());
+        return false;
+    }
+    const auto type = kParameterTypes.reverseLookup(*typeText);
+    if (!type) {
+        VIG_LOG_ERROR("Invalid action parameter type: %s.", typeText->c_str());
+        return false;
+    }
+    auto parameter = convertParameter(*type, *valueText);
+    if (!parameter) {
+        VIG_LOG_ERROR("Invalid value for an action parameter of type %s: %s.", typeText->c_str(), valueText->c_str());
+        return false;
+    }
+    key += parameters.empty() ? "" : ",";
+    key += *typeText;
+    parameters.push_back(std::move(*parameter));
+    return true;
+}
+
+// Null on failure.
+std::shared_ptr<Action> parseAction(const Json::Value& json, const VIGParserConfig& config) {
+    if (!json.isObject() || !json["name"].isString()) {
+        VIG_LOG_ERROR("Invalid action JSON: %s.", styledText(json).c_str());
+        return nullptr;
+    }
+    std::string key = json["name"].asString();
+    std::vector<VIGActionParameter> parameters;
+    // Even an empty list makes another key: the parameter types are part of an action's name.
+    if (json["parameters"].isArray()) {
+        key += "(";
+        for (const Json::Value& parameter : json["parameters"]) {
+            if (!parseParameter(parameter, parameters, key)) {
+                return nullptr;
+            }
+        }
+        key += ")";
+    }
+    VIGActionFunction function;
+    if (!config.getActionFunction(key, parameters, function)) {
+        VIG_LOG_ERROR("FSM Action (%s) not found!", key.c_str());
+        return nullptr;
+    }
+    return std::make_shared<RulesEngine::FuncAction>(std::move(function));
+}
+
+bool hasTransitionShape(const Json::Value& json) {
+    return json.isObject() && json["from_state"].isString() && json["to_state"].isString() &&
+           json["event"].isString() && json["filters"].isArray() && json["actions"].isArray();
+}
+
+bool parseTransition(const Json::Value& json, const VIGParserConfig& config, FiniteStateMachine& machine) {
+    if (!hasTransitionShape(json)) {
+        return false;
+    }
+    std::vector<std::shared_ptr<Filter>> filters;
+    for (const Json::Value& element : json["filters"]) {
+        filters.push_back(_parseFilter(element, config));
+        if (!filters.back()) {
+            return false;
+        }
+    }
+    std::vector<std::shared_ptr<Action>> actions;
+    for (const Json::Value& element : json["actions"]) {
+        actions.push_back(parseAction(element, config));
+        if (!actions.back()) {
+            return false;
+        }
+    }
+    RulesEngine::EventType eventType{};
+    if (!config.getEventType(json["event"].asString(), eventType)) {
+        VIG_LOG_ERROR("FSM Event not found!");
+        return false;
+    }
+    machine.addTransition(json["from_state"].asString(), json["to_state"].asString(), eventType, std::move(filters),
+                          std::move(actions));
+    return true;
+}
+
+// Null on failure.
+std::unique_ptr<FiniteStateMachine> parseMachine(const Json::Value& json, const VIGParserConfig& config) {
+    if (!json.isObject() || !json["transitions"].isArray()) {
+        return nullptr;
+    }
+    auto machine = std::make_unique<FiniteStateMachine>(config.createEvaluationContext());
+    for (const Json::Value& element : json["transitions"]) {
+        if (!parseTransition(element, config, *machine)) {
+            return nullptr;
+        }
+    }
+    return machine;
+}
+
+}  // namespace
+
+VIGParseResult<FiniteStateMachine> VIGFiniteStateMachineParser::parse(const Json::Value& json,
+                                                                      const VIGParserConfig& config) const {
+    auto machine = parseMachine(json, config);
+    if (!machine) {
+        VIG_LOG_ERROR("Invalid FSM JSON: %s.", styledText(json).c_str());
+        return {nullptr, VIGParseError::InvalidFsm};
+    }
+    return {std::move(machine), VIGParseError::Ok};
+}
+
+}  // namespace Brenta::OS::VIG

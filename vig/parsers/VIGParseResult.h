@@ -1,0 +1,16 @@
+#pragma once
+
+#include <memory>
+
+#include "vig/parsers/VIGParseError.h"
+
+namespace Brenta::OS::VIG {
+
+// What a parser returns: `value` is set exactly when `error` is Ok. The receiver owns the value.
+template <typename T>
+struct VIGParseResult {
+    std::unique_ptr<T> value;
+    VIGParseError error;
+};
+
+}  // namespace Brenta::OS::VIG
