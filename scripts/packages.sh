@@ -1,0 +1,34 @@
+# shellcheck shell=bash
+# Sourced by the scripts: installs from Debian what the project needs. This is the one place that names packages.
+
+# What builds and tests the project.
+readonly BUILD_PACKAGES=(
+    ca-certificates cmake g++ libcli11-dev libfmt-dev libgmock-dev libgtest-dev libjsoncpp-dev libsimdjson-dev
+    locales ninja-build
+)
+# What the slower checks need besides.
+readonly CHECK_PACKAGES=(clang clang-format clang-tidy shellcheck)
+
+as_root() {
+    if [ "$(id -u)" -eq 0 ]; then
+        "$@"
+    else
+        sudo "$@"
+    fi
+}
+
+# install_packages PACKAGE...: does nothing, and asks for no rights, when all are there.
+install_packages() {
+    local package missing=()
+    for package in "$@"; do
+        if [ "$(dpkg-query -W -f='${db:Status-Status}' "$package" 2>/dev/null)" != installed ]; then
+            missing+=("$package")
+        fi
+    done
+    if [ "${#missing[@]}" -eq 0 ]; then
+        return
+    fi
+    echo "Installing: ${missing[*]}" >&2
+    as_root apt-get update -qq
+    as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}" >&2
+}

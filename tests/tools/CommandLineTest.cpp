@@ -1,0 +1,94 @@
+#include "tools/vig/CommandLine.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace {
+
+using std::chrono::milliseconds;
+using tool::Answer;
+using tool::RunOptions;
+using tool::WatchOptions;
+
+tool::Command parse(std::vector<const char*> arguments) {
+    arguments.insert(arguments.begin(), "vig");
+    return tool::parseCommandLine(static_cast<int>(arguments.size()), arguments.data());
+}
+
+TEST(CommandLine, VerbsHaveTheirDefaultsAndOptions) {
+    const auto plain = std::get<RunOptions>(parse({"run", "r.json"}));
+    EXPECT_EQ(plain.rules, "r.json");
+    EXPECT_EQ(plain.events, "-");
+    EXPECT_EQ(plain.format, tool::ReportFormat::Text);
+    EXPECT_EQ(plain.seed, 5489u);
+    const auto full = std::get<RunOptions>(
+        parse({"run", "r.json", "--format", "jsonl", "e.jsonl", "--seed=4294967295", "--context", "c"}));
+    EXPECT_EQ(full.events, "e.jsonl");
+    EXPECT_EQ(full.format, tool::ReportFormat::Jsonl);
+    EXPECT_EQ(full.seed, 4294967295u);
+    EXPECT_EQ(full.contextFile, "c");
+    const auto watch = std::get<WatchOptions>(
+        parse({"watch", "r.json", "--interval", "500ms", "--duration", "2m", "--record", "f", "--force"}));
+    EXPECT_EQ(watch.interval, milliseconds(500));
+    EXPECT_EQ(watch.duration, milliseconds(120'000));
+    EXPECT_EQ(watch.recordFile, "f");
+    EXPECT_TRUE(watch.overwrite);
+}
+
+TEST(CommandLine, WrongArgumentsAreUsageErrors) {
+    const std::vector<const char*> cases[] = {
+        {},
+        {"walk"},
+        {"run"},
+        {"watch"},
+        {"run", "r", "e", "more"},
+        {"run", "r", "--seed", "-1"},
+        {"run", "r", "--seed", "4294967296"},
+        {"run", "r", "--format", "xml"},
+        {"run", "r", "--interval", "1s"},
+        {"watch", "r", "--interval", "0"},
+        {"watch", "r", "--duration", "-1s"},
+        {"watch", "r", "--duration", "soon"},
+        {"watch", "r", "--record"},
+    };
+    for (const auto& arguments : cases) {
+        const auto answer = std::get<Answer>(parse(arguments));
+        EXPECT_EQ(answer.status, 2);
+        EXPECT_FALSE(answer.text.empty());
+        EXPECT_TRUE(answer.hint.starts_with("Try: vig ")) << answer.hint;
+    }
+}
+
+TEST(CommandLine, HelpOfEveryVerbHasAnExample) {
+    for (const char* verb : {"run", "watch"}) {
+        const auto answer = std::get<Answer>(parse({verb, "--help"}));
+        EXPECT_EQ(answer.status, 0);
+        EXPECT_NE(answer.text.find("\nExample: "), std::string::npos);
+        EXPECT_NE(answer.text.find("(default: 5489)"), std::string::npos);
+    }
+    EXPECT_EQ(std::get<Answer>(parse({"--help"})).status, 0);
+    EXPECT_EQ(std::get<Answer>(parse({"--version"})).text, "vig 1.0.0\n");
+}
+
+TEST(CommandLine, DurationsAreReadWithTheirUnit) {
+    const struct {
+        const char* text;
+        std::optional<milliseconds> expected;
+    } cases[] = {
+        {"500ms", milliseconds(500)},    {"1s", milliseconds(1000)}, {"2m", milliseconds(120'000)},
+        {"1h", milliseconds(3'600'000)}, {"3", milliseconds(3000)},  {"0.25", milliseconds(250)},
+        {"0", milliseconds(0)},          {"", std::nullopt},         {"s", std::nullopt},
+        {"-1s", std::nullopt},           {"1 s", std::nullopt},      {"1e3", std::nullopt},
+        {"nan", std::nullopt},           {"inf", std::nullopt},      {"1sec", std::nullopt},
+        {"99999999h", std::nullopt},
+    };
+    for (const auto& each : cases) {
+        EXPECT_EQ(tool::parseDuration(each.text), each.expected) << each.text;
+    }
+}
+
+}  // namespace

@@ -1,0 +1,91 @@
+#include "tools/vig/Console.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <stdlib.h>
+#include <unistd.h>
+
+#include <string>
+#include <string_view>
+
+#include "tests/support/Documents.h"
+#include "tests/support/TemporaryFolder.h"
+#include "tests/tools/ToolRun.h"
+#include "tools/vig/RunCommand.h"
+#include "tools/vig/Text.h"
+
+namespace {
+
+TEST(Text, PrintableShowsWhatATerminalWouldActOn) {
+    const struct {
+        std::string_view text;
+        std::string_view expected;
+    } cases[] = {
+        {"plain \\ \"text\"", "plain \\ \"text\""},
+        {"\x1B[2J\a\n\t\r", R"(\x1b[2J\x07\n\t\r)"},
+        {std::string_view("\0\x7F", 2), R"(\x00\x7f)"},
+        {"\xC2\x9B\xC2\xA0", "\\x9b\xC2\xA0"},  // a one-character escape sequence
+        {"\xE2\x80\xAE\xE2\x81\xA6\xE2\x80\xA8\xE2\x80\x8F",
+         R"(\u202e\u2066\u2028\u200f)"},                                                   // direction and line breaks
+        {"\xE2\x80\xA6\xE2\x81\x84\xE2\x82\xAC", "\xE2\x80\xA6\xE2\x81\x84\xE2\x82\xAC"},  // their harmless neighbours
+        {"\xC3\xA9\xF0\x9F\x98\x80", "\xC3\xA9\xF0\x9F\x98\x80"},
+        {"\xFFx\xC3", "\xEF\xBF\xBDx\xEF\xBF\xBD"},
+    };
+    for (const auto& each : cases) {
+        EXPECT_EQ(tool::printable(each.text), each.expected);
+    }
+}
+
+TEST(Text, JsonStringIsValidWhateverTheText) {
+    EXPECT_EQ(tool::quoted(std::string_view("\"\\/\b\n\0\x1F\xC3\xA9\xFF", 10)),
+              "\"\\\"\\\\/\\u0008\\n\\u0000\\u001f\xC3\xA9\xEF\xBF\xBD\"");
+    EXPECT_EQ(tool::quoted(""), "\"\"");
+}
+
+// Sets a variable as long as it lives.
+class Variable {
+  public:
+    Variable(const char* variable, const char* value) : name(variable) { setenv(name, value, 1); }
+    Variable(const Variable&) = delete;
+    Variable& operator=(const Variable&) = delete;
+    ~Variable() { unsetenv(name); }
+
+  private:
+    const char* const name;
+};
+
+TEST(Console, ColoursAreForTerminalsWhoseUserWantsThem) {
+    const int controller = posix_openpt(O_RDWR | O_NOCTTY);
+    ASSERT_TRUE(controller >= 0 && grantpt(controller) == 0 && unlockpt(controller) == 0);
+    const int terminal = open(ptsname(controller), O_RDWR | O_NOCTTY);
+    ASSERT_GE(terminal, 0);
+    const tool::Console console{STDIN_FILENO, terminal, STDERR_FILENO};
+    const Variable capable("TERM", "xterm");
+    EXPECT_TRUE(console.wantsColours());
+    {
+        const Variable unwanted("NO_COLOR", "1");
+        EXPECT_FALSE(console.wantsColours());
+    }
+    {
+        const Variable incapable("TERM", "dumb");
+        EXPECT_FALSE(console.wantsColours());
+    }
+    EXPECT_FALSE((tool::Console{STDIN_FILENO, support::MemoryFile().descriptor, STDERR_FILENO}.wantsColours()));
+
+    const support::TemporaryFolder folder;
+    const Variable again("TERM", "xterm");
+    tool::RunOptions options;
+    options.rules = folder.write(
+        "rules.json", support::document({support::config(7, {support::transition("start", "end", "Test")})}));
+    options.events = folder.write("events.jsonl", "{\"event\":\"Test\"}\n");
+    const tool::Interruption interruption;
+    EXPECT_EQ(tool::run(options, {STDIN_FILENO, terminal, terminal}, interruption), 0);
+    std::string shown(4096, '\0');
+    shown.resize(static_cast<std::size_t>(read(controller, shown.data(), shown.size())));
+    EXPECT_NE(shown.find("        1  \x1B[36mmove   \x1B[0m  0 (id 7)       start -> end\r\n"), std::string::npos)
+        << shown;
+    close(terminal);
+    close(controller);
+}
+
+}  // namespace

@@ -1,0 +1,215 @@
+#include "tools/vig/EventReader.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "rulesengine/EvaluationContext.h"
+#include "tests/tools/ToolRun.h"
+#include "tools/vig/RecordedEvents.h"
+#include "vig/EventTypeNames.h"
+
+namespace {
+
+using Brenta::OS::RulesEngine::Event;
+using Brenta::OS::RulesEngine::EventType;
+using support::MemoryFile;
+using tool::AttributeSet;
+using tool::EventReader;
+using tool::EventRecord;
+using Names = std::vector<std::string_view>;
+
+// The records up to the end or the error, which is in `error`.
+struct ReadAll {
+    explicit ReadAll(std::string_view text) {
+        const MemoryFile file(text);
+        const tool::Interruption interruption;
+        EventReader reader(file.descriptor, "events.jsonl", interruption, [] {});
+        EventRecord record;
+        EventReader::Status status;
+        while ((status = reader.next(record)) == EventReader::Status::Record) {
+            records.push_back(record);
+        }
+        error = status == EventReader::Status::Failed ? reader.error() : "";
+    }
+
+    std::vector<EventRecord> records;
+    std::string error;
+};
+
+TEST(EventReader, RecordBecomesAnEventWithTheAttributesOfEachKind) {
+    const ReadAll all(
+        R"( {"int64" : {"vmSwapKB":24,"vmRssKB":-9223372036854775808},"event":"ProcessMemoryHeartBeat",)"
+        R"("uint64":{"most":18446744073709551615},"double":{"whole":90,"half":-0.5},"time_ms":1200,)"
+        R"("bool":{"yes":true,"no":false},"string":{"empty":"","processName":"c\u0061m\n\ud83d\ude00"}})");
+    ASSERT_EQ(all.error, "");
+    ASSERT_EQ(all.records.size(), 1u);
+    const EventRecord& record = all.records[0];
+    EXPECT_EQ(record.timeMs, 1200);
+    const tool::RecordedEvent event(record.attributes, record.type);
+    EXPECT_EQ(event.type, EventType::ProcessMemoryHeartBeat);
+    EXPECT_EQ(event.getUint64Attr("most"), 18446744073709551615u);
+    EXPECT_EQ(event.getInt64Attr("vmRssKB"), INT64_MIN);
+    EXPECT_EQ(event.getInt64Attr("vmSwapKB"), 24);
+    EXPECT_EQ(event.getDoubleAttr("whole"), 90.0);
+    EXPECT_EQ(event.getDoubleAttr("half"), -0.5);
+    EXPECT_EQ(event.getBoolAttr("yes"), true);
+    EXPECT_EQ(event.getBoolAttr("no"), false);
+    EXPECT_EQ(event.getStringAttr("processName"), "cam\n\xF0\x9F\x98\x80");
+    EXPECT_EQ(event.getStringAttr("empty"), "");
+    EXPECT_EQ(event.keys(Event::ValueType::String), (Names{"empty", "processName"}));
+
+    // Each kind stands for itself.
+    EXPECT_FALSE(event.getDoubleAttr("vmRssKB"));
+    EXPECT_FALSE(event.getInt64Attr("whole"));
+    EXPECT_FALSE(event.getUint64Attr("vmRssK"));
+    EXPECT_FALSE(event.getBoolAttr("vmRssKBs"));
+}
+
+TEST(EventReader, KeysAreInByteOrderWhateverTheOrderInTheRecord) {
+    const ReadAll all(R"({"event":"Test","int64":{"b":1,"\u00e9":2,"B":3,"ba":4,"":5,"a":6}})");
+    ASSERT_EQ(all.records.size(), 1u) << all.error;
+    const tool::RecordedEvent event(all.records[0].attributes, EventType::Test);
+    EXPECT_EQ(event.keys(Event::ValueType::Int64), (Names{"", "B", "a", "b", "ba", "\xC3\xA9"}));
+    EXPECT_EQ(event.keys(Event::ValueType::Double), Names());
+    EXPECT_EQ(event.getInt64Attr("ba"), 4);
+}
+
+TEST(EventReader, EveryNameOfTheLibraryIsAnEventAndATimeoutHasItsIdentifier) {
+    for (const auto& [type, name] : Brenta::OS::VIG::kEventTypeNames.pairs) {
+        const std::string id = type == EventType::Timeout ? R"(,"timeout_id":-3)" : "";
+        const ReadAll all(R"({"event":")" + std::string(name) + "\"" + id + "}");
+        ASSERT_EQ(all.records.size(), 1u) << all.error;
+        EXPECT_EQ(all.records[0].type, type);
+        EXPECT_EQ(all.records[0].timeoutId, type == EventType::Timeout ? std::optional(-3) : std::nullopt);
+    }
+}
+
+TEST(EventReader, BadLineIsReportedWithItsPlaceAndTheKeyAtFault) {
+    const std::string syntax = "invalid JSON: a brace, comma, colon, key or value is missing or too many";
+    const struct {
+        std::string_view line;
+        std::string message;
+    } cases[] = {
+        {R"({"event":"Test","int64":{"vmRssKB":"abc"}})",
+         R"(int64.vmRssKB: expected a signed 64-bit integer, got "abc")"},
+        {R"({"event":"Test","int64":{"a":1.5}})", "int64.a: expected a signed 64-bit integer, got 1.5"},
+        {R"({"event":"Test","int64":{"a":null , "b":1}})", "int64.a: expected a signed 64-bit integer, got null"},
+        {R"({"event":"Test","int64":{"a":{}}})", "int64.a: expected a signed 64-bit integer, got an object"},
+        {R"({"event":"Test","int64":{"a":}})", "int64.a: expected a signed 64-bit integer, got nothing"},
+        {R"({"event":"Test","int64":{"a":01}})", "int64.a: expected a signed 64-bit integer, got 01"},
+        {R"({"event":"Test","int64":{"a":9223372036854775808}})",
+         "int64.a: expected a signed 64-bit integer, got 9223372036854775808, which is out of its range"},
+        {R"({"event":"Test","uint64":{"a":-1}})",
+         "uint64.a: expected an unsigned 64-bit integer, got -1, which is out of its range"},
+        {R"({"event":"Test","double":{"a":"1"}})", R"(double.a: expected a number, got "1")"},
+        {R"({"event":"Test","double":{"a":1e999}})",
+         "double.a: expected a number, got 1e999, which is out of its range"},
+        {R"({"event":"Test","double":{"a":NaN}})", "double.a: expected a number, got NaN"},
+        {R"({"event":"Test","bool":{"a":1}})", "bool.a: expected true or false, got 1"},
+        {R"({"event":"Test","string":{"a b":5}})", R"(string."a b": expected a string, got 5)"},
+        {R"({"event":"Test","string":{"a":"\ud800"}})", "string.a: a string has an invalid escape"},
+        {R"({"event":"Test","string":["a"]})", "string: expected an object, got an array"},
+        {R"({"event":"Test","int64":{"b":1,"a":1,"b":2}})", "int64.b: given twice"},
+        {R"({"event":"Test","int64":{},"int64":{}})", "int64: given twice"},
+        {R"({"event":"ProcessMemoryHeartbeat"})",
+         R"(event: unknown event "ProcessMemoryHeartbeat"; did you mean "ProcessMemoryHeartBeat"?)"},
+        {R"({"event":"Xyzzy"})", R"(event: unknown event "Xyzzy")"},
+        {R"({"event":7})", "event: expected a string, got 7"},
+        {R"({"int64":{"a":1}})", "event: missing"},
+        {R"({"event":"Timeout"})", "timeout_id: missing, which a Timeout event needs"},
+        {R"({"event":"Test","timeout_id":3})", "timeout_id: only a Timeout event has one"},
+        {R"({"event":"Test","time_ms":"1"})", R"(time_ms: expected a signed 64-bit integer, got "1")"},
+        {R"({"event":"Test","int":{"a":1}})", R"(int: unknown key; did you mean "int64"?)"},
+        {R"({"event":"Test","vmRssKB":1})", "vmRssKB: unknown key"},
+        {R"(["event"])", "expected a JSON object, got an array"},
+        {R"("event")", R"(expected a JSON object, got "event")"},
+        {R"({"event":"Test"} {"event":"Test"})", "something follows after the object"},
+        {R"({"event":"Test")", syntax},
+        {R"({"event":"Test","int64":{"a":1})", syntax},
+        {R"({"event":"Test","int64":{"a":1,}})", "int64: " + syntax},
+        {R"({"event":"Te)", "a string is not closed"},
+        {"{\"event\":\"Test\",\"string\":{\"a\":\"\xFF\"}}", "invalid UTF-8"},
+        {"{\"event\":\"Test\",\"string\":{\"a\":\"\t\"}}", "a control character in a string has to be escaped"},
+    };
+    for (const auto& each : cases) {
+        // What follows a line does not repair it.
+        const ReadAll all("{\"event\":\"Test\"}\n\n" + std::string(each.line) + "\n}}}\n");
+        EXPECT_EQ(all.records.size(), 1u) << each.line;
+        EXPECT_EQ(all.error, "events.jsonl:3: error: " + each.message) << each.line;
+    }
+}
+
+TEST(EventReader, LongFractionsAreReadExactly) {
+    const ReadAll all(
+        R"({"event":"Test","double":{"a":0.12345678901234567890123456789,"b":-0.99999999999999999999,)"
+        R"("c":0.00000000000000000000000000123456789012345678901,"d":5e-324,"e":1.7976931348623157e308}})");
+    ASSERT_EQ(all.error, "");
+    const AttributeSet& attributes = all.records.at(0).attributes;
+    EXPECT_EQ(attributes.find<double>("a"), 0.12345678901234567890123456789);
+    EXPECT_EQ(attributes.find<double>("b"), -1.0);
+    EXPECT_EQ(attributes.find<double>("c"), 1.23456789012345678901e-27);
+    EXPECT_EQ(attributes.find<double>("d"), 5e-324);
+    EXPECT_EQ(attributes.find<double>("e"), 1.7976931348623157e308);
+}
+
+TEST(EventReader, LinesMayEndInAnyWayAndBeLongerThanTheBuffer) {
+    const std::string longName(700'000, 'n');
+    std::string text = "\xEF\xBB\xBF{\"event\":\"Test\"}\r\n \t\r\n\n";
+    text += R"({"event":"Test","string":{"a":")" + longName + "\"}}\n";
+    for (int i = 0; i < 20'000; ++i) {
+        text += R"({"event":"Test","int64":{"i":)" + std::to_string(i) + "}}\n";
+    }
+    text.pop_back();
+    const ReadAll all(text);
+    ASSERT_EQ(all.error, "");
+    ASSERT_EQ(all.records.size(), 20'002u);
+    EXPECT_EQ(all.records[1].attributes.find<std::string_view>("a"), longName);
+    for (int i = 0; i < 20'000; ++i) {
+        ASSERT_EQ(all.records[static_cast<std::size_t>(i) + 2].attributes.find<std::int64_t>("i"), i);
+    }
+}
+
+TEST(EventReader, WhatHasArrivedFromAPipeIsHandedOutBeforeWaitingForMore) {
+    int ends[2];
+    ASSERT_EQ(pipe(ends), 0);
+    const auto send = [&](std::string_view text) {
+        ASSERT_EQ(write(ends[1], text.data(), text.size()), static_cast<ssize_t>(text.size()));
+    };
+    tool::Interruption interruption;
+    int waits = 0;
+    EventReader reader(ends[0], "<stdin>", interruption, [&] {
+        if (++waits == 1) {
+            send("\"Test\"}\n");
+        } else {
+            interruption.request();
+        }
+    });
+    EventRecord record;
+    send("{\"event\":\"ZramHeartBeat\"}\n{\"event\":");
+    EXPECT_EQ(reader.next(record), EventReader::Status::Record);
+    EXPECT_EQ(record.type, EventType::ZramHeartBeat);
+    EXPECT_EQ(waits, 0);
+    EXPECT_EQ(reader.next(record), EventReader::Status::Record);
+    EXPECT_EQ(record.type, EventType::Test);
+    EXPECT_EQ(waits, 1);
+    EXPECT_EQ(reader.next(record), EventReader::Status::Interrupted);
+    close(ends[0]);
+    close(ends[1]);
+}
+
+TEST(EventReader, WhatCannotBeReadIsNamed) {
+    const int folder = open("/", O_RDONLY | O_DIRECTORY);
+    const tool::Interruption interruption;
+    EventReader reader(folder, "here", interruption, [] {});
+    EventRecord record;
+    EXPECT_EQ(reader.next(record), EventReader::Status::Failed);
+    EXPECT_EQ(reader.error(), "vig: error: here: Is a directory");
+    close(folder);
+}
+
+}  // namespace

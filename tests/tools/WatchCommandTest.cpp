@@ -1,0 +1,211 @@
+#include "tools/vig/WatchCommand.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <array>
+#include <chrono>
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <thread>
+#include <vector>
+
+#include "tests/support/Documents.h"
+#include "tests/support/TemporaryFolder.h"
+#include "tests/tools/ToolRun.h"
+#include "tools/vig/LineReader.h"
+#include "tools/vig/RunCommand.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using support::config;
+using support::document;
+using support::linesWith;
+using support::runVerb;
+using support::ToolResult;
+using support::transition;
+using tool::ReportFormat;
+using tool::WatchOptions;
+
+// Watches a made-up machine with forty processes.
+class WatchCommand : public testing::Test {
+  protected:
+    WatchCommand() {
+        for (int pid = 1; pid <= 40; ++pid) {
+            const std::string process = "proc/" + std::to_string(pid);
+            fs::create_directories(folder.path(process));
+            folder.write(process + "/status", "Name:\tp\xFF" + std::to_string(pid) + "\nVmRSS:\t100 kB\n");
+        }
+        folder.write("proc/meminfo", "MemTotal: 4000 kB\n");
+        options.rules = folder.write("rules.json", sampling("end"));
+        options.format = ReportFormat::Jsonl;
+        options.duration = std::chrono::milliseconds(0);
+        options.procFolder = folder.path("proc");
+        options.sysFolder = folder.path("sys");
+    }
+
+    // Asks for a trigger for about half of the processes, and moves with the first sample.
+    static std::string sampling(const std::string& reached) {
+        const std::string half = R"([{"operator":"<","value_type":"double","operand1":)"
+                                 R"({"type":"function","value":"PseudoRandomDouble"},)"
+                                 R"("operand2":{"type":"constant","value":"0.5"}}])";
+        return document({
+            config(1, {transition("start", "start", "ProcessMemoryHeartBeat", half, R"([{"name":"TriggerVelora"}])")}),
+            config(2, {transition("start", reached, "SystemMemoryHeartBeat")}),
+        });
+    }
+
+    const support::TemporaryFolder folder;
+    WatchOptions options;
+};
+
+TEST_F(WatchCommand, RecordReplaysToTheSameTriggersAndMoves) {
+    options.recordFile = folder.path("record.jsonl");
+    const ToolResult watched = runVerb(tool::watch, options);
+    ASSERT_EQ(watched.status, 0) << watched.err;
+    tool::RunOptions replay;
+    replay.rules = options.rules;
+    replay.events = options.recordFile;
+    replay.format = ReportFormat::Jsonl;
+    const ToolResult replayed = runVerb(tool::run, replay);
+    EXPECT_EQ(replayed.status, 0) << replayed.err;
+    const auto triggers = linesWith(watched.out, R"({"type":"trigger")");
+    EXPECT_GT(triggers.size(), 5u);
+    EXPECT_EQ(triggers, linesWith(replayed.out, R"({"type":"trigger")"));
+    EXPECT_EQ(linesWith(watched.out, R"({"type":"move")"), linesWith(replayed.out, R"({"type":"move")"));
+    const auto end = linesWith(watched.out, R"({"type":"end","events":41,)");
+    ASSERT_EQ(end.size(), 1u);
+    EXPECT_TRUE(
+        end[0].ends_with(R"("samples":1,"events_by_type":{"ProcessMemoryHeartBeat":40,"SystemMemoryHeartBeat":1}})"))
+        << end[0];
+}
+
+TEST_F(WatchCommand, RecordNeitherOverwritesNorFollowsALinkUnlessItMay) {
+    const std::string path = folder.write("record.jsonl", "precious\n");
+    options.recordFile = path;
+    EXPECT_EQ(runVerb(tool::watch, options).err,
+              "vig: error: " + path + ": it exists already; --force overwrites it\n");
+    options.overwrite = true;
+    options.rules = folder.write("bad.json", "{");
+    EXPECT_EQ(runVerb(tool::watch, options).status, 1);
+    EXPECT_EQ(folder.read("record.jsonl"), "precious\n");
+
+    fs::create_symlink(path, folder.path("link"));
+    options.recordFile = folder.path("link");
+    const ToolResult linked = runVerb(tool::watch, options);
+    EXPECT_EQ(linked.status, 2);
+    EXPECT_EQ(linked.err, "vig: error: " + options.recordFile + ": it is a symbolic link\n");
+
+    options.rules = folder.path("rules.json");
+    options.recordFile = path;
+    EXPECT_EQ(runVerb(tool::watch, options).status, 0);
+    EXPECT_EQ(linesWith(folder.read("record.jsonl"), R"({"event":")").size(), 41u);
+    EXPECT_EQ(linesWith(folder.read("record.jsonl"), "").size(), 41u);
+}
+
+TEST_F(WatchCommand, RefusedDocumentLeavesNoRecord) {
+    options.rules = folder.write("bad.json", "{");
+    options.recordFile = folder.path("record.jsonl");
+    EXPECT_EQ(runVerb(tool::watch, options).status, 1);
+    EXPECT_FALSE(fs::exists(options.recordFile));
+}
+
+TEST_F(WatchCommand, RecordThatCannotBeWrittenEndsTheWatch) {
+    options.recordFile = "/dev/full";
+    options.overwrite = true;
+    options.duration = std::chrono::hours(1);
+    const ToolResult result = runVerb(tool::watch, options);
+    EXPECT_EQ(result.status, 2);
+    EXPECT_NE(result.err.find("vig: error: /dev/full: No space left on device\n"), std::string::npos);
+}
+
+TEST_F(WatchCommand, DurationIsFilledWithSamplesAtItsIntervals) {
+    options.duration = std::chrono::milliseconds(25);
+    options.interval = std::chrono::milliseconds(10);
+    const ToolResult result = runVerb(tool::watch, options);
+    EXPECT_NE(result.out.find(R"("samples":)"), std::string::npos);
+    // A busy machine may miss one; none is made up.
+    EXPECT_EQ(result.out.find(R"("samples":4)"), std::string::npos);
+}
+
+// Follows a running watch through its output.
+class Follower {
+  public:
+    Follower(const WatchOptions& options, const std::string& errorFile)
+        : err(creat(errorFile.c_str(), 0600)), thread([this, &options] {
+              status = tool::watch(options, {STDIN_FILENO, ends[1], err}, interruption);
+              close(ends[1]);
+          }) {}
+    Follower(const Follower&) = delete;
+    Follower& operator=(const Follower&) = delete;
+    ~Follower() {
+        close(ends[0]);
+        close(err);
+    }
+
+    // The next line with that text.
+    std::string waitFor(std::string_view part) {
+        std::string_view line;
+        while (reader.next(line) == tool::LineReader::Status::Line) {
+            if (line.find(part) != std::string_view::npos) {
+                return std::string(line);
+            }
+        }
+        ADD_FAILURE() << "no line with " << part;
+        return {};
+    }
+
+    int stop() {
+        interruption.request();
+        std::string_view line;
+        while (reader.next(line) == tool::LineReader::Status::Line) {
+            last = line;
+        }
+        thread.join();
+        return status;
+    }
+
+    std::string last;
+
+  private:
+    static std::array<int, 2> makePipe() {
+        std::array<int, 2> made{};
+        EXPECT_EQ(pipe(made.data()), 0);
+        return made;
+    }
+
+    const std::array<int, 2> ends = makePipe();
+    const int err;
+    int status = -1;
+    tool::Interruption interruption;
+    const tool::Interruption never;
+    tool::LineReader reader{ends[0], never, [] {}};
+    std::thread thread;
+};
+
+TEST_F(WatchCommand, SavedDocumentTakesThePlaceOfTheOneBefore) {
+    options.duration = std::chrono::hours(1);
+    options.interval = std::chrono::milliseconds(5);
+    Follower watch(options, folder.path("err"));
+    watch.waitFor(R"("from":"start","to":"end")");
+    watch.waitFor("available now");
+    folder.write("new.json", sampling("elsewhere"));
+    fs::rename(folder.path("new.json"), options.rules);
+    watch.waitFor(R"("configurations":2)");
+    watch.waitFor(R"("from":"start","to":"elsewhere")");
+
+    folder.write("rules.json", R"({"configs":[7]})");
+    watch.waitFor("Invalid VIG Config JSON");
+    watch.waitFor(R"("error":"refused (InvalidConfig)");
+    folder.write("new.json", sampling("mended"));
+    fs::rename(folder.path("new.json"), options.rules);
+    watch.waitFor(R"("to":"mended")");
+    EXPECT_EQ(watch.stop(), 0);
+    EXPECT_TRUE(watch.last.starts_with(R"({"type":"end")")) << watch.last;
+    EXPECT_EQ(linesWith(folder.read("err"), options.rules + ": error: refused (InvalidConfig)").size(), 1u);
+}
+
+}  // namespace

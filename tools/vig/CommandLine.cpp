@@ -1,0 +1,135 @@
+#include "tools/vig/CommandLine.h"
+
+#include <CLI/CLI.hpp>
+
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <string>
+#include <utility>
+
+namespace tool {
+
+namespace {
+
+constexpr const char* kGeneralFooter =
+    "Exit status: 0 done, 1 the rules were refused, 2 bad arguments or input, or the output cannot be\n"
+    "written, 130 interrupted.\n"
+    "`vig run --help` and `vig watch --help` have an example each.";
+
+constexpr const char* kRunFooter = R"(An event record is one JSON object a line; attributes are grouped by their kind:
+  {"event":"ProcessMemoryHeartBeat","string":{"processName":"camera"},"int64":{"vmRssKB":1000,"vmSwapKB":24}}
+  {"event":"Timeout","timeout_id":3}
+Kinds are uint64, int64, double, bool and string; "time_ms" may tell when it was.
+
+Example: which events of a recording fire a trigger?
+  vig run rules.json trace.jsonl --format jsonl | grep '"type":"trigger"')";
+
+constexpr const char* kWatchFooter =
+    R"(Events: ProcessMemoryHeartBeat and ProcessCpuHeartBeat of each process, SystemMemoryHeartBeat, and
+ZramHeartBeat of each zram device. Saving RULES meanwhile delivers it again; Ctrl-C ends with the summary.
+
+Example: watch for ten seconds, then play the recording to rules that were changed:
+  vig watch rules.json --duration 10s --record trace.jsonl
+  vig run changed.json trace.jsonl)";
+
+void addRuleOptions(CLI::App& verb, RuleOptions& options) {
+    verb.add_option("RULES", options.rules, "The rule document")->required();
+    const auto readFormat = [&options](const std::string& text) {
+        if (text != "text" && text != "jsonl") {
+            throw CLI::ValidationError("--format", "expected text or jsonl, got " + text);
+        }
+        options.format = text == "text" ? ReportFormat::Text : ReportFormat::Jsonl;
+    };
+    verb.add_option_function<std::string>("--format", readFormat, "text for people, jsonl for programs (default: text)")
+        ->type_name("text|jsonl");
+    verb.add_option("--seed", options.seed,
+                    "Seed of the function PseudoRandomDouble, so that a run repeats exactly (default: " +
+                        std::to_string(options.seed) + ")")
+        ->type_name("N");
+    verb.add_option("--context", options.contextFile,
+                    "A file with one event record: the attributes of every machine's context")
+        ->type_name("FILE");
+}
+
+void addDuration(CLI::App& verb, const std::string& name, std::chrono::milliseconds& duration,
+                 std::chrono::milliseconds least, const std::string& description) {
+    const auto read = [&duration, least, name](const std::string& text) {
+        const auto parsed = parseDuration(text);
+        if (!parsed || *parsed < least) {
+            throw CLI::ValidationError(name, "expected a time such as 500ms, 1s or 2m, got " + text);
+        }
+        duration = *parsed;
+    };
+    verb.add_option_function<std::string>(name, read, description)->type_name("TIME");
+}
+
+void addRun(CLI::App& app, RunOptions& options) {
+    CLI::App& verb = *app.add_subcommand("run", "Offers recorded events to the machines of a rule document.");
+    addRuleOptions(verb, options);
+    verb.add_option("EVENTS", options.events, "The event records (default: -, which is standard input)");
+    verb.footer(kRunFooter);
+}
+
+void addWatch(CLI::App& app, WatchOptions& options) {
+    CLI::App& verb =
+        *app.add_subcommand("watch", "Offers live events of this machine to the machines of a rule document.");
+    addRuleOptions(verb, options);
+    addDuration(verb, "--interval", options.interval, std::chrono::milliseconds(1),
+                "The time from one sample to the next (default: 1s)");
+    addDuration(verb, "--duration", options.duration, std::chrono::milliseconds(0),
+                "The time after which to stop (default: 30s)");
+    verb.add_option("--record", options.recordFile, "Writes the events there, as records that `vig run` reads")
+        ->type_name("FILE");
+    verb.add_flag("--force", options.overwrite, "Lets --record overwrite a file");
+    verb.footer(kWatchFooter);
+}
+
+std::string whereHelpIs(const CLI::App* app) {
+    const auto verbs = app->get_subcommands();
+    return "Try: vig " + (verbs.empty() ? "" : verbs.front()->get_name() + " ") + "--help";
+}
+
+}  // namespace
+
+Command parseCommandLine(int count, const char* const* arguments) {
+    RunOptions runOptions;
+    WatchOptions watchOptions;
+    CLI::App app("Runs rule documents at a desk, with the library that runs them on a device.", "vig");
+    app.set_version_flag("--version", "vig " VIG_VERSION, "Prints the version and exits");
+    app.set_help_flag("-h,--help", "Prints this help and exits");
+    app.require_subcommand(1);
+    app.footer(kGeneralFooter);
+    addRun(app, runOptions);
+    addWatch(app, watchOptions);
+    try {
+        app.parse(count, arguments);
+    } catch (const CLI::CallForHelp&) {
+        return Answer{kExitDone, app.help(), {}};
+    } catch (const CLI::CallForVersion&) {
+        return Answer{kExitDone, app.version() + "\n", {}};
+    } catch (const CLI::Error& error) {
+        return Answer{kExitUnusable, error.what(), whereHelpIs(&app)};
+    }
+    if (app.got_subcommand("run")) {
+        return runOptions;
+    }
+    return watchOptions;
+}
+
+std::optional<std::chrono::milliseconds> parseDuration(std::string_view text) {
+    constexpr std::array<std::pair<std::string_view, double>, 5> kUnits = {
+        {{"ms", 1}, {"s", 1000}, {"m", 60'000}, {"h", 3'600'000}, {"", 1000}}};
+    constexpr double kMost = 366.0 * 24 * 3'600'000;
+    double number = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number, std::chars_format::fixed);
+    const std::string_view unit = text.substr(static_cast<std::size_t>(end - text.data()));
+    for (const auto& [name, milliseconds] : kUnits) {
+        if (error == std::errc() && unit == name && number >= 0 && number * milliseconds <= kMost) {
+            return std::chrono::milliseconds(std::llround(number * milliseconds));
+        }
+    }
+    return std::nullopt;
+}
+
+}  // namespace tool

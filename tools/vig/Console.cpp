@@ -1,0 +1,34 @@
+#include "tools/vig/Console.h"
+
+#include <cstdlib>
+#include <string>
+
+#include "tools/vig/Output.h"
+#include "tools/vig/Text.h"
+
+namespace tool {
+
+namespace {
+
+std::string_view variable(const char* name) {
+    const char* const value = std::getenv(name);
+    return value != nullptr ? value : "";
+}
+
+}  // namespace
+
+void Console::say(std::string_view line) const {
+    Output output(err);
+    output.write(printable(line) + "\n");
+    output.flush();
+}
+
+void Console::complain(std::string_view what) const {
+    say("vig: error: " + std::string(what));
+}
+
+bool Console::wantsColours() const {
+    return isatty(out) == 1 && variable("NO_COLOR").empty() && variable("TERM") != "dumb";
+}
+
+}  // namespace tool

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+
+#include "tools/vig/EventRecord.h"
+#include "tools/vig/Interruption.h"
+#include "tools/vig/LineReader.h"
+#include "tools/vig/RecordParser.h"
+
+namespace tool {
+
+// Reads event records, one JSON object a line, from a descriptor, in memory that does not grow with their number.
+// Empty lines are skipped.
+class EventReader {
+  public:
+    enum class Status { Record, End, Interrupted, Failed };
+
+    // `sourceName` stands in messages. For the rest see LineReader.
+    EventReader(int source, std::string sourceName, const Interruption& interruptedBy, std::function<void()> waiting);
+
+    // Fills `record` with the next one.
+    Status next(EventRecord& record);
+
+    // After Failed: "events.jsonl:12: error: …" for a bad line, or why nothing can be read.
+    const std::string& error() const { return message; }
+
+    std::uint64_t bytesRead() const { return lines.bytesRead(); }
+
+  private:
+    const std::string name;
+    LineReader lines;
+    RecordParser parser;
+    std::uint64_t lineNumber = 0;
+    std::string message;
+};
+
+}  // namespace tool

@@ -1,0 +1,79 @@
+#include "tools/vig/JsonlReport.h"
+
+#include <fmt/format.h>
+
+#include <string>
+
+#include "tools/vig/EventNames.h"
+#include "tools/vig/PriorityName.h"
+#include "tools/vig/Text.h"
+
+namespace tool {
+
+namespace {
+
+std::string list(const std::vector<std::string>& entries) {
+    std::string text;
+    for (const std::string& entry : entries) {
+        text += text.empty() ? "" : ",";
+        appendJsonString(text, entry);
+    }
+    return fmt::format("[{}]", text);
+}
+
+std::string machinesOf(const Summary& summary) {
+    std::string text;
+    for (const Summary::Machine& machine : summary.machines) {
+        text += fmt::format(R"({}{{"machine":{},"config_id":{},"payload_id":{},"state":{}}})", text.empty() ? "" : ",",
+                            machine.name.index, machine.name.configId, machine.payloadId, quoted(machine.state));
+    }
+    return fmt::format("[{}]", text);
+}
+
+std::string samplingOf(const Summary::Sampling& sampling) {
+    std::string text;
+    for (const auto& [type, count] : sampling.eventsByType) {
+        text += fmt::format(R"({}"{}":{})", text.empty() ? "" : ",", nameOf(type), count);
+    }
+    return fmt::format(R"(,"samples":{},"events_by_type":{{{}}})", sampling.samples, text);
+}
+
+}  // namespace
+
+void JsonlReport::trigger(const TriggerLine& line) {
+    output.write(fmt::format(
+        R"({{"type":"trigger","event":{},"machine":{},"config_id":{},"trigger_name":{},"process_name":{},"metadata":{}}})"
+        "\n",
+        line.event, line.machine.index, line.machine.configId, quoted(line.name),
+        line.processName ? quoted(*line.processName) : "null", list(line.metadata)));
+}
+
+void JsonlReport::log(const LogLine& line) {
+    output.write(fmt::format(R"({{"type":"log","event":{},"priority":"{}","tag":{},"message":{}}})"
+                             "\n",
+                             line.event, priorityName(line.priority), quoted(line.tag), quoted(line.message)));
+}
+
+void JsonlReport::move(const MoveLine& line) {
+    output.write(fmt::format(R"({{"type":"move","event":{},"machine":{},"config_id":{},"from":{},"to":{}}})"
+                             "\n",
+                             line.event, line.machine.index, line.machine.configId, quoted(line.from),
+                             quoted(line.to)));
+}
+
+void JsonlReport::delivery(const DeliveryLine& line) {
+    const std::string outcome = line.refusal.empty() ? fmt::format(R"("configurations":{})", line.configurations)
+                                                     : fmt::format(R"("error":{})", quoted(line.refusal));
+    output.write(fmt::format(R"({{"type":"delivery","event":{},"rules":{},{}}})"
+                             "\n",
+                             line.event, quoted(line.document), outcome));
+}
+
+void JsonlReport::end(const Summary& summary) {
+    output.write(fmt::format(R"({{"type":"end","events":{},"triggers":{},"machines":{}{}}})"
+                             "\n",
+                             summary.events, summary.triggers, machinesOf(summary),
+                             summary.sampling ? samplingOf(*summary.sampling) : ""));
+}
+
+}  // namespace tool

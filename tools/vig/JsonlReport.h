@@ -1,0 +1,23 @@
+#pragma once
+
+#include "tools/vig/Output.h"
+#include "tools/vig/Report.h"
+
+namespace tool {
+
+// One JSON object a line, for programs. The shapes and the order of their keys are fixed: what is new comes last.
+class JsonlReport : public Report {
+  public:
+    explicit JsonlReport(Output& target) : output(target) {}
+
+    void trigger(const TriggerLine& line) override;
+    void log(const LogLine& line) override;
+    void move(const MoveLine& line) override;
+    void delivery(const DeliveryLine& line) override;
+    void end(const Summary& summary) override;
+
+  private:
+    Output& output;
+};
+
+}  // namespace tool

@@ -1,0 +1,106 @@
+#include "tools/vig/LineReader.h"
+
+#include <poll.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+#include <utility>
+
+namespace tool {
+
+namespace {
+
+constexpr std::size_t kInitialSize = std::size_t{1} << 18;
+
+bool isRegularFile(int descriptor) {
+    struct stat status = {};
+    return fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
+}
+
+}  // namespace
+
+LineReader::LineReader(int source, const Interruption& interruptedBy, std::function<void()> waiting)
+    : descriptor(source),
+      interruption(interruptedBy),
+      beforeWaiting(std::move(waiting)),
+      alwaysReady(isRegularFile(source)),
+      buffer(kInitialSize) {}
+
+LineReader::Status LineReader::next(std::string_view& line) {
+    while (true) {
+        char* const from = buffer.data() + scanned;
+        if (const void* const found = std::memchr(from, '\n', end - scanned)) {
+            const std::size_t length =
+                scanned - begin + static_cast<std::size_t>(static_cast<const char*>(found) - from);
+            line = std::string_view(buffer.data() + begin, length);
+            begin += length + 1;
+            scanned = begin;
+            return Status::Line;
+        }
+        scanned = end;
+        if (!finished) {
+            if (const Status status = fill(); status != Status::Line) {
+                return status;
+            }
+        } else if (begin == end) {
+            return Status::End;
+        } else {
+            buffer[end] = '\n';  // found in the next round
+            ++end;
+        }
+    }
+}
+
+// Reads some more, or notices the end.
+LineReader::Status LineReader::fill() {
+    makeRoom();
+    if (end - begin > LONGEST_LINE) {
+        error = EFBIG;
+        return Status::Failed;
+    }
+    while (true) {
+        if (interruption.requested() || !waitForInput()) {
+            return Status::Interrupted;
+        }
+        const ssize_t got = read(descriptor, buffer.data() + end, buffer.size() - PADDING - end);
+        if (got >= 0) {
+            finished = got == 0;
+            end += static_cast<std::size_t>(got);
+            total += static_cast<std::uint64_t>(got);
+            return Status::Line;
+        }
+        if (errno != EINTR && errno != EAGAIN) {
+            error = errno;
+            return Status::Failed;
+        }
+    }
+}
+
+void LineReader::makeRoom() {
+    if (begin > 0) {
+        std::memmove(buffer.data(), buffer.data() + begin, end - begin);
+        end -= begin;
+        scanned -= begin;
+        begin = 0;
+    }
+    if (buffer.size() < 2 * end + PADDING) {
+        buffer.resize(2 * buffer.size());
+    }
+}
+
+// False if it was interrupted.
+bool LineReader::waitForInput() {
+    if (alwaysReady) {
+        return true;
+    }
+    pollfd sources[] = {{descriptor, POLLIN, 0}, {interruption.descriptor(), POLLIN, 0}};
+    if (poll(sources, 1, 0) == 0) {
+        beforeWaiting();
+        poll(sources, 2, -1);
+    }
+    return !interruption.requested();
+}
+
+}  // namespace tool

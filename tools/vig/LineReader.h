@@ -1,0 +1,58 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <string_view>
+#include <vector>
+
+#include "tools/vig/Interruption.h"
+
+namespace tool {
+
+// Cuts what a descriptor delivers into lines, in memory that only the longest line can make larger. Lines are handed
+// out as soon as they have arrived, also from a pipe that delivers slowly.
+class LineReader {
+  public:
+    enum class Status { Line, End, Interrupted, Failed };
+
+    // At least that many bytes after a line may be read; the first of them is a line feed.
+    static constexpr std::size_t PADDING = 64;
+
+    // A longer line is an error, EFBIG.
+    static constexpr std::size_t LONGEST_LINE = std::size_t{1} << 28;
+
+    // The descriptor stays the caller's. `waiting` is called whenever nothing has arrived and the reader is about to
+    // wait, which an interruption ends.
+    LineReader(int source, const Interruption& interruptedBy, std::function<void()> waiting);
+    LineReader(const LineReader&) = delete;
+    LineReader& operator=(const LineReader&) = delete;
+
+    // The next line without its line feed, valid until the next call. A last line may lack the line feed.
+    Status next(std::string_view& line);
+
+    // The errno value after Failed.
+    int failure() const { return error; }
+
+    // How much has been read from the descriptor.
+    std::uint64_t bytesRead() const { return total; }
+
+  private:
+    Status fill();
+    void makeRoom();
+    bool waitForInput();
+
+    const int descriptor;
+    const Interruption& interruption;
+    const std::function<void()> beforeWaiting;
+    bool alwaysReady;
+    std::vector<char> buffer;
+    std::size_t begin = 0;    // of the line that comes next
+    std::size_t scanned = 0;  // up to here it has no line feed
+    std::size_t end = 0;      // of what has been read
+    bool finished = false;
+    int error = 0;
+    std::uint64_t total = 0;
+};
+
+}  // namespace tool

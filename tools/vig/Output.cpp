@@ -1,0 +1,56 @@
+#include "tools/vig/Output.h"
+
+#include <poll.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstddef>
+#include <utility>
+
+namespace tool {
+
+namespace {
+constexpr std::size_t kPieceSize = 1 << 16;
+}  // namespace
+
+Output::Output(int target) : descriptor(target) {}
+
+void Output::write(std::string_view text) {
+    if (failed()) {
+        return;
+    }
+    pending += text;
+    if (pending.size() >= kPieceSize) {
+        flush();
+    }
+}
+
+void Output::flush() {
+    if (hook && !pending.empty()) {
+        hook();
+    }
+    std::string_view rest = pending;
+    while (!rest.empty() && !failed()) {
+        const ssize_t written = ::write(descriptor, rest.data(), rest.size());
+        if (written >= 0) {
+            rest.remove_prefix(static_cast<std::size_t>(written));
+        } else if (errno == EAGAIN) {
+            // A descriptor shared with somebody who made it non-blocking.
+            pollfd writable = {descriptor, POLLOUT, 0};
+            poll(&writable, 1, -1);
+        } else if (errno != EINTR) {
+            error = errno;
+        }
+    }
+    pending.clear();
+}
+
+void Output::beforeWriting(std::function<void()> newHook) {
+    hook = std::move(newHook);
+}
+
+bool Output::readerIsGone() const {
+    return error == EPIPE;
+}
+
+}  // namespace tool

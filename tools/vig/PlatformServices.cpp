@@ -1,0 +1,85 @@
+#include "tools/vig/PlatformServices.h"
+
+#include <binder/IServiceManager.h>
+#include <host/LogSink.h>
+#include <host/Services.h>
+
+#include <mutex>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+namespace tool {
+
+namespace {
+
+android::String16 instanceName() {
+    return android::String16("vendor.orlan.velora.ITrigger/default");
+}
+
+}  // namespace
+
+class PlatformServices::TriggerService : public vendor::orlan::velora::BnTrigger {
+  public:
+    explicit TriggerService(Receiver& receiver) : target(receiver) {}
+
+    android::binder::Status trigger(const vendor::orlan::velora::TriggerContext& context) override {
+        target.onTrigger(context);
+        return android::binder::Status::ok();
+    }
+
+  private:
+    Receiver& target;
+};
+
+class PlatformServices::Log {
+  public:
+    struct Line {
+        int priority;
+        std::string tag;
+        std::string message;
+    };
+
+    explicit Log(Receiver& receiver) : target(receiver) {}
+
+    void write(int priority, std::string_view tag, std::string_view message) {
+        if (std::this_thread::get_id() == driver) {
+            target.onLog(priority, tag, message);
+            return;
+        }
+        const std::lock_guard lock(mutex);
+        waiting.push_back({priority, std::string(tag), std::string(message)});
+    }
+
+    std::vector<Line> takeWaiting() {
+        const std::lock_guard lock(mutex);
+        return std::exchange(waiting, {});
+    }
+
+  private:
+    Receiver& target;
+    const std::thread::id driver = std::this_thread::get_id();
+    std::mutex mutex;
+    std::vector<Line> waiting;  // guarded by mutex
+};
+
+PlatformServices::PlatformServices(Receiver& receiver) : target(receiver), log(std::make_shared<Log>(receiver)) {
+    host::setLogSink([shared = log](int priority, std::string_view tag, std::string_view message) {
+        shared->write(priority, tag, message);
+    });
+    android::defaultServiceManager()->addService(instanceName(), android::sp<TriggerService>::make(receiver));
+}
+
+PlatformServices::~PlatformServices() {
+    host::removeService(instanceName());
+    host::setLogSink(nullptr);
+}
+
+void PlatformServices::passOnLines() {
+    for (const Log::Line& line : log->takeWaiting()) {
+        target.onLog(line.priority, line.tag, line.message);
+    }
+}
+
+}  // namespace tool

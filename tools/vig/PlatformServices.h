@@ -1,0 +1,42 @@
+#pragma once
+
+#include <utils/StrongPointer.h>
+#include <vendor/orlan/velora/BnTrigger.h>
+
+#include <memory>
+#include <string_view>
+
+namespace tool {
+
+// Stands in for the parts of the device that the library calls, as long as it lives: the platform log and the trigger
+// service. What happens on the thread that made it, which is the one that drives the machines, is passed on at once.
+// Log lines of other threads wait until that thread asks for them, so that the receiver needs no lock.
+class PlatformServices {
+  public:
+    class Receiver {
+      public:
+        virtual void onLog(int priority, std::string_view tag, std::string_view message) = 0;
+        virtual void onTrigger(const vendor::orlan::velora::TriggerContext& context) = 0;
+
+      protected:
+        ~Receiver() = default;
+    };
+
+    // REQUIRES: `receiver` outlives it, and it outlives all other threads that log. One object at a time.
+    explicit PlatformServices(Receiver& receiver);
+    PlatformServices(const PlatformServices&) = delete;
+    PlatformServices& operator=(const PlatformServices&) = delete;
+    ~PlatformServices();
+
+    // Passes on the log lines of other threads, in the order in which they were logged.
+    void passOnLines();
+
+  private:
+    class TriggerService;
+    class Log;
+
+    Receiver& target;
+    const std::shared_ptr<Log> log;
+};
+
+}  // namespace tool

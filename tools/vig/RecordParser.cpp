@@ -1,0 +1,304 @@
+#include "tools/vig/RecordParser.h"
+
+#include <simdjson.h>
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <charconv>
+#include <cstddef>
+#include <cstdint>
+#include <utility>
+
+#include "tools/vig/EventNames.h"
+#include "tools/vig/LineReader.h"
+#include "tools/vig/NearestName.h"
+#include "tools/vig/Text.h"
+
+namespace tool {
+
+using Brenta::OS::RulesEngine::EventType;
+using Brenta::OS::VIG::kEventTypeNames;
+namespace ondemand = simdjson::ondemand;
+
+static_assert(LineReader::PADDING >= simdjson::SIMDJSON_PADDING);
+
+namespace {
+
+constexpr std::array<std::string_view, 8> kMembers = {"event", "time_ms", "timeout_id", "uint64",
+                                                      "int64", "double",  "bool",       "string"};
+
+template <typename T>
+constexpr std::string_view kExpected = "";
+template <>
+constexpr std::string_view kExpected<std::uint64_t> = "an unsigned 64-bit integer";
+template <>
+constexpr std::string_view kExpected<std::int64_t> = "a signed 64-bit integer";
+template <>
+constexpr std::string_view kExpected<double> = "a number";
+template <>
+constexpr std::string_view kExpected<bool> = "true or false";
+template <>
+constexpr std::string_view kExpected<std::string_view> = "a string";
+template <>
+constexpr std::string_view kExpected<ondemand::object> = "an object";
+
+// A key as it stands in a message.
+std::string named(std::string_view key) {
+    const bool plain = !key.empty() && std::all_of(key.begin(), key.end(), [](char each) {
+        return each > ' ' && each < '\x7F' && each != '"' && each != '\\' && each != '.' && each != ':';
+    });
+    return plain ? std::string(key) : quoted(key);
+}
+
+// Whether the text is a number of the kind, which can only be too large then.
+template <typename T>
+bool isNumber(std::string_view token) {
+    if constexpr (std::is_same_v<T, double>) {
+        double number = 0;
+        const auto [end, error] = std::from_chars(token.data(), token.data() + token.size(), number);
+        return error == std::errc::result_out_of_range && end == token.data() + token.size();
+    } else if constexpr (std::is_integral_v<T> && !std::is_same_v<T, bool>) {
+        token.remove_prefix(token.starts_with('-') ? 1 : 0);
+        return !token.empty() && token.find_first_not_of("0123456789") == std::string_view::npos && token[0] != '0';
+    } else {
+        return false;
+    }
+}
+
+// The value as it stands in a message.
+std::string shown(std::string_view token) {
+    constexpr std::size_t kMost = 60;
+    constexpr std::string_view kSpace = " \t\r\n";
+    token.remove_prefix(std::min(token.find_first_not_of(kSpace), token.size()));
+    token = token.substr(0, token.find_last_not_of(kSpace) + 1);
+    switch (token.empty() ? '\0' : token.front()) {
+        case '{':
+            return "an object";
+        case '[':
+            return "an array";
+        case '\0':
+        case '}':
+        case ']':
+        case ',':
+        case ':':
+            return "nothing";
+        default:
+            return token.size() <= kMost ? std::string(token) : std::string(token.substr(0, kMost)) + "…";
+    }
+}
+
+template <typename T>
+simdjson::error_code convert(ondemand::value value, T& converted) {
+    return value.get(converted);
+}
+
+// The library misreads some fractions of 20 digits and more, such as 0.12345678901234567890, so that of long numbers
+// only its verdict counts.
+template <>
+simdjson::error_code convert(ondemand::value value, double& converted) {
+    constexpr std::size_t kReliableLength = 19;
+    const std::string_view token = value.raw_json_token();
+    const auto code = value.get(converted);
+    if (!code && token.size() > kReliableLength) {
+        std::from_chars(token.data(), token.data() + token.size(), converted);
+    }
+    return code;
+}
+
+std::string_view describe(simdjson::error_code code) {
+    switch (code) {
+        case simdjson::UTF8_ERROR:
+            return "invalid UTF-8";
+        case simdjson::UNESCAPED_CHARS:
+            return "a control character in a string has to be escaped";
+        case simdjson::UNCLOSED_STRING:
+            return "a string is not closed";
+        case simdjson::STRING_ERROR:
+            return "a string has an invalid escape";
+        default:
+            return "invalid JSON: a brace, comma, colon, key or value is missing or too many";
+    }
+}
+
+}  // namespace
+
+class RecordParser::Impl {
+  public:
+    bool parse(std::string_view text, EventRecord& record);
+
+    std::string error;
+
+  private:
+    bool readMember(std::string_view key, ondemand::value value, EventRecord& record);
+    bool readEventType(ondemand::value value, EventType& type);
+    bool readInteger(std::string_view key, ondemand::value value, std::optional<std::int64_t>& integer);
+    template <typename T>
+    bool readKind(std::string_view kind, ondemand::value value, AttributeSet& attributes);
+    bool checkWhole(const EventRecord& record);
+
+    template <typename T>
+    bool wrongValue(std::string key, ondemand::value value, simdjson::error_code code);
+    bool fail(std::string message) {
+        error = std::move(message);
+        return false;
+    }
+    bool malformed(simdjson::error_code code) { return fail(std::string(describe(code))); }
+    bool malformed(std::string_view kind, simdjson::error_code code) {
+        return fail(std::string(kind) + ": " + std::string(describe(code)));
+    }
+
+    ondemand::parser parser;
+    unsigned seen = 0;  // which of kMembers the record has, one bit each
+};
+
+bool RecordParser::Impl::parse(std::string_view text, EventRecord& record) {
+    record.timeMs.reset();
+    record.timeoutId.reset();
+    record.attributes.clear();
+    seen = 0;
+    if (text.size() > parser.capacity()) {
+        if (const auto code = parser.allocate(std::bit_ceil(text.size()))) {
+            return malformed(code);
+        }
+    }
+    const simdjson::padded_string_view padded(text.data(), text.size(), text.size() + simdjson::SIMDJSON_PADDING);
+    ondemand::document document;
+    if (const auto code = parser.iterate(padded).get(document)) {
+        return malformed(code);
+    }
+    ondemand::object object;
+    if (const auto code = document.get_object().get(object)) {
+        return code == simdjson::INCORRECT_TYPE ? fail("expected a JSON object, got " + shown(text)) : malformed(code);
+    }
+    for (auto member : object) {
+        std::string_view key;
+        ondemand::value value;
+        if (const auto code = member.unescaped_key().get(key)) {
+            return malformed(code);
+        }
+        if (const auto code = member.value().get(value)) {
+            return malformed(code);
+        }
+        if (!readMember(key, value, record)) {
+            return false;
+        }
+    }
+    const bool atEnd = document.current_location().error() == simdjson::OUT_OF_BOUNDS;
+    return atEnd ? checkWhole(record) : fail("something follows after the object");
+}
+
+bool RecordParser::Impl::readMember(std::string_view key, ondemand::value value, EventRecord& record) {
+    const auto place = std::ranges::find(kMembers, key);
+    if (place == kMembers.end()) {
+        return fail(named(key) + ": unknown key" + suggestion(key, kMembers));
+    }
+    const auto member = place - kMembers.begin();
+    const unsigned bit = 1U << member;
+    if ((seen & bit) != 0) {
+        return fail(std::string(key) + ": given twice");
+    }
+    seen |= bit;
+    switch (member) {
+        case 0:
+            return readEventType(value, record.type);
+        case 1:
+            return readInteger(key, value, record.timeMs);
+        case 2:
+            return readInteger(key, value, record.timeoutId);
+        case 3:
+            return readKind<std::uint64_t>(key, value, record.attributes);
+        case 4:
+            return readKind<std::int64_t>(key, value, record.attributes);
+        case 5:
+            return readKind<double>(key, value, record.attributes);
+        case 6:
+            return readKind<bool>(key, value, record.attributes);
+        default:
+            return readKind<std::string_view>(key, value, record.attributes);
+    }
+}
+
+bool RecordParser::Impl::readEventType(ondemand::value value, EventType& type) {
+    std::string_view name;
+    if (const auto code = value.get(name)) {
+        return wrongValue<std::string_view>("event", value, code);
+    }
+    const auto place = std::ranges::find(kEventNames, name);
+    if (place == kEventNames.end()) {
+        return fail("event: unknown event " + quoted(name) + suggestion(name, kEventNames));
+    }
+    type = kEventTypeNames.pairs[static_cast<std::size_t>(place - kEventNames.begin())].first;
+    return true;
+}
+
+bool RecordParser::Impl::readInteger(std::string_view key, ondemand::value value,
+                                     std::optional<std::int64_t>& integer) {
+    const auto code = value.get(integer.emplace());
+    return !code || wrongValue<std::int64_t>(std::string(key), value, code);
+}
+
+template <typename T>
+bool RecordParser::Impl::readKind(std::string_view kind, ondemand::value value, AttributeSet& attributes) {
+    ondemand::object object;
+    if (const auto code = value.get(object)) {
+        return wrongValue<ondemand::object>(std::string(kind), value, code);
+    }
+    for (auto attribute : object) {
+        std::string_view name;
+        ondemand::value content;
+        T converted;
+        if (const auto code = attribute.unescaped_key().get(name)) {
+            return malformed(kind, code);
+        }
+        if (const auto code = attribute.value().get(content)) {
+            return malformed(kind, code);
+        }
+        if (const auto code = convert(content, converted)) {
+            return wrongValue<T>(std::string(kind) + "." + named(name), content, code);
+        }
+        attributes.add<T>(name, converted);
+    }
+    const auto twice = attributes.sort<T>();
+    return !twice || fail(std::string(kind) + "." + named(*twice) + ": given twice");
+}
+
+bool RecordParser::Impl::checkWhole(const EventRecord& record) {
+    if ((seen & 1U) == 0) {
+        return fail("event: missing");
+    }
+    if (record.type == EventType::Timeout && !record.timeoutId) {
+        return fail("timeout_id: missing, which a Timeout event needs");
+    }
+    if (record.type != EventType::Timeout && record.timeoutId) {
+        return fail("timeout_id: only a Timeout event has one");
+    }
+    return true;
+}
+
+template <typename T>
+bool RecordParser::Impl::wrongValue(std::string key, ondemand::value value, simdjson::error_code code) {
+    if (code == simdjson::STRING_ERROR) {
+        return fail(key + ": " + std::string(describe(code)));
+    }
+    const std::string token = shown(value.raw_json_token());
+    std::string message = key + ": expected " + std::string(kExpected<T>) + ", got " + token;
+    if (isNumber<T>(token)) {
+        message += ", which is out of its range";
+    }
+    return fail(std::move(message));
+}
+
+RecordParser::RecordParser() : impl(std::make_unique<Impl>()) {}
+
+RecordParser::~RecordParser() = default;
+
+bool RecordParser::parse(std::string_view text, EventRecord& record) {
+    return impl->parse(text, record);
+}
+
+const std::string& RecordParser::error() const {
+    return impl->error;
+}
+
+}  // namespace tool

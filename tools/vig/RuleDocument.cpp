@@ -1,0 +1,114 @@
+#include "tools/vig/RuleDocument.h"
+
+#include <fcntl.h>
+#include <host/DeviceConfigFiles.h>
+#include <sys/eventfd.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdint>
+#include <filesystem>
+#include <mutex>
+#include <utility>
+
+#include "tools/vig/Text.h"
+#include "vig/VIGManager.h"
+#include "vig/parsers/VIGResponseParser.h"
+
+namespace tool {
+
+using Brenta::OS::VIG::VIGConfig;
+using Brenta::OS::VIG::VIGManager;
+using Brenta::OS::VIG::VIGParseError;
+using Brenta::OS::VIG::VIGResponseParser;
+
+// Where the manager's threads leave a delivery for the thread that drives the machines.
+class RuleDocument::Slot {
+  public:
+    Slot() : event(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {}
+    Slot(const Slot&) = delete;
+    Slot& operator=(const Slot&) = delete;
+    ~Slot() { ::close(event); }
+
+    void put(Delivery delivery) {
+        const std::lock_guard lock(mutex);
+        latest = std::move(delivery);
+        const std::uint64_t one = 1;
+        [[maybe_unused]] const ssize_t written = write(event, &one, sizeof one);
+    }
+
+    std::optional<Delivery> take() {
+        const std::lock_guard lock(mutex);
+        std::uint64_t count = 0;
+        [[maybe_unused]] const ssize_t got = read(event, &count, sizeof count);
+        return std::exchange(latest, std::nullopt);
+    }
+
+    const int event;
+
+  private:
+    std::mutex mutex;
+    std::optional<Delivery> latest;  // guarded by mutex
+};
+
+// Remembers what the parser found, which a delivery does not say.
+class RuleDocument::Manager : public VIGManager {
+  public:
+    ~Manager() override { stop(); }
+
+    std::vector<std::unique_ptr<VIGConfig>> parseResponse(const std::string& response) const override {
+        auto result = VIGResponseParser().parseFromString(response, createParserConfig());
+        lastError = result.error;
+        return result.value ? std::move(*result.value) : std::vector<std::unique_ptr<VIGConfig>>();
+    }
+
+    // REQUIRES: called from within a delivery, of which there is one at a time.
+    VIGParseError errorOfDelivery() const { return lastError; }
+
+  private:
+    mutable VIGParseError lastError = VIGParseError::Ok;
+};
+
+std::string RuleDocument::whyUnreadable(const std::string& path) {
+    struct stat status = {};
+    if (stat(path.c_str(), &status) != 0) {
+        return systemError(errno);
+    }
+    if (S_ISDIR(status.st_mode)) {
+        return systemError(EISDIR);
+    }
+    if (faccessat(AT_FDCWD, path.c_str(), R_OK, AT_EACCESS) != 0) {
+        return systemError(errno);
+    }
+    // The device configuration is available when the folder can be read.
+    const std::filesystem::path folder = std::filesystem::path(path).parent_path();
+    if (faccessat(AT_FDCWD, folder.empty() ? "." : folder.c_str(), R_OK | X_OK, AT_EACCESS) != 0) {
+        return "its folder: " + systemError(errno);
+    }
+    return {};
+}
+
+RuleDocument::RuleDocument(const std::string& path) : slot(std::make_unique<Slot>()) {
+    host::bindProperty("korvel_vig", "vig_response", path);
+    manager = std::make_unique<Manager>();
+    manager->registerCallback([&to = *slot, &from = *manager](std::vector<std::unique_ptr<VIGConfig>>&& configs) {
+        to.put({from.errorOfDelivery(), std::move(configs)});
+    });
+}
+
+RuleDocument::~RuleDocument() = default;
+
+int RuleDocument::descriptor() const {
+    return slot->event;
+}
+
+std::optional<Delivery> RuleDocument::take() {
+    return slot->take();
+}
+
+void RuleDocument::close() {
+    manager.reset();
+}
+
+}  // namespace tool

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "vig/parsers/VIGConfig.h"
+#include "vig/parsers/VIGParseError.h"
+
+namespace tool {
+
+// One delivery of a rule document.
+struct Delivery {
+    Brenta::OS::VIG::VIGParseError error;  // Ok, or why there are no configurations
+    std::vector<std::unique_ptr<Brenta::OS::VIG::VIGConfig>> configs;
+};
+
+// A rule document in a file, on the way that it takes on a device: the file is the response property of the device
+// configuration, and a manager delivers it. Used on one thread.
+class RuleDocument {
+  public:
+    // Why the file cannot be delivered; empty if it can.
+    static std::string whyUnreadable(const std::string& path);
+
+    // Asks for the first delivery. REQUIRES: whyUnreadable() says nothing.
+    explicit RuleDocument(const std::string& path);
+    RuleDocument(const RuleDocument&) = delete;
+    RuleDocument& operator=(const RuleDocument&) = delete;
+    ~RuleDocument();
+
+    // Readable while a delivery waits.
+    int descriptor() const;
+
+    // The latest delivery since the last call, if any: saving the file brings another one.
+    std::optional<Delivery> take();
+
+    // Ends the deliveries. Nothing logs on behalf of the document afterwards.
+    void close();
+
+  private:
+    class Manager;
+    class Slot;
+
+    const std::unique_ptr<Slot> slot;
+    std::unique_ptr<Manager> manager;
+};
+
+}  // namespace tool

@@ -1,0 +1,92 @@
+#include "tools/vig/RuleRun.h"
+
+#include <fcntl.h>
+
+#include <cerrno>
+#include <utility>
+
+#include "tools/vig/Descriptor.h"
+#include "tools/vig/EventReader.h"
+#include "tools/vig/JsonlReport.h"
+#include "tools/vig/Text.h"
+#include "tools/vig/TextReport.h"
+
+namespace tool {
+
+RuleRun::RuleRun(const RuleOptions& ruleOptions, const Console& streams, const Interruption& interruptedBy)
+    : options(ruleOptions), console(streams), interruption(interruptedBy), out(streams.out) {
+    if (options.format == ReportFormat::Jsonl) {
+        report = std::make_unique<JsonlReport>(out);
+    } else {
+        report = std::make_unique<TextReport>(out, console.wantsColours());
+    }
+}
+
+std::optional<int> RuleRun::begin(RuleSession::Changes later) {
+    AttributeSet context;
+    if (!options.contextFile.empty() && !readContext(context)) {
+        return kExitUnusable;
+    }
+    rules.emplace(options.rules, options.seed, std::move(context), *report);
+    switch (rules->load(later, interruption)) {
+        case RuleSession::Loading::Done:
+            return std::nullopt;
+        case RuleSession::Loading::Refused:
+            complainAfterOutput(options.rules + ": error: " + rules->problem());
+            return abandon(kExitRefused);
+        case RuleSession::Loading::Unreadable:
+            console.complain(options.rules + ": " + rules->problem());
+            return kExitUnusable;
+        case RuleSession::Loading::Interrupted:
+            break;
+    }
+    return kExitInterrupted;
+}
+
+bool RuleRun::readContext(AttributeSet& attributes) {
+    const std::string& path = options.contextFile;
+    const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    if (!file.isOpen()) {
+        console.complain(path + ": " + systemError(errno));
+        return false;
+    }
+    EventReader reader(file.get(), path, interruption, [] {});
+    EventRecord record;
+    EventRecord second;
+    auto status = reader.next(record);
+    if (status == EventReader::Status::Record) {
+        status = reader.next(second);
+        if (status == EventReader::Status::End) {
+            attributes = std::move(record.attributes);
+            return true;
+        }
+    }
+    console.say(status == EventReader::Status::Failed ? reader.error() : path + ": error: expected exactly one record");
+    return false;
+}
+
+void RuleRun::complainAfterOutput(std::string_view line) {
+    out.flush();
+    console.say(line);
+}
+
+int RuleRun::finish(int status, std::optional<Summary::Sampling> sampling) {
+    Summary summary = rules->summary();
+    summary.sampling = std::move(sampling);
+    report->end(summary);
+    return abandon(status);
+}
+
+int RuleRun::abandon(int status) {
+    out.flush();
+    if (!out.failed()) {
+        return status;
+    }
+    if (out.readerIsGone()) {
+        return kExitDone;
+    }
+    console.complain("standard output: " + systemError(out.failure()));
+    return kExitUnusable;
+}
+
+}  // namespace tool

@@ -1,0 +1,65 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "tools/vig/Console.h"
+#include "tools/vig/Interruption.h"
+#include "tools/vig/Output.h"
+#include "tools/vig/Report.h"
+#include "tools/vig/RuleSession.h"
+
+namespace tool {
+
+enum class ReportFormat { Text, Jsonl };
+
+// What the verbs that let rules run have in common.
+struct RuleOptions {
+    std::string rules;
+    ReportFormat format = ReportFormat::Text;
+    std::uint32_t seed = 5489;  // the one with which the generator's own definition starts
+    std::string contextFile;    // empty if there is none
+};
+
+// One run of a verb from the loading of the rules to the exit status, its report on the console.
+class RuleRun {
+  public:
+    RuleRun(const RuleOptions& ruleOptions, const Console& streams, const Interruption& interruptedBy);
+    RuleRun(const RuleRun&) = delete;
+    RuleRun& operator=(const RuleRun&) = delete;
+
+    // Loads the rules and starts the machines. If that fails, says why and returns the exit status.
+    std::optional<int> begin(RuleSession::Changes later);
+
+    // REQUIRES: begin() has returned nothing.
+    RuleSession& session() { return *rules; }
+
+    Output& output() { return out; }
+
+    // Whether the run is to end: it was interrupted, or nobody can read what it writes.
+    bool mustStop() const { return interruption.requested() || out.failed(); }
+
+    // Says what is wrong after all that has been reported.
+    void complainAfterOutput(std::string_view line);
+
+    // Reports the end and returns the exit status: `status` unless the output could not be written.
+    int finish(int status, std::optional<Summary::Sampling> sampling);
+
+    // The same without the end, for a run that came to none.
+    int abandon(int status);
+
+  private:
+    bool readContext(AttributeSet& attributes);
+
+    const RuleOptions& options;
+    const Console& console;
+    const Interruption& interruption;
+    Output out;
+    std::unique_ptr<Report> report;
+    std::optional<RuleSession> rules;
+};
+
+}  // namespace tool

@@ -1,0 +1,118 @@
+#include "tools/vig/Text.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <cstring>
+#include <iterator>
+
+#include "vig/actions/Utf8.h"
+
+namespace tool {
+
+using Brenta::OS::VIG::replaceInvalidUtf8;
+
+namespace {
+
+bool isPlainAscii(std::string_view text) {
+    return std::all_of(text.begin(), text.end(), [](char each) { return each >= ' ' && each < '\x7F'; });
+}
+
+void appendEscaped(std::string& out, char character) {
+    switch (character) {
+        case '"':
+            out += "\\\"";
+            return;
+        case '\\':
+            out += "\\\\";
+            return;
+        case '\n':
+            out += "\\n";
+            return;
+        case '\t':
+            out += "\\t";
+            return;
+        case '\r':
+            out += "\\r";
+            return;
+        default:
+            if (static_cast<unsigned char>(character) < 0x20) {
+                fmt::format_to(std::back_inserter(out), "\\u{:04x}", static_cast<unsigned>(character));
+            } else {
+                out += character;
+            }
+    }
+}
+
+// The code point of a control or direction-changing character at the beginning of well-formed text, or 0.
+unsigned dangerousCharacter(std::string_view text, std::size_t& length) {
+    const auto byte = [&](std::size_t place) {
+        return place < text.size() ? static_cast<unsigned char>(text[place]) : 0U;
+    };
+    if (byte(0) < 0x20 || byte(0) == 0x7F) {
+        length = 1;
+        return byte(0);
+    }
+    if (byte(0) == 0xC2 && byte(1) < 0xA0) {
+        length = 2;
+        return byte(1);
+    }
+    if (byte(0) == 0xE2 && (byte(1) == 0x80 || byte(1) == 0x81)) {
+        length = 3;
+        const unsigned character = 0x2000 + ((byte(1) & 1) << 6) + (byte(2) & 0x3F);
+        const bool lineBreak = character == 0x2028 || character == 0x2029;
+        const bool mark = character == 0x200E || character == 0x200F;
+        const bool override = character >= 0x202A && character <= 0x202E;
+        const bool isolate = character >= 0x2066 && character <= 0x2069;
+        return lineBreak || mark || override || isolate ? character : 0;
+    }
+    return 0;
+}
+
+}  // namespace
+
+void appendJsonString(std::string& out, std::string_view text) {
+    out += '"';
+    const std::string valid = isPlainAscii(text) ? std::string() : replaceInvalidUtf8(text);
+    for (const char each : valid.empty() ? text : std::string_view(valid)) {
+        appendEscaped(out, each);
+    }
+    out += '"';
+}
+
+std::string quoted(std::string_view text) {
+    std::string result;
+    appendJsonString(result, text);
+    return result;
+}
+
+std::string printable(std::string_view text) {
+    if (isPlainAscii(text)) {
+        return std::string(text);
+    }
+    const std::string valid = replaceInvalidUtf8(text);
+    std::string result;
+    for (std::size_t place = 0; place < valid.size();) {
+        std::size_t length = 1;
+        const std::string_view rest = std::string_view(valid).substr(place);
+        const unsigned character = dangerousCharacter(rest, length);
+        if (character >= 0x100) {
+            fmt::format_to(std::back_inserter(result), "\\u{:04x}", character);
+        } else if (rest[0] == '\n' || rest[0] == '\t' || rest[0] == '\r') {
+            appendEscaped(result, rest[0]);
+        } else if (character != 0 || rest[0] == '\0') {
+            fmt::format_to(std::back_inserter(result), "\\x{:02x}", character);
+        } else {
+            result += rest.substr(0, length);
+        }
+        place += length;
+    }
+    return result;
+}
+
+std::string systemError(int number) {
+    return std::strerror(number);
+}
+
+}  // namespace tool

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace tool {
+
+// Appends the text as a JSON string, with its quotes. Ill-formed UTF-8 becomes U+FFFD.
+void appendJsonString(std::string& out, std::string_view text);
+
+// The text as a JSON string.
+std::string quoted(std::string_view text);
+
+// The text without what a terminal would act on: control characters and those that change the direction of writing
+// are shown as escapes, ill-formed UTF-8 as U+FFFD.
+std::string printable(std::string_view text);
+
+// How the system calls an errno value.
+std::string systemError(int number);
+
+}  // namespace tool

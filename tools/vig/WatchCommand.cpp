@@ -1,0 +1,147 @@
+#include "tools/vig/WatchCommand.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdint>
+#include <optional>
+
+#include "tools/vig/Descriptor.h"
+#include "tools/vig/EventWriter.h"
+#include "tools/vig/Output.h"
+#include "tools/vig/SystemSampler.h"
+#include "tools/vig/Text.h"
+
+namespace tool {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+Descriptor openRecord(const WatchOptions& options) {
+    const int mode = options.overwrite ? 0 : O_EXCL;
+    return Descriptor(open(options.recordFile.c_str(), O_WRONLY | O_CREAT | O_NOFOLLOW | O_CLOEXEC | mode, 0666));
+}
+
+std::string whyNotOpened(int error) {
+    switch (error) {
+        case EEXIST:
+            return "it exists already; --force overwrites it";
+        case ELOOP:
+            return "it is a symbolic link";
+        default:
+            return systemError(error);
+    }
+}
+
+timespec untilThen(Clock::time_point deadline) {
+    const auto left = std::max<std::chrono::nanoseconds>(deadline - Clock::now(), std::chrono::nanoseconds(0));
+    const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(left);
+    return {static_cast<time_t>(seconds.count()), static_cast<long>((left - seconds).count())};
+}
+
+class Watch {
+  public:
+    // `recordOutput` is null if nothing is recorded.
+    Watch(const WatchOptions& watchOptions, const Interruption& interruptedBy, RuleRun& rules, Output* recordOutput)
+        : options(watchOptions),
+          interruption(interruptedBy),
+          ruleRun(rules),
+          record(recordOutput),
+          sampler(
+              options.procFolder, options.sysFolder, [] { return Clock::now().time_since_epoch(); },
+              [this](std::string_view note) { ruleRun.complainAfterOutput("vig: note: " + std::string(note)); }) {}
+
+    int run() {
+        const Clock::time_point start = Clock::now();
+        const Clock::time_point end = start + options.duration;
+        Clock::time_point next = start;
+        do {
+            takeSample(std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start));
+            // Samples that are overdue already are left out.
+            next += options.interval * (1 + std::max<Clock::rep>(0, (Clock::now() - next) / options.interval));
+        } while (waitUntil(std::min(next, end)) && next <= end);
+        if (record != nullptr && record->failed()) {
+            ruleRun.complainAfterOutput("vig: error: " + options.recordFile + ": " + systemError(record->failure()));
+            return kExitUnusable;
+        }
+        return ruleRun.finish(kExitDone, std::move(sampling));
+    }
+
+  private:
+    void takeSample(std::chrono::milliseconds time) {
+        followDocument();
+        ++sampling.samples;
+        sampler.sample(time.count(), [this](const EventRecord& event) {
+            ++sampling.eventsByType[event.type];
+            if (record != nullptr) {
+                writeEvent(*record, event);
+            }
+            ruleRun.session().offer(event);
+        });
+        if (record != nullptr) {
+            record->flush();
+        }
+        ruleRun.output().flush();
+    }
+
+    // Meanwhile follows the document. False if the watch is to end.
+    bool waitUntil(Clock::time_point deadline) {
+        pollfd sources[] = {{interruption.descriptor(), POLLIN, 0}, {ruleRun.session().changesDescriptor(), POLLIN, 0}};
+        while (!mustStop()) {
+            const timespec left = untilThen(deadline);
+            if (ppoll(sources, 2, &left, nullptr) == 0) {
+                return true;
+            }
+            followDocument();
+        }
+        return false;
+    }
+
+    void followDocument() {
+        RuleSession& session = ruleRun.session();
+        if (session.update() && !session.problem().empty()) {
+            ruleRun.complainAfterOutput(options.rules + ": error: " + session.problem() +
+                                        "; no rules run until it is mended");
+        }
+        ruleRun.output().flush();
+    }
+
+    bool mustStop() const { return ruleRun.mustStop() || (record != nullptr && record->failed()); }
+
+    const WatchOptions& options;
+    const Interruption& interruption;
+    RuleRun& ruleRun;
+    Output* const record;
+    SystemSampler sampler;
+    Summary::Sampling sampling{};
+};
+
+}  // namespace
+
+int watch(const WatchOptions& options, const Console& console, const Interruption& interruption) {
+    const bool recording = !options.recordFile.empty();
+    const Descriptor file = recording ? openRecord(options) : Descriptor(-1);
+    if (recording && !file.isOpen()) {
+        console.complain(options.recordFile + ": " + whyNotOpened(errno));
+        return kExitUnusable;
+    }
+    RuleRun ruleRun(options, console, interruption);
+    if (const auto status = ruleRun.begin(RuleSession::Changes::Follow)) {
+        if (recording && !options.overwrite) {
+            unlink(options.recordFile.c_str());
+        }
+        return *status;
+    }
+    if (recording && options.overwrite) {
+        // Not before the rules are known to run: the earlier recording may be all that there is.
+        ftruncate(file.get(), 0);
+    }
+    Output record(file.get());
+    return Watch(options, interruption, ruleRun, recording ? &record : nullptr).run();
+}
+
+}  // namespace tool

@@ -1,0 +1,38 @@
+#include <variant>
+
+#include "tools/vig/CommandLine.h"
+#include "tools/vig/Console.h"
+#include "tools/vig/Interruption.h"
+#include "tools/vig/Output.h"
+#include "tools/vig/RunCommand.h"
+#include "tools/vig/WatchCommand.h"
+
+namespace {
+
+int answer(const tool::Answer& given, const tool::Console& console) {
+    if (given.status != tool::kExitDone) {
+        console.complain(given.text);
+        console.say(given.hint);
+        return given.status;
+    }
+    tool::Output output(console.out);
+    output.write(given.text);
+    output.flush();
+    return output.failed() && !output.readerIsGone() ? tool::kExitUnusable : tool::kExitDone;
+}
+
+}  // namespace
+
+int main(int count, char** arguments) {
+    const tool::Command command = tool::parseCommandLine(count, arguments);
+    const tool::Console console;
+    tool::Interruption interruption;
+    const tool::InterruptOnSignals signals(interruption);
+    if (const auto* const options = std::get_if<tool::RunOptions>(&command)) {
+        return tool::run(*options, console, interruption);
+    }
+    if (const auto* const options = std::get_if<tool::WatchOptions>(&command)) {
+        return tool::watch(*options, console, interruption);
+    }
+    return answer(*std::get_if<tool::Answer>(&command), console);
+}
