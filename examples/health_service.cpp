@@ -3,6 +3,8 @@
 // On a device it runs as it is. On a host, point VIG_DEVICE_CONFIG at a folder with a rule document in
 // korvel_vig/vig_response.
 
+#include <unistd.h>
+
 #include <chrono>
 #include <fstream>
 #include <memory>
@@ -60,7 +62,7 @@ std::int64_t readResidentKB() {
     std::int64_t size = 0;
     std::int64_t residentPages = 0;
     std::ifstream("/proc/self/statm") >> size >> residentPages;
-    return residentPages * 4;
+    return residentPages * (sysconf(_SC_PAGESIZE) / 1024);
 }
 
 }  // namespace
@@ -79,7 +81,7 @@ int main() {
         }
     });
 
-    for (int heartBeat = 0; heartBeat < 20; ++heartBeat) {
+    for (int heartBeat = 0; heartBeat < 40; ++heartBeat) {
         std::this_thread::sleep_for(std::chrono::milliseconds(100));
         const ProcessMemory event("health_service", readResidentKB());
         const std::lock_guard lock(mutex);

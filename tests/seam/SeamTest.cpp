@@ -5,8 +5,8 @@
 #include <utility>
 #include <vector>
 
+#include "examples/minimal_platform/MinimalPlatform.h"
 #include "rulesengine/FiniteStateMachine.h"
-#include "tests/minimal_platform/MinimalPlatform.h"
 #include "tests/support/Documents.h"
 #include "tests/support/Receiver.h"
 #include "tests/support/TestEvent.h"
