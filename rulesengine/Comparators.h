@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cassert>
 #include <cstdint>
 #include <functional>
 #include <string>
@@ -60,9 +61,11 @@ class VIG_EXPORT EvtAndContextComparator final : public Filter {
 template <typename T, typename Op>
 class VIG_EXPORT ReturnValueComparator final : public Filter {
   public:
-    // REQUIRES: `callable` is not empty. The filter is as thread-safe as the callable.
+    // REQUIRES: `callable` is not empty (asserted in debug builds). The filter is as thread-safe as the callable.
     ReturnValueComparator(std::function<T()> callable, T rightOperand)
-        : function(std::move(callable)), constant(std::move(rightOperand)) {}
+        : function(std::move(callable)), constant(std::move(rightOperand)) {
+        assert(function);
+    }
 
     bool operator()(const EvaluationContext& /*context*/, const Event& /*event*/) const override {
         return Op()(function(), constant);

@@ -31,7 +31,7 @@ class VIG_EXPORT Transition {
     State* onEvent(EvaluationContext& context, const Event& event) const;
 
   private:
-    State* const from;
+    [[maybe_unused]] State* const from;  // read by assertions only
     State* const to;
     const EventType eventType;
     const std::vector<std::shared_ptr<Filter>> filters;

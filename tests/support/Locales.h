@@ -37,8 +37,8 @@ class CommaLocale {
 };
 #endif
 
-// Runs `check` in processes' locales that have a decimal comma: of C++ streams, without and with groups of
-// three digits, and of the C library. The last is in the build folder, where LOCPATH leads.
+// Runs `check` in locales of the process that have a decimal comma: of the C++ streams alone, without and with
+// groups of three digits, of the C library alone, and of both. LOCPATH leads to the last two in the build folder.
 template <typename Check>
 void inCommaLocales(const Check& check) {
 #ifdef __cpp_rtti
@@ -48,9 +48,12 @@ void inCommaLocales(const Check& check) {
         check();
     }
 #endif
-    SCOPED_TRACE("C locale");
+    SCOPED_TRACE("named locale");
     ASSERT_NE(setlocale(LC_ALL, "de_DE.UTF-8"), nullptr);
     check();
+    const std::locale previous = std::locale::global(std::locale("de_DE.UTF-8"));
+    check();
+    std::locale::global(previous);
     setlocale(LC_ALL, "C");
 }
 

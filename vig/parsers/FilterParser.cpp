@@ -172,7 +172,7 @@ std::shared_ptr<Filter> createConstantFilter(Comparison comparison, const VIGPar
         VIG_LOG_ERROR("Invalid constant of value type %s: %s.", comparison.valueType, comparison.rhs.value.c_str());
         return nullptr;
     }
-    if (function) {
+    if (comparison.lhs.type == FilterOperand::Type::Function) {
         return _createTypedPureFuncReturnValueComparator<T>(comparison.op, std::move(function), std::move(*constant));
     }
     return _createTypedEvtAndContextComparator<T>(comparison.op, std::move(comparison.lhs.value), std::move(*constant));
@@ -273,8 +273,8 @@ std::shared_ptr<Filter> _parseFilter(const Json::Value& filter, const VIGParserC
     const auto valueTypeText = toText(filter["value_type"]);
     const auto valueType = valueTypeText ? kValueTypes.reverseLookup(*valueTypeText) : std::nullopt;
     if (!valueType) {
-        VIG_LOG_ERROR("Invalid operand value type: %s.",
-                      valueTypeText.value_or(styledText(filter["value_type"])).c_str());
+        const std::string shown = valueTypeText ? *valueTypeText : styledText(filter["value_type"]);
+        VIG_LOG_ERROR("Invalid operand value type: %s.", shown.c_str());
         return nullptr;
     }
     auto lhs = parseOperand(filter, "operand1");

@@ -10,12 +10,12 @@ namespace Brenta::OS::VIG {
 
 // A report, in the manner of the library's reader, if the reader would not return normally from this text
 // but throw: because it would have to read a value inside of `levels` or more arrays and objects, or could
-// meet a key of 1 GiB. Empty for every text that the reader accepts.
+// meet a key of 1 GiB. Empty for every shorter text that the reader accepts.
 std::optional<std::string> reportOfUnreadable(std::string_view text, unsigned levels);
 
 // The reader reads real numbers with the decimal point of the process's C++ locale. Where that is not ".",
 // returns the text with each real number written without a point (2.9 as 29e-1), which reads the same
-// everywhere; otherwise returns an empty text.
+// everywhere; otherwise returns an empty text. What the reader reports then shows the number as respelled.
 std::string respellForLocale(std::string_view text);
 
 }  // namespace Brenta::OS::VIG

@@ -64,7 +64,7 @@ std::string styledText(const Json::Value& value) {
     }
     Json::StreamWriterBuilder builder;
     builder["indentation"] = "";
-    return Json::writeString(builder, value);
+    return Json::writeString(builder, value) + "\n";
 }
 
 }  // namespace Brenta::OS::VIG

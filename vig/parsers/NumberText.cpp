@@ -19,7 +19,7 @@ std::optional<std::int32_t> readInt32(const std::string& text) {
 std::optional<std::int64_t> readInt64(const std::string& text) {
     char* end = nullptr;
     errno = 0;
-    const std::int64_t value = std::strtoll(text.c_str(), &end, 10);
+    const std::int64_t value = strtoll_l(text.c_str(), &end, 10, cLocale());
     return end == text.c_str() || errno == ERANGE ? std::nullopt : std::optional(value);
 }
 
@@ -32,7 +32,7 @@ std::optional<double> readDouble(const std::string& text) {
 }
 
 std::int64_t readNearestInt64(const std::string& text) {
-    return std::strtoll(text.c_str(), nullptr, 10);
+    return strtoll_l(text.c_str(), nullptr, 10, cLocale());
 }
 
 double readNearestDouble(const std::string& text) {

@@ -1,5 +1,6 @@
 #include "vig/parsers/VIGParserConfig.h"
 
+#include <cassert>
 #include <optional>
 #include <utility>
 
@@ -34,7 +35,9 @@ VIGParserConfig::VIGParserConfig(
       doublePureFunctions(std::move(doubleFunctionsByName)),
       stringPureFunctions(std::move(stringFunctionsByName)),
       boolPureFunctions(std::move(boolFunctionsByName)),
-      evaluationContextFactory(std::move(contextFactory)) {}
+      evaluationContextFactory(std::move(contextFactory)) {
+    assert(evaluationContextFactory);
+}
 
 bool VIGParserConfig::getEventType(const std::string& name, RulesEngine::EventType& out) const {
     return lookUp(eventTypes, name, out);
@@ -46,6 +49,7 @@ bool VIGParserConfig::getActionFunction(const std::string& name, const std::vect
     if (!lookUp(actionFunctionFactories, name, factory)) {
         return false;
     }
+    assert(factory != nullptr);
     const std::optional<VIGActionFunction> action = factory->get(parameters);
     if (!action) {
         VIG_LOG_ERROR("Action %s does not support the given parameters.", name.c_str());

@@ -26,8 +26,8 @@ class VIG_EXPORT VIGParserConfig {
     using EvaluationContextFactory = std::function<std::unique_ptr<RulesEngine::EvaluationContext>()>;
 
     // The pure-function tables are independent: one name may stand in several of them.
-    // REQUIRES: no factory and no function is empty. `contextFactory` makes the context of each new machine;
-    // by default a plain one.
+    // REQUIRES: no factory and no function is empty (factories asserted in debug builds). `contextFactory` makes the
+    // context of each new machine; by default a plain one.
     VIGParserConfig(
         std::unordered_map<std::string, RulesEngine::EventType> eventTypesByName,
         std::unordered_map<std::string, std::shared_ptr<VIGActionFunctionFactory>> actionFactoriesByKey,

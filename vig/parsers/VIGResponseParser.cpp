@@ -17,6 +17,8 @@ namespace {
 // Empty on success, otherwise a report of what is wrong with the text and where.
 std::optional<std::string> read(const std::string& text, Json::Value& root) {
     Json::CharReaderBuilder builder;
+    // Comments are accepted and mean nothing. To keep them, the reader searches the text before each one again.
+    builder.settings_["collectComments"] = false;
     if (auto report = reportOfUnreadable(text, builder.settings_["stackLimit"].asUInt())) {
         return report;
     }

@@ -112,6 +112,22 @@ TEST_F(HostileText, EveryTruncationOfTheExamplesIsRefused) {
     }
 }
 
+// Each would take minutes if the time for it were quadratic.
+TEST_F(HostileText, LargeTextsOfOneKindTakeTimeInProportion) {
+    const auto repeated = [](std::string_view piece) {
+        std::string text;
+        while (text.size() < (std::size_t{4} << 20)) {
+            text += piece;
+        }
+        return text;
+    };
+    const std::string open = R"({"configs":[],"x":[1)";
+    for (const char* piece : {"/**/", "//\n", ",[]", ",{}", ",\"\\u0041\"", " ", ",1.5", ",[[[[[[[[1]]]]]]]]", "["}) {
+        survive(open + "/*" + repeated(" ") + "\n*/" + repeated(piece) + "]}");
+        survive(repeated(piece));
+    }
+}
+
 TEST_F(HostileText, AHundredThousandMutationsAreSurvived) {
     int accepted = 0;
     for (int round = 0; round < 100'000; ++round) {
