@@ -13,6 +13,8 @@ ResponseListener::ResponseListener(std::function<void(const Properties&)> change
 }
 
 void ResponseListener::onPropertiesChanged(Properties properties) {
+    // The library may let go of the listener while the handler runs.
+    const auto self = weak_from_this().lock();
     handler(properties);
 }
 

@@ -74,33 +74,42 @@ VIGParserConfig VIGManager::createParserConfig() const {
 }
 
 void VIGManager::registerCallback(Callback newCallback) {
-    {
-        std::unique_lock lock(mutex);
-        replaceRegistration(lock, std::move(newCallback));
-    }
-    // If the thread cannot be created, the error passes through here and the registration is taken back.
+    // If the thread cannot be created, the error passes through here and the registration is taken back, unless
+    // another thread has put its own in its place.
     struct Rollback {
-        VIGManager* manager;
+        VIGManager& manager;
+        std::uint64_t number = 0;
+        bool needed = true;
         ~Rollback() {
-            if (manager != nullptr) {
-                manager->deregisterCallback();
+            std::unique_lock lock(manager.mutex);
+            if (needed && manager.registration == number) {
+                manager.endRegistration(lock);
             }
         }
-    } rollback{this};
+    } rollback{*this};
+    {
+        std::unique_lock lock(mutex);
+        deregistered = false;
+        rollback.number = registration + 1;
+        replaceRegistration(lock, std::move(newCallback));
+    }
     configureDeviceConfigService();
-    rollback.manager = nullptr;
+    rollback.needed = false;
 }
 
 void VIGManager::deregisterCallback() {
     std::unique_lock lock(mutex);
-    replaceRegistration(lock, nullptr);
+    endRegistration(lock);
     // The watcher may be just registering a listener, which it removes again itself. On that very thread, or
     // with a service that does not answer, waiting for it would not end.
     if (subscriber != std::this_thread::get_id()) {
-        const std::uint64_t ended = registration;
-        subscriptionSettled.wait_for(
-            lock, kSettleTimeout, [this, ended] { return subscriber == std::thread::id() || registration != ended; });
+        subscriptionSettled.wait_for(lock, kSettleTimeout, [this] { return subscriber == std::thread::id(); });
     }
+}
+
+void VIGManager::endRegistration(std::unique_lock<std::mutex>& lock) {
+    deregistered = true;
+    replaceRegistration(lock, nullptr);
 }
 
 void VIGManager::replaceRegistration(std::unique_lock<std::mutex>& lock, Callback newCallback) {
@@ -130,7 +139,8 @@ void VIGManager::stop() {
 
 void VIGManager::configureDeviceConfigService() {
     const std::lock_guard lock(mutex);
-    if (stopping) {
+    // A registration may have been ended before its thread came here.
+    if (stopping || deregistered) {
         return;
     }
     if (!watching) {
@@ -192,9 +202,10 @@ void VIGManager::goLive(std::uint64_t served) {
             deliver(served, getConfig());
         }
     }
-    subscribe(served);
-    deviceConfigAvailable = true;
-    VIG_LOG_ERROR("ViG device config is available now.");
+    if (subscribe(served)) {
+        deviceConfigAvailable = true;
+        VIG_LOG_ERROR("ViG device config is available now.");
+    }
 }
 
 bool VIGManager::isAwaited(std::uint64_t served) const {
@@ -217,11 +228,12 @@ void VIGManager::deliver(std::uint64_t served, const std::string& response) {
     }
 }
 
-void VIGManager::subscribe(std::uint64_t served) {
+// Whether the registration still held, so that its listener is in place.
+bool VIGManager::subscribe(std::uint64_t served) {
     std::unique_lock lock(mutex);
     subscriptionSettled.wait(lock, [this] { return subscriber == std::thread::id(); });
     if (registration != served) {
-        return;
+        return false;
     }
     responseListener = std::make_shared<ResponseListener>([this, served, gate = gate](const Properties& properties) {
         const DeliveryGate::Passage passage(*gate);
@@ -238,7 +250,9 @@ void VIGManager::subscribe(std::uint64_t served) {
     });
     if (registration != served) {
         unsubscribe(lock);
+        return false;
     }
+    return true;
 }
 
 void VIGManager::unsubscribe(std::unique_lock<std::mutex>& lock) {

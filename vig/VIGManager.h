@@ -50,7 +50,8 @@ class VIG_EXPORT VIGManager {
     VIGManager& operator=(const VIGManager&) = delete;
 
     // When it returns, no thread runs any code of the manager and no listener is left. Waits for a watcher that
-    // still polls, about 31 seconds at most, and for deliveries under way; until then the callback may be called.
+    // still polls, about 31 seconds at most (47 if a registration began while it polled), and for deliveries under
+    // way; until then the callback may be called.
     // REQUIRES: not called from within the callback (asserted in debug builds).
     virtual ~VIGManager();
 
@@ -65,10 +66,14 @@ class VIG_EXPORT VIGManager {
     // Starts the watcher thread, or asks the one that still polls to begin again. Part of registerCallback.
     virtual void configureDeviceConfigService();
 
-    // Makes `newCallback` the receiver of all deliveries and looks for the service, for about 31 seconds from
-    // now; a service that appears later is not found. If the service is known, the first delivery follows at
-    // once. An earlier registration ends as with deregisterCallback, but without waiting for the service.
+    // Makes `newCallback` the receiver of all deliveries and looks for the service for about 31 seconds: from now,
+    // or from the end of the sleep, of at most 16 seconds, in which the watcher of an earlier registration is. A
+    // service that appears later is not found. If the service is there, the first delivery follows at once.
+    // An earlier registration ends as with deregisterCallback, but without waiting for the service.
     // If the thread cannot be created, there is no registration afterwards.
+    // REQUIRES: the destructors of what a callback owns do not use the manager, since callbacks are replaced and
+    // cleared under its mutex; and the caller holds no lock that the callback takes, since the service may wait
+    // for a notification under way.
     void registerCallback(Callback newCallback);
 
     // Ends the registration. No delivery for it begins after the return, but one under way may still call
@@ -95,8 +100,9 @@ class VIG_EXPORT VIGManager {
     bool isAwaited(std::uint64_t served) const;
     void deliver(std::uint64_t served, const std::string& response);
 
+    void endRegistration(std::unique_lock<std::mutex>& lock);
     void replaceRegistration(std::unique_lock<std::mutex>& lock, Callback newCallback);
-    void subscribe(std::uint64_t served);
+    bool subscribe(std::uint64_t served);
     void unsubscribe(std::unique_lock<std::mutex>& lock);
     void callService(std::unique_lock<std::mutex>& lock, const std::function<void()>& call);
 
@@ -113,6 +119,7 @@ class VIG_EXPORT VIGManager {
 
     std::uint64_t registration{0};  // guarded by mutex; another one with each change of the callback
     bool watching{false};           // guarded by mutex; the watcher has not decided to end
+    bool deregistered{false};       // guarded by mutex; the latest registration was ended by its client
     bool stopping{false};           // guarded by mutex; nothing new begins
     std::thread::id subscriber;     // guarded by mutex; adds or removes a listener at this moment, if any
     std::condition_variable subscriptionSettled;

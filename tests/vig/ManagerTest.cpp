@@ -411,6 +411,24 @@ TEST_F(ManagerTest, TheWatcherStartedByHandListensWithoutARegistration) {
     EXPECT_EQ(config.checks(), 1);
 }
 
+// Ends the registration on another thread before the watcher is asked for it.
+class OvertakenManager : public VIGManager {
+  public:
+    ~OvertakenManager() override { stop(); }
+    void configureDeviceConfigService() override {
+        std::thread([this] { deregisterCallback(); }).join();
+        VIGManager::configureDeviceConfigService();
+    }
+};
+
+TEST_F(ManagerTest, ARegistrationThatEndsBeforeItIsWatchedLeavesNoListener) {
+    OvertakenManager overtaken;
+    overtaken.registerCallback(receiver.callback());
+    overtaken.VIGManager::configureDeviceConfigService();
+    EXPECT_EQ(config.checks(), 0);
+    EXPECT_EQ(receiver.uses(), 0);
+}
+
 class OverridingManager : public VIGManager {
   public:
     ~OverridingManager() override { stop(); }

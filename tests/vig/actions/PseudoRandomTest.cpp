@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 #include <cstring>
+#include <latch>
 #include <thread>
 
 #include "tests/support/TemporaryFolder.h"
@@ -77,11 +78,13 @@ TEST(PseudoRandomDouble, DrawsFromOneSequenceThroughEveryFunction) {
 }
 
 TEST(PseudoRandomDouble, DrawsFromOneSequenceOnEveryThread) {
-    constexpr std::size_t kDraws = 20000;
+    constexpr std::size_t kDraws = 100000;
     PseudoRandomGenerator::ofProcess().seed(5489);
     std::vector<double> values(2 * kDraws);
-    const auto drawInto = [&values](std::size_t begin) {
+    std::latch bothReady(2);
+    const auto drawInto = [&](std::size_t begin) {
         const auto function = PseudoRandomDoublePureFunctionImpl::get();
+        bothReady.arrive_and_wait();
         for (std::size_t i = begin; i < begin + kDraws; ++i) {
             values[i] = function();
         }
