@@ -147,8 +147,11 @@ std::optional<PathWatcher::Change> PathWatcher::meaningOf(const Event& event) co
     if ((event.mask & IN_CREATE) != 0 && folder != folders.end()) {
         // A plain file has just been begun and is reported again when it is complete; a further link is complete.
         struct stat status = {};
-        if (lstat((folder->second / event.name).c_str(), &status) == 0 && S_ISREG(status.st_mode) &&
-            status.st_nlink == 1) {
+        const bool isPlain = lstat((folder->second / event.name).c_str(), &status) == 0 && S_ISREG(status.st_mode) &&
+                             status.st_nlink == 1;
+        // Linking an older file changes its status, not its content.
+        if (isPlain && status.st_mtim.tv_sec == status.st_ctim.tv_sec &&
+            status.st_mtim.tv_nsec == status.st_ctim.tv_nsec) {
             return std::nullopt;
         }
     }

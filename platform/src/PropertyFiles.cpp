@@ -20,6 +20,9 @@ namespace {
 
 using Bindings = std::map<std::string, std::map<std::string, fs::path>>;
 
+// A property that has more is absent.
+constexpr std::size_t kMostBytes = std::size_t{1} << 30;
+
 std::mutex bindingsMutex;
 Bindings bindings;  // guarded by bindingsMutex
 
@@ -35,8 +38,9 @@ std::optional<std::string> readWhole(const fs::path& path) {
     }
     std::string content;
     std::array<char, 65536> buffer;
-    ssize_t got = 0;
-    while ((got = read(file, buffer.data(), buffer.size())) > 0 || (got < 0 && errno == EINTR)) {
+    ssize_t got = 1;
+    while (content.size() < kMostBytes &&
+           ((got = read(file, buffer.data(), buffer.size())) > 0 || (got < 0 && errno == EINTR))) {
         content.append(buffer.data(), got > 0 ? static_cast<std::size_t>(got) : 0);
     }
     close(file);

@@ -1,5 +1,6 @@
 #include "tools/vig/EventWriter.h"
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
 #include <bit>
@@ -62,13 +63,13 @@ TEST(EventWriter, RecordReadsBackEqual) {
                               std::numeric_limits<double>::max(),
                               std::numeric_limits<double>::lowest()};
     for (std::size_t i = 0; i < std::size(special); ++i) {
-        record.attributes.add<double>("special" + std::to_string(i), special[i]);
+        record.attributes.add<double>(fmt::format("special{}", i), special[i]);
     }
     std::mt19937_64 generator(1);
     for (int i = 0; i < 10'000; ++i) {
         const auto value = std::bit_cast<double>(generator());
         if (std::isfinite(value)) {
-            record.attributes.add<double>("d" + std::to_string(i), value);
+            record.attributes.add<double>(fmt::format("d{}", i), value);
         }
     }
     record.attributes.add<std::int64_t>("least", INT64_MIN);

@@ -1,6 +1,7 @@
 #include "tools/vig/RunCommand.h"
 
 #include <fcntl.h>
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <unistd.h>
@@ -185,8 +186,8 @@ TEST_F(RunCommand, SameSeedGivesTheSameBytesAndAnotherSeedOthers) {
 }
 
 TEST_F(RunCommand, ContextGivesEveryMachineTheAttributesOfOneRecord) {
-    const std::string filter = "[" + comparison("==", "integer", "envvar", "limit", "5") + "," +
-                               comparison("==", "string", "envvar", "model", "x") + "]";
+    const std::string filter = fmt::format("[{},{}]", comparison("==", "integer", "envvar", "limit", "5"),
+                                           comparison("==", "string", "envvar", "model", "x"));
     const std::string rules = document({
         config(1, {transition("start", "end", "EnteringState", filter, "[]")}),
         config(2, {transition("start", "end", "Test", filter, "[]")}),

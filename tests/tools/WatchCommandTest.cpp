@@ -191,7 +191,6 @@ TEST_F(WatchCommand, SavedDocumentTakesThePlaceOfTheOneBefore) {
     options.interval = std::chrono::milliseconds(5);
     Follower watch(options, folder.path("err"));
     watch.waitFor(R"("from":"start","to":"end")");
-    watch.waitFor("available now");
     folder.write("new.json", sampling("elsewhere"));
     fs::rename(folder.path("new.json"), options.rules);
     watch.waitFor(R"("configurations":2)");

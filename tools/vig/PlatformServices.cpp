@@ -1,9 +1,10 @@
 #include "tools/vig/PlatformServices.h"
 
 #include <binder/IServiceManager.h>
-#include <host/LogSink.h>
 #include <host/Services.h>
 
+#include <algorithm>
+#include <condition_variable>
 #include <mutex>
 #include <string>
 #include <thread>
@@ -50,6 +51,15 @@ class PlatformServices::Log {
         }
         const std::lock_guard lock(mutex);
         waiting.push_back({priority, std::string(tag), std::string(message)});
+        arrived.notify_one();
+    }
+
+    void await(std::string_view message, std::chrono::milliseconds atMost) {
+        std::unique_lock lock(mutex);
+        arrived.wait_for(lock, atMost, [&] {
+            return std::any_of(waiting.begin(), waiting.end(),
+                               [&](const Line& line) { return line.message == message; });
+        });
     }
 
     std::vector<Line> takeWaiting() {
@@ -61,25 +71,32 @@ class PlatformServices::Log {
     Receiver& target;
     const std::thread::id driver = std::this_thread::get_id();
     std::mutex mutex;
+    std::condition_variable arrived;
     std::vector<Line> waiting;  // guarded by mutex
 };
 
-PlatformServices::PlatformServices(Receiver& receiver) : target(receiver), log(std::make_shared<Log>(receiver)) {
-    host::setLogSink([shared = log](int priority, std::string_view tag, std::string_view message) {
-        shared->write(priority, tag, message);
-    });
+PlatformServices::PlatformServices(Receiver& receiver)
+    : target(receiver),
+      log(std::make_shared<Log>(receiver)),
+      previousSink(host::setLogSink([shared = log](int priority, std::string_view tag, std::string_view message) {
+          shared->write(priority, tag, message);
+      })) {
     android::defaultServiceManager()->addService(instanceName(), android::sp<TriggerService>::make(receiver));
 }
 
 PlatformServices::~PlatformServices() {
     host::removeService(instanceName());
-    host::setLogSink(nullptr);
+    host::setLogSink(previousSink);
 }
 
 void PlatformServices::passOnLines() {
     for (const Log::Line& line : log->takeWaiting()) {
         target.onLog(line.priority, line.tag, line.message);
     }
+}
+
+void PlatformServices::awaitLine(std::string_view message, std::chrono::milliseconds atMost) {
+    log->await(message, atMost);
 }
 
 }  // namespace tool

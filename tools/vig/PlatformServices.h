@@ -1,8 +1,10 @@
 #pragma once
 
+#include <host/LogSink.h>
 #include <utils/StrongPointer.h>
 #include <vendor/orlan/velora/BnTrigger.h>
 
+#include <chrono>
 #include <memory>
 #include <string_view>
 
@@ -31,12 +33,16 @@ class PlatformServices {
     // Passes on the log lines of other threads, in the order in which they were logged.
     void passOnLines();
 
+    // Returns once another thread has logged that message and it waits to be passed on, or after the time.
+    void awaitLine(std::string_view message, std::chrono::milliseconds atMost);
+
   private:
     class TriggerService;
     class Log;
 
     Receiver& target;
     const std::shared_ptr<Log> log;
+    const host::LogSink previousSink;
 };
 
 }  // namespace tool

@@ -29,7 +29,7 @@ constexpr std::array<std::string_view, 8> kMembers = {"event", "time_ms", "timeo
                                                       "int64", "double",  "bool",       "string"};
 
 template <typename T>
-constexpr std::string_view kExpected = "";
+constexpr std::string_view kExpected;
 template <>
 constexpr std::string_view kExpected<std::uint64_t> = "an unsigned 64-bit integer";
 template <>
@@ -138,7 +138,7 @@ class RecordParser::Impl {
     bool checkWhole(const EventRecord& record);
 
     template <typename T>
-    bool wrongValue(std::string key, ondemand::value value, simdjson::error_code code);
+    bool wrongValue(const std::string& key, ondemand::value value, simdjson::error_code code);
     bool fail(std::string message) {
         error = std::move(message);
         return false;
@@ -277,7 +277,7 @@ bool RecordParser::Impl::checkWhole(const EventRecord& record) {
 }
 
 template <typename T>
-bool RecordParser::Impl::wrongValue(std::string key, ondemand::value value, simdjson::error_code code) {
+bool RecordParser::Impl::wrongValue(const std::string& key, ondemand::value value, simdjson::error_code code) {
     if (code == simdjson::STRING_ERROR) {
         return fail(key + ": " + std::string(describe(code)));
     }

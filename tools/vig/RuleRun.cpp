@@ -79,11 +79,8 @@ int RuleRun::finish(int status, std::optional<Summary::Sampling> sampling) {
 
 int RuleRun::abandon(int status) {
     out.flush();
-    if (!out.failed()) {
+    if (!out.failed() || out.readerIsGone()) {
         return status;
-    }
-    if (out.readerIsGone()) {
-        return kExitDone;
     }
     console.complain("standard output: " + systemError(out.failure()));
     return kExitUnusable;

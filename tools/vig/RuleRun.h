@@ -45,7 +45,8 @@ class RuleRun {
     // Says what is wrong after all that has been reported.
     void complainAfterOutput(std::string_view line);
 
-    // Reports the end and returns the exit status: `status` unless the output could not be written.
+    // Reports the end and returns the exit status: `status` unless the output could not be written. That its reader
+    // has gone changes nothing.
     int finish(int status, std::optional<Summary::Sampling> sampling);
 
     // The same without the end, for a run that came to none.

@@ -3,6 +3,7 @@
 #include <host/Utf8.h>
 #include <poll.h>
 
+#include <chrono>
 #include <memory>
 #include <utility>
 
@@ -21,6 +22,7 @@ namespace {
 
 // Longer than the manager looks for the device configuration.
 constexpr int kLongestWaitMs = 40'000;
+constexpr std::chrono::seconds kLongestSubscription{2};
 
 std::string explain(VIGParseError error) {
     switch (error) {
@@ -68,9 +70,15 @@ RuleSession::Loading RuleSession::load(Changes later, const Interruption& interr
     }
     if (later == Changes::Ignore || delivery->error != VIGParseError::Ok) {
         document->close();
+    } else {
+        // The manager listens for changes only after it has delivered: until then a saved document goes unnoticed.
+        services.awaitLine("ViG device config is available now.", kLongestSubscription);
     }
     services.passOnLines();
     adopt(std::move(*delivery));
+    if (isGone) {
+        return Loading::Unreadable;
+    }
     start();
     return reason.empty() ? Loading::Done : Loading::Refused;
 }
@@ -90,6 +98,11 @@ bool RuleSession::update() {
 
 void RuleSession::adopt(Delivery delivery) {
     reason = explain(delivery.error);
+    // The device configuration reads a file that is not there as a document without configurations.
+    isGone = reason.empty() && delivery.configs.empty() && !RuleDocument::whyUnreadable(path).empty();
+    if (isGone) {
+        reason = RuleDocument::whyUnreadable(path);
+    }
     machines.clear();
     configs = std::move(delivery.configs);
     for (const auto& config : configs) {

@@ -74,6 +74,7 @@ class RuleSession final : private PlatformServices::Receiver {
     std::vector<std::unique_ptr<Brenta::OS::VIG::VIGConfig>> configs;
     std::vector<Machine> machines;
     std::string reason;
+    bool isGone = false;  // the document can no longer be read
     std::uint64_t events = 0;
     std::uint64_t triggers = 0;
     std::uint64_t current = 0;        // the event that is being offered

@@ -43,6 +43,9 @@ int run(const RunOptions& options, const Console& console, const Interruption& i
     const bool fromInput = options.events == "-";
     const Descriptor file(fromInput ? dup(console.in) : open(options.events.c_str(), O_RDONLY | O_CLOEXEC));
     if (!file.isOpen()) {
+        if (interruption.requested()) {
+            return kExitInterrupted;
+        }
         console.complain((fromInput ? "standard input" : options.events) + ": " + systemError(errno));
         return kExitUnusable;
     }

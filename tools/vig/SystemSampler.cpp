@@ -189,7 +189,8 @@ bool SystemSampler::addPressure() {
         if (place == std::string_view::npos) {
             continue;
         }
-        if (const auto share = toNumber<double>(line->substr(place + prefix.size() - space))) {
+        const auto share = toNumber<double>(line->substr(place + prefix.size() - space));
+        if (share && std::isfinite(*share)) {
             record.attributes.add<double>(attribute, *share);
         }
     }

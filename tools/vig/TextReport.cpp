@@ -20,7 +20,7 @@ constexpr std::string_view kRed = "\x1b[31m";
 constexpr std::string_view kBoldYellow = "\x1b[1;33m";
 constexpr std::string_view kCyan = "\x1b[36m";
 constexpr std::string_view kDim = "\x1b[2m";
-constexpr std::string_view kPlain = "";
+constexpr std::string_view kPlain;
 constexpr std::string_view kReset = "\x1b[0m";
 
 constexpr std::size_t kDetailColumn = 35;

@@ -7,7 +7,9 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdint>
+#include <filesystem>
 #include <optional>
+#include <system_error>
 
 #include "tools/vig/Descriptor.h"
 #include "tools/vig/EventWriter.h"
@@ -21,9 +23,19 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-Descriptor openRecord(const WatchOptions& options) {
-    const int mode = options.overwrite ? 0 : O_EXCL;
-    return Descriptor(open(options.recordFile.c_str(), O_WRONLY | O_CREAT | O_NOFOLLOW | O_CLOEXEC | mode, 0666));
+// Opens the file for the recording, creating it (`isNew`) or, if that is wanted, one that is there.
+int openRecord(const WatchOptions& options, bool& isNew) {
+    constexpr int kHow = O_WRONLY | O_NOFOLLOW | O_CLOEXEC;
+    const int created = open(options.recordFile.c_str(), kHow | O_CREAT | O_EXCL, 0666);
+    isNew = created >= 0;
+    return isNew || errno != EEXIST || !options.overwrite ? created : open(options.recordFile.c_str(), kHow);
+}
+
+// What is recorded must not take the place of what is read, under whatever name.
+bool isInput(const WatchOptions& options) {
+    std::error_code ignored;
+    return std::filesystem::equivalent(options.recordFile, options.rules, ignored) ||
+           std::filesystem::equivalent(options.recordFile, options.contextFile, ignored);
 }
 
 std::string whyNotOpened(int error) {
@@ -124,19 +136,27 @@ class Watch {
 
 int watch(const WatchOptions& options, const Console& console, const Interruption& interruption) {
     const bool recording = !options.recordFile.empty();
-    const Descriptor file = recording ? openRecord(options) : Descriptor(-1);
+    if (recording && isInput(options)) {
+        console.complain(options.recordFile + ": it is an input of this very run");
+        return kExitUnusable;
+    }
+    bool isNew = false;
+    const Descriptor file(recording ? openRecord(options, isNew) : -1);
     if (recording && !file.isOpen()) {
+        if (interruption.requested()) {
+            return kExitInterrupted;
+        }
         console.complain(options.recordFile + ": " + whyNotOpened(errno));
         return kExitUnusable;
     }
     RuleRun ruleRun(options, console, interruption);
     if (const auto status = ruleRun.begin(RuleSession::Changes::Follow)) {
-        if (recording && !options.overwrite) {
+        if (isNew) {
             unlink(options.recordFile.c_str());
         }
         return *status;
     }
-    if (recording && options.overwrite) {
+    if (recording && !isNew) {
         // Not before the rules are known to run: the earlier recording may be all that there is.
         ftruncate(file.get(), 0);
     }

@@ -1,3 +1,6 @@
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <variant>
 
 #include "tools/vig/CommandLine.h"
@@ -8,6 +11,16 @@
 #include "tools/vig/WatchCommand.h"
 
 namespace {
+
+// A standard stream that is closed must not become the number of another file: in its place comes one that can neither
+// be read nor written, as it should be.
+void occupyStandardStreams() {
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (fcntl(stream, F_GETFD) == -1) {
+            open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+        }
+    }
+}
 
 int answer(const tool::Answer& given, const tool::Console& console) {
     if (given.status != tool::kExitDone) {
@@ -24,6 +37,7 @@ int answer(const tool::Answer& given, const tool::Console& console) {
 }  // namespace
 
 int main(int count, char** arguments) {
+    occupyStandardStreams();
     const tool::Command command = tool::parseCommandLine(count, arguments);
     const tool::Console console;
     tool::Interruption interruption;
