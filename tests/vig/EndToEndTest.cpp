@@ -38,7 +38,6 @@ class EndToEnd : public testing::Test {
     }
 
     fakes::FakeDeviceConfig config;
-    fakes::FakeSleep sleep;
     support::FakeTriggerService service;
     support::LogCapture log;
     std::vector<std::unique_ptr<VIGConfig>> configs;

@@ -36,11 +36,16 @@ std::string documentNumber(std::size_t number) {
 
 class ManagerTest : public testing::Test {
   protected:
+    // Registers and returns once the manager listens for changes.
+    void registerAndListen(VIGManager::Callback callback) {
+        manager->registerCallback(std::move(callback));
+        config.waitForAdded(1);
+    }
+
     // Destroying the manager joins its watcher, so that everything it does has been done.
     void destroy() { manager.reset(); }
 
     fakes::FakeDeviceConfig config;
-    fakes::FakeSleep sleep;
     support::LogCapture log;
     std::unique_ptr<VIGManager> manager = std::make_unique<VIGManager>();
     support::Receiver receiver;
@@ -80,18 +85,14 @@ TEST_F(ManagerTest, ReadsAnAbsentOrBrokenDocumentAsNoConfigurations) {
 TEST_F(ManagerTest, DeliversOnceBeforeItListensWhenTheServiceIsThere) {
     config.setResponse(documentNumber(2));
     std::size_t deliveredBefore = 0;
-    config.onAdd = [&](const auto&) { deliveredBefore = receiver.sizes().size(); };
-    std::promise<void> listening;
-    config.onAdded = [&](const auto&) { listening.set_value(); };
-    manager->registerCallback(receiver.callback());
-    listening.get_future().wait();
+    config.beforeAdding = [&](const auto&) { deliveredBefore = receiver.sizes().size(); };
+    registerAndListen(receiver.callback());
     EXPECT_EQ(deliveredBefore, 1U);
-    EXPECT_THAT(config.namespaces(), ElementsAre("korvel_vig"));
     destroy();
     EXPECT_THAT(receiver.sizes(), ElementsAre(2));
     EXPECT_NE(receiver.threads().at(0), std::this_thread::get_id());
     EXPECT_THAT(log.messages(), ElementsAre(kAvailable));
-    EXPECT_THAT(sleep.delays(), IsEmpty());
+    EXPECT_THAT(config.sleeps(), IsEmpty());
     EXPECT_THAT(config.listeners(), IsEmpty());
 }
 
@@ -100,14 +101,14 @@ TEST_F(ManagerTest, WaitsOneThenTwoSecondsForTheThirdCheck) {
     manager->registerCallback(receiver.callback());
     receiver.waitFor(1);
     destroy();
-    EXPECT_THAT(sleep.delays(), ElementsAre(1, 2));
+    EXPECT_THAT(config.sleeps(), ElementsAre(1, 2));
     EXPECT_THAT(log.messages(), ElementsAre(kNotAvailable, kNotAvailable, kAvailable));
 }
 
 TEST_F(ManagerTest, GivesUpAfterFiveChecksAndANewRegistrationBeginsAnew) {
-    config.setAvailable(false);
+    config.availability = [](int) { return false; };
     std::promise<void> last;
-    sleep.during = [&](int count) {
+    config.duringSleep = [&](int count) {
         if (count == 5) {
             last.set_value();
         }
@@ -115,11 +116,11 @@ TEST_F(ManagerTest, GivesUpAfterFiveChecksAndANewRegistrationBeginsAnew) {
     manager->registerCallback(receiver.callback());
     last.get_future().wait();
     support::Receiver second;
-    config.setAvailable(true);
+    config.availability = [](int) { return true; };
     manager->registerCallback(second.callback());
     second.waitFor(1);
     destroy();
-    EXPECT_THAT(sleep.delays(), ElementsAre(1, 2, 4, 8, 16));
+    EXPECT_THAT(config.sleeps(), ElementsAre(1, 2, 4, 8, 16));
     EXPECT_EQ(config.checks(), 6);
     EXPECT_THAT(receiver.sizes(), IsEmpty());
     EXPECT_THAT(log.messages(),
@@ -127,36 +128,33 @@ TEST_F(ManagerTest, GivesUpAfterFiveChecksAndANewRegistrationBeginsAnew) {
 }
 
 TEST_F(ManagerTest, AWatcherThatGaveUpNeitherDeliversNorListens) {
-    config.setAvailable(false);
+    config.availability = [](int) { return false; };
     manager->registerCallback(receiver.callback());
     destroy();
-    EXPECT_THAT(sleep.delays(), ElementsAre(1, 2, 4, 8, 16));
+    EXPECT_THAT(config.sleeps(), ElementsAre(1, 2, 4, 8, 16));
     EXPECT_THAT(receiver.sizes(), IsEmpty());
     EXPECT_EQ(config.mostListeners(), 0U);
 }
 
 TEST_F(ManagerTest, ARegistrationWhileTheWatcherPollsGetsAFullBackOffOfItsOwn) {
-    config.setAvailable(false);
+    config.availability = [](int) { return false; };
     support::Receiver second;
-    sleep.during = [&](int count) {
+    config.duringSleep = [&](int count) {
         if (count == 3) {
             manager->registerCallback(second.callback());
         } else if (count == 7) {
-            config.setAvailable(true);
+            config.availability = [](int) { return true; };
         }
     };
     manager->registerCallback(receiver.callback());
     second.waitFor(1);
     destroy();
-    EXPECT_THAT(sleep.delays(), ElementsAre(1, 2, 4, 1, 2, 4, 8));
+    EXPECT_THAT(config.sleeps(), ElementsAre(1, 2, 4, 1, 2, 4, 8));
     EXPECT_THAT(receiver.sizes(), IsEmpty());
 }
 
 TEST_F(ManagerTest, DeliversTheResponseOfEachNotification) {
-    std::promise<void> listening;
-    config.onAdded = [&](const auto&) { listening.set_value(); };
-    manager->registerCallback(receiver.callback());
-    listening.get_future().wait();
+    registerAndListen(receiver.callback());
     config.setResponse(documentNumber(3));
     config.notify();
     config.setResponse("broken");
@@ -192,15 +190,11 @@ TEST_F(ManagerTest, ALaterRegistrationGetsADeliveryAndAListenerOfItsOwn) {
 }
 
 TEST_F(ManagerTest, ANotificationOfAnEarlierRegistrationReachesNobody) {
-    std::promise<void> first;
-    std::promise<void> again;
-    config.onAdded = [&, added = 0](const auto&) mutable { (added++ == 0 ? first : again).set_value(); };
-    manager->registerCallback(receiver.callback());
-    first.get_future().wait();
+    registerAndListen(receiver.callback());
     const auto earlier = config.listeners().at(0);
     support::Receiver second;
     manager->registerCallback(second.callback());
-    again.get_future().wait();
+    config.waitForAdded(2);
     config.setResponse(documentNumber(5));
     config.notify(earlier);
     EXPECT_THAT(receiver.sizes(), ElementsAre(0));
@@ -209,10 +203,7 @@ TEST_F(ManagerTest, ANotificationOfAnEarlierRegistrationReachesNobody) {
 }
 
 TEST_F(ManagerTest, ARegistrationWithoutATargetStillListens) {
-    std::promise<void> listening;
-    config.onAdded = [&](const auto&) { listening.set_value(); };
-    manager->registerCallback(nullptr);
-    listening.get_future().wait();
+    registerAndListen(nullptr);
     config.notify();
     EXPECT_THAT(log.messages(), Contains(kUpdated));
 }
@@ -234,7 +225,7 @@ TEST_F(ManagerTest, DeregistrationDuringTheFirstDeliveryLeavesNoListener) {
 TEST_F(ManagerTest, DeregistrationDuringTheRegistrationOfTheListenerLeavesNone) {
     std::promise<void> adding;
     std::promise<void> mayAdd;
-    config.onAdd = [&](const auto&) {
+    config.beforeAdding = [&](const auto&) {
         adding.set_value();
         mayAdd.get_future().wait();
     };
@@ -253,7 +244,7 @@ TEST_F(ManagerTest, DeregistrationDuringTheRegistrationOfTheListenerLeavesNone) 
 TEST_F(ManagerTest, DeregistrationDoesNotWaitForAServiceThatDoesNotAnswer) {
     std::promise<void> adding;
     std::promise<void> mayAdd;
-    config.onAdd = [&](const auto&) {
+    config.beforeAdding = [&](const auto&) {
         adding.set_value();
         mayAdd.get_future().wait();
     };
@@ -288,7 +279,7 @@ TEST_F(ManagerTest, AServiceThatNotifiesWithinItsOwnCallsDoesNoHarm) {
     support::Receiver second;
     int deliveries = 0;
     config.onAdded = [&](const auto& listener) { config.notify(listener); };
-    config.onRemove = [&](const auto& listener) { config.notify(listener); };
+    config.beforeRemoving = [&](const auto& listener) { config.notify(listener); };
     manager->registerCallback([&](auto&&) {
         if (++deliveries == 2) {
             manager->registerCallback(second.callback());
@@ -302,22 +293,18 @@ TEST_F(ManagerTest, AServiceThatNotifiesWithinItsOwnCallsDoesNoHarm) {
 }
 
 TEST_F(ManagerTest, AServiceWhoseRemovalWaitsForTheNotificationUnderWayDoesNotHangTheManager) {
-    std::promise<void> listening;
-    config.onAdded = [&](const auto&) { listening.set_value(); };
     std::promise<void> notified;
     std::promise<void> removing;
     std::promise<void> done;
     int deliveries = 0;
-    manager->registerCallback([&](auto&&) {
+    registerAndListen([&](auto&&) {
         if (++deliveries == 2) {
             notified.set_value();
             removing.get_future().wait();
-            config.onAdded = nullptr;
             manager->registerCallback(receiver.callback());
         }
     });
-    listening.get_future().wait();
-    config.onRemove = [&, removals = 0](const auto&) mutable {
+    config.beforeRemoving = [&, removals = 0](const auto&) mutable {
         if (++removals == 1) {
             removing.set_value();
             done.get_future().wait();
@@ -336,18 +323,15 @@ TEST_F(ManagerTest, AServiceWhoseRemovalWaitsForTheNotificationUnderWayDoesNotHa
 }
 
 TEST_F(ManagerTest, NotificationsOnSeveralThreadsAreDeliveredOneAtATimeAndInOrder) {
-    std::promise<void> listening;
-    config.onAdded = [&](const auto&) { listening.set_value(); };
     std::atomic<int> inside{0};
     std::atomic<int> mostInside{0};
     std::atomic<int> deliveries{0};
-    manager->registerCallback([&](auto&&) {
+    registerAndListen([&](auto&&) {
         mostInside = std::max(mostInside.load(), ++inside);
         ++deliveries;
         std::this_thread::yield();
         --inside;
     });
-    listening.get_future().wait();
     std::vector<std::future<void>> threads;
     for (int thread = 0; thread < 4; ++thread) {
         threads.push_back(std::async(std::launch::async, [&] {
@@ -401,10 +385,8 @@ TEST_F(ManagerTest, DeregistrationWithoutARegistrationChangesNothing) {
 }
 
 TEST_F(ManagerTest, TheWatcherStartedByHandListensWithoutARegistration) {
-    std::promise<void> listening;
-    config.onAdded = [&](const auto&) { listening.set_value(); };
     manager->configureDeviceConfigService();
-    listening.get_future().wait();
+    config.waitForAdded(1);
     manager->configureDeviceConfigService();
     destroy();
     EXPECT_EQ(config.mostListeners(), 1U);

@@ -22,7 +22,7 @@ class Lifecycle {
   public:
     explicit Lifecycle(unsigned seed) : random(seed) {
         config.availability = [this](int check) { return check % 4 >= lateness; };
-        config.onAdd = config.onRemove = [](const auto&) { std::this_thread::yield(); };
+        config.beforeAdding = config.beforeRemoving = [](const auto&) { std::this_thread::yield(); };
         config.onAdded = [this](const auto& listener) {
             const std::lock_guard lock(mutex);
             everRegistered.push_back(listener);
@@ -97,7 +97,6 @@ class Lifecycle {
     }
 
     fakes::FakeDeviceConfig config;
-    fakes::FakeSleep sleep;
     std::minstd_rand random;
     const int lateness = static_cast<int>(random() % 4);
     std::mutex mutex;

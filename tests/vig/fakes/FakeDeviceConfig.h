@@ -2,9 +2,10 @@
 
 #include <deviceconfig/DeviceConfig.h>
 
+#include <algorithm>
+#include <condition_variable>
 #include <cstddef>
 #include <functional>
-#include <map>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -16,68 +17,115 @@ namespace fakes {
 
 using Listener = std::shared_ptr<com::korvel::deviceconfig::OnPropertiesChangeListener>;
 
-// The device configuration that all clients of this executable see, in place of the platform's. Hooks run
-// without a lock held, on the thread that calls the client, before the call does its work.
+// The device configuration that all clients of this executable see in place of the platform's, and how their
+// watcher sleeps. Hooks run without a lock held, on the thread that makes the call.
 class FakeDeviceConfig {
   public:
-    // The one of the current test.
-    static FakeDeviceConfig& current();
+    inline static FakeDeviceConfig* current = nullptr;  // the one of the running test
 
-    FakeDeviceConfig();
-    ~FakeDeviceConfig();
+    FakeDeviceConfig() { current = this; }
+    ~FakeDeviceConfig() { current = nullptr; }
 
-    void setAvailable(bool value);
-    void setResponse(std::optional<std::string> value);
+    std::function<bool(int check)> availability = [](int) { return true; };  // decides each check, counted from 1
+    std::function<void(int sleep)> duringSleep = [](int) {};                 // counted from 1
+    std::function<void(const Listener&)> beforeAdding = [](const Listener&) {};
+    std::function<void(const Listener&)> onAdded = [](const Listener&) {};
+    std::function<void(const Listener&)> beforeRemoving = [](const Listener&) {};
 
-    // Calls every registered listener, on this thread, with the response as it is.
-    void notify();
+    void setResponse(std::optional<std::string> value) {
+        const std::lock_guard lock(mutex);
+        response = std::move(value);
+    }
 
-    // Calls one listener, registered or not: the library does not promise to stop at once.
-    void notify(const Listener& listener);
+    com::korvel::deviceconfig::Properties properties() const {
+        const std::lock_guard lock(mutex);
+        return {"korvel_vig", response ? std::map<std::string, std::string>{{"vig_response", *response}}
+                                       : std::map<std::string, std::string>{}};
+    }
 
-    std::vector<Listener> listeners() const;
-    std::size_t mostListeners() const;
-    int checks() const;
-    std::vector<std::string> namespaces() const;
+    // Calls a listener, registered or not, on this thread: the library does not promise to stop at once.
+    void notify(const Listener& listener) const { listener->onPropertiesChanged(properties()); }
 
-    std::function<bool(int check)> availability;  // decides each check, counted from 1, if it is set
-    std::function<void()> onGetProperties;
-    std::function<void(const Listener&)> onAdd;
-    std::function<void(const Listener&)> onAdded;
-    std::function<void(const Listener&)> onRemove;
+    // Calls every registered listener.
+    void notify() const {
+        for (const Listener& listener : listeners()) {
+            notify(listener);
+        }
+    }
+
+    std::vector<Listener> listeners() const {
+        const std::lock_guard lock(mutex);
+        return registered;
+    }
+
+    // The most at any time.
+    std::size_t mostListeners() const {
+        const std::lock_guard lock(mutex);
+        return most;
+    }
+
+    // Returns once listeners have been added that often.
+    void waitForAdded(std::size_t count) {
+        std::unique_lock lock(mutex);
+        changed.wait(lock, [&] { return added >= count; });
+    }
+
+    int checks() const {
+        const std::lock_guard lock(mutex);
+        return checkCount;
+    }
+
+    // In seconds.
+    std::vector<int> sleeps() const {
+        const std::lock_guard lock(mutex);
+        return slept;
+    }
 
     // What the clients do.
-    bool check();
-    com::korvel::deviceconfig::Properties properties(const std::string& ns);
-    void add(const std::string& ns, const Listener& listener);
-    void remove(const Listener& listener);
+
+    bool check() {
+        std::unique_lock lock(mutex);
+        const int count = ++checkCount;
+        lock.unlock();
+        return availability(count);
+    }
+
+    void sleep(int seconds) {
+        std::unique_lock lock(mutex);
+        slept.push_back(seconds);
+        const int count = static_cast<int>(slept.size());
+        lock.unlock();
+        duringSleep(count);
+    }
+
+    void add(const Listener& listener) {
+        beforeAdding(listener);
+        {
+            const std::lock_guard lock(mutex);
+            registered.push_back(listener);
+            most = std::max(most, registered.size());
+        }
+        onAdded(listener);
+        const std::lock_guard lock(mutex);
+        ++added;
+        changed.notify_all();
+    }
+
+    void remove(const Listener& listener) {
+        beforeRemoving(listener);
+        const std::lock_guard lock(mutex);
+        std::erase(registered, listener);
+    }
 
   private:
     mutable std::mutex mutex;
-    bool available = true;
     std::optional<std::string> response;
-    std::vector<std::pair<std::string, Listener>> registered;
+    std::vector<Listener> registered;
+    std::vector<int> slept;
+    std::condition_variable changed;
+    std::size_t added = 0;
     std::size_t most = 0;
     int checkCount = 0;
-};
-
-// How long the manager's watcher has "slept", in seconds, and what happens meanwhile.
-class FakeSleep {
-  public:
-    static FakeSleep& current();
-
-    FakeSleep();
-    ~FakeSleep();
-
-    std::vector<int> delays() const;
-
-    std::function<void(int sleep)> during;  // runs in each sleep, counted from 1
-
-    void sleep(int seconds);
-
-  private:
-    mutable std::mutex mutex;
-    std::vector<int> slept;
 };
 
 }  // namespace fakes

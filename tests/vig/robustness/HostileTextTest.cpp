@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 #include <host/LogSink.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
@@ -16,12 +15,6 @@
 #include "tests/support/TestEvent.h"
 #include "vig/EventTypeNames.h"
 #include "vig/VIGManager.h"
-
-// In this executable no exception may even be created, by the library or by what it calls.
-extern "C" [[noreturn]] void __cxa_throw(void*, void*, void (*)(void*)) {
-    std::cerr << "an exception was thrown\n";
-    std::abort();
-}
 
 namespace {
 
