@@ -41,11 +41,12 @@ std::string samplingOf(const Summary::Sampling& sampling) {
 }  // namespace
 
 void JsonlReport::trigger(const TriggerLine& line) {
-    output.write(fmt::format(
-        R"({{"type":"trigger","event":{},"machine":{},"config_id":{},"trigger_name":{},"process_name":{},"metadata":{}}})"
-        "\n",
-        line.event, line.machine.index, line.machine.configId, quoted(line.name),
-        line.processName ? quoted(*line.processName) : "null", list(line.metadata)));
+    output.write(
+        fmt::format(R"({{"type":"trigger","event":{},"machine":{},"config_id":{},"trigger_name":{},"process_name":{},)"
+                    R"("metadata":{}}})"
+                    "\n",
+                    line.event, line.machine.index, line.machine.configId, quoted(line.name),
+                    line.processName ? quoted(*line.processName) : "null", list(line.metadata)));
 }
 
 void JsonlReport::log(const LogLine& line) {
