@@ -45,6 +45,9 @@ class VIG_EXPORT State {
     // Valid as long as the state.
     std::string_view getName() const;
 
+    // In the order in which they are tried; valid until one is added.
+    const std::vector<std::unique_ptr<Transition>>& getTransitions() const { return transitions; }
+
   private:
     const std::string name;
     FiniteStateMachine& machine;

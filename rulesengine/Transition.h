@@ -24,6 +24,14 @@ class VIG_EXPORT Transition {
 
     EventType getEventType() const;
 
+    // The state that it leads to.
+    const State& getTarget() const { return *to; }
+
+    // In the order in which they are asked, and run; valid as long as the transition. A tool builds a machine of the
+    // same ones to watch them at work.
+    const std::vector<std::shared_ptr<Filter>>& getFilters() const { return filters; }
+    const std::vector<std::shared_ptr<Action>>& getActions() const { return actions; }
+
     // Tries to fire: asks the event whether it matches, then the filters in order up to the first that is
     // false. If all are true, runs every action in order and returns the target state; otherwise returns
     // null and nothing has happened. A Timeout transition that fires takes the event's `timeoutId` out of

@@ -22,36 +22,6 @@ using RulesEngine::ReturnValueComparator;
 
 namespace {
 
-constexpr LookupTable<3, FilterOperand::Type, std::string_view> kOperandTypes{{{
-    {FilterOperand::Type::Constant, "constant"},
-    {FilterOperand::Type::Function, "function"},
-    {FilterOperand::Type::Envvar, "envvar"},
-}}};
-
-constexpr LookupTable<3, FilterValueType, std::string_view> kValueTypes{{{
-    {FilterValueType::String, "string"},
-    {FilterValueType::Integer, "integer"},
-    {FilterValueType::Double, "double"},
-}}};
-
-// The operator that keeps the meaning when the operands change places.
-FilterOperator mirror(FilterOperator op) {
-    switch (op) {
-        case FilterOperator::Greater:
-            return FilterOperator::Less;
-        case FilterOperator::Less:
-            return FilterOperator::Greater;
-        case FilterOperator::GreaterEqual:
-            return FilterOperator::LessEqual;
-        case FilterOperator::LessEqual:
-            return FilterOperator::GreaterEqual;
-        case FilterOperator::Equal:
-        case FilterOperator::NotEqual:
-            break;
-    }
-    return op;
-}
-
 template <typename T>
 bool compare(FilterOperator op, const T& lhs, const T& rhs) {
     switch (op) {
@@ -200,6 +170,23 @@ std::optional<FilterOperand> parseOperand(const Json::Value& filter, const char*
 
 }  // namespace
 
+FilterOperator mirrored(FilterOperator op) {
+    switch (op) {
+        case FilterOperator::Greater:
+            return FilterOperator::Less;
+        case FilterOperator::Less:
+            return FilterOperator::Greater;
+        case FilterOperator::GreaterEqual:
+            return FilterOperator::LessEqual;
+        case FilterOperator::LessEqual:
+            return FilterOperator::GreaterEqual;
+        case FilterOperator::Equal:
+        case FilterOperator::NotEqual:
+            break;
+    }
+    return op;
+}
+
 std::optional<FilterOperand> FilterOperand::fromJson(const Json::Value& json) {
     if (!json.isObject()) {
         VIG_LOG_ERROR("Filter operand must be an object.");
@@ -210,7 +197,7 @@ std::optional<FilterOperand> FilterOperand::fromJson(const Json::Value& json) {
         return std::nullopt;
     }
     const std::string typeText = json["type"].asString();
-    const auto operandType = kOperandTypes.reverseLookup(typeText);
+    const auto operandType = kFilterOperandTypeTable.reverseLookup(typeText);
     if (!operandType) {
         VIG_LOG_ERROR("Unknown filter operand type: %s", typeText.c_str());
         return std::nullopt;
@@ -271,7 +258,7 @@ std::shared_ptr<Filter> _parseFilter(const Json::Value& filter, const VIGParserC
         return nullptr;
     }
     const auto valueTypeText = toText(filter["value_type"]);
-    const auto valueType = valueTypeText ? kValueTypes.reverseLookup(*valueTypeText) : std::nullopt;
+    const auto valueType = valueTypeText ? kFilterValueTypeTable.reverseLookup(*valueTypeText) : std::nullopt;
     if (!valueType) {
         const std::string shown = valueTypeText ? *valueTypeText : styledText(filter["value_type"]);
         VIG_LOG_ERROR("Invalid operand value type: %s.", shown.c_str());
@@ -285,7 +272,7 @@ std::shared_ptr<Filter> _parseFilter(const Json::Value& filter, const VIGParserC
     Comparison comparison{*op, valueTypeText->c_str(), std::move(*lhs), std::move(*rhs)};
     if (comparison.lhs.type == FilterOperand::Type::Constant && comparison.rhs.type != FilterOperand::Type::Constant) {
         std::swap(comparison.lhs, comparison.rhs);
-        comparison.op = mirror(comparison.op);
+        comparison.op = mirrored(comparison.op);
     }
     switch (*valueType) {
         case FilterValueType::String:

@@ -5,6 +5,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "os/Export.h"
 #include "os/LookupTable.h"
@@ -42,6 +43,13 @@ inline constexpr LookupTable<6, FilterOperator, const char*> kFilterOperatorTabl
 // The type in which a filter compares.
 enum class FilterValueType : std::int32_t { String = 0, Integer = 1, Double = 2 };
 
+// The value types as documents write them.
+inline constexpr LookupTable<3, FilterValueType, std::string_view> kFilterValueTypeTable{{{
+    {FilterValueType::String, "string"},
+    {FilterValueType::Integer, "integer"},
+    {FilterValueType::Double, "double"},
+}}};
+
 // One side of a comparison, as parsed.
 struct VIG_EXPORT FilterOperand {
     enum class Type : std::int32_t {
@@ -56,6 +64,16 @@ struct VIG_EXPORT FilterOperand {
     Type type;
     std::string value;
 };
+
+// The operand types as documents write them.
+inline constexpr LookupTable<3, FilterOperand::Type, std::string_view> kFilterOperandTypeTable{{{
+    {FilterOperand::Type::Constant, "constant"},
+    {FilterOperand::Type::Function, "function"},
+    {FilterOperand::Type::Envvar, "envvar"},
+}}};
+
+// The operator that keeps the meaning when the operands change places.
+FilterOperator mirrored(FilterOperator op);
 
 // Computes one side of a generic filter. It owns what it needs, so it outlives the registry.
 template <typename T>

@@ -1,96 +1,22 @@
 #include "vig/parsers/JsonText.h"
 
-#include <algorithm>
+#include <json/reader.h>
+#include <json/value.h>
+
 #include <charconv>
 #include <cstddef>
 #include <cstdint>
 #include <locale>
+#include <memory>
 #include <system_error>
+
+#include "vig/parsers/JsonTokens.h"
 
 namespace Brenta::OS::VIG {
 
 namespace {
 
 constexpr std::size_t kMostTextBytes = (std::size_t{1} << 30) - 1;
-
-// Splits text where the reader splits it, as far as the text is valid: white space and comments separate
-// tokens, a token is a bracket, a comma, a colon, a string or a run of anything else.
-class JsonTokens {
-  public:
-    explicit JsonTokens(std::string_view json) : text(json) {}
-
-    // Moves to the next token; false at the end of the text.
-    bool next() {
-        skipSeparators();
-        begin = position;
-        if (position == text.size()) {
-            return false;
-        }
-        if (text[position] == '"') {
-            skipString();
-        } else if (isPunctuation(text[position])) {
-            ++position;
-        } else {
-            skipRun();
-        }
-        return true;
-    }
-
-    // The kind of token: its first character.
-    char kind() const { return text[begin]; }
-    std::string_view token() const { return text.substr(begin, position - begin); }
-    std::size_t offset() const { return begin; }
-
-    // Whether the next character that is not white space is `character`; comments are not skipped.
-    bool isFollowedBy(char character) const {
-        const std::size_t place = text.find_first_not_of(kWhiteSpace, position);
-        return place != std::string_view::npos && text[place] == character;
-    }
-
-  private:
-    static constexpr std::string_view kWhiteSpace = " \t\r\n";
-
-    static bool isPunctuation(char character) {
-        return std::string_view("[]{},:").find(character) != std::string_view::npos;
-    }
-
-    bool isAt(std::string_view mark) const { return text.substr(position, mark.size()) == mark; }
-
-    void moveTo(std::size_t place) { position = std::min(place, text.size()); }
-
-    void skipSeparators() {
-        for (;;) {
-            moveTo(text.find_first_not_of(kWhiteSpace, position));
-            if (isAt("/*")) {
-                const std::size_t end = text.find("*/", position + 2);
-                moveTo(end == std::string_view::npos ? end : end + 2);
-            } else if (isAt("//")) {
-                moveTo(text.find_first_of("\r\n", position));
-            } else {
-                return;
-            }
-        }
-    }
-
-    void skipString() {
-        ++position;
-        while (position < text.size() && text[position] != '"') {
-            moveTo(position + (text[position] == '\\' ? 2 : 1));
-        }
-        moveTo(position + 1);
-    }
-
-    void skipRun() { moveTo(text.find_first_of(" \t\r\n[]{},:\"/", position + 1)); }
-
-    const std::string_view text;
-    std::size_t position = 0;
-    std::size_t begin = 0;
-};
-
-std::string_view withoutByteOrderMark(std::string_view text) {
-    constexpr std::string_view kMark = "\xEF\xBB\xBF";
-    return text.starts_with(kMark) ? text.substr(kMark.size()) : text;
-}
 
 // Lines and columns are counted as the reader counts them: from 1, in bytes, and "\r\n" is one line end.
 std::string report(std::string_view text, std::size_t offset, const std::string& message) {
@@ -182,6 +108,23 @@ std::string respellNumber(std::string_view number) {
 }
 
 }  // namespace
+
+std::optional<std::string> readJson(const std::string& text, Json::Value& root) {
+    Json::CharReaderBuilder builder;
+    // Comments are accepted and mean nothing. To keep them, the reader searches the text before each one again.
+    builder.settings_["collectComments"] = false;
+    if (auto report = reportOfUnreadable(text, builder.settings_["stackLimit"].asUInt())) {
+        return report;
+    }
+    const std::string respelled = respellForLocale(text);
+    const std::string& readable = respelled.empty() ? text : respelled;
+    std::string errors;
+    const std::unique_ptr<Json::CharReader> reader(builder.newCharReader());
+    if (!reader->parse(readable.data(), readable.data() + readable.size(), &root, &errors)) {
+        return errors;
+    }
+    return std::nullopt;
+}
 
 std::optional<std::string> reportOfUnreadable(std::string_view text, unsigned levels) {
     if (text.size() > kMostTextBytes) {

@@ -4,9 +4,17 @@
 #include <string>
 #include <string_view>
 
+namespace Json {
+class Value;
+}
+
 namespace Brenta::OS::VIG {
 
-// What has to be known about JSON text before the JSON library reads it.
+// The reading of JSON text, and what has to be known about the text before the JSON library reads it.
+
+// Reads a whole text. Empty on success, otherwise the reader's report of what is wrong and where; `root` is then in
+// any state. Each value knows its offsets in the text (after a byte order mark), where the locale needs no respelling.
+std::optional<std::string> readJson(const std::string& text, Json::Value& root);
 
 // A report, in the manner of the library's reader, if the reader would not return normally from this text
 // but throw: because it would have to read a value inside of `levels` or more arrays and objects, or could

@@ -50,6 +50,22 @@ class VIG_EXPORT VIGParserConfig {
     bool getPureFunction(const std::string& name, StringPureFunction& out) const;
     bool getPureFunction(const std::string& name, BoolPureFunction& out) const;
 
+    // The tables themselves, for tools that list the names.
+    const std::unordered_map<std::string, RulesEngine::EventType>& getEventTypes() const { return eventTypes; }
+    const std::unordered_map<std::string, std::shared_ptr<VIGActionFunctionFactory>>& getActionFunctionFactories()
+        const {
+        return actionFunctionFactories;
+    }
+    const std::unordered_map<std::string, Int64PureFunction>& getInt64PureFunctions() const {
+        return int64PureFunctions;
+    }
+    const std::unordered_map<std::string, DoublePureFunction>& getDoublePureFunctions() const {
+        return doublePureFunctions;
+    }
+    const std::unordered_map<std::string, StringPureFunction>& getStringPureFunctions() const {
+        return stringPureFunctions;
+    }
+
     // A new context for a new machine; the caller owns it.
     std::unique_ptr<RulesEngine::EvaluationContext> createEvaluationContext() const;
 
