@@ -1,0 +1,36 @@
+#pragma once
+
+#include <string_view>
+
+namespace tool {
+
+// What `vig check` can warn of. This is the one list of the names: the help, the documentation and the tests are held
+// against it.
+
+struct WarningName {
+    std::string_view name;
+    std::string_view meaning;  // half a sentence, for lists
+};
+
+inline constexpr WarningName kWarningNames[] = {
+    {"unreachable-state", "no chain of transitions leads to the state from \"start\""},
+    {"shadowed-transition", "an earlier transition always fires instead"},
+    {"endless-entering", "a cycle of EnteringState transitions; an error if none of them has a filter"},
+    {"never-true", "a filter that is always false, or filters that contradict each other"},
+    {"always-true", "a filter that is always true"},
+    {"unknown-attribute", "an attribute that the event type does not have"},
+    {"wrong-kind", "an attribute that the event type has, but not under the kind that the filter reads"},
+    {"missing-attribute", "an action that needs an attribute which the event type does not have"},
+    {"number-text", "a number that is not read to its end, or loses precision"},
+    {"context-ignored", "a comparison that never looks at the context"},
+    {"function-fallback", "an unknown function that reads as 0 or as the empty text"},
+    {"trigger-storm", "a trigger for every event"},
+    {"unknown-key", "a key that is ignored"},
+    {"duplicate-key", "a key that is overwritten by a later one"},
+    {"duplicate-id", "a configuration id that an earlier configuration has"},
+    {"truncated-id", "an id with a fraction, which is cut off"},
+    {"unused-timeout", "a transition on \"Timeout\", which nothing arms by itself"},
+    {"no-way-out", "a state that cannot be left and is not \"end\""},
+};
+
+}  // namespace tool
