@@ -33,6 +33,16 @@ Example: watch for ten seconds, then play the recording to rules that were chang
   vig watch rules.json --duration 10s --record trace.jsonl
   vig run changed.json trace.jsonl)";
 
+constexpr const char* kCatalogueFooter =
+    R"(A catalogue tells which attributes the events of each type have, grouped by kind as in event records, and which
+the machines' context has, which no recording shows. It is JSON to be edited by hand:
+  {"events":{"ProcessMemoryHeartBeat":{"int64":["vmRssKB"]}},"context":{"int64":["limitKB"]}}
+With "extends":"built-in" it adds to what the tool knows, else it stands in its place.
+
+Example: what do the events of this machine have?
+  vig watch rules.json --duration 10s --record trace.jsonl
+  vig catalogue trace.jsonl > catalogue.json)";
+
 void addRuleOptions(CLI::App& verb, RuleOptions& options) {
     verb.add_option("RULES", options.rules, "The rule document")->required();
     const auto readFormat = [&options](const std::string& text) {
@@ -85,6 +95,12 @@ void addWatch(CLI::App& app, WatchOptions& options) {
     verb.footer(kWatchFooter);
 }
 
+void addCatalogue(CLI::App& app, CatalogueOptions& options) {
+    CLI::App& verb = *app.add_subcommand("catalogue", "Prints which attributes the events of a recording have.");
+    verb.add_option("EVENTS", options.events, "The event records (default: -, which is standard input)");
+    verb.footer(kCatalogueFooter);
+}
+
 std::string whereHelpIs(const CLI::App* app) {
     const auto verbs = app->get_subcommands();
     return "Try: vig " + (verbs.empty() ? "" : verbs.front()->get_name() + " ") + "--help";
@@ -95,6 +111,7 @@ std::string whereHelpIs(const CLI::App* app) {
 Command parseCommandLine(int count, const char* const* arguments) {
     RunOptions runOptions;
     WatchOptions watchOptions;
+    CatalogueOptions catalogueOptions;
     CLI::App app("Runs rule documents at a desk, with the library that runs them on a device.", "vig");
     app.set_version_flag("--version", "vig " VIG_VERSION, "Prints the version and exits");
     app.set_help_flag("-h,--help", "Prints this help and exits");
@@ -102,6 +119,7 @@ Command parseCommandLine(int count, const char* const* arguments) {
     app.footer(kGeneralFooter);
     addRun(app, runOptions);
     addWatch(app, watchOptions);
+    addCatalogue(app, catalogueOptions);
     try {
         app.parse(count, arguments);
     } catch (const CLI::CallForHelp&) {
@@ -113,6 +131,9 @@ Command parseCommandLine(int count, const char* const* arguments) {
     }
     if (app.got_subcommand("run")) {
         return runOptions;
+    }
+    if (app.got_subcommand("catalogue")) {
+        return catalogueOptions;
     }
     return watchOptions;
 }

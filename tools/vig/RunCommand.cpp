@@ -1,12 +1,11 @@
 #include "tools/vig/RunCommand.h"
 
-#include <fcntl.h>
 #include <sys/stat.h>
 
 #include <cerrno>
 #include <cstdint>
 
-#include "tools/vig/Descriptor.h"
+#include "tools/vig/EventInput.h"
 #include "tools/vig/EventReader.h"
 #include "tools/vig/Progress.h"
 #include "tools/vig/Text.h"
@@ -40,8 +39,8 @@ EventReader::Status replay(EventReader& reader, RuleRun& ruleRun, Progress& prog
 }  // namespace
 
 int run(const RunOptions& options, const Console& console, const Interruption& interruption) {
-    const bool fromInput = options.events == "-";
-    const Descriptor file(fromInput ? dup(console.in) : open(options.events.c_str(), O_RDONLY | O_CLOEXEC));
+    const bool fromInput = isStandardInput(options.events);
+    const Descriptor file = openEvents(options.events, console);
     if (!file.isOpen()) {
         if (interruption.requested()) {
             return kExitInterrupted;

@@ -3,6 +3,7 @@
 
 #include <variant>
 
+#include "tools/vig/CatalogueCommand.h"
 #include "tools/vig/CommandLine.h"
 #include "tools/vig/Console.h"
 #include "tools/vig/Interruption.h"
@@ -47,6 +48,9 @@ int main(int count, char** arguments) {
     }
     if (const auto* const options = std::get_if<tool::WatchOptions>(&command)) {
         return tool::watch(*options, console, interruption);
+    }
+    if (const auto* const options = std::get_if<tool::CatalogueOptions>(&command)) {
+        return tool::catalogue(*options, console, interruption);
     }
     return answer(*std::get_if<tool::Answer>(&command), console);
 }

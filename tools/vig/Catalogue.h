@@ -1,0 +1,79 @@
+#pragma once
+
+#include <array>
+#include <bitset>
+#include <cstddef>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "rulesengine/Event.h"
+#include "rulesengine/EventType.h"
+#include "tools/vig/DocumentText.h"
+#include "tools/vig/EventReader.h"
+#include "tools/vig/EventRecord.h"
+
+namespace tool {
+
+using AttributeKind = Brenta::OS::RulesEngine::Event::ValueType;
+
+// The kinds as event records and catalogues name them, by their value.
+inline constexpr std::array<std::string_view, 5> kKindNames = {"uint64", "int64", "double", "bool", "string"};
+
+inline std::string_view nameOf(AttributeKind kind) {
+    return kKindNames[static_cast<std::size_t>(kind)];
+}
+
+// Under which kinds an attribute is known: an Int64 and a Double of one name are two attributes.
+class KindSet {
+  public:
+    bool has(AttributeKind kind) const { return bits.test(static_cast<std::size_t>(kind)); }
+    void add(AttributeKind kind) { bits.set(static_cast<std::size_t>(kind)); }
+    void add(KindSet kinds) { bits |= kinds.bits; }
+
+    // "int64", "int64 and double".
+    std::string text() const;
+
+  private:
+    std::bitset<kKindNames.size()> bits;
+};
+
+using CataloguedAttributes = std::map<std::string, KindSet, std::less<>>;
+
+// Which attributes the events of each type have, and which the machines' contexts have.
+class Catalogue {
+  public:
+    // What `vig watch` produces, which includes what the library's actions read. The context has nothing.
+    static Catalogue builtIn();
+
+    // Adds what a document of the form of text() says. Where it does not say that it extends the built-in one, only
+    // that; else empty, with "catalogue.json:3:14: error: …" in `problem`.
+    static std::optional<Catalogue> read(const DocumentText& document, std::string& problem);
+
+    // The same of a file. In `problem` is also why it cannot be read.
+    static std::optional<Catalogue> readFrom(const std::string& path, std::string& problem);
+
+    // Adds the attributes that an event has, as far as they are not known.
+    void learn(const EventRecord& record);
+
+    // Null if nothing is known about events of the type. EnteringState events are known to have none.
+    const CataloguedAttributes* find(Brenta::OS::RulesEngine::EventType type) const;
+
+    const CataloguedAttributes& context() const { return contextAttributes; }
+
+    // The catalogue as JSON that read() reads back to an equal one: the types in the order of the library's table,
+    // the names in byte order.
+    std::string text() const;
+
+  private:
+    class Reader;
+
+    std::map<Brenta::OS::RulesEngine::EventType, CataloguedAttributes> events;
+    CataloguedAttributes contextAttributes;
+};
+
+// Learns from all records that come. Returns the status of the last read.
+EventReader::Status learnFrom(EventReader& reader, Catalogue& catalogue);
+
+}  // namespace tool
