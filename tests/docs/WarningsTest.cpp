@@ -1,0 +1,71 @@
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "tests/docs/Fragments.h"
+#include "tools/vig/Registry.h"
+#include "tools/vig/RuleWarnings.h"
+#include "tools/vig/WarningNames.h"
+
+namespace {
+
+using Strings = std::vector<std::string>;
+
+const std::string kWarnings = docs::read(VIG_SOURCE_DIR "/docs/warnings.md");
+
+Strings namesRaisedBy(const std::string& text) {
+    const tool::DocumentText document("", text);
+    std::vector<tool::Diagnostic> found;
+    for (Json::ArrayIndex index = 0; index < document.root()["configs"].size(); ++index) {
+        appendWarnings(modelOf(document, index), tool::Catalogue::builtIn(), tool::libraryRegistry(), found);
+    }
+    Strings names;
+    std::ranges::transform(found, std::back_inserter(names), &tool::Diagnostic::name);
+    return names;
+}
+
+TEST(Warnings, AreDocumentedEachUnderItsName) {
+    Strings names;
+    for (const tool::WarningName& each : tool::kWarningNames) {
+        names.emplace_back(each.name);
+    }
+    EXPECT_THAT(docs::allOf(kWarnings, "\n## ([a-z-]+)\n"), testing::UnorderedElementsAreArray(names));
+}
+
+TEST(Warnings, ExamplesRaiseExactlyTheirOwn) {
+    // These are found in the text, not in what it means.
+    const Strings ofText = {"unknown-key", "duplicate-key", "duplicate-id", "truncated-id"};
+    for (const tool::WarningName& each : tool::kWarningNames) {
+        const std::string name(each.name);
+        const std::string section = kWarnings.substr(kWarnings.find("\n## " + name + "\n"));
+        const Strings blocks = docs::allOf(section.substr(0, section.find("\n## ", 1)), docs::kJsonBlock);
+        ASSERT_EQ(blocks.size(), 1U) << name;
+        const bool isOfText = std::ranges::find(ofText, name) != ofText.end();
+        EXPECT_EQ(namesRaisedBy(docs::wholeOf(blocks[0])), isOfText ? Strings() : Strings{name}) << name;
+    }
+}
+
+TEST(Warnings, ExamplesAndDocumentsOfThePagesRaiseNone) {
+    Strings documents;
+    for (const auto& entry : std::filesystem::directory_iterator(VIG_SOURCE_DIR "/examples")) {
+        if (entry.path().extension() == ".json") {
+            documents.push_back(docs::read(entry.path()));
+        }
+    }
+    for (const char* const page : {"/README.md", "/docs/rule-documents.md", "/docs/how-it-works.md"}) {
+        for (const std::string& block : docs::allOf(docs::read(std::string(VIG_SOURCE_DIR) + page), docs::kJsonBlock)) {
+            if (block.find("\"configs\"") != std::string::npos) {
+                documents.push_back(block);
+            }
+        }
+    }
+    ASSERT_GT(documents.size(), 5U);
+    for (const std::string& each : documents) {
+        EXPECT_EQ(namesRaisedBy(each), Strings()) << each;
+    }
+}
+
+}  // namespace
