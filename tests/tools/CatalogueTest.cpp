@@ -1,10 +1,9 @@
 #include "tools/vig/Catalogue.h"
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <chrono>
-#include <fstream>
+#include <filesystem>
 #include <string>
 
 #include "tests/support/TemporaryFolder.h"
@@ -27,14 +26,9 @@ TEST(Catalogue, KnowsWhatTheSamplerProducesAndActionsRead) {
     std::chrono::seconds now{0};
     SystemSampler sampler(
         "/proc", "/sys", [&now] { return ++now; }, [](std::string_view) {});
-    int events = 0;
     for (int sample = 0; sample < 2; ++sample) {
-        sampler.sample(0, [&](const EventRecord& record) {
-            catalogue.learn(record);
-            ++events;
-        });
+        sampler.sample(0, [&](const EventRecord& record) { catalogue.learn(record); });
     }
-    EXPECT_GT(events, 2);
     EXPECT_EQ(catalogue.text(), before);
     for (const ActionNeed& need : kActionNeeds) {
         EXPECT_NE(before.find("\"" + std::string(need.attribute) + "\""), std::string::npos) << need.attribute;

@@ -37,6 +37,7 @@ TEST(CommandLine, VerbsHaveTheirDefaultsAndOptions) {
     EXPECT_EQ(watch.duration, milliseconds(120'000));
     EXPECT_EQ(watch.recordFile, "f");
     EXPECT_TRUE(watch.overwrite);
+    EXPECT_EQ(std::get<tool::CatalogueOptions>(parse({"catalogue", "e.jsonl"})).events, "e.jsonl");
 }
 
 TEST(CommandLine, WrongArgumentsAreUsageErrors) {

@@ -126,39 +126,33 @@ TEST(RuleWarnings, FindsWhatIsWrongWithTheStates) {
 }
 
 TEST(RuleWarnings, FindsFiltersThatDecideNothing) {
-    const Strings never = {
-        "string =a == =b",
-        "integer =2 < =1",
-        "double =nan == =nan",
-        "integer vmRssKB > =9223372036854775807",
-        "integer =-9223372036854775808 > vmRssKB",
-        "string processName < =",
-        "double cpuAvgUtilization == =nan",
-        "double cpuAvgUtilization > =inf",
-        "double PseudoRandomDouble() < =0",
-        "double PseudoRandomDouble() >= =1",
-        "double =1 == PseudoRandomDouble()",
-        "integer pid != pid",
-        "double cpuAvgUtilization < cpuAvgUtilization",
-    };
-    const Strings always = {
-        "string =a != =b",
-        "double =nan != =nan",
-        "string processName >= =",
-        "double PseudoRandomDouble() < =1",
-        "double =-0.5 != PseudoRandomDouble()",
-        "string processName == processName",
-    };
-    const Strings neither = {
-        "integer vmRssKB >= =-9223372036854775808",
-        "integer vmRssKB >= =9223372036854775807",
-        "double cpuAvgUtilization != =nan",
-        "double cpuAvgUtilization >= =inf",
-        "string processName > =",
-        "double PseudoRandomDouble() <= =0",
-        "double cpuAvgUtilization == cpuAvgUtilization",
-        "double PseudoRandomDouble() < PseudoRandomDouble()",
-    };
+    const Strings never = {"string =a == =b",
+                           "integer =2 < =1",
+                           "double =nan == =nan",
+                           "integer vmRssKB > =9223372036854775807",
+                           "integer =-9223372036854775808 > vmRssKB",
+                           "string processName < =",
+                           "double cpuAvgUtilization == =nan",
+                           "double cpuAvgUtilization > =inf",
+                           "double PseudoRandomDouble() < =0",
+                           "double PseudoRandomDouble() >= =1",
+                           "double =1 == PseudoRandomDouble()",
+                           "integer pid != pid",
+                           "double cpuAvgUtilization < cpuAvgUtilization"};
+    const Strings always = {"string =a != =b",
+                            "double =nan != =nan",
+                            "string processName >= =",
+                            "double PseudoRandomDouble() < =1",
+                            "double =-0.5 != PseudoRandomDouble()",
+                            "string processName == processName"};
+    const Strings neither = {"integer vmRssKB >= =-9223372036854775808",
+                             "integer vmRssKB >= =9223372036854775807",
+                             "double cpuAvgUtilization != =nan",
+                             "double cpuAvgUtilization >= =inf",
+                             "string processName > =",
+                             "double PseudoRandomDouble() <= =0",
+                             "double cpuAvgUtilization == cpuAvgUtilization",
+                             "double PseudoRandomDouble() < PseudoRandomDouble()"};
     const auto check = [](const Strings& conditions, const Strings& expected) {
         for (const std::string& each : conditions) {
             const bool ofMemory = each.find("cpu") == std::string::npos && each.find("pid") == std::string::npos;
@@ -206,15 +200,13 @@ TEST(RuleWarnings, FindsFiltersThatContradictEachOther) {
 }
 
 TEST(RuleWarnings, FindsNumbersThatAreReadAsOthers) {
-    const std::pair<std::string, std::string> read[] = {
-        {"integer =12kB", "12"},
-        {"integer =0x10", "0"},
-        {"integer =1e3", "1"},
-        {"integer =12.9", "12"},
-        {"double =1,5", "1"},
-        {"double =1 000", "1"},
-        {"double =9007199254740993", "9007199254740992"},
-    };
+    const std::pair<std::string, std::string> read[] = {{"integer =12kB", "12"},
+                                                        {"integer =0x10", "0"},
+                                                        {"integer =1e3", "1"},
+                                                        {"integer =12.9", "12"},
+                                                        {"double =1,5", "1"},
+                                                        {"double =1 000", "1"},
+                                                        {"double =9007199254740993", "9007199254740992"}};
     for (const auto& [constant, number] : read) {
         const std::size_t space = constant.find(' ');
         const std::string type = constant.substr(0, space);
@@ -233,12 +225,13 @@ TEST(RuleWarnings, FindsNumbersThatAreReadAsOthers) {
 }
 
 TEST(RuleWarnings, FindsAttributesThatEventsDoNotHave) {
-    std::string problem;
-    const auto catalogue = Catalogue::read(DocumentText("", R"({"extends":"built-in",
+    const DocumentText additions("", R"({"extends":"built-in",
         "events":{"ForegroundAppsStats":{"bool":["on"],"int64":["n"],"double":["n"]}},
-        "context":{"int64":["limit"],"string":["mode"]}})"),
-                                           problem);
+        "context":{"int64":["limit"],"string":["mode"]}})");
+    std::string problem;
+    const auto catalogue = Catalogue::read(additions, problem);
     ASSERT_TRUE(catalogue) << problem;
+    const std::string cannot = "attributes of the kinds uint64 and bool cannot be compared at all";
     const std::string operand1 = " [0].filters[0].operand1";
     const struct {
         std::string event;
@@ -250,10 +243,8 @@ TEST(RuleWarnings, FindsAttributesThatEventsDoNotHave) {
         {"SystemMemoryHeartBeat", "integer vmRssKB > =1", "unknown-attribute" + operand1,
          "ProcessMemoryHeartBeat events have it"},
         {"ProcessMemoryHeartBeat", "double vmRssKB > =1", "wrong-kind" + operand1, "write \"value_type\": \"integer\""},
-        {"ZramHeartBeat", "integer memUsedMaxBytes > =1", "wrong-kind" + operand1,
-         "attributes of the kinds uint64 and bool cannot be compared at all"},
-        {"ForegroundAppsStats", "string on == =1", "wrong-kind" + operand1,
-         "attributes of the kinds uint64 and bool cannot be compared at all"},
+        {"ZramHeartBeat", "integer memUsedMaxBytes > =1", "wrong-kind" + operand1, cannot},
+        {"ForegroundAppsStats", "string on == =1", "wrong-kind" + operand1, cannot},
         {"ForegroundAppsStats", "double n > =1", ""},
         {"Test", "integer anything > =1", ""},
         {"Timeout", "integer anything > =1", "unused-timeout [0].event"},
@@ -273,9 +264,8 @@ TEST(RuleWarnings, FindsAttributesThatEventsDoNotHave) {
     };
     for (const auto& [event, condition, expected, hint] : cases) {
         const auto found = warningsOf({transition("start end " + event, {condition})}, *catalogue);
-        const Strings names = namesOf(found);
-        ASSERT_EQ(names.empty() ? "" : names[0], expected) << condition;
-        EXPECT_THAT(found.empty() ? hint : found[0].hint, testing::HasSubstr(hint)) << condition;
+        ASSERT_EQ(found.empty() ? "" : namesOf(found)[0], expected) << condition;
+        EXPECT_TRUE(hint.empty() || found[0].hint == hint) << condition;
     }
     const std::string missing = "missing-attribute [0].actions[0]";
     expectNames({

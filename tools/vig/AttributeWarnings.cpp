@@ -100,16 +100,16 @@ class OperandCheck {
             return;
         }
         const KindSet inContext = kindsOf(catalogue.context(), name);
-        const bool looksAtContext = hasConstant(filter);
-        if (!looksAtContext && (inContext.has(kind) || event == EventType::EnteringState)) {
+        if (hasConstant(filter)) {
+            known.add(inContext);
+        } else if (inContext.has(kind) || event == EventType::EnteringState) {
             warnOfContext(operand, filter.valueType);
             return;
         }
-        known.add(inContext);
-        if (ofEvent == nullptr || (looksAtContext && inContext.has(kind))) {
+        if (ofEvent == nullptr || known.has(kind)) {
             return;
         }
-        if (!known.text().empty()) {
+        if (!known.isEmpty()) {
             warnOfKind(operand, filter.valueType, known);
         } else {
             warn(found, "unknown-attribute", operand.place,

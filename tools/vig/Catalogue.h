@@ -28,6 +28,7 @@ inline std::string_view nameOf(AttributeKind kind) {
 // Under which kinds an attribute is known: an Int64 and a Double of one name are two attributes.
 class KindSet {
   public:
+    bool isEmpty() const { return bits.none(); }
     bool has(AttributeKind kind) const { return bits.test(static_cast<std::size_t>(kind)); }
     void add(AttributeKind kind) { bits.set(static_cast<std::size_t>(kind)); }
     void add(KindSet kinds) { bits |= kinds.bits; }
@@ -44,14 +45,14 @@ using CataloguedAttributes = std::map<std::string, KindSet, std::less<>>;
 // Which attributes the events of each type have, and which the machines' contexts have.
 class Catalogue {
   public:
-    // What `vig watch` produces, which includes what the library's actions read. The context has nothing.
+    // What `vig watch` produces, which includes what the library's actions read. Its context is empty.
     static Catalogue builtIn();
 
-    // Adds what a document of the form of text() says. Where it does not say that it extends the built-in one, only
-    // that; else empty, with "catalogue.json:3:14: error: …" in `problem`.
+    // From a document of the form of text(), which may also say that it extends the built-in one. Empty, with
+    // "catalogue.json:3:14: error: …" in `problem`, if it is of another form.
     static std::optional<Catalogue> read(const DocumentText& document, std::string& problem);
 
-    // The same of a file. In `problem` is also why it cannot be read.
+    // The same from a file. If it cannot be read, `problem` says why.
     static std::optional<Catalogue> readFrom(const std::string& path, std::string& problem);
 
     // Adds the attributes that an event has, as far as they are not known.

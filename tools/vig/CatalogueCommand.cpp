@@ -13,6 +13,9 @@ int catalogue(const CatalogueOptions& options, const Console& console, const Int
     const bool fromInput = isStandardInput(options.events);
     const Descriptor file = openEvents(options.events, console);
     if (!file.isOpen()) {
+        if (interruption.requested()) {
+            return kExitInterrupted;
+        }
         console.complain((fromInput ? "standard input" : options.events) + ": " + systemError(errno));
         return kExitUnusable;
     }

@@ -24,7 +24,7 @@ class CycleSearch {
         if (depths[state] != kUnseen) {
             return;
         }
-        enter(state, 0);
+        enter(state);
         while (!path.empty()) {
             Step& step = path.back();
             const auto& outgoing = graph.outgoing[step.state];
@@ -34,7 +34,7 @@ class CycleSearch {
                 continue;
             }
             const Edge& edge = graph.edges[outgoing[step.next++]];
-            if (edge.transition->event == EventType::EnteringState && edge.canFire()) {
+            if (isFollowed(edge)) {
                 follow(edge);
             }
         }
@@ -46,49 +46,47 @@ class CycleSearch {
 
     struct Step {
         std::size_t state;
-        std::size_t next;         // of its outgoing transitions
-        std::size_t conditional;  // how many transitions on the path up to here have filters
+        std::size_t next;       // of its outgoing transitions
+        std::size_t uncertain;  // how many states on the path up to here are
     };
 
-    void enter(std::size_t state, std::size_t conditional) {
+    void enter(std::size_t state) {
+        const std::size_t before = path.empty() ? 0 : path.back().uncertain;
         depths[state] = path.size();
-        path.push_back({state, 0, conditional});
+        path.push_back({state, 0, before + (isUncertain(state) ? 1 : 0)});
     }
 
     void follow(const Edge& edge) {
-        const std::size_t conditional = path.back().conditional + (edge.logic.conditions.empty() ? 0 : 1);
         if (depths[edge.to] == kUnseen) {
-            enter(edge.to, conditional);
+            enter(edge.to);
         } else if (depths[edge.to] != kDone) {
-            const std::span<const Step> cycle = std::span(path).subspan(depths[edge.to]);
-            report(edge, cycle, conditional == cycle.front().conditional);
+            report(edge, std::span(path).subspan(depths[edge.to]));
         }
     }
 
-    // A transition without a filter shadows all that come after it, so that nothing leads out of an endless cycle
-    // unless it comes before in a state.
-    bool isFirstEverywhere(std::span<const Step> cycle) const {
-        return std::ranges::all_of(cycle, [&](const Step& step) {
-            const auto isBefore = [&](std::size_t index) {
-                const Edge& edge = graph.edges[index];
-                return edge.transition->event == EventType::EnteringState && edge.canFire() &&
-                       !edge.logic.conditions.empty();
-            };
-            return std::ranges::none_of(graph.outgoing[step.state], isBefore);
+    // Whether it depends on a filter where the machine goes from there. What comes after a transition without one is
+    // shadowed.
+    bool isUncertain(std::size_t state) const {
+        return std::ranges::any_of(graph.outgoing[state], [&](std::size_t index) {
+            return isFollowed(graph.edges[index]) && !graph.edges[index].logic.conditions.empty();
         });
     }
 
-    void report(const Edge& closing, std::span<const Step> cycle, bool unfiltered) {
+    static bool isFollowed(const Edge& edge) {
+        return edge.transition->event == EventType::EnteringState && edge.canFire();
+    }
+
+    void report(const Edge& closing, std::span<const Step> cycle) {
         constexpr std::size_t kMostShown = 5;
         std::string states;
         for (const Step& step : cycle.first(std::min(cycle.size(), kMostShown))) {
             states += quoted(graph.names[step.state]) + " to ";
         }
         states += (cycle.size() > kMostShown ? "… to " : "") + quoted(graph.names[closing.to]);
-        const bool endless = unfiltered && isFirstEverywhere(cycle);
+        const bool endless = !isUncertain(cycle.front().state) && cycle.back().uncertain == cycle.front().uncertain;
         warn(found, "endless-entering", closing.transition->place,
              "EnteringState transitions lead from " + states +
-                 (endless ? ", without end" : ", as long as filters hold") + ": one event makes up to 1000 moves",
+                 (endless ? ", without end" : ", unless filters say otherwise") + ": one event makes up to 1000 moves",
              "let one of them listen for another event");
         found.back().severity = endless ? Severity::Error : Severity::Warning;
     }

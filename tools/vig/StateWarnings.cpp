@@ -18,11 +18,13 @@ using Brenta::OS::RulesEngine::EventType;
 
 namespace {
 
-bool leadsOut(const StateGraph& graph, std::size_t state) {
-    return std::ranges::any_of(graph.outgoing[state], [&](std::size_t index) {
-        const Edge& edge = graph.edges[index];
-        return !edge.isLoop() || !edge.transition->actions.empty();
-    });
+// For each state, whether something can come of being there.
+std::vector<bool> statesThatLeadOn(const StateGraph& graph) {
+    std::vector<bool> leadsOn(graph.names.size());
+    for (const Edge& edge : graph.edges) {
+        leadsOn[edge.from] = leadsOn[edge.from] || !edge.isLoop() || !edge.transition->actions.empty();
+    }
+    return leadsOn;
 }
 
 // Of the states that can be reached and not be left, of which one may be a misspelt name. Many are no mistake of
@@ -51,9 +53,10 @@ void appendUnreachable(const StateGraph& graph, const std::vector<bool>& reachab
         for (const auto& [state, member] : {std::pair(edge.from, "from_state"), std::pair(edge.to, "to_state")}) {
             if (!reported[state]) {
                 reported[state] = true;
+                const std::string hint = asHint(suggestion(graph.names[state], candidates));
                 warn(found, "unreachable-state", placeOf(*edge.transition, member),
                      "no chain of transitions leads from \"start\" to " + quoted(graph.names[state]),
-                     asHint(suggestion(graph.names[state], candidates)));
+                     hint.empty() ? "lead a transition there, or leave it out" : hint);
             }
         }
     }
@@ -61,13 +64,11 @@ void appendUnreachable(const StateGraph& graph, const std::vector<bool>& reachab
 
 // Of the states, each at the first transition that leads there.
 void appendNoWayOut(const StateGraph& graph, const std::vector<bool>& reachable, std::vector<Diagnostic>& found) {
-    std::vector<bool> reported(graph.names.size());
-    reported[StateGraph::END] = true;
-    // Without a transition from there, all else is unreachable.
-    reported[StateGraph::START] = graph.outgoing[StateGraph::START].empty();
+    std::vector<bool> accepted = statesThatLeadOn(graph);
+    accepted[StateGraph::END] = true;
     for (const Edge& edge : graph.edges) {
-        if (reachable[edge.from] && !reported[edge.to] && !leadsOut(graph, edge.to)) {
-            reported[edge.to] = true;
+        if (reachable[edge.from] && !accepted[edge.to]) {
+            accepted[edge.to] = true;
             warn(found, "no-way-out", placeOf(*edge.transition, "to_state"),
                  "once in " + quoted(graph.names[edge.to]) + ", the machine does nothing any more",
                  "if that is meant, call the state \"end\"");
