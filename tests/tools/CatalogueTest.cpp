@@ -23,9 +23,12 @@ std::optional<Catalogue> readText(const std::string& text, std::string& problem)
 TEST(Catalogue, KnowsWhatTheSamplerProducesAndActionsRead) {
     Catalogue catalogue = Catalogue::builtIn();
     const std::string before = catalogue.text();
+    const support::TemporaryFolder sys;
+    std::filesystem::create_directories(sys.path("block/zram0"));
+    sys.write("block/zram0/mm_stat", "1 2 3 4 5 6 7 8 9\n");
     std::chrono::seconds now{0};
     SystemSampler sampler(
-        "/proc", "/sys", [&now] { return ++now; }, [](std::string_view) {});
+        "/proc", sys.path(), [&now] { return ++now; }, [](std::string_view) {});
     for (int sample = 0; sample < 2; ++sample) {
         sampler.sample(0, [&](const EventRecord& record) { catalogue.learn(record); });
     }
