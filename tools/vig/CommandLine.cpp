@@ -22,8 +22,12 @@ constexpr const char* kRunFooter = R"(An event record is one JSON object a line;
   {"event":"Timeout","timeout_id":3}
 Kinds are uint64, int64, double, bool and string; "time_ms" may tell when it was.
 
-Example: which events of a recording fire a trigger?
-  vig run rules.json trace.jsonl --format jsonl | grep '"type":"trigger"')";
+--explain shows each transition that listens for the event, up to the one that fires, and each filter, up to the
+one that does not hold, with the values that it compared. What listens for other events is left out.
+
+Example: which events of a recording fire a trigger? And why did the second transition not fire?
+  vig run rules.json trace.jsonl --format jsonl | grep '"type":"trigger"'
+  vig run rules.json trace.jsonl --why-not 'configs[0].payload.data.transitions[1]')";
 
 constexpr const char* kWatchFooter =
     R"(Events: ProcessMemoryHeartBeat and ProcessCpuHeartBeat of each process, SystemMemoryHeartBeat, and
@@ -68,6 +72,11 @@ void addRun(CLI::App& app, RunOptions& options) {
     CLI::App& verb = *app.add_subcommand("run", "Offers recorded events to the machines of a rule document.");
     addRuleOptions(verb, options);
     verb.add_option("EVENTS", options.events, "The event records (default: -, which is standard input)");
+    verb.add_flag("--explain", options.explain, "Tells what every machine decides on every event, and why");
+    verb.add_option("--why-not", options.whyNot,
+                    "Tells at the end what kept a transition from firing, given its path in the document: "
+                    "configs[0].payload.data.transitions[1]")
+        ->type_name("PATH");
     verb.footer(kRunFooter);
 }
 
