@@ -13,7 +13,8 @@ namespace tool {
 namespace {
 
 constexpr const char* kGeneralFooter =
-    "Exit status: 0 done, 1 the rules were refused, 2 bad arguments or input, or the output cannot be\n"
+    "Exit status: 0 done, 1 the rules were refused or a test failed, 2 bad arguments or input, or the output cannot "
+    "be\n"
     "written, 130 interrupted.\n"
     "`vig run --help` and `vig watch --help` have an example each.";
 
@@ -36,6 +37,26 @@ ZramHeartBeat of each zram device. Saving RULES meanwhile delivers it again; Ctr
 Example: watch for ten seconds, then play the recording to rules that were changed:
   vig watch rules.json --duration 10s --record trace.jsonl
   vig run changed.json trace.jsonl)";
+
+constexpr const char* kTestFooter =
+    R"(A test file names a rule document and what it should do; paths in it are relative to it:
+  { "rules": "rules.json",
+    "tests": [
+      { "name": "the camera is collected once",
+        "events": [ {"event":"ProcessMemoryHeartBeat","string":{"processName":"camera"},
+                     "int64":{"vmRssKB":300000,"vmSwapKB":0}} ],
+        "seed": 5489, "context": { "int64": { "limit": 5 } },
+        "expect": { "triggers": [ { "process": "camera", "event": 1, "metadata_contains": ["vmSwapKB:0"] } ],
+                    "log": [], "states": { "7": "end" }, "moves": 1 } } ] }
+"events" may also be the name of a file of event records. A trigger may be told by its "name", "process", "config"
+(id), "event" (number), "metadata" (all of it) and "metadata_contains"; a log line is its message, or an object with
+"message" and "priority". Triggers and log lines that are not expected fail the test, but for the line that the
+document was found. States and moves are checked where they are given. "seed" and "context" may be left out.
+
+Coverage counts the transitions that fired, and for each filter whether it was ever true and whether it was ever false.
+
+Example: all tests, with what they do not reach, and a report for the build server:
+  vig test rules/*.test.json --coverage-min 100 --junit results.xml)";
 
 void addRuleOptions(CLI::App& verb, RuleOptions& options) {
     verb.add_option("RULES", options.rules, "The rule document")->required();
@@ -94,6 +115,19 @@ void addWatch(CLI::App& app, WatchOptions& options) {
     verb.footer(kWatchFooter);
 }
 
+void addTest(CLI::App& app, TestOptions& options) {
+    CLI::App& verb = *app.add_subcommand("test", "Runs the tests of rule documents.");
+    verb.add_option("FILE", options.files, "Files of tests")->required();
+    verb.add_option("--filter", options.filter, "Runs only the tests whose name has this part; * and ? are wildcards")
+        ->type_name("NAME");
+    verb.add_flag("--coverage", options.coverage, "Tells which transitions and filters the tests do not reach");
+    verb.add_option("--coverage-min", options.coverageMin, "Fails if less of any rule document is reached")
+        ->check(CLI::Range(0.0, 100.0))
+        ->type_name("PERCENT");
+    verb.add_option("--junit", options.junitFile, "Writes the results there, as JUnit XML")->type_name("FILE");
+    verb.footer(kTestFooter);
+}
+
 std::string whereHelpIs(const CLI::App* app) {
     const auto verbs = app->get_subcommands();
     return "Try: vig " + (verbs.empty() ? "" : verbs.front()->get_name() + " ") + "--help";
@@ -104,6 +138,7 @@ std::string whereHelpIs(const CLI::App* app) {
 Command parseCommandLine(int count, const char* const* arguments) {
     RunOptions runOptions;
     WatchOptions watchOptions;
+    TestOptions testOptions;
     CLI::App app("Runs rule documents at a desk, with the library that runs them on a device.", "vig");
     app.set_version_flag("--version", "vig " VIG_VERSION, "Prints the version and exits");
     app.set_help_flag("-h,--help", "Prints this help and exits");
@@ -111,6 +146,7 @@ Command parseCommandLine(int count, const char* const* arguments) {
     app.footer(kGeneralFooter);
     addRun(app, runOptions);
     addWatch(app, watchOptions);
+    addTest(app, testOptions);
     try {
         app.parse(count, arguments);
     } catch (const CLI::CallForHelp&) {
@@ -122,6 +158,9 @@ Command parseCommandLine(int count, const char* const* arguments) {
     }
     if (app.got_subcommand("run")) {
         return runOptions;
+    }
+    if (app.got_subcommand("test")) {
+        return testOptions;
     }
     return watchOptions;
 }

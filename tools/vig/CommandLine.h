@@ -7,6 +7,7 @@
 #include <variant>
 
 #include "tools/vig/RunCommand.h"
+#include "tools/vig/TestCommand.h"
 #include "tools/vig/WatchCommand.h"
 
 namespace tool {
@@ -18,7 +19,7 @@ struct Answer {
     std::string hint;  // what to do then
 };
 
-using Command = std::variant<RunOptions, WatchOptions, Answer>;
+using Command = std::variant<RunOptions, WatchOptions, TestOptions, Answer>;
 
 // What the arguments ask for. The first one is the program's name.
 Command parseCommandLine(int count, const char* const* arguments);
