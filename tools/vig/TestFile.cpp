@@ -25,6 +25,7 @@
 #include "tools/vig/NearestName.h"
 #include "tools/vig/PriorityName.h"
 #include "tools/vig/RecordParser.h"
+#include "tools/vig/RuleDocument.h"
 #include "tools/vig/Text.h"
 #include "vig/parsers/JsonTokens.h"
 
@@ -227,9 +228,10 @@ class TestFileReader {
 
     void readEventFile(const Json::Value& json, const std::string& path, std::vector<EventRecord>& events) {
         const std::string name = (folder / json.asString()).string();
-        const Descriptor file(open(name.c_str(), O_RDONLY | O_CLOEXEC));
+        const std::string problem = RuleDocument::whyUnreadable(name);
+        const Descriptor file(problem.empty() ? open(name.c_str(), O_RDONLY | O_CLOEXEC) : -1);
         if (!file.isOpen()) {
-            complain(json, path, name + ": " + systemError(errno));
+            complain(json, path, name + ": " + (problem.empty() ? systemError(errno) : problem));
             return;
         }
         const Interruption never;
@@ -256,7 +258,8 @@ class TestFileReader {
 
     // The attributes of a record without its event.
     AttributeSet context(const Json::Value& json, const std::string& path) {
-        if (!isObject(json, path, {"uint64", "int64", "double", "bool", "string"})) {
+        const std::size_t before = errors.size();
+        if (!isObject(json, path, {"uint64", "int64", "double", "bool", "string"}) || errors.size() != before) {
             return {};
         }
         const Place range = document.placeOf(json, path);
