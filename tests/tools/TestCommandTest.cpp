@@ -87,6 +87,13 @@ TEST_F(TestCommand, EachExpectationPassesOrFails) {
     }
 }
 
+TEST_F(TestCommand, ContextHasTheAttributesGiven) {
+    const std::string test = R"({"name":"c","events":[{"event":"ProcessMemoryHeartBeat"}],)"
+                             R"("expect":{"moves":1,"log":["Missing required attribute processName in event."]})";
+    EXPECT_EQ(run(test + R"(,"context":{"int64":{"vmRssKB":10}}})").status, 0);
+    EXPECT_EQ(run(test + R"(,"context":{}})").status, 1);
+}
+
 TEST_F(TestCommand, FailureShowsExpectedAgainstActualAndWhy) {
     const ToolResult result = run("\n" + testCase("missing", kSmall + "," + kSmall, R"("triggers":[{"config":7}])") +
                                   ",\n" + testCase("other", kCamera, R"("triggers":[{"config":7,"process":"x"}])") +
