@@ -4,9 +4,9 @@
 #include <string_view>
 
 #include "tools/vig/ActionNeeds.h"
-#include "tools/vig/Comparison.h"
 #include "tools/vig/EventNames.h"
 #include "tools/vig/NearestName.h"
+#include "tools/vig/NormalFilter.h"
 #include "tools/vig/Text.h"
 #include "tools/vig/Warn.h"
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <utility>
 
-#include "tools/vig/Comparison.h"
+#include "tools/vig/NormalFilter.h"
 #include "tools/vig/Text.h"
 #include "tools/vig/ValueRange.h"
 #include "tools/vig/Warn.h"
@@ -68,33 +68,33 @@ ValueRange<T> domainOf(const OperandModel& operand) {
 }
 
 template <typename T>
-bool isImpossible(FilterOperator op, const Comparison& comparison) {
-    ValueRange<T> range = domainOf<T>(comparison.left);
-    range.narrow(op, constantOf<T>(comparison.right));
+bool isImpossible(FilterOperator op, const NormalFilter& normal) {
+    ValueRange<T> range = domainOf<T>(normal.left);
+    range.narrow(op, constantOf<T>(normal.right));
     return range.isEmpty();
 }
 
 // A number that is missing is never equal nor different, so that nothing is always true of it.
 template <typename T>
-Truth truthAgainstConstant(const Comparison& comparison) {
-    if (isImpossible<T>(comparison.op, comparison)) {
+Truth truthAgainstConstant(const NormalFilter& normal) {
+    if (isImpossible<T>(normal.op, normal)) {
         return Truth::Never;
     }
-    const bool alwaysPresent = std::is_same_v<T, std::string> || isFunction(comparison.left);
-    return alwaysPresent && isImpossible<T>(negated(comparison.op), comparison) ? Truth::Always : Truth::Depends;
+    const bool alwaysPresent = std::is_same_v<T, std::string> || isFunction(normal.left);
+    return alwaysPresent && isImpossible<T>(negated(normal.op), normal) ? Truth::Always : Truth::Depends;
 }
 
 Truth truthAgainstConstant(const FilterModel& filter) {
-    const Comparison comparison = comparisonOf(filter);
+    const NormalFilter normal = normalFormOf(filter);
     switch (filter.valueType) {
         case FilterValueType::Integer:
-            return truthAgainstConstant<std::int64_t>(comparison);
+            return truthAgainstConstant<std::int64_t>(normal);
         case FilterValueType::Double:
-            return truthAgainstConstant<double>(comparison);
+            return truthAgainstConstant<double>(normal);
         case FilterValueType::String:
             break;
     }
-    return truthAgainstConstant<std::string>(comparison);
+    return truthAgainstConstant<std::string>(normal);
 }
 
 // As the library finds it. Nothing of the event or the context is looked at.
@@ -137,15 +137,15 @@ class Contradictions {
 
     // True if no value fulfils this filter and those before. Says so once.
     bool add(const FilterModel& filter) {
-        const Comparison comparison = comparisonOf(filter);
-        const std::string_view name = comparison.left.operand.value;
+        const NormalFilter normal = normalFormOf(filter);
+        const std::string_view name = normal.left.operand.value;
         auto place = attributes.find(name);
         if (place == attributes.end()) {
             place = attributes.emplace(name, Attribute()).first;
         }
         auto& [range, filters, contradictory] = place->second;
         if (!contradictory) {
-            range.narrow(comparison.op, constantOf<T>(comparison.right));
+            range.narrow(normal.op, constantOf<T>(normal.right));
             contradictory = range.isEmpty();
             if (contradictory) {
                 report(filter, filters);
@@ -166,8 +166,8 @@ class Contradictions {
         const auto excludes = [&](const FilterModel* other) {
             ValueRange<T> range;
             for (const FilterModel* const each : {other, &filter}) {
-                const Comparison comparison = comparisonOf(*each);
-                range.narrow(comparison.op, constantOf<T>(comparison.right));
+                const NormalFilter normal = normalFormOf(*each);
+                range.narrow(normal.op, constantOf<T>(normal.right));
             }
             return range.isEmpty();
         };

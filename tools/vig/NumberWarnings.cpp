@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "tools/vig/Comparison.h"
+#include "tools/vig/NormalFilter.h"
 #include "tools/vig/Text.h"
 #include "tools/vig/Warn.h"
 #include "vig/parsers/CLocale.h"

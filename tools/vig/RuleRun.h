@@ -14,7 +14,7 @@
 
 namespace tool {
 
-enum class ReportFormat { Text, Jsonl };
+enum class ReportFormat { Text, Jsonl, None };
 
 // What the verbs that let rules run have in common.
 struct RuleOptions {
@@ -31,6 +31,9 @@ class RuleRun {
     RuleRun(const RuleRun&) = delete;
     RuleRun& operator=(const RuleRun&) = delete;
 
+    // Lets the trace see all that follows. It must outlive the run. REQUIRES: begin() has not been called.
+    void observe(Trace& listener) { trace = &listener; }
+
     // Loads the rules and starts the machines. If that fails, says why and returns the exit status.
     std::optional<int> begin(RuleSession::Changes later);
 
@@ -38,6 +41,8 @@ class RuleRun {
     RuleSession& session() { return *rules; }
 
     Output& output() { return out; }
+
+    Report& reporter() { return *report; }
 
     // Whether the run is to end: it was interrupted, or nobody can read what it writes.
     bool mustStop() const { return interruption.requested() || out.failed(); }
@@ -60,6 +65,7 @@ class RuleRun {
     const Interruption& interruption;
     Output out;
     std::unique_ptr<Report> report;
+    Trace* trace = nullptr;
     std::optional<RuleSession> rules;
 };
 

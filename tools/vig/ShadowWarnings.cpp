@@ -9,8 +9,8 @@
 #include <unordered_map>
 #include <utility>
 
-#include "tools/vig/Comparison.h"
 #include "tools/vig/EventNames.h"
+#include "tools/vig/NormalFilter.h"
 #include "tools/vig/Text.h"
 #include "tools/vig/Warn.h"
 #include "vig/parsers/NumberText.h"
@@ -38,15 +38,14 @@ std::string constantText(const OperandModel& operand, FilterValueType type) {
 
 // The same text for filters that mean the same, mirrored or with a number written in another way.
 std::string meaningOf(const FilterModel& filter) {
-    Comparison comparison = comparisonOf(filter);
-    std::string right =
-        hasConstant(filter) ? constantText(comparison.right, filter.valueType) : comparison.right.operand.value;
-    std::string left = comparison.left.operand.value;
+    NormalFilter normal = normalFormOf(filter);
+    std::string right = hasConstant(filter) ? constantText(normal.right, filter.valueType) : normal.right.operand.value;
+    std::string left = normal.left.operand.value;
     if (!hasConstant(filter) && right < left) {
         std::swap(left, right);
-        comparison.op = mirrored(comparison.op);
+        normal.op = mirrored(normal.op);
     }
-    return fmt::format("{}{}{}{} {}:{}{}", static_cast<int>(filter.valueType), static_cast<int>(comparison.op),
+    return fmt::format("{}{}{}{} {}:{}{}", static_cast<int>(filter.valueType), static_cast<int>(normal.op),
                        usesFunction(filter), hasConstant(filter), left.size(), left, right);
 }
 

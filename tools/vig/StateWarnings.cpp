@@ -6,9 +6,9 @@
 
 #include "tools/vig/ActionNeeds.h"
 #include "tools/vig/AttributeWarnings.h"
-#include "tools/vig/Comparison.h"
 #include "tools/vig/EventNames.h"
 #include "tools/vig/NearestName.h"
+#include "tools/vig/NormalFilter.h"
 #include "tools/vig/Text.h"
 #include "tools/vig/Warn.h"
 

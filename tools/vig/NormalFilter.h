@@ -6,7 +6,7 @@
 namespace tool {
 
 // A filter as the library builds it: turned round if only its left operand is a constant.
-struct Comparison {
+struct NormalFilter {
     Brenta::OS::VIG::FilterOperator op;
     const OperandModel& left;
     const OperandModel& right;
@@ -37,7 +37,7 @@ inline bool hasConstant(const FilterModel& filter) {
     return isConstant(filter.operand1) || isConstant(filter.operand2);
 }
 
-inline Comparison comparisonOf(const FilterModel& filter) {
+inline NormalFilter normalFormOf(const FilterModel& filter) {
     if (isConstant(filter.operand1) && !isConstant(filter.operand2)) {
         return {mirrored(filter.op), filter.operand2, filter.operand1};
     }
