@@ -1,0 +1,68 @@
+#include "tools/vig/CheckCommand.h"
+
+#include <algorithm>
+#include <optional>
+#include <utility>
+
+#include "tools/vig/Checker.h"
+#include "tools/vig/FileText.h"
+#include "tools/vig/Output.h"
+#include "tools/vig/Registry.h"
+#include "tools/vig/Text.h"
+
+namespace tool {
+
+namespace {
+
+std::vector<Diagnostic> findingsIn(const DocumentText& document, const Brenta::OS::VIG::VIGParserConfig& registry,
+                                   const std::vector<std::string>& allowed) {
+    std::vector<Diagnostic> findings = check(document, registry);
+    std::erase_if(findings,
+                  [&](const Diagnostic& each) { return std::ranges::find(allowed, each.name) != allowed.end(); });
+    return findings;
+}
+
+void count(const std::vector<Diagnostic>& findings, FindingCounts& counts) {
+    const auto errors = std::ranges::count(findings, Severity::Error, &Diagnostic::severity);
+    counts.errors += static_cast<std::size_t>(errors);
+    counts.warnings += findings.size() - static_cast<std::size_t>(errors);
+    ++counts.files;
+}
+
+}  // namespace
+
+int check(const CheckOptions& options, const Console& console, const Interruption& interruption) {
+    const Brenta::OS::VIG::VIGParserConfig registry = libraryRegistry();
+    Output output(console.out);
+    const auto report = makeFindingReport(options.format, output, console.wantsColours());
+    FindingCounts counts;
+    bool areReadable = true;
+    for (const std::string& path : options.rules) {
+        if (interruption.requested()) {
+            return kExitInterrupted;
+        }
+        std::string problem;
+        auto text = readFile(path, problem);
+        if (!text) {
+            console.complain(path + ": " + problem);
+            areReadable = false;
+            continue;
+        }
+        const DocumentText document(path, std::move(*text));
+        const std::vector<Diagnostic> findings = findingsIn(document, registry, options.allowed);
+        report->file(document.source(), findings);
+        count(findings, counts);
+    }
+    report->end(counts);
+    output.flush();
+    if (output.failed() && !output.readerIsGone()) {
+        console.complain("standard output: " + systemError(output.failure()));
+        return kExitUnusable;
+    }
+    if (!areReadable) {
+        return kExitUnusable;
+    }
+    return counts.errors > 0 || (options.strict && counts.warnings > 0) ? kExitRefused : kExitDone;
+}
+
+}  // namespace tool

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "tools/vig/Console.h"
+#include "tools/vig/FindingReport.h"
+#include "tools/vig/Interruption.h"
+
+namespace tool {
+
+struct CheckOptions {
+    std::vector<std::string> rules;  // files with rule documents
+    FindingFormat format = FindingFormat::Text;
+    bool strict = false;               // warnings count as errors for the exit status
+    std::vector<std::string> allowed;  // names of kWarningNames that are not reported
+};
+
+// `vig check`: says what is wrong with rule documents. Returns the exit status.
+int check(const CheckOptions& options, const Console& console, const Interruption& interruption);
+
+}  // namespace tool
