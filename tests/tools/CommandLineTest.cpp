@@ -11,6 +11,7 @@ namespace {
 
 using std::chrono::milliseconds;
 using tool::Answer;
+using tool::CheckOptions;
 using tool::RunOptions;
 using tool::WatchOptions;
 
@@ -37,6 +38,12 @@ TEST(CommandLine, VerbsHaveTheirDefaultsAndOptions) {
     EXPECT_EQ(watch.duration, milliseconds(120'000));
     EXPECT_EQ(watch.recordFile, "f");
     EXPECT_TRUE(watch.overwrite);
+    const auto check = std::get<CheckOptions>(parse({"check", "--format=sarif", "--allow", "no-way-out", "a", "b",
+                                                     "--strict", "--allow", "duplicate-id"}));
+    EXPECT_EQ(check.rules, (std::vector<std::string>{"a", "b"}));
+    EXPECT_EQ(check.allowed, (std::vector<std::string>{"no-way-out", "duplicate-id"}));
+    EXPECT_EQ(check.format, tool::FindingFormat::Sarif);
+    EXPECT_TRUE(check.strict);
 }
 
 TEST(CommandLine, WrongArgumentsAreUsageErrors) {
@@ -54,6 +61,9 @@ TEST(CommandLine, WrongArgumentsAreUsageErrors) {
         {"watch", "r", "--duration", "-1s"},
         {"watch", "r", "--duration", "soon"},
         {"watch", "r", "--record"},
+        {"check"},
+        {"check", "r", "--format", "jsonl"},
+        {"check", "r", "--allow", "no-way"},
     };
     for (const auto& arguments : cases) {
         const auto answer = std::get<Answer>(parse(arguments));
@@ -64,11 +74,11 @@ TEST(CommandLine, WrongArgumentsAreUsageErrors) {
 }
 
 TEST(CommandLine, HelpOfEveryVerbHasAnExample) {
-    for (const char* verb : {"run", "watch"}) {
+    for (const char* verb : {"check", "run", "watch"}) {
         const auto answer = std::get<Answer>(parse({verb, "--help"}));
         EXPECT_EQ(answer.status, 0);
         EXPECT_NE(answer.text.find("\nExample: "), std::string::npos);
-        EXPECT_NE(answer.text.find("(default: 5489)"), std::string::npos);
+        EXPECT_EQ(answer.text.find("(default: 5489)") == std::string::npos, verb == std::string_view("check"));
     }
     EXPECT_EQ(std::get<Answer>(parse({"--help"})).status, 0);
     EXPECT_EQ(std::get<Answer>(parse({"--version"})).text, "vig 1.0.0\n");

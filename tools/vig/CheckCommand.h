@@ -10,10 +10,10 @@
 namespace tool {
 
 struct CheckOptions {
-    std::vector<std::string> rules;  // files with rule documents
+    std::vector<std::string> rules = {};  // files with rule documents
     FindingFormat format = FindingFormat::Text;
-    bool strict = false;               // warnings count as errors for the exit status
-    std::vector<std::string> allowed;  // names of kWarningNames that are not reported
+    bool strict = false;                    // warnings count as errors for the exit status
+    std::vector<std::string> allowed = {};  // names of kWarningNames that are not reported
 };
 
 // `vig check`: says what is wrong with rule documents. Returns the exit status.

@@ -118,8 +118,7 @@ void addCheck(CLI::App& app, CheckOptions& options) {
     verb.add_option_function<std::vector<std::string>>("--allow", allow,
                                                        "Leaves the warnings of that name out; may be repeated")
         ->type_name("NAME")
-        ->expected(1)
-        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+        ->allow_extra_args(false);
     verb.footer(checkFooter());
 }
 

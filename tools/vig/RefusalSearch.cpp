@@ -81,10 +81,12 @@ bool RefusalSearch::accepts(const Shape& shape, const Json::Value& json, const s
         return true;
     }
     const Piece piece{shape, json, path};
-    const std::size_t before = found.size();
-    if (json.isObject()) {
-        searchInside(piece);
+    if (!json.isObject()) {
+        add(piece, {}, *refusal, {}, memberHint(shape, {}, &json, library.accepted(shape)));
+        return false;
     }
+    const std::size_t before = found.size();
+    searchInside(piece);
     if (found.size() == before) {
         add(piece, {}, *refusal, {}, {});
     }
