@@ -38,8 +38,8 @@ TEST(CommandLine, VerbsHaveTheirDefaultsAndOptions) {
     EXPECT_EQ(watch.duration, milliseconds(120'000));
     EXPECT_EQ(watch.recordFile, "f");
     EXPECT_TRUE(watch.overwrite);
-    const auto check = std::get<CheckOptions>(parse({"check", "--format=sarif", "--allow", "no-way-out", "a", "b",
-                                                     "--strict", "--allow", "duplicate-id"}));
+    const auto check = std::get<CheckOptions>(
+        parse({"check", "--format=sarif", "--allow", "no-way-out", "a", "b", "--strict", "--allow", "duplicate-id"}));
     EXPECT_EQ(check.rules, (std::vector<std::string>{"a", "b"}));
     EXPECT_EQ(check.allowed, (std::vector<std::string>{"no-way-out", "duplicate-id"}));
     EXPECT_EQ(check.format, tool::FindingFormat::Sarif);

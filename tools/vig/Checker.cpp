@@ -22,9 +22,8 @@ void checkJson(const DocumentText& document, const VIGParserConfig& registry, st
     }
     const Json::Value& configs = document.root()["configs"];
     for (Json::ArrayIndex index = 0; index < configs.size(); ++index) {
-        if (search.acceptsConfig(configs[index], "configs[" + std::to_string(index) + "]")) {
-            // Warnings about what the configuration means.
-        }
+        // True for a configuration that can be checked further, for what it means.
+        search.acceptsConfig(configs[index], "configs[" + std::to_string(index) + "]");
     }
     appendIdWarnings(document, found);
 }

@@ -83,7 +83,7 @@ void addDuration(CLI::App& verb, const std::string& name, std::chrono::milliseco
 std::string checkFooter() {
     std::string names;
     for (const auto& [name, meaning] : kWarningNames) {
-        names += fmt::format("  {:<20}{}\n", name, meaning);
+        names += fmt::format("  {:<21}{}\n", name, meaning);
     }
     return fmt::format(kCheckFooter, names);
 }

@@ -24,9 +24,9 @@ std::string excerpt(std::string_view text, std::size_t most) {
 
 std::size_t characterStart(std::string_view text, std::size_t offset) {
     constexpr std::size_t kMostContinuationBytes = 3;
-    const auto isContinuation = [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0) == 0x80; };
     std::size_t start = offset;
-    while (start > 0 && start < text.size() && offset - start < kMostContinuationBytes && isContinuation(text[start])) {
+    while (start > 0 && start < text.size() && offset - start < kMostContinuationBytes &&
+           !beginsCharacter(text[start])) {
         --start;
     }
     return start;

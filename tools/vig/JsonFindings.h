@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string_view>
+
 #include "tools/vig/FindingReport.h"
 
 namespace tool {
@@ -7,17 +9,14 @@ namespace tool {
 // Findings for programs: one object with a list of them. Columns count bytes.
 class JsonFindings final : public FindingReport {
   public:
-    explicit JsonFindings(Output& target) : output(target) {}
+    explicit JsonFindings(Output& target);
 
     void file(const SourceText& source, std::span<const Diagnostic> findings) override;
     void end(const FindingCounts& counts) override;
 
   private:
-    void begin();
-
     Output& output;
-    bool begun = false;
-    bool isFirst = true;
+    std::string_view separator;  // from the finding before
 };
 
 }  // namespace tool

@@ -1,9 +1,13 @@
 #include "tools/vig/RefusalHints.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <iterator>
 #include <span>
+#include <utility>
 #include <vector>
 
+#include "tools/vig/Excerpt.h"
 #include "tools/vig/NearestName.h"
 #include "tools/vig/Text.h"
 #include "vig/parsers/FilterParser.h"
@@ -19,6 +23,7 @@ using Brenta::OS::VIG::VIGParserConfig;
 namespace {
 
 constexpr std::size_t kMostNamesListed = 6;
+constexpr std::size_t kMostShownOfName = 64;
 
 std::string listOf(std::span<const std::string_view> names) {
     std::string text;
@@ -60,7 +65,7 @@ std::string unknownName(std::string_view what, std::string_view given, const std
     if (near.empty() && names.size() <= kMostNamesListed) {
         return oneOf(given, names);
     }
-    return "there is no " + std::string(what) + " " + quoted(given.substr(0, 64)) +
+    return "there is no " + std::string(what) + " " + quoted(shortened(given, kMostShownOfName)) +
            (near.empty() ? "; known are " + listOf(names) : near);
 }
 

@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "tools/vig/Excerpt.h"
 #include "tools/vig/ParseErrorText.h"
 #include "tools/vig/Text.h"
 #include "tools/vig/WarningNames.h"
@@ -39,8 +40,7 @@ std::string uriOf(std::string_view path) {
 }
 
 std::size_t charactersIn(std::string_view text) {
-    return static_cast<std::size_t>(
-        std::ranges::count_if(text, [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0) != 0x80; }));
+    return static_cast<std::size_t>(std::ranges::count_if(text, beginsCharacter));
 }
 
 // Counts the columns of places in characters. From one place to the next it counts only what lies between, so that
@@ -82,25 +82,21 @@ std::string logicalLocations(const std::string& path) {
 
 }  // namespace
 
-void SarifFindings::begin() {
-    if (std::exchange(begun, true)) {
-        return;
-    }
+SarifFindings::SarifFindings(Output& target) : output(target) {
     output.write(
         R"({"version":"2.1.0","$schema":"https://docs.oasis-open.org/sarif/sarif/v2.1.0/os/schemas/sarif-schema-2.1.0.json","runs":[{"tool":{"driver":)"
         R"({"name":"vig","version":")" VIG_VERSION R"(","rules":[)");
-    std::string_view separator;
+    std::string_view ruleSeparator;
     for (const WarningName& rule : rules()) {
         output.write(
             fmt::format("{}\n"
                         R"({{"id":{},"shortDescription":{{"text":{}}}}})",
-                        std::exchange(separator, ","), quoted(rule.name), quoted(rule.meaning)));
+                        std::exchange(ruleSeparator, ","), quoted(rule.name), quoted(rule.meaning)));
     }
     output.write(R"(]}},"columnKind":"unicodeCodePoints","results":[)");
 }
 
 void SarifFindings::file(const SourceText& source, std::span<const Diagnostic> findings) {
-    begin();
     const std::vector<WarningName> all = rules();
     const std::string uri = uriOf(source.name());
     Columns columns(source);
@@ -111,14 +107,13 @@ void SarifFindings::file(const SourceText& source, std::span<const Diagnostic> f
             fmt::format("{}\n"
                         R"({{"ruleId":{},"ruleIndex":{},"level":"{}","message":{{"text":{}}},"locations":[)"
                         R"({{"physicalLocation":{{"artifactLocation":{{"uri":{}}},"region":{}}}{}}}]}})",
-                        std::exchange(isFirst, false) ? "" : ",", quoted(finding.name), rule,
+                        std::exchange(separator, ","), quoted(finding.name), rule,
                         finding.severity == Severity::Error ? "error" : "warning", quoted(message), quoted(uri),
                         regionOf(columns, finding.place), logicalLocations(finding.place.path)));
     }
 }
 
 void SarifFindings::end(const FindingCounts&) {
-    begin();
     output.write("\n]}]}\n");
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string_view>
+
 #include "tools/vig/FindingReport.h"
 
 namespace tool {
@@ -7,17 +9,14 @@ namespace tool {
 // Findings as a SARIF 2.1.0 log, for tools that show them beside the text. Columns count characters.
 class SarifFindings final : public FindingReport {
   public:
-    explicit SarifFindings(Output& target) : output(target) {}
+    explicit SarifFindings(Output& target);
 
     void file(const SourceText& source, std::span<const Diagnostic> findings) override;
     void end(const FindingCounts& counts) override;
 
   private:
-    void begin();
-
     Output& output;
-    bool begun = false;
-    bool isFirst = true;
+    std::string_view separator;  // from the finding before
 };
 
 }  // namespace tool

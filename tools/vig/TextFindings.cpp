@@ -31,21 +31,17 @@ std::string shownLine(std::string_view text) {
     return shown;
 }
 
-bool isContinuation(char byte) {
-    return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
-}
-
 // What takes the same room as the text, and shows nothing.
 std::string blank(std::string_view text) {
     std::string spaces;
     for (const char each : text) {
-        spaces += isContinuation(each) ? "" : each == '\t' ? "\t" : " ";
+        spaces += each == '\t' ? "\t" : beginsCharacter(each) ? " " : "";
     }
     return spaces;
 }
 
 std::string mark(std::string_view text) {
-    const auto width = static_cast<std::size_t>(std::ranges::count_if(text, std::not_fn(isContinuation)));
+    const auto width = static_cast<std::size_t>(std::ranges::count_if(text, beginsCharacter));
     return "^" + std::string(width > 0 ? width - 1 : 0, '~');
 }
 
