@@ -46,11 +46,14 @@ class CheckCommand : public testing::Test {
 TEST_F(CheckCommand, PrintsFindingsAsCompilersDo) {
     const auto result = check(kFaulty);
     const std::string file = folder.path("a b.json");
-    EXPECT_EQ(result.out, file + R"(:2:4: warning: the key "note ä" is ignored [unknown-key]
+    EXPECT_EQ(result.out,
+              file + R"(:2:4: warning: the key "note ä" is ignored [unknown-key]
     	{ "note ä": 1, "id": true, "payload": { "id": 1, "data": { "transitions": [
     	  ^~~~~~~~
     hint: known here: "id", "payload"
-)" + file + R"(:2:24: error: Invalid VIG Config JSON: { "note ä": 1, "id": true, "payload": {… ("id" is a boolean) [InvalidConfig]
+)" + file +
+                  R"(:2:24: error: Invalid VIG Config JSON: { "note ä": 1, "id": true, "payload": {… ("id" is )"
+                  R"(a boolean) [InvalidConfig]
     	{ "note ä": 1, "id": true, "payload": { "id": 1, "data": { "transitions": [
     	                     ^~~~
     hint: a number is needed

@@ -88,15 +88,19 @@ TEST(Checker, FindsEveryMistakeAtItsPlace) {
         std::vector<std::string> expected;
     } cases[] = {
         {{{R"("id": 7)", R"("id": <<"7">>)"}},
-         {R"(configs[0].id: Invalid VIG Config JSON: { "id": "7", "payload": { "id": 1, "data… ("id" is a string) [InvalidConfig])"}},
+         {R"(configs[0].id: Invalid VIG Config JSON: { "id": "7", "payload": { "id": 1, "data… ("id" is )"
+          R"(a string) [InvalidConfig])"}},
         {{{R"({ "id": 8, "payload": { "id": 2, "data": { "transitions": [] } } })", R"(<<{ "id": 8 }>>)"}},
          {R"(configs[1]: Invalid VIG Config JSON: { "id": 8 } ("payload" is missing) [InvalidConfig])"}},
         {{{R"("id": 1,)", R"("id": <<2147483648>>,)"}},
-         {R"(configs[0].payload.id: Invalid VIG Config Payload JSON: { "id": 2147483648, "data": { "transitio… [InvalidConfigPayload])"}},
+         {R"(configs[0].payload.id: Invalid VIG Config Payload JSON: { "id": 2147483648, "data": { )"
+          R"("transitio… [InvalidConfigPayload])"}},
         {{{R"("data": { "transitions": [] })", R"("data": <<[]>>)"}},
-         {R"(configs[1].payload.data: Invalid VIG Config Payload JSON: { "id": 2, "data": [] } ("data" is an array) [InvalidConfigPayload])"}},
+         {R"(configs[1].payload.data: Invalid VIG Config Payload JSON: { "id": 2, "data": [] } ("data" )"
+          R"(is an array) [InvalidConfigPayload])"}},
         {{{R"("transitions": [])", R"("transitions": <<{}>>)"}},
-         {R"(configs[1].payload.data.transitions: Invalid FSM JSON: { "transitions": {} } ("transitions" is an object) [InvalidFsm])"}},
+         {R"(configs[1].payload.data.transitions: Invalid FSM JSON: { "transitions": {} } ("transitions" )"
+          R"(is an object) [InvalidFsm])"}},
         {{{"\n      {\n", "\n      <<{\n"}, {R"("from_state": "start", )", ""}, {"\n      }\n", "\n      }>>\n"}},
          {kIn +
           R"(: Invalid FSM JSON: { "to_state": "end", "event": "ProcessMe… ("from_state" is missing) [InvalidFsm])"}},
@@ -110,8 +114,8 @@ TEST(Checker, FindsEveryMistakeAtItsPlace) {
         {{{R"("envvar")", R"(<<"env">>)"}},
          {kIn + R"(.filters[0].operand1.type: Unknown filter operand type: env [InvalidFsm])"}},
         {{{R"("300000")", R"(<<300000>>)"}},
-         {kIn +
-          R"(.filters[0].operand2.value: Filter operand value is missing or invalid. ("value" is a number) [InvalidFsm])"}},
+         {kIn + R"(.filters[0].operand2.value: Filter operand value is missing or invalid. ("value" is a )"
+                R"(number) [InvalidFsm])"}},
         {{{R"("double")", R"("integer")"}, {R"("PseudoRandomDouble")", R"(<<"PseudoRandomDouble">>)"}},
          {kIn + R"(.filters[1].operand1.value: Failed to find function: PseudoRandomDouble [InvalidFsm])"}},
         {{{R"("0.1")", R"(<<"abc">>)"}},
@@ -128,7 +132,8 @@ TEST(Checker, FindsEveryMistakeAtItsPlace) {
         {{{R"("id": 8)", R"(<<"id">>: 6, "\u0069d": 8)"}},
          {R"(configs[1].id: "id" is overwritten by the one in line 17, column 16 [duplicate-key])"}},
         {{{R"("id": 7)", R"("id": <<null>>)"}, {R"("<")", R"(<<"< ">>)"}, {R"({ "name": "TriggerVelora" })", "<<{}>>"}},
-         {R"(configs[0].id: Invalid VIG Config JSON: { "id": null, "payload": { "id": 1, "dat… ("id" is null) [InvalidConfig])",
+         {R"(configs[0].id: Invalid VIG Config JSON: { "id": null, "payload": { "id": 1, "dat… ("id" is )"
+          R"(null) [InvalidConfig])",
           kIn + R"(.filters[1].operator: Invalid operator string: < . [InvalidFsm])",
           kIn + R"(.actions[0]: Invalid action JSON: {} ("name" is missing) [InvalidFsm])"}},
         {{{R"("ProcessMemoryHeartBeat")", R"(<<"Zram">>)"},
@@ -138,17 +143,18 @@ TEST(Checker, FindsEveryMistakeAtItsPlace) {
           kIn + R"(.filters[1].operand1.value: Failed to find function: PseudoRandom [InvalidFsm])",
           kIn + R"(.filters[1].operand2.value: Invalid constant of value type double: . [InvalidFsm])"}},
         {{{R"("TriggerVelora")",
-           R"("Test", "parameters": [ { "type": <<"int">>, "value": 1 }, { "type": "integer", "value": <<2147483648>> } ])"},
+           R"("Test", "parameters": [ { "type": <<"int">>, "value": 1 }, { "type": "integer", "value": )"
+           R"(<<2147483648>> } ])"},
           {R"("id": 8)", R"("id": <<-8.5>>)"}},
          {kIn + R"(.actions[0].parameters[0].type: Invalid action parameter type: int. [InvalidFsm])",
-          kIn +
-              R"(.actions[0].parameters[1].value: Invalid value for an action parameter of type integer: 2147483648. [InvalidFsm])",
+          kIn + R"(.actions[0].parameters[1].value: Invalid value for an action parameter of type integer: )"
+                R"(2147483648. [InvalidFsm])",
           R"(configs[1].id: the id -8.5 is read as -8 [truncated-id])"}},
         {{{R"("end")", R"(<<1>>)"},
           {R"("name": "TriggerVelora")", R"("name": "TriggerVelora", <<"parameters">>: {})"},
           {R"("id": 8)", R"("id": <<7>>)"}},
-         {kIn +
-              R"(.to_state: Invalid FSM JSON: { "from_state": "start", "to_state": 1, … ("to_state" is a number) [InvalidFsm])",
+         {kIn + R"(.to_state: Invalid FSM JSON: { "from_state": "start", "to_state": 1, … ("to_state" is a )"
+                R"(number) [InvalidFsm])",
           kIn + R"(.actions[0].parameters: "parameters" is ignored, because it is not an array [unknown-key])",
           R"(configs[1].id: configs[0] has the id 7 as well [duplicate-id])"}},
         {{{R"("filters": [)", R"("filters": [ <<null>>, <<[]>>,)"}, {R"("actions": [)", R"("actions": [ <<"Test">>,)"}},

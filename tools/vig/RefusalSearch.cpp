@@ -88,6 +88,7 @@ bool RefusalSearch::accepts(const Shape& shape, const Json::Value& json, const s
     const std::size_t before = found.size();
     searchInside(piece);
     if (found.size() == before) {
+        // Whatever the library has against it must not go unsaid.
         add(piece, {}, *refusal, {}, {});
     }
     return false;

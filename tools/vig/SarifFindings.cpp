@@ -83,9 +83,9 @@ std::string logicalLocations(const std::string& path) {
 }  // namespace
 
 SarifFindings::SarifFindings(Output& target) : output(target) {
-    output.write(
-        R"({"version":"2.1.0","$schema":"https://docs.oasis-open.org/sarif/sarif/v2.1.0/os/schemas/sarif-schema-2.1.0.json","runs":[{"tool":{"driver":)"
-        R"({"name":"vig","version":")" VIG_VERSION R"(","rules":[)");
+    output.write(R"({"version":"2.1.0",)"
+                 R"("$schema":"https://docs.oasis-open.org/sarif/sarif/v2.1.0/os/schemas/sarif-schema-2.1.0.json",)"
+                 R"("runs":[{"tool":{"driver":{"name":"vig","version":")" VIG_VERSION R"(","rules":[)");
     std::string_view ruleSeparator;
     for (const WarningName& rule : rules()) {
         output.write(
