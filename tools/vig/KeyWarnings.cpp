@@ -67,7 +67,7 @@ class KeyScan {
         switch (kind) {
             case '{':
             case '[':
-                beginValue(kind);
+                checkParameters(kind);
                 open(kind == '{');
                 break;
             case '}':
@@ -115,7 +115,7 @@ class KeyScan {
         if (levels.back().isObject && levels.back().expectsKey) {
             takeKey();
         } else {
-            beginValue(kind);
+            checkParameters(kind);
         }
     }
 
@@ -135,8 +135,8 @@ class KeyScan {
         }
     }
 
-    // Of all members, the library does without the list of parameters alone.
-    void beginValue(char kind) {
+    // At the beginning of a value: of all lists, the library does without that of parameters alone.
+    void checkParameters(char kind) {
         if (levels.empty() || levels.back().shape != &kActionShape || !levels.back().isObject) {
             return;
         }

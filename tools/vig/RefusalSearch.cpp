@@ -140,17 +140,15 @@ bool RefusalSearch::acceptsInside(const Shape::Member& member, const Json::Value
 
 // Members that may each be accepted, and are refused together or for the names in them.
 void RefusalSearch::searchCombinations(const Piece& piece, const Keys& faulty) {
-    switch (piece.shape.layer) {
-        case Layer::Transition:
-            return haveAnyOf(faulty, {"event"}) ? void() : judgeEvent(piece);
-        case Layer::Filter:
-            return haveAnyOf(faulty, {"value_type", "operand1", "operand2"}) ? void() : judgeOperands(piece);
-        case Layer::Action:
-            return faulty.empty() ? judgeKey(piece) : void();
-        case Layer::Parameter:
-            return faulty.empty() ? judgeValue(piece) : void();
-        default:
-            return;
+    const Layer layer = piece.shape.layer;
+    if (layer == Layer::Transition && !haveAnyOf(faulty, {"event"})) {
+        judgeEvent(piece);
+    } else if (layer == Layer::Filter && !haveAnyOf(faulty, {"value_type", "operand1", "operand2"})) {
+        judgeOperands(piece);
+    } else if (layer == Layer::Action && faulty.empty()) {
+        judgeKey(piece);
+    } else if (layer == Layer::Parameter && faulty.empty()) {
+        judgeValue(piece);
     }
 }
 

@@ -17,7 +17,9 @@ using Brenta::OS::VIG::VIGManager;
 
 class HostileText : public testing::Test {
   protected:
-    HostileText() { host::setLogSink([](int, std::string_view, std::string_view) {}); }
+    HostileText() {
+        host::setLogSink([](int, std::string_view, std::string_view) {});
+    }
     ~HostileText() override { host::setLogSink(nullptr); }
 
     std::size_t draw(std::size_t bound) { return mutator.draw(bound); }
