@@ -11,6 +11,7 @@ namespace {
 
 using std::chrono::milliseconds;
 using tool::Answer;
+using tool::CheckOptions;
 using tool::RunOptions;
 using tool::TestOptions;
 using tool::WatchOptions;
@@ -49,6 +50,12 @@ TEST(CommandLine, VerbsHaveTheirDefaultsAndOptions) {
     EXPECT_EQ(watch.recordFile, "f");
     EXPECT_TRUE(watch.overwrite);
     EXPECT_EQ(std::get<tool::CatalogueOptions>(parse({"catalogue", "e.jsonl"})).events, "e.jsonl");
+    const auto check = std::get<CheckOptions>(
+        parse({"check", "--format=sarif", "--allow", "no-way-out", "a", "b", "--strict", "--allow", "duplicate-id"}));
+    EXPECT_EQ(check.rules, (std::vector<std::string>{"a", "b"}));
+    EXPECT_EQ(check.allowed, (std::vector<std::string>{"no-way-out", "duplicate-id"}));
+    EXPECT_EQ(check.format, tool::FindingFormat::Sarif);
+    EXPECT_TRUE(check.strict);
 }
 
 TEST(CommandLine, WrongArgumentsAreUsageErrors) {
@@ -68,6 +75,9 @@ TEST(CommandLine, WrongArgumentsAreUsageErrors) {
         {"watch", "r", "--record"},
         {"test"},
         {"test", "a", "--coverage-min", "101"},
+        {"check"},
+        {"check", "r", "--format", "jsonl"},
+        {"check", "r", "--allow", "no-way"},
     };
     for (const auto& arguments : cases) {
         const auto answer = std::get<Answer>(parse(arguments));
@@ -78,11 +88,11 @@ TEST(CommandLine, WrongArgumentsAreUsageErrors) {
 }
 
 TEST(CommandLine, HelpOfEveryVerbHasAnExample) {
-    for (const char* verb : {"run", "watch"}) {
+    for (const char* verb : {"check", "run", "watch"}) {
         const auto answer = std::get<Answer>(parse({verb, "--help"}));
         EXPECT_EQ(answer.status, 0);
         EXPECT_NE(answer.text.find("\nExample: "), std::string::npos);
-        EXPECT_NE(answer.text.find("(default: 5489)"), std::string::npos);
+        EXPECT_EQ(answer.text.find("(default: 5489)") == std::string::npos, verb == std::string_view("check"));
     }
     EXPECT_NE(std::get<Answer>(parse({"test", "--help"})).text.find("\nExample: "), std::string::npos);
     EXPECT_EQ(std::get<Answer>(parse({"--help"})).status, 0);

@@ -22,6 +22,7 @@ TEST(SourceText, CountsLinesAsTheJsonReaderDoes) {
         const auto position = text.positionOf(offset);
         EXPECT_EQ(std::pair(position.line, position.column), expected) << offset;
     }
+    EXPECT_EQ(tool::SourceText("name", "\xEF\xBB\xBF{}").positionOf(3).column, 1U);
     EXPECT_EQ(text.line(2), "b");
     EXPECT_EQ(text.line(4), "");
     EXPECT_EQ(text.line(5), "d");

@@ -9,19 +9,19 @@
 
 namespace tool {
 
-int catalogue(const CatalogueOptions& options, const Console& console, const Interruption& interruption) {
-    const bool fromInput = isStandardInput(options.events);
-    const Descriptor file = openEvents(options.events, console);
+std::optional<int> learnFrom(const std::string& events, const Console& console, const Interruption& interruption,
+                             Catalogue& catalogue) {
+    const bool fromInput = isStandardInput(events);
+    const Descriptor file = openEvents(events, console);
     if (!file.isOpen()) {
         if (interruption.requested()) {
             return kExitInterrupted;
         }
-        console.complain((fromInput ? "standard input" : options.events) + ": " + systemError(errno));
+        console.complain((fromInput ? "standard input" : events) + ": " + systemError(errno));
         return kExitUnusable;
     }
-    EventReader reader(file.get(), fromInput ? "<stdin>" : options.events, interruption, [] {});
-    Catalogue learned;
-    switch (learnFrom(reader, learned)) {
+    EventReader reader(file.get(), fromInput ? "<stdin>" : events, interruption, [] {});
+    switch (learnFrom(reader, catalogue)) {
         case EventReader::Status::Failed:
             console.say(reader.error());
             return kExitUnusable;
@@ -30,6 +30,14 @@ int catalogue(const CatalogueOptions& options, const Console& console, const Int
         case EventReader::Status::Record:
         case EventReader::Status::End:
             break;
+    }
+    return std::nullopt;
+}
+
+int catalogue(const CatalogueOptions& options, const Console& console, const Interruption& interruption) {
+    Catalogue learned;
+    if (const auto status = learnFrom(options.events, console, interruption, learned)) {
+        return *status;
     }
     Output output(console.out);
     output.write(learned.text());

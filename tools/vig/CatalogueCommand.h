@@ -1,7 +1,9 @@
 #pragma once
 
+#include <optional>
 #include <string>
 
+#include "tools/vig/Catalogue.h"
 #include "tools/vig/Console.h"
 #include "tools/vig/Interruption.h"
 
@@ -10,6 +12,10 @@ namespace tool {
 struct CatalogueOptions {
     std::string events = "-";  // a file of event records, or "-" for standard input
 };
+
+// Adds what the events of a recording have. If it cannot be read, says why and returns the exit status.
+std::optional<int> learnFrom(const std::string& events, const Console& console, const Interruption& interruption,
+                             Catalogue& catalogue);
 
 // `vig catalogue`: prints which attributes the events of a recording have. Returns the exit status.
 int catalogue(const CatalogueOptions& options, const Console& console, const Interruption& interruption);

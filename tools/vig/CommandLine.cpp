@@ -1,12 +1,21 @@
 #include "tools/vig/CommandLine.h"
 
+#include <fmt/format.h>
+
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <iterator>
 #include <string>
 #include <utility>
+#include <vector>
+
+#include "tools/vig/NearestName.h"
+#include "tools/vig/Text.h"
+#include "tools/vig/WarningNames.h"
 
 namespace tool {
 
@@ -16,7 +25,14 @@ constexpr const char* kGeneralFooter =
     "Exit status: 0 done, 1 the rules were refused or a test failed, 2 bad arguments or input, or the output cannot "
     "be\n"
     "written, 130 interrupted.\n"
-    "`vig run --help` and `vig watch --help` have an example each.";
+    "`vig check --help`, `vig run --help` and `vig watch --help` have an example each.";
+
+constexpr const char* kCheckFooter = R"(Errors are what the library refuses, all of them. Warnings, by name:
+{}
+Exit status: 0 nothing or only warnings, 1 errors, 2 a file cannot be read. Columns count bytes.
+
+Example: check before a commit, as strictly as possible, but with notes in the documents:
+  vig check --strict --allow unknown-key rules/*.json)";
 
 constexpr const char* kRunFooter = R"(An event record is one JSON object a line; attributes are grouped by their kind:
   {"event":"ProcessMemoryHeartBeat","string":{"processName":"camera"},"int64":{"vmRssKB":1000,"vmSwapKB":24}}
@@ -99,6 +115,55 @@ void addDuration(CLI::App& verb, const std::string& name, std::chrono::milliseco
     verb.add_option_function<std::string>(name, read, description)->type_name("TIME");
 }
 
+std::string checkFooter() {
+    std::string names;
+    for (const auto& [name, meaning] : kWarningNames) {
+        names += fmt::format("  {:<21}{}\n", name, meaning);
+    }
+    return fmt::format(kCheckFooter, names);
+}
+
+void addCheck(CLI::App& app, CheckOptions& options) {
+    CLI::App& verb = *app.add_subcommand("check", "Says what is wrong with rule documents, all at once.");
+    verb.add_option("RULES", options.rules, "The rule documents")->required();
+    const auto readFormat = [&options](const std::string& text) {
+        constexpr std::pair<std::string_view, FindingFormat> kFormats[] = {
+            {"text", FindingFormat::Text}, {"json", FindingFormat::Json}, {"sarif", FindingFormat::Sarif}};
+        const auto* const format = std::ranges::find(kFormats, text, [](const auto& each) { return each.first; });
+        if (format == std::end(kFormats)) {
+            throw CLI::ValidationError("--format", "expected text, json or sarif, got " + text);
+        }
+        options.format = format->second;
+    };
+    verb.add_option_function<std::string>("--format", readFormat,
+                                          "text for people, json for programs, sarif for code reviews (default: text)")
+        ->type_name("text|json|sarif");
+    verb.add_flag("--strict", options.strict, "Lets warnings give the exit status 1");
+    const auto allow = [&options](const std::vector<std::string>& names) {
+        std::vector<std::string_view> known;
+        std::ranges::transform(kWarningNames, std::back_inserter(known), &WarningName::name);
+        for (const std::string& name : names) {
+            if (std::ranges::find(known, name) == known.end()) {
+                throw CLI::ValidationError("--allow",
+                                           "there is no warning " + tool::quoted(name) + suggestion(name, known));
+            }
+        }
+        options.allowed = names;
+    };
+    verb.add_option_function<std::vector<std::string>>("--allow", allow,
+                                                       "Leaves the warnings of that name out; may be repeated")
+        ->type_name("NAME")
+        ->allow_extra_args(false);
+    verb.add_option("--catalogue", options.catalogueFile,
+                    "The attributes of events and contexts, as `vig catalogue` prints them (default: what `vig watch`\n"
+                    "produces)")
+        ->type_name("FILE");
+    verb.add_option("--events", options.eventsFile,
+                    "Event records whose attributes stand in their place, or add to FILE's")
+        ->type_name("EVENTS");
+    verb.footer(checkFooter());
+}
+
 void addRun(CLI::App& app, RunOptions& options) {
     CLI::App& verb = *app.add_subcommand("run", "Offers recorded events to the machines of a rule document.");
     addRuleOptions(verb, options);
@@ -151,6 +216,7 @@ std::string whereHelpIs(const CLI::App* app) {
 }  // namespace
 
 Command parseCommandLine(int count, const char* const* arguments) {
+    CheckOptions checkOptions;
     RunOptions runOptions;
     WatchOptions watchOptions;
     CatalogueOptions catalogueOptions;
@@ -160,6 +226,7 @@ Command parseCommandLine(int count, const char* const* arguments) {
     app.set_help_flag("-h,--help", "Prints this help and exits");
     app.require_subcommand(1);
     app.footer(kGeneralFooter);
+    addCheck(app, checkOptions);
     addRun(app, runOptions);
     addWatch(app, watchOptions);
     addCatalogue(app, catalogueOptions);
@@ -172,6 +239,9 @@ Command parseCommandLine(int count, const char* const* arguments) {
         return Answer{kExitDone, app.version() + "\n", {}};
     } catch (const CLI::Error& error) {
         return Answer{kExitUnusable, error.what(), whereHelpIs(&app)};
+    }
+    if (app.got_subcommand("check")) {
+        return checkOptions;
     }
     if (app.got_subcommand("run")) {
         return runOptions;

@@ -7,6 +7,7 @@
 #include <variant>
 
 #include "tools/vig/CatalogueCommand.h"
+#include "tools/vig/CheckCommand.h"
 #include "tools/vig/RunCommand.h"
 #include "tools/vig/TestCommand.h"
 #include "tools/vig/WatchCommand.h"
@@ -20,7 +21,7 @@ struct Answer {
     std::string hint;  // what to do then
 };
 
-using Command = std::variant<RunOptions, WatchOptions, CatalogueOptions, TestOptions, Answer>;
+using Command = std::variant<RunOptions, WatchOptions, CheckOptions, CatalogueOptions, TestOptions, Answer>;
 
 // What the arguments ask for. The first one is the program's name.
 Command parseCommandLine(int count, const char* const* arguments);

@@ -7,6 +7,7 @@
 #include <memory>
 #include <utility>
 
+#include "tools/vig/ParseErrorText.h"
 #include "tools/vig/RecordedEvents.h"
 #include "vig/actions/PseudoRandomGenerator.h"
 
@@ -25,23 +26,11 @@ constexpr int kLongestWaitMs = 40'000;
 constexpr std::chrono::seconds kLongestSubscription{2};
 
 std::string explain(VIGParseError error) {
-    switch (error) {
-        case VIGParseError::InvalidJson:
-            return "refused (InvalidJson): the text is not JSON";
-        case VIGParseError::InvalidResponse:
-            return "refused (InvalidResponse): the root must be an object whose \"configs\" is an array";
-        case VIGParseError::InvalidConfig:
-            return "refused (InvalidConfig): a configuration must be an object with a 64-bit number \"id\" and an "
-                   "object \"payload\"";
-        case VIGParseError::InvalidConfigPayload:
-            return "refused (InvalidConfigPayload): a payload must be an object with a 32-bit number \"id\" and an "
-                   "object \"data\"";
-        case VIGParseError::InvalidFsm:
-            return "refused (InvalidFsm): a state machine is invalid";
-        case VIGParseError::Ok:
-            break;
+    if (error == VIGParseError::Ok) {
+        return {};
     }
-    return {};
+    const ParseErrorText& text = textOf(error);
+    return "refused (" + std::string(text.name) + "): " + std::string(text.meaning);
 }
 
 }  // namespace

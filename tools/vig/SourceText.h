@@ -7,7 +7,7 @@
 
 namespace tool {
 
-// A text and its lines. Lines and columns count from 1, columns in bytes.
+// A text and its lines. Lines and columns count from 1, columns in bytes. A byte order mark does not count.
 class SourceText {
   public:
     struct Position {
@@ -23,6 +23,11 @@ class SourceText {
 
     // Of a byte offset; one beyond the end counts as the end.
     Position positionOf(std::size_t offset) const;
+
+    // The byte offset. REQUIRES: there is such a line.
+    std::size_t offsetOf(Position position) const { return lineStarts[position.line - 1] + position.column - 1; }
+
+    std::size_t lineCount() const { return lineStarts.size(); }
 
     // Without its line end.
     std::string_view line(std::size_t number) const;

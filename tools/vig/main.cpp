@@ -4,6 +4,7 @@
 #include <variant>
 
 #include "tools/vig/CatalogueCommand.h"
+#include "tools/vig/CheckCommand.h"
 #include "tools/vig/CommandLine.h"
 #include "tools/vig/Console.h"
 #include "tools/vig/Interruption.h"
@@ -44,6 +45,9 @@ int main(int count, char** arguments) {
     const tool::Console console;
     tool::Interruption interruption;
     const tool::InterruptOnSignals signals(interruption);
+    if (const auto* const options = std::get_if<tool::CheckOptions>(&command)) {
+        return tool::check(*options, console, interruption);
+    }
     if (const auto* const options = std::get_if<tool::RunOptions>(&command)) {
         return tool::run(*options, console, interruption);
     }

@@ -2,16 +2,11 @@
 #include <gtest/gtest.h>
 #include <host/LogSink.h>
 
-#include <filesystem>
-#include <fstream>
 #include <iostream>
-#include <iterator>
-#include <random>
 #include <string>
-#include <vector>
 
 #include "rulesengine/FiniteStateMachine.h"
-#include "tests/support/Documents.h"
+#include "tests/support/Mutator.h"
 #include "tests/support/TestEvent.h"
 #include "vig/EventTypeNames.h"
 #include "vig/VIGManager.h"
@@ -24,17 +19,10 @@ class HostileText : public testing::Test {
   protected:
     HostileText() {
         host::setLogSink([](int, std::string_view, std::string_view) {});
-        for (const auto& entry : std::filesystem::directory_iterator(VIG_SOURCE_DIR "/examples")) {
-            if (entry.path().extension() == ".json") {
-                std::ifstream file(entry.path());
-                documents.emplace_back(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
-            }
-        }
-        documents.emplace_back(support::kCompleteDocument);
     }
     ~HostileText() override { host::setLogSink(nullptr); }
 
-    std::size_t draw(std::size_t bound) { return random() % bound; }
+    std::size_t draw(std::size_t bound) { return mutator.draw(bound); }
 
     // Parses, and gives the machines of an accepted document something to do. Returns whether it was accepted.
     bool survive(const std::string& text) {
@@ -51,32 +39,7 @@ class HostileText : public testing::Test {
         return !configs.empty();
     }
 
-    // One to three changes: bytes replaced, inserted and removed, and pieces of any document copied in.
-    std::string mutate(std::string text) {
-        static constexpr std::string_view kTelling = "{}[]\",:0123456789.eE+-\\u/* \n\0\x80\xff";
-        for (std::size_t changes = 1 + draw(3); changes > 0; --changes) {
-            const std::size_t place = draw(text.size());
-            const std::string& other = documents[draw(documents.size())];
-            switch (draw(4)) {
-                case 0:
-                    text[place] = kTelling[draw(kTelling.size())];
-                    break;
-                case 1:
-                    text.insert(place, 1, kTelling[draw(kTelling.size())]);
-                    break;
-                case 2:
-                    text.erase(place, 1 + draw(20));
-                    break;
-                default:
-                    text.insert(place, other, draw(other.size()), draw(60));
-            }
-            text += text.empty() ? " " : "";
-        }
-        return text;
-    }
-
-    std::minstd_rand random{1};
-    std::vector<std::string> documents;
+    support::Mutator mutator;
     VIGManager manager;
 };
 
@@ -95,8 +58,8 @@ TEST_F(HostileText, TenMillionRandomBytesAreSurvived) {
 }
 
 TEST_F(HostileText, EveryTruncationOfTheExamplesIsRefused) {
-    ASSERT_GE(documents.size(), 4U);
-    for (const std::string& document : documents) {
+    ASSERT_GE(mutator.documents().size(), 4U);
+    for (const std::string& document : mutator.documents()) {
         EXPECT_TRUE(survive(document));
         const std::size_t end = document.find_last_of('}');
         for (std::size_t length = 0; length <= end; ++length) {
@@ -124,7 +87,7 @@ TEST_F(HostileText, LargeTextsOfOneKindTakeTimeInProportion) {
 TEST_F(HostileText, AHundredThousandMutationsAreSurvived) {
     int accepted = 0;
     for (int round = 0; round < 100'000; ++round) {
-        accepted += survive(mutate(documents[draw(documents.size())])) ? 1 : 0;
+        accepted += survive(mutator.mutated()) ? 1 : 0;
     }
     std::cout << accepted << " of 100000 accepted\n";
     EXPECT_GT(accepted, 1000) << "mutations that are all refused try little";

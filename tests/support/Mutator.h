@@ -1,0 +1,65 @@
+#pragma once
+
+#include <cstddef>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <random>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "tests/support/Documents.h"
+
+namespace support {
+
+// Draws changed documents, the same ones in every run.
+class Mutator {
+  public:
+    Mutator() {
+        for (const auto& entry : std::filesystem::directory_iterator(VIG_SOURCE_DIR "/examples")) {
+            if (entry.path().extension() == ".json") {
+                std::ifstream file(entry.path());
+                originals.emplace_back(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
+            }
+        }
+        originals.emplace_back(kCompleteDocument);
+    }
+
+    // The examples and kCompleteDocument, all of which are accepted.
+    const std::vector<std::string>& documents() const { return originals; }
+
+    std::size_t draw(std::size_t bound) { return random() % bound; }
+
+    // One of them with one to three changes: bytes replaced, inserted and removed, and pieces of any document copied
+    // in.
+    std::string mutated() {
+        static constexpr std::string_view kTelling = "{}[]\",:0123456789.eE+-\\u/* \n\0\x80\xff";
+        std::string text = originals[draw(originals.size())];
+        for (std::size_t changes = 1 + draw(3); changes > 0; --changes) {
+            const std::size_t place = draw(text.size());
+            const std::string& other = originals[draw(originals.size())];
+            switch (draw(4)) {
+                case 0:
+                    text[place] = kTelling[draw(kTelling.size())];
+                    break;
+                case 1:
+                    text.insert(place, 1, kTelling[draw(kTelling.size())]);
+                    break;
+                case 2:
+                    text.erase(place, 1 + draw(20));
+                    break;
+                default:
+                    text.insert(place, other, draw(other.size()), draw(60));
+            }
+            text += text.empty() ? " " : "";
+        }
+        return text;
+    }
+
+  private:
+    std::minstd_rand random{1};
+    std::vector<std::string> originals;
+};
+
+}  // namespace support

@@ -1,0 +1,145 @@
+#include "tools/vig/CheckCommand.h"
+
+#include <gtest/gtest.h>
+#include <json/value.h>
+
+#include <string>
+#include <vector>
+
+#include "tests/support/Documents.h"
+#include "tests/support/TemporaryFolder.h"
+#include "tests/tools/ToolRun.h"
+#include "vig/parsers/JsonText.h"
+
+namespace {
+
+using support::linesWith;
+using support::runVerb;
+using tool::CheckOptions;
+using tool::FindingFormat;
+
+// Two errors and a warning; "ä" has two bytes.
+const std::string kFaulty = R"({ "configs": [
+	{ "note ä": 1, "id": true, "payload": { "id": 1, "data": { "transitions": [
+		{ "from_state": "start", "to_state": "end", "event": "ZramHeartbeat",
+			"filters": [], "actions": [{ "name": "Test" }] } ] } } }
+] })";
+
+const std::string kWarned = support::document({R"({"x":1,)" + support::config(1, {}).substr(1)});
+
+Json::Value parsed(const std::string& text) {
+    Json::Value value;
+    EXPECT_EQ(Brenta::OS::VIG::readJson(text, value), std::nullopt) << text;
+    return value;
+}
+
+class CheckCommand : public testing::Test {
+  protected:
+    support::ToolResult check(const std::string& text, CheckOptions options = {}) {
+        options.rules.push_back(folder.write("a b.json", text));
+        return runVerb(tool::check, options);
+    }
+
+    const support::TemporaryFolder folder;
+};
+
+TEST_F(CheckCommand, PrintsFindingsAsCompilersDo) {
+    const auto result = check(kFaulty);
+    const std::string file = folder.path("a b.json");
+    EXPECT_EQ(result.out,
+              file + R"(:2:4: warning: the key "note ä" is ignored [unknown-key]
+    	{ "note ä": 1, "id": true, "payload": { "id": 1, "data": { "transitions": [
+    	  ^~~~~~~~
+    hint: known here: "id", "payload"
+)" + file +
+                  R"(:2:24: error: Invalid VIG Config JSON: { "note ä": 1, "id": true, "payload": {… ("id" is )"
+                  R"(a boolean) [InvalidConfig]
+    	{ "note ä": 1, "id": true, "payload": { "id": 1, "data": { "transitions": [
+    	                     ^~~~
+    hint: a number is needed
+)" + file + R"(:3:56: error: FSM Event not found! [InvalidFsm]
+    		{ "from_state": "start", "to_state": "end", "event": "ZramHeartbeat",
+    		                                                     ^~~~~~~~~~~~~~~
+    hint: there is no event "ZramHeartbeat"; did you mean "ZramHeartBeat"?
+2 errors, 1 warning in 1 file
+)");
+    EXPECT_EQ(result.err, "");
+    EXPECT_EQ(result.status, 1);
+}
+
+TEST_F(CheckCommand, ShowsOnlyTheNeighbourhoodOfAPlaceInALongLine) {
+    const std::string filler(200, ' ');
+    const auto result = check(R"({"configs":[)" + filler + "\"\x1b[2J\"" + filler + "]}");
+    EXPECT_EQ(linesWith(result.out, "    "),
+              (std::vector<std::string>{"    …" + std::string(40, ' ') + R"("\x1b[2J")" + std::string(54, ' ') + "…",
+                                        std::string(45, ' ') + "^~~~~~~~~", "    hint: an object is needed"}));
+}
+
+TEST_F(CheckCommand, WritesJson) {
+    const Json::Value root = parsed(check(kFaulty, {.format = FindingFormat::Json}).out);
+    EXPECT_EQ(root["errors"], 2);
+    EXPECT_EQ(root["warnings"], 1);
+    EXPECT_EQ(root["files"], 1);
+    ASSERT_EQ(root["findings"].size(), 3u);
+    const Json::Value& first = root["findings"][0];
+    EXPECT_EQ(first["file"], folder.path("a b.json").string());
+    EXPECT_EQ(first["severity"], "warning");
+    EXPECT_EQ(first["name"], "unknown-key");
+    EXPECT_EQ(first["path"], "configs[0].note ä");
+    EXPECT_EQ(first["line"], 2);
+    EXPECT_EQ(first["column"], 4);
+    EXPECT_EQ(first["end_line"], 2);
+    EXPECT_EQ(first["end_column"], 13);
+    EXPECT_EQ(first["message"], R"(the key "note ä" is ignored)");
+    EXPECT_EQ(first["hint"], R"(known here: "id", "payload")");
+}
+
+TEST_F(CheckCommand, WritesSarif) {
+    const Json::Value root = parsed(check(kFaulty, {.format = FindingFormat::Sarif}).out);
+    EXPECT_EQ(root["version"], "2.1.0");
+    EXPECT_TRUE(root["$schema"].isString());
+    const Json::Value& run = root["runs"][0];
+    EXPECT_EQ(run["columnKind"], "unicodeCodePoints");
+    const Json::Value& driver = run["tool"]["driver"];
+    EXPECT_EQ(driver["name"], "vig");
+    EXPECT_TRUE(driver["version"].isString());
+    ASSERT_EQ(run["results"].size(), 3u);
+    for (const Json::Value& result : run["results"]) {
+        const Json::Value& rule = driver["rules"][result["ruleIndex"].asUInt()];
+        EXPECT_EQ(rule["id"], result["ruleId"]);
+        EXPECT_TRUE(rule["shortDescription"]["text"].isString());
+        EXPECT_TRUE(result["message"]["text"].isString());
+        const std::string uri = result["locations"][0]["physicalLocation"]["artifactLocation"]["uri"].asString();
+        EXPECT_TRUE(uri.starts_with("file:///") && uri.ends_with("/a%20b.json")) << uri;
+    }
+    const Json::Value& second = run["results"][1];
+    EXPECT_EQ(second["level"], "error");
+    EXPECT_EQ(second["ruleId"], "InvalidConfig");
+    EXPECT_EQ(second["locations"][0]["logicalLocations"][0]["fullyQualifiedName"], "configs[0].id");
+    EXPECT_EQ(second["locations"][0]["physicalLocation"]["region"],
+              parsed(R"({"startLine":2,"startColumn":23,"endLine":2,"endColumn":27})"));
+}
+
+TEST_F(CheckCommand, ExitStatusTellsErrorsFromWarnings) {
+    const struct {
+        std::string text;
+        CheckOptions options;
+        int status;
+        std::string lastLine;
+    } cases[] = {
+        {support::kCompleteDocument, {.strict = true}, 0, "nothing found in 1 file\n"},
+        {kWarned, {}, 0, "1 warning in 1 file\n"},
+        {kWarned, {.strict = true}, 1, "1 warning in 1 file\n"},
+        {kWarned, {.strict = true, .allowed = {"unknown-key"}}, 0, "nothing found in 1 file\n"},
+        {kFaulty, {.allowed = {"unknown-key"}}, 1, "2 errors in 1 file\n"},
+        {"", {}, 1, "1 error in 1 file\n"},
+        {kWarned, {.rules = {"/missing"}}, 2, "1 warning in 1 file\n"},
+    };
+    for (const auto& [text, options, status, lastLine] : cases) {
+        const auto result = check(text, options);
+        EXPECT_EQ(result.status, status) << text;
+        EXPECT_TRUE(result.out.ends_with(lastLine)) << result.out;
+    }
+}
+
+}  // namespace
