@@ -2,9 +2,12 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <cstddef>
+#include <cstdint>
 #include <string>
 #include <utility>
 
@@ -25,6 +28,14 @@ Kinds are uint64, int64, double, bool and string; "time_ms" may tell when it was
 Example: which events of a recording fire a trigger?
   vig run rules.json trace.jsonl --format jsonl | grep '"type":"trigger"')";
 
+constexpr const char* kGraphFooter =
+    R"(A box is a state, its rows are the transitions that leave it in the order in which they are tried. What no chain of
+transitions reaches is grey. With --events, a line is the wider the oftener its transition fired, red and dotted if it
+was tried but never fired, grey and dashed if it was never tried.
+
+Example: where does the recording get stuck?
+  vig graph rules.json --events trace.jsonl --format svg > rules.svg)";
+
 constexpr const char* kWatchFooter =
     R"(Events: ProcessMemoryHeartBeat and ProcessCpuHeartBeat of each process, SystemMemoryHeartBeat, and
 ZramHeartBeat of each zram device. Saving RULES meanwhile delivers it again; Ctrl-C ends with the summary.
@@ -33,23 +44,46 @@ Example: watch for ten seconds, then play the recording to rules that were chang
   vig watch rules.json --duration 10s --record trace.jsonl
   vig run changed.json trace.jsonl)";
 
-void addRuleOptions(CLI::App& verb, RuleOptions& options) {
-    verb.add_option("RULES", options.rules, "The rule document")->required();
-    const auto readFormat = [&options](const std::string& text) {
-        if (text != "text" && text != "jsonl") {
-            throw CLI::ValidationError("--format", "expected text or jsonl, got " + text);
+// An option that takes one of a few words: the first one unless it is given.
+template <typename Value, std::size_t Count>
+void addChoice(CLI::App& verb, const std::string& name, Value& value,
+               const std::array<std::pair<const char*, Value>, Count>& choices, const std::string& description) {
+    std::string words;
+    for (const auto& [word, meaning] : choices) {
+        words += (words.empty() ? "" : "|") + std::string(word);
+    }
+    const auto read = [&value, choices, name, words](const std::string& text) {
+        const auto chosen =
+            std::find_if(choices.begin(), choices.end(), [&](const auto& each) { return each.first == text; });
+        if (chosen == choices.end()) {
+            throw CLI::ValidationError(name, "expected " + words + ", got " + text);
         }
-        options.format = text == "text" ? ReportFormat::Text : ReportFormat::Jsonl;
+        value = chosen->second;
     };
-    verb.add_option_function<std::string>("--format", readFormat, "text for people, jsonl for programs (default: text)")
-        ->type_name("text|jsonl");
-    verb.add_option("--seed", options.seed,
+    verb.add_option_function<std::string>(name, read, description + " (default: " + choices[0].first + ")")
+        ->type_name(words);
+}
+
+void addRules(CLI::App& verb, std::string& rules) {
+    verb.add_option("RULES", rules, "The rule document")->required();
+}
+
+// What a replay or a live run depends on besides the events.
+void addSurroundings(CLI::App& verb, std::uint32_t& seed, std::string& contextFile) {
+    verb.add_option("--seed", seed,
                     "Seed of the function PseudoRandomDouble, so that a run repeats exactly (default: " +
-                        std::to_string(options.seed) + ")")
+                        std::to_string(seed) + ")")
         ->type_name("N");
-    verb.add_option("--context", options.contextFile,
-                    "A file with one event record: the attributes of every machine's context")
+    verb.add_option("--context", contextFile, "A file with one event record: the attributes of every machine's context")
         ->type_name("FILE");
+}
+
+void addRuleOptions(CLI::App& verb, RuleOptions& options) {
+    addRules(verb, options.rules);
+    addChoice<ReportFormat, 2>(verb, "--format", options.format,
+                               {{{"text", ReportFormat::Text}, {"jsonl", ReportFormat::Jsonl}}},
+                               "text for people, jsonl for programs");
+    addSurroundings(verb, options.seed, options.contextFile);
 }
 
 void addDuration(CLI::App& verb, const std::string& name, std::chrono::milliseconds& duration,
@@ -85,6 +119,21 @@ void addWatch(CLI::App& app, WatchOptions& options) {
     verb.footer(kWatchFooter);
 }
 
+void addGraph(CLI::App& app, GraphOptions& options) {
+    CLI::App& verb = *app.add_subcommand("graph", "Draws the machines of a rule document.");
+    addRules(verb, options.rules);
+    addChoice<GraphFormat, 4>(verb, "--format", options.format,
+                              {{{"dot", GraphFormat::Dot},
+                                {"svg", GraphFormat::Svg},
+                                {"png", GraphFormat::Png},
+                                {"mermaid", GraphFormat::Mermaid}}},
+                              "dot for Graphviz; svg and png, which call it; mermaid for a README");
+    verb.add_option("--events", options.events, "Event records to replay: shows how often each transition fired")
+        ->type_name("FILE");
+    addSurroundings(verb, options.seed, options.contextFile);
+    verb.footer(kGraphFooter);
+}
+
 std::string whereHelpIs(const CLI::App* app) {
     const auto verbs = app->get_subcommands();
     return "Try: vig " + (verbs.empty() ? "" : verbs.front()->get_name() + " ") + "--help";
@@ -95,6 +144,7 @@ std::string whereHelpIs(const CLI::App* app) {
 Command parseCommandLine(int count, const char* const* arguments) {
     RunOptions runOptions;
     WatchOptions watchOptions;
+    GraphOptions graphOptions;
     CLI::App app("Runs rule documents at a desk, with the library that runs them on a device.", "vig");
     app.set_version_flag("--version", "vig " VIG_VERSION, "Prints the version and exits");
     app.set_help_flag("-h,--help", "Prints this help and exits");
@@ -102,6 +152,7 @@ Command parseCommandLine(int count, const char* const* arguments) {
     app.footer(kGeneralFooter);
     addRun(app, runOptions);
     addWatch(app, watchOptions);
+    addGraph(app, graphOptions);
     try {
         app.parse(count, arguments);
     } catch (const CLI::CallForHelp&) {
@@ -113,6 +164,9 @@ Command parseCommandLine(int count, const char* const* arguments) {
     }
     if (app.got_subcommand("run")) {
         return runOptions;
+    }
+    if (app.got_subcommand("graph")) {
+        return graphOptions;
     }
     return watchOptions;
 }

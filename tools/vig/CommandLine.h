@@ -6,6 +6,7 @@
 #include <string_view>
 #include <variant>
 
+#include "tools/vig/GraphCommand.h"
 #include "tools/vig/RunCommand.h"
 #include "tools/vig/WatchCommand.h"
 
@@ -18,7 +19,7 @@ struct Answer {
     std::string hint;  // what to do then
 };
 
-using Command = std::variant<RunOptions, WatchOptions, Answer>;
+using Command = std::variant<RunOptions, WatchOptions, GraphOptions, Answer>;
 
 // What the arguments ask for. The first one is the program's name.
 Command parseCommandLine(int count, const char* const* arguments);

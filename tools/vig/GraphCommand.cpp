@@ -1,0 +1,108 @@
+#include "tools/vig/GraphCommand.h"
+
+#include <host/LogSink.h>
+
+#include <optional>
+#include <utility>
+#include <vector>
+
+#include "tools/vig/DocumentText.h"
+#include "tools/vig/DotWriter.h"
+#include "tools/vig/FileText.h"
+#include "tools/vig/Graphviz.h"
+#include "tools/vig/MermaidWriter.h"
+#include "tools/vig/Output.h"
+#include "tools/vig/Registry.h"
+#include "tools/vig/RuleGraph.h"
+#include "tools/vig/Text.h"
+#include "vig/parsers/VIGResponseParser.h"
+
+namespace tool {
+
+using Brenta::OS::VIG::VIGParseError;
+using Brenta::OS::VIG::VIGResponseParser;
+
+namespace {
+
+// `vig check` tells what the library says about a document; a picture needs only its verdict.
+bool isAccepted(const DocumentText& document) {
+    const host::LogSink previous = host::setLogSink([](int, std::string_view, std::string_view) {});
+    const auto parsed = VIGResponseParser().parse(document.root(), libraryRegistry());
+    host::setLogSink(previous);
+    return parsed.error == VIGParseError::Ok;
+}
+
+std::vector<ConfigModel> modelsOf(const DocumentText& document) {
+    std::vector<ConfigModel> models;
+    for (Json::ArrayIndex index = 0; index < document.root()["configs"].size(); ++index) {
+        models.push_back(modelOf(document, index));
+    }
+    return models;
+}
+
+int write(const std::string& text, const Console& console) {
+    Output output(console.out);
+    output.write(text);
+    output.flush();
+    if (!output.failed() || output.readerIsGone()) {
+        return kExitDone;
+    }
+    console.complain("standard output: " + systemError(output.failure()));
+    return kExitUnusable;
+}
+
+int writeImage(const std::string& dot, const std::string& format, const Console& console,
+               const Interruption& interruption) {
+    const Rendering rendering = renderGraph(dot, format, interruption);
+    switch (rendering.status) {
+        case Rendering::Status::Missing:
+            console.complain("--format " + format + " needs the program dot of Graphviz, which is not installed");
+            console.say("On Debian: apt install graphviz. Without it: --format dot, --format mermaid.");
+            return kExitUnusable;
+        case Rendering::Status::Failed:
+            console.complain("Graphviz failed: " + rendering.messages);
+            return kExitUnusable;
+        case Rendering::Status::Interrupted:
+            return kExitInterrupted;
+        case Rendering::Status::Done:
+            break;
+    }
+    if (!rendering.messages.empty()) {
+        console.say("vig: Graphviz: " + rendering.messages);
+    }
+    return write(rendering.image, console);
+}
+
+}  // namespace
+
+int graph(const GraphOptions& options, const Console& console, const Interruption& interruption) {
+    if (options.format == GraphFormat::Png && isatty(console.out) == 1) {
+        console.complain("standard output is a terminal, which cannot show a PNG; redirect it to a file");
+        return kExitUnusable;
+    }
+    std::string problem;
+    auto text = readFile(options.rules, problem);
+    if (!text) {
+        console.complain(options.rules + ": " + problem);
+        return kExitUnusable;
+    }
+    const DocumentText document(options.rules, std::move(*text));
+    if (!isAccepted(document)) {
+        console.say(options.rules + ": error: refused; `vig check " + options.rules + "` tells what is wrong");
+        return kExitRefused;
+    }
+    const std::vector<RuleGraph> graphs = graphsOf(modelsOf(document), {}, {});
+    switch (options.format) {
+        case GraphFormat::Mermaid:
+            return write(mermaidOf(graphs), console);
+        case GraphFormat::Dot:
+            return write(dotOf(graphs, options.events), console);
+        case GraphFormat::Svg:
+            return writeImage(dotOf(graphs, options.events), "svg", console, interruption);
+        case GraphFormat::Png:
+            break;
+    }
+    return writeImage(dotOf(graphs, options.events), "png", console, interruption);
+}
+
+}  // namespace tool
