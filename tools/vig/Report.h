@@ -82,4 +82,14 @@ class Report {
     virtual void end(const Summary& summary) = 0;
 };
 
+// For runs of which only something else is wanted.
+class NoReport final : public Report {
+  public:
+    void trigger(const TriggerLine& /*line*/) override {}
+    void log(const LogLine& /*line*/) override {}
+    void move(const MoveLine& /*line*/) override {}
+    void delivery(const DeliveryLine& /*line*/) override {}
+    void end(const Summary& /*summary*/) override {}
+};
+
 }  // namespace tool

@@ -13,6 +13,7 @@
 #include <utility>
 
 #include "tools/vig/Text.h"
+#include "tools/vig/Tracer.h"
 #include "vig/VIGManager.h"
 #include "vig/parsers/VIGResponseParser.h"
 
@@ -21,6 +22,7 @@ namespace tool {
 using Brenta::OS::VIG::VIGConfig;
 using Brenta::OS::VIG::VIGManager;
 using Brenta::OS::VIG::VIGParseError;
+using Brenta::OS::VIG::VIGParserConfig;
 using Brenta::OS::VIG::VIGResponseParser;
 
 // Where the manager's threads leave a delivery for the thread that drives the machines.
@@ -55,19 +57,29 @@ class RuleDocument::Slot {
 // Remembers what the parser found, which a delivery does not say.
 class RuleDocument::Manager : public VIGManager {
   public:
+    explicit Manager(const Tracer* watcher) : tracer(watcher) {}
     ~Manager() override { stop(); }
 
     std::vector<std::unique_ptr<VIGConfig>> parseResponse(const std::string& response) const override {
-        auto result = VIGResponseParser().parseFromString(response, createParserConfig());
+        auto result = VIGResponseParser().parseFromString(response, registry());
         lastError = result.error;
+        lastText = tracer != nullptr ? response : std::string();
         return result.value ? std::move(*result.value) : std::vector<std::unique_ptr<VIGConfig>>();
     }
 
     // REQUIRES: called from within a delivery, of which there is one at a time.
-    VIGParseError errorOfDelivery() const { return lastError; }
+    Delivery delivery(std::vector<std::unique_ptr<VIGConfig>> configs) const {
+        return {lastError, std::move(configs), std::move(lastText)};
+    }
 
   private:
+    VIGParserConfig registry() const {
+        return tracer != nullptr ? tracer->registryFrom(createParserConfig()) : createParserConfig();
+    }
+
+    const Tracer* const tracer;
     mutable VIGParseError lastError = VIGParseError::Ok;
+    mutable std::string lastText;
 };
 
 std::string RuleDocument::whyUnreadable(const std::string& path) {
@@ -94,11 +106,11 @@ std::string RuleDocument::whyUnreadable(const std::string& path) {
     return {};
 }
 
-RuleDocument::RuleDocument(const std::string& path) : slot(std::make_unique<Slot>()) {
+RuleDocument::RuleDocument(const std::string& path, const Tracer* tracer) : slot(std::make_unique<Slot>()) {
     host::bindProperty("korvel_vig", "vig_response", path);
-    manager = std::make_unique<Manager>();
+    manager = std::make_unique<Manager>(tracer);
     manager->registerCallback([&to = *slot, &from = *manager](std::vector<std::unique_ptr<VIGConfig>>&& configs) {
-        to.put({from.errorOfDelivery(), std::move(configs)});
+        to.put(from.delivery(std::move(configs)));
     });
 }
 

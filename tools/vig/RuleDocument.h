@@ -10,10 +10,13 @@
 
 namespace tool {
 
+class Tracer;
+
 // One delivery of a rule document.
 struct Delivery {
     Brenta::OS::VIG::VIGParseError error;  // Ok, or why there are no configurations
     std::vector<std::unique_ptr<Brenta::OS::VIG::VIGConfig>> configs;
+    std::string text;  // of the document; only for a tracer
 };
 
 // A rule document in a file, on the way that it takes on a device: the file is the response property of the device
@@ -23,8 +26,9 @@ class RuleDocument {
     // Why the file cannot be delivered; empty if it can.
     static std::string whyUnreadable(const std::string& path);
 
-    // Asks for the first delivery. REQUIRES: whyUnreadable() says nothing.
-    explicit RuleDocument(const std::string& path);
+    // Asks for the first delivery. With a tracer, which must then outlive the object, documents are parsed so that it
+    // can watch their machines. REQUIRES: whyUnreadable() says nothing.
+    RuleDocument(const std::string& path, const Tracer* tracer);
     RuleDocument(const RuleDocument&) = delete;
     RuleDocument& operator=(const RuleDocument&) = delete;
     ~RuleDocument();

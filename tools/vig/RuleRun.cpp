@@ -15,10 +15,16 @@ namespace tool {
 
 RuleRun::RuleRun(const RuleOptions& ruleOptions, const Console& streams, const Interruption& interruptedBy)
     : options(ruleOptions), console(streams), interruption(interruptedBy), out(streams.out) {
-    if (options.format == ReportFormat::Jsonl) {
-        report = std::make_unique<JsonlReport>(out);
-    } else {
-        report = std::make_unique<TextReport>(out, console.wantsColours());
+    switch (options.format) {
+        case ReportFormat::Text:
+            report = std::make_unique<TextReport>(out, console.wantsColours());
+            break;
+        case ReportFormat::Jsonl:
+            report = std::make_unique<JsonlReport>(out);
+            break;
+        case ReportFormat::None:
+            report = std::make_unique<NoReport>();
+            break;
     }
 }
 
@@ -27,7 +33,7 @@ std::optional<int> RuleRun::begin(RuleSession::Changes later) {
     if (!options.contextFile.empty() && !readContext(context)) {
         return kExitUnusable;
     }
-    rules.emplace(options.rules, options.seed, std::move(context), *report);
+    rules.emplace(options.rules, options.seed, std::move(context), *report, trace);
     switch (rules->load(later, interruption)) {
         case RuleSession::Loading::Done:
             return std::nullopt;

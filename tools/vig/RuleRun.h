@@ -14,7 +14,7 @@
 
 namespace tool {
 
-enum class ReportFormat { Text, Jsonl };
+enum class ReportFormat { Text, Jsonl, None };
 
 // What the verbs that let rules run have in common.
 struct RuleOptions {
@@ -30,6 +30,9 @@ class RuleRun {
     RuleRun(const RuleOptions& ruleOptions, const Console& streams, const Interruption& interruptedBy);
     RuleRun(const RuleRun&) = delete;
     RuleRun& operator=(const RuleRun&) = delete;
+
+    // Lets the trace see all that follows. It must outlive the run. REQUIRES: begin() has not been called.
+    void observe(Trace& listener) { trace = &listener; }
 
     // Loads the rules and starts the machines. If that fails, says why and returns the exit status.
     std::optional<int> begin(RuleSession::Changes later);
@@ -60,6 +63,7 @@ class RuleRun {
     const Interruption& interruption;
     Output out;
     std::unique_ptr<Report> report;
+    Trace* trace = nullptr;
     std::optional<RuleSession> rules;
 };
 

@@ -46,8 +46,12 @@ std::string explain(VIGParseError error) {
 
 }  // namespace
 
-RuleSession::RuleSession(std::string rulesPath, std::uint32_t seed, AttributeSet contextAttributes, Report& target)
+RuleSession::RuleSession(std::string rulesPath, std::uint32_t seed, AttributeSet contextAttributes, Report& target,
+                         Trace* trace)
     : path(std::move(rulesPath)), context(std::move(contextAttributes)), report(target), services(*this) {
+    if (trace != nullptr) {
+        tracer.emplace(*trace);
+    }
     PseudoRandomGenerator::ofProcess().seed(seed);
 }
 
@@ -56,7 +60,7 @@ RuleSession::Loading RuleSession::load(Changes later, const Interruption& interr
     if (!reason.empty()) {
         return Loading::Unreadable;
     }
-    document.emplace(path);
+    document.emplace(path, tracer ? &*tracer : nullptr);
     pollfd sources[] = {{document->descriptor(), POLLIN, 0}, {interruption.descriptor(), POLLIN, 0}};
     while (poll(sources, 2, kLongestWaitMs) < 0 && !interruption.requested()) {
     }
@@ -104,7 +108,8 @@ void RuleSession::adopt(Delivery delivery) {
         reason = RuleDocument::whyUnreadable(path);
     }
     machines.clear();
-    configs = std::move(delivery.configs);
+    configs = tracer && reason.empty() ? tracer->watch(path, std::move(delivery.text), delivery.configs)
+                                       : std::move(delivery.configs);
     for (const auto& config : configs) {
         auto* const payload = config->getConfigPayload();
         auto* const machine = payload->getFiniteStateMachine();
@@ -118,7 +123,13 @@ void RuleSession::start() {
     current = 0;
     for (const Machine& each : machines) {
         driven = &each;
+        if (tracer) {
+            tracer->begin(current, EventType::EnteringState, std::nullopt, each.name, each.state->getName(), true);
+        }
         each.machine->start();
+        if (tracer) {
+            tracer->end();
+        }
     }
     reportMoves();
 }
@@ -126,16 +137,22 @@ void RuleSession::start() {
 void RuleSession::offer(const EventRecord& record) {
     current = ++events;
     if (record.type == EventType::Timeout) {
-        drive(RecordedTimeoutEvent(record.attributes, *record.timeoutId));
+        drive(RecordedTimeoutEvent(record.attributes, *record.timeoutId), record.timeMs);
     } else {
-        drive(RecordedEvent(record.attributes, record.type));
+        drive(RecordedEvent(record.attributes, record.type), record.timeMs);
     }
 }
 
-void RuleSession::drive(const Event& event) {
+void RuleSession::drive(const Event& event, std::optional<std::int64_t> timeMs) {
     for (const Machine& each : machines) {
         driven = &each;
+        if (tracer) {
+            tracer->begin(current, event.type, timeMs, each.name, each.state->getName(), false);
+        }
         each.machine->onEvent(event);
+        if (tracer) {
+            tracer->end();
+        }
     }
     reportMoves();
 }

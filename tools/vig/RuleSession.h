@@ -14,6 +14,7 @@
 #include "tools/vig/PlatformServices.h"
 #include "tools/vig/Report.h"
 #include "tools/vig/RuleDocument.h"
+#include "tools/vig/Tracer.h"
 
 namespace tool {
 
@@ -24,9 +25,11 @@ class RuleSession final : private PlatformServices::Receiver {
     enum class Loading { Done, Refused, Unreadable, Interrupted };
     enum class Changes { Ignore, Follow };
 
-    // `seed` is that of the random function. Every machine's context has the attributes given. The report must
-    // outlive the session.
-    RuleSession(std::string rulesPath, std::uint32_t seed, AttributeSet contextAttributes, Report& target);
+    // `seed` is that of the random function. Every machine's context has the attributes given. `trace`, which may be
+    // null, is told what the machines decide; it changes nothing of what they do. It and the report must outlive the
+    // session.
+    RuleSession(std::string rulesPath, std::uint32_t seed, AttributeSet contextAttributes, Report& target,
+                Trace* trace);
     RuleSession(const RuleSession&) = delete;
     RuleSession& operator=(const RuleSession&) = delete;
 
@@ -63,13 +66,14 @@ class RuleSession final : private PlatformServices::Receiver {
 
     void adopt(Delivery delivery);
     void start();
-    void drive(const Brenta::OS::RulesEngine::Event& event);
+    void drive(const Brenta::OS::RulesEngine::Event& event, std::optional<std::int64_t> timeMs);
     void reportMoves();
 
     const std::string path;
     const AttributeSet context;
     Report& report;
     PlatformServices services;
+    std::optional<Tracer> tracer;
     std::optional<RuleDocument> document;
     std::vector<std::unique_ptr<Brenta::OS::VIG::VIGConfig>> configs;
     std::vector<Machine> machines;

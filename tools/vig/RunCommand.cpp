@@ -23,7 +23,7 @@ std::uint64_t sizeOf(int file) {
 }
 
 // Returns the status of the last read.
-EventReader::Status replay(EventReader& reader, RuleRun& ruleRun, Progress& progress) {
+EventReader::Status offerAll(EventReader& reader, RuleRun& ruleRun, Progress& progress) {
     RuleSession& session = ruleRun.session();
     EventRecord record;
     while (!ruleRun.mustStop()) {
@@ -39,7 +39,7 @@ EventReader::Status replay(EventReader& reader, RuleRun& ruleRun, Progress& prog
 
 }  // namespace
 
-int run(const RunOptions& options, const Console& console, const Interruption& interruption) {
+int replay(const RunOptions& options, const Console& console, const Interruption& interruption, Trace* trace) {
     const bool fromInput = options.events == "-";
     const Descriptor file(fromInput ? dup(console.in) : open(options.events.c_str(), O_RDONLY | O_CLOEXEC));
     if (!file.isOpen()) {
@@ -50,6 +50,9 @@ int run(const RunOptions& options, const Console& console, const Interruption& i
         return kExitUnusable;
     }
     RuleRun ruleRun(options, console, interruption);
+    if (trace != nullptr) {
+        ruleRun.observe(*trace);
+    }
     if (const auto status = ruleRun.begin(RuleSession::Changes::Ignore)) {
         return *status;
     }
@@ -59,13 +62,17 @@ int run(const RunOptions& options, const Console& console, const Interruption& i
         ruleRun.output().flush();
         progress.showIfDue(ruleRun.session().eventCount(), reader.bytesRead());
     });
-    const auto status = replay(reader, ruleRun, progress);
+    const auto status = offerAll(reader, ruleRun, progress);
     progress.clear();
     if (status == EventReader::Status::Failed) {
         ruleRun.complainAfterOutput(reader.error());
         return kExitUnusable;
     }
     return ruleRun.finish(interruption.requested() ? kExitInterrupted : kExitDone, std::nullopt);
+}
+
+int run(const RunOptions& options, const Console& console, const Interruption& interruption) {
+    return replay(options, console, interruption, nullptr);
 }
 
 }  // namespace tool

@@ -15,4 +15,7 @@ struct RunOptions : RuleOptions {
 // `vig run`: offers recorded events to the machines of a rule document. Returns the exit status.
 int run(const RunOptions& options, const Console& console, const Interruption& interruption);
 
+// The same for verbs that want to know what the machines decide. `trace` may be null.
+int replay(const RunOptions& options, const Console& console, const Interruption& interruption, Trace* trace);
+
 }  // namespace tool

@@ -1,0 +1,79 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+#include "rulesengine/EventType.h"
+#include "tools/vig/DocumentText.h"
+#include "tools/vig/Report.h"
+#include "tools/vig/RuleModel.h"
+
+namespace tool {
+
+// What one side of a filter was when it was compared.
+struct ComparedValue {
+    // Nothing for a number that is in neither the event nor the context, which makes the filter false.
+    std::variant<std::monostate, std::int64_t, double, std::string> value;
+    bool missing = false;  // the attribute; `value` is then what was compared in its place
+};
+
+struct Comparison {
+    const FilterModel* filter;
+    ComparedValue left;  // as the document writes them: a constant may stand on the left
+    ComparedValue right;
+    bool verdict;
+};
+
+// A transition that listens for the event, and how far it came.
+struct Attempt {
+    std::size_t index;  // among those of the configuration, in document order
+    const TransitionModel* transition;
+    std::vector<Comparison> comparisons;  // up to the first that is false
+    bool fired;
+};
+
+// What one state of a machine did with one event: with the event that was offered to it, or with the EnteringState
+// event that the machine raised when it came there.
+struct Step {
+    std::uint64_t event;                 // the number of the event in the report
+    std::optional<std::int64_t> timeMs;  // of its record
+    MachineName machine;
+    std::string_view state;
+    Brenta::OS::RulesEngine::EventType type;
+    bool raised;                    // by the machine itself
+    std::vector<Attempt> attempts;  // only the last one can have fired
+
+    bool fired() const { return !attempts.empty() && attempts.back().fired; }
+};
+
+// A rule document whose machines are traced, as text and as what it says.
+struct TracedDocument {
+    // REQUIRES: the library accepts the text.
+    TracedDocument(std::string fileName, std::string content);
+    TracedDocument(const TracedDocument&) = delete;
+    TracedDocument& operator=(const TracedDocument&) = delete;
+
+    const DocumentText text;
+    std::vector<ConfigModel> configs;  // as many as there are machines
+};
+
+// Is told everything that the machines of a session decide, on the thread that drives them. What it is given refers
+// to the document, which lives until another one is loaded or the session ends.
+class Trace {
+  public:
+    virtual ~Trace() = default;
+
+    // Before the machines of that document are started.
+    virtual void loaded(const TracedDocument& document) = 0;
+
+    // If a transition fires, its actions run after this call. The events that a machine raises make no step in a
+    // state that does not listen for them.
+    virtual void step(const Step& step) = 0;
+};
+
+}  // namespace tool
