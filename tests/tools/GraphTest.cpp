@@ -3,8 +3,12 @@
 #include <stdlib.h>
 #include <sys/stat.h>
 
+#include <fstream>
 #include <regex>
+#include <sstream>
 #include <string>
+#include <tuple>
+#include <utility>
 #include <vector>
 
 #include "tests/support/Documents.h"
@@ -195,6 +199,37 @@ TEST(GraphCommand, DrawsTheDocumentOrSaysWhyNot) {
         EXPECT_EQ(result.status, each.status) << result.err;
         EXPECT_THAT(result.out, HasSubstr(each.out));
         EXPECT_THAT(result.err, HasSubstr(each.err));
+    }
+}
+
+TEST(GraphCommand, LaysAReplayOverThePicture) {
+    const std::string examples = VIG_SOURCE_DIR "/examples/";
+    auto options = optionsOf(examples + "escalation.json", GraphFormat::Dot);
+    options.events = examples + "trace.jsonl";
+    const std::string dot = support::runVerb(tool::graph, options).out;
+    // A transition that fired once, one that fired five times, one that never did, one that was never tried.
+    for (const char* const part :
+         {"c0s0:t1:e -> c0s1:name [color=\"#0b5cad\", style=solid, arrowhead=normal, penwidth=1.20",
+          "c0s3:n3:w -> c0s3:n3:w [color=\"#0b5cad\", style=solid, arrowhead=normal, penwidth=2.11",
+          "c0s3:t2:e -> c0s4:name [color=\"#d0342c\", style=dotted, arrowhead=tee",
+          "c0s4:t1:e -> c0s0:name [color=\"#999999\", style=dashed", ">✗ 0 of 17 tried<",
+          "label=<replay of trace.jsonl<br"}) {
+        EXPECT_THAT(dot, HasSubstr(part));
+    }
+    options.format = GraphFormat::Mermaid;
+    EXPECT_THAT(support::runVerb(tool::graph, options).out, HasSubstr("→ LogZramHeartBeat<br/>5 of 5 tried\n"));
+    options.events = examples + "none.jsonl";
+    EXPECT_EQ(support::runVerb(tool::graph, options).status, 2);
+}
+
+TEST(GraphCommand, PicturesInTheDocumentationAreCurrent) {
+    for (const auto& [picture, events] : {std::pair("escalation", ""), std::pair("escalation-replay", "trace.jsonl")}) {
+        auto options = optionsOf(VIG_SOURCE_DIR "/examples/escalation.json", GraphFormat::Svg);
+        options.events = *events == '\0' ? "" : VIG_SOURCE_DIR "/examples/" + std::string(events);
+        std::ostringstream committed;
+        committed << std::ifstream(VIG_SOURCE_DIR "/docs/" + std::string(picture) + ".svg").rdbuf();
+        EXPECT_TRUE(support::runVerb(tool::graph, options).out == committed.str())
+            << "docs/" << picture << ".svg is not what `vig graph` draws of examples/escalation.json " << events;
     }
 }
 

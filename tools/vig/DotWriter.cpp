@@ -177,7 +177,7 @@ class DotWriter {
         out += fmt::format(
             "  label=<replay of {}<br align=\"left\"/>{}<br align=\"left\"/>{}<br align=\"left\"/>{}"
             "<br align=\"left\"/>>\n",
-            escaped(shortened(replay, 80)), coloured(kFired, "━━▶  fired, the wider the oftener"),
+            escaped(shortened(replay, 80)), coloured(kFired, "━━▶  fired; wider is more often"),
             coloured(kNeverFired, "┅┅┤  ✗ tried, but never fired"), coloured(kPale, "╌╌▶  never tried"));
     }
 

@@ -2,7 +2,8 @@
 
 #include <host/LogSink.h>
 
-#include <optional>
+#include <algorithm>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -40,6 +41,29 @@ std::vector<ConfigModel> modelsOf(const DocumentText& document) {
     return models;
 }
 
+// What each transition did in a replay of the events, by configuration; empty if none is asked for. Sets `status` if
+// that fails, having said why.
+std::vector<std::vector<Traffic>> trafficOf(const GraphOptions& options, const std::vector<ConfigModel>& models,
+                                            const Console& console, const Interruption& interruption, int& status) {
+    if (options.events.empty()) {
+        return {};
+    }
+    RunOptions replay;
+    replay.rules = options.rules;
+    replay.seed = options.seed;
+    replay.contextFile = options.contextFile;
+    replay.events = options.events;
+    TransitionCounts counts;
+    status = countTransitions(replay, console, interruption, counts);
+    const bool sameDocument = std::ranges::equal(counts.byConfig(), models, {}, &std::vector<Traffic>::size,
+                                                 [](const ConfigModel& each) { return each.transitions.size(); });
+    if (status == kExitDone && !sameDocument) {
+        console.complain(options.rules + ": changed while it was read");
+        status = kExitUnusable;
+    }
+    return counts.byConfig();
+}
+
 int write(const std::string& text, const Console& console) {
     Output output(console.out);
     output.write(text);
@@ -73,6 +97,18 @@ int writeImage(const std::string& dot, const std::string& format, const Console&
     return write(rendering.image, console);
 }
 
+int draw(const std::vector<RuleGraph>& graphs, const GraphOptions& options, const Console& console,
+         const Interruption& interruption) {
+    if (options.format == GraphFormat::Mermaid) {
+        return write(mermaidOf(graphs), console);
+    }
+    const std::string dot = dotOf(graphs, options.events.substr(options.events.rfind('/') + 1));
+    if (options.format == GraphFormat::Dot) {
+        return write(dot, console);
+    }
+    return writeImage(dot, options.format == GraphFormat::Svg ? "svg" : "png", console, interruption);
+}
+
 }  // namespace
 
 int graph(const GraphOptions& options, const Console& console, const Interruption& interruption) {
@@ -91,18 +127,10 @@ int graph(const GraphOptions& options, const Console& console, const Interruptio
         console.say(options.rules + ": error: refused; `vig check " + options.rules + "` tells what is wrong");
         return kExitRefused;
     }
-    const std::vector<RuleGraph> graphs = graphsOf(modelsOf(document), {}, {});
-    switch (options.format) {
-        case GraphFormat::Mermaid:
-            return write(mermaidOf(graphs), console);
-        case GraphFormat::Dot:
-            return write(dotOf(graphs, options.events), console);
-        case GraphFormat::Svg:
-            return writeImage(dotOf(graphs, options.events), "svg", console, interruption);
-        case GraphFormat::Png:
-            break;
-    }
-    return writeImage(dotOf(graphs, options.events), "png", console, interruption);
+    const std::vector<ConfigModel> models = modelsOf(document);
+    int status = kExitDone;
+    const auto traffic = trafficOf(options, models, console, interruption, status);
+    return status == kExitDone ? draw(graphsOf(models, {}, traffic), options, console, interruption) : status;
 }
 
 }  // namespace tool

@@ -8,6 +8,7 @@
 
 #include "tools/vig/Diagnostic.h"
 #include "tools/vig/RuleModel.h"
+#include "tools/vig/TransitionCounts.h"
 
 namespace tool {
 
@@ -21,10 +22,7 @@ struct GraphMark {
 };
 
 // What a replay made of one or several transitions.
-struct Traffic {
-    std::uint64_t tried = 0;
-    std::uint64_t fired = 0;
-};
+using Traffic = TransitionCounts::Count;
 
 enum class TrafficKind { Unknown, NeverTried, NeverFired, Fired };
 
