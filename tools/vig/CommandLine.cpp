@@ -11,6 +11,8 @@
 #include <string>
 #include <utility>
 
+#include "tools/vig/ProgramHelp.h"
+
 namespace tool {
 
 namespace {
@@ -134,25 +136,61 @@ void addGraph(CLI::App& app, GraphOptions& options) {
     verb.footer(kGraphFooter);
 }
 
+// Where the options of each verb go.
+struct VerbOptions {
+    RunOptions run;
+    WatchOptions watch;
+    GraphOptions graph;
+};
+
+void addAll(CLI::App& app, VerbOptions& options) {
+    app.set_version_flag("--version", "vig " VIG_VERSION, "Prints the version and exits");
+    app.set_help_flag("-h,--help", "Prints this help and exits");
+    app.require_subcommand(1);
+    app.footer(kGeneralFooter);
+    addRun(app, options.run);
+    addWatch(app, options.watch);
+    addGraph(app, options.graph);
+}
+
+constexpr const char* kProgram = "vig";
+constexpr const char* kDescription = "Runs rule documents at a desk, with the library that runs them on a device.";
+
 std::string whereHelpIs(const CLI::App* app) {
     const auto verbs = app->get_subcommands();
     return "Try: vig " + (verbs.empty() ? "" : verbs.front()->get_name() + " ") + "--help";
 }
 
+OptionHelp helpOf(const CLI::Option& option) {
+    OptionHelp help{{}, !option.nonpositional(), option.get_required(), {}, option.get_description()};
+    if (help.isPositional) {
+        help.names = {option.get_name(true)};
+        return help;
+    }
+    for (const std::string& name : option.get_snames()) {
+        help.names.push_back("-" + name);
+    }
+    for (const std::string& name : option.get_lnames()) {
+        help.names.push_back("--" + name);
+    }
+    help.argument = option.get_items_expected_max() > 0 ? option.get_type_name() : "";
+    return help;
+}
+
+VerbHelp helpOf(const CLI::App& app) {
+    VerbHelp help{app.get_name(), app.get_description(), {}, app.get_footer()};
+    for (const CLI::Option* const option : app.get_options()) {
+        help.options.push_back(helpOf(*option));
+    }
+    return help;
+}
+
 }  // namespace
 
 Command parseCommandLine(int count, const char* const* arguments) {
-    RunOptions runOptions;
-    WatchOptions watchOptions;
-    GraphOptions graphOptions;
-    CLI::App app("Runs rule documents at a desk, with the library that runs them on a device.", "vig");
-    app.set_version_flag("--version", "vig " VIG_VERSION, "Prints the version and exits");
-    app.set_help_flag("-h,--help", "Prints this help and exits");
-    app.require_subcommand(1);
-    app.footer(kGeneralFooter);
-    addRun(app, runOptions);
-    addWatch(app, watchOptions);
-    addGraph(app, graphOptions);
+    VerbOptions options;
+    CLI::App app(kDescription, kProgram);
+    addAll(app, options);
     try {
         app.parse(count, arguments);
     } catch (const CLI::CallForHelp&) {
@@ -163,12 +201,23 @@ Command parseCommandLine(int count, const char* const* arguments) {
         return Answer{kExitUnusable, error.what(), whereHelpIs(&app)};
     }
     if (app.got_subcommand("run")) {
-        return runOptions;
+        return options.run;
     }
     if (app.got_subcommand("graph")) {
-        return graphOptions;
+        return options.graph;
     }
-    return watchOptions;
+    return options.watch;
+}
+
+ProgramHelp programHelp() {
+    VerbOptions options;
+    CLI::App app(kDescription, kProgram);
+    addAll(app, options);
+    ProgramHelp help{VIG_VERSION, helpOf(app), {}};
+    for (const CLI::App* const verb : app.get_subcommands([](const CLI::App*) { return true; })) {
+        help.verbs.push_back(helpOf(*verb));
+    }
+    return help;
 }
 
 std::optional<std::chrono::milliseconds> parseDuration(std::string_view text) {
