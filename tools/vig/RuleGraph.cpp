@@ -86,11 +86,12 @@ GraphArrow sumOf(std::span<const GraphArrow> arrows) {
             const Traffic soFar = sum.traffic.value_or(Traffic());
             sum.traffic = {soFar.tried + each.traffic->tried, soFar.fired + each.traffic->fired};
         }
-        append(sum.marks, each.marks);
+        for (const GraphMark& mark : each.marks) {
+            if (std::ranges::find(sum.marks, mark.name, &GraphMark::name) == sum.marks.end()) {
+                sum.marks.push_back(mark);
+            }
+        }
     }
-    std::ranges::stable_sort(sum.marks, {}, &GraphMark::name);
-    const auto repeated = std::ranges::unique(sum.marks, {}, &GraphMark::name);
-    sum.marks.erase(repeated.begin(), repeated.end());
     return sum;
 }
 
