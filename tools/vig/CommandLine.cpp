@@ -18,7 +18,8 @@ namespace tool {
 namespace {
 
 constexpr const char* kGeneralFooter =
-    "Exit status: 0 done, 1 the rules were refused, 2 bad arguments or input, or the output cannot be\n"
+    "Exit status: 0 done, 1 the rules were refused or a test failed, 2 bad arguments or input, or the output cannot "
+    "be\n"
     "written, 130 interrupted.\n"
     "`vig run --help` and `vig watch --help` have an example each.";
 
@@ -27,8 +28,32 @@ constexpr const char* kRunFooter = R"(An event record is one JSON object a line;
   {"event":"Timeout","timeout_id":3}
 Kinds are uint64, int64, double, bool and string; "time_ms" may tell when it was.
 
-Example: which events of a recording fire a trigger?
-  vig run rules.json trace.jsonl --format jsonl | grep '"type":"trigger"')";
+--explain shows each transition that listens for the event, up to the one that fires, and each filter, up to the
+one that does not hold, with the values that it compared. What listens for other events is left out.
+
+Example: which events of a recording fire a trigger? And why did the second transition not fire?
+  vig run rules.json trace.jsonl --format jsonl | grep '"type":"trigger"'
+  vig run rules.json trace.jsonl --why-not 'configs[0].payload.data.transitions[1]')";
+
+constexpr const char* kTestFooter =
+    R"(A test file names a rule document and what it should do; paths in it are relative to it:
+  { "rules": "rules.json",
+    "tests": [
+      { "name": "the camera is collected once",
+        "events": [ {"event":"ProcessMemoryHeartBeat","string":{"processName":"camera"},
+                     "int64":{"vmRssKB":300000,"vmSwapKB":0}} ],
+        "seed": 5489, "context": { "int64": { "limit": 5 } },
+        "expect": { "triggers": [ { "process": "camera", "event": 1, "metadata_contains": ["vmSwapKB:0"] } ],
+                    "log": [], "states": { "7": "end" }, "moves": 1 } } ] }
+"events" may also be the name of a file of event records. A trigger may be told by its "name", "process", "config"
+(id), "event" (number), "metadata" (all of it) and "metadata_contains"; a log line is its message, or an object with
+"message" and "priority". Triggers and log lines that are not expected fail the test, but for the line that the
+document was found. States and moves are checked where they are given. "seed" and "context" may be left out.
+
+Coverage counts the transitions that fired, and for each filter whether it was ever true and whether it was ever false.
+
+Example: all tests, with what they do not reach, and a report for the build server:
+  vig test rules/*.test.json --coverage-min 100 --junit results.xml)";
 
 constexpr const char* kGraphFooter =
     R"(A box is a state, its rows are the transitions that leave it in the order in which they are tried. What no chain of
@@ -104,6 +129,11 @@ void addRun(CLI::App& app, RunOptions& options) {
     CLI::App& verb = *app.add_subcommand("run", "Offers recorded events to the machines of a rule document.");
     addRuleOptions(verb, options);
     verb.add_option("EVENTS", options.events, "The event records (default: -, which is standard input)");
+    verb.add_flag("--explain", options.explain, "Tells what every machine decides on every event, and why");
+    verb.add_option("--why-not", options.whyNot,
+                    "Tells at the end what kept a transition from firing, given its path in the document: "
+                    "configs[0].payload.data.transitions[1]")
+        ->type_name("PATH");
     verb.footer(kRunFooter);
 }
 
@@ -119,6 +149,19 @@ void addWatch(CLI::App& app, WatchOptions& options) {
         ->type_name("FILE");
     verb.add_flag("--force", options.overwrite, "Lets --record overwrite a file");
     verb.footer(kWatchFooter);
+}
+
+void addTest(CLI::App& app, TestOptions& options) {
+    CLI::App& verb = *app.add_subcommand("test", "Runs the tests of rule documents.");
+    verb.add_option("FILE", options.files, "Files of tests")->required();
+    verb.add_option("--filter", options.filter, "Runs only the tests whose name has this part; * and ? are wildcards")
+        ->type_name("NAME");
+    verb.add_flag("--coverage", options.coverage, "Tells which transitions and filters the tests do not reach");
+    verb.add_option("--coverage-min", options.coverageMin, "Fails if less of any rule document is reached")
+        ->check(CLI::Range(0.0, 100.0))
+        ->type_name("PERCENT");
+    verb.add_option("--junit", options.junitFile, "Writes the results there, as JUnit XML")->type_name("FILE");
+    verb.footer(kTestFooter);
 }
 
 void addGraph(CLI::App& app, GraphOptions& options) {
@@ -140,6 +183,7 @@ void addGraph(CLI::App& app, GraphOptions& options) {
 struct VerbOptions {
     RunOptions run;
     WatchOptions watch;
+    TestOptions test;
     GraphOptions graph;
 };
 
@@ -150,6 +194,7 @@ void addAll(CLI::App& app, VerbOptions& options) {
     app.footer(kGeneralFooter);
     addRun(app, options.run);
     addWatch(app, options.watch);
+    addTest(app, options.test);
     addGraph(app, options.graph);
 }
 
@@ -202,6 +247,9 @@ Command parseCommandLine(int count, const char* const* arguments) {
     }
     if (app.got_subcommand("run")) {
         return options.run;
+    }
+    if (app.got_subcommand("test")) {
+        return options.test;
     }
     if (app.got_subcommand("graph")) {
         return options.graph;

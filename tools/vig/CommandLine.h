@@ -8,6 +8,7 @@
 
 #include "tools/vig/GraphCommand.h"
 #include "tools/vig/RunCommand.h"
+#include "tools/vig/TestCommand.h"
 #include "tools/vig/WatchCommand.h"
 
 namespace tool {
@@ -19,7 +20,7 @@ struct Answer {
     std::string hint;  // what to do then
 };
 
-using Command = std::variant<RunOptions, WatchOptions, GraphOptions, Answer>;
+using Command = std::variant<RunOptions, WatchOptions, TestOptions, GraphOptions, Answer>;
 
 // What the arguments ask for. The first one is the program's name.
 Command parseCommandLine(int count, const char* const* arguments);

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "tools/vig/EventNames.h"
+#include "tools/vig/ExplainText.h"
 #include "tools/vig/PriorityName.h"
 #include "tools/vig/Text.h"
 
@@ -68,6 +69,14 @@ void JsonlReport::delivery(const DeliveryLine& line) {
     output.write(fmt::format(R"({{"type":"delivery","event":{},"rules":{},{}}})"
                              "\n",
                              line.event, quoted(line.document), outcome));
+}
+
+void JsonlReport::explain(const Step& step) {
+    output.write(explainJson(step) + "\n");
+}
+
+void JsonlReport::whyNot(const WhyNot& answer) {
+    output.write(whyNotJson(answer) + "\n");
 }
 
 void JsonlReport::end(const Summary& summary) {

@@ -12,6 +12,9 @@
 
 namespace tool {
 
+struct Step;
+class WhyNot;
+
 // A machine by its place in the document, and the id of its configuration.
 struct MachineName {
     std::size_t index;
@@ -79,6 +82,8 @@ class Report {
     virtual void log(const LogLine& line) = 0;
     virtual void move(const MoveLine& line) = 0;
     virtual void delivery(const DeliveryLine& line) = 0;
+    virtual void explain(const Step& step) = 0;
+    virtual void whyNot(const WhyNot& answer) = 0;
     virtual void end(const Summary& summary) = 0;
 };
 
@@ -89,6 +94,8 @@ class NoReport final : public Report {
     void log(const LogLine& /*line*/) override {}
     void move(const MoveLine& /*line*/) override {}
     void delivery(const DeliveryLine& /*line*/) override {}
+    void explain(const Step& /*step*/) override {}
+    void whyNot(const WhyNot& /*answer*/) override {}
     void end(const Summary& /*summary*/) override {}
 };
 

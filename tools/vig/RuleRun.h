@@ -42,6 +42,8 @@ class RuleRun {
 
     Output& output() { return out; }
 
+    Report& reporter() { return *report; }
+
     // Whether the run is to end: it was interrupted, or nobody can read what it writes.
     bool mustStop() const { return interruption.requested() || out.failed(); }
 

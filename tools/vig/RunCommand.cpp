@@ -1,78 +1,74 @@
 #include "tools/vig/RunCommand.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
+#include <optional>
 
-#include <cerrno>
-#include <cstdint>
-
-#include "tools/vig/Descriptor.h"
-#include "tools/vig/EventReader.h"
-#include "tools/vig/Progress.h"
-#include "tools/vig/Text.h"
+#include "tools/vig/Replay.h"
+#include "tools/vig/Report.h"
+#include "tools/vig/Trace.h"
+#include "tools/vig/WhyNot.h"
 
 namespace tool {
 
 namespace {
 
-// In bytes, 0 if it is not known before the end.
-std::uint64_t sizeOf(int file) {
-    struct stat status = {};
-    const bool known = fstat(file, &status) == 0 && S_ISREG(status.st_mode);
-    return known ? static_cast<std::uint64_t>(status.st_size) : 0;
-}
-
-// Returns the status of the last read.
-EventReader::Status offerAll(EventReader& reader, RuleRun& ruleRun, Progress& progress) {
-    RuleSession& session = ruleRun.session();
-    EventRecord record;
-    while (!ruleRun.mustStop()) {
-        const auto status = reader.next(record);
-        if (status != EventReader::Status::Record) {
-            return status;
+// Reports what the machines decide, as far as the options ask for it.
+class Explanations final : public Trace {
+  public:
+    Explanations(const RunOptions& options, Report& target) : report(target), withSteps(options.explain) {
+        if (!options.whyNot.empty()) {
+            whyNot.emplace(options.whyNot);
         }
-        session.offer(record);
-        progress.update(session.eventCount(), reader.bytesRead());
     }
-    return EventReader::Status::Interrupted;
-}
+
+    std::string problem() const { return whyNot ? whyNot->problem() : std::string(); }
+
+    void loaded(const TracedDocument& document) override {
+        if (whyNot) {
+            whyNot->loaded(document);
+        }
+    }
+
+    void step(const Step& step) override {
+        if (withSteps) {
+            report.explain(step);
+        }
+        if (whyNot) {
+            whyNot->step(step);
+        }
+    }
+
+    void end() {
+        if (whyNot) {
+            report.whyNot(*whyNot);
+        }
+    }
+
+  private:
+    Report& report;
+    const bool withSteps;
+    std::optional<WhyNot> whyNot;
+};
 
 }  // namespace
 
-int replay(const RunOptions& options, const Console& console, const Interruption& interruption, Trace* trace) {
-    const bool fromInput = options.events == "-";
-    const Descriptor file(fromInput ? dup(console.in) : open(options.events.c_str(), O_RDONLY | O_CLOEXEC));
-    if (!file.isOpen()) {
-        if (interruption.requested()) {
-            return kExitInterrupted;
-        }
-        console.complain((fromInput ? "standard input" : options.events) + ": " + systemError(errno));
-        return kExitUnusable;
+int run(const RunOptions& options, const Console& console, const Interruption& interruption) {
+    Replay replay(options, console, interruption);
+    Explanations explanations(options, replay.ruleRun().reporter());
+    if (options.explain || !options.whyNot.empty()) {
+        replay.ruleRun().observe(explanations);
     }
-    RuleRun ruleRun(options, console, interruption);
-    if (trace != nullptr) {
-        ruleRun.observe(*trace);
-    }
-    if (const auto status = ruleRun.begin(RuleSession::Changes::Ignore)) {
+    if (const auto status = replay.begin()) {
         return *status;
     }
-    Progress progress(console.err, sizeOf(file.get()));
-    ruleRun.output().beforeWriting([&] { progress.clear(); });
-    EventReader reader(file.get(), fromInput ? "<stdin>" : options.events, interruption, [&] {
-        ruleRun.output().flush();
-        progress.showIfDue(ruleRun.session().eventCount(), reader.bytesRead());
-    });
-    const auto status = offerAll(reader, ruleRun, progress);
-    progress.clear();
-    if (status == EventReader::Status::Failed) {
-        ruleRun.complainAfterOutput(reader.error());
+    if (const std::string problem = explanations.problem(); !problem.empty()) {
+        replay.ruleRun().complainAfterOutput(options.rules + ": error: " + problem);
         return kExitUnusable;
     }
-    return ruleRun.finish(interruption.requested() ? kExitInterrupted : kExitDone, std::nullopt);
-}
-
-int run(const RunOptions& options, const Console& console, const Interruption& interruption) {
-    return replay(options, console, interruption, nullptr);
+    if (const auto status = replay.offerAll()) {
+        return *status;
+    }
+    explanations.end();
+    return replay.finish();
 }
 
 }  // namespace tool

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "tools/vig/EventNames.h"
+#include "tools/vig/ExplainText.h"
 #include "tools/vig/PriorityName.h"
 #include "tools/vig/Text.h"
 
@@ -77,6 +78,22 @@ void TextReport::delivery(const DeliveryLine& line) {
     if (line.refusal.empty()) {
         output.write(fmt::format("{}: delivered again: {} configuration{}\n", printable(line.document),
                                  line.configurations, line.configurations == 1 ? "" : "s"));
+    }
+}
+
+void TextReport::explain(const Step& step) {
+    const std::vector<std::string> lines = explainLines(step);
+    row(step.event, "explain", kDim, shown(step.machine), lines.front());
+    for (std::size_t i = 1; i < lines.size(); ++i) {
+        output.write(std::string(kDetailColumn, ' ') + lines[i] + "\n");
+    }
+}
+
+void TextReport::whyNot(const WhyNot& answer) {
+    output.write(headed ? "\nwhy not " : "why not ");
+    headed = true;
+    for (const std::string& line : whyNotLines(answer)) {
+        output.write(line + "\n");
     }
 }
 

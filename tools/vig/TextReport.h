@@ -20,6 +20,8 @@ class TextReport : public Report {
     void log(const LogLine& line) override;
     void move(const MoveLine& line) override;
     void delivery(const DeliveryLine& line) override;
+    void explain(const Step& step) override;
+    void whyNot(const WhyNot& answer) override;
     void end(const Summary& summary) override;
 
   private:

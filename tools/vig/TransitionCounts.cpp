@@ -1,5 +1,7 @@
 #include "tools/vig/TransitionCounts.h"
 
+#include "tools/vig/Replay.h"
+
 namespace tool {
 
 void TransitionCounts::loaded(const TracedDocument& document) {
@@ -20,7 +22,13 @@ void TransitionCounts::step(const Step& step) {
 int countTransitions(RunOptions options, const Console& console, const Interruption& interruption,
                      TransitionCounts& counts) {
     options.format = ReportFormat::None;
-    return replay(options, console, interruption, &counts);
+    Replay replay(options, console, interruption);
+    replay.ruleRun().observe(counts);
+    if (const auto status = replay.begin()) {
+        return *status;
+    }
+    const auto status = replay.offerAll();
+    return status ? *status : replay.finish();
 }
 
 }  // namespace tool

@@ -9,6 +9,7 @@
 #include "tools/vig/Interruption.h"
 #include "tools/vig/Output.h"
 #include "tools/vig/RunCommand.h"
+#include "tools/vig/TestCommand.h"
 #include "tools/vig/WatchCommand.h"
 
 namespace {
@@ -48,6 +49,9 @@ int main(int count, char** arguments) {
     }
     if (const auto* const options = std::get_if<tool::WatchOptions>(&command)) {
         return tool::watch(*options, console, interruption);
+    }
+    if (const auto* const options = std::get_if<tool::TestOptions>(&command)) {
+        return tool::test(*options, console, interruption);
     }
     if (const auto* const options = std::get_if<tool::GraphOptions>(&command)) {
         return tool::graph(*options, console, interruption);

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace tool {
+
+// How one test of a file went.
+struct TestVerdict {
+    std::string file;
+    std::string name;
+    std::vector<std::string> failure;  // what was wrong, line by line; empty if the test passed
+};
+
+// The verdicts as a JUnit report. Text that XML cannot hold is shown as replacement characters.
+std::string junitXml(const std::vector<TestVerdict>& verdicts);
+
+}  // namespace tool

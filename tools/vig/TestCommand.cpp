@@ -1,0 +1,207 @@
+#include "tools/vig/TestCommand.h"
+
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <fnmatch.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <filesystem>
+#include <map>
+#include <system_error>
+
+#include "tools/vig/Coverage.h"
+#include "tools/vig/Descriptor.h"
+#include "tools/vig/JUnit.h"
+#include "tools/vig/Output.h"
+#include "tools/vig/TestFile.h"
+#include "tools/vig/TestRun.h"
+#include "tools/vig/Text.h"
+
+namespace tool {
+
+namespace {
+
+class TestSuite {
+  public:
+    TestSuite(const TestOptions& testOptions, const Console& streams, const Interruption& interruptedBy)
+        : options(testOptions), console(streams), interruption(interruptedBy), out(streams.out) {}
+
+    int run() {
+        if (!read()) {
+            return kExitUnusable;
+        }
+        for (const TestFile& file : files) {
+            if (const auto status = runFile(file)) {
+                return finish(*status);
+            }
+        }
+        const auto failed = std::ranges::count_if(verdicts, [](const auto& each) { return !each.failure.empty(); });
+        const bool covered = reportCoverage();
+        out.write(fmt::format("{} test{}: {} passed, {} failed\n", verdicts.size(), verdicts.size() == 1 ? "" : "s",
+                              verdicts.size() - static_cast<std::size_t>(failed), failed));
+        const int status = failed > 0 || !covered ? kExitRefused : kExitDone;
+        return finish(options.junitFile.empty() || writeJUnit() ? status : kExitUnusable);
+    }
+
+  private:
+    // Reads all files before the first test runs.
+    bool read() {
+        std::vector<std::string> errors;
+        std::size_t selected = 0;
+        for (const std::string& path : options.files) {
+            auto file = readTestFile(path, errors);
+            if (!file) {
+                continue;
+            }
+            std::erase_if(file->tests, [&](const TestCase& each) { return !isSelected(each.name); });
+            selected += file->tests.size();
+            files.push_back(std::move(*file));
+        }
+        for (const std::string& error : errors) {
+            console.say(error);
+        }
+        if (errors.empty() && !options.filter.empty() && selected == 0) {
+            console.complain("no test is called like " + tool::quoted(options.filter));
+            return false;
+        }
+        return errors.empty() && !wouldDestroyAnInput();
+    }
+
+    bool isSelected(const std::string& name) const {
+        return fnmatch(("*" + options.filter + "*").c_str(), name.c_str(), 0) == 0;
+    }
+
+    bool wouldDestroyAnInput() const {
+        const auto isReport = [&](const std::string& path) {
+            std::error_code ignored;
+            return !options.junitFile.empty() && std::filesystem::equivalent(path, options.junitFile, ignored);
+        };
+        const auto found = std::ranges::find_if(
+            files, [&](const TestFile& each) { return isReport(each.path) || isReport(each.rules); });
+        if (found != files.end()) {
+            console.complain("--junit would overwrite " + options.junitFile);
+        }
+        return found != files.end();
+    }
+
+    // Empty if the run is to go on.
+    std::optional<int> runFile(const TestFile& file) {
+        Coverage& coverage = coverageByRules[std::filesystem::path(file.rules).lexically_normal().string()];
+        std::size_t failed = 0;
+        for (const TestCase& each : file.tests) {
+            const TestOutcome outcome = runTest(file.rules, each, coverage, interruption);
+            switch (outcome.loading) {
+                case RuleSession::Loading::Done:
+                    break;
+                case RuleSession::Loading::Refused:
+                    refuse(file, outcome.problem);
+                    return std::nullopt;
+                case RuleSession::Loading::Unreadable:
+                    out.flush();
+                    console.complain(file.rules + ": " + outcome.problem);
+                    return kExitUnusable;
+                case RuleSession::Loading::Interrupted:
+                    return kExitInterrupted;
+            }
+            verdicts.push_back({file.path, each.name, outcome.failure});
+            failed += outcome.failure.empty() ? 0 : 1;
+            if (!outcome.failure.empty()) {
+                show(file, each, outcome.failure);
+            }
+        }
+        out.write(fmt::format("{}  {}: {} of {} passed\n", failed == 0 ? "ok  " : "FAIL", printable(file.path),
+                              file.tests.size() - failed, file.tests.size()));
+        return std::nullopt;
+    }
+
+    void show(const TestFile& file, const TestCase& failed, const std::vector<std::string>& failure) {
+        out.write(fmt::format("FAIL  {}:{}: {}\n", printable(file.path), failed.line, printable(failed.name)));
+        for (const std::string& line : failure) {
+            out.write("    " + line + "\n");
+        }
+    }
+
+    // None of the tests of refused rules can pass.
+    void refuse(const TestFile& file, const std::string& problem) {
+        std::erase_if(verdicts, [&](const TestVerdict& each) { return each.file == file.path; });
+        for (const TestCase& each : file.tests) {
+            verdicts.push_back({file.path, each.name, {file.rules + ": " + problem}});
+        }
+        out.write(fmt::format("FAIL  {}: the rules cannot be tested\n", printable(file.path)));
+        out.flush();
+        const std::size_t end = std::min(problem.find('\n'), problem.size());
+        console.say(file.rules + ": error: " + problem.substr(0, end));
+        for (std::size_t begin = end; begin < problem.size();) {
+            const std::size_t next = std::min(problem.find('\n', begin + 1), problem.size());
+            console.say("  " + problem.substr(begin + 1, next - begin - 1));
+            begin = next;
+        }
+    }
+
+    // Whether it is enough.
+    bool reportCoverage() {
+        if (!options.coverage && !options.coverageMin) {
+            return true;
+        }
+        bool enough = true;
+        for (const auto& [rules, coverage] : coverageByRules) {
+            for (const std::string& gap : coverage.gaps()) {
+                out.write(printable(gap) + "\n");
+            }
+            const auto transitions = coverage.transitions();
+            const auto outcomes = coverage.filterOutcomes();
+            const double percent = coverage.total().percent();
+            out.write(fmt::format("coverage  {}: {:.1f} % (transitions fired {}/{}, filter outcomes seen {}/{})\n",
+                                  printable(rules), percent, transitions.reached, transitions.all, outcomes.reached,
+                                  outcomes.all));
+            enough = enough && percent >= options.coverageMin.value_or(0);
+        }
+        if (!enough) {
+            out.write(fmt::format("coverage is below {} %\n", *options.coverageMin));
+        }
+        return enough;
+    }
+
+    bool writeJUnit() {
+        const std::string& path = options.junitFile;
+        const Descriptor file(open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644));
+        int error = errno;
+        if (file.isOpen()) {
+            Output report(file.get());
+            report.write(junitXml(verdicts));
+            report.flush();
+            error = report.failure();
+        }
+        if (error != 0) {
+            out.flush();
+            console.complain(path + ": " + systemError(error));
+        }
+        return error == 0;
+    }
+
+    int finish(int status) {
+        out.flush();
+        if (!out.failed() || out.readerIsGone()) {
+            return status;
+        }
+        console.complain("standard output: " + systemError(out.failure()));
+        return kExitUnusable;
+    }
+
+    const TestOptions& options;
+    const Console& console;
+    const Interruption& interruption;
+    Output out;
+    std::vector<TestFile> files;
+    std::map<std::string, Coverage> coverageByRules;
+    std::vector<TestVerdict> verdicts;
+};
+
+}  // namespace
+
+int test(const TestOptions& options, const Console& console, const Interruption& interruption) {
+    return TestSuite(options, console, interruption).run();
+}
+
+}  // namespace tool

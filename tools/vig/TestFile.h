@@ -1,0 +1,61 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "tools/vig/AttributeSet.h"
+#include "tools/vig/EventRecord.h"
+
+namespace tool {
+
+// A trigger that a test expects. What is not given may be anything.
+struct ExpectedTrigger {
+    std::optional<std::string> name;
+    std::optional<std::string> process;
+    std::optional<std::int64_t> config;                // id of the configuration
+    std::optional<std::int64_t> event;                 // number of the event, counted from 1
+    std::optional<std::vector<std::string>> metadata;  // all of it
+    std::vector<std::string> metadataContains;         // entries that are among it
+};
+
+struct ExpectedLog {
+    std::string message;
+    std::optional<std::string> priority;  // as reports call it
+};
+
+struct ExpectedState {
+    std::int64_t config;  // id of the configuration
+    std::string state;
+};
+
+struct Expectation {
+    std::vector<ExpectedTrigger> triggers = {};  // all of them, in order
+    std::vector<ExpectedLog> logs = {};          // likewise
+    std::vector<ExpectedState> states = {};
+    std::optional<std::int64_t> moves = {};
+};
+
+struct TestCase {
+    std::string name = {};
+    std::size_t line = 0;  // in the test file
+    std::vector<EventRecord> events = {};
+    std::uint32_t seed = 5489;
+    AttributeSet context = {};
+    Expectation expect = {};
+};
+
+// The tests of a rule document.
+struct TestFile {
+    std::string path;
+    std::string rules;  // the path of the document
+    std::vector<TestCase> tests;
+};
+
+// Reads a file of tests and the files of events that it names; paths in it are relative to it. Nothing is ignored:
+// what is not part of a test file is an error. Empty if there is one; `errors` then says what is wrong and where,
+// "file:line:column: error: tests[0].seed: …".
+std::optional<TestFile> readTestFile(const std::string& path, std::vector<std::string>& errors);
+
+}  // namespace tool
