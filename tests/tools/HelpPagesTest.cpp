@@ -28,7 +28,7 @@ std::string outputOf(const std::string& command) {
 tool::ProgramHelp helpWithOddities() {
     tool::ProgramHelp help = tool::programHelp();
     help.verbs.push_back(
-        {"odd", ".it's [a: \\b] `c` -- d", {{{"--allow"}, false, false, "NAME", "'e' \\n [f]:"}}, ".g\n'h"});
+        {"odd", ".it's [a: \\b] `c` -- d", {{{"--allow"}, false, false, true, "NAME", "'e' \\n [f]:"}}, ".g\n'h"});
     return help;
 }
 
@@ -37,8 +37,8 @@ TEST(ManPage, HasEveryVerbAndSatisfiesTheFormatter) {
     const std::string page = folder.write("vig.1", tool::manPageOf(helpWithOddities()));
     EXPECT_EQ(outputOf("groff -man -Tutf8 -ww -z " + page), "");
     const std::string text = outputOf("groff -man -Tascii -P-cbou -rLL=200n " + page);
-    for (const char* const part :
-         {"--interval TIME", "vig graph RULES", "--format dot|svg|png|mermaid", ".it's [a: \\b]", ".g\n       'h\n"}) {
+    for (const char* const part : {"--interval TIME", "vig graph RULES", "vig test FILE... [options]",
+                                   "--format dot|svg|png|mermaid", ".it's [a: \\b]", ".g\n       'h\n"}) {
         EXPECT_THAT(text, HasSubstr(part));
     }
 }
@@ -84,7 +84,7 @@ TEST(ZshCompletion, IsReadByZsh) {
                  "CURRENT=3; source " +
                      script);
     EXPECT_THAT(outputOf("zsh -f " + folder.path("case.zsh").string()),
-                HasSubstr("--allow=['e' \\\\n \\[f\\]\\:]:NAME:(unreachable-state "));
+                HasSubstr("*--allow=['e' \\\\n \\[f\\]\\:]:NAME:(unreachable-state "));
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 #include <json/json.h>
 
 #include <filesystem>
+#include <functional>
 #include <random>
 #include <set>
 #include <string>
@@ -13,11 +14,13 @@
 
 #include "tests/support/Documents.h"
 #include "tests/support/LogCapture.h"
+#include "tests/support/TemporaryFolder.h"
 #include "tools/vig/DocumentText.h"
 #include "tools/vig/FileText.h"
 #include "tools/vig/LineReader.h"
 #include "tools/vig/RecordParser.h"
 #include "tools/vig/Registry.h"
+#include "tools/vig/TestFile.h"
 #include "vig/parsers/FilterParser.h"
 #include "vig/parsers/VIGResponseParser.h"
 
@@ -89,8 +92,8 @@ void collect(Json::Value& value, std::vector<Json::Value*>& all) {
 }
 
 // Mutates the seeds, at up to two places, and holds each result against the schema. `replacements` is a JSON array.
-void compare(const std::string& name, bool (*accepts)(const Json::Value&), const std::vector<std::string>& seeds,
-             const std::string& replacements) {
+void compare(const std::string& name, const std::function<bool(const Json::Value&)>& accepts,
+             const std::vector<std::string>& seeds, const std::string& replacements) {
     Schema schema(name);
     std::mt19937 random(1);
     const auto anyOf = [&](const auto& several) -> auto& {
@@ -112,8 +115,9 @@ void compare(const std::string& name, bool (*accepts)(const Json::Value&), const
                 place = anyOf(others);
             }
         }
-        accepted += accepts(value) ? 1 : 0;
-        EXPECT_EQ(schema.accepts(value), accepts(value)) << value.toStyledString();
+        const bool isAccepted = accepts(value);
+        accepted += isAccepted ? 1 : 0;
+        EXPECT_EQ(schema.accepts(value), isAccepted) << value.toStyledString();
     }
     EXPECT_GT(accepted, kRounds / 5);
     EXPECT_LT(accepted, kRounds * 4 / 5);
@@ -154,6 +158,24 @@ TEST(Schemas, EventRecordAcceptsWhatTheToolReads) {
              R"({"event":"Test","time_ms":-1,"uint64":{"a":18446744073709551615},"bool":{"b":true},"string":{},)"
              R"("int64":{"":-9223372036854775808},"double":{"c":1e300,"d":2}})"},
             R"([null, 1, -1, 1.5, true, "", "Timeout", "Test", "x", [], {}, 18446744073709551615])");
+}
+
+TEST(Schemas, RuleTestsAcceptWhatTheToolReads) {
+    const support::TemporaryFolder folder;
+    for (const char* const events : {"x", "7", "info", "Test"}) {
+        folder.write(events, R"({"event":"Test"})");
+    }
+    const auto accepts = [&](const Json::Value& tests) {
+        std::vector<std::string> ignored;
+        return tool::readTestFile(folder.write("test.json", tests.toStyledString()), ignored).has_value();
+    };
+    compare(
+        "rule-test.schema.json", accepts,
+        {R"({"rules":"x","tests":[{"name":"a","events":"x","expect":{}}]})",
+         R"({"rules":"x","tests":[{"name":"a","seed":4294967295,"context":{"int64":{"b":1}},"events":[{"event":"Test"}],)"
+         R"("expect":{"log":["x",{"message":"x","priority":"info"}],"states":{"7":"a"},"moves":0,"triggers":[{"event":0,)"
+         R"("name":"x","process":"x","config":-1,"metadata":[],"metadata_contains":["x"]}]}}]})"},
+        R"([null, 0, -1, 1.5, 4294967296, true, "x", "7", "info", "Test", [], {}])");
 }
 
 TEST(Schemas, AcceptTheExamples) {

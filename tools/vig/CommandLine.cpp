@@ -56,9 +56,9 @@ Example: all tests, with what they do not reach, and a report for the build serv
   vig test rules/*.test.json --coverage-min 100 --junit results.xml)";
 
 constexpr const char* kGraphFooter =
-    R"(A box is a state, its rows are the transitions that leave it in the order in which they are tried. What no chain of
-transitions reaches is grey. With --events, a line is the wider the oftener its transition fired, red and dotted if it
-was tried but never fired, grey and dashed if it was never tried.
+    R"(A box is a state; its rows are the transitions that leave it, in the order in which they are tried. What no chain of
+transitions reaches is grey. With --events, a line is the wider the more often its transition fired, red and dotted
+where it was tried and never fired, thin, grey and dashed where it was never tried.
 
 Example: where does the recording get stuck?
   vig graph rules.json --events trace.jsonl --format svg > rules.svg)";
@@ -207,7 +207,8 @@ std::string whereHelpIs(const CLI::App* app) {
 }
 
 OptionHelp helpOf(const CLI::Option& option) {
-    OptionHelp help{{}, !option.nonpositional(), option.get_required(), {}, option.get_description()};
+    OptionHelp help{{}, !option.nonpositional(), option.get_required(), option.get_items_expected_max() > 1,
+                    {}, option.get_description()};
     if (help.isPositional) {
         help.names = {option.get_name(true)};
         return help;

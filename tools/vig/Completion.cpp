@@ -97,13 +97,14 @@ std::string zshActionOf(const OptionHelp& option) {
 }
 
 std::string zshSpecificationOf(const OptionHelp& option, const std::string& name) {
+    const std::string_view repeated = option.isRepeated ? "*" : "";
     if (option.isPositional) {
-        return fmt::format(":{}:{}", zshEscaped(name), zshActionOf(option));
+        return fmt::format("{}:{}:{}", repeated, zshEscaped(name), zshActionOf(option));
     }
     if (option.argument.empty()) {
         return fmt::format("{}[{}]", name, zshEscaped(option.description));
     }
-    return fmt::format("{}=[{}]:{}:{}", name, zshEscaped(option.description), zshEscaped(option.argument),
+    return fmt::format("{}{}=[{}]:{}:{}", repeated, name, zshEscaped(option.description), zshEscaped(option.argument),
                        zshActionOf(option));
 }
 

@@ -45,7 +45,7 @@ std::string synopsisOf(const VerbHelp& verb) {
     std::string line = ".B vig " + escaped(verb.name) + "\n";
     for (const OptionHelp& option : verb.options) {
         if (option.isPositional) {
-            const std::string name = italic(option.names.front());
+            const std::string name = italic(option.names.front()) + (option.isRepeated ? "...\\&" : "");
             line += (option.isRequired ? name : "[" + name + "]") + "\n";
         }
     }

@@ -12,6 +12,7 @@ struct OptionHelp {
     std::vector<std::string> names;  // "-h", "--help"; of a positional argument its one name: "RULES"
     bool isPositional;
     bool isRequired;
+    bool isRepeated;       // may be given several times
     std::string argument;  // "FILE", "text|jsonl"; empty for a flag and for a positional argument
     std::string description;
 };
