@@ -94,7 +94,8 @@ TEST(RuleGraph, MarksWhatAFindingIsAbout) {
     EXPECT_THAT(tool::markLinesOf(graph.states[0].arrows[1].marks), ElementsAre("⚠ number-text"));
     EXPECT_THAT(tool::markLinesOf(graph.states[2].marks), ElementsAre("⚠ no-way-out"));
     EXPECT_THAT(tool::markLinesOf(graph.marks), ElementsAre("⚠ duplicate-id"));
-    EXPECT_THAT(tool::dotOf({graph}, ""), HasSubstr(R"(tooltip="number-text: what is &quot;wrong&quot;")"));
+    const std::string said = R"(what is &quot;wrong&quot;", label=<)";
+    EXPECT_THAT(tool::dotOf({graph}, ""), HasSubstr("c0s0 [tooltip=\"2: number-text: " + said));
 }
 
 TEST(RuleGraph, OneArrowStandsForTheRestOfManyWithTheSameEnds) {

@@ -11,7 +11,12 @@ namespace tool {
 
 namespace {
 
-// The words that the option's argument is one of, with spaces between; empty if it can be anything.
+void addWord(std::string& words, std::string_view word) {
+    words += words.empty() ? "" : " ";
+    words += word;
+}
+
+// The words that the option's argument is one of; empty if it can be anything.
 std::string choicesOf(const OptionHelp& option) {
     std::string words;
     if (option.argument.find('|') != std::string::npos) {
@@ -19,7 +24,7 @@ std::string choicesOf(const OptionHelp& option) {
         std::ranges::replace(words, '|', ' ');
     } else if (option.names.back() == "--allow") {
         for (const WarningName& warning : kWarningNames) {
-            words += (words.empty() ? "" : " ") + std::string(warning.name);
+            addWord(words, warning.name);
         }
     }
     return words;
@@ -33,7 +38,9 @@ std::string optionNamesOf(const VerbHelp& verb) {
     std::string words;
     for (const OptionHelp& option : verb.options) {
         for (const std::string& name : option.names) {
-            words += option.isPositional ? "" : (words.empty() ? "" : " ") + name;
+            if (!option.isPositional) {
+                addWord(words, name);
+            }
         }
     }
     return words;
@@ -42,7 +49,7 @@ std::string optionNamesOf(const VerbHelp& verb) {
 std::string verbNamesOf(const ProgramHelp& help) {
     std::string words;
     for (const VerbHelp& verb : help.verbs) {
-        words += (words.empty() ? "" : " ") + verb.name;
+        addWord(words, verb.name);
     }
     return words;
 }

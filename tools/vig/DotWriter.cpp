@@ -24,6 +24,7 @@ constexpr std::string_view kPale = "#999999";
 constexpr std::string_view kHeader = "#e3ecf6";
 constexpr std::string_view kPaleHeader = "#f2f2f2";
 constexpr std::string_view kWarning = "#a04000";
+constexpr std::string_view kWarningGround = "#fff3da";
 constexpr std::string_view kFired = "#0b5cad";
 constexpr std::string_view kNeverFired = "#d0342c";
 
@@ -102,8 +103,8 @@ class DotWriter {
   private:
     void writeGraph(const RuleGraph& graph, const std::string& name) {
         out += fmt::format(
-            "  subgraph cluster_{} {{\n    graph [color=\"#ffffff00\", label=<configuration <b>{}</b>{}>]\n", name,
-            graph.id, marksOf(graph.marks, "  "));
+            "  subgraph cluster_{} {{\n    graph [color=\"#ffffff00\", {}label=<configuration <b>{}</b>{}>]\n", name,
+            tooltip(tool::messagesOf(graph.marks)), graph.id, marksOf(graph.marks, "  "));
         out += fmt::format(
             "    {0} [shape=circle, style=filled, fillcolor=\"{1}\", label=\"\", width=0.13]\n"
             "    {0} -> {0}s0:name\n",
@@ -121,15 +122,15 @@ class DotWriter {
 
     void writeState(const GraphState& state, const std::string& node) {
         const bool isEnd = state.name == FiniteStateMachine::STATE_END;
-        out += fmt::format("    {} [label=<", node);
+        out += fmt::format("    {} [{}label=<", node, tooltip(messagesOf(state)));
         if (isEnd) {
             out += R"(<table border="1" cellborder="0" cellspacing="2" cellpadding="0" style="rounded"><tr><td>)";
         }
         out += fmt::format(
             R"(<table border="1" cellborder="0" cellspacing="0" cellpadding="4" style="rounded" color="{}">)",
             state.reachable ? kInk : kPale);
-        out += fmt::format(R"(<tr><td port="name" colspan="2" bgcolor="{}"{}><b>{}</b>{}</td></tr>)",
-                           state.reachable ? kHeader : kPaleHeader, tooltipOf(state.marks),
+        out += fmt::format(R"(<tr><td port="name" colspan="2" bgcolor="{}"><b>{}</b>{}</td></tr>)",
+                           state.reachable ? kHeader : kPaleHeader,
                            coloured(state.reachable ? kInk : kPale, labelOf(state)), marksOf(state.marks, "<br/>"));
         for (const GraphArrow& arrow : state.arrows) {
             writeRow(arrow, state.reachable);
@@ -138,6 +139,13 @@ class DotWriter {
     }
 
     void writeRow(const GraphArrow& arrow, bool reachable) {
+        out += fmt::format(
+            R"(<hr/><tr><td port="n{0}" valign="top">{1}</td><td port="t{0}" align="left"{2}>{3}</td></tr>)",
+            arrow.first, coloured(kPale, orderOf(arrow)),
+            arrow.marks.empty() ? "" : fmt::format(R"( bgcolor="{}")", kWarningGround), rowTextOf(arrow, reachable));
+    }
+
+    static std::string rowTextOf(const GraphArrow& arrow, bool reachable) {
         constexpr std::string_view kBreak = R"(<br align="left"/>)";
         const std::string_view colour = textColourOf(arrow, reachable);
         std::string text = fmt::format("<b>{}</b>{}", coloured(colour, arrow.title), kBreak);
@@ -154,9 +162,7 @@ class DotWriter {
             add({(blocked ? "✗ " : "") + trafficLineOf(arrow)}, lineOf(arrow, reachable).colour);
         }
         add(markLinesOf(arrow.marks), kWarning);
-        out += fmt::format(
-            R"(<hr/><tr><td port="n{0}" valign="top">{1}</td><td port="t{0}" align="left"{2}>{3}</td></tr>)",
-            arrow.first, coloured(kPale, orderOf(arrow)), tooltipOf(arrow.marks), text);
+        return text;
     }
 
     void writeLine(const RuleGraph& graph, std::size_t from, const GraphArrow& arrow, const std::string& name) {
@@ -190,8 +196,21 @@ class DotWriter {
         return text;
     }
 
-    static std::string tooltipOf(const std::vector<GraphMark>& marks) {
-        return marks.empty() ? "" : fmt::format(R"( tooltip="{}")", escaped(messagesOf(marks)));
+    // All that is wrong with a state and with the transitions that leave it: a row cannot have a tooltip of its own.
+    static std::string messagesOf(const GraphState& state) {
+        std::string messages = tool::messagesOf(state.marks);
+        for (const GraphArrow& arrow : state.arrows) {
+            const std::string ofArrow = tool::messagesOf(arrow.marks);
+            if (!ofArrow.empty()) {
+                messages += (messages.empty() ? "" : " · ") + orderOf(arrow) + ": " + ofArrow;
+            }
+        }
+        return messages;
+    }
+
+    // As an attribute, with what separates it from the next one.
+    static std::string tooltip(const std::string& text) {
+        return text.empty() ? "" : fmt::format("tooltip=\"{}\", ", escaped(text));
     }
 
     std::string out;
