@@ -67,9 +67,8 @@ std::vector<std::string> eventCounts(std::span<const GraphArrow> arrows) {
         ++counts[each.title];
     }
     std::vector<std::string> lines;
-    for (const auto& [event, count] : counts) {
-        lines.push_back(event + " ×" + std::to_string(count));
-    }
+    std::ranges::transform(counts, std::back_inserter(lines),
+                           [](const auto& each) { return each.first + " ×" + std::to_string(each.second); });
     return lines;
 }
 
