@@ -36,13 +36,18 @@ class MarkedPlaces {
     // "configs[0].payload.data.transitions[2].filters[1]" marks the transition, and so on.
     static std::string ownerOf(const std::string& path) {
         constexpr std::string_view kTransitions = ".payload.data.transitions[";
-        const std::size_t config = std::min(path.find(']'), path.size() - 1) + 1;
+        const std::size_t config = behindBracket(path, 0);
         if (path.compare(config, kTransitions.size(), kTransitions) != 0) {
             return path.substr(0, config);
         }
-        const std::size_t transition = std::min(path.find(']', config), path.size() - 1) + 1;
+        const std::size_t transition = behindBracket(path, config);
         const std::string_view rest = std::string_view(path).substr(transition);
         return rest == ".from_state" || rest == ".to_state" ? path : path.substr(0, transition);
+    }
+
+    static std::size_t behindBracket(const std::string& path, std::size_t from) {
+        const std::size_t bracket = path.find(']', from);
+        return bracket == std::string::npos ? path.size() : bracket + 1;
     }
 
     std::map<std::string, Marks, std::less<>> marks;
