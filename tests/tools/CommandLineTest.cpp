@@ -12,6 +12,7 @@ namespace {
 using std::chrono::milliseconds;
 using tool::Answer;
 using tool::RunOptions;
+using tool::TestOptions;
 using tool::WatchOptions;
 
 tool::Command parse(std::vector<const char*> arguments) {
@@ -31,6 +32,16 @@ TEST(CommandLine, VerbsHaveTheirDefaultsAndOptions) {
     EXPECT_EQ(full.format, tool::ReportFormat::Jsonl);
     EXPECT_EQ(full.seed, 4294967295u);
     EXPECT_EQ(full.contextFile, "c");
+    EXPECT_FALSE(full.explain);
+    const auto explained = std::get<RunOptions>(parse({"run", "r.json", "--explain", "--why-not", "p"}));
+    EXPECT_TRUE(explained.explain);
+    EXPECT_EQ(explained.whyNot, "p");
+    const auto test = std::get<TestOptions>(
+        parse({"test", "--filter", "n", "a", "b", "--coverage", "--coverage-min", "99.5", "--junit", "x"}));
+    EXPECT_EQ(test.files, (std::vector<std::string>{"a", "b"}));
+    EXPECT_EQ(test.filter + test.junitFile, "nx");
+    EXPECT_TRUE(test.coverage);
+    EXPECT_EQ(test.coverageMin, 99.5);
     const auto watch = std::get<WatchOptions>(
         parse({"watch", "r.json", "--interval", "500ms", "--duration", "2m", "--record", "f", "--force"}));
     EXPECT_EQ(watch.interval, milliseconds(500));
@@ -54,6 +65,8 @@ TEST(CommandLine, WrongArgumentsAreUsageErrors) {
         {"watch", "r", "--duration", "-1s"},
         {"watch", "r", "--duration", "soon"},
         {"watch", "r", "--record"},
+        {"test"},
+        {"test", "a", "--coverage-min", "101"},
     };
     for (const auto& arguments : cases) {
         const auto answer = std::get<Answer>(parse(arguments));
@@ -70,6 +83,7 @@ TEST(CommandLine, HelpOfEveryVerbHasAnExample) {
         EXPECT_NE(answer.text.find("\nExample: "), std::string::npos);
         EXPECT_NE(answer.text.find("(default: 5489)"), std::string::npos);
     }
+    EXPECT_NE(std::get<Answer>(parse({"test", "--help"})).text.find("\nExample: "), std::string::npos);
     EXPECT_EQ(std::get<Answer>(parse({"--help"})).status, 0);
     EXPECT_EQ(std::get<Answer>(parse({"--version"})).text, "vig 1.0.0\n");
 }

@@ -77,6 +77,104 @@ TEST(Trace, ChangesNothingOfWhatHappens) {
     }
 }
 
+// Runs two events of type Test with a context and returns the report.
+ToolResult explained(const TemporaryFolder& folder, const std::string& transitions, RunOptions options) {
+    options.rules = folder.write(
+        "rules.json", R"({"configs":[{"id":7,"payload":{"id":1,"data":{"transitions":[)" + transitions + "]}}}]}");
+    options.events = folder.write("events.jsonl", R"({"event":"Test","int64":{"pid":3}})"
+                                                  "\n"
+                                                  R"({"event":"Test","time_ms":9,"int64":{"pid":8,"limit":4}})"
+                                                  "\n");
+    options.contextFile = folder.write("context.jsonl", R"({"event":"Test","int64":{"limit":5}})");
+    return runVerb(tool::run, options);
+}
+
+TEST(Explain, ShowsEachFilterWithTheValuesThatItCompared) {
+    const std::string filters = "[" + filter("<", "integer", operand("constant", " 4kB"), operand("envvar", "limit")) +
+                                "," + filter("!=", "string", operand("envvar", "name"), operand("constant", "x")) +
+                                "," + filter("<=", "integer", operand("envvar", "absent"), operand("envvar", "pid")) +
+                                "," + filter("<", "double", kDraw, operand("constant", "1")) + "," +
+                                filter(">", "double", operand("envvar", "pid"), operand("constant", "0")) + "]";
+    RunOptions options;
+    options.explain = true;
+    const TemporaryFolder folder;
+    const std::string transitions = transition("start", "end", "Test", filters) + "," +
+                                    transition("start", "a", "Test", "[]", R"([{"name":"Test"}])") + "," +
+                                    transition("a", "b", "EnteringState");
+    const std::string text = explained(folder, transitions, options).out;
+    EXPECT_EQ(text.substr(0, text.find("\nsummary")),
+              R"(    event  what     who            detail
+        0  log      error          VIGManager: ViG device config is available now.
+        1  explain  0 (id 7)       Test in state start
+                                     configs[0].payload.data.transitions[0] -> end: stopped by filter 5 of 5
+                                       yes    4kB < limit              4 < 5
+                                       yes   name != "x"               "" (missing) != "x"
+                                       yes   absent <= pid             0 (missing) <= 3
+                                       yes   PseudoRandomDouble() < 1  0.1354770042967805 < 1
+                                       no    pid > 0                   missing > 0
+                                     configs[0].payload.data.transitions[1] -> a: fires
+                                       runs  Test
+        1  explain  0 (id 7)       EnteringState in state a
+                                     configs[0].payload.data.transitions[2] -> b: fires
+        1  move     0 (id 7)       start -> b
+        2  explain  0 (id 7)       Test in state b: no transition listens
+)");
+    options.format = tool::ReportFormat::Jsonl;
+    EXPECT_EQ(linesWith(explained(folder, transition("start", "end", "Test", filters), options).out,
+                        R"({"type":"explain","event":2)")[0],
+              R"({"type":"explain","event":2,"machine":0,"config_id":7,"event_type":"Test","state":"start",)"
+              R"("transitions":[{"path":"configs[0].payload.data.transitions[0]","to":"end","fired":false,"filters":[)"
+              R"({"condition":" 4kB < limit","left":4,"right":4,"verdict":false}],"actions":[]}]})");
+}
+
+TEST(WhyNot, TellsWhatKeptATransitionFromFiring) {
+    const std::string filters = "[" + filter(">", "integer", operand("envvar", "pid"), operand("constant", "9")) + "]";
+    const std::string transitions = transition("start", "end", "Test", filters) + "," +
+                                    transition("start", "a", "Test", "[]") + "," + transition("a", "b", "Test");
+    const struct {
+        std::string path;
+        std::string expected;
+    } cases[] = {
+        {"configs[0].payload.data.transitions[0]",
+         R"(why not configs[0].payload.data.transitions[0] (start -> end on Test)
+        2 events
+        1   while the machine was in state a
+        1   for which it was tried
+        1     stopped by pid > 9, at the nearest 3 > 9 (off by 7) in event 1
+        0     fired
+)"},
+        {"configs[0].payload.data.transitions[2]", R"(why not configs[0].payload.data.transitions[2] (a -> b on Test)
+        2 events
+        1   while the machine was in state start
+        1   for which it was tried
+        1     fired
+)"},
+    };
+    const TemporaryFolder folder;
+    RunOptions options;
+    for (const auto& each : cases) {
+        options.whyNot = each.path;
+        const std::string text = explained(folder, transitions, options).out;
+        const std::size_t begin = text.find("why not");
+        EXPECT_EQ(text.substr(begin, text.find("\nsummary") - begin), each.expected);
+    }
+    options.format = tool::ReportFormat::Jsonl;
+    options.whyNot = cases[0].path;
+    EXPECT_EQ(linesWith(explained(folder, transition("start", "end", "Test", filters), options).out,
+                        R"({"type":"why_not")")[0],
+              R"({"type":"why_not","path":"configs[0].payload.data.transitions[0]","machine":0,"config_id":7,)"
+              R"("from":"start","to":"end","event_type":"Test","events":2,"other_types":0,"other_states":[],)"
+              R"("earlier_fired":0,"tried":2,"fired":0,"filters":[{"condition":"pid > 9","stopped":2,)"
+              R"("nearest":{"distance":2,"left":8,"right":9,"event":2,"time_ms":9}}]})");
+    options.whyNot = "configs[0].payload.data.transition[0]";
+    const ToolResult unknown = explained(folder, transition("start", "end", "Test", filters), options);
+    EXPECT_EQ(unknown.status, 2);
+    EXPECT_EQ(unknown.err, folder.path("rules.json").string() +
+                               ": error: no transition has the path \"configs[0].payload.data.transition[0]\"; did you "
+                               "mean \"configs[0].payload.data.transitions[0]\"?; there are "
+                               "configs[0].payload.data.transitions[0]\n");
+}
+
 TEST(TransitionCounts, CountsTriesAndMovesWithoutAReport) {
     const TemporaryFolder folder;
     RunOptions options;

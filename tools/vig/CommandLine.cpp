@@ -131,8 +131,7 @@ void addRun(CLI::App& app, RunOptions& options) {
     verb.add_option("EVENTS", options.events, "The event records (default: -, which is standard input)");
     verb.add_flag("--explain", options.explain, "Tells what every machine decides on every event, and why");
     verb.add_option("--why-not", options.whyNot,
-                    "Tells at the end what kept a transition from firing, given its path in the document: "
-                    "configs[0].payload.data.transitions[1]")
+                    "Tells at the end what kept the transition at that path of the document from firing")
         ->type_name("PATH");
     verb.footer(kRunFooter);
 }
@@ -158,7 +157,7 @@ void addTest(CLI::App& app, TestOptions& options) {
         ->type_name("NAME");
     verb.add_flag("--coverage", options.coverage, "Tells which transitions and filters the tests do not reach");
     verb.add_option("--coverage-min", options.coverageMin, "Fails if less of any rule document is reached")
-        ->check(CLI::Range(0.0, 100.0))
+        ->check(CLI::Range(0.0, 100.0).description(""))
         ->type_name("PERCENT");
     verb.add_option("--junit", options.junitFile, "Writes the results there, as JUnit XML")->type_name("FILE");
     verb.footer(kTestFooter);

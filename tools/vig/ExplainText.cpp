@@ -131,7 +131,7 @@ std::vector<std::string> whyNotLines(const WhyNot& answer) {
         const WhyNot::Stops& stops = answer.stops()[i];
         std::string what = "    stopped by " + printable(conditionOf(transition.filters[i]));
         if (stops.nearest) {
-            what += fmt::format(", at the nearest {} (off by {}) in event {}",
+            what += fmt::format(", at the nearest {} (off by {:.10g}) in event {}",
                                 shown(transition.filters[i], stops.nearest->left, stops.nearest->right),
                                 stops.nearest->distance, stops.nearest->event);
             what += stops.nearest->timeMs ? fmt::format(" at {} ms", *stops.nearest->timeMs) : "";

@@ -48,20 +48,20 @@ class TestSuite {
     // Reads all files before the first test runs.
     bool read() {
         std::vector<std::string> errors;
-        std::size_t selected = 0;
         for (const std::string& path : options.files) {
             auto file = readTestFile(path, errors);
             if (!file) {
                 continue;
             }
             std::erase_if(file->tests, [&](const TestCase& each) { return !isSelected(each.name); });
-            selected += file->tests.size();
-            files.push_back(std::move(*file));
+            if (options.filter.empty() || !file->tests.empty()) {
+                files.push_back(std::move(*file));
+            }
         }
         for (const std::string& error : errors) {
             console.say(error);
         }
-        if (errors.empty() && !options.filter.empty() && selected == 0) {
+        if (errors.empty() && files.empty()) {
             console.complain("no test is called like " + tool::quoted(options.filter));
             return false;
         }
@@ -87,7 +87,8 @@ class TestSuite {
 
     // Empty if the run is to go on.
     std::optional<int> runFile(const TestFile& file) {
-        Coverage& coverage = coverageByRules[std::filesystem::path(file.rules).lexically_normal().string()];
+        const std::string rules = std::filesystem::path(file.rules).lexically_normal().string();
+        Coverage& coverage = coverageByRules[rules];
         std::size_t failed = 0;
         for (const TestCase& each : file.tests) {
             const TestOutcome outcome = runTest(file.rules, each, coverage, interruption);
@@ -96,6 +97,7 @@ class TestSuite {
                     break;
                 case RuleSession::Loading::Refused:
                     refuse(file, outcome.problem);
+                    coverageByRules.erase(rules);
                     return std::nullopt;
                 case RuleSession::Loading::Unreadable:
                     out.flush();

@@ -1,0 +1,230 @@
+#include "tools/vig/TestCommand.h"
+
+#include <fmt/format.h>
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "tests/support/Documents.h"
+#include "tests/support/TemporaryFolder.h"
+#include "tests/tools/ToolRun.h"
+#include "tools/vig/JUnit.h"
+
+namespace {
+
+using support::filter;
+using support::operand;
+using support::runVerb;
+using support::ToolResult;
+using support::transition;
+
+const std::string kTooMuch = filter(">", "integer", operand("envvar", "vmRssKB"), operand("constant", "9"));
+
+const std::string kRules = support::document({support::config(
+    7, {transition("start", "hot", "ProcessMemoryHeartBeat", "[" + kTooMuch + "]", R"([{"name":"TriggerVelora"}])"),
+        transition("hot", "start", "Test"),
+        transition("start", "start", "ZramHeartBeat", "[]", R"([{"name":"LogZramHeartBeat"}])")})});
+
+const std::string kCamera =
+    R"({"event":"ProcessMemoryHeartBeat","string":{"processName":"camera"},"int64":{"vmRssKB":10,"vmSwapKB":1}})";
+const std::string kSmall =
+    R"({"event":"ProcessMemoryHeartBeat","string":{"processName":"camera"},"int64":{"vmRssKB":8,"vmSwapKB":1}})";
+
+std::string testCase(const std::string& name, const std::string& events, const std::string& expect) {
+    return fmt::format("{{\"name\":\"{}\",\"events\":[{}],\"expect\":{{{}}}}}", name, events, expect);
+}
+
+class TestCommand : public testing::Test {
+  protected:
+    ToolResult run(const std::string& tests) { return runText(R"({"rules":"rules.json","tests":[)" + tests + "]}"); }
+
+    ToolResult runText(const std::string& text) {
+        folder.write("rules.json", kRules);
+        options.files = {folder.write("a.test.json", text)};
+        return runVerb(tool::test, options);
+    }
+
+    const support::TemporaryFolder folder;
+    tool::TestOptions options;
+};
+
+TEST_F(TestCommand, EachExpectationPassesOrFails) {
+    const std::string zram = R"({"event":"ZramHeartBeat"})";
+    const std::string logLine = "Received VIG zram heart beat. memUsedMaxBytes: 0, numCompressedDataBytes: 0";
+    const struct {
+        std::string events;
+        std::string expect;
+        bool passes;
+    } cases[] = {
+        {kCamera, R"("triggers":[{}])", true},
+        {kCamera,
+         R"("triggers":[{"name":"vig:memory_heartbeat_over_budget:camera","process":"camera","config":7,)"
+         R"("event":1,"metadata_contains":["vmRssKB:10","vmSwapKB:1"]}],"moves":1,"states":{"7":"hot"})",
+         true},
+        {kCamera,
+         R"("triggers":[{"metadata":["threshold_current_value:11","threshold_units:RSS_anon_plus_swap_KB",)"
+         R"("vmRssKB:10","vmSwapKB:1","processName:camera"]}])",
+         true},
+        {kCamera, R"("triggers":[{"metadata":["vmRssKB:10"]}])", false},
+        {kCamera, R"("triggers":[{"metadata_contains":["vmRssKB:11"]}])", false},
+        {kCamera, R"("triggers":[{"event":2}])", false},
+        {kCamera, R"("triggers":[{"config":8}])", false},
+        {kCamera, R"("triggers":[{},{}])", false},
+        {kCamera, "", false},
+        {kCamera, R"("triggers":[{}],"moves":2)", false},
+        {kCamera, R"("triggers":[{}],"states":{"7":"start"})", false},
+        {kCamera, R"("triggers":[{}],"states":{"8":"start"})", false},
+        {zram, R"("log":[")" + logLine + "\"]", true},
+        {zram, R"("log":[{"message":")" + logLine + R"(","priority":"info"}])", true},
+        {zram, R"("log":[{"message":")" + logLine + R"(","priority":"error"}])", false},
+        {zram, "", false},
+        {kSmall, "", true},
+    };
+    for (const auto& each : cases) {
+        const ToolResult result = run(testCase("t", each.events, each.expect));
+        EXPECT_EQ(result.status, each.passes ? 0 : 1) << each.expect << result.out;
+        EXPECT_EQ(result.err, "");
+    }
+}
+
+TEST_F(TestCommand, ContextHasTheAttributesGiven) {
+    const std::string test = R"({"name":"c","events":[{"event":"ProcessMemoryHeartBeat"}],)"
+                             R"("expect":{"moves":1,"log":["Missing required attribute processName in event."]})";
+    EXPECT_EQ(run(test + R"(,"context":{"int64":{"vmRssKB":10}}})").status, 0);
+    EXPECT_EQ(run(test + R"(,"context":{}})").status, 1);
+}
+
+TEST_F(TestCommand, FailureShowsExpectedAgainstActualAndWhy) {
+    const ToolResult result = run("\n" + testCase("missing", kSmall + "," + kSmall, R"("triggers":[{"config":7}])") +
+                                  ",\n" + testCase("other", kCamera, R"("triggers":[{"config":7,"process":"x"}])") +
+                                  "," + testCase("good", kSmall, ""));
+    const std::string file = options.files[0];
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.out, "FAIL  " + file + R"(:2: missing
+      triggers: expected 1 (-), got 0 (+)
+        -  config 7
+      why not configs[0].payload.data.transitions[0] (start -> hot on ProcessMemoryHeartBeat)
+              2 events
+              2   for which it was tried
+              2     stopped by vmRssKB > 9, at the nearest 8 > 9 (off by 2) in event 1
+              0     fired
+FAIL  )" + file + R"(:3: other
+      triggers: expected 1 (-), got 1 (+)
+        -  process "x"
+        +  process "camera"  (event 1)
+      event 1: ProcessMemoryHeartBeat in state start
+        configs[0].payload.data.transitions[0] -> hot: fires
+          yes   vmRssKB > 9  10 > 9
+          runs  TriggerVelora
+FAIL  )" + file + R"(: 1 of 3 passed
+3 tests: 1 passed, 2 failed
+)");
+}
+
+TEST_F(TestCommand, CoverageTellsWhatNoTestReaches) {
+    options.coverage = true;
+    const std::string rules = folder.path("rules.json");
+    const ToolResult result = run(testCase("a", kSmall + "," + kSmall, ""));
+    EXPECT_EQ(result.out,
+              "ok    " + options.files[0] + ": 1 of 1 passed\n" + rules +
+                  ":1:62: never fired: start -> hot on ProcessMemoryHeartBeat "
+                  "[configs[0].payload.data.transitions[0]]\n" +
+                  rules + ":1:145: never true: vmRssKB > 9 [configs[0].payload.data.transitions[0].filters[0]]\n" +
+                  rules + ":1:314: never fired: hot -> start on Test [configs[0].payload.data.transitions[1]]\n" +
+                  rules +
+                  ":1:395: never fired: start -> start on ZramHeartBeat [configs[0].payload.data.transitions[2]]\n"
+                  "coverage  " +
+                  rules + ": 20.0 % (transitions fired 0/3, filter outcomes seen 1/2)\n1 test: 1 passed, 0 failed\n");
+    options.coverageMin = 20;
+    EXPECT_EQ(run(testCase("a", kSmall, "")).status, 0);
+    options.coverageMin = 20.1;
+    EXPECT_EQ(run(testCase("a", kSmall, "")).status, 1);
+}
+
+TEST_F(TestCommand, WhatIsNotPartOfATestFileIsAnErrorAtItsPlace) {
+    const auto broken = [](const std::string& members) {
+        return R"({"rules":"rules.json","tests":[{"name":"a","events":[],"expect":{},)" + members + "}]}";
+    };
+    const std::pair<std::string, std::string> cases[] = {
+        {"{", ":1:2: error: Missing '}' or object member name"},
+        {R"({"rules":"a","rules":"b","tests":[]})", ":1:14: error: Duplicate key: 'rules'"},
+        {"{} x", ":1:4: error: Extra non-whitespace after JSON value."},
+        {"[]", ":1:1: error: expected an object, got an array"},
+        {"{\n \"rulez\":\"\",\n \"rules\":\"\", \"tests\":[]}",
+         R"(:2:10: error: unknown key "rulez"; did you mean "rules"?)"},
+        {R"({"tests":[]})", R"(:1:1: error: "rules" is missing)"},
+        {R"({"rules":1,"tests":{}})", ":1:10: error: rules: expected a string, got a number"},
+        {R"({"rules":"","tests":[7]})", ":1:22: error: tests[0]: expected an object, got a number"},
+        {broken(R"("seed":-1)"), ":1:75: error: tests[0].seed: expected an integer from 0 to 4294967295"},
+        {broken(R"("context":{"int":{}})"),
+         R"(:1:85: error: tests[0].context: unknown key "int"; did you mean "int64"?)"},
+        {broken(R"("context":{"int64":{"a":"b"}})"),
+         R"(:1:78: error: tests[0].context: int64.a: expected a signed 64-bit integer, got "b")"},
+        {R"({"rules":"","tests":[{"name":"a","events":[{"event":"Tst"}],"expect":{}}]})",
+         R"(:1:44: error: tests[0].events[0]: event: unknown event "Tst"; did you mean "Test"?)"},
+        {R"({"rules":"","tests":[{"name":"a","events":[],"expect":{"log":[{"priority":"inf","message":null}]}}]})",
+         ":1:91: error: tests[0].expect.log[0].message: expected a string, got null"},
+        {R"({"rules":"","tests":[{"name":"a","events":[],"expect":{"states":{"x":"end"}}}]})",
+         R"(:1:70: error: tests[0].expect.states: expected the id of a configuration as key, got "x")"},
+        {R"({"rules":"","tests":[{"name":"a","events":[],"expect":{}},{"name":"a","events":[],"expect":{}}]})",
+         R"(:1:67: error: tests[1].name: there is another test "a")"},
+        {R"({"rules":"","tests":[{"name":"a","events":"absent","expect":{}}]})",
+         ":1:43: error: tests[0].events: " + folder.path("absent").string() + ": No such file or directory\n"},
+        {std::string(2000, '['), ":1:1001: error: "},
+    };
+    for (const auto& [text, error] : cases) {
+        const ToolResult result = runText(text);
+        EXPECT_EQ(result.status, 2) << text;
+        EXPECT_TRUE(result.err.starts_with(options.files[0] + error)) << result.err;
+        EXPECT_EQ(result.out, "");
+    }
+}
+
+TEST_F(TestCommand, RulesThatAreRefusedOrAbsentAreTold) {
+    const std::string tests = R"(","tests":[{"name":"a","events":[],"expect":{}}]})";
+    folder.write("bad.json", support::document({support::config(1, {transition("a", "b", "test")})}));
+    const ToolResult refused = runText(R"({"rules":"bad.json)" + tests);
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_TRUE(refused.err.starts_with(folder.path("bad.json").string() +
+                                        ": error: refused (InvalidFsm): a state machine is invalid\n"
+                                        "  FSM Event not found!\n"))
+        << refused.err;
+    const ToolResult absent = runText(R"({"rules":"absent.json)" + tests);
+    EXPECT_EQ(absent.status, 2);
+    EXPECT_EQ(absent.err, "vig: error: " + folder.path("absent.json").string() + ": No such file or directory\n");
+}
+
+TEST_F(TestCommand, FilterChoosesTestsByAPartOfTheirName) {
+    const std::string tests = testCase("cold start", kSmall, "") + "," + testCase("hot", kCamera, "");
+    options.filter = "c?ld*t";
+    EXPECT_EQ(run(tests).status, 0);
+    options.filter = "hurt";
+    EXPECT_EQ(run(tests).status, 2);
+}
+
+TEST_F(TestCommand, JUnitReportHoldsAnyText) {
+    options.junitFile = folder.path("report.xml");
+    run(testCase("a", kSmall, "") + "," + testCase(R"(<&\">\u0001\uFFFE)", kSmall, R"("moves":1)"));
+    const std::string file = options.files[0];
+    EXPECT_EQ(folder.read("report.xml"),
+              "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<testsuites>\n"
+              "  <testsuite name=\"" +
+                  file + "\" tests=\"2\" failures=\"1\">\n    <testcase classname=\"" + file +
+                  "\" name=\"a\"/>\n    <testcase classname=\"" + file +
+                  "\" name=\"&#60;&#38;&#34;&#62;\xEF\xBF\xBD\xEF\xBF\xBD\"><failure message=\"moves: expected 1, got "
+                  "0\">  moves: expected 1, got 0\n</failure></testcase>\n  </testsuite>\n</testsuites>\n");
+    options.junitFile = options.files[0];
+    EXPECT_EQ(run(testCase("a", kSmall, "")).status, 2);
+}
+
+TEST(Examples, HaveTestsThatReachEverything) {
+    tool::TestOptions options;
+    for (const char* name : {"memory-budget", "cpu-budget", "zram-log", "first-look"}) {
+        options.files.push_back(std::string(VIG_SOURCE_DIR "/examples/") + name + ".test.json");
+    }
+    options.coverageMin = 100;
+    const ToolResult result = runVerb(tool::test, options);
+    EXPECT_EQ(result.status, 0) << result.out << result.err;
+}
+
+}  // namespace
