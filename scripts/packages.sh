@@ -3,11 +3,11 @@
 
 # What builds and tests the project.
 readonly BUILD_PACKAGES=(
-    ca-certificates cmake g++ libcli11-dev libfmt-dev libgmock-dev libgtest-dev libjsoncpp-dev libsimdjson-dev
-    locales ninja-build
+    ca-certificates cmake fonts-dejavu-core g++ graphviz groff-base libcli11-dev libfmt-dev libgmock-dev libgtest-dev
+    libjsoncpp-dev libsimdjson-dev libvalijson-dev locales ninja-build
 )
 # What the slower checks need besides.
-readonly CHECK_PACKAGES=(clang clang-format clang-tidy shellcheck)
+readonly CHECK_PACKAGES=(clang clang-format clang-tidy shellcheck zsh)
 
 as_root() {
     if [ "$(id -u)" -eq 0 ]; then

@@ -8,12 +8,15 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <cstddef>
+#include <cstdint>
 #include <iterator>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "tools/vig/NearestName.h"
+#include "tools/vig/ProgramHelp.h"
 #include "tools/vig/Text.h"
 #include "tools/vig/WarningNames.h"
 
@@ -22,17 +25,16 @@ namespace tool {
 namespace {
 
 constexpr const char* kGeneralFooter =
-    "Exit status: 0 done, 1 the rules were refused or a test failed, 2 bad arguments or input, or the output cannot "
-    "be\n"
-    "written, 130 interrupted.\n"
-    "`vig check --help`, `vig run --help` and `vig watch --help` have an example each.";
+    "Exit status: 0 done, 1 the rules were refused or a test failed, 2 bad arguments or input, or the output cannot\n"
+    "be written, 130 interrupted.\n"
+    "`vig VERB --help` has an example.";
 
 constexpr const char* kCheckFooter = R"(Errors are what the library refuses, all of them. Warnings, by name:
 {}
 Exit status: 0 nothing or only warnings, 1 errors, 2 a file cannot be read. Columns count bytes.
 
-Example: check before a commit, as strictly as possible, but with notes in the documents:
-  vig check --strict --allow unknown-key rules/*.json)";
+Example: check before a commit, as strictly as possible, for a service that arms timeouts:
+  vig check --strict --allow unused-timeout rules/*.json)";
 
 constexpr const char* kRunFooter = R"(An event record is one JSON object a line; attributes are grouped by their kind:
   {"event":"ProcessMemoryHeartBeat","string":{"processName":"camera"},"int64":{"vmRssKB":1000,"vmSwapKB":24}}
@@ -84,23 +86,54 @@ Coverage counts the transitions that fired, and for each filter whether it was e
 Example: all tests, with what they do not reach, and a report for the build server:
   vig test rules/*.test.json --coverage-min 100 --junit results.xml)";
 
-void addRuleOptions(CLI::App& verb, RuleOptions& options) {
-    verb.add_option("RULES", options.rules, "The rule document")->required();
-    const auto readFormat = [&options](const std::string& text) {
-        if (text != "text" && text != "jsonl") {
-            throw CLI::ValidationError("--format", "expected text or jsonl, got " + text);
+constexpr const char* kGraphFooter =
+    R"(A box is a state; its rows are the transitions that leave it, in the order in which they are tried. What no chain of
+transitions reaches is grey. With --events, a line is the wider the more often its transition fired, red and dotted
+where it was tried and never fired, thin, grey and dashed where it was never tried.
+
+Example: where does the recording get stuck?
+  vig graph rules.json --events trace.jsonl --format svg > rules.svg)";
+
+// An option that takes one of a few words: the first one unless it is given.
+template <typename Value, std::size_t Count>
+void addChoice(CLI::App& verb, const std::string& name, Value& value,
+               const std::array<std::pair<const char*, Value>, Count>& choices, const std::string& description) {
+    std::string words;
+    for (const auto& [word, meaning] : choices) {
+        words += (words.empty() ? "" : "|") + std::string(word);
+    }
+    const auto read = [&value, choices, name, words](const std::string& text) {
+        const auto chosen =
+            std::find_if(choices.begin(), choices.end(), [&](const auto& each) { return each.first == text; });
+        if (chosen == choices.end()) {
+            throw CLI::ValidationError(name, "expected " + words + ", got " + text);
         }
-        options.format = text == "text" ? ReportFormat::Text : ReportFormat::Jsonl;
+        value = chosen->second;
     };
-    verb.add_option_function<std::string>("--format", readFormat, "text for people, jsonl for programs (default: text)")
-        ->type_name("text|jsonl");
-    verb.add_option("--seed", options.seed,
+    verb.add_option_function<std::string>(name, read, description + " (default: " + choices[0].first + ")")
+        ->type_name(words);
+}
+
+void addRules(CLI::App& verb, std::string& rules) {
+    verb.add_option("RULES", rules, "The rule document")->required();
+}
+
+// What a replay or a live run depends on besides the events.
+void addSurroundings(CLI::App& verb, std::uint32_t& seed, std::string& contextFile) {
+    verb.add_option("--seed", seed,
                     "Seed of the function PseudoRandomDouble, so that a run repeats exactly (default: " +
-                        std::to_string(options.seed) + ")")
+                        std::to_string(seed) + ")")
         ->type_name("N");
-    verb.add_option("--context", options.contextFile,
-                    "A file with one event record: the attributes of every machine's context")
+    verb.add_option("--context", contextFile, "A file with one event record: the attributes of every machine's context")
         ->type_name("FILE");
+}
+
+void addRuleOptions(CLI::App& verb, RuleOptions& options) {
+    addRules(verb, options.rules);
+    addChoice<ReportFormat, 2>(verb, "--format", options.format,
+                               {{{"text", ReportFormat::Text}, {"jsonl", ReportFormat::Jsonl}}},
+                               "text for people, jsonl for programs");
+    addSurroundings(verb, options.seed, options.contextFile);
 }
 
 void addDuration(CLI::App& verb, const std::string& name, std::chrono::milliseconds& duration,
@@ -126,18 +159,10 @@ std::string checkFooter() {
 void addCheck(CLI::App& app, CheckOptions& options) {
     CLI::App& verb = *app.add_subcommand("check", "Says what is wrong with rule documents, all at once.");
     verb.add_option("RULES", options.rules, "The rule documents")->required();
-    const auto readFormat = [&options](const std::string& text) {
-        constexpr std::pair<std::string_view, FindingFormat> kFormats[] = {
-            {"text", FindingFormat::Text}, {"json", FindingFormat::Json}, {"sarif", FindingFormat::Sarif}};
-        const auto* const format = std::ranges::find(kFormats, text, [](const auto& each) { return each.first; });
-        if (format == std::end(kFormats)) {
-            throw CLI::ValidationError("--format", "expected text, json or sarif, got " + text);
-        }
-        options.format = format->second;
-    };
-    verb.add_option_function<std::string>("--format", readFormat,
-                                          "text for people, json for programs, sarif for code reviews (default: text)")
-        ->type_name("text|json|sarif");
+    addChoice<FindingFormat, 3>(
+        verb, "--format", options.format,
+        {{{"text", FindingFormat::Text}, {"json", FindingFormat::Json}, {"sarif", FindingFormat::Sarif}}},
+        "text for people, json for programs, sarif for code reviews");
     verb.add_flag("--strict", options.strict, "Lets warnings give the exit status 1");
     const auto allow = [&options](const std::vector<std::string>& names) {
         std::vector<std::string_view> known;
@@ -208,29 +233,83 @@ void addTest(CLI::App& app, TestOptions& options) {
     verb.footer(kTestFooter);
 }
 
+void addGraph(CLI::App& app, GraphOptions& options) {
+    CLI::App& verb = *app.add_subcommand("graph", "Draws the machines of a rule document.");
+    addRules(verb, options.rules);
+    addChoice<GraphFormat, 4>(verb, "--format", options.format,
+                              {{{"dot", GraphFormat::Dot},
+                                {"svg", GraphFormat::Svg},
+                                {"png", GraphFormat::Png},
+                                {"mermaid", GraphFormat::Mermaid}}},
+                              "dot for Graphviz; svg and png, which call it; mermaid for a README");
+    verb.add_option("--events", options.events, "Event records to replay: shows how often each transition fired")
+        ->type_name("FILE");
+    addSurroundings(verb, options.seed, options.contextFile);
+    verb.footer(kGraphFooter);
+}
+
+// Where the options of each verb go.
+struct VerbOptions {
+    CheckOptions check;
+    RunOptions run;
+    WatchOptions watch;
+    CatalogueOptions catalogue;
+    TestOptions test;
+    GraphOptions graph;
+};
+
+void addAll(CLI::App& app, VerbOptions& options) {
+    app.set_version_flag("--version", "vig " VIG_VERSION, "Prints the version and exits");
+    app.set_help_flag("-h,--help", "Prints this help and exits");
+    app.require_subcommand(1);
+    app.footer(kGeneralFooter);
+    addCheck(app, options.check);
+    addRun(app, options.run);
+    addWatch(app, options.watch);
+    addCatalogue(app, options.catalogue);
+    addTest(app, options.test);
+    addGraph(app, options.graph);
+}
+
+constexpr const char* kProgram = "vig";
+constexpr const char* kDescription = "Runs rule documents at a desk, with the library that runs them on a device.";
+
 std::string whereHelpIs(const CLI::App* app) {
     const auto verbs = app->get_subcommands();
     return "Try: vig " + (verbs.empty() ? "" : verbs.front()->get_name() + " ") + "--help";
 }
 
+OptionHelp helpOf(const CLI::Option& option) {
+    OptionHelp help{{}, !option.nonpositional(), option.get_required(), option.get_items_expected_max() > 1,
+                    {}, option.get_description()};
+    if (help.isPositional) {
+        help.names = {option.get_name(true)};
+        return help;
+    }
+    for (const std::string& name : option.get_snames()) {
+        help.names.push_back("-" + name);
+    }
+    for (const std::string& name : option.get_lnames()) {
+        help.names.push_back("--" + name);
+    }
+    help.argument = option.get_items_expected_max() > 0 ? option.get_type_name() : "";
+    return help;
+}
+
+VerbHelp helpOf(const CLI::App& app) {
+    VerbHelp help{app.get_name(), app.get_description(), {}, app.get_footer()};
+    for (const CLI::Option* const option : app.get_options()) {
+        help.options.push_back(helpOf(*option));
+    }
+    return help;
+}
+
 }  // namespace
 
 Command parseCommandLine(int count, const char* const* arguments) {
-    CheckOptions checkOptions;
-    RunOptions runOptions;
-    WatchOptions watchOptions;
-    CatalogueOptions catalogueOptions;
-    TestOptions testOptions;
-    CLI::App app("Runs rule documents at a desk, with the library that runs them on a device.", "vig");
-    app.set_version_flag("--version", "vig " VIG_VERSION, "Prints the version and exits");
-    app.set_help_flag("-h,--help", "Prints this help and exits");
-    app.require_subcommand(1);
-    app.footer(kGeneralFooter);
-    addCheck(app, checkOptions);
-    addRun(app, runOptions);
-    addWatch(app, watchOptions);
-    addCatalogue(app, catalogueOptions);
-    addTest(app, testOptions);
+    VerbOptions options;
+    CLI::App app(kDescription, kProgram);
+    addAll(app, options);
     try {
         app.parse(count, arguments);
     } catch (const CLI::CallForHelp&) {
@@ -241,18 +320,32 @@ Command parseCommandLine(int count, const char* const* arguments) {
         return Answer{kExitUnusable, error.what(), whereHelpIs(&app)};
     }
     if (app.got_subcommand("check")) {
-        return checkOptions;
+        return options.check;
     }
     if (app.got_subcommand("run")) {
-        return runOptions;
+        return options.run;
     }
     if (app.got_subcommand("catalogue")) {
-        return catalogueOptions;
+        return options.catalogue;
     }
     if (app.got_subcommand("test")) {
-        return testOptions;
+        return options.test;
     }
-    return watchOptions;
+    if (app.got_subcommand("graph")) {
+        return options.graph;
+    }
+    return options.watch;
+}
+
+ProgramHelp programHelp() {
+    VerbOptions options;
+    CLI::App app(kDescription, kProgram);
+    addAll(app, options);
+    ProgramHelp help{VIG_VERSION, helpOf(app), {}};
+    for (const CLI::App* const verb : app.get_subcommands([](const CLI::App*) { return true; })) {
+        help.verbs.push_back(helpOf(*verb));
+    }
+    return help;
 }
 
 std::optional<std::chrono::milliseconds> parseDuration(std::string_view text) {

@@ -7,6 +7,7 @@
 #include "tools/vig/CheckCommand.h"
 #include "tools/vig/CommandLine.h"
 #include "tools/vig/Console.h"
+#include "tools/vig/GraphCommand.h"
 #include "tools/vig/Interruption.h"
 #include "tools/vig/Output.h"
 #include "tools/vig/RunCommand.h"
@@ -59,6 +60,9 @@ int main(int count, char** arguments) {
     }
     if (const auto* const options = std::get_if<tool::TestOptions>(&command)) {
         return tool::test(*options, console, interruption);
+    }
+    if (const auto* const options = std::get_if<tool::GraphOptions>(&command)) {
+        return tool::graph(*options, console, interruption);
     }
     return answer(*std::get_if<tool::Answer>(&command), console);
 }

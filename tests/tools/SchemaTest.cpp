@@ -1,0 +1,224 @@
+#include <gtest/gtest.h>
+#include <json/json.h>
+
+#include <filesystem>
+#include <functional>
+#include <random>
+#include <set>
+#include <string>
+#include <valijson/adapters/jsoncpp_adapter.hpp>
+#include <valijson/schema.hpp>
+#include <valijson/schema_parser.hpp>
+#include <valijson/validator.hpp>
+#include <vector>
+
+#include "tests/support/Documents.h"
+#include "tests/support/LogCapture.h"
+#include "tests/support/TemporaryFolder.h"
+#include "tools/vig/DocumentText.h"
+#include "tools/vig/FileText.h"
+#include "tools/vig/LineReader.h"
+#include "tools/vig/RecordParser.h"
+#include "tools/vig/Registry.h"
+#include "tools/vig/TestFile.h"
+#include "vig/parsers/FilterParser.h"
+#include "vig/parsers/VIGResponseParser.h"
+
+namespace {
+
+using support::filter;
+using support::operand;
+using valijson::adapters::JsonCppAdapter;
+
+Json::Value parsed(const std::string& text) {
+    return tool::DocumentText("", text).root();
+}
+
+std::string contentOf(const std::filesystem::path& path) {
+    std::string problem;
+    return tool::readFile(VIG_SOURCE_DIR / path, problem).value_or("");
+}
+
+class Schema {
+  public:
+    explicit Schema(const std::string& name) : json(parsed(contentOf("docs/schema/" + name))) {
+        const auto fetch = [](const std::string& other) {
+            return new Json::Value(parsed(contentOf("docs/schema/" + other)));
+        };
+        valijson::SchemaParser().populateSchema<JsonCppAdapter>(JsonCppAdapter(json), schema, fetch,
+                                                                [](const Json::Value* value) { delete value; });
+    }
+
+    bool accepts(const Json::Value& value) { return validator.validate(schema, JsonCppAdapter(value), nullptr); }
+
+    // Of the "enum" that stands there.
+    std::set<std::string> words(const std::string& path) const {
+        std::set<std::string> found;
+        for (const Json::Value& each : Json::Path(path + ".enum").resolve(json)) {
+            found.insert(each.asString());
+        }
+        return found;
+    }
+
+    const Json::Value json;
+
+  private:
+    valijson::Schema schema;
+    valijson::Validator validator;
+};
+
+bool libraryAccepts(const Json::Value& document) {
+    static const auto registry = tool::libraryRegistry();
+    const support::LogCapture log;
+    return Brenta::OS::VIG::VIGResponseParser().parse(document, registry).error == Brenta::OS::VIG::VIGParseError::Ok;
+}
+
+bool toolAccepts(const Json::Value& record) {
+    Json::StreamWriterBuilder builder;
+    builder["indentation"] = "";
+    const std::string text = Json::writeString(builder, record);
+    const std::string padded = text + std::string(tool::LineReader::PADDING, '\n');
+    tool::EventRecord ignored;
+    return tool::RecordParser().parse(std::string_view(padded).substr(0, text.size()), ignored);
+}
+
+void collect(Json::Value& value, std::vector<Json::Value*>& all) {
+    all.push_back(&value);
+    if (value.isObject() || value.isArray()) {
+        for (Json::Value& each : value) {
+            collect(each, all);
+        }
+    }
+}
+
+// Mutates the seeds, at up to two places, and holds each result against the schema. `replacements` is a JSON array.
+void compare(const std::string& name, const std::function<bool(const Json::Value&)>& accepts,
+             const std::vector<std::string>& seeds, const std::string& replacements) {
+    Schema schema(name);
+    std::mt19937 random(1);
+    const auto anyOf = [&](const auto& several) -> auto& {
+        return several[static_cast<unsigned>(random() % several.size())];
+    };
+    const Json::Value others = parsed(replacements);
+    int accepted = 0;
+    constexpr int kRounds = 6000;
+    for (int round = 0; round < kRounds; ++round) {
+        Json::Value value = parsed(anyOf(seeds));
+        for (auto changes = random() % 3; changes > 0; --changes) {
+            std::vector<Json::Value*> all;
+            collect(value, all);
+            Json::Value& place = *anyOf(all);
+            if (place.isObject() && !place.empty() && random() % 2 == 0) {
+                place.removeMember(anyOf(place.getMemberNames()));
+                place["other"] = anyOf(others);
+            } else {
+                place = anyOf(others);
+            }
+        }
+        const bool isAccepted = accepts(value);
+        accepted += isAccepted ? 1 : 0;
+        EXPECT_EQ(schema.accepts(value), isAccepted) << value.toStyledString();
+    }
+    EXPECT_GT(accepted, kRounds / 5);
+    EXPECT_LT(accepted, kRounds * 4 / 5);
+}
+
+std::string documentWith(const std::string& someFilter) {
+    return support::document(
+        {support::config(1, {support::transition("start", "", "Test", "[" + someFilter + "]",
+                                                 R"([{"name":"Test"},{"name":"TriggerVelora"}])")})});
+}
+
+TEST(Schemas, RuleDocumentAcceptsWhatTheLibraryAccepts) {
+    std::vector<std::string> seeds = {support::kCompleteDocument};
+    for (const std::string& each :
+         {filter(">", "integer", operand("envvar", "a"), operand("constant", " +12kB")),
+          filter("<=", "double", operand("constant", "-.5"), operand("envvar", "a")),
+          filter("<", "double", operand("function", "PseudoRandomDouble"), operand("constant", "inf")),
+          filter("!=", "double", operand("constant", "0x1p3"), operand("function", "PseudoRandomDouble")),
+          filter("==", "string", operand("envvar", "a"), operand("constant", "b")),
+          filter(">=", "integer", operand("function", "f"), operand("envvar", "a")),
+          filter("==", "double", operand("constant", "x"), operand("constant", ""))}) {
+        seeds.push_back(documentWith(each));
+    }
+    compare(
+        "rule-document.schema.json", libraryAccepts, seeds,
+        R"([null, 0, -1.5, 2147483648.5, -2147483649.0, 1e300, true, "", "x", [], {}, "9e9", "integer", "double",)"
+        R"("string", "nan", "\u000b7", "\u00a07", "function", "constant", "envvar", ">=", "Test", "PseudoRandomDouble"])");
+    Schema schema("rule-document.schema.json");
+    for (const auto& [type, tooLarge] : {std::pair("double", "1e400"), std::pair("integer", "99999999999999999999")}) {
+        const auto lax = parsed(documentWith(filter("<", type, operand("envvar", "a"), operand("constant", tooLarge))));
+        EXPECT_TRUE(schema.accepts(lax) && !libraryAccepts(lax)) << tooLarge;
+    }
+}
+
+TEST(Schemas, EventRecordAcceptsWhatTheToolReads) {
+    compare("event-record.schema.json", toolAccepts,
+            {R"({"event":"Timeout","timeout_id":3})", R"({"event":"Test","string":{"a":"b"},"int64":{"c":1,"d":0}})",
+             R"({"event":"Test","time_ms":-1,"uint64":{"a":18446744073709551615},"bool":{"b":true},"string":{},)"
+             R"("int64":{"":-9223372036854775808},"double":{"c":1e300,"d":2}})"},
+            R"([null, 1, -1, 1.5, true, "", "Timeout", "Test", "x", [], {}, 18446744073709551615])");
+}
+
+TEST(Schemas, RuleTestsAcceptWhatTheToolReads) {
+    const support::TemporaryFolder folder;
+    for (const char* const events : {"x", "7", "info", "Test"}) {
+        folder.write(events, R"({"event":"Test"})");
+    }
+    const auto accepts = [&](const Json::Value& tests) {
+        std::vector<std::string> ignored;
+        return tool::readTestFile(folder.write("test.json", tests.toStyledString()), ignored).has_value();
+    };
+    compare(
+        "rule-test.schema.json", accepts,
+        {R"({"rules":"x","tests":[{"name":"a","events":"x","expect":{}}]})",
+         R"({"rules":"x","tests":[{"name":"a","seed":4294967295,"context":{"int64":{"b":1}},"events":[{"event":"Test"}],)"
+         R"("expect":{"log":["x",{"message":"x","priority":"info"}],"states":{"7":"a"},"moves":0,"triggers":[{"event":0,)"
+         R"("name":"x","process":"x","config":-1,"metadata":[],"metadata_contains":["x"]}]}}]})"},
+        R"([null, 0, -1, 1.5, 4294967296, true, "x", "7", "info", "Test", [], {}])");
+}
+
+TEST(Schemas, AcceptTheExamples) {
+    Schema rules("rule-document.schema.json");
+    Schema records("event-record.schema.json");
+    Schema tests("rule-test.schema.json");
+    for (const auto& entry : std::filesystem::directory_iterator(VIG_SOURCE_DIR "/examples")) {
+        const Json::Value json = entry.path().extension() == ".json" ? parsed(contentOf(entry.path())) : Json::Value();
+        EXPECT_TRUE(json.isNull() || (json.isMember("tests") ? tests : rules).accepts(json)) << entry.path();
+    }
+    std::istringstream trace(contentOf("examples/trace.jsonl"));
+    for (std::string line; std::getline(trace, line);) {
+        EXPECT_TRUE(records.accepts(parsed(line))) << line;
+    }
+    for (Schema* const schema : {&rules, &records, &tests}) {
+        for (const Json::Value& each : schema->json["examples"]) {
+            EXPECT_TRUE(schema->accepts(each)) << each;
+        }
+    }
+}
+
+TEST(Schemas, HaveTheNamesOfTheLibrary) {
+    const auto namesOf = [](const auto& pairs, const auto& nameOf) {
+        std::set<std::string> names;
+        for (const auto& pair : pairs) {
+            names.emplace(nameOf(pair));
+        }
+        return names;
+    };
+    const auto keysOf = [&](const auto& map) { return namesOf(map, [](const auto& pair) { return pair.first; }); };
+    const auto valuesOf = [&](const auto& table) {
+        return namesOf(table.pairs, [](const auto& pair) { return pair.second; });
+    };
+    const auto registry = tool::libraryRegistry();
+    const Schema schema("rule-document.schema.json");
+    const std::string filterPath = ".definitions.filter.properties.";
+    EXPECT_EQ(schema.words(".definitions.eventName"), keysOf(registry.getEventTypes()));
+    EXPECT_EQ(schema.words(filterPath + "operator"), valuesOf(Brenta::OS::VIG::kFilterOperatorTable));
+    EXPECT_EQ(schema.words(filterPath + "value_type"), valuesOf(Brenta::OS::VIG::kFilterValueTypeTable));
+    EXPECT_EQ(schema.words(".definitions.operand.properties.type"), valuesOf(Brenta::OS::VIG::kFilterOperandTypeTable));
+    EXPECT_EQ(schema.words(".definitions.knownFunction.properties.value"), keysOf(registry.getDoublePureFunctions()));
+    EXPECT_EQ(schema.words(".definitions.action.properties.name"), keysOf(registry.getActionFunctionFactories()));
+    EXPECT_EQ(Schema("event-record.schema.json").words(".properties.event"), keysOf(registry.getEventTypes()));
+}
+
+}  // namespace
