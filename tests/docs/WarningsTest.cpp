@@ -1,15 +1,15 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
-#include <filesystem>
 #include <iterator>
 #include <string>
 #include <vector>
 
 #include "tests/docs/Fragments.h"
-#include "tools/vig/Checker.h"
+#include "tests/support/Examples.h"
 #include "tools/vig/Registry.h"
-#include "tools/vig/WarningNames.h"
+#include "tools/vig/check/Checker.h"
+#include "tools/vig/check/WarningNames.h"
 
 namespace {
 
@@ -43,12 +43,7 @@ TEST(Warnings, ExamplesRaiseExactlyTheirOwn) {
 }
 
 TEST(Warnings, ExamplesAndDocumentsOfThePagesRaiseNone) {
-    Strings documents;
-    for (const auto& entry : std::filesystem::directory_iterator(VIG_SOURCE_DIR "/examples")) {
-        if (entry.path().extension() == ".json") {
-            documents.push_back(docs::read(entry.path()));
-        }
-    }
+    Strings documents = support::exampleDocuments();
     for (const char* const page : {"/README.md", "/docs/rule-documents.md", "/docs/how-it-works.md"}) {
         for (const std::string& block : docs::allOf(docs::read(std::string(VIG_SOURCE_DIR) + page), docs::kJsonBlock)) {
             if (block.find("\"configs\"") != std::string::npos) {

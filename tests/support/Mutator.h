@@ -1,30 +1,20 @@
 #pragma once
 
 #include <cstddef>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <random>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "tests/support/Documents.h"
+#include "tests/support/Examples.h"
 
 namespace support {
 
 // Draws changed documents, the same ones in every run.
 class Mutator {
   public:
-    Mutator() {
-        for (const auto& entry : std::filesystem::directory_iterator(VIG_SOURCE_DIR "/examples")) {
-            if (entry.path().extension() == ".json") {
-                std::ifstream file(entry.path());
-                originals.emplace_back(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
-            }
-        }
-        originals.emplace_back(kCompleteDocument);
-    }
+    Mutator() { originals.emplace_back(kCompleteDocument); }
 
     // The examples and kCompleteDocument, all of which are accepted.
     const std::vector<std::string>& documents() const { return originals; }
@@ -59,7 +49,7 @@ class Mutator {
 
   private:
     std::minstd_rand random{1};
-    std::vector<std::string> originals;
+    std::vector<std::string> originals = exampleDocuments();
 };
 
 }  // namespace support

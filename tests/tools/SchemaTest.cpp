@@ -20,7 +20,7 @@
 #include "tools/vig/LineReader.h"
 #include "tools/vig/RecordParser.h"
 #include "tools/vig/Registry.h"
-#include "tools/vig/TestFile.h"
+#include "tools/vig/test/TestFile.h"
 #include "vig/parsers/FilterParser.h"
 #include "vig/parsers/VIGResponseParser.h"
 

@@ -8,7 +8,7 @@
 #include "tests/support/Documents.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/tools/ToolRun.h"
-#include "tools/vig/JUnit.h"
+#include "tools/vig/test/JUnit.h"
 
 namespace {
 

@@ -2,10 +2,10 @@
 
 #include <cerrno>
 
-#include "tools/vig/Catalogue.h"
 #include "tools/vig/EventInput.h"
 #include "tools/vig/Output.h"
 #include "tools/vig/Text.h"
+#include "tools/vig/check/Catalogue.h"
 
 namespace tool {
 

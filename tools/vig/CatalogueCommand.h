@@ -3,9 +3,9 @@
 #include <optional>
 #include <string>
 
-#include "tools/vig/Catalogue.h"
 #include "tools/vig/Console.h"
 #include "tools/vig/Interruption.h"
+#include "tools/vig/check/Catalogue.h"
 
 namespace tool {
 

@@ -4,13 +4,13 @@
 #include <optional>
 #include <utility>
 
-#include "tools/vig/Catalogue.h"
 #include "tools/vig/CatalogueCommand.h"
-#include "tools/vig/Checker.h"
 #include "tools/vig/FileText.h"
 #include "tools/vig/Output.h"
 #include "tools/vig/Registry.h"
 #include "tools/vig/Text.h"
+#include "tools/vig/check/Catalogue.h"
+#include "tools/vig/check/Checker.h"
 
 namespace tool {
 

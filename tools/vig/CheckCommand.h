@@ -4,8 +4,8 @@
 #include <vector>
 
 #include "tools/vig/Console.h"
-#include "tools/vig/FindingReport.h"
 #include "tools/vig/Interruption.h"
+#include "tools/vig/check/FindingReport.h"
 
 namespace tool {
 

@@ -16,9 +16,9 @@
 #include <vector>
 
 #include "tools/vig/NearestName.h"
-#include "tools/vig/ProgramHelp.h"
 #include "tools/vig/Text.h"
-#include "tools/vig/WarningNames.h"
+#include "tools/vig/check/WarningNames.h"
+#include "tools/vig/help/ProgramHelp.h"
 
 namespace tool {
 

@@ -22,7 +22,8 @@ struct Answer {
     std::string hint;  // what to do then
 };
 
-using Command = std::variant<RunOptions, WatchOptions, CheckOptions, CatalogueOptions, TestOptions, GraphOptions, Answer>;
+using Command =
+    std::variant<RunOptions, WatchOptions, CheckOptions, CatalogueOptions, TestOptions, GraphOptions, Answer>;
 
 // What the arguments ask for. The first one is the program's name.
 Command parseCommandLine(int count, const char* const* arguments);

@@ -7,17 +7,17 @@
 #include <utility>
 #include <vector>
 
-#include "tools/vig/Catalogue.h"
-#include "tools/vig/Checker.h"
 #include "tools/vig/DocumentText.h"
-#include "tools/vig/DotWriter.h"
 #include "tools/vig/FileText.h"
-#include "tools/vig/Graphviz.h"
-#include "tools/vig/MermaidWriter.h"
 #include "tools/vig/Output.h"
 #include "tools/vig/Registry.h"
-#include "tools/vig/RuleGraph.h"
 #include "tools/vig/Text.h"
+#include "tools/vig/check/Catalogue.h"
+#include "tools/vig/check/Checker.h"
+#include "tools/vig/graph/DotWriter.h"
+#include "tools/vig/graph/Graphviz.h"
+#include "tools/vig/graph/MermaidWriter.h"
+#include "tools/vig/graph/RuleGraph.h"
 #include "vig/parsers/VIGResponseParser.h"
 
 namespace tool {

@@ -5,9 +5,9 @@
 #include <string>
 
 #include "tools/vig/EventNames.h"
-#include "tools/vig/ExplainText.h"
 #include "tools/vig/PriorityName.h"
 #include "tools/vig/Text.h"
+#include "tools/vig/trace/ExplainText.h"
 
 namespace tool {
 

@@ -13,7 +13,7 @@
 #include <utility>
 
 #include "tools/vig/Text.h"
-#include "tools/vig/Tracer.h"
+#include "tools/vig/trace/Tracer.h"
 #include "vig/VIGManager.h"
 #include "vig/parsers/VIGResponseParser.h"
 

@@ -14,7 +14,7 @@
 #include "tools/vig/PlatformServices.h"
 #include "tools/vig/Report.h"
 #include "tools/vig/RuleDocument.h"
-#include "tools/vig/Tracer.h"
+#include "tools/vig/trace/Tracer.h"
 
 namespace tool {
 

@@ -4,8 +4,8 @@
 
 #include "tools/vig/Replay.h"
 #include "tools/vig/Report.h"
-#include "tools/vig/Trace.h"
-#include "tools/vig/WhyNot.h"
+#include "tools/vig/trace/Trace.h"
+#include "tools/vig/trace/WhyNot.h"
 
 namespace tool {
 

@@ -10,13 +10,13 @@
 #include <map>
 #include <system_error>
 
-#include "tools/vig/Coverage.h"
 #include "tools/vig/Descriptor.h"
-#include "tools/vig/JUnit.h"
 #include "tools/vig/Output.h"
-#include "tools/vig/TestFile.h"
-#include "tools/vig/TestRun.h"
 #include "tools/vig/Text.h"
+#include "tools/vig/test/Coverage.h"
+#include "tools/vig/test/JUnit.h"
+#include "tools/vig/test/TestFile.h"
+#include "tools/vig/test/TestRun.h"
 
 namespace tool {
 

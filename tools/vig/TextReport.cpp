@@ -9,9 +9,9 @@
 #include <vector>
 
 #include "tools/vig/EventNames.h"
-#include "tools/vig/ExplainText.h"
 #include "tools/vig/PriorityName.h"
 #include "tools/vig/Text.h"
+#include "tools/vig/trace/ExplainText.h"
 
 namespace tool {
 

@@ -1,0 +1,91 @@
+#include "tools/vig/check/Catalogue.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <filesystem>
+#include <string>
+
+#include "tests/support/TemporaryFolder.h"
+#include "tests/tools/ToolRun.h"
+#include "tools/vig/CatalogueCommand.h"
+#include "tools/vig/SystemSampler.h"
+#include "tools/vig/check/ActionNeeds.h"
+
+namespace {
+
+using namespace tool;
+
+std::optional<Catalogue> readText(const std::string& text, std::string& problem) {
+    return Catalogue::read(DocumentText("c.json", text), problem);
+}
+
+TEST(Catalogue, KnowsWhatTheSamplerProducesAndActionsRead) {
+    Catalogue catalogue = Catalogue::builtIn();
+    const std::string before = catalogue.text();
+    const support::TemporaryFolder sys;
+    std::filesystem::create_directories(sys.path("block/zram0"));
+    sys.write("block/zram0/mm_stat", "1 2 3 4 5 6 7 8 9\n");
+    std::chrono::seconds now{0};
+    SystemSampler sampler(
+        "/proc", sys.path(), [&now] { return ++now; }, [](std::string_view) {});
+    for (int sample = 0; sample < 2; ++sample) {
+        sampler.sample(0, [&](const EventRecord& record) { catalogue.learn(record); });
+    }
+    EXPECT_EQ(catalogue.text(), before);
+    for (const ActionNeed& need : kActionNeeds) {
+        EXPECT_NE(before.find("\"" + std::string(need.attribute) + "\""), std::string::npos) << need.attribute;
+    }
+}
+
+TEST(Catalogue, LearnsFromARecordingWhatItReadsBack) {
+    const std::string records =
+        "{\"event\":\"Test\",\"int64\":{\"x\":1},\"double\":{\"x\":2,\"\xC3\xA9\\\"\":0.5}}\n"
+        "{\"event\":\"ForegroundAppsStats\"}\n"
+        "{\"event\":\"Test\",\"int64\":{\"a\":1},\"bool\":{\"b\":true}}\n";
+    const std::string expected =
+        "{\n  \"events\": {\n    \"Test\": {\n      \"int64\": [\"a\", \"x\"],\n"
+        "      \"double\": [\"x\", \"\xC3\xA9\\\"\"],\n      \"bool\": [\"b\"]\n    },\n"
+        "    \"ForegroundAppsStats\": {}\n  },\n  \"context\": {}\n}\n";
+    const support::ToolResult result = support::runVerb(catalogue, CatalogueOptions(), records);
+    EXPECT_EQ(result.out, expected);
+    EXPECT_EQ(result.status, kExitDone);
+    std::string problem;
+    for (const std::string& text : {expected, Catalogue::builtIn().text(), Catalogue().text()}) {
+        const auto read = readText(text, problem);
+        ASSERT_TRUE(read) << problem;
+        EXPECT_EQ(read->text(), text);
+    }
+}
+
+TEST(Catalogue, SaysWhereAFileIsWrong) {
+    const std::pair<std::string, std::string> files[] = {
+        {"[]", "c.json:1:1: error: expected an object"},
+        {"{\n \"event\":{}}", "c.json:2:10: error: unknown key \"event\"; did you mean \"events\"?"},
+        {R"({"extends":true})", "c.json:1:12: error: extends: expected \"built-in\""},
+        {R"({"events":[]})", "c.json:1:11: error: events: expected an object"},
+        {R"({"events":{"Tset":{}}})", "c.json:1:19: error: events: unknown event \"Tset\"; did you mean \"Test\"?"},
+        {R"({"events":{"Test":{"int":[]}}})",
+         "c.json:1:26: error: events.Test: unknown key \"int\"; did you mean \"int64\"?"},
+        {R"({"context":{"int64":"x"}})", "c.json:1:21: error: context.int64: expected an array of attribute names"},
+        {R"({"context":{"int64":["x",1]}})", "c.json:1:26: error: context.int64[1]: expected an attribute's name"},
+        {"{", "c.json: error: Line 1, Column 2   Missing '}' or object member name"},
+    };
+    for (const auto& [text, expected] : files) {
+        std::string problem;
+        EXPECT_FALSE(readText(text, problem)) << text;
+        EXPECT_EQ(problem, expected);
+    }
+    std::string problem;
+    EXPECT_FALSE(Catalogue::readFrom("missing.json", problem));
+    EXPECT_EQ(problem, "vig: error: missing.json: No such file or directory");
+}
+
+TEST(CatalogueCommand, BadRecordIsAnErrorWithItsLine) {
+    const support::ToolResult result = support::runVerb(catalogue, CatalogueOptions(), "{\"event\":\"Test\"}\n{}\n");
+    EXPECT_EQ(result.status, kExitUnusable);
+    EXPECT_EQ(result.out, "");
+    EXPECT_EQ(result.err, "<stdin>:2: error: event: missing\n");
+}
+
+}  // namespace

@@ -1,0 +1,298 @@
+#include "tools/vig/check/RuleWarnings.h"
+
+#include <gmock/gmock.h>
+
+#include <chrono>
+#include <cstdint>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "tests/support/Documents.h"
+#include "tools/vig/Registry.h"
+
+namespace {
+
+using namespace tool;
+using Strings = std::vector<std::string>;
+
+// "name()" is a function, "=text" a constant, and all else an attribute.
+std::string operandOf(const std::string& term) {
+    return term.starts_with('=')  ? support::operand("constant", term.substr(1))
+           : term.ends_with("()") ? support::operand("function", term.substr(0, term.size() - 2))
+                                  : support::operand("envvar", term);
+}
+
+// "integer vmRssKB > =10"
+std::string filterOf(const std::string& condition) {
+    std::istringstream words(condition);
+    std::string type, left, op, right;
+    words >> type >> left >> op;
+    std::getline(words.ignore(), right);
+    return support::filter(op, type, operandOf(left), operandOf(right));
+}
+
+// "start end Test"
+std::string transition(const std::string& way, const Strings& conditions = {}, const std::string& action = {}) {
+    std::istringstream words(way);
+    std::string from, to, event, filters;
+    words >> from >> to >> event;
+    for (const std::string& each : conditions) {
+        filters += (filters.empty() ? "" : ",") + filterOf(each);
+    }
+    return support::transition(from, to, event, "[" + filters + "]",
+                               action.empty() ? "[]" : R"([{"name":")" + action + "\"}]");
+}
+
+std::vector<Diagnostic> warningsOf(const Strings& transitions, const Catalogue& catalogue = Catalogue::builtIn()) {
+    std::string all;
+    for (const std::string& each : transitions) {
+        all += (all.empty() ? "" : ",") + each;
+    }
+    const DocumentText document("", support::document({support::config(1, {all})}));
+    std::vector<Diagnostic> found;
+    appendWarnings(modelOf(document, 0), catalogue, libraryRegistry(), found);
+    return found;
+}
+
+// "name path", without the part of the path that all have.
+Strings namesOf(const std::vector<Diagnostic>& found) {
+    Strings names;
+    for (const Diagnostic& each : found) {
+        const std::string path = each.place.path.substr(std::string("configs[0].payload.data.transitions").size());
+        names.push_back((each.severity == Severity::Error ? "error " : "") + each.name + " " + path);
+    }
+    return names;
+}
+
+struct Case {
+    Strings transitions;
+    Strings expected = {};
+};
+
+void expectNames(const std::vector<Case>& cases) {
+    for (const auto& [transitions, expected] : cases) {
+        EXPECT_EQ(namesOf(warningsOf(transitions)), expected) << testing::PrintToString(transitions);
+    }
+}
+
+std::string memory(const Strings& conditions) {
+    return transition("start end ProcessMemoryHeartBeat", conditions);
+}
+
+TEST(RuleWarnings, FindsWhatIsWrongWithTheStates) {
+    const std::string log = "LogZramHeartBeat";
+    const std::string trigger = "TriggerVelora";
+    const std::string random = "double PseudoRandomDouble() < =0.1";
+    const std::string big = "integer vmRssKB > =10";
+    expectNames({
+        {{transition("start hto Test"), transition("hot end Test")},
+         {"no-way-out [0].to_state", "unreachable-state [1].from_state"}},
+        {{transition("a b Test"), transition("b a Test"), transition("end end Test")},
+         {"unreachable-state [0].from_state", "unreachable-state [0].to_state", "unreachable-state [2].from_state"}},
+        {{transition("start a Test", {big}), transition("a end Test")}},
+        {{transition("start start Test")}, {"no-way-out [0].to_state"}},
+        {{transition("start a Test"), transition("a a Test", {}, "Test")}},
+        {{}},
+        {{transition("start a Timeout"), transition("a start Test")}, {"unused-timeout [0].event"}},
+
+        {{memory({}), memory({big})}, {"shadowed-transition [1]"}},
+        {{memory({big}), memory({"integer =010 < vmRssKB", big})}, {"shadowed-transition [1]"}},
+        {{memory({big}), memory({"string processName == =a", big}), memory({})}, {"shadowed-transition [1]"}},
+        {{memory({"double =1 == =1"}), memory({})}, {"always-true [0].filters[0]", "shadowed-transition [1]"}},
+        {{memory({big}), memory({"integer vmRssKB >= =10"}), memory({"integer vmSwapKB > =10"})}},
+        {{memory({random}), memory({random})}},
+        {{memory({big, random}), memory({big})}},
+        {{memory({"integer =1 == =2"}), memory({})}, {"never-true [0].filters[0]"}},
+        {{memory({}), transition("start end SystemMemoryHeartBeat")}},
+
+        {{transition("start start EnteringState", {}, "Test")}, {"error endless-entering [0]"}},
+        {{transition("start a EnteringState"), transition("a b EnteringState"), transition("b a EnteringState")},
+         {"error endless-entering [2]"}},
+        {{transition("start a EnteringState", {random}), transition("a start EnteringState")},
+         {"endless-entering [1]"}},
+        {{transition("start end EnteringState", {random}), transition("start start EnteringState", {}, "Test")},
+         {"endless-entering [1]"}},
+        {{transition("start a EnteringState"), transition("a b EnteringState"), transition("b a Test")}},
+        {{transition("start end EnteringState"), transition("start start EnteringState")}, {"shadowed-transition [1]"}},
+
+        {{transition("start start ProcessMemoryHeartBeat", {big}, trigger)}, {"trigger-storm [0].actions[0]"}},
+        {{transition("start start ProcessMemoryHeartBeat", {big, random}, trigger)}},
+        {{transition("start start ZramHeartBeat", {}, log)}},
+        {{transition("start start ProcessMemoryHeartBeat", {}, trigger),
+          transition("start end EnteringState", {random})}},
+        {{transition("start end ProcessMemoryHeartBeat", {}, trigger)}},
+    });
+}
+
+TEST(RuleWarnings, FindsFiltersThatDecideNothing) {
+    const Strings never = {"string =a == =b",
+                           "integer =2 < =1",
+                           "double =nan == =nan",
+                           "integer vmRssKB > =9223372036854775807",
+                           "integer =-9223372036854775808 > vmRssKB",
+                           "string processName < =",
+                           "double cpuAvgUtilization == =nan",
+                           "double cpuAvgUtilization > =inf",
+                           "double PseudoRandomDouble() < =0",
+                           "double PseudoRandomDouble() >= =1",
+                           "double =1 == PseudoRandomDouble()",
+                           "integer pid != pid",
+                           "double cpuAvgUtilization < cpuAvgUtilization"};
+    const Strings always = {"string =a != =b",
+                            "double =nan != =nan",
+                            "string processName >= =",
+                            "double PseudoRandomDouble() < =1",
+                            "double =-0.5 != PseudoRandomDouble()",
+                            "string processName == processName"};
+    const Strings neither = {"integer vmRssKB >= =-9223372036854775808",
+                             "integer vmRssKB >= =9223372036854775807",
+                             "double cpuAvgUtilization != =nan",
+                             "double cpuAvgUtilization >= =inf",
+                             "string processName > =",
+                             "double PseudoRandomDouble() <= =0",
+                             "double cpuAvgUtilization == cpuAvgUtilization",
+                             "double PseudoRandomDouble() < PseudoRandomDouble()"};
+    const auto check = [](const Strings& conditions, const Strings& expected) {
+        for (const std::string& each : conditions) {
+            const bool ofMemory = each.find("cpu") == std::string::npos && each.find("pid") == std::string::npos;
+            const std::string event = ofMemory ? "ProcessMemoryHeartBeat" : "ProcessCpuHeartBeat";
+            EXPECT_EQ(namesOf(warningsOf({transition("start end " + event, {each})})), expected) << each;
+        }
+    };
+    check(never, {"never-true [0].filters[0]"});
+    check(always, {"always-true [0].filters[0]"});
+    check(neither, {});
+}
+
+TEST(RuleWarnings, FindsFiltersThatContradictEachOther) {
+    const std::vector<Strings> contradictory = {
+        {"integer vmRssKB > =10", "integer vmRssKB < =5"},
+        {"integer vmRssKB == =1", "integer vmRssKB == =2"},
+        {"integer =10 < vmRssKB", "integer =11 > vmRssKB"},
+        {"integer vmRssKB >= =1", "integer vmRssKB <= =2", "integer vmRssKB != =1", "integer vmRssKB != =2"},
+        {"string processName == =a", "string processName == =b"},
+        {"string processName == =a", "string processName != =a"},
+        {"string processName > =b", "string processName < =a"},
+        {"string processName < =B", "string processName > =a"},
+    };
+    for (const Strings& each : contradictory) {
+        const std::string last = "never-true [0].filters[" + std::to_string(each.size() - 1) + "]";
+        EXPECT_EQ(namesOf(warningsOf({memory(each)})), Strings{last}) << testing::PrintToString(each);
+    }
+    expectNames({
+        {{memory({"integer vmRssKB >= =10", "integer vmRssKB <= =10", "integer vmRssKB != =9"})}},
+        {{memory({"integer vmRssKB > =5", "integer vmRssKB > =3", "integer vmSwapKB < =1"})}},
+        {{memory({"string processName >= =a", "string processName < =b", "string processName != =a"})}},
+        {{memory({"double PseudoRandomDouble() < =0.1", "double PseudoRandomDouble() > =0.9"})}},
+        {{transition("start end ProcessCpuHeartBeat",
+                     {"double cpuAvgUtilization > =0", "double cpuAvgUtilization < =1e-300"})}},
+        {{transition("start end ProcessCpuHeartBeat",
+                     {"double cpuAvgUtilization >= =0", "double cpuAvgUtilization <= =-0.0",
+                      "double cpuAvgUtilization != =0"})},
+         {"never-true [0].filters[2]"}},
+        {{transition("start end ProcessCpuHeartBeat",
+                     {"double cpuAvgUtilization != =nan", "double cpuAvgUtilization != =1"})}},
+    });
+    const auto found = warningsOf({memory({"integer vmRssKB > =10", "integer =5 > vmRssKB"})});
+    ASSERT_EQ(found.size(), 1U);
+    EXPECT_EQ(found[0].message, "`5 > vmRssKB` contradicts `vmRssKB > 10` in the same transition");
+}
+
+TEST(RuleWarnings, FindsNumbersThatAreReadAsOthers) {
+    const std::pair<std::string, std::string> read[] = {{"integer =12kB", "12"},
+                                                        {"integer =0x10", "0"},
+                                                        {"integer =1e3", "1"},
+                                                        {"integer =12.9", "12"},
+                                                        {"double =1,5", "1"},
+                                                        {"double =1 000", "1"},
+                                                        {"double =9007199254740993", "9007199254740992"}};
+    for (const auto& [constant, number] : read) {
+        const std::size_t space = constant.find(' ');
+        const std::string type = constant.substr(0, space);
+        const auto found = warningsOf({transition("start end Test", {type + " x > " + constant.substr(space + 1)})});
+        ASSERT_EQ(namesOf(found), Strings{"number-text [0].filters[0].operand2"}) << constant;
+        EXPECT_THAT(found[0].message, testing::HasSubstr("read as " + number)) << constant;
+    }
+    for (const std::string whole :
+         {"integer x > = +7", "double x > =0x10", "double x > =0.1", "double x > =-inf", "double x > =9007199254740992",
+          "double x > =007", "integer x < =12 ", "string x == =12kB"}) {
+        EXPECT_EQ(namesOf(warningsOf({transition("start end Test", {whole})})), Strings()) << whole;
+    }
+    expectNames({{{transition("start end Test", {"integer =abc == =99999999999999999999"})},
+                  {"never-true [0].filters[0]", "number-text [0].filters[0].operand1",
+                   "number-text [0].filters[0].operand2"}}});
+}
+
+TEST(RuleWarnings, FindsAttributesThatEventsDoNotHave) {
+    const DocumentText additions("", R"({"extends":"built-in",
+        "events":{"ForegroundAppsStats":{"bool":["on"],"int64":["n"],"double":["n"]}},
+        "context":{"int64":["limit"],"string":["mode"]}})");
+    std::string problem;
+    const auto catalogue = Catalogue::read(additions, problem);
+    ASSERT_TRUE(catalogue) << problem;
+    const std::string cannot = "attributes of the kinds uint64 and bool cannot be compared at all";
+    const std::string operand1 = " [0].filters[0].operand1";
+    const struct {
+        std::string event;
+        std::string condition;
+        std::string expected;
+        std::string hint = {};
+    } cases[] = {
+        {"ProcessMemoryHeartBeat", "integer vmRsKB > =1", "unknown-attribute" + operand1, "did you mean \"vmRssKB\"?"},
+        {"SystemMemoryHeartBeat", "integer vmRssKB > =1", "unknown-attribute" + operand1,
+         "ProcessMemoryHeartBeat events have it"},
+        {"ProcessMemoryHeartBeat", "double vmRssKB > =1", "wrong-kind" + operand1, "write \"value_type\": \"integer\""},
+        {"ZramHeartBeat", "integer memUsedMaxBytes > =1", "wrong-kind" + operand1, cannot},
+        {"ForegroundAppsStats", "string on == =1", "wrong-kind" + operand1, cannot},
+        {"ForegroundAppsStats", "double n > =1", ""},
+        {"Test", "integer anything > =1", ""},
+        {"Timeout", "integer anything > =1", "unused-timeout [0].event"},
+        {"EnteringState", "integer limit > =1", ""},
+        {"EnteringState", "integer other > =1", "unknown-attribute" + operand1},
+        {"EnteringState", "double limit > =1", "wrong-kind" + operand1},
+        {"EnteringState", "integer limit > limit2", "context-ignored" + operand1},
+        {"ProcessMemoryHeartBeat", "integer limit < =1", ""},
+        {"ProcessMemoryHeartBeat", "integer limit < vmRssKB", "context-ignored" + operand1},
+        {"ProcessMemoryHeartBeat", "integer vmSwapKB < vmRssKB", ""},
+        {"Test", "string mode == anything", "context-ignored" + operand1},
+        {"ProcessMemoryHeartBeat", "integer vmRssKB > PseudoRandomDouble()",
+         "function-fallback [0].filters[0].operand2", "write \"value_type\": \"double\""},
+        {"ProcessCpuHeartBeat", "double cpuAvgUtilization > PseudoRandomDoubl()",
+         "function-fallback [0].filters[0].operand2", "did you mean \"PseudoRandomDouble\"?"},
+        {"ProcessCpuHeartBeat", "double cpuAvgUtilization > PseudoRandomDouble()", ""},
+    };
+    for (const auto& [event, condition, expected, hint] : cases) {
+        const auto found = warningsOf({transition("start end " + event, {condition})}, *catalogue);
+        ASSERT_EQ(found.empty() ? "" : namesOf(found)[0], expected) << condition;
+        EXPECT_TRUE(hint.empty() || found[0].hint == hint) << condition;
+    }
+    const std::string missing = "missing-attribute [0].actions[0]";
+    expectNames({
+        {{transition("start end ZramHeartBeat", {}, "TriggerVelora")}, {missing}},
+        {{transition("start end ProcessMemoryHeartBeat", {}, "TriggerVeloraCpu")}, {missing}},
+        {{transition("start end ProcessCpuHeartBeat", {}, "LogZramHeartBeat")}, {missing}},
+        {{transition("start end EnteringState", {}, "TriggerVelora")}, {missing}},
+        {{transition("start end Timeout", {}, "TriggerVeloraCpu")}, {"unused-timeout [0].event", missing}},
+        {{transition("start start SystemMemoryHeartBeat", {}, "TriggerVelora")}, {missing}},
+        {{transition("start end Test", {}, "TriggerVelora")}},
+    });
+}
+
+// Neither recursion nor comparing each with each: both would be felt.
+TEST(RuleWarnings, ManyTransitionsTakeNoLongTime) {
+    constexpr int kMany = 20'000;
+    Strings chain, star;
+    for (int i = 0; i < kMany; ++i) {
+        const std::string name = "s" + std::to_string(i);
+        chain.push_back(transition((i == 0 ? "start" : "s" + std::to_string(i - 1)) + " " + name + " EnteringState"));
+        star.push_back(memory({"string processName == =" + name, "integer vmRssKB > =1"}));
+    }
+    star.push_back(star.front());
+    const auto begin = std::chrono::steady_clock::now();
+    EXPECT_EQ(namesOf(warningsOf(chain)), Strings{"no-way-out [19999].to_state"});
+    EXPECT_EQ(namesOf(warningsOf(star)), Strings{"shadowed-transition [20000]"});
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(20));
+}
+
+}  // namespace

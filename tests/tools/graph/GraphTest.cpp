@@ -1,0 +1,238 @@
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <stdlib.h>
+#include <sys/stat.h>
+
+#include <regex>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "tests/support/Documents.h"
+#include "tests/support/TemporaryFolder.h"
+#include "tests/tools/ToolRun.h"
+#include "tools/vig/Descriptor.h"
+#include "tools/vig/FileText.h"
+#include "tools/vig/GraphCommand.h"
+#include "tools/vig/graph/DotWriter.h"
+#include "tools/vig/graph/GraphText.h"
+#include "tools/vig/graph/Graphviz.h"
+#include "tools/vig/graph/MermaidWriter.h"
+#include "tools/vig/graph/RuleGraph.h"
+
+namespace {
+
+using support::operand;
+using support::transition;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using tool::GraphFormat;
+using tool::RuleGraph;
+using tool::Traffic;
+
+const std::string kTransitions = "configs[0].payload.data.transitions";
+
+// Of the configuration 7 with those transitions.
+RuleGraph graphOf(std::initializer_list<std::string> transitions, const std::vector<tool::Diagnostic>& findings = {},
+                  const std::vector<Traffic>& traffic = {}) {
+    const tool::DocumentText document("", support::document({support::config(7, transitions)}));
+    const auto all =
+        traffic.empty() ? std::vector<std::vector<Traffic>>() : std::vector<std::vector<Traffic>>(1, traffic);
+    return tool::graphsOf({modelOf(document, 0)}, findings, all)[0];
+}
+
+tool::Diagnostic finding(const std::string& name, const std::string& path) {
+    return {tool::Severity::Warning, name, {0, 0, path}, "what is \"wrong\"", ""};
+}
+
+// As long as it lives, the shell script is all that there is of Graphviz; nothing, if it is empty.
+class FakeGraphviz {
+  public:
+    explicit FakeGraphviz(const std::string& script) {
+        if (!script.empty()) {
+            chmod(folder.write("dot", "#!/bin/sh\n" + script + "\n").c_str(), 0700);
+        }
+        setenv("PATH", folder.path().c_str(), 1);
+    }
+    FakeGraphviz(const FakeGraphviz&) = delete;
+    FakeGraphviz& operator=(const FakeGraphviz&) = delete;
+    ~FakeGraphviz() { setenv("PATH", path.c_str(), 1); }
+
+  private:
+    const support::TemporaryFolder folder;
+    const std::string path = getenv("PATH");
+};
+
+tool::GraphOptions optionsOf(const std::string& rules, GraphFormat format, const std::string& events = {}) {
+    tool::GraphOptions options;
+    options.rules = rules;
+    options.format = format;
+    options.events = events;
+    return options;
+}
+
+TEST(RuleGraph, OrdersTransitionsWithinTheirStateAndKnowsWhatIsUnreachable) {
+    const RuleGraph graph = graphOf({transition("a", "start", "Timeout"), transition("start", "a", "Test"),
+                                     transition("lost", "a", "Test"), transition("a", "a", "Test")});
+    std::string text;
+    for (const tool::GraphState& state : graph.states) {
+        text += state.name + (state.reachable ? ": " : "(unreachable): ");
+        for (const tool::GraphArrow& arrow : state.arrows) {
+            text += tool::orderOf(arrow) + " " + arrow.title + " to " + graph.states[arrow.target].name + "; ";
+        }
+    }
+    EXPECT_EQ(text, "start: 1 Test to a; a: 1 Timeout to start; 2 Test to a; lost(unreachable): 1 Test to a; ");
+}
+
+TEST(RuleGraph, MarksWhatAFindingIsAbout) {
+    const std::vector<tool::Diagnostic> findings = {finding("number-text", kTransitions + "[1].filters[0].operand2"),
+                                                    finding("no-way-out", kTransitions + "[1].to_state"),
+                                                    finding("duplicate-id", "configs[0].id"),
+                                                    finding("elsewhere", "configs[1].id"), finding("odd", "")};
+    const RuleGraph graph = graphOf({transition("start", "a", "Test"), transition("start", "b", "Test")}, findings);
+    EXPECT_THAT(graph.states[0].arrows[0].marks, testing::IsEmpty());
+    EXPECT_THAT(tool::markLinesOf(graph.states[0].arrows[1].marks), ElementsAre("⚠ number-text"));
+    EXPECT_THAT(tool::markLinesOf(graph.states[2].marks), ElementsAre("⚠ no-way-out"));
+    EXPECT_THAT(tool::markLinesOf(graph.marks), ElementsAre("⚠ duplicate-id"));
+    const std::string said = R"(what is &quot;wrong&quot;", label=<)";
+    EXPECT_THAT(tool::dotOf({graph}, ""), HasSubstr("c0s0 [tooltip=\"2: number-text: " + said));
+}
+
+TEST(RuleGraph, OneArrowStandsForTheRestOfManyWithTheSameEnds) {
+    std::string transitions;
+    std::vector<Traffic> traffic;
+    for (int index = 0; index < 41; ++index) {
+        transitions += (index == 0 ? "" : ",") + transition("start", "end", index % 2 == 0 ? "Test" : "Timeout");
+        traffic.push_back({index == 7 ? 0u : 10u, index < 5 ? 1u : 0u});
+    }
+    const RuleGraph graph = graphOf({transitions}, {finding("always-true", kTransitions + "[40]")}, traffic);
+    std::string text;
+    for (const auto& arrow : graph.states[0].arrows) {
+        text += tool::orderOf(arrow) + ": " + tool::trafficLineOf(arrow) + ", ";
+    }
+    EXPECT_EQ(text,
+              "1: 1 of 10 tried, 2: 1 of 10 tried, 3: 1 of 10 tried, 4…5: 2 of 20 tried, 6: 0 of 10 tried, "
+              "7: 0 of 10 tried, 8: never tried, 9: 0 of 10 tried, 10…41: 0 of 320 tried, ");
+    const auto& sum = graph.states[0].arrows.back();
+    EXPECT_EQ(sum.title, "32 more");
+    EXPECT_THAT(sum.conditions, ElementsAre("Test ×16", "Timeout ×16"));
+    EXPECT_THAT(tool::markLinesOf(sum.marks), ElementsAre("⚠ always-true"));
+}
+
+TEST(GraphText, IsCutBetweenCharacters) {
+    const std::pair<std::string, std::string> cases[] = {
+        {"abc", "abc"}, {"abcd", "ab…"}, {"äöüß", "äö…"}, {"\n", "\\n"}, {"\n\n", "\\n…"}, {"", ""}, {"😀😀😀😀", "😀😀…"}};
+    for (const auto& [text, expected] : cases) {
+        EXPECT_EQ(tool::pictureText(text, 3), expected) << text;
+    }
+}
+
+TEST(GraphFormats, SurviveEveryName) {
+    const std::string names[] = {R"(a\"b'<b>x</b>&amp;\\N\\G{}|[])",
+                                 "",
+                                 "  ",
+                                 R"(new\nline\u0001\u0000)",
+                                 "\xFF\xFE",
+                                 "\u202E\u2028",
+                                 "\uFFFE\uFFFF",
+                                 std::string(300, 'x'),
+                                 "--> : ; %% #35; <br/> [*] state note",
+                                 "]]>-->"};
+    std::string transitions = transition("start", "end", "Test");
+    for (const std::string& name : names) {
+        const std::string filter = support::filter("==", "string", operand("envvar", name), operand("constant", name));
+        transitions += "," + transition("start", name, "Test", "[" + filter + "]");
+    }
+    const auto findings = {finding("<&\">", kTransitions + "[1]"), finding("-->\n", kTransitions + "[2].to_state")};
+    const std::vector<RuleGraph> graphs = {graphOf({transitions}, findings)};
+    const auto rendered = tool::renderGraph(tool::dotOf(graphs, "<a&b>\n"), "svg", tool::Interruption());
+    EXPECT_EQ(rendered.status, tool::Rendering::Status::Done);
+    EXPECT_EQ(rendered.messages, "");
+    EXPECT_THAT(rendered.image, HasSubstr(R"(&gt;x&lt;/b&gt;&amp;amp;\N\G{}|[] ==)"));
+    const std::string text = R"(([-A-Za-z0-9 .,()=!+*/_'>\x80-\xFF]|#[0-9]+;|<br/>)*)";
+    const std::regex line(" *(stateDiagram-v2|classDef .*|class \\w+ \\w+|state \"" + text +
+                          "\" as \\w+( \\{)?|(\\[\\*\\]|\\w+) --> \\w+( : " + text + ")?|\\})");
+    for (const std::string& each : support::linesWith(tool::mermaidOf(graphs), "")) {
+        EXPECT_TRUE(std::regex_match(each, line)) << each;
+    }
+}
+
+TEST(GraphCommand, DrawsTheDocumentOrSaysWhyNot) {
+    const support::TemporaryFolder folder;
+    const std::string good = VIG_SOURCE_DIR "/examples/escalation.json";
+    const std::string bad = folder.write("bad.json", "{}");
+    const struct {
+        std::string rules;
+        GraphFormat format;
+        std::string events;
+        int status;
+        std::string written;
+    } cases[] = {
+        {good, GraphFormat::Dot, "", 0, "vmRssKB &gt; 204800"},
+        {good, GraphFormat::Mermaid, "", 0, "PseudoRandomDouble() #60; 0.5<br/>→ TriggerVelora\n"},
+        {good, GraphFormat::Mermaid, VIG_SOURCE_DIR "/examples/trace.jsonl", 0,
+         "→ LogZramHeartBeat<br/>5 of 5 tried\n"},
+        {good, GraphFormat::Png, "", 0, "\x89PNG\r\n"},
+        {good, GraphFormat::Svg, folder.path("none"), 2, "none: No such file or directory\n"},
+        {bad, GraphFormat::Dot, "", 1, bad + ": error: refused; `vig check " + bad + "` tells what is wrong\n"},
+        {folder.path("none"), GraphFormat::Dot, "", 2, "none: No such file or directory\n"},
+    };
+    for (const auto& each : cases) {
+        const auto result = support::runVerb(tool::graph, optionsOf(each.rules, each.format, each.events));
+        EXPECT_EQ(result.status, each.status) << result.err;
+        EXPECT_THAT(each.status == 0 ? result.out : result.err, HasSubstr(each.written));
+        EXPECT_EQ(each.status == 0 ? result.err : result.out, "");
+    }
+}
+
+TEST(GraphCommand, PicturesInTheDocumentationAreCurrent) {
+    const std::string root = VIG_SOURCE_DIR;
+    for (const auto& [picture, events] : {std::pair("escalation", ""), std::pair("escalation-replay", "trace.jsonl")}) {
+        const auto options = optionsOf(root + "/examples/escalation.json", GraphFormat::Svg,
+                                       *events == '\0' ? "" : root + "/examples/" + events);
+        std::string problem;
+        EXPECT_TRUE(tool::readFile(root + "/docs/" + picture + ".svg", problem) ==
+                    support::runVerb(tool::graph, options).out)
+            << "docs/" << picture << ".svg is not what `vig graph` draws of examples/escalation.json " << events;
+    }
+}
+
+TEST(GraphCommand, SaysThatGraphvizIsMissingOrWhatItComplainsOf) {
+    const support::TemporaryFolder folder;
+    const auto options = optionsOf(folder.write("r.json", support::kCompleteDocument), GraphFormat::Svg);
+    for (const auto& [script, complaint] :
+         {std::pair("", "--format svg needs the program dot of Graphviz, which is not installed\n"),
+          std::pair("echo 'no \033[1mfonts' >&2; exit 3", "vig: error: Graphviz failed: no \\x1b[1mfonts")}) {
+        const FakeGraphviz fake(script);
+        const auto result = support::runVerb(tool::graph, options);
+        EXPECT_EQ(result.status, 2);
+        EXPECT_EQ(result.out, "");
+        EXPECT_THAT(result.err, HasSubstr(complaint));
+    }
+}
+
+TEST(GraphCommand, DoesNotWriteAPictureToATerminal) {
+    const int controller = posix_openpt(O_RDWR | O_NOCTTY);
+    ASSERT_TRUE(controller >= 0 && grantpt(controller) == 0 && unlockpt(controller) == 0);
+    const tool::Descriptor closed(controller);
+    const tool::Descriptor terminal(open(ptsname(controller), O_RDWR | O_NOCTTY));
+    const support::MemoryFile err;
+    const auto options = optionsOf("rules.json", GraphFormat::Png);
+    EXPECT_EQ(tool::graph(options, {STDIN_FILENO, terminal.get(), err.descriptor}, tool::Interruption()), 2);
+    EXPECT_THAT(err.content(), HasSubstr("redirect it to a file"));
+}
+
+TEST(Graphviz, NeitherSideWaitsForTheOther) {
+    const std::string big(3'000'000, 'x');
+    tool::Interruption interruption;
+    for (const auto& [script, image] :
+         {std::pair("exec /bin/cat", big), std::pair("echo $1", std::string("-Tsvg\n"))}) {
+        const FakeGraphviz fake(script);
+        EXPECT_EQ(tool::renderGraph(big, "svg", interruption).image, image);
+    }
+    interruption.request();
+    const FakeGraphviz slow("exec /bin/sleep 1000");
+    EXPECT_EQ(tool::renderGraph(big, "svg", interruption).status, tool::Rendering::Status::Interrupted);
+}
+
+}  // namespace

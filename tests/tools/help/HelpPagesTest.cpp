@@ -1,0 +1,90 @@
+#include <gmock/gmock.h>
+
+#include <array>
+#include <cstdio>
+#include <string>
+
+#include "tests/support/TemporaryFolder.h"
+#include "tools/vig/help/Completion.h"
+#include "tools/vig/help/ManPage.h"
+
+namespace {
+
+using testing::HasSubstr;
+
+// What a shell command writes, errors included.
+std::string outputOf(const std::string& command) {
+    std::FILE* const pipe = popen(("(" + command + ") 2>&1").c_str(), "r");
+    std::array<char, 4096> piece;
+    std::string output;
+    while (const std::size_t size = std::fread(piece.data(), 1, piece.size(), pipe)) {
+        output.append(piece.data(), size);
+    }
+    pclose(pipe);
+    return output;
+}
+
+// Also with what nothing has yet: marks of each language in descriptions, a long list of words.
+tool::ProgramHelp helpWithOddities() {
+    tool::ProgramHelp help = tool::programHelp();
+    help.verbs.push_back(
+        {"odd", ".it's [a: \\b] `c` -- d", {{{"--allow"}, false, false, true, "NAME", "'e' \\n [f]:"}}, ".g\n'h"});
+    return help;
+}
+
+TEST(ManPage, HasEveryVerbAndSatisfiesTheFormatter) {
+    const support::TemporaryFolder folder;
+    const std::string page = folder.write("vig.1", tool::manPageOf(helpWithOddities()));
+    EXPECT_EQ(outputOf("groff -man -Tutf8 -ww -z " + page), "");
+    const std::string text = outputOf("groff -man -Tascii -P-cbou -rLL=200n " + page);
+    for (const char* const part : {"--interval TIME", "vig graph RULES", "vig test FILE... [options]",
+                                   "--format dot|svg|png|mermaid", ".it's [a: \\b]", ".g\n       'h\n"}) {
+        EXPECT_THAT(text, HasSubstr(part));
+    }
+}
+
+TEST(BashCompletion, CompletesVerbsOptionsWordsAndFiles) {
+    const support::TemporaryFolder folder;
+    folder.write("vig.bash", tool::bashCompletionOf(helpWithOddities()));
+    folder.write("rules file.json", "");
+    const struct {
+        const char* words;
+        const char* expected;
+    } cases[] = {
+        {"vig r", "run"},
+        {"vig --v", "--version"},
+        {"vig run --f", "--format"},
+        {"vig run --format j", "jsonl"},
+        {"vig graph --format = m", "mermaid"},
+        {"vig watch --format = ''", "text\njsonl"},
+        {"vig run ru", "rules file.json"},
+        {"vig run --context ru", "rules file.json"},
+        {"vig run --seed ''", ""},
+        {"vig odd --allow never", "never-true"},
+        {"vig none --f", ""},
+    };
+    for (const auto& each : cases) {
+        const std::string script =
+            "cd " + folder.path().string() + "; . ./vig.bash; COMP_WORDS=(" + each.words +
+            "); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _vig; IFS=$'\\n'; printf %s \"${COMPREPLY[*]}\"";
+        folder.write("case.bash", script);
+        EXPECT_EQ(outputOf("bash " + folder.path("case.bash").string()), each.expected) << each.words;
+    }
+}
+
+TEST(ZshCompletion, IsReadByZsh) {
+    const support::TemporaryFolder folder;
+    const std::string script = folder.write("_vig", tool::zshCompletionOf(helpWithOddities()));
+    if (outputOf("command -v zsh").empty()) {
+        GTEST_SKIP() << "there is no zsh";
+    }
+    // In the place of zsh's own functions, which need a terminal.
+    folder.write("case.zsh",
+                 "_describe() { print -l ${(P)3} }; _arguments() { print -rl -- \"$@\" }; words=(vig odd ''); "
+                 "CURRENT=3; source " +
+                     script);
+    EXPECT_THAT(outputOf("zsh -f " + folder.path("case.zsh").string()),
+                HasSubstr("*--allow=['e' \\\\n \\[f\\]\\:]:NAME:(unreachable-state "));
+}
+
+}  // namespace

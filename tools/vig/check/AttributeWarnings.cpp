@@ -1,0 +1,219 @@
+#include "tools/vig/check/AttributeWarnings.h"
+
+#include <functional>
+#include <string_view>
+
+#include "tools/vig/EventNames.h"
+#include "tools/vig/NearestName.h"
+#include "tools/vig/Text.h"
+#include "tools/vig/check/ActionNeeds.h"
+#include "tools/vig/check/NormalFilter.h"
+#include "tools/vig/check/Warn.h"
+
+namespace tool {
+
+using Brenta::OS::RulesEngine::EventType;
+using Brenta::OS::VIG::FilterValueType;
+using Brenta::OS::VIG::kFilterValueTypeTable;
+using Brenta::OS::VIG::VIGParserConfig;
+
+namespace {
+
+KindSet kindsOf(const CataloguedAttributes& attributes, std::string_view name) {
+    const auto place = attributes.find(name);
+    return place == attributes.end() ? KindSet() : place->second;
+}
+
+std::string_view textOf(FilterValueType type) {
+    const auto& pairs = kFilterValueTypeTable.pairs;
+    return std::ranges::find(pairs, type, [](const auto& pair) { return pair.first; })->second;
+}
+
+// The value type as which an attribute of these kinds can be compared; empty if there is none.
+std::string_view comparableAs(KindSet kinds) {
+    for (const auto& [type, text] : kFilterValueTypeTable.pairs) {
+        if (kinds.has(kindOf(type))) {
+            return text;
+        }
+    }
+    return {};
+}
+
+template <typename T>
+bool hasFunction(const VIGParserConfig& registry, const std::string& name) {
+    std::function<T()> function;
+    return registry.getPureFunction(name, function);
+}
+
+bool hasFunction(const VIGParserConfig& registry, const std::string& name, FilterValueType type) {
+    switch (type) {
+        case FilterValueType::Integer:
+            return hasFunction<std::int64_t>(registry, name);
+        case FilterValueType::Double:
+            return hasFunction<double>(registry, name);
+        case FilterValueType::String:
+            break;
+    }
+    return hasFunction<std::string>(registry, name);
+}
+
+std::vector<std::string_view> functionNames(const VIGParserConfig& registry, FilterValueType type) {
+    std::vector<std::string_view> names;
+    const auto addAll = [&](const auto& functions) {
+        for (const auto& named : functions) {
+            names.push_back(named.first);
+        }
+    };
+    if (type == FilterValueType::Integer) {
+        addAll(registry.getInt64PureFunctions());
+    } else if (type == FilterValueType::Double) {
+        addAll(registry.getDoublePureFunctions());
+    } else {
+        addAll(registry.getStringPureFunctions());
+    }
+    return names;
+}
+
+// Warns of the operands of one transition's filters.
+class OperandCheck {
+  public:
+    OperandCheck(const TransitionModel& transition, const Catalogue& known, const VIGParserConfig& names,
+                 std::vector<Diagnostic>& results)
+        : event(transition.event), ofEvent(known.find(event)), catalogue(known), registry(names), found(results) {}
+
+    void check(const FilterModel& filter) {
+        for (const OperandModel* const operand : {&filter.operand1, &filter.operand2}) {
+            if (isAttribute(*operand)) {
+                checkAttribute(*operand, filter);
+            } else if (isFunction(*operand) && !hasFunction(registry, operand->operand.value, filter.valueType)) {
+                warnOfFallback(*operand, filter.valueType);
+            }
+        }
+    }
+
+  private:
+    void checkAttribute(const OperandModel& operand, const FilterModel& filter) {
+        const std::string& name = operand.operand.value;
+        const AttributeKind kind = kindOf(filter.valueType);
+        KindSet known = ofEvent != nullptr ? kindsOf(*ofEvent, name) : KindSet();
+        if (known.has(kind)) {
+            return;
+        }
+        const KindSet inContext = kindsOf(catalogue.context(), name);
+        if (hasConstant(filter)) {
+            known.add(inContext);
+        } else if (inContext.has(kind) || event == EventType::EnteringState) {
+            warnOfContext(operand, filter.valueType);
+            return;
+        }
+        if (ofEvent == nullptr || known.has(kind)) {
+            return;
+        }
+        if (!known.isEmpty()) {
+            warnOfKind(operand, filter.valueType, known);
+        } else {
+            warn(found, "unknown-attribute", operand.place,
+                 eventNoun() + " have no attribute " + quoted(name) + " that is known", hintFor(name));
+        }
+    }
+
+    void warnOfContext(const OperandModel& operand, FilterValueType type) {
+        warn(found, "context-ignored", operand.place,
+             quoted(operand.operand.value) + " is looked for in the event alone, where it is not, and reads as " +
+                 fallbackOf(type) + ": only a comparison with a constant looks at the context",
+             "compare it with a constant");
+    }
+
+    void warnOfKind(const OperandModel& operand, FilterValueType type, KindSet known) {
+        const std::string_view better = comparableAs(known);
+        warn(found, "wrong-kind", operand.place,
+             quoted(operand.operand.value) + " is known as " + known.text() + ", which a comparison as " +
+                 quoted(textOf(type)) + " never finds",
+             better.empty() ? "attributes of the kinds uint64 and bool cannot be compared at all"
+                            : "write \"value_type\": " + quoted(better));
+    }
+
+    void warnOfFallback(const OperandModel& operand, FilterValueType type) {
+        const std::string& name = operand.operand.value;
+        warn(found, "function-fallback", operand.place,
+             "there is no function " + quoted(name) + " that gives the type " + quoted(textOf(type)) +
+                 ": it reads as " + fallbackOf(type),
+             hintForFunction(name, type));
+    }
+
+    std::string hintForFunction(const std::string& name, FilterValueType type) const {
+        for (const auto& [other, text] : kFilterValueTypeTable.pairs) {
+            if (hasFunction(registry, name, other)) {
+                return "write \"value_type\": " + quoted(text);
+            }
+        }
+        return asHint(suggestion(name, functionNames(registry, type)));
+    }
+
+    static std::string fallbackOf(FilterValueType type) {
+        return type == FilterValueType::String ? "the empty text" : "0";
+    }
+
+    std::string eventNoun() const { return std::string(nameOf(event)) + " events"; }
+
+    // The name that was meant, or the events that have this one.
+    std::string hintFor(const std::string& name) const {
+        std::vector<std::string_view> names;
+        for (const CataloguedAttributes* const attributes : {ofEvent, &catalogue.context()}) {
+            for (const auto& each : *attributes) {
+                names.push_back(each.first);
+            }
+        }
+        std::string hint = asHint(suggestion(name, names));
+        for (const auto& [type, text] : Brenta::OS::VIG::kEventTypeNames.pairs) {
+            const CataloguedAttributes* const others = catalogue.find(type);
+            if (hint.empty() && others != nullptr && others->contains(name)) {
+                hint = std::string(text) + " events have it";
+            }
+        }
+        return hint;
+    }
+
+    const EventType event;
+    const CataloguedAttributes* const ofEvent;
+    const Catalogue& catalogue;
+    const VIGParserConfig& registry;
+    std::vector<Diagnostic>& found;
+};
+
+}  // namespace
+
+std::string missingFor(const ActionModel& action, EventType event, const Catalogue& catalogue) {
+    static const CataloguedAttributes kNone;
+    const CataloguedAttributes* known = catalogue.find(event);
+    // The library's own event for a timeout that has run out has none.
+    known = known == nullptr && event == EventType::Timeout ? &kNone : known;
+    std::string missing;
+    for (const ActionNeed& need : kActionNeeds) {
+        if (known != nullptr && need.action == action.key && !kindsOf(*known, need.attribute).has(need.kind)) {
+            missing += (missing.empty() ? "" : ", ") + std::string(need.attribute) + " (" +
+                       std::string(nameOf(need.kind)) + ")";
+        }
+    }
+    return missing;
+}
+
+void appendAttributeWarnings(const TransitionModel& transition, const Catalogue& catalogue,
+                             const VIGParserConfig& registry, std::vector<Diagnostic>& found) {
+    OperandCheck operands(transition, catalogue, registry, found);
+    for (const FilterModel& filter : transition.filters) {
+        operands.check(filter);
+    }
+    for (const ActionModel& action : transition.actions) {
+        const std::string missing = missingFor(action, transition.event, catalogue);
+        if (!missing.empty()) {
+            warn(found, "missing-attribute", action.place,
+                 quoted(action.name) + " needs attributes that " + std::string(nameOf(transition.event)) +
+                     " events are not known to have: " + missing,
+                 startsCollection(action.key) ? "without them it only logs; listen for another event"
+                                              : "without them it logs 0; listen for another event");
+        }
+    }
+}
+
+}  // namespace tool

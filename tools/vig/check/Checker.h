@@ -1,0 +1,18 @@
+#pragma once
+
+#include <vector>
+
+#include "tools/vig/DocumentText.h"
+#include "tools/vig/check/Catalogue.h"
+#include "tools/vig/check/Diagnostic.h"
+#include "vig/parsers/VIGParserConfig.h"
+
+namespace tool {
+
+// Everything that is wrong with a rule document, by place: errors for what the library refuses with these names, and
+// what `vig check` warns of, with these attributes in mind. There is an error under the name of a code of the library
+// exactly when the library refuses the document. The platform log is not available meanwhile; used on one thread.
+std::vector<Diagnostic> check(const DocumentText& document, const Brenta::OS::VIG::VIGParserConfig& registry,
+                              const Catalogue& catalogue);
+
+}  // namespace tool

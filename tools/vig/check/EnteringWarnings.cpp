@@ -1,0 +1,112 @@
+#include "tools/vig/check/EnteringWarnings.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <span>
+#include <string>
+
+#include "tools/vig/Text.h"
+#include "tools/vig/check/Warn.h"
+
+namespace tool {
+
+using Brenta::OS::RulesEngine::EventType;
+
+namespace {
+
+// Follows EnteringState transitions, depth first. One that leads to a state on the path closes a cycle.
+class CycleSearch {
+  public:
+    CycleSearch(const StateGraph& machine, std::vector<Diagnostic>& results)
+        : graph(machine), found(results), depths(machine.names.size(), kUnseen) {}
+
+    void searchFrom(std::size_t state) {
+        if (depths[state] != kUnseen) {
+            return;
+        }
+        enter(state);
+        while (!path.empty()) {
+            Step& step = path.back();
+            const auto& outgoing = graph.outgoing[step.state];
+            if (step.next == outgoing.size()) {
+                depths[step.state] = kDone;
+                path.pop_back();
+                continue;
+            }
+            const Edge& edge = graph.edges[outgoing[step.next++]];
+            if (isFollowed(edge)) {
+                follow(edge);
+            }
+        }
+    }
+
+  private:
+    static constexpr std::size_t kUnseen = static_cast<std::size_t>(-1);
+    static constexpr std::size_t kDone = kUnseen - 1;
+
+    struct Step {
+        std::size_t state;
+        std::size_t next;       // of its outgoing transitions
+        std::size_t uncertain;  // how many states on the path up to here are
+    };
+
+    void enter(std::size_t state) {
+        const std::size_t before = path.empty() ? 0 : path.back().uncertain;
+        depths[state] = path.size();
+        path.push_back({state, 0, before + (isUncertain(state) ? 1 : 0)});
+    }
+
+    void follow(const Edge& edge) {
+        if (depths[edge.to] == kUnseen) {
+            enter(edge.to);
+        } else if (depths[edge.to] != kDone) {
+            report(edge, std::span(path).subspan(depths[edge.to]));
+        }
+    }
+
+    // Whether it depends on a filter where the machine goes from there. What comes after a transition without one is
+    // shadowed.
+    bool isUncertain(std::size_t state) const {
+        return std::ranges::any_of(graph.outgoing[state], [&](std::size_t index) {
+            return isFollowed(graph.edges[index]) && !graph.edges[index].logic.conditions.empty();
+        });
+    }
+
+    static bool isFollowed(const Edge& edge) {
+        return edge.transition->event == EventType::EnteringState && edge.canFire();
+    }
+
+    void report(const Edge& closing, std::span<const Step> cycle) {
+        constexpr std::size_t kMostShown = 5;
+        std::string states;
+        for (const Step& step : cycle.first(std::min(cycle.size(), kMostShown))) {
+            states += quoted(graph.names[step.state]) + " to ";
+        }
+        states += (cycle.size() > kMostShown ? "… to " : "") + quoted(graph.names[closing.to]);
+        const bool endless = !isUncertain(cycle.front().state) && cycle.back().uncertain == cycle.front().uncertain;
+        warn(found, "endless-entering", closing.transition->place,
+             "EnteringState transitions lead from " + states +
+                 (endless ? ", without end" : ", unless filters say otherwise") + ": one event makes up to 1000 moves",
+             "let one of them listen for another event");
+        found.back().severity = endless ? Severity::Error : Severity::Warning;
+    }
+
+    const StateGraph& graph;
+    std::vector<Diagnostic>& found;
+    std::vector<std::size_t> depths;  // on the path, of each state that is on it
+    std::vector<Step> path;
+};
+
+}  // namespace
+
+void appendEnteringWarnings(const StateGraph& graph, const std::vector<bool>& reachable,
+                            std::vector<Diagnostic>& found) {
+    CycleSearch search(graph, found);
+    for (std::size_t state = 0; state < reachable.size(); ++state) {
+        if (reachable[state]) {
+            search.searchFrom(state);
+        }
+    }
+}
+
+}  // namespace tool

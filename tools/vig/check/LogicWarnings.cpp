@@ -1,0 +1,240 @@
+#include "tools/vig/check/LogicWarnings.h"
+
+#include <json/value.h>
+
+#include <optional>
+#include <string>
+#include <utility>
+
+#include "tools/vig/Text.h"
+#include "tools/vig/check/NormalFilter.h"
+#include "tools/vig/check/ValueRange.h"
+#include "tools/vig/check/Warn.h"
+#include "vig/parsers/NumberText.h"
+
+namespace tool {
+
+using Brenta::OS::RulesEngine::EvaluationContext;
+using Brenta::OS::RulesEngine::Event;
+using Brenta::OS::RulesEngine::EventType;
+using Brenta::OS::VIG::FilterOperator;
+using Brenta::OS::VIG::FilterValueType;
+using Brenta::OS::VIG::VIGParserConfig;
+
+namespace {
+
+enum class Truth { Depends, Always, Never };
+
+FilterOperator negated(FilterOperator op) {
+    switch (op) {
+        case FilterOperator::Equal:
+            return FilterOperator::NotEqual;
+        case FilterOperator::NotEqual:
+            return FilterOperator::Equal;
+        case FilterOperator::Greater:
+            return FilterOperator::LessEqual;
+        case FilterOperator::Less:
+            return FilterOperator::GreaterEqual;
+        case FilterOperator::GreaterEqual:
+            return FilterOperator::Less;
+        case FilterOperator::LessEqual:
+            break;
+    }
+    return FilterOperator::Greater;
+}
+
+template <typename T>
+T constantOf(const OperandModel& operand) {
+    if constexpr (std::is_same_v<T, std::string>) {
+        return operand.operand.value;
+    } else if constexpr (std::is_same_v<T, double>) {
+        return Brenta::OS::VIG::readNearestDouble(operand.operand.value);
+    } else {
+        return Brenta::OS::VIG::readNearestInt64(operand.operand.value);
+    }
+}
+
+// All values that a comparison with a constant can meet.
+template <typename T>
+ValueRange<T> domainOf(const OperandModel& operand) {
+    ValueRange<T> domain;
+    if constexpr (std::is_same_v<T, double>) {
+        if (isFunction(operand) && operand.operand.value == "PseudoRandomDouble") {
+            domain.narrow(FilterOperator::GreaterEqual, 0);
+            domain.narrow(FilterOperator::Less, 1);
+        }
+    }
+    return domain;
+}
+
+template <typename T>
+bool isImpossible(FilterOperator op, const NormalFilter& normal) {
+    ValueRange<T> range = domainOf<T>(normal.left);
+    range.narrow(op, constantOf<T>(normal.right));
+    return range.isEmpty();
+}
+
+// A number that is missing is never equal nor different, so that nothing is always true of it.
+template <typename T>
+Truth truthAgainstConstant(const NormalFilter& normal) {
+    if (isImpossible<T>(normal.op, normal)) {
+        return Truth::Never;
+    }
+    const bool alwaysPresent = std::is_same_v<T, std::string> || isFunction(normal.left);
+    return alwaysPresent && isImpossible<T>(negated(normal.op), normal) ? Truth::Always : Truth::Depends;
+}
+
+Truth truthAgainstConstant(const FilterModel& filter) {
+    const NormalFilter normal = normalFormOf(filter);
+    switch (filter.valueType) {
+        case FilterValueType::Integer:
+            return truthAgainstConstant<std::int64_t>(normal);
+        case FilterValueType::Double:
+            return truthAgainstConstant<double>(normal);
+        case FilterValueType::String:
+            break;
+    }
+    return truthAgainstConstant<std::string>(normal);
+}
+
+// As the library finds it. Nothing of the event or the context is looked at.
+Truth truthOfConstants(const FilterModel& filter, const VIGParserConfig& registry) {
+    const auto built = _parseFilter(*filter.json, registry);
+    return built && (*built)(EvaluationContext(), Event(EventType::Test)) ? Truth::Always : Truth::Never;
+}
+
+// An attribute against itself. NaN differs from itself.
+Truth truthOfOneAttribute(const FilterModel& filter) {
+    const bool exact = filter.valueType != FilterValueType::Double;
+    switch (filter.op) {
+        case FilterOperator::Greater:
+        case FilterOperator::Less:
+            return Truth::Never;
+        case FilterOperator::NotEqual:
+            return exact ? Truth::Never : Truth::Depends;
+        default:
+            return exact ? Truth::Always : Truth::Depends;
+    }
+}
+
+Truth truthOf(const FilterModel& filter, const VIGParserConfig& registry) {
+    if (isOfConstants(filter)) {
+        return truthOfConstants(filter, registry);
+    }
+    if (hasConstant(filter)) {
+        return truthAgainstConstant(filter);
+    }
+    const bool isOneAttribute = isAttribute(filter.operand1) && isAttribute(filter.operand2) &&
+                                filter.operand1.operand.value == filter.operand2.operand.value;
+    return isOneAttribute ? truthOfOneAttribute(filter) : Truth::Depends;
+}
+
+// The comparisons of one attribute with constants, under one value type.
+template <typename T>
+class Contradictions {
+  public:
+    explicit Contradictions(std::vector<Diagnostic>& results) : found(results) {}
+
+    // True if no value fulfils this filter and those before. Says so once.
+    bool add(const FilterModel& filter) {
+        const NormalFilter normal = normalFormOf(filter);
+        const std::string_view name = normal.left.operand.value;
+        auto place = attributes.find(name);
+        if (place == attributes.end()) {
+            place = attributes.emplace(name, Attribute()).first;
+        }
+        auto& [range, filters, contradictory] = place->second;
+        if (!contradictory) {
+            range.narrow(normal.op, constantOf<T>(normal.right));
+            contradictory = range.isEmpty();
+            if (contradictory) {
+                report(filter, filters);
+            }
+            filters.push_back(&filter);
+        }
+        return contradictory;
+    }
+
+  private:
+    struct Attribute {
+        ValueRange<T> range = {};
+        std::vector<const FilterModel*> filters = {};
+        bool contradictory = false;
+    };
+
+    void report(const FilterModel& filter, const std::vector<const FilterModel*>& earlier) {
+        const auto excludes = [&](const FilterModel* other) {
+            ValueRange<T> range;
+            for (const FilterModel* const each : {other, &filter}) {
+                const NormalFilter normal = normalFormOf(*each);
+                range.narrow(normal.op, constantOf<T>(normal.right));
+            }
+            return range.isEmpty();
+        };
+        const auto culprit = std::ranges::find_if(earlier, excludes);
+        const std::string others =
+            culprit == earlier.end() ? "the filters before it taken together" : "`" + conditionOf(**culprit) + "`";
+        warn(found, "never-true", filter.place,
+             "`" + conditionOf(filter) + "` contradicts " + others + " in the same transition",
+             "a transition fires only if all its filters hold: make two transitions for two cases");
+    }
+
+    std::vector<Diagnostic>& found;
+    std::map<std::string_view, Attribute> attributes;
+};
+
+// Finds filters of one transition that cannot hold together.
+class ContradictionCheck {
+  public:
+    explicit ContradictionCheck(std::vector<Diagnostic>& results)
+        : strings(results), integers(results), doubles(results) {}
+
+    bool add(const FilterModel& filter) {
+        switch (filter.valueType) {
+            case FilterValueType::String:
+                return strings.add(filter);
+            case FilterValueType::Integer:
+                return integers.add(filter);
+            case FilterValueType::Double:
+                break;
+        }
+        return doubles.add(filter);
+    }
+
+  private:
+    Contradictions<std::string> strings;
+    Contradictions<std::int64_t> integers;
+    Contradictions<double> doubles;
+};
+
+void warnOfTruth(const FilterModel& filter, Truth truth, std::vector<Diagnostic>& found) {
+    const bool always = truth == Truth::Always;
+    const std::string why = isOfConstants(filter) ? ", being a comparison of two constants" : ", whatever the event";
+    warn(found, always ? "always-true" : "never-true", filter.place,
+         "`" + conditionOf(filter) + "` is " + (always ? "always" : "never") + " true" + why,
+         always ? "leave the filter out" : "mend the filter, or leave the transition out");
+}
+
+}  // namespace
+
+FilterLogic appendLogicWarnings(const TransitionModel& transition, const VIGParserConfig& registry,
+                                std::vector<Diagnostic>& found) {
+    FilterLogic logic;
+    ContradictionCheck contradictions(found);
+    for (const FilterModel& filter : transition.filters) {
+        const Truth truth = truthOf(filter, registry);
+        if (truth != Truth::Depends) {
+            warnOfTruth(filter, truth, found);
+        }
+        if (truth != Truth::Always) {
+            logic.conditions.push_back(&filter);
+        }
+        // A function gives another value to each filter.
+        const bool comparesAttribute = hasConstant(filter) && !usesFunction(filter);
+        const bool contradictory = truth == Truth::Depends && comparesAttribute && contradictions.add(filter);
+        logic.neverHolds = logic.neverHolds || truth == Truth::Never || contradictory;
+    }
+    return logic;
+}
+
+}  // namespace tool

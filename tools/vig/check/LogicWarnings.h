@@ -1,0 +1,21 @@
+#pragma once
+
+#include <vector>
+
+#include "tools/vig/RuleModel.h"
+#include "tools/vig/check/Diagnostic.h"
+#include "vig/parsers/VIGParserConfig.h"
+
+namespace tool {
+
+// What the filters of a transition come to, whatever the events.
+struct FilterLogic {
+    bool neverHolds = false;
+    std::vector<const FilterModel*> conditions = {};  // those that are not always true
+};
+
+// Warns of filters that are always or never true and of those that contradict each other.
+FilterLogic appendLogicWarnings(const TransitionModel& transition, const Brenta::OS::VIG::VIGParserConfig& registry,
+                                std::vector<Diagnostic>& found);
+
+}  // namespace tool

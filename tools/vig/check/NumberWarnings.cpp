@@ -1,0 +1,90 @@
+#include "tools/vig/check/NumberWarnings.h"
+
+#include <fmt/format.h>
+
+#include <cstdlib>
+#include <string>
+#include <string_view>
+
+#include "tools/vig/Text.h"
+#include "tools/vig/check/NormalFilter.h"
+#include "tools/vig/check/Warn.h"
+#include "vig/parsers/CLocale.h"
+#include "vig/parsers/NumberText.h"
+
+namespace tool {
+
+using Brenta::OS::VIG::cLocale;
+using Brenta::OS::VIG::FilterValueType;
+
+namespace {
+
+// How the library reads a text.
+struct Reading {
+    std::string number;  // what came of it
+    bool inRange;
+    std::string_view rest;  // from where it stopped, without white space at the end
+};
+
+Reading readingOf(const std::string& text, FilterValueType type) {
+    char* end = nullptr;
+    std::string number;
+    bool inRange = false;
+    if (type == FilterValueType::Integer) {
+        number = std::to_string(strtoll_l(text.c_str(), &end, 10, cLocale()));
+        inRange = Brenta::OS::VIG::readInt64(text).has_value();
+    } else {
+        number = fmt::format("{}", strtod_l(text.c_str(), &end, cLocale()));
+        inRange = Brenta::OS::VIG::readDouble(text).has_value();
+    }
+    std::string_view rest = std::string_view(text).substr(static_cast<std::size_t>(end - text.c_str()));
+    rest = rest.substr(0, rest.find_last_not_of(" \t\r\n") + 1);
+    return {std::move(number), inRange, rest};
+}
+
+// The digits of an integer, without sign and leading zeros; empty for any other number.
+std::string_view digitsOf(std::string_view text) {
+    text.remove_prefix(std::min(text.find_first_not_of(" \t\r\n+-0"), text.size()));
+    text = text.substr(0, text.find_last_not_of(" \t\r\n") + 1);
+    return text.find_first_not_of("0123456789") == std::string_view::npos ? text : std::string_view();
+}
+
+void appendUnread(const Place& place, const std::string& text, const Reading& reading, std::vector<Diagnostic>& found) {
+    const std::string hint = reading.rest.starts_with(',') ? "the decimal point is \".\""
+                                                           : "write " + quoted(reading.number) + " if that is meant";
+    warn(found, "number-text", place,
+         quoted(text) + " is read as " + reading.number + "; " + quoted(reading.rest) + " is ignored", hint);
+}
+
+void appendNumberWarning(const OperandModel& operand, FilterValueType type, std::vector<Diagnostic>& found) {
+    const std::string& text = operand.operand.value;
+    const Reading reading = readingOf(text, type);
+    if (!reading.rest.empty()) {
+        appendUnread(operand.place, text, reading, found);
+    } else if (!reading.inRange) {
+        warn(found, "number-text", operand.place,
+             quoted(text) + " is no number within the range, and is read as " + reading.number, "write a number");
+    } else if (const std::string_view digits = digitsOf(text); type == FilterValueType::Double && !digits.empty()) {
+        const std::string held = fmt::format("{:.0f}", Brenta::OS::VIG::readNearestDouble(std::string(digits)));
+        if (held != digits) {
+            warn(found, "number-text", operand.place,
+                 quoted(text) + " has more digits than a double holds, and is read as " + held,
+                 "compare an int64 attribute as \"integer\"");
+        }
+    }
+}
+
+}  // namespace
+
+void appendNumberWarnings(const FilterModel& filter, std::vector<Diagnostic>& found) {
+    if (filter.valueType == FilterValueType::String) {
+        return;
+    }
+    for (const OperandModel* const operand : {&filter.operand1, &filter.operand2}) {
+        if (isConstant(*operand)) {
+            appendNumberWarning(*operand, filter.valueType, found);
+        }
+    }
+}
+
+}  // namespace tool

@@ -1,0 +1,132 @@
+#include "tools/vig/check/PieceParser.h"
+
+#include <memory>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include "tools/vig/ParseErrorText.h"
+#include "vig/parsers/FilterParser.h"
+#include "vig/parsers/JsonText.h"
+#include "vig/parsers/VIGConfigParser.h"
+#include "vig/parsers/VIGConfigPayloadParser.h"
+#include "vig/parsers/VIGFiniteStateMachineParser.h"
+#include "vig/parsers/VIGResponseParser.h"
+
+namespace tool {
+
+using Brenta::OS::RulesEngine::EvaluationContext;
+using Brenta::OS::RulesEngine::Event;
+using Brenta::OS::RulesEngine::EventType;
+using Brenta::OS::VIG::FilterOperand;
+using Brenta::OS::VIG::VIGActionFunction;
+using Brenta::OS::VIG::VIGActionFunctionFactory;
+using Brenta::OS::VIG::VIGActionParameter;
+using Brenta::OS::VIG::VIGConfigParser;
+using Brenta::OS::VIG::VIGConfigPayloadParser;
+using Brenta::OS::VIG::VIGFiniteStateMachineParser;
+using Brenta::OS::VIG::VIGParseError;
+using Brenta::OS::VIG::VIGParserConfig;
+using Brenta::OS::VIG::VIGResponseParser;
+
+namespace {
+
+class AnyParametersFactory final : public VIGActionFunctionFactory {
+  public:
+    std::optional<VIGActionFunction> get(const std::vector<VIGActionParameter>&) const override {
+        return [](EvaluationContext&, const Event&) {};
+    }
+};
+
+using Factories = std::unordered_map<std::string, std::shared_ptr<VIGActionFunctionFactory>>;
+
+// With the event of Shape::accepted.
+VIGParserConfig registryOf(Factories actions) {
+    return VIGParserConfig({{"x", EventType::Test}}, std::move(actions), {}, {}, {}, {});
+}
+
+// The action of Shape::accepted, with any one parameter or without.
+Factories acceptedActions() {
+    const auto factory = std::make_shared<AnyParametersFactory>();
+    return {{"x", factory}, {"x()", factory}, {"x(integer)", factory}, {"x(double)", factory}, {"x(string)", factory}};
+}
+
+void collectAccepted(const Shape& shape, std::map<Layer, Json::Value>& pieces) {
+    Brenta::OS::VIG::readJson(std::string(shape.accepted), pieces[shape.layer]);
+    for (const Shape::Member& member : shape.members) {
+        if (member.inside != nullptr) {
+            collectAccepted(*member.inside, pieces);
+        }
+    }
+}
+
+}  // namespace
+
+PieceParser::PieceParser(const VIGParserConfig& names)
+    : registered(names),
+      registeredActions(registryOf(names.getActionFunctionFactories())),
+      anything(registryOf(acceptedActions())),
+      previousSink(host::setLogSink([this](int, std::string_view, std::string_view message) {
+          if (!firstLine) {
+              firstLine = message;
+          }
+      })) {
+    collectAccepted(kResponseShape, acceptedPieces);
+}
+
+PieceParser::~PieceParser() {
+    host::setLogSink(previousSink);
+}
+
+std::optional<Refusal> PieceParser::refusalOf(const Shape& shape, const Json::Value& piece, Names names) {
+    firstLine.reset();
+    const VIGParseError error = parse(shape, piece, names == Names::Registered ? registered : anything);
+    if (error == VIGParseError::Ok) {
+        return std::nullopt;
+    }
+    return Refusal{error, firstLine.value_or(std::string(textOf(error).meaning))};
+}
+
+VIGParseError PieceParser::parse(const Shape& shape, const Json::Value& piece, const VIGParserConfig& config) const {
+    switch (shape.layer) {
+        case Layer::Response:
+            return VIGResponseParser().parse(piece, config).error;
+        case Layer::Config:
+            return VIGConfigParser().parse(piece, config).error;
+        case Layer::Payload:
+            return VIGConfigPayloadParser().parse(piece, config).error;
+        case Layer::Machine:
+            return VIGFiniteStateMachineParser().parse(piece, config).error;
+        case Layer::Transition:
+            return VIGFiniteStateMachineParser().parse(machineWith(piece), config).error;
+        case Layer::Filter:
+            return _parseFilter(piece, config) ? VIGParseError::Ok : VIGParseError::InvalidFsm;
+        case Layer::Operand:
+            return FilterOperand::fromJson(piece) ? VIGParseError::Ok : VIGParseError::InvalidFsm;
+        case Layer::Action:
+            return parse(kTransitionShape, transitionWith(piece), &config == &registered ? registeredActions : config);
+        case Layer::Parameter:
+            break;
+    }
+    return parse(kActionShape, actionWith(piece), anything);
+}
+
+Json::Value PieceParser::machineWith(const Json::Value& transition) const {
+    Json::Value machine;
+    machine["transitions"].append(transition);
+    return machine;
+}
+
+Json::Value PieceParser::transitionWith(const Json::Value& action) const {
+    Json::Value transition = accepted(kTransitionShape);
+    transition["actions"].append(action);
+    return transition;
+}
+
+Json::Value PieceParser::actionWith(const Json::Value& parameter) const {
+    Json::Value action = accepted(kActionShape);
+    action["parameters"].append(parameter);
+    return action;
+}
+
+}  // namespace tool

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <host/LogSink.h>
+#include <json/value.h>
+
+#include <map>
+#include <optional>
+#include <string>
+
+#include "tools/vig/check/DocumentShape.h"
+#include "vig/parsers/VIGParseError.h"
+#include "vig/parsers/VIGParserConfig.h"
+
+namespace tool {
+
+// Why the library refuses something.
+struct Refusal {
+    Brenta::OS::VIG::VIGParseError error;
+    std::string message;  // its first line in the log, or the meaning of the error where it logs nothing
+};
+
+// Hands pieces of rule documents to the library's own parsers, each with as much of a document around it as they need.
+// While it lives, the platform log is its own: one object at a time, and nothing else may log.
+class PieceParser {
+  public:
+    enum class Names {
+        Registered,  // events and actions are looked up in the registry
+        Accepted,    // those of Shape::accepted are the only ones, with any one parameter
+    };
+
+    // The registry must outlive it.
+    explicit PieceParser(const Brenta::OS::VIG::VIGParserConfig& names);
+    PieceParser(const PieceParser&) = delete;
+    PieceParser& operator=(const PieceParser&) = delete;
+    ~PieceParser();
+
+    // Empty if the library accepts the piece, which stands where an object of that shape may. A parameter stands in the
+    // accepted action.
+    std::optional<Refusal> refusalOf(const Shape& shape, const Json::Value& piece, Names names);
+
+    // Shape::accepted, as JSON.
+    const Json::Value& accepted(const Shape& shape) const { return acceptedPieces.at(shape.layer); }
+
+  private:
+    Brenta::OS::VIG::VIGParseError parse(const Shape& shape, const Json::Value& piece,
+                                         const Brenta::OS::VIG::VIGParserConfig& config) const;
+    Json::Value machineWith(const Json::Value& transition) const;
+    Json::Value transitionWith(const Json::Value& action) const;
+    Json::Value actionWith(const Json::Value& parameter) const;
+
+    const Brenta::OS::VIG::VIGParserConfig& registered;
+    const Brenta::OS::VIG::VIGParserConfig registeredActions;  // in a transition on the accepted event
+    const Brenta::OS::VIG::VIGParserConfig anything;           // of the accepted names
+    std::map<Layer, Json::Value> acceptedPieces;
+    std::optional<std::string> firstLine;  // since the last piece
+    const host::LogSink previousSink;
+};
+
+}  // namespace tool

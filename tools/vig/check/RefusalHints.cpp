@@ -1,0 +1,165 @@
+#include "tools/vig/check/RefusalHints.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <iterator>
+#include <span>
+#include <utility>
+#include <vector>
+
+#include "tools/vig/NearestName.h"
+#include "tools/vig/Text.h"
+#include "tools/vig/check/Excerpt.h"
+#include "vig/parsers/FilterParser.h"
+#include "vig/parsers/JsonValues.h"
+
+namespace tool {
+
+using Brenta::OS::VIG::kFilterOperandTypeTable;
+using Brenta::OS::VIG::kFilterOperatorTable;
+using Brenta::OS::VIG::kFilterValueTypeTable;
+using Brenta::OS::VIG::VIGParserConfig;
+
+namespace {
+
+constexpr std::size_t kMostNamesListed = 6;
+constexpr std::size_t kMostShownOfName = 64;
+
+std::string listOf(std::span<const std::string_view> names) {
+    std::string text;
+    for (const std::string_view name : names) {
+        text += (text.empty() ? "" : ", ") + quoted(name);
+    }
+    return text;
+}
+
+std::string oneOf(std::string_view given, std::span<const std::string_view> names) {
+    return "one of " + listOf(names) + (given.empty() ? "" : suggestion(given, names));
+}
+
+template <std::size_t Size, typename Key, typename Value>
+std::string oneOf(std::string_view given, const Brenta::OS::LookupTable<Size, Key, Value>& table) {
+    std::vector<std::string_view> names;
+    for (const auto& [key, name] : table.pairs) {
+        names.emplace_back(name);
+    }
+    return oneOf(given, names);
+}
+
+// The names of tables of the registry, in alphabetical order.
+template <typename... Tables>
+std::vector<std::string_view> namesIn(const Tables&... tables) {
+    std::vector<std::string_view> names;
+    const auto append = [&](const auto& table) {
+        for (const auto& [name, value] : table) {
+            names.emplace_back(name);
+        }
+    };
+    (append(tables), ...);
+    std::ranges::sort(names);
+    return names;
+}
+
+std::string unknownName(std::string_view what, std::string_view given, const std::vector<std::string_view>& names) {
+    const std::string near = suggestion(given, names);
+    if (near.empty() && names.size() <= kMostNamesListed) {
+        return oneOf(given, names);
+    }
+    return "there is no " + std::string(what) + " " + quoted(shortened(given, kMostShownOfName)) +
+           (near.empty() ? "; known are " + listOf(names) : near);
+}
+
+// The number or boolean as a string.
+std::string asString(const Json::Value& value) {
+    const std::string text = Brenta::OS::VIG::toText(value).value_or("");
+    return "a string: write " + quoted(text) + " for " + text;
+}
+
+std::string typeHint(const Json::Value* given, const Json::Value& accepted) {
+    switch (accepted.type()) {
+        case Json::stringValue:
+            return given != nullptr && (given->isNumeric() || given->isBool()) ? asString(*given)
+                                                                               : "a string is needed";
+        case Json::arrayValue:
+            return "an array is needed; [] for none";
+        case Json::objectValue:
+            return "an object is needed";
+        default:
+            break;
+    }
+    return given != nullptr && given->isString() ? "a number is needed, without quotes" : "a number is needed";
+}
+
+}  // namespace
+
+std::string_view typeName(const Json::Value& value) {
+    switch (value.type()) {
+        case Json::nullValue:
+            return "null";
+        case Json::stringValue:
+            return "a string";
+        case Json::booleanValue:
+            return "a boolean";
+        case Json::arrayValue:
+            return "an array";
+        case Json::objectValue:
+            return "an object";
+        default:
+            break;
+    }
+    return "a number";
+}
+
+std::string memberHint(const Shape& shape, std::string_view key, const Json::Value* given,
+                       const Json::Value& accepted) {
+    const bool isString = given != nullptr && given->isString();
+    const std::string text = isString ? given->asString() : std::string();
+    if (key == "operator") {
+        return oneOf("", kFilterOperatorTable);  // for texts that short, every one is near
+    }
+    if (key == "value_type" || (key == "type" && shape.layer == Layer::Parameter)) {
+        return oneOf(text, kFilterValueTypeTable);  // parameters have the same types
+    }
+    if (key == "type") {
+        return oneOf(text, kFilterOperandTypeTable);
+    }
+    if (key == "id" && given != nullptr && given->isNumeric()) {
+        return shape.layer == Layer::Config ? "a number within the signed 64-bit range is needed"
+                                            : "a number within the signed 32-bit range is needed";
+    }
+    return typeHint(given, accepted);
+}
+
+std::string eventHint(const VIGParserConfig& registry, std::string_view name) {
+    return unknownName("event", name, namesIn(registry.getEventTypes()));
+}
+
+std::string actionHint(const VIGParserConfig& registry, std::string_view name) {
+    const auto keys = namesIn(registry.getActionFunctionFactories());
+    std::vector<std::string_view> withParameters;
+    std::ranges::copy_if(keys, std::back_inserter(withParameters),
+                         [&](std::string_view key) { return key.substr(0, key.find('(')) == name; });
+    return withParameters.empty() ? unknownName("action", name, keys) : "registered as " + listOf(withParameters);
+}
+
+std::string functionHint(const VIGParserConfig& registry, std::string_view name) {
+    const std::pair<std::string_view, std::vector<std::string_view>> namesByType[] = {
+        {"string", namesIn(registry.getStringPureFunctions())},
+        {"integer", namesIn(registry.getInt64PureFunctions())},
+        {"double", namesIn(registry.getDoublePureFunctions())}};
+    for (const auto& [type, names] : namesByType) {
+        if (std::ranges::binary_search(names, name)) {
+            return "a function of the value type " + quoted(type);
+        }
+    }
+    return unknownName("function", name,
+                       namesIn(registry.getStringPureFunctions(), registry.getInt64PureFunctions(),
+                               registry.getDoublePureFunctions()));
+}
+
+std::string numberHint(std::string_view type) {
+    return type == "integer" ? "a whole number within the range is needed, such as \"80\""
+                             : "a number within the range is needed, such as \"0.5\"";
+}
+
+}  // namespace tool

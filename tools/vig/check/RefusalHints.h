@@ -1,0 +1,30 @@
+#pragma once
+
+#include <json/value.h>
+
+#include <string>
+#include <string_view>
+
+#include "tools/vig/check/DocumentShape.h"
+#include "vig/parsers/VIGParserConfig.h"
+
+namespace tool {
+
+// What would mend what the library refuses.
+
+// "a number", "an array" and so on.
+std::string_view typeName(const Json::Value& value);
+
+// For a member that is missing (`given` is null) or that the library does not accept where it accepts `accepted`; with
+// an empty key, for what stands where an object of that shape should.
+std::string memberHint(const Shape& shape, std::string_view key, const Json::Value* given, const Json::Value& accepted);
+
+// For names that the registry does not have.
+std::string eventHint(const Brenta::OS::VIG::VIGParserConfig& registry, std::string_view name);
+std::string actionHint(const Brenta::OS::VIG::VIGParserConfig& registry, std::string_view name);
+std::string functionHint(const Brenta::OS::VIG::VIGParserConfig& registry, std::string_view name);
+
+// For a text that is no number of the type.
+std::string numberHint(std::string_view type);
+
+}  // namespace tool

@@ -1,0 +1,120 @@
+#include "tools/vig/check/SarifFindings.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "tools/vig/ParseErrorText.h"
+#include "tools/vig/Text.h"
+#include "tools/vig/check/Excerpt.h"
+#include "tools/vig/check/WarningNames.h"
+
+namespace tool {
+
+namespace {
+
+// What findings can be called, with what that means.
+std::vector<WarningName> rules() {
+    std::vector<WarningName> all;
+    for (const ParseErrorText& each : kParseErrorTexts) {
+        all.push_back({each.name, each.meaning});
+    }
+    all.insert(all.end(), std::begin(kWarningNames), std::end(kWarningNames));
+    return all;
+}
+
+// With a percent sign where a URI needs one.
+std::string uriOf(std::string_view path) {
+    constexpr std::string_view kPlain = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-._~/";
+    std::string uri = path.starts_with('/') ? "file://" : "";
+    for (const char each : path) {
+        uri += kPlain.find(each) != std::string_view::npos
+                   ? std::string(1, each)
+                   : fmt::format("%{:02X}", static_cast<unsigned>(static_cast<unsigned char>(each)));
+    }
+    return uri;
+}
+
+std::size_t charactersIn(std::string_view text) {
+    return static_cast<std::size_t>(std::ranges::count_if(text, beginsCharacter));
+}
+
+// Counts the columns of places in characters. From one place to the next it counts only what lies between, so that
+// many places in one long line do not take the square of the time.
+class Columns {
+  public:
+    explicit Columns(const SourceText& text) : source(text) {}
+
+    // REQUIRES: `offset` is not before that of the last call.
+    SourceText::Position advance(std::size_t offset) {
+        const SourceText::Position position = source.positionOf(offset);
+        const std::size_t place = source.offsetOf(position);
+        if (position.line != last.line) {
+            last = {position.line, 1};
+            lastPlace = source.offsetOf(last);
+        }
+        last.column += charactersIn(std::string_view(source.text()).substr(lastPlace, place - lastPlace));
+        lastPlace = place;
+        return last;
+    }
+
+  private:
+    const SourceText& source;
+    SourceText::Position last{1, 1};
+    std::size_t lastPlace = source.offsetOf(last);
+};
+
+std::string regionOf(Columns& columns, const Place& place) {
+    const auto start = columns.advance(place.begin);
+    Columns rest = columns;
+    const auto end = rest.advance(place.end);
+    return fmt::format(R"({{"startLine":{},"startColumn":{},"endLine":{},"endColumn":{}}})", start.line, start.column,
+                       end.line, end.column);
+}
+
+std::string logicalLocations(const std::string& path) {
+    return path.empty() ? "" : fmt::format(R"(,"logicalLocations":[{{"fullyQualifiedName":{}}}])", quoted(path));
+}
+
+}  // namespace
+
+SarifFindings::SarifFindings(Output& target) : output(target) {
+    output.write(R"({"version":"2.1.0",)"
+                 R"("$schema":"https://docs.oasis-open.org/sarif/sarif/v2.1.0/os/schemas/sarif-schema-2.1.0.json",)"
+                 R"("runs":[{"tool":{"driver":{"name":"vig","version":")" VIG_VERSION R"(","rules":[)");
+    std::string_view ruleSeparator;
+    for (const WarningName& rule : rules()) {
+        output.write(
+            fmt::format("{}\n"
+                        R"({{"id":{},"shortDescription":{{"text":{}}}}})",
+                        std::exchange(ruleSeparator, ","), quoted(rule.name), quoted(rule.meaning)));
+    }
+    output.write(R"(]}},"columnKind":"unicodeCodePoints","results":[)");
+}
+
+void SarifFindings::file(const SourceText& source, std::span<const Diagnostic> findings) {
+    const std::vector<WarningName> all = rules();
+    const std::string uri = uriOf(source.name());
+    Columns columns(source);
+    for (const Diagnostic& finding : findings) {
+        const auto rule = std::ranges::find(all, finding.name, &WarningName::name) - all.begin();
+        const std::string message = finding.hint.empty() ? finding.message : finding.message + " Hint: " + finding.hint;
+        output.write(
+            fmt::format("{}\n"
+                        R"({{"ruleId":{},"ruleIndex":{},"level":"{}","message":{{"text":{}}},"locations":[)"
+                        R"({{"physicalLocation":{{"artifactLocation":{{"uri":{}}},"region":{}}}{}}}]}})",
+                        std::exchange(separator, ","), quoted(finding.name), rule,
+                        finding.severity == Severity::Error ? "error" : "warning", quoted(message), quoted(uri),
+                        regionOf(columns, finding.place), logicalLocations(finding.place.path)));
+    }
+}
+
+void SarifFindings::end(const FindingCounts&) {
+    output.write("\n]}]}\n");
+}
+
+}  // namespace tool

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <cstddef>
+#include <string_view>
+#include <vector>
+
+#include "tools/vig/RuleModel.h"
+#include "tools/vig/check/LogicWarnings.h"
+
+namespace tool {
+
+// A transition of a machine, with its states as numbers.
+struct Edge {
+    const TransitionModel* transition;
+    std::size_t from;
+    std::size_t to;
+    FilterLogic logic;
+    bool isShadowed = false;
+
+    bool canFire() const { return !logic.neverHolds && !isShadowed; }
+    bool isLoop() const { return from == to; }
+};
+
+// The states and transitions of a machine. It refers to the model that it was built of.
+struct StateGraph {
+    static constexpr std::size_t START = 0;
+    static constexpr std::size_t END = 1;
+
+    // `logics` are those of the transitions, in their order.
+    StateGraph(const ConfigModel& config, std::vector<FilterLogic> logics);
+
+    // Whether a chain of transitions leads there from "start", for each state. Whether they can fire is not asked: if
+    // they cannot, there is a warning of them already.
+    std::vector<bool> reachable() const;
+
+    std::vector<std::string_view> names;             // of the states
+    std::vector<Edge> edges;                         // in document order
+    std::vector<std::vector<std::size_t>> outgoing;  // of each state, the edges in document order
+};
+
+}  // namespace tool

@@ -1,0 +1,129 @@
+#include "tools/vig/check/StateWarnings.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <string>
+
+#include "tools/vig/EventNames.h"
+#include "tools/vig/NearestName.h"
+#include "tools/vig/Text.h"
+#include "tools/vig/check/ActionNeeds.h"
+#include "tools/vig/check/AttributeWarnings.h"
+#include "tools/vig/check/NormalFilter.h"
+#include "tools/vig/check/Warn.h"
+
+namespace tool {
+
+using Brenta::OS::RulesEngine::EventType;
+
+namespace {
+
+// For each state, whether something can come of being there.
+std::vector<bool> statesThatLeadOn(const StateGraph& graph) {
+    std::vector<bool> leadsOn(graph.names.size());
+    for (const Edge& edge : graph.edges) {
+        leadsOn[edge.from] = leadsOn[edge.from] || !edge.isLoop() || !edge.transition->actions.empty();
+    }
+    return leadsOn;
+}
+
+// Of the states that can be reached and not be left, of which one may be a misspelt name. Many are no mistake of
+// spelling.
+std::vector<std::string_view> strayTargets(const StateGraph& graph, const std::vector<bool>& reachable) {
+    constexpr std::size_t kMost = 16;
+    std::vector<std::string_view> names;
+    for (std::size_t state = 0; state < graph.names.size() && names.size() < kMost; ++state) {
+        if (reachable[state] && state != StateGraph::END && graph.outgoing[state].empty()) {
+            names.push_back(graph.names[state]);
+        }
+    }
+    return names;
+}
+
+// Of the machine's states, each at its first transition.
+void appendUnreachable(const StateGraph& graph, const std::vector<bool>& reachable, std::vector<Diagnostic>& found) {
+    std::vector<bool> reported = reachable;
+    // It is there without being used.
+    reported[StateGraph::END] = reported[StateGraph::END] || graph.outgoing[StateGraph::END].empty();
+    if (std::ranges::find(reported, false) == reported.end()) {
+        return;
+    }
+    const auto candidates = strayTargets(graph, reachable);
+    for (const Edge& edge : graph.edges) {
+        for (const auto& [state, member] : {std::pair(edge.from, "from_state"), std::pair(edge.to, "to_state")}) {
+            if (!reported[state]) {
+                reported[state] = true;
+                const std::string hint = asHint(suggestion(graph.names[state], candidates));
+                warn(found, "unreachable-state", placeOf(*edge.transition, member),
+                     "no chain of transitions leads from \"start\" to " + quoted(graph.names[state]),
+                     hint.empty() ? "lead a transition there, or leave it out" : hint);
+            }
+        }
+    }
+}
+
+// Of the states, each at the first transition that leads there.
+void appendNoWayOut(const StateGraph& graph, const std::vector<bool>& reachable, std::vector<Diagnostic>& found) {
+    std::vector<bool> accepted = statesThatLeadOn(graph);
+    accepted[StateGraph::END] = true;
+    for (const Edge& edge : graph.edges) {
+        if (reachable[edge.from] && !accepted[edge.to]) {
+            accepted[edge.to] = true;
+            warn(found, "no-way-out", placeOf(*edge.transition, "to_state"),
+                 "once in " + quoted(graph.names[edge.to]) + ", the machine does nothing any more",
+                 "if that is meant, call the state \"end\"");
+        }
+    }
+}
+
+bool isRandom(const TransitionModel& transition) {
+    return std::ranges::any_of(transition.filters, usesFunction);
+}
+
+// Whether entering the state can lead on to another one at once.
+bool isLeftAtOnce(const StateGraph& graph, std::size_t state) {
+    return std::ranges::any_of(graph.outgoing[state], [&](std::size_t index) {
+        const Edge& edge = graph.edges[index];
+        return edge.transition->event == EventType::EnteringState && !edge.isLoop() && edge.canFire();
+    });
+}
+
+void appendStorms(const StateGraph& graph, std::size_t state, const Catalogue& catalogue,
+                  std::vector<Diagnostic>& found) {
+    const bool staysThere = !isLeftAtOnce(graph, state);
+    for (const std::size_t index : graph.outgoing[state]) {
+        const Edge& edge = graph.edges[index];
+        const TransitionModel& transition = *edge.transition;
+        if (!staysThere || !edge.isLoop() || !edge.canFire() || isRandom(transition)) {
+            continue;
+        }
+        for (const ActionModel& action : transition.actions) {
+            if (startsCollection(action.key) && missingFor(action, transition.event, catalogue).empty()) {
+                warn(found, "trigger-storm", action.place,
+                     quoted(action.name) + " asks for a collection at every " + std::string(nameOf(transition.event)) +
+                         " event that fulfils the filters, and the machine stays in " + quoted(transition.from),
+                     "move to another state, or add the filter PseudoRandomDouble() < 0.1");
+            }
+        }
+    }
+}
+
+}  // namespace
+
+void appendStateWarnings(const StateGraph& graph, const std::vector<bool>& reachable, const Catalogue& catalogue,
+                         std::vector<Diagnostic>& found) {
+    appendUnreachable(graph, reachable, found);
+    appendNoWayOut(graph, reachable, found);
+    for (std::size_t state = 0; state < graph.names.size(); ++state) {
+        appendStorms(graph, state, catalogue, found);
+    }
+    for (const Edge& edge : graph.edges) {
+        if (edge.transition->event == EventType::Timeout) {
+            warn(found, "unused-timeout", placeOf(*edge.transition, "event"),
+                 "nothing arms a timeout by itself: only a service that does so sends the event",
+                 "ask the owner of the service");
+        }
+    }
+}
+
+}  // namespace tool

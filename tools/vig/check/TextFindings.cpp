@@ -1,0 +1,110 @@
+#include "tools/vig/check/TextFindings.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+#include "tools/vig/Text.h"
+#include "tools/vig/check/Excerpt.h"
+
+namespace tool {
+
+namespace {
+
+constexpr std::string_view kBold = "\x1b[1m";
+constexpr std::string_view kBoldRed = "\x1b[1;31m";
+constexpr std::string_view kBoldYellow = "\x1b[1;33m";
+constexpr std::string_view kGreen = "\x1b[32m";
+constexpr std::string_view kReset = "\x1b[0m";
+
+constexpr std::size_t kMostShownOfLine = 100;
+constexpr std::size_t kMostShownBefore = 40;  // the place, of a longer line
+
+// As the line stands in the file, but for what a terminal would act on. Tabs stay.
+std::string shownLine(std::string_view text) {
+    std::string shown;
+    for (std::size_t begin = 0; begin <= text.size();) {
+        const std::size_t end = std::min(text.find('\t', begin), text.size());
+        shown += (begin == 0 ? "" : "\t") + printable(text.substr(begin, end - begin));
+        begin = end + 1;
+    }
+    return shown;
+}
+
+// What takes the same room as the text, and shows nothing.
+std::string blank(std::string_view text) {
+    std::string spaces;
+    for (const char each : text) {
+        spaces += each == '\t' ? "\t" : beginsCharacter(each) ? " " : "";
+    }
+    return spaces;
+}
+
+std::string mark(std::string_view text) {
+    const auto width = static_cast<std::size_t>(std::ranges::count_if(text, beginsCharacter));
+    return "^" + std::string(width > 0 ? width - 1 : 0, '~');
+}
+
+// The line around a place in it, in three parts.
+struct ShownLine {
+    std::string before;
+    std::string at;
+    std::string after;
+};
+
+ShownLine show(std::string_view line, std::size_t column, std::size_t length) {
+    const std::size_t place = std::min(column - 1, line.size());
+    const bool isLong = line.size() > kMostShownOfLine;
+    const std::size_t begin = isLong && place > kMostShownBefore ? characterStart(line, place - kMostShownBefore) : 0;
+    const std::size_t end =
+        isLong ? characterStart(line, std::min(begin + kMostShownOfLine, line.size())) : line.size();
+    const std::size_t placeEnd = place + std::min(length, end - place);
+    return {(begin > 0 ? "…" : "") + shownLine(line.substr(begin, place - begin)),
+            shownLine(line.substr(place, placeEnd - place)),
+            shownLine(line.substr(placeEnd, end - placeEnd)) + (end < line.size() ? "…" : "")};
+}
+
+std::string counted(std::size_t count, std::string_view what) {
+    return fmt::format("{} {}{}", count, what, count == 1 ? "" : "s");
+}
+
+}  // namespace
+
+void TextFindings::file(const SourceText& source, std::span<const Diagnostic> findings) {
+    for (const Diagnostic& finding : findings) {
+        write(source, finding);
+    }
+}
+
+void TextFindings::end(const FindingCounts& counts) {
+    const std::string files = counted(counts.files, "file");
+    if (counts.errors + counts.warnings == 0) {
+        output.write("nothing found in " + files + "\n");
+        return;
+    }
+    std::string text = counts.errors > 0 ? counted(counts.errors, "error") : "";
+    if (counts.warnings > 0) {
+        text += (text.empty() ? "" : ", ") + counted(counts.warnings, "warning");
+    }
+    output.write(text + " in " + files + "\n");
+}
+
+void TextFindings::write(const SourceText& source, const Diagnostic& finding) {
+    const auto [line, column] = source.positionOf(finding.place.begin);
+    const bool isError = finding.severity == Severity::Error;
+    const ShownLine shown = show(source.line(line), column, finding.place.end - finding.place.begin);
+    output.write(inColour(kBold, fmt::format("{}:{}:{}: ", printable(source.name()), line, column)) +
+                 inColour(isError ? kBoldRed : kBoldYellow, isError ? "error: " : "warning: ") +
+                 fmt::format("{} [{}]\n", printable(finding.message), finding.name));
+    output.write(fmt::format("    {}{}{}\n    {}{}\n", shown.before, shown.at, shown.after, blank(shown.before),
+                             inColour(kGreen, mark(shown.at))));
+    if (!finding.hint.empty()) {
+        output.write(fmt::format("    hint: {}\n", printable(finding.hint)));
+    }
+}
+
+std::string TextFindings::inColour(std::string_view colour, std::string_view text) const {
+    return coloured ? fmt::format("{}{}{}", colour, text, kReset) : std::string(text);
+}
+
+}  // namespace tool

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "tools/vig/check/FindingReport.h"
+
+namespace tool {
+
+// Findings for people, as compilers print them: the place, the message, the line with a mark under the place.
+class TextFindings final : public FindingReport {
+  public:
+    TextFindings(Output& target, bool wantsColours) : output(target), coloured(wantsColours) {}
+
+    void file(const SourceText& source, std::span<const Diagnostic> findings) override;
+    void end(const FindingCounts& counts) override;
+
+  private:
+    void write(const SourceText& source, const Diagnostic& finding);
+    std::string inColour(std::string_view colour, std::string_view text) const;
+
+    Output& output;
+    const bool coloured;
+};
+
+}  // namespace tool

@@ -1,0 +1,65 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "tools/vig/RuleModel.h"
+#include "tools/vig/check/Diagnostic.h"
+#include "tools/vig/trace/TransitionCounts.h"
+
+namespace tool {
+
+// A machine of a rule document as a picture shows it. All texts are as the document has them: whoever draws cuts and
+// escapes them.
+
+// Something that `vig check` finds wrong with what is marked.
+struct GraphMark {
+    std::string name;
+    std::string message;
+};
+
+// What a replay made of one or several transitions.
+using Traffic = TransitionCounts::Count;
+
+enum class TrafficKind { Unknown, NeverTried, NeverFired, Fired };
+
+TrafficKind kindOf(const std::optional<Traffic>& traffic);
+
+// A transition, or several that lead from the same state to the same one.
+struct GraphArrow {
+    std::size_t first = 0;  // in the order of precedence of its state, counting from 1
+    std::size_t last = 0;   // differs if it stands for several
+    std::string title;      // the event's name, or how many transitions it stands for
+    std::vector<std::string> conditions;
+    std::vector<std::string> actions;
+    std::size_t target = 0;          // an index into RuleGraph::states
+    std::optional<Traffic> traffic;  // empty without a replay
+    std::vector<GraphMark> marks;
+};
+
+struct GraphState {
+    std::string name;
+    bool reachable = false;  // whether a chain of transitions leads there from "start"
+    std::vector<GraphArrow> arrows;
+    std::vector<GraphMark> marks;
+};
+
+struct RuleGraph {
+    std::int64_t id;                 // the configuration's
+    std::vector<GraphState> states;  // "start" first, then those that the document names, in its order
+    std::vector<GraphMark> marks;    // of the configuration as a whole
+};
+
+// How many arrows lead from one state to another, at most, of each kind of traffic.
+inline constexpr std::size_t kMostParallelArrows = 4;
+
+// One graph a configuration. A finding marks the transition that its path lies in; the state, if the path ends with
+// "from_state" or "to_state"; else the configuration. `traffic` is empty without a replay, or has an element for each
+// transition of each configuration.
+std::vector<RuleGraph> graphsOf(const std::vector<ConfigModel>& configs, const std::vector<Diagnostic>& findings,
+                                const std::vector<std::vector<Traffic>>& traffic);
+
+}  // namespace tool

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <string>
+
+#include "tools/vig/help/ProgramHelp.h"
+
+namespace tool {
+
+// Scripts that complete the command line in a shell: verbs, options, the words that an option chooses from, files.
+std::string bashCompletionOf(const ProgramHelp& help);
+std::string zshCompletionOf(const ProgramHelp& help);
+
+}  // namespace tool

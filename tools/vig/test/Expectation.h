@@ -1,0 +1,60 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "tools/vig/Report.h"
+#include "tools/vig/test/TestFile.h"
+
+namespace tool {
+
+// Keeps what a run of a test has to tell.
+class Observed final : public Report {
+  public:
+    struct Log {
+        std::uint64_t event;
+        std::string priority;
+        std::string message;
+    };
+
+    struct State {
+        std::int64_t config;
+        std::string state;
+    };
+
+    std::vector<TriggerLine> triggers;
+    std::vector<Log> logs;  // but for the library's own that it has found the document
+    std::vector<State> states;
+    std::int64_t moves = 0;
+
+    void trigger(const TriggerLine& line) override { triggers.push_back(line); }
+    void log(const LogLine& line) override;
+    void move(const MoveLine& /*line*/) override { ++moves; }
+    void delivery(const DeliveryLine& /*line*/) override {}
+    void explain(const Step& /*step*/) override {}
+    void whyNot(const WhyNot& /*answer*/) override {}
+    void end(const Summary& summary) override;
+};
+
+// Where a run first left what was expected.
+struct Divergence {
+    enum class Kind { Event, MissingTrigger, MissingLog, State };
+
+    Kind kind;
+    std::uint64_t event = 0;                  // of Kind::Event: what it did was not expected
+    std::optional<std::size_t> machine = {};  // of Kind::Event: which one did it, if that is known
+    std::optional<std::int64_t> config = {};  // whose trigger or state is missing, if that is known
+    std::string state = {};                   // of Kind::State
+};
+
+struct Mismatch {
+    std::vector<std::string> lines;  // expected against actual, printable; empty if all is as expected
+    std::optional<Divergence> first;
+};
+
+Mismatch compare(const Expectation& expected, const Observed& actual);
+
+}  // namespace tool

@@ -1,0 +1,246 @@
+#include "tools/vig/test/TestFile.h"
+
+#include <fcntl.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <charconv>
+#include <filesystem>
+#include <limits>
+#include <set>
+#include <string_view>
+#include <utility>
+
+#include "tools/vig/Descriptor.h"
+#include "tools/vig/DocumentText.h"
+#include "tools/vig/EventReader.h"
+#include "tools/vig/FileText.h"
+#include "tools/vig/Interruption.h"
+#include "tools/vig/LineReader.h"
+#include "tools/vig/NearestName.h"
+#include "tools/vig/PriorityName.h"
+#include "tools/vig/RecordParser.h"
+#include "tools/vig/RuleDocument.h"
+#include "tools/vig/StrictJson.h"
+#include "tools/vig/Text.h"
+
+namespace tool {
+
+namespace {
+
+class TestFileReader {
+  public:
+    TestFileReader(const DocumentText& text, std::vector<std::string>& problems)
+        : document(text),
+          errors(problems),
+          check(text, problems),
+          folder(std::filesystem::path(text.source().name()).parent_path()) {}
+
+    TestFile read() {
+        TestFile file{document.source().name(), {}, {}};
+        const Json::Value& root = document.root();
+        if (!check.isObject(root, "", {"rules", "tests"})) {
+            return file;
+        }
+        file.rules = (folder / check.requiredText(root, "rules", "").value_or("")).string();
+        const Json::Value& tests = root["tests"];
+        if (check.hasMember(root, "tests", "") && check.isArray(tests, "tests")) {
+            StrictJson::forEach(tests, "tests", [&](const Json::Value& each, const std::string& path) {
+                file.tests.push_back(testCase(each, path));
+            });
+        }
+        return file;
+    }
+
+  private:
+    TestCase testCase(const Json::Value& json, const std::string& path) {
+        TestCase test;
+        if (!check.isObject(json, path, {"name", "events", "seed", "context", "expect"})) {
+            return test;
+        }
+        test.line = document.source().positionOf(document.placeOf(json, path).begin).line;
+        test.name = check.requiredText(json, "name", path).value_or("");
+        if (json["name"].isString() && !names.insert(test.name).second) {
+            check.complain(json["name"], StrictJson::member(path, "name"),
+                           "there is another test " + tool::quoted(test.name));
+        }
+        constexpr std::int64_t kMostSeed = std::numeric_limits<std::uint32_t>::max();
+        test.seed =
+            static_cast<std::uint32_t>(check.optionalInteger(json, "seed", path, 0, kMostSeed).value_or(test.seed));
+        if (check.hasMember(json, "events", path)) {
+            readEvents(json["events"], StrictJson::member(path, "events"), test.events);
+        }
+        if (json.isMember("context")) {
+            test.context = context(json["context"], StrictJson::member(path, "context"));
+        }
+        if (check.hasMember(json, "expect", path)) {
+            test.expect = expectation(json["expect"], StrictJson::member(path, "expect"));
+        }
+        return test;
+    }
+
+    void readEvents(const Json::Value& json, const std::string& path, std::vector<EventRecord>& events) {
+        if (json.isString()) {
+            readEventFile(json, path, events);
+        } else if (json.isArray()) {
+            StrictJson::forEach(json, path, [&](const Json::Value& each, const std::string& place) {
+                const Place range = document.placeOf(each, place);
+                events.push_back(
+                    record(document.source().text().substr(range.begin, range.end - range.begin), each, place));
+            });
+        } else {
+            check.complainOfKind(json, path, "an array of event records or the name of a file of them");
+        }
+    }
+
+    void readEventFile(const Json::Value& json, const std::string& path, std::vector<EventRecord>& events) {
+        const std::string name = (folder / json.asString()).string();
+        const std::string problem = RuleDocument::whyUnreadable(name);
+        const Descriptor file(problem.empty() ? open(name.c_str(), O_RDONLY | O_CLOEXEC) : -1);
+        if (!file.isOpen()) {
+            check.complain(json, path, name + ": " + (problem.empty() ? systemError(errno) : problem));
+            return;
+        }
+        const Interruption never;
+        EventReader reader(file.get(), name, never, [] {});
+        EventRecord record;
+        auto status = reader.next(record);
+        for (; status == EventReader::Status::Record; status = reader.next(record)) {
+            events.push_back(record);
+        }
+        if (status == EventReader::Status::Failed) {
+            errors.push_back(reader.error());
+        }
+    }
+
+    EventRecord record(std::string json, const Json::Value& at, const std::string& path) {
+        EventRecord result;
+        const std::size_t size = json.size();
+        json += "\n" + std::string(LineReader::PADDING, ' ');
+        if (!records.parse(std::string_view(json).substr(0, size), result)) {
+            check.complain(at, path, records.error());
+        }
+        return result;
+    }
+
+    // The attributes of a record without its event.
+    AttributeSet context(const Json::Value& json, const std::string& path) {
+        if (!check.isObject(json, path, {"uint64", "int64", "double", "bool", "string"})) {
+            return {};
+        }
+        const Place range = document.placeOf(json, path);
+        const std::string attributes = document.source().text().substr(range.begin + 1, range.end - range.begin - 1);
+        return record((json.empty() ? R"({"event":"Test")" : R"({"event":"Test",)") + attributes, json, path)
+            .attributes;
+    }
+
+    Expectation expectation(const Json::Value& json, const std::string& path) {
+        Expectation expected;
+        if (!check.isObject(json, path, {"triggers", "log", "states", "moves"})) {
+            return expected;
+        }
+        if (json.isMember("triggers") && check.isArray(json["triggers"], StrictJson::member(path, "triggers"))) {
+            StrictJson::forEach(json["triggers"], StrictJson::member(path, "triggers"),
+                                [&](const Json::Value& each, const std::string& place) {
+                                    expected.triggers.push_back(trigger(each, place));
+                                });
+        }
+        if (json.isMember("log") && check.isArray(json["log"], StrictJson::member(path, "log"))) {
+            StrictJson::forEach(
+                json["log"], StrictJson::member(path, "log"),
+                [&](const Json::Value& each, const std::string& place) { expected.logs.push_back(log(each, place)); });
+        }
+        if (json.isMember("states")) {
+            expected.states = states(json["states"], StrictJson::member(path, "states"));
+        }
+        expected.moves = check.optionalInteger(json, "moves", path, 0, std::numeric_limits<std::int64_t>::max());
+        return expected;
+    }
+
+    ExpectedTrigger trigger(const Json::Value& json, const std::string& path) {
+        ExpectedTrigger expected;
+        if (!check.isObject(json, path, {"name", "process", "config", "event", "metadata", "metadata_contains"})) {
+            return expected;
+        }
+        constexpr auto kLimits = std::numeric_limits<std::int64_t>();
+        expected.name = check.optionalText(json, "name", path);
+        expected.process = check.optionalText(json, "process", path);
+        expected.config = check.optionalInteger(json, "config", path, kLimits.min(), kLimits.max());
+        expected.event = check.optionalInteger(json, "event", path, 0, kLimits.max());
+        if (json.isMember("metadata")) {
+            expected.metadata = check.texts(json["metadata"], StrictJson::member(path, "metadata"));
+        }
+        if (json.isMember("metadata_contains")) {
+            expected.metadataContains =
+                check.texts(json["metadata_contains"], StrictJson::member(path, "metadata_contains"));
+        }
+        return expected;
+    }
+
+    ExpectedLog log(const Json::Value& json, const std::string& path) {
+        if (json.isString()) {
+            return {json.asString(), std::nullopt};
+        }
+        if (!check.isObject(json, path, {"message", "priority"})) {
+            return {};
+        }
+        ExpectedLog expected{check.requiredText(json, "message", path).value_or(""),
+                             check.optionalText(json, "priority", path)};
+        StrictJson::Keys priorities;
+        for (int each = ANDROID_LOG_VERBOSE; each <= ANDROID_LOG_FATAL; ++each) {
+            priorities.push_back(priorityName(each));
+        }
+        if (expected.priority && std::ranges::find(priorities, *expected.priority) == priorities.end()) {
+            check.complain(
+                json["priority"], StrictJson::member(path, "priority"),
+                "unknown priority " + tool::quoted(*expected.priority) + suggestion(*expected.priority, priorities));
+        }
+        return expected;
+    }
+
+    std::vector<ExpectedState> states(const Json::Value& json, const std::string& path) {
+        std::vector<ExpectedState> expected;
+        if (!json.isObject()) {
+            check.complainOfKind(json, path, "an object");
+            return expected;
+        }
+        for (const std::string& key : json.getMemberNames()) {
+            std::int64_t id = 0;
+            const auto [end, error] = std::from_chars(key.data(), key.data() + key.size(), id);
+            if (error != std::errc() || end != key.data() + key.size()) {
+                check.complain(json[key], path, "expected the id of a configuration as key, got " + tool::quoted(key));
+            }
+            expected.push_back({id, check.text(json[key], StrictJson::member(path, key)).value_or("")});
+        }
+        return expected;
+    }
+
+    const DocumentText& document;
+    std::vector<std::string>& errors;
+    StrictJson check;
+    const std::filesystem::path folder;
+    RecordParser records;
+    std::set<std::string> names;
+};
+
+}  // namespace
+
+std::optional<TestFile> readTestFile(const std::string& path, std::vector<std::string>& errors) {
+    const std::size_t before = errors.size();
+    std::string problem;
+    auto content = readFile(path, problem);
+    if (!content) {
+        errors.push_back("vig: error: " + path + ": " + problem);
+        return std::nullopt;
+    }
+    const DocumentText document(path, std::move(*content));
+    if (std::string mistake = StrictJson::mistakeIn(document); !mistake.empty()) {
+        errors.push_back(std::move(mistake));
+        return std::nullopt;
+    }
+    TestFile file = TestFileReader(document, errors).read();
+    return errors.size() == before ? std::optional(std::move(file)) : std::nullopt;
+}
+
+}  // namespace tool

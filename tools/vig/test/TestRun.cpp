@@ -1,0 +1,137 @@
+#include "tools/vig/test/TestRun.h"
+
+#include <algorithm>
+#include <memory>
+#include <string_view>
+
+#include "tools/vig/test/Expectation.h"
+#include "tools/vig/trace/ExplainText.h"
+#include "tools/vig/trace/WhyNot.h"
+
+namespace tool {
+
+namespace {
+
+constexpr std::size_t kMostAnswers = 3;
+
+// Explains a divergence: what the machines decided on the event, or what kept those transitions from firing that
+// would have done what is missing.
+class Explainer final : public Trace {
+  public:
+    explicit Explainer(const Divergence& what) : divergence(what) {}
+
+    void loaded(const TracedDocument& document) override {
+        for (const ConfigModel& config : document.configs) {
+            if (divergence.config.value_or(config.id) != config.id) {
+                continue;
+            }
+            for (const TransitionModel& transition : config.transitions) {
+                if (answers.size() < kMostAnswers && isConcerned(transition)) {
+                    answers.push_back(std::make_unique<WhyNot>(transition.place.path));
+                    answers.back()->loaded(document);
+                }
+            }
+        }
+    }
+
+    void step(const Step& step) override {
+        const bool asked = divergence.kind == Divergence::Kind::Event && step.event == divergence.event &&
+                           divergence.machine.value_or(step.machine.index) == step.machine.index;
+        if (asked && !step.attempts.empty()) {
+            add("event " + std::to_string(step.event) + ": ", explainLines(step));
+        }
+        for (const auto& answer : answers) {
+            answer->step(step);
+        }
+    }
+
+    // REQUIRES: the session still lives.
+    std::vector<std::string> explanation() {
+        for (const auto& answer : answers) {
+            add("why not ", whyNotLines(*answer));
+        }
+        return std::move(lines);
+    }
+
+  private:
+    bool isConcerned(const TransitionModel& transition) const {
+        const auto has = [&](std::string_view action) {
+            return std::ranges::any_of(transition.actions,
+                                       [&](const ActionModel& each) { return each.name.starts_with(action); });
+        };
+        switch (divergence.kind) {
+            case Divergence::Kind::MissingTrigger:
+                return has("Trigger");
+            case Divergence::Kind::MissingLog:
+                return has("Log");
+            case Divergence::Kind::State:
+                return transition.to == divergence.state && transition.from != transition.to;
+            case Divergence::Kind::Event:
+                break;
+        }
+        return false;
+    }
+
+    void add(const std::string& what, const std::vector<std::string>& tree) {
+        for (const std::string& line : tree) {
+            lines.push_back("  " + (&line == &tree.front() ? what : std::string()) + line);
+        }
+    }
+
+    const Divergence& divergence;
+    std::vector<std::unique_ptr<WhyNot>> answers;
+    std::vector<std::string> lines;
+};
+
+RuleSession::Loading play(RuleSession& session, const TestCase& test, Report& report,
+                          const Interruption& interruption) {
+    const auto loading = session.load(RuleSession::Changes::Ignore, interruption);
+    if (loading != RuleSession::Loading::Done) {
+        return loading;
+    }
+    for (const EventRecord& event : test.events) {
+        if (interruption.requested()) {
+            return RuleSession::Loading::Interrupted;
+        }
+        session.offer(event);
+    }
+    report.end(session.summary());
+    return loading;
+}
+
+std::vector<std::string> explain(const std::string& rules, const TestCase& test, const Divergence& divergence,
+                                 const Interruption& interruption) {
+    NoReport report;
+    Explainer explainer(divergence);
+    RuleSession session(rules, test.seed, test.context, report, &explainer);
+    const auto loading = play(session, test, report, interruption);
+    return loading == RuleSession::Loading::Done ? explainer.explanation() : std::vector<std::string>();
+}
+
+}  // namespace
+
+TestOutcome runTest(const std::string& rules, const TestCase& test, Trace& trace, const Interruption& interruption) {
+    Observed observed;
+    TestOutcome outcome{};
+    {
+        RuleSession session(rules, test.seed, test.context, observed, &trace);
+        outcome.loading = play(session, test, observed, interruption);
+        outcome.problem = session.problem();
+    }
+    if (outcome.loading != RuleSession::Loading::Done) {
+        for (const Observed::Log& log : observed.logs) {
+            outcome.problem += "\n" + log.message;
+        }
+        return outcome;
+    }
+    Mismatch mismatch = compare(test.expect, observed);
+    outcome.failure = std::move(mismatch.lines);
+    if (mismatch.first) {
+        for (std::string& line : explain(rules, test, *mismatch.first, interruption)) {
+            outcome.failure.push_back(std::move(line));
+        }
+    }
+    return outcome;
+}
+
+}  // namespace tool

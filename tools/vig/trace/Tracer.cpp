@@ -1,0 +1,278 @@
+#include "tools/vig/trace/Tracer.h"
+
+#include <map>
+#include <unordered_map>
+#include <utility>
+
+#include "rulesengine/EvaluationContext.h"
+#include "rulesengine/Event.h"
+#include "rulesengine/Filter.h"
+#include "rulesengine/FiniteStateMachine.h"
+#include "rulesengine/FuncFilter.h"
+#include "rulesengine/State.h"
+#include "rulesengine/Transition.h"
+#include "vig/parsers/NumberText.h"
+
+namespace tool {
+
+using Brenta::OS::RulesEngine::EvaluationContext;
+using Brenta::OS::RulesEngine::Event;
+using Brenta::OS::RulesEngine::EventType;
+using Brenta::OS::RulesEngine::Filter;
+using Brenta::OS::RulesEngine::FiniteStateMachine;
+using Brenta::OS::RulesEngine::FuncFilter;
+using Brenta::OS::RulesEngine::Transition;
+using Brenta::OS::VIG::FilterOperand;
+using Brenta::OS::VIG::FilterValueType;
+using Brenta::OS::VIG::VIGConfig;
+using Brenta::OS::VIG::VIGConfigPayload;
+using Brenta::OS::VIG::VIGParserConfig;
+
+TracedDocument::TracedDocument(std::string fileName, std::string content)
+    : text(std::move(fileName), std::move(content)) {
+    for (Json::ArrayIndex index = 0; index < text.root()["configs"].size(); ++index) {
+        configs.push_back(modelOf(text, index));
+    }
+}
+
+namespace {
+
+struct FunctionResult {
+    std::string function;
+    ComparedValue value;
+};
+
+}  // namespace
+
+// Puts steps together from what the filters of the machines tell. Used on the thread that drives them.
+class StepRecorder {
+  public:
+    explicit StepRecorder(Trace& listener) : trace(listener) {}
+
+    void begin(Step first) {
+        step = std::move(first);
+        results.clear();
+    }
+
+    void tried(std::size_t index, const TransitionModel& transition) {
+        step.attempts.push_back({index, &transition, {}, false});
+    }
+
+    void compared(Comparison comparison) { step.attempts.back().comparisons.push_back(std::move(comparison)); }
+
+    // The machine then raises an event in the state that the transition leads to.
+    void fired() {
+        step.attempts.back().fired = true;
+        const std::string_view target = step.attempts.back().transition->to;
+        trace.step(step);
+        step.attempts.clear();
+        step.state = target;
+        step.type = EventType::EnteringState;
+        step.raised = true;
+    }
+
+    void end() {
+        if (!step.raised || !step.attempts.empty()) {
+            trace.step(step);
+        }
+    }
+
+    std::vector<FunctionResult> results;  // of the functions that a filter has called, in order
+
+    Trace& trace;
+
+  private:
+    Step step{};
+};
+
+namespace {
+
+template <typename T>
+T constantOf(const std::string& text);
+template <>
+std::string constantOf(const std::string& text) {
+    return text;
+}
+template <>
+std::int64_t constantOf(const std::string& text) {
+    return Brenta::OS::VIG::readNearestInt64(text);
+}
+template <>
+double constantOf(const std::string& text) {
+    return Brenta::OS::VIG::readNearestDouble(text);
+}
+
+// Of an event or a context.
+template <typename T>
+std::optional<T> attributeOf(const auto& source, const std::string& name) {
+    if constexpr (std::is_same_v<T, std::string>) {
+        const std::string_view text = source.getStringAttr(name);
+        return text.empty() ? std::nullopt : std::optional<T>(text);
+    } else if constexpr (std::is_same_v<T, double>) {
+        return source.getDoubleAttr(name);
+    } else {
+        return source.getInt64Attr(name);
+    }
+}
+
+// Reads again what a filter has compared, by the rules by which the library builds it.
+class OperandReader {
+  public:
+    // `usesContext` is whether it compares an attribute with a constant.
+    OperandReader(const std::vector<FunctionResult>& ofFunctions, bool usesContext, const EvaluationContext& ofMachine,
+                  const Event& offered)
+        : results(ofFunctions), context(ofMachine), event(offered), looksInContext(usesContext) {}
+
+    ComparedValue read(const FilterOperand& operand, FilterValueType type) {
+        switch (type) {
+            case FilterValueType::String:
+                return readAs<std::string>(operand);
+            case FilterValueType::Integer:
+                return readAs<std::int64_t>(operand);
+            case FilterValueType::Double:
+                break;
+        }
+        return readAs<double>(operand);
+    }
+
+  private:
+    template <typename T>
+    ComparedValue readAs(const FilterOperand& operand) {
+        switch (operand.type) {
+            case FilterOperand::Type::Constant:
+                return {constantOf<T>(operand.value)};
+            case FilterOperand::Type::Envvar:
+                return readAttribute<T>(operand.value);
+            case FilterOperand::Type::Function:
+                break;
+        }
+        // A function that the registry does not have was not called.
+        const bool called = next < results.size() && results[next].function == operand.value;
+        return called ? results[next++].value : ComparedValue{T()};
+    }
+
+    template <typename T>
+    ComparedValue readAttribute(const std::string& name) const {
+        std::optional<T> found = attributeOf<T>(event, name);
+        if (!found && looksInContext) {
+            found = attributeOf<T>(context, name);
+        }
+        if (found) {
+            return {std::move(*found)};
+        }
+        const bool comparesNothing = looksInContext && !std::is_same_v<T, std::string>;
+        return comparesNothing ? ComparedValue{std::monostate(), true} : ComparedValue{T(), true};
+    }
+
+    const std::vector<FunctionResult>& results;
+    const EvaluationContext& context;
+    const Event& event;
+    const bool looksInContext;
+    std::size_t next = 0;
+};
+
+bool comparesWithConstant(const FilterModel& filter) {
+    const bool left = filter.operand1.operand.type == FilterOperand::Type::Constant;
+    const bool right = filter.operand2.operand.type == FilterOperand::Type::Constant;
+    return left != right;
+}
+
+// A filter that says the same as the one given.
+std::shared_ptr<Filter> watched(std::shared_ptr<Filter> original, const FilterModel& model, StepRecorder& recorder) {
+    return std::make_shared<FuncFilter>(
+        [original = std::move(original), &model, &recorder](const EvaluationContext& context, const Event& event) {
+            recorder.results.clear();
+            const bool verdict = (*original)(context, event);
+            OperandReader reader(recorder.results, comparesWithConstant(model), context, event);
+            ComparedValue left = reader.read(model.operand1.operand, model.valueType);
+            ComparedValue right = reader.read(model.operand2.operand, model.valueType);
+            recorder.compared({&model, std::move(left), std::move(right), verdict});
+            return verdict;
+        });
+}
+
+// A filter that always holds and calls `tell` when it is asked.
+std::shared_ptr<Filter> probe(auto tell) {
+    return std::make_shared<FuncFilter>([tell](const EvaluationContext&, const Event&) {
+        tell();
+        return true;
+    });
+}
+
+// The first filter is asked when the transition is tried, the last one when nothing keeps it from firing any more.
+std::vector<std::shared_ptr<Filter>> watched(const Transition& original, std::size_t index,
+                                             const TransitionModel& model, StepRecorder& recorder) {
+    std::vector<std::shared_ptr<Filter>> filters;
+    filters.push_back(probe([&recorder, &model, index] { recorder.tried(index, model); }));
+    for (std::size_t i = 0; i < model.filters.size(); ++i) {
+        filters.push_back(watched(original.getFilters()[i], model.filters[i], recorder));
+    }
+    filters.push_back(probe([&recorder] { recorder.fired(); }));
+    return filters;
+}
+
+std::unique_ptr<FiniteStateMachine> watched(FiniteStateMachine& original, const ConfigModel& model,
+                                            StepRecorder& recorder) {
+    auto machine = std::make_unique<FiniteStateMachine>();
+    std::map<std::string_view, std::size_t> taken;  // of each state's transitions
+    for (std::size_t index = 0; index < model.transitions.size(); ++index) {
+        const TransitionModel& each = model.transitions[index];
+        const Transition& transition = *original.getStateByName(each.from)->getTransitions()[taken[each.from]++];
+        machine->addTransition(each.from, each.to, transition.getEventType(),
+                               watched(transition, index, each, recorder), transition.getActions());
+    }
+    return machine;
+}
+
+template <typename Function>
+std::unordered_map<std::string, Function> watched(std::unordered_map<std::string, Function> functions,
+                                                  const std::shared_ptr<StepRecorder>& recorder) {
+    for (auto& [name, function] : functions) {
+        function = [original = function, shown = name, recorder] {
+            auto value = original();
+            recorder->results.push_back({shown, {value}});
+            return value;
+        };
+    }
+    return functions;
+}
+
+}  // namespace
+
+Tracer::Tracer(Trace& listener) : recorder(std::make_shared<StepRecorder>(listener)) {}
+
+Tracer::~Tracer() = default;
+
+VIGParserConfig Tracer::registryFrom(const VIGParserConfig& library) const {
+    // Filters have no use for functions of another type.
+    return VIGParserConfig(library.getEventTypes(), library.getActionFunctionFactories(),
+                           watched(library.getInt64PureFunctions(), recorder),
+                           watched(library.getDoublePureFunctions(), recorder),
+                           watched(library.getStringPureFunctions(), recorder), {});
+}
+
+std::vector<std::unique_ptr<VIGConfig>> Tracer::watch(std::string fileName, std::string text,
+                                                      const std::vector<std::unique_ptr<VIGConfig>>& configs) {
+    document = std::make_unique<TracedDocument>(std::move(fileName), std::move(text));
+    std::vector<std::unique_ptr<VIGConfig>> result;
+    for (std::size_t i = 0; i < configs.size(); ++i) {
+        const VIGConfigPayload& payload = *configs[i]->getConfigPayload();
+        result.push_back(std::make_unique<VIGConfig>(
+            configs[i]->getConfigId(), std::make_unique<VIGConfigPayload>(payload.getConfigPayloadId(),
+                                                                          watched(*payload.getFiniteStateMachine(),
+                                                                                  document->configs[i], *recorder))));
+    }
+    recorder->trace.loaded(*document);
+    return result;
+}
+
+void Tracer::begin(std::uint64_t event, EventType type, std::optional<std::int64_t> timeMs, MachineName machine,
+                   std::string_view state, bool raised) {
+    recorder->begin({event, timeMs, machine, state, type, raised, {}});
+}
+
+void Tracer::end() {
+    recorder->end();
+}
+
+}  // namespace tool

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "rulesengine/EventType.h"
+#include "tools/vig/trace/Trace.h"
+#include "vig/parsers/VIGConfig.h"
+#include "vig/parsers/VIGParserConfig.h"
+
+namespace tool {
+
+class StepRecorder;
+
+// Lets a Trace watch machines at work. The engine knows nothing of it: a watched machine has the states, filters and
+// actions of the library's own one, with a filter around each filter that tells what it saw.
+class Tracer {
+  public:
+    // `listener` must outlive it, and it must outlive the machines.
+    explicit Tracer(Trace& listener);
+    Tracer(const Tracer&) = delete;
+    Tracer& operator=(const Tracer&) = delete;
+    ~Tracer();
+
+    // The same registry, whose functions tell what they return. A document has to be parsed with it. Any thread.
+    Brenta::OS::VIG::VIGParserConfig registryFrom(const Brenta::OS::VIG::VIGParserConfig& library) const;
+
+    // Watched configurations in place of those that the library made of the text.
+    std::vector<std::unique_ptr<Brenta::OS::VIG::VIGConfig>> watch(
+        std::string fileName, std::string text,
+        const std::vector<std::unique_ptr<Brenta::OS::VIG::VIGConfig>>& configs);
+
+    // To be called around each call that drives a machine. `raised` is whether the machine makes the event itself.
+    void begin(std::uint64_t event, Brenta::OS::RulesEngine::EventType type, std::optional<std::int64_t> timeMs,
+               MachineName machine, std::string_view state, bool raised);
+    void end();
+
+  private:
+    const std::shared_ptr<StepRecorder> recorder;
+    std::unique_ptr<TracedDocument> document;
+};
+
+}  // namespace tool

@@ -1,0 +1,34 @@
+#include "tools/vig/trace/TransitionCounts.h"
+
+#include "tools/vig/Replay.h"
+
+namespace tool {
+
+void TransitionCounts::loaded(const TracedDocument& document) {
+    counts.clear();
+    for (const ConfigModel& config : document.configs) {
+        counts.emplace_back(config.transitions.size());
+    }
+}
+
+void TransitionCounts::step(const Step& step) {
+    for (const Attempt& attempt : step.attempts) {
+        Count& count = counts[step.machine.index][attempt.index];
+        ++count.tried;
+        count.fired += attempt.fired ? 1 : 0;
+    }
+}
+
+int countTransitions(RunOptions options, const Console& console, const Interruption& interruption,
+                     TransitionCounts& counts) {
+    options.format = ReportFormat::None;
+    Replay replay(options, console, interruption);
+    replay.ruleRun().observe(counts);
+    if (const auto status = replay.begin()) {
+        return *status;
+    }
+    const auto status = replay.offerAll();
+    return status ? *status : replay.finish();
+}
+
+}  // namespace tool
