@@ -69,7 +69,7 @@ TEST(Catalogue, SaysWhereAFileIsWrong) {
          "c.json:1:26: error: events.Test: unknown key \"int\"; did you mean \"int64\"?"},
         {R"({"context":{"int64":"x"}})", "c.json:1:21: error: context.int64: expected an array of attribute names"},
         {R"({"context":{"int64":["x",1]}})", "c.json:1:26: error: context.int64[1]: expected an attribute's name"},
-        {"{", "c.json: error: Line 1, Column 2   Missing '}' or object member name"},
+        {"{", "c.json:1:2: error: Missing '}' or object member name"},
     };
     for (const auto& [text, expected] : files) {
         std::string problem;

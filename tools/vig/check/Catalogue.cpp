@@ -7,6 +7,7 @@
 #include "tools/vig/FileText.h"
 #include "tools/vig/NearestName.h"
 #include "tools/vig/Text.h"
+#include "tools/vig/check/ReaderErrors.h"
 #include "vig/EventTypeNames.h"
 
 namespace tool {
@@ -34,13 +35,6 @@ constexpr const char* kBuiltIn = R"({
     }
   }
 })";
-
-std::string oneLine(std::string report) {
-    std::erase_if(report, [](char each) { return each == '*'; });
-    std::ranges::replace(report, '\n', ' ');
-    report.erase(report.find_last_not_of(' ') + 1);
-    return report.erase(0, report.find_first_not_of(' '));
-}
 
 std::string textOf(const CataloguedAttributes& attributes, const std::string& indentation) {
     std::string kinds;
@@ -79,8 +73,9 @@ class Catalogue::Reader {
     bool readAll() {
         const Json::Value& root = document.root();
         if (document.report()) {
-            problem = document.source().name() + ": error: " + oneLine(*document.report());
-            return false;
+            std::vector<Diagnostic> errors;
+            appendReaderErrors(document, errors);
+            return fail(errors.front().place.begin, errors.front().message);
         }
         return isObject(root, "") && hasOnly(root, "", kMembers) && readExtends(root) && readEvents(root) &&
                (!root.isMember("context") || readKinds(root["context"], "context", catalogue.contextAttributes));
@@ -158,9 +153,13 @@ class Catalogue::Reader {
     }
 
     bool fail(const Json::Value& value, const std::string& path, const std::string& what) {
-        const auto [line, column] = document.source().positionOf(document.placeOf(value, path).begin);
-        problem = document.source().name() + ":" + std::to_string(line) + ":" + std::to_string(column) +
-                  ": error: " + path + (path.empty() ? "" : ": ") + what;
+        return fail(document.placeOf(value, path).begin, path + (path.empty() ? "" : ": ") + what);
+    }
+
+    bool fail(std::size_t place, const std::string& what) {
+        const auto [line, column] = document.source().positionOf(place);
+        problem =
+            document.source().name() + ":" + std::to_string(line) + ":" + std::to_string(column) + ": error: " + what;
         return false;
     }
 
