@@ -77,6 +77,9 @@ void TextFindings::file(const SourceText& source, std::span<const Diagnostic> fi
 }
 
 void TextFindings::end(const FindingCounts& counts) {
+    if (counts.files == 0) {
+        return;
+    }
     const std::string files = counted(counts.files, "file");
     if (counts.errors + counts.warnings == 0) {
         output.write("nothing found in " + files + "\n");
