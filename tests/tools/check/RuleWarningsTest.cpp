@@ -214,7 +214,7 @@ TEST(RuleWarnings, FindsNumbersThatAreReadAsOthers) {
         const std::size_t space = constant.find(' ');
         const std::string type = constant.substr(0, space);
         const auto found = warningsOf({transition("start end Test", {type + " x > " + constant.substr(space + 1)})});
-        ASSERT_EQ(namesOf(found), Strings{"number-text [0].filters[0].operand2"}) << constant;
+        ASSERT_EQ(namesOf(found), Strings{"number-text [0].filters[0].operand2.value"}) << constant;
         EXPECT_THAT(found[0].message, testing::HasSubstr("read as " + number)) << constant;
     }
     for (const std::string whole :
@@ -224,8 +224,8 @@ TEST(RuleWarnings, FindsNumbersThatAreReadAsOthers) {
         EXPECT_EQ(namesOf(warningsOf({transition("start end Test", {whole})})), Strings()) << whole;
     }
     expectNames({{{transition("start end Test", {"integer =abc == =99999999999999999999"})},
-                  {"never-true [0].filters[0]", "number-text [0].filters[0].operand1",
-                   "number-text [0].filters[0].operand2"}}});
+                  {"never-true [0].filters[0]", "number-text [0].filters[0].operand1.value",
+                   "number-text [0].filters[0].operand2.value"}}});
 }
 
 TEST(RuleWarnings, FindsAttributesThatEventsDoNotHave) {
@@ -236,7 +236,7 @@ TEST(RuleWarnings, FindsAttributesThatEventsDoNotHave) {
     const auto catalogue = Catalogue::read(additions, problem);
     ASSERT_TRUE(catalogue) << problem;
     const std::string cannot = "attributes of the kinds uint64 and bool cannot be compared at all";
-    const std::string operand1 = " [0].filters[0].operand1";
+    const std::string operand1 = " [0].filters[0].operand1.value";
     const struct {
         std::string event;
         std::string condition;
@@ -261,9 +261,9 @@ TEST(RuleWarnings, FindsAttributesThatEventsDoNotHave) {
         {"ProcessMemoryHeartBeat", "integer vmSwapKB < vmRssKB", ""},
         {"Test", "string mode == anything", "context-ignored" + operand1},
         {"ProcessMemoryHeartBeat", "integer vmRssKB > PseudoRandomDouble()",
-         "function-fallback [0].filters[0].operand2", "write \"value_type\": \"double\""},
+         "function-fallback [0].filters[0].operand2.value", "write \"value_type\": \"double\""},
         {"ProcessCpuHeartBeat", "double cpuAvgUtilization > PseudoRandomDoubl()",
-         "function-fallback [0].filters[0].operand2", "did you mean \"PseudoRandomDouble\"?"},
+         "function-fallback [0].filters[0].operand2.value", "did you mean \"PseudoRandomDouble\"?"},
         {"ProcessCpuHeartBeat", "double cpuAvgUtilization > PseudoRandomDouble()", ""},
     };
     for (const auto& [event, condition, expected, hint] : cases) {
