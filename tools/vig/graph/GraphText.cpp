@@ -78,7 +78,11 @@ std::string trafficLineOf(const GraphArrow& arrow) {
 
 std::vector<std::string> markLinesOf(const std::vector<GraphMark>& marks) {
     std::vector<std::string> names;
-    std::ranges::transform(marks, std::back_inserter(names), &GraphMark::name);
+    for (const GraphMark& each : marks) {
+        if (std::ranges::find(names, each.name) == names.end()) {
+            names.push_back(each.name);
+        }
+    }
     return linesOf(names, "⚠ ");
 }
 
