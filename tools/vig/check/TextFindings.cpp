@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <utility>
 
 #include "tools/vig/Text.h"
 #include "tools/vig/check/Excerpt.h"
@@ -101,8 +102,10 @@ void TextFindings::write(const SourceText& source, const Diagnostic& finding) {
                  fmt::format("{} [{}]\n", printable(finding.message), finding.name));
     output.write(fmt::format("    {}{}{}\n    {}{}\n", shown.before, shown.at, shown.after, blank(shown.before),
                              inColour(kGreen, mark(shown.at))));
-    if (!finding.hint.empty()) {
-        output.write(fmt::format("    hint: {}\n", printable(finding.hint)));
+    for (const auto& [label, text] : {std::pair("path", &finding.place.path), std::pair("hint", &finding.hint)}) {
+        if (!text->empty()) {
+            output.write(fmt::format("    {}: {}\n", label, printable(*text)));
+        }
     }
 }
 
