@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "tools/vig/Text.h"
+#include "tools/vig/check/Excerpt.h"
 
 namespace tool {
 
@@ -33,7 +34,7 @@ std::string pictureText(std::string_view text, std::size_t most) {
     std::size_t characters = 0;
     std::size_t cut = 0;  // behind all characters but the last that has room
     for (std::size_t place = 0; place < result.size(); ++place) {
-        const bool begins = (static_cast<unsigned char>(result[place]) & 0xC0) != 0x80;
+        const bool begins = beginsCharacter(result[place]);
         characters += begins ? 1 : 0;
         if (begins && characters == most) {
             cut = place;
