@@ -19,6 +19,7 @@ constexpr std::string_view kGreen = "\x1b[32m";
 constexpr std::string_view kReset = "\x1b[0m";
 
 constexpr std::size_t kMostShownOfLine = 100;
+constexpr std::size_t kMostShownOfText = 500;
 constexpr std::size_t kMostShownBefore = 40;  // the place, of a longer line
 
 // As the line stands in the file, but for what a terminal would act on. Tabs stay.
@@ -65,6 +66,11 @@ ShownLine show(std::string_view line, std::size_t column, std::size_t length) {
             shownLine(line.substr(placeEnd, end - placeEnd)) + (end < line.size() ? "…" : "")};
 }
 
+// Names and numbers of a document may have any length.
+std::string shownText(std::string_view text) {
+    return printable(shortened(text, kMostShownOfText));
+}
+
 std::string counted(std::size_t count, std::string_view what) {
     return fmt::format("{} {}{}", count, what, count == 1 ? "" : "s");
 }
@@ -99,12 +105,12 @@ void TextFindings::write(const SourceText& source, const Diagnostic& finding) {
     const ShownLine shown = show(source.line(line), column, finding.place.end - finding.place.begin);
     output.write(inColour(kBold, fmt::format("{}:{}:{}: ", printable(source.name()), line, column)) +
                  inColour(isError ? kBoldRed : kBoldYellow, isError ? "error: " : "warning: ") +
-                 fmt::format("{} [{}]\n", printable(finding.message), finding.name));
+                 fmt::format("{} [{}]\n", shownText(finding.message), finding.name));
     output.write(fmt::format("    {}{}{}\n    {}{}\n", shown.before, shown.at, shown.after, blank(shown.before),
                              inColour(kGreen, mark(shown.at))));
     for (const auto& [label, text] : {std::pair("path", &finding.place.path), std::pair("hint", &finding.hint)}) {
         if (!text->empty()) {
-            output.write(fmt::format("    {}: {}\n", label, printable(*text)));
+            output.write(fmt::format("    {}: {}\n", label, shownText(*text)));
         }
     }
 }
