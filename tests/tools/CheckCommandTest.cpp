@@ -50,16 +50,19 @@ TEST_F(CheckCommand, PrintsFindingsAsCompilersDo) {
               file + R"(:2:4: warning: the key "note ä" is ignored [unknown-key]
     	{ "note ä": 1, "id": true, "payload": { "id": 1, "data": { "transitions": [
     	  ^~~~~~~~
+    path: configs[0].note ä
     hint: known here: "id", "payload"
 )" + file +
                   R"(:2:24: error: Invalid VIG Config JSON: { "note ä": 1, "id": true, "payload": {… ("id" is )"
                   R"(a boolean) [InvalidConfig]
     	{ "note ä": 1, "id": true, "payload": { "id": 1, "data": { "transitions": [
     	                     ^~~~
+    path: configs[0].id
     hint: a number is needed
 )" + file + R"(:3:56: error: FSM Event not found! [InvalidFsm]
     		{ "from_state": "start", "to_state": "end", "event": "ZramHeartbeat",
     		                                                     ^~~~~~~~~~~~~~~
+    path: configs[0].payload.data.transitions[0].event
     hint: there is no event "ZramHeartbeat"; did you mean "ZramHeartBeat"?
 2 errors, 1 warning in 1 file
 )");
@@ -72,7 +75,8 @@ TEST_F(CheckCommand, ShowsOnlyTheNeighbourhoodOfAPlaceInALongLine) {
     const auto result = check(R"({"configs":[)" + filler + "\"\x1b[2J\"" + filler + "]}");
     EXPECT_EQ(linesWith(result.out, "    "),
               (std::vector<std::string>{"    …" + std::string(40, ' ') + R"("\x1b[2J")" + std::string(54, ' ') + "…",
-                                        std::string(45, ' ') + "^~~~~~~~~", "    hint: an object is needed"}));
+                                        std::string(45, ' ') + "^~~~~~~~~", "    path: configs[0]",
+                                        "    hint: an object is needed"}));
 }
 
 TEST_F(CheckCommand, WritesJson) {

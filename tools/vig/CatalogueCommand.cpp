@@ -41,12 +41,7 @@ int catalogue(const CatalogueOptions& options, const Console& console, const Int
     }
     Output output(console.out);
     output.write(learned.text());
-    output.flush();
-    if (output.failed() && !output.readerIsGone()) {
-        console.complain("standard output: " + systemError(output.failure()));
-        return kExitUnusable;
-    }
-    return kExitDone;
+    return console.finish(output, kExitDone);
 }
 
 }  // namespace tool

@@ -8,7 +8,6 @@
 #include "tools/vig/FileText.h"
 #include "tools/vig/Output.h"
 #include "tools/vig/Registry.h"
-#include "tools/vig/Text.h"
 #include "tools/vig/check/Catalogue.h"
 #include "tools/vig/check/Checker.h"
 
@@ -75,15 +74,8 @@ int check(const CheckOptions& options, const Console& console, const Interruptio
         count(findings, counts);
     }
     report->end(counts);
-    output.flush();
-    if (output.failed() && !output.readerIsGone()) {
-        console.complain("standard output: " + systemError(output.failure()));
-        return kExitUnusable;
-    }
-    if (!areReadable) {
-        return kExitUnusable;
-    }
-    return counts.errors > 0 || (options.strict && counts.warnings > 0) ? kExitRefused : kExitDone;
+    const bool areRefused = counts.errors > 0 || (options.strict && counts.warnings > 0);
+    return console.finish(output, !areReadable ? kExitUnusable : areRefused ? kExitRefused : kExitDone);
 }
 
 }  // namespace tool

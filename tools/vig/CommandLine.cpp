@@ -31,7 +31,7 @@ constexpr const char* kGeneralFooter =
 
 constexpr const char* kCheckFooter = R"(Errors are what the library refuses, all of them. Warnings, by name:
 {}
-Exit status: 0 nothing or only warnings, 1 errors, 2 a file cannot be read. Columns count bytes.
+Exit status: 0 nothing or only warnings, 1 errors, 2 a file cannot be read. Columns count bytes, in sarif characters.
 
 Example: check before a commit, as strictly as possible, for a service that arms timeouts:
   vig check --strict --allow unused-timeout rules/*.json)";
@@ -184,7 +184,7 @@ void addCheck(CLI::App& app, CheckOptions& options) {
                     "produces)")
         ->type_name("FILE");
     verb.add_option("--events", options.eventsFile,
-                    "Event records whose attributes stand in their place, or add to FILE's")
+                    "Event records: their attributes stand in the place of those that the tool knows, or add to FILE's")
         ->type_name("EVENTS");
     verb.footer(checkFooter());
 }

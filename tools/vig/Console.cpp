@@ -27,6 +27,15 @@ void Console::complain(std::string_view what) const {
     say("vig: error: " + std::string(what));
 }
 
+int Console::finish(Output& output, int status) const {
+    output.flush();
+    if (!output.failed() || output.readerIsGone()) {
+        return status;
+    }
+    complain("standard output: " + systemError(output.failure()));
+    return kExitUnusable;
+}
+
 bool Console::wantsColours() const {
     return isatty(out) == 1 && variable("NO_COLOR").empty() && variable("TERM") != "dumb";
 }

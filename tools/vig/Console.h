@@ -6,6 +6,8 @@
 
 namespace tool {
 
+class Output;
+
 inline constexpr int kExitDone = 0;
 inline constexpr int kExitRefused = 1;   // the rule document is
 inline constexpr int kExitUnusable = 2;  // the arguments or an input, or the output cannot be written
@@ -22,6 +24,9 @@ struct Console {
 
     // Says it as an error of the program.
     void complain(std::string_view what) const;
+
+    // Writes what `output` has collected for `out`. Returns `status`, or kExitUnusable if that failed, having said why.
+    int finish(Output& output, int status) const;
 
     // Whether `out` is a terminal whose user has nothing against colours.
     bool wantsColours() const;

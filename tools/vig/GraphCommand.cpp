@@ -11,7 +11,6 @@
 #include "tools/vig/FileText.h"
 #include "tools/vig/Output.h"
 #include "tools/vig/Registry.h"
-#include "tools/vig/Text.h"
 #include "tools/vig/check/Catalogue.h"
 #include "tools/vig/check/Checker.h"
 #include "tools/vig/graph/DotWriter.h"
@@ -69,12 +68,7 @@ std::vector<std::vector<Traffic>> trafficOf(const GraphOptions& options, const s
 int write(const std::string& text, const Console& console) {
     Output output(console.out);
     output.write(text);
-    output.flush();
-    if (!output.failed() || output.readerIsGone()) {
-        return kExitDone;
-    }
-    console.complain("standard output: " + systemError(output.failure()));
-    return kExitUnusable;
+    return console.finish(output, kExitDone);
 }
 
 int writeImage(const std::string& dot, const std::string& format, const Console& console,

@@ -72,7 +72,7 @@ class Modeller {
     }
 
     OperandModel operand(const Json::Value& json, const std::string& path) const {
-        return {document.placeOf(json, path),
+        return {document.placeOf(json["value"], path + ".value"),
                 FilterOperand::fromJson(json).value_or(FilterOperand{FilterOperand::Type::Constant, ""})};
     }
 

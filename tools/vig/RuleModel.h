@@ -17,7 +17,7 @@ namespace tool {
 // The machines themselves come from the library.
 
 struct OperandModel {
-    Place place;
+    Place place;  // of its value
     Brenta::OS::VIG::FilterOperand operand;
 };
 

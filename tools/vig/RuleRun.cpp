@@ -84,12 +84,7 @@ int RuleRun::finish(int status, std::optional<Summary::Sampling> sampling) {
 }
 
 int RuleRun::abandon(int status) {
-    out.flush();
-    if (!out.failed() || out.readerIsGone()) {
-        return status;
-    }
-    console.complain("standard output: " + systemError(out.failure()));
-    return kExitUnusable;
+    return console.finish(out, status);
 }
 
 }  // namespace tool

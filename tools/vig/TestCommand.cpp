@@ -33,7 +33,7 @@ class TestSuite {
         }
         for (const TestFile& file : files) {
             if (const auto status = runFile(file)) {
-                return finish(*status);
+                return console.finish(out, *status);
             }
         }
         const auto failed = std::ranges::count_if(verdicts, [](const auto& each) { return !each.failure.empty(); });
@@ -41,7 +41,7 @@ class TestSuite {
         out.write(fmt::format("{} test{}: {} passed, {} failed\n", verdicts.size(), verdicts.size() == 1 ? "" : "s",
                               verdicts.size() - static_cast<std::size_t>(failed), failed));
         const int status = failed > 0 || !covered ? kExitRefused : kExitDone;
-        return finish(options.junitFile.empty() || writeJUnit() ? status : kExitUnusable);
+        return console.finish(out, options.junitFile.empty() || writeJUnit() ? status : kExitUnusable);
     }
 
   private:
@@ -180,15 +180,6 @@ class TestSuite {
             console.complain(path + ": " + systemError(error));
         }
         return error == 0;
-    }
-
-    int finish(int status) {
-        out.flush();
-        if (!out.failed() || out.readerIsGone()) {
-            return status;
-        }
-        console.complain("standard output: " + systemError(out.failure()));
-        return kExitUnusable;
     }
 
     const TestOptions& options;

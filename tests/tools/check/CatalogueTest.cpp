@@ -60,16 +60,16 @@ TEST(Catalogue, LearnsFromARecordingWhatItReadsBack) {
 
 TEST(Catalogue, SaysWhereAFileIsWrong) {
     const std::pair<std::string, std::string> files[] = {
-        {"[]", "c.json:1:1: error: expected an object"},
+        {"[]", "c.json:1:1: error: expected an object, got an array"},
         {"{\n \"event\":{}}", "c.json:2:10: error: unknown key \"event\"; did you mean \"events\"?"},
-        {R"({"extends":true})", "c.json:1:12: error: extends: expected \"built-in\""},
-        {R"({"events":[]})", "c.json:1:11: error: events: expected an object"},
-        {R"({"events":{"Tset":{}}})", "c.json:1:19: error: events: unknown event \"Tset\"; did you mean \"Test\"?"},
+        {R"({"extends":"builtin"})", "c.json:1:12: error: extends: expected \"built-in\""},
+        {R"({"events":[]})", "c.json:1:11: error: events: expected an object, got an array"},
+        {R"({"events":{"Tset":{}}})", "c.json:1:19: error: events: unknown key \"Tset\"; did you mean \"Test\"?"},
         {R"({"events":{"Test":{"int":[]}}})",
          "c.json:1:26: error: events.Test: unknown key \"int\"; did you mean \"int64\"?"},
-        {R"({"context":{"int64":"x"}})", "c.json:1:21: error: context.int64: expected an array of attribute names"},
-        {R"({"context":{"int64":["x",1]}})", "c.json:1:26: error: context.int64[1]: expected an attribute's name"},
-        {"{", "c.json: error: Line 1, Column 2   Missing '}' or object member name"},
+        {R"({"context":{"int64":"x"}})", "c.json:1:21: error: context.int64: expected an array, got a string"},
+        {R"({"context":{"int64":["x",1]}})", "c.json:1:26: error: context.int64[1]: expected a string, got a number"},
+        {"{", "c.json:1:2: error: Missing '}' or object member name"},
     };
     for (const auto& [text, expected] : files) {
         std::string problem;

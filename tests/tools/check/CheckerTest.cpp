@@ -131,10 +131,11 @@ TEST(Checker, FindsEveryMistakeAtItsPlace) {
           kIn + R"(.filters[1].operand1.value: Failed to find function: PseudoRandom [InvalidFsm])",
           kIn + R"(.filters[1].operand2.value: Invalid constant of value type double: . [InvalidFsm])"}},
         {{{R"("TriggerVelora")",
-           R"("Test", "parameters": [ { "type": <<"int">>, "value": 1 }, { "type": "integer", "value": )"
+           R"(<<"Tset">>, "parameters": [ { "type": <<"int">>, "value": 1 }, { "type": "integer", "value": )"
            R"(<<2147483648>> } ])"},
           {R"("id": 8)", R"("id": <<-8.5>>)"}},
-         {kIn + R"(.actions[0].parameters[0].type: Invalid action parameter type: int. [InvalidFsm])",
+         {kIn + R"(.actions[0].name: FSM Action (Tset) not found! [InvalidFsm])",
+          kIn + R"(.actions[0].parameters[0].type: Invalid action parameter type: int. [InvalidFsm])",
           kIn + R"(.actions[0].parameters[1].value: Invalid value for an action parameter of type integer: )"
                 R"(2147483648. [InvalidFsm])",
           R"(configs[1].id: the id -8.5 is read as -8 [truncated-id])"}},

@@ -118,6 +118,8 @@ TEST(RuleWarnings, FindsWhatIsWrongWithTheStates) {
 
         {{transition("start start ProcessMemoryHeartBeat", {big}, trigger)}, {"trigger-storm [0].actions[0]"}},
         {{transition("start start ProcessMemoryHeartBeat", {big, random}, trigger)}},
+        {{transition("start start ProcessMemoryHeartBeat", {"double PseudoRandomDouble() < =1"}, trigger)},
+         {"always-true [0].filters[0]", "trigger-storm [0].actions[0]"}},
         {{transition("start start ZramHeartBeat", {}, log)}},
         {{transition("start start ProcessMemoryHeartBeat", {}, trigger),
           transition("start end EnteringState", {random})}},
@@ -206,22 +208,24 @@ TEST(RuleWarnings, FindsNumbersThatAreReadAsOthers) {
                                                         {"integer =12.9", "12"},
                                                         {"double =1,5", "1"},
                                                         {"double =1 000", "1"},
-                                                        {"double =9007199254740993", "9007199254740992"}};
+                                                        {"double =9007199254740993", "9007199254740992"},
+                                                        {"double =-0.10000000000000000001", "-0.10000000000000000555"}};
     for (const auto& [constant, number] : read) {
         const std::size_t space = constant.find(' ');
         const std::string type = constant.substr(0, space);
         const auto found = warningsOf({transition("start end Test", {type + " x > " + constant.substr(space + 1)})});
-        ASSERT_EQ(namesOf(found), Strings{"number-text [0].filters[0].operand2"}) << constant;
+        ASSERT_EQ(namesOf(found), Strings{"number-text [0].filters[0].operand2.value"}) << constant;
         EXPECT_THAT(found[0].message, testing::HasSubstr("read as " + number)) << constant;
     }
     for (const std::string whole :
-         {"integer x > = +7", "double x > =0x10", "double x > =0.1", "double x > =-inf", "double x > =9007199254740992",
-          "double x > =007", "integer x < =12 ", "string x == =12kB"}) {
+         {"integer x > = +7", "double x > =0x10", "double x > =-00.10", "double x > =.5", "double x > =12.",
+          "double x > =0", "double x > =-inf", "double x > =9007199254740992", "double x > =007", "integer x < =12 ",
+          "string x == =12kB"}) {
         EXPECT_EQ(namesOf(warningsOf({transition("start end Test", {whole})})), Strings()) << whole;
     }
     expectNames({{{transition("start end Test", {"integer =abc == =99999999999999999999"})},
-                  {"never-true [0].filters[0]", "number-text [0].filters[0].operand1",
-                   "number-text [0].filters[0].operand2"}}});
+                  {"never-true [0].filters[0]", "number-text [0].filters[0].operand1.value",
+                   "number-text [0].filters[0].operand2.value"}}});
 }
 
 TEST(RuleWarnings, FindsAttributesThatEventsDoNotHave) {
@@ -232,7 +236,7 @@ TEST(RuleWarnings, FindsAttributesThatEventsDoNotHave) {
     const auto catalogue = Catalogue::read(additions, problem);
     ASSERT_TRUE(catalogue) << problem;
     const std::string cannot = "attributes of the kinds uint64 and bool cannot be compared at all";
-    const std::string operand1 = " [0].filters[0].operand1";
+    const std::string operand1 = " [0].filters[0].operand1.value";
     const struct {
         std::string event;
         std::string condition;
@@ -257,9 +261,9 @@ TEST(RuleWarnings, FindsAttributesThatEventsDoNotHave) {
         {"ProcessMemoryHeartBeat", "integer vmSwapKB < vmRssKB", ""},
         {"Test", "string mode == anything", "context-ignored" + operand1},
         {"ProcessMemoryHeartBeat", "integer vmRssKB > PseudoRandomDouble()",
-         "function-fallback [0].filters[0].operand2", "write \"value_type\": \"double\""},
+         "function-fallback [0].filters[0].operand2.value", "write \"value_type\": \"double\""},
         {"ProcessCpuHeartBeat", "double cpuAvgUtilization > PseudoRandomDoubl()",
-         "function-fallback [0].filters[0].operand2", "did you mean \"PseudoRandomDouble\"?"},
+         "function-fallback [0].filters[0].operand2.value", "did you mean \"PseudoRandomDouble\"?"},
         {"ProcessCpuHeartBeat", "double cpuAvgUtilization > PseudoRandomDouble()", ""},
     };
     for (const auto& [event, condition, expected, hint] : cases) {

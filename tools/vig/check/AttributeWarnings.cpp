@@ -113,7 +113,7 @@ class OperandCheck {
             warnOfKind(operand, filter.valueType, known);
         } else {
             warn(found, "unknown-attribute", operand.place,
-                 eventNoun() + " have no attribute " + quoted(name) + " that is known", hintFor(name));
+                 eventNoun() + " are not known to have an attribute " + quoted(name), hintFor(name));
         }
     }
 
@@ -156,7 +156,7 @@ class OperandCheck {
 
     std::string eventNoun() const { return std::string(nameOf(event)) + " events"; }
 
-    // The name that was meant, or the events that have this one.
+    // The name that was meant, or the events that have this one, or where to make it known.
     std::string hintFor(const std::string& name) const {
         std::vector<std::string_view> names;
         for (const CataloguedAttributes* const attributes : {ofEvent, &catalogue.context()}) {
@@ -171,7 +171,7 @@ class OperandCheck {
                 hint = std::string(text) + " events have it";
             }
         }
-        return hint;
+        return hint.empty() ? "if the service gives it to them, name it in a file for --catalogue" : hint;
     }
 
     const EventType event;

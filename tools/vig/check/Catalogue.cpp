@@ -1,11 +1,11 @@
 #include "tools/vig/check/Catalogue.h"
 
-#include <algorithm>
 #include <utility>
+#include <vector>
 
 #include "tools/vig/EventNames.h"
 #include "tools/vig/FileText.h"
-#include "tools/vig/NearestName.h"
+#include "tools/vig/StrictJson.h"
 #include "tools/vig/Text.h"
 #include "vig/EventTypeNames.h"
 
@@ -15,8 +15,6 @@ using Brenta::OS::RulesEngine::EventType;
 using Brenta::OS::VIG::kEventTypeNames;
 
 namespace {
-
-constexpr std::array<std::string_view, 3> kMembers = {"extends", "events", "context"};
 
 constexpr const char* kBuiltIn = R"({
   "events": {
@@ -34,13 +32,6 @@ constexpr const char* kBuiltIn = R"({
     }
   }
 })";
-
-std::string oneLine(std::string report) {
-    std::erase_if(report, [](char each) { return each == '*'; });
-    std::ranges::replace(report, '\n', ' ');
-    report.erase(report.find_last_not_of(' ') + 1);
-    return report.erase(0, report.find_first_not_of(' '));
-}
 
 std::string textOf(const CataloguedAttributes& attributes, const std::string& indentation) {
     std::string kinds;
@@ -71,100 +62,56 @@ std::string KindSet::text() const {
     return names;
 }
 
-// Fills a catalogue from a document, up to the first thing that is wrong with it.
+// Fills a catalogue from a document, of which nothing may be ignored.
 class Catalogue::Reader {
   public:
-    Reader(const DocumentText& text, Catalogue& result) : document(text), catalogue(result) {}
+    Reader(const DocumentText& text, Catalogue& result, std::vector<std::string>& problems)
+        : json(text, problems), catalogue(result) {}
 
-    bool readAll() {
-        const Json::Value& root = document.root();
-        if (document.report()) {
-            problem = document.source().name() + ": error: " + oneLine(*document.report());
-            return false;
+    void readAll(const Json::Value& root) {
+        if (!json.isObject(root, "", {"extends", "events", "context"})) {
+            return;
         }
-        return isObject(root, "") && hasOnly(root, "", kMembers) && readExtends(root) && readEvents(root) &&
-               (!root.isMember("context") || readKinds(root["context"], "context", catalogue.contextAttributes));
+        if (const auto extended = json.optionalText(root, "extends", "")) {
+            catalogue = builtIn();
+            if (*extended != "built-in") {
+                json.complain(root["extends"], "extends", "expected \"built-in\"");
+            }
+        }
+        if (root.isMember("events")) {
+            readEvents(root["events"]);
+        }
+        if (root.isMember("context")) {
+            readKinds(root["context"], "context", catalogue.contextAttributes);
+        }
     }
-
-    std::string problem;
 
   private:
-    bool readExtends(const Json::Value& root) {
-        if (!root.isMember("extends")) {
-            return true;
+    void readEvents(const Json::Value& types) {
+        if (!json.isObject(types, "events", {kEventNames.begin(), kEventNames.end()})) {
+            return;
         }
-        if (root["extends"] != "built-in") {
-            return fail(root["extends"], "extends", "expected \"built-in\"");
-        }
-        catalogue = builtIn();
-        return true;
-    }
-
-    bool readEvents(const Json::Value& root) {
-        if (!root.isMember("events")) {
-            return true;
-        }
-        const Json::Value& types = root["events"];
-        if (!isObject(types, "events") || !hasOnly(types, "events", kEventNames)) {
-            return false;
-        }
-        return std::ranges::all_of(types.getMemberNames(), [&](const std::string& name) {
+        for (const std::string& name : types.getMemberNames()) {
             const EventType type = kEventTypeNames.reverseLookup(name.c_str()).value_or(EventType{});
-            return readKinds(types[name], "events." + name, catalogue.events[type]);
-        });
+            readKinds(types[name], StrictJson::member("events", name), catalogue.events[type]);
+        }
     }
 
-    bool readKinds(const Json::Value& kinds, const std::string& path, CataloguedAttributes& attributes) {
-        if (!isObject(kinds, path) || !hasOnly(kinds, path, kKindNames)) {
-            return false;
+    void readKinds(const Json::Value& kinds, const std::string& path, CataloguedAttributes& attributes) {
+        if (!json.isObject(kinds, path, {kKindNames.begin(), kKindNames.end()})) {
+            return;
         }
         for (std::size_t kind = 0; kind < kKindNames.size(); ++kind) {
-            const std::string name(kKindNames[kind]);
-            if (kinds.isMember(name) &&
-                !readNames(kinds[name], path + "." + name, static_cast<AttributeKind>(kind), attributes)) {
-                return false;
+            const std::string key(kKindNames[kind]);
+            if (kinds.isMember(key)) {
+                for (const std::string& name : json.texts(kinds[key], StrictJson::member(path, key))) {
+                    attributes[name].add(static_cast<AttributeKind>(kind));
+                }
             }
         }
-        return true;
     }
 
-    bool readNames(const Json::Value& names, const std::string& path, AttributeKind kind,
-                   CataloguedAttributes& attributes) {
-        if (!names.isArray()) {
-            return fail(names, path, "expected an array of attribute names");
-        }
-        for (Json::ArrayIndex index = 0; index < names.size(); ++index) {
-            if (!names[index].isString()) {
-                return fail(names[index], path + "[" + std::to_string(index) + "]", "expected an attribute's name");
-            }
-            attributes[names[index].asString()].add(kind);
-        }
-        return true;
-    }
-
-    bool isObject(const Json::Value& value, const std::string& path) {
-        return value.isObject() || fail(value, path, "expected an object");
-    }
-
-    bool hasOnly(const Json::Value& object, const std::string& path, std::span<const std::string_view> known) {
-        for (const std::string& name : object.getMemberNames()) {
-            if (std::ranges::find(known, name) == known.end()) {
-                return fail(
-                    object[name], path,
-                    (path == "events" ? "unknown event " : "unknown key ") + quoted(name) + suggestion(name, known));
-            }
-        }
-        return true;
-    }
-
-    bool fail(const Json::Value& value, const std::string& path, const std::string& what) {
-        const auto [line, column] = document.source().positionOf(document.placeOf(value, path).begin);
-        problem = document.source().name() + ":" + std::to_string(line) + ":" + std::to_string(column) +
-                  ": error: " + path + (path.empty() ? "" : ": ") + what;
-        return false;
-    }
-
-    const DocumentText& document;
+    StrictJson json;
     Catalogue& catalogue;
 };
 
@@ -174,10 +121,15 @@ Catalogue Catalogue::builtIn() {
 }
 
 std::optional<Catalogue> Catalogue::read(const DocumentText& document, std::string& problem) {
+    problem = StrictJson::mistakeIn(document);
+    if (!problem.empty()) {
+        return std::nullopt;
+    }
     Catalogue catalogue;
-    Reader reader(document, catalogue);
-    if (!reader.readAll()) {
-        problem = std::move(reader.problem);
+    std::vector<std::string> problems;
+    Reader(document, catalogue, problems).readAll(document.root());
+    if (!problems.empty()) {
+        problem = std::move(problems.front());
         return std::nullopt;
     }
     return catalogue;

@@ -2,7 +2,9 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cstdlib>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -42,11 +44,25 @@ Reading readingOf(const std::string& text, FilterValueType type) {
     return {std::move(number), inRange, rest};
 }
 
-// The digits of an integer, without sign and leading zeros; empty for any other number.
-std::string_view digitsOf(std::string_view text) {
+// A decimal number as it is written and as a double holds it, both with the same decimals.
+struct Decimal {
+    std::string written;
+    std::string held;
+};
+
+// Empty for a number with an exponent or of another base. Leading zeros are left out.
+std::optional<Decimal> decimalOf(std::string_view text) {
+    const std::string sign = text.find('-') != std::string_view::npos ? "-" : "";
     text.remove_prefix(std::min(text.find_first_not_of(" \t\r\n+-0"), text.size()));
     text = text.substr(0, text.find_last_not_of(" \t\r\n") + 1);
-    return text.find_first_not_of("0123456789") == std::string_view::npos ? text : std::string_view();
+    if (text.find_first_not_of("0123456789.") != std::string_view::npos) {
+        return std::nullopt;
+    }
+    const std::string_view whole = text.substr(0, text.find('.'));
+    const std::string_view decimals = text.substr(std::min(whole.size() + 1, text.size()));
+    return Decimal{
+        sign + (whole.empty() ? "0" : std::string(whole)) + (decimals.empty() ? "" : "." + std::string(decimals)),
+        sign + fmt::format("{:.{}f}", Brenta::OS::VIG::readNearestDouble(std::string(text)), decimals.size())};
 }
 
 void appendUnread(const Place& place, const std::string& text, const Reading& reading, std::vector<Diagnostic>& found) {
@@ -54,6 +70,15 @@ void appendUnread(const Place& place, const std::string& text, const Reading& re
                                                            : "write " + quoted(reading.number) + " if that is meant";
     warn(found, "number-text", place,
          quoted(text) + " is read as " + reading.number + "; " + quoted(reading.rest) + " is ignored", hint);
+}
+
+void appendImprecise(const OperandModel& operand, std::vector<Diagnostic>& found) {
+    const auto decimal = decimalOf(operand.operand.value);
+    if (decimal && decimal->held != decimal->written) {
+        warn(found, "number-text", operand.place,
+             quoted(operand.operand.value) + " has more digits than a double holds, and is read as " + decimal->held,
+             "write fewer digits, or compare an int64 attribute as \"integer\"");
+    }
 }
 
 void appendNumberWarning(const OperandModel& operand, FilterValueType type, std::vector<Diagnostic>& found) {
@@ -64,13 +89,8 @@ void appendNumberWarning(const OperandModel& operand, FilterValueType type, std:
     } else if (!reading.inRange) {
         warn(found, "number-text", operand.place,
              quoted(text) + " is no number within the range, and is read as " + reading.number, "write a number");
-    } else if (const std::string_view digits = digitsOf(text); type == FilterValueType::Double && !digits.empty()) {
-        const std::string held = fmt::format("{:.0f}", Brenta::OS::VIG::readNearestDouble(std::string(digits)));
-        if (held != digits) {
-            warn(found, "number-text", operand.place,
-                 quoted(text) + " has more digits than a double holds, and is read as " + held,
-                 "compare an int64 attribute as \"integer\"");
-        }
+    } else if (type == FilterValueType::Double) {
+        appendImprecise(operand, found);
     }
 }
 

@@ -2,10 +2,8 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <iterator>
 #include <span>
 #include <utility>
-#include <vector>
 
 #include "tools/vig/NearestName.h"
 #include "tools/vig/Text.h"
@@ -135,11 +133,15 @@ std::string eventHint(const VIGParserConfig& registry, std::string_view name) {
 }
 
 std::string actionHint(const VIGParserConfig& registry, std::string_view name) {
-    const auto keys = namesIn(registry.getActionFunctionFactories());
-    std::vector<std::string_view> withParameters;
-    std::ranges::copy_if(keys, std::back_inserter(withParameters),
-                         [&](std::string_view key) { return key.substr(0, key.find('(')) == name; });
-    return withParameters.empty() ? unknownName("action", name, keys) : "registered as " + listOf(withParameters);
+    const auto withParameters = keysWithParameters(registry, name);
+    return withParameters.empty() ? unknownName("action", name, namesIn(registry.getActionFunctionFactories()))
+                                  : "registered as " + listOf(withParameters);
+}
+
+std::vector<std::string_view> keysWithParameters(const VIGParserConfig& registry, std::string_view name) {
+    std::vector<std::string_view> keys = namesIn(registry.getActionFunctionFactories());
+    std::erase_if(keys, [&](std::string_view key) { return key.substr(0, key.find('(')) != name; });
+    return keys;
 }
 
 std::string functionHint(const VIGParserConfig& registry, std::string_view name) {

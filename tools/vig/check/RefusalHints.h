@@ -4,6 +4,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "tools/vig/check/DocumentShape.h"
 #include "vig/parsers/VIGParserConfig.h"
@@ -23,6 +24,10 @@ std::string memberHint(const Shape& shape, std::string_view key, const Json::Val
 std::string eventHint(const Brenta::OS::VIG::VIGParserConfig& registry, std::string_view name);
 std::string actionHint(const Brenta::OS::VIG::VIGParserConfig& registry, std::string_view name);
 std::string functionHint(const Brenta::OS::VIG::VIGParserConfig& registry, std::string_view name);
+
+// Under which an action of that name is registered with parameters: "Notify(integer)".
+std::vector<std::string_view> keysWithParameters(const Brenta::OS::VIG::VIGParserConfig& registry,
+                                                 std::string_view name);
 
 // For a text that is no number of the type.
 std::string numberHint(std::string_view type);

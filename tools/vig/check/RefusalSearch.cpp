@@ -147,6 +147,8 @@ void RefusalSearch::searchCombinations(const Piece& piece, const Keys& faulty) {
         judgeOperands(piece);
     } else if (layer == Layer::Action && faulty.empty()) {
         judgeKey(piece);
+    } else if (layer == Layer::Action && !haveAnyOf(faulty, {"name"})) {
+        judgeName(piece);
     } else if (layer == Layer::Parameter && faulty.empty()) {
         judgeValue(piece);
     }
@@ -189,6 +191,17 @@ void RefusalSearch::judgeKey(const Piece& action) {
         add(action, "parameters", *refusal, {}, "registered without parameters: remove \"parameters\"");
     } else {
         add(action, "name", *refusal, {}, actionHint(registry, bare["name"].asString()));
+    }
+}
+
+// Beside parameters that are refused, the name is at fault only if it is that of no action.
+void RefusalSearch::judgeName(const Piece& action) {
+    Json::Value bare;
+    bare["name"] = action.json["name"];
+    const std::string name = bare["name"].asString();
+    const auto refusal = library.refusalOf(action.shape, bare, Names::Registered);
+    if (refusal && keysWithParameters(registry, name).empty()) {
+        add(action, "name", *refusal, {}, actionHint(registry, name));
     }
 }
 

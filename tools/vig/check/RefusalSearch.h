@@ -43,6 +43,7 @@ class RefusalSearch {
     void judgeEvent(const Piece& transition);
     void judgeOperands(const Piece& filter);
     void judgeKey(const Piece& action);
+    void judgeName(const Piece& action);
     void judgeValue(const Piece& parameter);
 
     // At the member, or at the piece if it lacks one of that key. `fault` is what is to be said beside the message.

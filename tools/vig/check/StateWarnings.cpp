@@ -76,8 +76,9 @@ void appendNoWayOut(const StateGraph& graph, const std::vector<bool>& reachable,
     }
 }
 
-bool isRandom(const TransitionModel& transition) {
-    return std::ranges::any_of(transition.filters, usesFunction);
+// A draw that every number fulfils limits nothing.
+bool isSampled(const Edge& edge) {
+    return std::ranges::any_of(edge.logic.conditions, [](const FilterModel* each) { return usesFunction(*each); });
 }
 
 // Whether entering the state can lead on to another one at once.
@@ -94,7 +95,7 @@ void appendStorms(const StateGraph& graph, std::size_t state, const Catalogue& c
     for (const std::size_t index : graph.outgoing[state]) {
         const Edge& edge = graph.edges[index];
         const TransitionModel& transition = *edge.transition;
-        if (!staysThere || !edge.isLoop() || !edge.canFire() || isRandom(transition)) {
+        if (!staysThere || !edge.isLoop() || !edge.canFire() || isSampled(edge)) {
             continue;
         }
         for (const ActionModel& action : transition.actions) {

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <utility>
 
 #include "tools/vig/Text.h"
 #include "tools/vig/check/Excerpt.h"
@@ -18,6 +19,7 @@ constexpr std::string_view kGreen = "\x1b[32m";
 constexpr std::string_view kReset = "\x1b[0m";
 
 constexpr std::size_t kMostShownOfLine = 100;
+constexpr std::size_t kMostShownOfText = 500;
 constexpr std::size_t kMostShownBefore = 40;  // the place, of a longer line
 
 // As the line stands in the file, but for what a terminal would act on. Tabs stay.
@@ -64,6 +66,11 @@ ShownLine show(std::string_view line, std::size_t column, std::size_t length) {
             shownLine(line.substr(placeEnd, end - placeEnd)) + (end < line.size() ? "…" : "")};
 }
 
+// Names and numbers of a document may have any length.
+std::string shownText(std::string_view text) {
+    return printable(shortened(text, kMostShownOfText));
+}
+
 std::string counted(std::size_t count, std::string_view what) {
     return fmt::format("{} {}{}", count, what, count == 1 ? "" : "s");
 }
@@ -77,6 +84,9 @@ void TextFindings::file(const SourceText& source, std::span<const Diagnostic> fi
 }
 
 void TextFindings::end(const FindingCounts& counts) {
+    if (counts.files == 0) {
+        return;
+    }
     const std::string files = counted(counts.files, "file");
     if (counts.errors + counts.warnings == 0) {
         output.write("nothing found in " + files + "\n");
@@ -95,11 +105,13 @@ void TextFindings::write(const SourceText& source, const Diagnostic& finding) {
     const ShownLine shown = show(source.line(line), column, finding.place.end - finding.place.begin);
     output.write(inColour(kBold, fmt::format("{}:{}:{}: ", printable(source.name()), line, column)) +
                  inColour(isError ? kBoldRed : kBoldYellow, isError ? "error: " : "warning: ") +
-                 fmt::format("{} [{}]\n", printable(finding.message), finding.name));
+                 fmt::format("{} [{}]\n", shownText(finding.message), finding.name));
     output.write(fmt::format("    {}{}{}\n    {}{}\n", shown.before, shown.at, shown.after, blank(shown.before),
                              inColour(kGreen, mark(shown.at))));
-    if (!finding.hint.empty()) {
-        output.write(fmt::format("    hint: {}\n", printable(finding.hint)));
+    for (const auto& [label, text] : {std::pair("path", &finding.place.path), std::pair("hint", &finding.hint)}) {
+        if (!text->empty()) {
+            output.write(fmt::format("    {}: {}\n", label, shownText(*text)));
+        }
     }
 }
 

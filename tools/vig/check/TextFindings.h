@@ -7,7 +7,8 @@
 
 namespace tool {
 
-// Findings for people, as compilers print them: the place, the message, the line with a mark under the place.
+// Findings for people, as compilers print them: the place, the message, the line with a mark under the
+// place; then the place as a JSON path and what would mend it.
 class TextFindings final : public FindingReport {
   public:
     TextFindings(Output& target, bool wantsColours) : output(target), coloured(wantsColours) {}

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "tools/vig/Text.h"
+#include "tools/vig/check/Excerpt.h"
 
 namespace tool {
 
@@ -33,7 +34,7 @@ std::string pictureText(std::string_view text, std::size_t most) {
     std::size_t characters = 0;
     std::size_t cut = 0;  // behind all characters but the last that has room
     for (std::size_t place = 0; place < result.size(); ++place) {
-        const bool begins = (static_cast<unsigned char>(result[place]) & 0xC0) != 0x80;
+        const bool begins = beginsCharacter(result[place]);
         characters += begins ? 1 : 0;
         if (begins && characters == most) {
             cut = place;
@@ -78,7 +79,11 @@ std::string trafficLineOf(const GraphArrow& arrow) {
 
 std::vector<std::string> markLinesOf(const std::vector<GraphMark>& marks) {
     std::vector<std::string> names;
-    std::ranges::transform(marks, std::back_inserter(names), &GraphMark::name);
+    for (const GraphMark& each : marks) {
+        if (std::ranges::find(names, each.name) == names.end()) {
+            names.push_back(each.name);
+        }
+    }
     return linesOf(names, "⚠ ");
 }
 

@@ -30,7 +30,7 @@ std::vector<std::string> actionLinesOf(const GraphArrow& arrow);
 // "3 of 120 tried"; empty without a replay.
 std::string trafficLineOf(const GraphArrow& arrow);
 
-// "⚠ never-true", a line each.
+// "⚠ never-true", a line for each name.
 std::vector<std::string> markLinesOf(const std::vector<GraphMark>& marks);
 
 // All of the marks' messages, on one line.
