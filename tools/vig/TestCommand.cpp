@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cmath>
 #include <filesystem>
 #include <map>
 #include <system_error>
@@ -69,7 +70,13 @@ class TestSuite {
     }
 
     bool isSelected(const std::string& name) const {
-        return fnmatch(("*" + options.filter + "*").c_str(), name.c_str(), 0) == 0;
+        std::string pattern = "*";
+        for (const char each : options.filter) {
+            // Names may have brackets and backslashes, which are no wildcards here.
+            pattern += each == '[' || each == '\\' ? "\\" : "";
+            pattern += each;
+        }
+        return fnmatch((pattern + "*").c_str(), name.c_str(), 0) == 0;
     }
 
     bool wouldDestroyAnInput() const {
@@ -77,12 +84,14 @@ class TestSuite {
             std::error_code ignored;
             return !options.junitFile.empty() && std::filesystem::equivalent(path, options.junitFile, ignored);
         };
-        const auto found = std::ranges::find_if(
-            files, [&](const TestFile& each) { return isReport(each.path) || isReport(each.rules); });
-        if (found != files.end()) {
+        const bool would =
+            std::ranges::any_of(options.files, isReport) || std::ranges::any_of(files, [&](const TestFile& each) {
+                return isReport(each.rules) || std::ranges::any_of(each.eventFiles, isReport);
+            });
+        if (would) {
             console.complain("--junit would overwrite " + options.junitFile);
         }
-        return found != files.end();
+        return would;
     }
 
     // Empty if the run is to go on.
@@ -154,9 +163,10 @@ class TestSuite {
             const auto transitions = coverage.transitions();
             const auto outcomes = coverage.filterOutcomes();
             const double percent = coverage.total().percent();
+            // Rounded down: 100 % is everything.
             out.write(fmt::format("coverage  {}: {:.1f} % (transitions fired {}/{}, filter outcomes seen {}/{})\n",
-                                  printable(rules), percent, transitions.reached, transitions.all, outcomes.reached,
-                                  outcomes.all));
+                                  printable(rules), std::floor(percent * 10) / 10, transitions.reached, transitions.all,
+                                  outcomes.reached, outcomes.all));
             enough = enough && percent >= options.coverageMin.value_or(0);
         }
         if (!enough) {

@@ -38,9 +38,10 @@ class TestFileReader {
           folder(std::filesystem::path(text.source().name()).parent_path()) {}
 
     TestFile read() {
-        TestFile file{document.source().name(), {}, {}};
+        TestFile file{document.source().name(), {}, {}, {}};
         const Json::Value& root = document.root();
-        if (!check.isObject(root, "", {"rules", "tests"})) {
+        // Editors find the schema by "$schema".
+        if (!check.isObject(root, "", {"rules", "tests", "$schema"})) {
             return file;
         }
         file.rules = (folder / check.requiredText(root, "rules", "").value_or("")).string();
@@ -49,7 +50,11 @@ class TestFileReader {
             StrictJson::forEach(tests, "tests", [&](const Json::Value& each, const std::string& path) {
                 file.tests.push_back(testCase(each, path));
             });
+            if (tests.empty()) {
+                check.complain(tests, "tests", "there is no test");
+            }
         }
+        file.eventFiles = std::move(eventFiles);
         return file;
     }
 
@@ -102,6 +107,7 @@ class TestFileReader {
             check.complain(json, path, name + ": " + (problem.empty() ? systemError(errno) : problem));
             return;
         }
+        eventFiles.push_back(name);
         const Interruption never;
         EventReader reader(file.get(), name, never, [] {});
         EventRecord record;
@@ -222,6 +228,7 @@ class TestFileReader {
     const std::filesystem::path folder;
     RecordParser records;
     std::set<std::string> names;
+    std::vector<std::string> eventFiles;
 };
 
 }  // namespace

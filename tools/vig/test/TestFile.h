@@ -51,6 +51,7 @@ struct TestFile {
     std::string path;
     std::string rules;  // the path of the document
     std::vector<TestCase> tests;
+    std::vector<std::string> eventFiles;  // the paths of those that the tests name
 };
 
 // Reads a file of tests and the files of events that it names; paths in it are relative to it. Nothing is ignored:
