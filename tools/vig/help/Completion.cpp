@@ -31,7 +31,7 @@ std::string choicesOf(const OptionHelp& option) {
 }
 
 bool takesFile(const OptionHelp& option) {
-    return option.isPositional || option.argument == "FILE";
+    return option.isPositional || option.argument == "FILE" || option.argument == "EVENTS";
 }
 
 std::string optionNamesOf(const VerbHelp& verb) {
