@@ -95,9 +95,10 @@ TEST_F(TestCommand, ContextHasTheAttributesGiven) {
 }
 
 TEST_F(TestCommand, FailureShowsExpectedAgainstActualAndWhy) {
-    const ToolResult result = run("\n" + testCase("missing", kSmall + "," + kSmall, R"("triggers":[{"config":7}])") +
-                                  ",\n" + testCase("other", kCamera, R"("triggers":[{"config":7,"process":"x"}])") +
-                                  "," + testCase("good", kSmall, ""));
+    const ToolResult result =
+        run("\n" + testCase("missing", kSmall + "," + kSmall, R"("triggers":[{"config":7}])") + ",\n" +
+            testCase("other", kCamera, R"("triggers":[{"config":7,"process":"x"}],"moves":2)") + "," +
+            testCase("good", kSmall, ""));
     const std::string file = options.files[0];
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.out, "FAIL  " + file + R"(:2: missing
@@ -112,6 +113,8 @@ FAIL  )" + file + R"(:3: other
       triggers: expected 1 (-), got 1 (+)
         -  process "x"
         +  process "camera"  (event 1)
+      moves: expected 2, got 1
+        +  config 7  start -> hot  (event 1)
       event 1: ProcessMemoryHeartBeat in state start
         configs[0].payload.data.transitions[0] -> hot: fires
           yes   vmRssKB > 9  10 > 9

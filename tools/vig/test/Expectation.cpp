@@ -243,11 +243,33 @@ void compareStates(const Expectation& expected, const Observed& actual, Mismatch
     }
 }
 
+void compareMoves(const Expectation& expected, const Observed& actual, std::vector<std::string>& lines) {
+    if (!expected.moves || *expected.moves == actual.moves) {
+        return;
+    }
+    lines.push_back(fmt::format("  moves: expected {}, got {}", *expected.moves, actual.moves));
+    for (const Observed::Move& each : actual.firstMoves) {
+        lines.push_back(fmt::format("    +  config {}  {} -> {}  (event {})", each.config, printable(each.from),
+                                    printable(each.to), each.event));
+    }
+    const auto shownMoves = static_cast<std::int64_t>(actual.firstMoves.size());
+    if (actual.moves > shownMoves) {
+        lines.push_back(fmt::format("      and {} more", actual.moves - shownMoves));
+    }
+}
+
 }  // namespace
 
 void Observed::log(const LogLine& line) {
     if (line.message != kAvailabilityLine) {
         logs.push_back({line.event, std::string(priorityName(line.priority)), std::string(line.message)});
+    }
+}
+
+void Observed::move(const MoveLine& line) {
+    ++moves;
+    if (firstMoves.size() < kMostRows) {
+        firstMoves.push_back({line.event, line.machine.configId, std::string(line.from), std::string(line.to)});
     }
 }
 
@@ -262,9 +284,7 @@ Mismatch compare(const Expectation& expected, const Observed& actual) {
     compareTriggers(expected, actual, mismatch);
     compareLogs(expected, actual, mismatch);
     compareStates(expected, actual, mismatch);
-    if (expected.moves && *expected.moves != actual.moves) {
-        mismatch.lines.push_back(fmt::format("  moves: expected {}, got {}", *expected.moves, actual.moves));
-    }
+    compareMoves(expected, actual, mismatch.lines);
     return mismatch;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -37,10 +38,13 @@ struct Expectation {
     std::optional<std::int64_t> moves = {};
 };
 
+// Tests that name the same file share its events. Never null in a file that was read without errors.
+using TestEvents = std::shared_ptr<const std::vector<EventRecord>>;
+
 struct TestCase {
     std::string name = {};
     std::size_t line = 0;  // in the test file
-    std::vector<EventRecord> events = {};
+    TestEvents events = {};
     std::uint32_t seed = 5489;
     AttributeSet context = {};
     Expectation expect = {};

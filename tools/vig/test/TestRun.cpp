@@ -98,7 +98,7 @@ RuleSession::Loading play(RuleSession& session, const TestCase& test, Report& re
     if (loading != RuleSession::Loading::Done) {
         return loading;
     }
-    for (const EventRecord& event : test.events) {
+    for (const EventRecord& event : *test.events) {
         if (interruption.requested()) {
             return RuleSession::Loading::Interrupted;
         }
