@@ -135,18 +135,17 @@ class TestSuite {
 
     // None of the tests of refused rules can pass.
     void refuse(const TestFile& file, const std::string& problem) {
+        std::vector<std::string> lines = printableLines(problem);
+        std::for_each(lines.begin() + 1, lines.end(), [](std::string& line) { line.insert(0, "  "); });
+        lines.front().insert(0, file.rules + ": error: ");
         std::erase_if(verdicts, [&](const TestVerdict& each) { return each.file == file.path; });
         for (const TestCase& each : file.tests) {
-            verdicts.push_back({file.path, each.name, {file.rules + ": " + problem}});
+            verdicts.push_back({file.path, each.name, lines});
         }
         out.write(fmt::format("FAIL  {}: the rules cannot be tested\n", printable(file.path)));
         out.flush();
-        const std::size_t end = std::min(problem.find('\n'), problem.size());
-        console.say(file.rules + ": error: " + problem.substr(0, end));
-        for (std::size_t begin = end; begin < problem.size();) {
-            const std::size_t next = std::min(problem.find('\n', begin + 1), problem.size());
-            console.say("  " + problem.substr(begin + 1, next - begin - 1));
-            begin = next;
+        for (const std::string& line : lines) {
+            console.say(line);
         }
     }
 
