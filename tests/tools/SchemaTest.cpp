@@ -171,7 +171,7 @@ TEST(Schemas, RuleTestsAcceptWhatTheToolReads) {
     };
     compare(
         "rule-test.schema.json", accepts,
-        {R"({"rules":"x","tests":[{"name":"a","events":"x","expect":{}}]})",
+        {R"({"$schema":"x","rules":"x","tests":[{"name":"a","events":"x","expect":{}}]})",
          R"({"rules":"x","tests":[{"name":"a","seed":4294967295,"context":{"int64":{"b":1}},"events":[{"event":"Test"}],)"
          R"("expect":{"log":["x",{"message":"x","priority":"info"}],"states":{"7":"a"},"moves":0,"triggers":[{"event":0,)"
          R"("name":"x","process":"x","config":-1,"metadata":[],"metadata_contains":["x"]}]}}]})"},

@@ -95,9 +95,10 @@ TEST_F(TestCommand, ContextHasTheAttributesGiven) {
 }
 
 TEST_F(TestCommand, FailureShowsExpectedAgainstActualAndWhy) {
-    const ToolResult result = run("\n" + testCase("missing", kSmall + "," + kSmall, R"("triggers":[{"config":7}])") +
-                                  ",\n" + testCase("other", kCamera, R"("triggers":[{"config":7,"process":"x"}])") +
-                                  "," + testCase("good", kSmall, ""));
+    const ToolResult result =
+        run("\n" + testCase("missing", kSmall + "," + kSmall, R"("triggers":[{"config":7}])") + ",\n" +
+            testCase("other", kCamera, R"("triggers":[{"config":7,"process":"x"}],"moves":2)") + "," +
+            testCase("good", kSmall, ""));
     const std::string file = options.files[0];
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.out, "FAIL  " + file + R"(:2: missing
@@ -112,6 +113,8 @@ FAIL  )" + file + R"(:3: other
       triggers: expected 1 (-), got 1 (+)
         -  process "x"
         +  process "camera"  (event 1)
+      moves: expected 2, got 1
+        +  config 7  start -> hot  (event 1)
       event 1: ProcessMemoryHeartBeat in state start
         configs[0].payload.data.transitions[0] -> hot: fires
           yes   vmRssKB > 9  10 > 9
@@ -153,6 +156,7 @@ TEST_F(TestCommand, WhatIsNotPartOfATestFileIsAnErrorAtItsPlace) {
         {"{\n \"rulez\":\"\",\n \"rules\":\"\", \"tests\":[]}",
          R"(:2:10: error: unknown key "rulez"; did you mean "rules"?)"},
         {R"({"tests":[]})", R"(:1:1: error: "rules" is missing)"},
+        {R"({"rules":"","tests":[]})", ":1:21: error: tests: there is no test"},
         {R"({"rules":1,"tests":{}})", ":1:10: error: rules: expected a string, got a number"},
         {R"({"rules":"","tests":[7]})", ":1:22: error: tests[0]: expected an object, got a number"},
         {broken(R"("seed":-1)"), ":1:75: error: tests[0].seed: expected an integer from 0 to 4294967295"},
@@ -195,11 +199,11 @@ TEST_F(TestCommand, RulesThatAreRefusedOrAbsentAreTold) {
 }
 
 TEST_F(TestCommand, FilterChoosesTestsByAPartOfTheirName) {
-    const std::string tests = testCase("cold start", kSmall, "") + "," + testCase("hot", kCamera, "");
-    options.filter = "c?ld*t";
-    EXPECT_EQ(run(tests).status, 0);
-    options.filter = "hurt";
-    EXPECT_EQ(run(tests).status, 2);
+    const std::string tests = testCase("cold start [warm]", kSmall, "") + "," + testCase("hot", kCamera, "");
+    for (const auto& [filter, status] : {std::pair("c?ld*t", 0), {"[warm", 0}, {"[hc]ot", 2}, {"hurt", 2}}) {
+        options.filter = filter;
+        EXPECT_EQ(run(tests).status, status) << filter;
+    }
 }
 
 TEST_F(TestCommand, JUnitReportHoldsAnyText) {
@@ -213,13 +217,15 @@ TEST_F(TestCommand, JUnitReportHoldsAnyText) {
                   "\" name=\"a\"/>\n    <testcase classname=\"" + file +
                   "\" name=\"&#60;&#38;&#34;&#62;\xEF\xBF\xBD\xEF\xBF\xBD\"><failure message=\"moves: expected 1, got "
                   "0\">  moves: expected 1, got 0\n</failure></testcase>\n  </testsuite>\n</testsuites>\n");
-    options.junitFile = options.files[0];
-    EXPECT_EQ(run(testCase("a", kSmall, "")).status, 2);
+    for (const std::string& input : {options.files[0], folder.write("events", "").string()}) {
+        options.junitFile = input;
+        EXPECT_EQ(runText(R"({"rules":"rules.json","tests":[{"name":"a","events":"events","expect":{}}]})").status, 2);
+    }
 }
 
 TEST(Examples, HaveTestsThatReachEverything) {
     tool::TestOptions options;
-    for (const char* name : {"memory-budget", "cpu-budget", "zram-log", "first-look"}) {
+    for (const char* name : {"memory-budget", "cpu-budget", "zram-log", "first-look", "escalation"}) {
         options.files.push_back(std::string(VIG_SOURCE_DIR "/examples/") + name + ".test.json");
     }
     options.coverageMin = 100;

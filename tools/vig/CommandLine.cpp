@@ -72,7 +72,7 @@ constexpr const char* kTestFooter =
     "tests": [
       { "name": "the camera is collected once",
         "events": [ {"event":"ProcessMemoryHeartBeat","string":{"processName":"camera"},
-                     "int64":{"vmRssKB":300000,"vmSwapKB":0}} ],
+                     "int64":{"vmRssKB":400000,"vmSwapKB":0}} ],
         "seed": 5489, "context": { "int64": { "limit": 5 } },
         "expect": { "triggers": [ { "process": "camera", "event": 1, "metadata_contains": ["vmSwapKB:0"] } ],
                     "log": [], "states": { "7": "end" }, "moves": 1 } } ] }
@@ -225,9 +225,15 @@ void addTest(CLI::App& app, TestOptions& options) {
     verb.add_option("FILE", options.files, "Files of tests")->required();
     verb.add_option("--filter", options.filter, "Runs only the tests whose name has this part; * and ? are wildcards")
         ->type_name("NAME");
+    const auto percentage = [](const std::string& text) {
+        double number = 0;
+        const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+        const bool isOne = error == std::errc() && end == text.data() + text.size() && number >= 0 && number <= 100;
+        return isOne ? std::string() : "expected a number from 0 to 100, got " + text;
+    };
     verb.add_flag("--coverage", options.coverage, "Tells which transitions and filters the tests do not reach");
     verb.add_option("--coverage-min", options.coverageMin, "Fails if less of any rule document is reached")
-        ->check(CLI::Range(0.0, 100.0).description(""))
+        ->check(percentage)
         ->type_name("PERCENT");
     verb.add_option("--junit", options.junitFile, "Writes the results there, as JUnit XML")->type_name("FILE");
     verb.footer(kTestFooter);

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cmath>
 #include <filesystem>
 #include <map>
 #include <system_error>
@@ -69,7 +70,13 @@ class TestSuite {
     }
 
     bool isSelected(const std::string& name) const {
-        return fnmatch(("*" + options.filter + "*").c_str(), name.c_str(), 0) == 0;
+        std::string pattern = "*";
+        for (const char each : options.filter) {
+            // Names may have brackets and backslashes, which are no wildcards here.
+            pattern += each == '[' || each == '\\' ? "\\" : "";
+            pattern += each;
+        }
+        return fnmatch((pattern + "*").c_str(), name.c_str(), 0) == 0;
     }
 
     bool wouldDestroyAnInput() const {
@@ -77,12 +84,14 @@ class TestSuite {
             std::error_code ignored;
             return !options.junitFile.empty() && std::filesystem::equivalent(path, options.junitFile, ignored);
         };
-        const auto found = std::ranges::find_if(
-            files, [&](const TestFile& each) { return isReport(each.path) || isReport(each.rules); });
-        if (found != files.end()) {
+        const bool would =
+            std::ranges::any_of(options.files, isReport) || std::ranges::any_of(files, [&](const TestFile& each) {
+                return isReport(each.rules) || std::ranges::any_of(each.eventFiles, isReport);
+            });
+        if (would) {
             console.complain("--junit would overwrite " + options.junitFile);
         }
-        return found != files.end();
+        return would;
     }
 
     // Empty if the run is to go on.
@@ -126,18 +135,17 @@ class TestSuite {
 
     // None of the tests of refused rules can pass.
     void refuse(const TestFile& file, const std::string& problem) {
+        std::vector<std::string> lines = printableLines(problem);
+        std::for_each(lines.begin() + 1, lines.end(), [](std::string& line) { line.insert(0, "  "); });
+        lines.front().insert(0, file.rules + ": error: ");
         std::erase_if(verdicts, [&](const TestVerdict& each) { return each.file == file.path; });
         for (const TestCase& each : file.tests) {
-            verdicts.push_back({file.path, each.name, {file.rules + ": " + problem}});
+            verdicts.push_back({file.path, each.name, lines});
         }
         out.write(fmt::format("FAIL  {}: the rules cannot be tested\n", printable(file.path)));
         out.flush();
-        const std::size_t end = std::min(problem.find('\n'), problem.size());
-        console.say(file.rules + ": error: " + problem.substr(0, end));
-        for (std::size_t begin = end; begin < problem.size();) {
-            const std::size_t next = std::min(problem.find('\n', begin + 1), problem.size());
-            console.say("  " + problem.substr(begin + 1, next - begin - 1));
-            begin = next;
+        for (const std::string& line : lines) {
+            console.say(line);
         }
     }
 
@@ -154,9 +162,10 @@ class TestSuite {
             const auto transitions = coverage.transitions();
             const auto outcomes = coverage.filterOutcomes();
             const double percent = coverage.total().percent();
+            // Rounded down: 100 % is everything.
             out.write(fmt::format("coverage  {}: {:.1f} % (transitions fired {}/{}, filter outcomes seen {}/{})\n",
-                                  printable(rules), percent, transitions.reached, transitions.all, outcomes.reached,
-                                  outcomes.all));
+                                  printable(rules), std::floor(percent * 10) / 10, transitions.reached, transitions.all,
+                                  outcomes.reached, outcomes.all));
             enough = enough && percent >= options.coverageMin.value_or(0);
         }
         if (!enough) {

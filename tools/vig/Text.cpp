@@ -111,6 +111,18 @@ std::string printable(std::string_view text) {
     return result;
 }
 
+std::vector<std::string> printableLines(std::string_view message) {
+    std::vector<std::string> lines;
+    for (std::size_t begin = 0; begin <= message.size();) {
+        const std::size_t end = std::min(message.find('\n', begin), message.size());
+        const std::string_view line = message.substr(begin, end - begin);
+        const std::size_t tabs = std::min(line.find_first_not_of('\t'), line.size());
+        lines.push_back(std::string(2 * tabs, ' ') + printable(line.substr(tabs)));
+        begin = end + 1;
+    }
+    return lines;
+}
+
 std::string systemError(int number) {
     return std::strerror(number);
 }

@@ -2,6 +2,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace tool {
 
@@ -14,6 +15,10 @@ std::string quoted(std::string_view text);
 // The text without what a terminal would act on: control characters and those that change the direction of writing
 // are shown as escapes, ill-formed UTF-8 as U+FFFD.
 std::string printable(std::string_view text);
+
+// The lines of a message, printable, each tab at the beginning of one as two spaces: JSON in the log is indented by
+// tabs.
+std::vector<std::string> printableLines(std::string_view message);
 
 // How the system calls an errno value.
 std::string systemError(int number);

@@ -32,16 +32,12 @@ std::string shown(const MachineName& machine) {
     return fmt::format("{} (id {})", machine.index, machine.configId);
 }
 
-// A log message may have several lines, with JSON that is indented by tabs. None may look like a row of the report.
+// A log message may have several lines. None may look like a row of the report.
 std::string indented(std::string_view message) {
-    std::string text;
-    for (std::size_t begin = 0; begin <= message.size();) {
-        const std::size_t end = std::min(message.find('\n', begin), message.size());
-        const std::string_view line = message.substr(begin, end - begin);
-        const std::size_t tabs = std::min(line.find_first_not_of('\t'), line.size());
-        text += begin == 0 ? "" : "\n" + std::string(kDetailColumn, ' ');
-        text += std::string(2 * tabs, ' ') + printable(line.substr(tabs));
-        begin = end + 1;
+    const std::vector<std::string> lines = printableLines(message);
+    std::string text = lines.front();
+    for (std::size_t i = 1; i < lines.size(); ++i) {
+        text += "\n" + std::string(kDetailColumn, ' ') + lines[i];
     }
     return text;
 }

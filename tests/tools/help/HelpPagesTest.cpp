@@ -59,6 +59,7 @@ TEST(BashCompletion, CompletesVerbsOptionsWordsAndFiles) {
         {"vig watch --format = ''", "text\njsonl"},
         {"vig run ru", "rules file.json"},
         {"vig run --context ru", "rules file.json"},
+        {"vig check --events ru", "rules file.json"},
         {"vig run --seed ''", ""},
         {"vig odd --allow never", "never-true"},
         {"vig none --f", ""},

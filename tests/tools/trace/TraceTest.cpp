@@ -130,7 +130,9 @@ TEST(Explain, ShowsEachFilterWithTheValuesThatItCompared) {
 TEST(WhyNot, TellsWhatKeptATransitionFromFiring) {
     const std::string filters = "[" + filter(">", "integer", operand("envvar", "pid"), operand("constant", "9")) + "]";
     const std::string transitions = transition("start", "end", "Test", filters) + "," +
-                                    transition("start", "a", "Test", "[]") + "," + transition("a", "b", "Test");
+                                    transition("start", "a", "Test", "[]") + "," + transition("a", "b", "Test") + "," +
+                                    transition("b", "c", "EnteringState", filters) + "," +
+                                    transition("c", "b", "EnteringState");
     const struct {
         std::string path;
         std::string expected;
@@ -148,6 +150,21 @@ TEST(WhyNot, TellsWhatKeptATransitionFromFiring) {
         1   while the machine was in state start
         1   for which it was tried
         1     fired
+)"},
+        {"configs[0].payload.data.transitions[3]",
+         R"(why not configs[0].payload.data.transitions[3] (b -> c on EnteringState)
+        3 events
+        2   of another type
+        1   for which it was tried
+        1     stopped by pid > 9
+        0     fired
+)"},
+        {"configs[0].payload.data.transitions[4]",
+         R"(why not configs[0].payload.data.transitions[4] (c -> b on EnteringState)
+        2 events
+        2   of another type
+        0   for which it was tried
+        0     fired
 )"},
     };
     const TemporaryFolder folder;

@@ -31,7 +31,7 @@ std::string choicesOf(const OptionHelp& option) {
 }
 
 bool takesFile(const OptionHelp& option) {
-    return option.isPositional || option.argument == "FILE";
+    return option.isPositional || option.argument == "FILE" || option.argument == "EVENTS";
 }
 
 std::string optionNamesOf(const VerbHelp& verb) {
@@ -103,7 +103,7 @@ std::string zshActionOf(const OptionHelp& option) {
     return takesFile(option) ? "_files" : " ";
 }
 
-std::string zshSpecificationOf(const OptionHelp& option, const std::string& name) {
+std::string zshArgumentOf(const OptionHelp& option, const std::string& name) {
     const std::string_view repeated = option.isRepeated ? "*" : "";
     if (option.isPositional) {
         return fmt::format("{}:{}:{}", repeated, zshEscaped(name), zshActionOf(option));
@@ -116,11 +116,11 @@ std::string zshSpecificationOf(const OptionHelp& option, const std::string& name
 }
 
 // What _arguments is told, a line for each name.
-std::string zshSpecificationsOf(const VerbHelp& verb, std::string_view indent) {
+std::string zshArgumentsOf(const VerbHelp& verb, std::string_view indent) {
     std::string lines;
     for (const OptionHelp& option : verb.options) {
         for (const std::string& name : option.names) {
-            lines += fmt::format(" \\\n{}'{}'", indent, zshSpecificationOf(option, name));
+            lines += fmt::format(" \\\n{}'{}'", indent, zshArgumentOf(option, name));
         }
     }
     return lines + "\n";
@@ -150,11 +150,11 @@ std::string zshCompletionOf(const ProgramHelp& help) {
         script += fmt::format("        '{}:{}'\n", verb.name, zshEscaped(verb.description));
     }
     script += "    )\n    if ((CURRENT == 2)); then\n        _describe -t verbs verb verbs\n        _arguments" +
-              zshSpecificationsOf(help.general, "            ") +
+              zshArgumentsOf(help.general, "            ") +
               "        return\n    fi\n    shift words\n    ((CURRENT--))\n    case $words[1] in\n";
     for (const VerbHelp& verb : help.verbs) {
         script += fmt::format("        {})\n            _arguments{}            ;;\n", verb.name,
-                              zshSpecificationsOf(verb, "                "));
+                              zshArgumentsOf(verb, "                "));
     }
     return script + "    esac\n}\n\n_vig \"$@\"\n";
 }

@@ -28,11 +28,19 @@ struct Row {
 // The cheapest way to make the actual list of the expected one, in order: each thing missing, unexpected or different
 // costs the same.
 std::vector<Row> aligned(std::size_t expectedCount, std::size_t actualCount, const auto& equal) {
-    const std::size_t width = actualCount + 1;
-    std::vector<std::uint32_t> costs((expectedCount + 1) * width);  // of the rest of both lists, from each place
-    const auto cost = [&](std::size_t i, std::size_t j) -> std::uint32_t& { return costs[i * width + j]; };
-    for (std::size_t i = expectedCount + 1; i-- > 0;) {
-        for (std::size_t j = actualCount + 1; j-- > 0;) {
+    std::vector<Row> rows;
+    std::size_t begin = 0;  // of what differs: in a test that passes nothing does
+    for (; begin < std::min(expectedCount, actualCount) && equal(begin, begin); ++begin) {
+        rows.push_back({begin, begin, true});
+    }
+    const std::size_t width = actualCount - begin + 1;
+    // Of the rest of both lists, from each place.
+    std::vector<std::uint32_t> costs((expectedCount - begin + 1) * width);
+    const auto cost = [&](std::size_t i, std::size_t j) -> std::uint32_t& {
+        return costs[(i - begin) * width + (j - begin)];
+    };
+    for (std::size_t i = expectedCount + 1; i-- > begin;) {
+        for (std::size_t j = actualCount + 1; j-- > begin;) {
             if (i == expectedCount || j == actualCount) {
                 cost(i, j) = static_cast<std::uint32_t>(expectedCount - i + actualCount - j);
             } else {
@@ -41,8 +49,7 @@ std::vector<Row> aligned(std::size_t expectedCount, std::size_t actualCount, con
             }
         }
     }
-    std::vector<Row> rows;
-    for (std::size_t i = 0, j = 0; i < expectedCount || j < actualCount;) {
+    for (std::size_t i = begin, j = begin; i < expectedCount || j < actualCount;) {
         const bool both = i < expectedCount && j < actualCount;
         const bool same = both && equal(i, j);
         if (both && cost(i, j) == cost(i + 1, j + 1) + (same ? 0 : 1)) {
@@ -148,20 +155,22 @@ std::string line(char mark, const Fields& fields) {
 
 // The fields given, as expected and as they are, one below the other; and which event it was.
 void addPair(std::vector<std::string>& lines, const Fields& expected, const Fields& actual) {
-    const auto find = [&](std::string_view name) {
-        return *std::ranges::find(actual, name, [](const auto& each) -> std::string_view { return each.first; });
+    const auto find = [](const Fields& fields, std::string_view name) {
+        return std::ranges::find(fields, name, [](const auto& each) -> std::string_view { return each.first; });
     };
+    const bool hasEvent = find(expected, "event") != expected.end();
     std::string expectedText = "    -";
     std::string actualText = "    +";
     for (const auto& field : expected) {
         const std::string left = shown(field);
-        const std::string right = shown(find(field.first == "metadata_contains" ? "metadata" : field.first));
+        const std::string right = shown(*find(actual, field.first == "metadata_contains" ? "metadata" : field.first));
         const std::size_t width = std::max(left.size(), right.size());
-        expectedText += fmt::format("  {:<{}}", left, &field == &expected.back() ? 0 : width);
-        actualText += fmt::format("  {:<{}}", right, width);
+        const bool isLast = &field == &expected.back();
+        expectedText += fmt::format("  {:<{}}", left, isLast ? 0 : width);
+        actualText += fmt::format("  {:<{}}", right, isLast && hasEvent ? 0 : width);
     }
     lines.push_back(expectedText);
-    lines.push_back(fmt::format("{}  (event {})", actualText, find("event").second));
+    lines.push_back(hasEvent ? actualText : actualText + "  (event " + find(actual, "event")->second + ")");
 }
 
 // Compares two lists and tells where they differ. Returns the first row that is not equal.
@@ -234,11 +243,33 @@ void compareStates(const Expectation& expected, const Observed& actual, Mismatch
     }
 }
 
+void compareMoves(const Expectation& expected, const Observed& actual, std::vector<std::string>& lines) {
+    if (!expected.moves || *expected.moves == actual.moves) {
+        return;
+    }
+    lines.push_back(fmt::format("  moves: expected {}, got {}", *expected.moves, actual.moves));
+    for (const Observed::Move& each : actual.firstMoves) {
+        lines.push_back(fmt::format("    +  config {}  {} -> {}  (event {})", each.config, printable(each.from),
+                                    printable(each.to), each.event));
+    }
+    const auto shownMoves = static_cast<std::int64_t>(actual.firstMoves.size());
+    if (actual.moves > shownMoves) {
+        lines.push_back(fmt::format("      and {} more", actual.moves - shownMoves));
+    }
+}
+
 }  // namespace
 
 void Observed::log(const LogLine& line) {
     if (line.message != kAvailabilityLine) {
         logs.push_back({line.event, std::string(priorityName(line.priority)), std::string(line.message)});
+    }
+}
+
+void Observed::move(const MoveLine& line) {
+    ++moves;
+    if (firstMoves.size() < kMostRows) {
+        firstMoves.push_back({line.event, line.machine.configId, std::string(line.from), std::string(line.to)});
     }
 }
 
@@ -253,9 +284,7 @@ Mismatch compare(const Expectation& expected, const Observed& actual) {
     compareTriggers(expected, actual, mismatch);
     compareLogs(expected, actual, mismatch);
     compareStates(expected, actual, mismatch);
-    if (expected.moves && *expected.moves != actual.moves) {
-        mismatch.lines.push_back(fmt::format("  moves: expected {}, got {}", *expected.moves, actual.moves));
-    }
+    compareMoves(expected, actual, mismatch.lines);
     return mismatch;
 }
 

@@ -25,14 +25,22 @@ class Observed final : public Report {
         std::string state;
     };
 
+    struct Move {
+        std::uint64_t event;
+        std::int64_t config;
+        std::string from;
+        std::string to;
+    };
+
     std::vector<TriggerLine> triggers;
     std::vector<Log> logs;  // but for the library's own that it has found the document
     std::vector<State> states;
     std::int64_t moves = 0;
+    std::vector<Move> firstMoves;  // as many as a failure shows
 
     void trigger(const TriggerLine& line) override { triggers.push_back(line); }
     void log(const LogLine& line) override;
-    void move(const MoveLine& /*line*/) override { ++moves; }
+    void move(const MoveLine& line) override;
     void delivery(const DeliveryLine& /*line*/) override {}
     void explain(const Step& /*step*/) override {}
     void whyNot(const WhyNot& /*answer*/) override {}

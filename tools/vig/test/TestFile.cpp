@@ -8,6 +8,7 @@
 #include <charconv>
 #include <filesystem>
 #include <limits>
+#include <map>
 #include <set>
 #include <string_view>
 #include <utility>
@@ -38,9 +39,10 @@ class TestFileReader {
           folder(std::filesystem::path(text.source().name()).parent_path()) {}
 
     TestFile read() {
-        TestFile file{document.source().name(), {}, {}};
+        TestFile file{document.source().name(), {}, {}, {}};
         const Json::Value& root = document.root();
-        if (!check.isObject(root, "", {"rules", "tests"})) {
+        // Editors find the schema by "$schema".
+        if (!check.isObject(root, "", {"rules", "tests", "$schema"})) {
             return file;
         }
         file.rules = (folder / check.requiredText(root, "rules", "").value_or("")).string();
@@ -49,6 +51,12 @@ class TestFileReader {
             StrictJson::forEach(tests, "tests", [&](const Json::Value& each, const std::string& path) {
                 file.tests.push_back(testCase(each, path));
             });
+            if (tests.empty()) {
+                check.complain(tests, "tests", "there is no test");
+            }
+        }
+        for (const auto& [name, events] : eventFiles) {
+            file.eventFiles.push_back(name);
         }
         return file;
     }
@@ -69,7 +77,7 @@ class TestFileReader {
         test.seed =
             static_cast<std::uint32_t>(check.optionalInteger(json, "seed", path, 0, kMostSeed).value_or(test.seed));
         if (check.hasMember(json, "events", path)) {
-            readEvents(json["events"], StrictJson::member(path, "events"), test.events);
+            test.events = eventsOf(json["events"], StrictJson::member(path, "events"));
         }
         if (json.isMember("context")) {
             test.context = context(json["context"], StrictJson::member(path, "context"));
@@ -80,38 +88,47 @@ class TestFileReader {
         return test;
     }
 
-    void readEvents(const Json::Value& json, const std::string& path, std::vector<EventRecord>& events) {
+    TestEvents eventsOf(const Json::Value& json, const std::string& path) {
         if (json.isString()) {
-            readEventFile(json, path, events);
-        } else if (json.isArray()) {
+            return eventsOfFile(json, path);
+        }
+        const auto events = std::make_shared<std::vector<EventRecord>>();
+        if (json.isArray()) {
             StrictJson::forEach(json, path, [&](const Json::Value& each, const std::string& place) {
                 const Place range = document.placeOf(each, place);
-                events.push_back(
+                events->push_back(
                     record(document.source().text().substr(range.begin, range.end - range.begin), each, place));
             });
         } else {
             check.complainOfKind(json, path, "an array of event records or the name of a file of them");
         }
+        return events;
     }
 
-    void readEventFile(const Json::Value& json, const std::string& path, std::vector<EventRecord>& events) {
+    TestEvents eventsOfFile(const Json::Value& json, const std::string& path) {
         const std::string name = (folder / json.asString()).string();
+        if (const auto known = eventFiles.find(name); known != eventFiles.end()) {
+            return known->second;
+        }
+        const auto events = std::make_shared<std::vector<EventRecord>>();
         const std::string problem = RuleDocument::whyUnreadable(name);
         const Descriptor file(problem.empty() ? open(name.c_str(), O_RDONLY | O_CLOEXEC) : -1);
         if (!file.isOpen()) {
             check.complain(json, path, name + ": " + (problem.empty() ? systemError(errno) : problem));
-            return;
+            return events;
         }
+        eventFiles.emplace(name, events);
         const Interruption never;
         EventReader reader(file.get(), name, never, [] {});
         EventRecord record;
         auto status = reader.next(record);
         for (; status == EventReader::Status::Record; status = reader.next(record)) {
-            events.push_back(record);
+            events->push_back(record);
         }
         if (status == EventReader::Status::Failed) {
             errors.push_back(reader.error());
         }
+        return events;
     }
 
     EventRecord record(std::string json, const Json::Value& at, const std::string& path) {
@@ -222,6 +239,7 @@ class TestFileReader {
     const std::filesystem::path folder;
     RecordParser records;
     std::set<std::string> names;
+    std::map<std::string, TestEvents> eventFiles;  // by path; several tests may share one
 };
 
 }  // namespace

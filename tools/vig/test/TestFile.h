@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -37,10 +38,13 @@ struct Expectation {
     std::optional<std::int64_t> moves = {};
 };
 
+// Tests that name the same file share its events. Never null in a file that was read without errors.
+using TestEvents = std::shared_ptr<const std::vector<EventRecord>>;
+
 struct TestCase {
     std::string name = {};
     std::size_t line = 0;  // in the test file
-    std::vector<EventRecord> events = {};
+    TestEvents events = {};
     std::uint32_t seed = 5489;
     AttributeSet context = {};
     Expectation expect = {};
@@ -51,6 +55,7 @@ struct TestFile {
     std::string path;
     std::string rules;  // the path of the document
     std::vector<TestCase> tests;
+    std::vector<std::string> eventFiles;  // the paths of those that the tests name
 };
 
 // Reads a file of tests and the files of events that it names; paths in it are relative to it. Nothing is ignored:

@@ -13,6 +13,7 @@ namespace tool {
 namespace {
 
 constexpr std::size_t kMostAnswers = 3;
+constexpr std::size_t kMostLines = 100;  // a cycle of EnteringState transitions makes a thousand steps
 
 // Explains a divergence: what the machines decided on the event, or what kept those transitions from firing that
 // would have done what is missing.
@@ -50,6 +51,9 @@ class Explainer final : public Trace {
         for (const auto& answer : answers) {
             add("why not ", whyNotLines(*answer));
         }
+        if (linesLeftOut > 0) {
+            lines.push_back("  and " + std::to_string(linesLeftOut) + " more lines, which vig run --explain has");
+        }
         return std::move(lines);
     }
 
@@ -74,13 +78,18 @@ class Explainer final : public Trace {
 
     void add(const std::string& what, const std::vector<std::string>& tree) {
         for (const std::string& line : tree) {
-            lines.push_back("  " + (&line == &tree.front() ? what : std::string()) + line);
+            if (lines.size() < kMostLines) {
+                lines.push_back("  " + (&line == &tree.front() ? what : std::string()) + line);
+            } else {
+                ++linesLeftOut;
+            }
         }
     }
 
     const Divergence& divergence;
     std::vector<std::unique_ptr<WhyNot>> answers;
     std::vector<std::string> lines;
+    std::size_t linesLeftOut = 0;
 };
 
 RuleSession::Loading play(RuleSession& session, const TestCase& test, Report& report,
@@ -89,7 +98,7 @@ RuleSession::Loading play(RuleSession& session, const TestCase& test, Report& re
     if (loading != RuleSession::Loading::Done) {
         return loading;
     }
-    for (const EventRecord& event : test.events) {
+    for (const EventRecord& event : *test.events) {
         if (interruption.requested()) {
             return RuleSession::Loading::Interrupted;
         }

@@ -54,6 +54,16 @@ void addAttempt(std::vector<std::string>& lines, const Attempt& attempt) {
     }
 }
 
+std::string nearestText(const FilterModel& filter, const WhyNot::NearestMiss& miss) {
+    // Not all digits of a double, which hide what it is: 0.1, not 0.09999999999999787.
+    const bool isInteger = std::holds_alternative<std::int64_t>(miss.left.value);
+    const std::string distance =
+        isInteger ? fmt::format("{:.0f}", miss.distance) : fmt::format("{:.10g}", miss.distance);
+    const std::string time = miss.timeMs ? fmt::format(" at {} ms", *miss.timeMs) : "";
+    return fmt::format(", at the nearest {} (off by {}) in event {}{}", shown(filter, miss.left, miss.right), distance,
+                       miss.event, time);
+}
+
 std::string json(const ComparedValue& compared) {
     if (compared.missing) {
         return "null";
@@ -120,7 +130,7 @@ std::vector<std::string> whyNotLines(const WhyNot& answer) {
             lines.push_back(fmt::format("{:>9} {}", count, what));
         }
     };
-    lines.push_back(fmt::format("{:>9} events", answer.events()));
+    lines.push_back(fmt::format("{:>9} event{}", answer.events(), answer.events() == 1 ? "" : "s"));
     add(answer.otherTypes(), "  of another type");
     for (const auto& [state, count] : answer.otherStates()) {
         add(count, "  while the machine was in state " + printable(state));
@@ -131,10 +141,7 @@ std::vector<std::string> whyNotLines(const WhyNot& answer) {
         const WhyNot::Stops& stops = answer.stops()[i];
         std::string what = "    stopped by " + printable(conditionOf(transition.filters[i]));
         if (stops.nearest) {
-            what += fmt::format(", at the nearest {} (off by {:.10g}) in event {}",
-                                shown(transition.filters[i], stops.nearest->left, stops.nearest->right),
-                                stops.nearest->distance, stops.nearest->event);
-            what += stops.nearest->timeMs ? fmt::format(" at {} ms", *stops.nearest->timeMs) : "";
+            what += nearestText(transition.filters[i], *stops.nearest);
         }
         add(stops.count, what);
     }

@@ -82,9 +82,11 @@ void WhyNot::loaded(const TracedDocument& document) {
 }
 
 void WhyNot::step(const Step& step) {
-    // Events that machines raise concern only the transitions that listen for those.
-    const bool concerned = !step.raised || (model != nullptr && model->event == EventType::EnteringState);
-    if (model == nullptr || step.machine.index != machineIndex || !concerned) {
+    if (model == nullptr || step.machine.index != machineIndex) {
+        return;
+    }
+    // Of the events that a machine raises, only those in states that listen for them are steps.
+    if (step.raised && (step.type != model->event || step.state != model->from)) {
         return;
     }
     ++offered;

@@ -39,7 +39,8 @@ class WhyNot final : public Trace {
     const ConfigModel& config() const { return *owner; }
     std::size_t machine() const { return machineIndex; }
 
-    std::uint64_t events() const { return offered; }          // that came to its machine
+    // That came to its machine, and the EnteringState events that this raised where the transition listens for them.
+    std::uint64_t events() const { return offered; }
     std::uint64_t otherTypes() const { return unheard; }      // of a type for which it does not listen
     std::uint64_t earlierFired() const { return overtaken; }  // before it was tried
     std::uint64_t tried() const { return attempts; }
