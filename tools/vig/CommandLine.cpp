@@ -29,7 +29,8 @@ constexpr const char* kGeneralFooter =
     "be written, 130 interrupted.\n"
     "`vig VERB --help` has an example.";
 
-constexpr const char* kCheckFooter = R"(Errors are what the library refuses, all of them, and cycles without end. Warnings, by name:
+constexpr const char* kCheckFooter =
+    R"(Errors are what the library refuses, all of them, and cycles without end. Warnings, by name:
 {}
 Exit status: 0 nothing or only warnings, 1 errors, 2 a file cannot be read. Columns count bytes, in sarif characters.
 
