@@ -6,6 +6,11 @@ readonly BUILD_PACKAGES=(
     ca-certificates cmake fonts-dejavu-core g++ graphviz groff-base libcli11-dev libfmt-dev libgmock-dev libgtest-dev
     libjsoncpp-dev libsimdjson-dev libvalijson-dev locales ninja-build
 )
+# What the benchmark measures with, and against.
+# shellcheck disable=SC2034
+readonly BENCH_PACKAGES=(
+    binutils jq libbenchmark-dev libluajit-5.1-dev libmuparser-dev pkg-config valgrind
+)
 # What the slower checks need besides.
 readonly CHECK_PACKAGES=(clang clang-format clang-tidy shellcheck zsh)
 

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace bench {
+
+// Runs a program to its end, its output dropped. Returns the processor time that it took, in seconds; ends the
+// benchmark if it fails.
+double runProgram(const std::vector<std::string>& command);
+
+// What a shell command writes to its standard output; empty if it fails.
+std::string outputOf(const std::string& command);
+
+}  // namespace bench

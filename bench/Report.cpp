@@ -1,0 +1,184 @@
+#include "bench/Report.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <fstream>
+#include <optional>
+#include <sstream>
+#include <thread>
+
+#include "bench/Process.h"
+
+namespace bench {
+
+namespace {
+
+struct Spread {
+    double low;
+    double median;
+    double high;
+};
+
+// The quartiles.
+Spread spreadOf(std::vector<double> values) {
+    std::ranges::sort(values);
+    const auto at = [&](double share) {
+        return values[static_cast<std::size_t>(share * static_cast<double>(values.size() - 1) + 0.5)];
+    };
+    return {at(0.25), at(0.5), at(0.75)};
+}
+
+std::string timeText(double seconds) {
+    return seconds < 1e-6   ? fmt::format("{:.1f} ns", seconds * 1e9)
+           : seconds < 1e-3 ? fmt::format("{:.1f} µs", seconds * 1e6)
+           : seconds < 1    ? fmt::format("{:.1f} ms", seconds * 1e3)
+                            : fmt::format("{:.2f} s", seconds);
+}
+
+std::string verdict(double ratio, double aim) {
+    return aim == 0 ? "" : ratio <= aim ? "yes" : "**no**";
+}
+
+std::string aimText(double aim) {
+    return aim == 0 ? "reported" : fmt::format("≤ {:.4g}", aim);
+}
+
+// Of each repetition with the same repetition of the other.
+std::vector<double> ratios(const std::vector<double>& ours, const std::vector<double>& theirs) {
+    std::vector<double> result;
+    for (std::size_t i = 0; i < std::min(ours.size(), theirs.size()); ++i) {
+        result.push_back(ours[i] / theirs[i]);
+    }
+    return result;
+}
+
+// How many instructions a scenario takes once; from two runs of different length, so that what is done before and after
+// does not count.
+std::optional<double> instructionsOf(const std::string& scenario) {
+    constexpr std::size_t kFew = 2'000;
+    const auto count = [&](std::size_t times) {
+        const std::string command = fmt::format(
+            "valgrind --tool=callgrind --callgrind-out-file=/dev/null /proc/{}/exe --only '{}' {} 2>&1 >/dev/null | "
+            "sed -n 's/.*Collected : //p'",
+            getpid(), scenario, times);
+        const std::string text = outputOf(command);
+        return text.empty() ? 0.0 : std::stod(text);
+    };
+    const double few = count(kFew);
+    const double more = count(2 * kFew);
+    return few > 0 && more > few ? std::optional((more - few) / kFew) : std::nullopt;
+}
+
+bool isShort(const Comparison& each) {
+    return each.ours.starts_with("other types/8/") || each.ours.starts_with("filters/3 ") ||
+           each.ours.starts_with("metadata/") || each.ours == "random/vig";
+}
+
+std::string instructionRatio(const Comparison& each) {
+    if (!isShort(each)) {
+        return {};
+    }
+    const auto ours = instructionsOf(each.ours);
+    const auto theirs = instructionsOf(each.theirs);
+    return ours && theirs ? fmt::format("{:.0f} / {:.0f} = {:.2f}", *ours, *theirs, *ours / *theirs) : "";
+}
+
+std::string rowOf(const Comparison& each, const Times& times) {
+    const auto& ours = times.at(each.ours);
+    const auto& theirs = times.at(each.theirs);
+    const Spread ratio = spreadOf(ratios(ours, theirs));
+    return fmt::format("| {} | {} | **{:.3g}** | {:.3g}–{:.3g} | {} | {} | {} / {} | {} |\n", each.what, each.against,
+                       ratio.median, ratio.low, ratio.high, aimText(each.aim), verdict(ratio.median, each.aim),
+                       timeText(spreadOf(ours).median), timeText(spreadOf(theirs).median), instructionRatio(each));
+}
+
+// The lines of vig_bench_heap.
+std::string heapRows() {
+    std::string rows;
+    std::istringstream lines(outputOf(VIG_HEAP));
+    for (std::string name, value; std::getline(lines, name, '\t') && std::getline(lines, value);) {
+        const double aim = name.ends_with("text") ? 2.0 : 1.5;
+        rows += fmt::format("| {} | {} | {} | {} |\n", name, value.substr(0, 5), aimText(aim),
+                            verdict(std::stod(value), aim));
+    }
+    return rows;
+}
+
+std::string linesOf(const std::string& command) {
+    std::string text = outputOf(command);
+    text.erase(text.find_last_not_of('\n') + 1);
+    return text;
+}
+
+std::string libraryRows() {
+    const std::string size =
+        linesOf("f=$(mktemp) && strip -o \"$f\" " VIG_LIBRARY " && stat -c %s \"$f\" && rm -f \"$f\"");
+    const std::string relocations = linesOf("readelf -rW " VIG_LIBRARY " | grep -c R_");
+    return fmt::format("| the stripped library, bytes | {} | ≤ 300000 | {} |\n", size,
+                       verdict(std::stod(size), 300'000)) +
+           fmt::format("| its relocations | {} | reported | |\n", relocations);
+}
+
+}  // namespace
+
+std::vector<Comparison> comparisons() {
+    std::vector<Comparison> result;
+    for (const int count : {1, 8, 64, 512}) {
+        const std::string name = fmt::format("other types/{}/", count);
+        result.push_back({fmt::format("event offered to {} transitions for other types", count), "by hand",
+                          name + "vig", name + "by hand", 1.1});
+    }
+    for (const char* kind : {"integer", "double", "string"}) {
+        for (const int count : {1, 3, 10}) {
+            for (const char* end : {"", ", last false"}) {
+                const std::string name = fmt::format("filters/{} {}{}", count, kind, end);
+                result.push_back({fmt::format("event through {} {} filters{}", count, kind, end), "by hand",
+                                  name + "/vig", name + "/by hand", 1.4});
+            }
+        }
+    }
+    result.push_back({"three integer filters", "LuaJIT", "filters/3 integer/vig", "script/LuaJIT", 0.25});
+    result.push_back({"three integer filters", "muParser", "filters/3 integer/vig", "script/muParser", 1.0});
+    for (const int count : {1, 100, 20'000}) {
+        const std::string name = fmt::format("document/{}/", count);
+        const std::string what = fmt::format("`parseResponse` of {} configurations", count);
+        result.push_back({what, "jsoncpp", name + "vig", name + "jsoncpp", 1.35});
+        result.push_back({what, "jsoncpp, tree not freed", name + "vig", name + "jsoncpp, tree kept", 0});
+    }
+    result.push_back({"`parseResponse`, 200 times the configurations", "200 documents of 100", "document/20000/vig",
+                      "document/100/vig", 1.15 * 200});
+    result.push_back({"metadata of 20 attributes", "bare conversions", "metadata/vig", "metadata/bare", 1.3});
+    result.push_back({"\"PseudoRandomDouble\"", "`std::mt19937`", "random/vig", "random/std", 2.0});
+    result.push_back(
+        {"\"PseudoRandomDouble\", two threads", "`std::mt19937`", "random/vig, two threads", "random/std", 0});
+    result.push_back({"`vig run`, 1,000,000 records", "simdjson", "run/1000000/vig", "run/1000000/simdjson", 3.0});
+    result.push_back({"`vig run`, 100,000 records", "`jq`", "run/100000/vig", "run/100000/jq", 1.0 / 30});
+    result.push_back({"start of a program with the library", "without", "start/with", "start/without", 0});
+    return result;
+}
+
+std::string tableOf(const Times& times) {
+    std::string table =
+        "| What | Against | Ratio | Quartiles | Aim | Met | Times | Instructions |\n"
+        "|---|---|---|---|---|---|---|---|\n";
+    for (const Comparison& each : comparisons()) {
+        if (times.contains(each.ours) && times.contains(each.theirs)) {
+            table += rowOf(each, times);
+        }
+    }
+    if (!times.contains("run/1000000/vig")) {
+        return table;
+    }
+    return table + "\n| What | Value | Aim | Met |\n|---|---|---|---|\n" + heapRows() + libraryRows() +
+           fmt::format("| `vig run`, events a second | {:.0f} | reported | |\n",
+                       1e6 / spreadOf(times.at("run/1000000/vig")).median);
+}
+
+std::string machineDescription() {
+    return fmt::format("{} x {}; {}; {}", std::thread::hardware_concurrency(),
+                       linesOf("sed -n 's/^model name[^:]*: //p' /proc/cpuinfo | head -n 1"), linesOf("uname -srm"),
+                       "g++ " __VERSION__ ", -O2");
+}
+
+}  // namespace bench

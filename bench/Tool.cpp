@@ -1,0 +1,180 @@
+#include <fmt/format.h>
+#include <simdjson.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <random>
+#include <string>
+
+#include "bench/Process.h"
+#include "bench/Scenario.h"
+
+// `vig run` against the parser that it reads with and against the filter that a person would write.
+namespace bench {
+
+namespace {
+
+// Removed when the benchmark ends.
+class Folder {
+  public:
+    Folder() : path(std::filesystem::temp_directory_path() / fmt::format("vig-bench-{}", getpid())) {
+        std::filesystem::create_directory(path);
+    }
+    ~Folder() { std::filesystem::remove_all(path); }
+
+    const std::filesystem::path path;
+};
+
+const Folder& folder() {
+    static const Folder folder;
+    return folder;
+}
+
+// Memory heartbeats of 200 processes; one in a thousand is over the budgets of the rules.
+std::string recording(std::size_t records) {
+    const std::filesystem::path path = folder().path / fmt::format("{}.jsonl", records);
+    if (std::filesystem::exists(path)) {
+        return path;
+    }
+    std::mt19937 random(1);
+    std::ofstream file(path);
+    for (std::size_t i = 0; i < records; ++i) {
+        const auto process = random() % 200;
+        file << fmt::format(
+            R"({{"event":"ProcessMemoryHeartBeat","time_ms":{},"int64":{{"pid":{},"vmRssKB":{},"vmSwapKB":{}}},)"
+            R"("string":{{"processName":"com.example.app{}"}}}})"
+            "\n",
+            i, 1000 + process, random() % 1000 == 0 ? 900'000 : random() % 500'000, random() % 4096, process);
+    }
+    return path;
+}
+
+std::string transition(const char* from, const char* to, const char* op, std::size_t limit, const char* action) {
+    return fmt::format(R"({{"from_state":"{}","to_state":"{}","event":"ProcessMemoryHeartBeat","filters":[)"
+                       R"({{"operator":"{}","value_type":"integer","operand1":{{"type":"envvar","value":"vmRssKB"}},)"
+                       R"("operand2":{{"type":"constant","value":"{}"}}}}],"actions":[{}]}})",
+                       from, to, op, limit, action);
+}
+
+constexpr std::array<std::size_t, 3> kLimits = {800'000, 801'000, 802'000};
+
+// Three machines of five transitions: the third time that a process is over the limit is collected, unless one that has
+// hardly any memory comes in between.
+std::string rules() {
+    const std::filesystem::path path = folder().path / "rules.json";
+    std::string configs;
+    for (const std::size_t limit : kLimits) {
+        configs += (configs.empty() ? "" : ",") +
+                   fmt::format(R"({{"id":{},"payload":{{"id":1,"data":{{"transitions":[)", limit) +
+                   transition("start", "once", ">", limit, "") + "," + transition("once", "twice", ">", limit, "") +
+                   "," + transition("once", "start", "<", 100, "") + "," +
+                   transition("twice", "start", ">", limit, R"({"name":"TriggerVelora"})") + "," +
+                   transition("twice", "start", "<", 100, "") + "]}}}";
+    }
+    std::ofstream(path) << R"({"configs":[)" << configs << "]}";
+    return path;
+}
+
+// The same as a program for jq, with the state of each machine under its limit.
+constexpr const char* kFilter = R"jq(
+def next($rss; $limit):
+  if $rss > $limit then {"start": "once", "once": "twice", "twice": "start"}[.]
+  elif $rss < 100 then "start"
+  else . end;
+foreach inputs as $e ({};
+  .fired = []
+  | if $e.event != "ProcessMemoryHeartBeat" then .
+    else reduce ("800000", "801000", "802000") as $key (.;
+      (.[$key] // "start") as $state | ($key | tonumber) as $limit | $e.int64.vmRssKB as $rss
+      | (if $state == "twice" and $rss > $limit then .fired += [$limit] else . end)
+      | .[$key] = ($state | next($rss; $limit)))
+    end;
+  .fired[] as $limit | {type: "trigger", config_id: $limit, process_name: $e.string.processName, metadata: $e.int64})
+)jq";
+
+void touch(simdjson::ondemand::value value, std::uint64_t& sum) {
+    switch (value.type()) {
+        case simdjson::ondemand::json_type::object:
+            for (auto field : value.get_object()) {
+                touch(field.value(), sum);
+            }
+            break;
+        case simdjson::ondemand::json_type::string:
+            sum += std::string_view(value.get_string()).size();
+            break;
+        case simdjson::ondemand::json_type::number:
+            sum += static_cast<std::uint64_t>(std::int64_t(value.get_int64()));
+            break;
+        default:
+            break;
+    }
+}
+
+// In pieces, so that it is the memory of a piece that is touched over and over.
+std::uint64_t readAll(const std::string& path) {
+    constexpr std::size_t kPiece = std::size_t{4} << 20;
+    std::string buffer(kPiece + simdjson::SIMDJSON_PADDING, '\0');
+    simdjson::ondemand::parser parser;
+    std::ifstream file(path, std::ios::binary);
+    std::uint64_t sum = 0;
+    std::size_t kept = 0;
+    while (file.read(buffer.data() + kept, static_cast<std::streamsize>(kPiece - kept)), file.gcount() > 0) {
+        const std::size_t filled = kept + static_cast<std::size_t>(file.gcount());
+        const std::size_t end = buffer.rfind('\n', filled - 1) + 1;
+        simdjson::ondemand::document_stream stream = parser.iterate_many(buffer.data(), end, end);
+        for (auto document : stream) {
+            for (auto field : document.get_object()) {
+                touch(field.value(), sum);
+            }
+        }
+        kept = filled - end;
+        std::copy_n(buffer.data() + end, kept, buffer.data());
+    }
+    return sum;
+}
+
+Scenario::Loop vigRun(std::size_t records) {
+    return [rulesPath = rules(), events = recording(records)](std::size_t times) {
+        double total = 0;
+        for (std::size_t i = 0; i < times; ++i) {
+            total += runProgram({VIG_TOOL, "run", rulesPath, events, "--format", "jsonl"});
+        }
+        return total;
+    };
+}
+
+}  // namespace
+
+void addTool(std::vector<Scenario>& scenarios) {
+    scenarios.push_back({"run/1000000/vig", 1, [] { return vigRun(1'000'000); }});
+    scenarios.push_back({"run/1000000/simdjson", 1, []() -> Scenario::Loop {
+                             return [events = recording(1'000'000)](std::size_t times) {
+                                 // It reads ahead on a thread of its own.
+                                 return timed(
+                                     times,
+                                     [&] {
+                                         if (readAll(events) == 0) {
+                                             std::abort();
+                                         }
+                                     },
+                                     processTime);
+                             };
+                         }});
+    scenarios.push_back({"run/100000/vig", 1, [] { return vigRun(100'000); }});
+    scenarios.push_back({"run/100000/jq", 1, []() -> Scenario::Loop {
+                             return [events = recording(100'000)](std::size_t times) {
+                                 double total = 0;
+                                 for (std::size_t i = 0; i < times; ++i) {
+                                     total += runProgram({"jq", "-n", "-c", kFilter, events});
+                                 }
+                                 return total;
+                             };
+                         }});
+}
+
+}  // namespace bench

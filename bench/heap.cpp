@@ -1,0 +1,85 @@
+// Counts the heap that the library uses: prints one ratio a line, its name and its value apart by a tab.
+#include <fmt/format.h>
+#include <json/reader.h>
+#include <json/value.h>
+#include <malloc.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <iostream>
+#include <memory>
+#include <new>
+#include <string>
+
+#include "bench/Rules.h"
+#include "vig/VIGManager.h"
+
+namespace {
+std::size_t live = 0;
+std::size_t peak = 0;
+}  // namespace
+
+// In place of the library's, for the whole executable and the libraries that it loads.
+[[gnu::noinline]] void* operator new(std::size_t size) {
+    void* const memory = std::malloc(size);
+    if (memory == nullptr) {
+        std::abort();
+    }
+    live += malloc_usable_size(memory);
+    peak = std::max(peak, live);
+    return memory;
+}
+[[gnu::noinline]] void operator delete(void* memory) noexcept {
+    live -= malloc_usable_size(memory);
+    std::free(memory);
+}
+[[gnu::noinline]] void operator delete(void* memory, std::size_t /*size*/) noexcept {
+    operator delete(memory);
+}
+
+namespace {
+
+struct Use {
+    std::size_t kept;
+    std::size_t peak;
+};
+
+// Of what the operation returns, and of the operation.
+Use heapOf(const auto& operation) {
+    const std::size_t before = live;
+    peak = live;
+    const auto result = operation();
+    return {live - before, peak - before};
+}
+
+Use vig(const std::string& text) {
+    const Brenta::OS::VIG::VIGManager manager;
+    return heapOf([&] { return manager.parseResponse(text); });
+}
+
+Use jsoncpp(const std::string& text) {
+    return heapOf([&] {
+        const Json::CharReaderBuilder builder;
+        const std::unique_ptr<Json::CharReader> reader(builder.newCharReader());
+        Json::Value root;
+        std::string errors;
+        reader->parse(text.data(), text.data() + text.size(), &root, &errors);
+        return root;
+    });
+}
+
+double ratio(std::size_t part, std::size_t whole) {
+    return static_cast<double>(part) / static_cast<double>(whole);
+}
+
+}  // namespace
+
+int main() {
+    for (const std::size_t count : {1, 100, 20'000}) {
+        const std::string text = bench::documentOf(count);
+        const Use ours = vig(text);
+        const Use theirs = jsoncpp(text);
+        std::cout << fmt::format("heap/{}/machines against text\t{}\n", count, ratio(ours.kept, text.size()))
+                  << fmt::format("heap/{}/peak against jsoncpp\t{}\n", count, ratio(ours.peak, theirs.peak));
+    }
+}
