@@ -82,10 +82,6 @@ std::unordered_set<EventType> FiniteStateMachine::getAllListeningEventTypes() {
     return eventTypes;
 }
 
-EvaluationContext* FiniteStateMachine::getContext() {
-    return context.get();
-}
-
 void FiniteStateMachine::setContext(std::unique_ptr<EvaluationContext> newContext) {
     assert(newContext);
     context = std::move(newContext);

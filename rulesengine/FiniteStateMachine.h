@@ -14,6 +14,7 @@
 #include "rulesengine/EventType.h"
 #include "rulesengine/Filter.h"
 #include "rulesengine/State.h"
+#include "rulesengine/Transition.h"
 
 namespace Brenta::OS::RulesEngine {
 
@@ -79,7 +80,7 @@ class VIG_EXPORT FiniteStateMachine {
     std::unordered_set<EventType> getAllListeningEventTypes();
 
     // The context, which stays owned by the machine and is valid until it is replaced.
-    EvaluationContext* getContext();
+    EvaluationContext* getContext() { return context.get(); }
 
     // Takes ownership of `newContext` and destroys the previous one.
     // REQUIRES: it is not null (asserted in debug builds), and no filter or action of this machine is running.
@@ -90,5 +91,15 @@ class VIG_EXPORT FiniteStateMachine {
     std::map<std::string, std::unique_ptr<State>, std::less<>> states;
     std::unique_ptr<EvaluationContext> context;
 };
+
+// Here, where the machine is known, so that a machine asks its transitions without a call for each state.
+inline State* State::onEvent(const Event& event) {
+    for (const auto& transition : transitions) {
+        if (State* const next = transition->onEvent(*machine.getContext(), event)) {
+            return next;
+        }
+    }
+    return nullptr;
+}
 
 }  // namespace Brenta::OS::RulesEngine

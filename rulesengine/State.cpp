@@ -19,15 +19,6 @@ void State::addTransition(State* to, EventType eventType, std::vector<std::share
     transitions.push_back(std::make_unique<Transition>(this, to, eventType, std::move(filters), std::move(actions)));
 }
 
-State* State::onEvent(const Event& event) {
-    for (const auto& transition : transitions) {
-        if (State* const next = transition->onEvent(*machine.getContext(), event)) {
-            return next;
-        }
-    }
-    return nullptr;
-}
-
 void State::getListeningEventTypes(std::unordered_set<EventType>& eventTypes) const {
     for (const auto& transition : transitions) {
         eventTypes.insert(transition->getEventType());

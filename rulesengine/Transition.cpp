@@ -5,7 +5,6 @@
 #include <utility>
 
 #include "rulesengine/EvaluationContext.h"
-#include "rulesengine/Event.h"
 #include "rulesengine/TimeoutEvent.h"
 
 namespace Brenta::OS::RulesEngine {
@@ -22,10 +21,7 @@ EventType Transition::getEventType() const {
     return eventType;
 }
 
-State* Transition::onEvent(EvaluationContext& context, const Event& event) const {
-    if (!event.matches(eventType, context)) {
-        return nullptr;
-    }
+State* Transition::fire(EvaluationContext& context, const Event& event) const {
     for (const auto& filter : filters) {
         if (!(*filter)(context, event)) {
             return nullptr;

@@ -5,13 +5,13 @@
 
 #include "os/Export.h"
 #include "rulesengine/Action.h"
+#include "rulesengine/Event.h"
 #include "rulesengine/EventType.h"
 #include "rulesengine/Filter.h"
 
 namespace Brenta::OS::RulesEngine {
 
 class EvaluationContext;
-class Event;
 class State;
 
 // One edge between two states of a machine; owned by the state that it leaves, and never changed.
@@ -36,9 +36,15 @@ class VIG_EXPORT Transition {
     // false. If all are true, runs every action in order and returns the target state; otherwise returns
     // null and nothing has happened. A Timeout transition that fires takes the event's `timeoutId` out of
     // the context after its actions.
-    State* onEvent(EvaluationContext& context, const Event& event) const;
+    State* onEvent(EvaluationContext& context, const Event& event) const {
+        // Most transitions that are tried listen for another type, which takes no call of ours to find out.
+        return event.matches(eventType, context) ? fire(context, event) : nullptr;
+    }
 
   private:
+    // What is left of onEvent() once the event matches.
+    State* fire(EvaluationContext& context, const Event& event) const;
+
     [[maybe_unused]] State* const from;  // read by assertions only
     State* const to;
     const EventType eventType;
