@@ -161,9 +161,10 @@ std::shared_ptr<Filter> createFilterOf(Comparison comparison, const VIGParserCon
 }
 
 std::optional<FilterOperand> parseOperand(const Json::Value& filter, const char* key) {
-    auto operand = FilterOperand::fromJson(filter[key]);
+    const Json::Value& json = filter[key];
+    auto operand = FilterOperand::fromJson(json);
     if (!operand) {
-        VIG_LOG_ERROR("Invalid %s JSON: %s.", key, styledText(filter[key]).c_str());
+        VIG_LOG_ERROR("Invalid %s JSON: %s.", key, styledText(json).c_str());
     }
     return operand;
 }
@@ -192,21 +193,23 @@ std::optional<FilterOperand> FilterOperand::fromJson(const Json::Value& json) {
         VIG_LOG_ERROR("Filter operand must be an object.");
         return std::nullopt;
     }
-    if (!json["type"].isString()) {
+    const Json::Value& type = json["type"];
+    if (!type.isString()) {
         VIG_LOG_ERROR("Filter operand type is missing or invalid.");
         return std::nullopt;
     }
-    const std::string typeText = json["type"].asString();
+    const std::string typeText = type.asString();
     const auto operandType = kFilterOperandTypeTable.reverseLookup(typeText);
     if (!operandType) {
         VIG_LOG_ERROR("Unknown filter operand type: %s", typeText.c_str());
         return std::nullopt;
     }
-    if (!json["value"].isString()) {
+    const Json::Value& value = json["value"];
+    if (!value.isString()) {
         VIG_LOG_ERROR("Filter operand value is missing or invalid.");
         return std::nullopt;
     }
-    return FilterOperand{*operandType, json["value"].asString()};
+    return FilterOperand{*operandType, value.asString()};
 }
 
 OperandFunction<std::string> _createStringOperandFunction(const FilterOperand& operand, const VIGParserConfig& config,
@@ -247,11 +250,12 @@ std::shared_ptr<Filter> _createTypedPureFuncReturnValueComparator(const FilterOp
 }
 
 std::shared_ptr<Filter> _parseFilter(const Json::Value& filter, const VIGParserConfig& config) {
-    if (!filter.isObject() || !filter["operator"].isString()) {
+    const Json::Value& operatorJson = filter.isObject() ? filter["operator"] : Json::Value::nullSingleton();
+    if (!operatorJson.isString()) {
         VIG_LOG_ERROR("Invalid filter JSON: %s.", styledText(filter).c_str());
         return nullptr;
     }
-    const std::string operatorText = filter["operator"].asString();
+    const std::string operatorText = operatorJson.asString();
     const auto op = kFilterOperatorTable.reverseLookup(operatorText.c_str());
     if (!op) {
         VIG_LOG_ERROR("Invalid operator string: %s.", operatorText.c_str());

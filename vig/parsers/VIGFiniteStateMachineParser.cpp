@@ -94,36 +94,40 @@ std::shared_ptr<Action> parseAction(const Json::Value& json, const VIGParserConf
     return std::make_shared<RulesEngine::FuncAction>(std::move(function));
 }
 
-bool hasTransitionShape(const Json::Value& json) {
-    return json.isObject() && json["from_state"].isString() && json["to_state"].isString() &&
-           json["event"].isString() && json["filters"].isArray() && json["actions"].isArray();
-}
-
 bool parseTransition(const Json::Value& json, const VIGParserConfig& config, FiniteStateMachine& machine) {
-    if (!hasTransitionShape(json)) {
+    if (!json.isObject()) {
+        return false;
+    }
+    const Json::Value& from = json["from_state"];
+    const Json::Value& to = json["to_state"];
+    const Json::Value& event = json["event"];
+    const Json::Value& filterList = json["filters"];
+    const Json::Value& actionList = json["actions"];
+    if (!from.isString() || !to.isString() || !event.isString() || !filterList.isArray() || !actionList.isArray()) {
         return false;
     }
     std::vector<std::shared_ptr<Filter>> filters;
-    for (const Json::Value& element : json["filters"]) {
+    filters.reserve(filterList.size());
+    for (const Json::Value& element : filterList) {
         filters.push_back(_parseFilter(element, config));
         if (!filters.back()) {
             return false;
         }
     }
     std::vector<std::shared_ptr<Action>> actions;
-    for (const Json::Value& element : json["actions"]) {
+    actions.reserve(actionList.size());
+    for (const Json::Value& element : actionList) {
         actions.push_back(parseAction(element, config));
         if (!actions.back()) {
             return false;
         }
     }
     RulesEngine::EventType eventType{};
-    if (!config.getEventType(json["event"].asString(), eventType)) {
+    if (!config.getEventType(event.asString(), eventType)) {
         VIG_LOG_ERROR("FSM Event not found!");
         return false;
     }
-    machine.addTransition(json["from_state"].asString(), json["to_state"].asString(), eventType, std::move(filters),
-                          std::move(actions));
+    machine.addTransition(from.asString(), to.asString(), eventType, std::move(filters), std::move(actions));
     return true;
 }
 
