@@ -74,7 +74,7 @@ unsigned dangerousCharacter(std::string_view text, std::size_t& length) {
 
 void appendJsonString(std::string& out, std::string_view text) {
     out += '"';
-    const std::string valid = isPlainAscii(text) ? std::string() : replaceInvalidUtf8(text);
+    const std::string valid = isPlainAscii(text) ? std::string() : replaceInvalidUtf8(std::string(text));
     for (const char each : valid.empty() ? text : std::string_view(valid)) {
         appendEscaped(out, each);
     }
@@ -91,7 +91,7 @@ std::string printable(std::string_view text) {
     if (isPlainAscii(text)) {
         return std::string(text);
     }
-    const std::string valid = replaceInvalidUtf8(text);
+    const std::string valid = replaceInvalidUtf8(std::string(text));
     std::string result;
     for (std::size_t place = 0; place < valid.size();) {
         std::size_t length = 1;

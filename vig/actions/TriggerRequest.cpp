@@ -23,8 +23,8 @@ namespace {
 constexpr const char* kServiceName = "vendor.orlan.velora.ITrigger/default";
 
 // The platform makes an empty string of text that is not valid UTF-8, which would lose it.
-android::String16 toString16(std::string_view text) {
-    return android::String16(replaceInvalidUtf8(text).c_str());
+android::String16 toString16(std::string text) {
+    return android::String16(replaceInvalidUtf8(std::move(text)).c_str());
 }
 
 template <typename Getter>
@@ -50,8 +50,8 @@ android::sp<ITrigger> findTriggerService() {
 
 }  // namespace
 
-void appendEntry(TriggerMetadata& metadata, std::string_view text) {
-    metadata.emplace_back(toString16(text));
+void appendEntry(TriggerMetadata& metadata, std::string text) {
+    metadata.emplace_back(toString16(std::move(text)));
 }
 
 void appendAttributes(TriggerMetadata& metadata, const Event& event) {
@@ -75,7 +75,7 @@ void requestTrigger(const char* namePrefix, TriggerMetadata (*synthesizeMetadata
         return;
     }
     TriggerContext context;
-    context.processName = toString16(processName);
+    context.processName = toString16(std::string(processName));
     context.triggerName = android::String16(namePrefix);
     context.triggerName.append(*context.processName);
     context.metadata = synthesizeMetadata(event);

@@ -15,7 +15,7 @@ namespace Brenta::OS::VIG {
 using TriggerMetadata = std::vector<std::optional<android::String16>>;
 
 // Appends one entry. Text that is not valid UTF-8 is converted with replacement characters.
-void appendEntry(TriggerMetadata& metadata, std::string_view text);
+void appendEntry(TriggerMetadata& metadata, std::string text);
 
 // Appends "name:value" for every attribute that the event lists in its keys.
 void appendAttributes(TriggerMetadata& metadata, const RulesEngine::Event& event);

@@ -35,17 +35,38 @@ Sequence firstSequence(std::string_view text) {
     return {length, true};
 }
 
+// The length of the well-formed text at the beginning. Most text is ASCII.
+std::size_t wellFormedLength(std::string_view text) {
+    std::size_t length = 0;
+    while (length < text.size()) {
+        if (static_cast<unsigned char>(text[length]) < 0x80) {
+            ++length;
+            continue;
+        }
+        const Sequence sequence = firstSequence(text.substr(length));
+        if (!sequence.wellFormed) {
+            break;
+        }
+        length += sequence.length;
+    }
+    return length;
+}
+
 }  // namespace
 
-std::string replaceInvalidUtf8(std::string_view text) {
-    std::string valid;
-    valid.reserve(text.size());
-    while (!text.empty()) {
-        const Sequence sequence = firstSequence(text);
-        valid += sequence.wellFormed ? text.substr(0, sequence.length) : "\xEF\xBF\xBD";
-        text.remove_prefix(sequence.length);
+std::string replaceInvalidUtf8(std::string text) {
+    std::size_t length = wellFormedLength(text);
+    if (length == text.size()) {
+        return text;
     }
-    return valid;
+    std::string valid;
+    std::string_view rest = text;
+    for (; length < rest.size(); length = wellFormedLength(rest)) {
+        valid += rest.substr(0, length);
+        valid += "\xEF\xBF\xBD";
+        rest.remove_prefix(length + firstSequence(rest.substr(length)).length);
+    }
+    return valid.append(rest);
 }
 
 }  // namespace Brenta::OS::VIG

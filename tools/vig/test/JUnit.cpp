@@ -20,7 +20,7 @@ bool isNoCharacter(std::string_view text) {
 }
 
 std::string xml(std::string_view text) {
-    const std::string valid = Brenta::OS::VIG::replaceInvalidUtf8(text);
+    const std::string valid = Brenta::OS::VIG::replaceInvalidUtf8(std::string(text));
     std::string escaped;
     for (std::size_t place = 0; place < valid.size(); ++place) {
         const char each = valid[place];
