@@ -45,9 +45,11 @@ class AttributeSet {
     template <typename T>
     std::optional<T> find(std::string_view name) const {
         const auto& attributes = table<T>();
+        // Among few names, most differ in length already.
         const auto found =
-            std::lower_bound(attributes.begin(), attributes.end(), name,
-                             [this](const auto& each, std::string_view sought) { return view(each.name) < sought; });
+            attributes.size() <= kFew
+                ? std::ranges::find_if(attributes, [&](const auto& each) { return view(each.name) == name; })
+                : std::ranges::lower_bound(attributes, name, {}, [this](const auto& each) { return view(each.name); });
         if (found == attributes.end() || view(found->name) != name) {
             return std::nullopt;
         }
@@ -73,6 +75,8 @@ class AttributeSet {
     bool operator==(const AttributeSet& other) const;
 
   private:
+    static constexpr std::size_t kFew = 8;
+
     // A part of `text`, which may move while attributes are added.
     struct Span {
         std::size_t begin;
