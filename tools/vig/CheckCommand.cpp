@@ -1,5 +1,7 @@
 #include "tools/vig/CheckCommand.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <optional>
 #include <utility>
@@ -61,7 +63,7 @@ int check(const CheckOptions& options, const Console& console, const Interruptio
         std::string problem;
         auto text = readFile(path, problem);
         if (!text) {
-            console.complain(path + ": " + problem);
+            console.complain(fmt::format("{}: {}", path, problem));
             areReadable = false;
             continue;
         }

@@ -1,5 +1,7 @@
 #include "tools/vig/check/Catalogue.h"
 
+#include <fmt/format.h>
+
 #include <utility>
 #include <vector>
 
@@ -43,8 +45,8 @@ std::string textOf(const CataloguedAttributes& attributes, const std::string& in
             }
         }
         if (!names.empty()) {
-            kinds +=
-                (kinds.empty() ? "\n" : ",\n") + indentation + "  " + quoted(kKindNames[kind]) + ": [" + names + "]";
+            kinds += fmt::format("{}{}  {}: [{}]", kinds.empty() ? "\n" : ",\n", indentation, quoted(kKindNames[kind]),
+                                 names);
         }
     }
     return kinds.empty() ? "{}" : "{" + kinds + "\n" + indentation + "}";
@@ -63,9 +65,9 @@ std::string KindSet::text() const {
 }
 
 // Fills a catalogue from a document, of which nothing may be ignored.
-class Catalogue::Reader {
+class Catalogue::Filling {
   public:
-    Reader(const DocumentText& text, Catalogue& result, std::vector<std::string>& problems)
+    Filling(const DocumentText& text, Catalogue& result, std::vector<std::string>& problems)
         : json(text, problems), catalogue(result) {}
 
     void readAll(const Json::Value& root) {
@@ -127,7 +129,7 @@ std::optional<Catalogue> Catalogue::read(const DocumentText& document, std::stri
     }
     Catalogue catalogue;
     std::vector<std::string> problems;
-    Reader(document, catalogue, problems).readAll(document.root());
+    Filling(document, catalogue, problems).readAll(document.root());
     if (!problems.empty()) {
         problem = std::move(problems.front());
         return std::nullopt;

@@ -68,7 +68,7 @@ class Catalogue {
     std::string text() const;
 
   private:
-    class Reader;
+    class Filling;
 
     std::map<Brenta::OS::RulesEngine::EventType, CataloguedAttributes> events;
     CataloguedAttributes contextAttributes;

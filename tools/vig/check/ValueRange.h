@@ -24,6 +24,13 @@ inline std::optional<std::string> successorOf(const std::string& value) {
     return value + '\0';
 }
 
+inline bool isNan(double value) {
+    return std::isnan(value);
+}
+inline bool isNan(const auto& /*value*/) {
+    return false;
+}
+
 template <typename T>
 T leastValue() {
     return std::numeric_limits<T>::lowest();
@@ -44,7 +51,7 @@ class ValueRange {
     // Keeps the values for which `value op constant` holds.
     void narrow(Brenta::OS::VIG::FilterOperator op, const T& constant) {
         using Brenta::OS::VIG::FilterOperator;
-        if (constant != constant) {
+        if (isNan(constant)) {
             empty = empty || op != FilterOperator::NotEqual;
             return;
         }
