@@ -77,11 +77,13 @@ ssize_t ByteSource::readDecoded(char* to, std::size_t size) {
         }
     }
     Decoder::Progress progress{};
-    if (!decoder->decode(std::string_view(input).substr(taken), {to, size}, progress)) {
+    const bool isIntact = decoder->decode(std::string_view(input).substr(taken), {to, size}, progress);
+    taken += progress.taken;
+    // What came before the damage is good, and the decoder finds the damage again.
+    mayGoOn = !isIntact || progress.produced == size;
+    if (progress.produced == 0 && !isIntact) {
         return fail("corrupt (" + decoder->problem() + ")");
     }
-    taken += progress.taken;
-    mayGoOn = progress.produced == size;
     if (progress.produced == 0) {
         errno = EAGAIN;
         return -1;

@@ -227,7 +227,7 @@ void addRun(CLI::App& app, RunOptions& options, FleetOptions& fleet) {
         ->type_name("PATH");
     fleet.threads = std::max(std::thread::hardware_concurrency(), 1u);
     verb.add_option("-j,--jobs", fleet.threads, "How many devices run at once (default: as many as there are cores)")
-        ->check(CLI::Range(1u, kMostThreads))
+        ->check(CLI::Range(1u, kMostThreads).description(""))
         ->type_name("N");
     verb.add_flag("--summary-only", fleet.summaryOnly, "Tells only what all devices did together, also of one device");
     verb.footer(fmt::format(kRunFooter, FleetSummary::Storm::LEAST_TRIGGERS, FleetSummary::Storm::MOST_EVENTS));

@@ -18,7 +18,7 @@ class Decoder {
 
     virtual ~Decoder() = default;
 
-    // As much as there is input and room. False, with the reason in problem(), if the input is corrupt.
+    // As much as there is input and room. False from where the input is corrupt, with the reason in problem().
     virtual bool decode(std::string_view input, std::span<char> output, Progress& progress) = 0;
 
     // Whether the input may end here.
