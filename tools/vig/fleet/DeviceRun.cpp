@@ -8,12 +8,10 @@
 #include "rulesengine/Filter.h"
 #include "tools/vig/EventInput.h"
 #include "tools/vig/EventReader.h"
-#include "tools/vig/MachineGroup.h"
 #include "tools/vig/PlatformServices.h"
 #include "tools/vig/RuleDocument.h"
 #include "tools/vig/Text.h"
 #include "tools/vig/trace/RebuiltMachines.h"
-#include "vig/actions/PseudoRandomGenerator.h"
 #include "vig/parsers/VIGResponseParser.h"
 
 namespace tool {
@@ -59,20 +57,10 @@ VIGParserConfig registryWith(PseudoRandomGenerator& generator, const VIGParserCo
                            library.getStringPureFunctions(), {});
 }
 
-// New machines of the document, which count in `fired` how often each transition fires.
-MachineGroup::Configs machinesOf(const TracedDocument& document, const VIGParserConfig& registry, FiredCounts& fired) {
+MachineGroup::Configs parse(const TracedDocument& document, const VIGParserConfig& registry) {
     NoReceiver quiet;
     const PlatformServices::OnThread receiver(quiet);
-    const auto parsed = VIGResponseParser().parseFromString(document.text.source().text(), registry);
-    for (const ConfigModel& each : document.configs) {
-        fired.emplace_back(each.transitions.size());
-    }
-    return rebuilt(*parsed.value, document.configs,
-                   [&fired](const Transition& transition, std::size_t config, std::size_t index) {
-                       auto filters = transition.getFilters();
-                       filters.push_back(std::make_shared<FiredCounter>(fired[config][index]));
-                       return filters;
-                   });
+    return std::move(*VIGResponseParser().parseFromString(document.text.source().text(), registry).value);
 }
 
 // Not open if that cannot be or could take for ever, with the reason in `problem`.
@@ -105,7 +93,22 @@ EventReader::Status offerAll(EventReader& reader, MachineGroup& machines, const 
 
 }  // namespace
 
-DeviceResult runDevice(const FleetPlan& plan, const std::string& device, Output& output) {
+DeviceRunner::DeviceRunner(const FleetPlan& fleetPlan)
+    : plan(fleetPlan), generator(plan.seed), parsed(parse(plan.document, registryWith(generator, plan.registry))) {}
+
+MachineGroup::Configs DeviceRunner::newMachines(FiredCounts& fired) const {
+    for (const ConfigModel& each : plan.document.configs) {
+        fired.emplace_back(each.transitions.size());
+    }
+    return rebuilt(parsed, plan.document.configs,
+                   [&fired](const Transition& transition, std::size_t config, std::size_t index) {
+                       auto filters = transition.getFilters();
+                       filters.push_back(std::make_shared<FiredCounter>(fired[config][index]));
+                       return filters;
+                   });
+}
+
+DeviceResult DeviceRunner::run(const std::string& device, Output& output) {
     DeviceResult result{device};
     if (plan.interruption.requested()) {
         return result;
@@ -118,9 +121,9 @@ DeviceResult runDevice(const FleetPlan& plan, const std::string& device, Output&
     }
     result.begun = true;
     const auto report = reportOf(plan.format, output, plan.coloured, name);
-    PseudoRandomGenerator generator(plan.seed);
+    generator.seed(plan.seed);
     MachineGroup machines(plan.context, *report, nullptr);
-    machines.adopt(machinesOf(plan.document, registryWith(generator, plan.registry), result.fired));
+    machines.adopt(newMachines(result.fired));
     const PlatformServices::OnThread receiver(machines);
     machines.start();
     EventReader reader(file.get(), name, plan.interruption, [] {});

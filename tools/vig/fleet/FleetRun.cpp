@@ -38,6 +38,7 @@ class Fleet {
 
   private:
     void work() {
+        DeviceRunner runner(plan);
         // Who takes a device brings it to its end, because those that follow wait for that.
         while (!plan.interruption.requested() && !order.failed()) {
             const std::size_t device = next++;
@@ -48,7 +49,7 @@ class Fleet {
             if (plan.format == ReportFormat::Text) {
                 text.write(fmt::format("\n== {}\n", printable(devices[device])));
             }
-            DeviceResult result = runDevice(plan, devices[device], text);
+            DeviceResult result = runner.run(devices[device], text);
             text.flush();
             order.end(device, std::move(result));
         }
