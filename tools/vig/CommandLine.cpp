@@ -216,9 +216,9 @@ void addCheck(CLI::App& app, CheckOptions& options) {
 
 void addRun(CLI::App& app, RunOptions& options, FleetOptions& fleet) {
     CLI::App& verb = *app.add_subcommand("run", "Offers recorded events to the machines of a rule document.");
-    addRuleOptions<3>(
-        verb, options, {{{"text", ReportFormat::Text}, {"jsonl", ReportFormat::Jsonl}, {"json", ReportFormat::Json}}},
-        "text for people, jsonl for programs, json for a summary alone");
+    addRuleOptions<3>(verb, options,
+                      {{{"text", ReportFormat::Text}, {"jsonl", ReportFormat::Jsonl}, {"json", ReportFormat::Json}}},
+                      "text for people, jsonl for programs, json for a summary alone");
     verb.add_option("EVENTS", fleet.devices,
                     "The event records, a file for each device (default: -, which is standard input)");
     verb.add_flag("--explain", options.explain, "Tells what every machine decides on every event, and why");

@@ -51,7 +51,7 @@ class Fleet : public testing::Test {
         options.rules = folder.write("rules.json", kRules);
         options.contextFile = folder.write("context.jsonl", R"({"event":"Test","int64":{"limit":5}})");
         options.format = ReportFormat::Jsonl;
-        // The first one has more to say than may wait for its turn, and so keeps the others waiting.
+        // The second one has more to say than may wait for its turn, and so keeps the others waiting.
         for (std::size_t i = 0; i < 90; ++i) {
             const std::size_t count = i == 1 ? 8000 : i % 7 * 10;
             options.devices.push_back(folder.write("d" + std::to_string(i), records(count, i % 2 == 0)));
