@@ -4,7 +4,7 @@
 # What builds and tests the project.
 readonly BUILD_PACKAGES=(
     ca-certificates cmake fonts-dejavu-core g++ graphviz groff-base libcli11-dev libfmt-dev libgmock-dev libgtest-dev
-    libjsoncpp-dev libsimdjson-dev libvalijson-dev locales ninja-build
+    libjsoncpp-dev libsimdjson-dev libvalijson-dev libzstd-dev locales ninja-build zlib1g-dev
 )
 # What the benchmark measures with, and against.
 # shellcheck disable=SC2034

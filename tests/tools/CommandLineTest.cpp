@@ -34,6 +34,15 @@ TEST(CommandLine, VerbsHaveTheirDefaultsAndOptions) {
     EXPECT_EQ(full.seed, 4294967295u);
     EXPECT_EQ(full.contextFile, "c");
     EXPECT_FALSE(full.explain);
+    const auto fleet = std::get<tool::FleetOptions>(parse({"run", "r", "a", "-", "-j", "3", "--seed", "7"}));
+    EXPECT_EQ(fleet.rules, "r");
+    EXPECT_EQ(fleet.devices, (std::vector<std::string>{"a", "-"}));
+    EXPECT_EQ(fleet.threads, 3u);
+    EXPECT_EQ(fleet.seed, 7u);
+    EXPECT_FALSE(fleet.summaryOnly);
+    EXPECT_EQ(std::get<tool::FleetOptions>(parse({"run", "r", "--format", "json"})).devices.front(), "-");
+    EXPECT_TRUE(std::get<tool::FleetOptions>(parse({"run", "r", "a", "--summary-only"})).summaryOnly);
+    EXPECT_EQ(std::get<tool::SummaryOptions>(parse({"summary", "a", "b"})).files.size(), 2u);
     const auto explained = std::get<RunOptions>(parse({"run", "r.json", "--explain", "--why-not", "p"}));
     EXPECT_TRUE(explained.explain);
     EXPECT_EQ(explained.whyNot, "p");
@@ -64,7 +73,11 @@ TEST(CommandLine, WrongArgumentsAreUsageErrors) {
         {"walk"},
         {"run"},
         {"watch"},
-        {"run", "r", "e", "more"},
+        {"run", "r", "a", "b", "--explain"},
+        {"run", "r", "a", "--format", "json", "--why-not", "p"},
+        {"run", "r", "-", "-"},
+        {"run", "r", "a", "b", "-j", "0"},
+        {"summary", "a", "--format", "jsonl"},
         {"run", "r", "--seed", "-1"},
         {"run", "r", "--seed", "4294967296"},
         {"run", "r", "--format", "xml"},
@@ -91,6 +104,7 @@ TEST(CommandLine, HelpOfEveryVerbHasAnExample) {
     for (const auto& [verb, hasSeed] : {std::pair("check", false),
                                         {"run", true},
                                         {"watch", true},
+                                        {"summary", false},
                                         {"catalogue", false},
                                         {"test", false},
                                         {"graph", true}}) {

@@ -3,6 +3,8 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
+#include <zlib.h>
+#include <zstd.h>
 
 #include <string>
 #include <string_view>
@@ -210,6 +212,88 @@ TEST(EventReader, WhatCannotBeReadIsNamed) {
     EXPECT_EQ(reader.next(record), EventReader::Status::Failed);
     EXPECT_EQ(reader.error(), "vig: error: here: Is a directory");
     close(folder);
+}
+
+// Of deflate or zstd, by the library that made the format.
+std::string gzipped(std::string_view text) {
+    std::string result(text.size() + 1000, '\0');
+    z_stream stream = {};
+    deflateInit2(&stream, 9, Z_DEFLATED, MAX_WBITS + 16, 8, Z_DEFAULT_STRATEGY);
+    stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(text.data()));
+    stream.avail_in = static_cast<uInt>(text.size());
+    stream.next_out = reinterpret_cast<Bytef*>(result.data());
+    stream.avail_out = static_cast<uInt>(result.size());
+    EXPECT_EQ(deflate(&stream, Z_FINISH), Z_STREAM_END);
+    result.resize(stream.total_out);
+    deflateEnd(&stream);
+    return result;
+}
+
+std::string zstandard(std::string_view text) {
+    std::string result(ZSTD_compressBound(text.size()), '\0');
+    ZSTD_CCtx* const context = ZSTD_createCCtx();
+    ZSTD_CCtx_setParameter(context, ZSTD_c_checksumFlag, 1);
+    result.resize(ZSTD_compress2(context, result.data(), result.size(), text.data(), text.size()));
+    ZSTD_freeCCtx(context);
+    return result;
+}
+
+TEST(EventReader, CompressedDataIsReadInAllItsPartsAndWhatIsNoneIsAnError) {
+    std::string many;
+    for (int i = 0; i < 20'000; ++i) {
+        many += "{\"event\":\"Test\",\"time_ms\":" + std::to_string(i) + "}\n";
+    }
+    const std::string skippable("\x5F\x2A\x4D\x18\x03\0\0\0abc", 11);
+    const std::string bomb(std::size_t{1} << 25, ' ');
+    const auto flipped = [](std::string data) {
+        data[data.size() - 2] = static_cast<char>(data[data.size() - 2] ^ 1);
+        return data;
+    };
+    const struct {
+        std::string data;
+        std::size_t records;
+        std::string error;
+    } cases[] = {
+        {gzipped(many), 20'000, ""},
+        {zstandard(many), 20'000, ""},
+        {gzipped("{\"event\":\"Te") + gzipped("") + gzipped("st\"}\n"), 1, ""},
+        {skippable + zstandard("{\"event\":\"Te") + skippable + zstandard("st\"}"), 1, ""},
+        {gzipped(many).substr(0, 20'000), 0, "the gzip data is truncated"},
+        {zstandard(many).substr(0, 1000), 0, "the zstd data is truncated"},
+        {"\x1F\x8B", 0, "the gzip data is truncated"},
+        {flipped(gzipped(many)), 20'000, "the gzip data is corrupt (incorrect length check)"},
+        {flipped(zstandard(many)), 0, "the zstd data is corrupt (Restored data doesn't match checksum)"},
+        {gzipped(many) + "more", 20'000, "the gzip data is corrupt (incorrect header check)"},
+        {zstandard(many) + "more", 20'000, "the zstd data is corrupt (Unknown frame descriptor)"},
+        {gzipped(bomb), 0, "File too large"},
+        {"\x28\xB5\x2F", 0, "events.jsonl:1: error: "},
+    };
+    for (const auto& each : cases) {
+        const ReadAll all(each.data);
+        EXPECT_TRUE(all.error.find(each.error) != std::string::npos && all.error.empty() == each.error.empty())
+            << all.error << " instead of " << each.error;
+        EXPECT_GE(all.records.size(), each.records) << each.error;
+    }
+}
+
+TEST(EventReader, CompressedRecordsArriveOverAPipeByteByByte) {
+    for (const std::string& data : {gzipped("{\"event\":\"Test\"}\n"), zstandard("{\"event\":\"Test\"}\n")}) {
+        int ends[2];
+        ASSERT_EQ(pipe(ends), 0);
+        const tool::Interruption interruption;
+        std::size_t sent = 0;
+        EventReader reader(ends[0], "events.jsonl", interruption, [&] {
+            if (sent < data.size()) {
+                EXPECT_EQ(write(ends[1], &data[sent++], 1), 1);
+            } else {
+                close(ends[1]);
+            }
+        });
+        EventRecord record;
+        EXPECT_EQ(reader.next(record), EventReader::Status::Record);
+        EXPECT_EQ(reader.next(record), EventReader::Status::End);
+        close(ends[0]);
+    }
 }
 
 }  // namespace

@@ -12,17 +12,22 @@
 #include <cstdint>
 #include <iterator>
 #include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
 #include "tools/vig/NearestName.h"
 #include "tools/vig/Text.h"
 #include "tools/vig/check/WarningNames.h"
+#include "tools/vig/fleet/FleetSummary.h"
 #include "tools/vig/help/ProgramHelp.h"
 
 namespace tool {
 
 namespace {
+
+constexpr unsigned kMostThreads = 256;
+constexpr const char* kRunHint = "Try: vig run --help";
 
 constexpr const char* kGeneralFooter =
     "Exit status: 0 done, 1 the rules were refused or a test failed, 2 bad arguments or input, or the output cannot\n"
@@ -38,16 +43,35 @@ Example: check before a commit, as strictly as possible, for a service that arms
   vig check --strict --allow unused-timeout rules/*.json)";
 
 constexpr const char* kRunFooter = R"(An event record is one JSON object a line; attributes are grouped by their kind:
-  {"event":"ProcessMemoryHeartBeat","string":{"processName":"camera"},"int64":{"vmRssKB":1000,"vmSwapKB":24}}
-  {"event":"Timeout","timeout_id":3}
+  {{"event":"ProcessMemoryHeartBeat","string":{{"processName":"camera"}},"int64":{{"vmRssKB":1000,"vmSwapKB":24}}}}
+  {{"event":"Timeout","timeout_id":3}}
 Kinds are uint64, int64, double, bool and string; "time_ms" may tell when it was.
+
+Files of records may be compressed by gzip or zstd.
 
 --explain shows each transition that listens for the event, up to the one that fires, and each filter, up to the
 one that does not hold, with the values that it compared. What listens for other events is left out.
 
+With several files, each is the recording of a device with machines of its own, which neither the others nor -j
+change. A summary ends the run: of each transition how often it fired and on how many devices, and the triggers a
+device. A storm is a device with at least {} triggers, more than one for each {} of its events. A file that cannot be
+read to its end is told and the others go on. --format json gives the summary alone, which `vig summary` reads,
+jsonl gives it in the last line. --explain and --why-not are for one file.
+
 Example: which events of a recording fire a trigger? And why did the second transition not fire?
   vig run rules.json trace.jsonl --format jsonl | grep '"type":"trigger"'
-  vig run rules.json trace.jsonl --why-not 'configs[0].payload.data.transitions[1]')";
+  vig run rules.json trace.jsonl --why-not 'configs[0].payload.data.transitions[1]'
+Which transitions fire in a fleet?
+  vig run rules.json devices/*.jsonl.gz --summary-only)";
+
+constexpr const char* kSummaryFooter =
+    R"(Each line of the files is a summary that `vig run --format json` has written; all are of one rule document. The parts
+of a fleet, merged, give the same as the whole.
+
+Example: two halves of a fleet, replayed apart
+  vig run rules.json a/*.jsonl.gz --format json > a.json
+  vig run rules.json b/*.jsonl.gz --format json > b.json
+  vig summary a.json b.json)";
 
 constexpr const char* kWatchFooter =
     R"(Events: ProcessMemoryHeartBeat and ProcessCpuHeartBeat of each process, SystemMemoryHeartBeat, and
@@ -129,11 +153,12 @@ void addSurroundings(CLI::App& verb, std::uint32_t& seed, std::string& contextFi
         ->type_name("FILE");
 }
 
-void addRuleOptions(CLI::App& verb, RuleOptions& options) {
+template <std::size_t Count>
+void addRuleOptions(CLI::App& verb, RuleOptions& options,
+                    const std::array<std::pair<const char*, ReportFormat>, Count>& formats,
+                    const std::string& formatDescription) {
     addRules(verb, options.rules);
-    addChoice<ReportFormat, 2>(verb, "--format", options.format,
-                               {{{"text", ReportFormat::Text}, {"jsonl", ReportFormat::Jsonl}}},
-                               "text for people, jsonl for programs");
+    addChoice(verb, "--format", options.format, formats, formatDescription);
     addSurroundings(verb, options.seed, options.contextFile);
 }
 
@@ -190,21 +215,60 @@ void addCheck(CLI::App& app, CheckOptions& options) {
     verb.footer(checkFooter());
 }
 
-void addRun(CLI::App& app, RunOptions& options) {
+void addRun(CLI::App& app, RunOptions& options, FleetOptions& fleet) {
     CLI::App& verb = *app.add_subcommand("run", "Offers recorded events to the machines of a rule document.");
-    addRuleOptions(verb, options);
-    verb.add_option("EVENTS", options.events, "The event records (default: -, which is standard input)");
+    addRuleOptions<3>(verb, options,
+                      {{{"text", ReportFormat::Text}, {"jsonl", ReportFormat::Jsonl}, {"json", ReportFormat::Json}}},
+                      "text for people, jsonl for programs, json for a summary alone");
+    verb.add_option("EVENTS", fleet.devices,
+                    "The event records, a file for each device (default: -, which is standard input)");
     verb.add_flag("--explain", options.explain, "Tells what every machine decides on every event, and why");
     verb.add_option("--why-not", options.whyNot,
                     "Tells at the end what kept the transition at that path of the document from firing")
         ->type_name("PATH");
-    verb.footer(kRunFooter);
+    fleet.threads = std::max(std::thread::hardware_concurrency(), 1u);
+    verb.add_option("-j,--jobs", fleet.threads, "How many devices run at once (default: as many as there are cores)")
+        ->check(CLI::Range(1u, kMostThreads).description(""))
+        ->type_name("N");
+    verb.add_flag("--summary-only", fleet.summaryOnly, "Tells only what all devices did together, also of one device");
+    verb.footer(fmt::format(kRunFooter, FleetSummary::Storm::LEAST_TRIGGERS, FleetSummary::Storm::MOST_EVENTS));
+}
+
+// One device without a summary is no fleet.
+Command runCommand(RunOptions options, FleetOptions fleet) {
+    const bool wantsSummary = fleet.summaryOnly || options.format == ReportFormat::Json;
+    if (fleet.devices.size() <= 1 && !wantsSummary) {
+        options.events = fleet.devices.empty() ? "-" : fleet.devices.front();
+        return options;
+    }
+    if (options.explain || !options.whyNot.empty()) {
+        return Answer{kExitUnusable, "--explain and --why-not tell of one device: give one file, and no summary",
+                      kRunHint};
+    }
+    if (std::ranges::count(fleet.devices, "-") > 1) {
+        return Answer{kExitUnusable, "standard input can be one device only", kRunHint};
+    }
+    if (fleet.devices.empty()) {
+        fleet.devices = {"-"};
+    }
+    static_cast<RuleOptions&>(fleet) = options;
+    return fleet;
+}
+
+void addSummary(CLI::App& app, SummaryOptions& options) {
+    CLI::App& verb = *app.add_subcommand("summary", "Merges the summaries of runs over parts of a fleet.");
+    verb.add_option("FILE", options.files, "Files of summaries (default: -, which is standard input)");
+    addChoice<ReportFormat, 2>(verb, "--format", options.format,
+                               {{{"text", ReportFormat::Text}, {"json", ReportFormat::Json}}},
+                               "text for people, json for programs and to be merged again");
+    verb.footer(kSummaryFooter);
 }
 
 void addWatch(CLI::App& app, WatchOptions& options) {
     CLI::App& verb =
         *app.add_subcommand("watch", "Offers live events of this machine to the machines of a rule document.");
-    addRuleOptions(verb, options);
+    addRuleOptions<2>(verb, options, {{{"text", ReportFormat::Text}, {"jsonl", ReportFormat::Jsonl}}},
+                      "text for people, jsonl for programs");
     addDuration(verb, "--interval", options.interval, std::chrono::milliseconds(1),
                 "The time from one sample to the next (default: 1s)");
     addDuration(verb, "--duration", options.duration, std::chrono::milliseconds(0),
@@ -259,6 +323,8 @@ void addGraph(CLI::App& app, GraphOptions& options) {
 struct VerbOptions {
     CheckOptions check;
     RunOptions run;
+    FleetOptions fleet;
+    SummaryOptions summary;
     WatchOptions watch;
     CatalogueOptions catalogue;
     TestOptions test;
@@ -271,7 +337,8 @@ void addAll(CLI::App& app, VerbOptions& options) {
     app.require_subcommand(1);
     app.footer(kGeneralFooter);
     addCheck(app, options.check);
-    addRun(app, options.run);
+    addRun(app, options.run, options.fleet);
+    addSummary(app, options.summary);
     addWatch(app, options.watch);
     addCatalogue(app, options.catalogue);
     addTest(app, options.test);
@@ -330,7 +397,10 @@ Command parseCommandLine(int count, const char* const* arguments) {
         return options.check;
     }
     if (app.got_subcommand("run")) {
-        return options.run;
+        return runCommand(std::move(options.run), std::move(options.fleet));
+    }
+    if (app.got_subcommand("summary")) {
+        return options.summary;
     }
     if (app.got_subcommand("catalogue")) {
         return options.catalogue;

@@ -8,8 +8,10 @@
 
 #include "tools/vig/CatalogueCommand.h"
 #include "tools/vig/CheckCommand.h"
+#include "tools/vig/FleetCommand.h"
 #include "tools/vig/GraphCommand.h"
 #include "tools/vig/RunCommand.h"
+#include "tools/vig/SummaryCommand.h"
 #include "tools/vig/TestCommand.h"
 #include "tools/vig/WatchCommand.h"
 
@@ -22,8 +24,8 @@ struct Answer {
     std::string hint;  // what to do then
 };
 
-using Command =
-    std::variant<RunOptions, WatchOptions, CheckOptions, CatalogueOptions, TestOptions, GraphOptions, Answer>;
+using Command = std::variant<RunOptions, FleetOptions, SummaryOptions, WatchOptions, CheckOptions, CatalogueOptions,
+                             TestOptions, GraphOptions, Answer>;
 
 // What the arguments ask for. The first one is the program's name.
 Command parseCommandLine(int count, const char* const* arguments);

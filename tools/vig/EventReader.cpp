@@ -3,8 +3,6 @@
 #include <string_view>
 #include <utility>
 
-#include "tools/vig/Text.h"
-
 namespace tool {
 
 namespace {
@@ -32,7 +30,7 @@ EventReader::Status EventReader::next(EventRecord& record) {
             case LineReader::Status::Interrupted:
                 return Status::Interrupted;
             case LineReader::Status::Failed:
-                message = "vig: error: " + name + ": " + systemError(lines.failure());
+                message = "vig: error: " + name + ": " + lines.problem();
                 return Status::Failed;
         }
         if (++lineNumber == 1 && line.starts_with(kByteOrderMark)) {

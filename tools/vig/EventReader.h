@@ -12,7 +12,7 @@
 namespace tool {
 
 // Reads event records, one JSON object a line, from a descriptor, in memory that does not grow with their number.
-// Empty lines are skipped.
+// The lines may be compressed by gzip or zstd. Empty lines are skipped.
 class EventReader {
   public:
     enum class Status { Record, End, Interrupted, Failed };

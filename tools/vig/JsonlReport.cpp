@@ -41,49 +41,51 @@ std::string samplingOf(const Summary::Sampling& sampling) {
 
 }  // namespace
 
+JsonlReport::JsonlReport(Output& target, const std::string& device)
+    : output(target), lastKey(device.empty() ? "" : R"(,"device":)" + quoted(device)) {}
+
+void JsonlReport::writeLine(std::string object) {
+    object.insert(object.size() - 1, lastKey);
+    output.write(object += "\n");
+}
+
 void JsonlReport::trigger(const TriggerLine& line) {
-    output.write(
+    writeLine(
         fmt::format(R"({{"type":"trigger","event":{},"machine":{},"config_id":{},"trigger_name":{},"process_name":{},)"
-                    R"("metadata":{}}})"
-                    "\n",
+                    R"("metadata":{}}})",
                     line.event, line.machine.index, line.machine.configId, quoted(line.name),
                     line.processName ? quoted(*line.processName) : "null", list(line.metadata)));
 }
 
 void JsonlReport::log(const LogLine& line) {
-    output.write(fmt::format(R"({{"type":"log","event":{},"priority":"{}","tag":{},"message":{}}})"
-                             "\n",
-                             line.event, priorityName(line.priority), quoted(line.tag), quoted(line.message)));
+    writeLine(fmt::format(R"({{"type":"log","event":{},"priority":"{}","tag":{},"message":{}}})", line.event,
+                          priorityName(line.priority), quoted(line.tag), quoted(line.message)));
 }
 
 void JsonlReport::move(const MoveLine& line) {
-    output.write(fmt::format(R"({{"type":"move","event":{},"machine":{},"config_id":{},"from":{},"to":{}}})"
-                             "\n",
-                             line.event, line.machine.index, line.machine.configId, quoted(line.from),
-                             quoted(line.to)));
+    writeLine(fmt::format(R"({{"type":"move","event":{},"machine":{},"config_id":{},"from":{},"to":{}}})", line.event,
+                          line.machine.index, line.machine.configId, quoted(line.from), quoted(line.to)));
 }
 
 void JsonlReport::delivery(const DeliveryLine& line) {
     const std::string outcome = line.refusal.empty() ? fmt::format(R"("configurations":{})", line.configurations)
                                                      : fmt::format(R"("error":{})", quoted(line.refusal));
-    output.write(fmt::format(R"({{"type":"delivery","event":{},"rules":{},{}}})"
-                             "\n",
-                             line.event, quoted(line.document), outcome));
+    writeLine(
+        fmt::format(R"({{"type":"delivery","event":{},"rules":{},{}}})", line.event, quoted(line.document), outcome));
 }
 
 void JsonlReport::explain(const Step& step) {
-    output.write(explainJson(step) + "\n");
+    writeLine(explainJson(step));
 }
 
 void JsonlReport::whyNot(const WhyNot& answer) {
-    output.write(whyNotJson(answer) + "\n");
+    writeLine(whyNotJson(answer));
 }
 
 void JsonlReport::end(const Summary& summary) {
-    output.write(fmt::format(R"({{"type":"end","events":{},"triggers":{},"machines":{}{}}})"
-                             "\n",
-                             summary.events, summary.triggers, machinesOf(summary),
-                             summary.sampling ? samplingOf(*summary.sampling) : ""));
+    writeLine(fmt::format(R"({{"type":"end","events":{},"triggers":{},"machines":{}{}}})", summary.events,
+                          summary.triggers, machinesOf(summary),
+                          summary.sampling ? samplingOf(*summary.sampling) : ""));
 }
 
 }  // namespace tool

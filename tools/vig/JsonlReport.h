@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string>
+
 #include "tools/vig/Output.h"
 #include "tools/vig/Report.h"
 
@@ -8,7 +10,8 @@ namespace tool {
 // One JSON object a line, for programs. The shapes and the order of their keys are fixed: what is new comes last.
 class JsonlReport : public Report {
   public:
-    explicit JsonlReport(Output& target) : output(target) {}
+    // `device` is named in every line; empty if there is only one.
+    JsonlReport(Output& target, const std::string& device);
 
     void trigger(const TriggerLine& line) override;
     void log(const LogLine& line) override;
@@ -19,7 +22,10 @@ class JsonlReport : public Report {
     void end(const Summary& summary) override;
 
   private:
+    void writeLine(std::string object);
+
     Output& output;
+    const std::string lastKey;
 };
 
 }  // namespace tool

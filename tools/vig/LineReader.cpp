@@ -2,11 +2,12 @@
 
 #include <poll.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <cerrno>
 #include <cstring>
 #include <utility>
+
+#include "tools/vig/Text.h"
 
 namespace tool {
 
@@ -21,11 +22,12 @@ bool isRegularFile(int descriptor) {
 
 }  // namespace
 
-LineReader::LineReader(int source, const Interruption& interruptedBy, std::function<void()> waiting)
-    : descriptor(source),
+LineReader::LineReader(int input, const Interruption& interruptedBy, std::function<void()> waiting)
+    : descriptor(input),
+      source(input),
       interruption(interruptedBy),
       beforeWaiting(std::move(waiting)),
-      alwaysReady(isRegularFile(source)),
+      alwaysReady(isRegularFile(input)),
       buffer(kInitialSize) {}
 
 LineReader::Status LineReader::next(std::string_view& line) {
@@ -56,7 +58,7 @@ LineReader::Status LineReader::next(std::string_view& line) {
 // Reads some more, or notices the end.
 LineReader::Status LineReader::fill() {
     makeRoom();
-    if (end - begin > LONGEST_LINE) {
+    if (end - begin > (source.isCompressed() ? LONGEST_COMPRESSED_LINE : LONGEST_LINE)) {
         error = EFBIG;
         return Status::Failed;
     }
@@ -64,11 +66,10 @@ LineReader::Status LineReader::fill() {
         if (interruption.requested() || !waitForInput()) {
             return Status::Interrupted;
         }
-        const ssize_t got = read(descriptor, buffer.data() + end, buffer.size() - PADDING - end);
+        const ssize_t got = source.read(buffer.data() + end, buffer.size() - PADDING - end);
         if (got >= 0) {
             finished = got == 0;
             end += static_cast<std::size_t>(got);
-            total += static_cast<std::uint64_t>(got);
             return Status::Line;
         }
         if (errno != EINTR && errno != EAGAIN) {
@@ -92,7 +93,7 @@ void LineReader::makeRoom() {
 
 // False if it was interrupted.
 bool LineReader::waitForInput() {
-    if (alwaysReady) {
+    if (alwaysReady || source.isReady()) {
         return true;
     }
     pollfd sources[] = {{descriptor, POLLIN, 0}, {interruption.descriptor(), POLLIN, 0}};
@@ -101,6 +102,10 @@ bool LineReader::waitForInput() {
         poll(sources, 2, -1);
     }
     return !interruption.requested();
+}
+
+std::string LineReader::problem() const {
+    return source.problem().empty() ? systemError(error) : source.problem();
 }
 
 }  // namespace tool

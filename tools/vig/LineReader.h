@@ -3,15 +3,18 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <string>
 #include <string_view>
 #include <vector>
 
+#include "tools/vig/ByteSource.h"
 #include "tools/vig/Interruption.h"
 
 namespace tool {
 
 // Cuts what a descriptor delivers into lines, in memory that only the longest line can make larger. Lines are handed
-// out as soon as they have arrived, also from a pipe that delivers slowly.
+// out as soon as they have arrived, also from a pipe that delivers slowly. Compressed data is decompressed, see
+// ByteSource.
 class LineReader {
   public:
     enum class Status { Line, End, Interrupted, Failed };
@@ -19,23 +22,24 @@ class LineReader {
     // At least that many bytes after a line may be read; the first of them is a line feed.
     static constexpr std::size_t PADDING = 64;
 
-    // A longer line is an error, EFBIG.
+    // A longer line is an error. Of compressed data much less is accepted, because a small file can hold a huge line.
     static constexpr std::size_t LONGEST_LINE = std::size_t{1} << 28;
+    static constexpr std::size_t LONGEST_COMPRESSED_LINE = std::size_t{1} << 24;
 
     // The descriptor stays the caller's. `waiting` is called whenever nothing has arrived and the reader is about to
     // wait, which an interruption ends.
-    LineReader(int source, const Interruption& interruptedBy, std::function<void()> waiting);
+    LineReader(int input, const Interruption& interruptedBy, std::function<void()> waiting);
     LineReader(const LineReader&) = delete;
     LineReader& operator=(const LineReader&) = delete;
 
     // The next line without its line feed, valid until the next call. A last line may lack the line feed.
     Status next(std::string_view& line);
 
-    // The errno value after Failed.
-    int failure() const { return error; }
+    // What is wrong after Failed.
+    std::string problem() const;
 
     // How much has been read from the descriptor.
-    std::uint64_t bytesRead() const { return total; }
+    std::uint64_t bytesRead() const { return source.bytesRead(); }
 
   private:
     Status fill();
@@ -43,6 +47,7 @@ class LineReader {
     bool waitForInput();
 
     const int descriptor;
+    ByteSource source;
     const Interruption& interruption;
     const std::function<void()> beforeWaiting;
     bool alwaysReady;
@@ -52,7 +57,6 @@ class LineReader {
     std::size_t end = 0;      // of what has been read
     bool finished = false;
     int error = 0;
-    std::uint64_t total = 0;
 };
 
 }  // namespace tool

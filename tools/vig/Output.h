@@ -6,11 +6,15 @@
 
 namespace tool {
 
-// Text on its way to a descriptor, which stays the caller's. It is written in large pieces; after a failure, all
-// further text is dropped.
+// Text on its way to a descriptor, which stays the caller's, or to whoever takes it. It is written in large pieces;
+// after a failure, all further text is dropped.
 class Output {
   public:
+    // Takes a piece of text and returns an errno value, 0 if all of it is where it belongs.
+    using Writer = std::function<int(std::string_view text)>;
+
     explicit Output(int target);
+    explicit Output(Writer target);
     Output(const Output&) = delete;
     Output& operator=(const Output&) = delete;
 
@@ -31,7 +35,7 @@ class Output {
     int failure() const { return error; }
 
   private:
-    const int descriptor;
+    const Writer writer;
     int error = 0;
     std::string pending;
     std::function<void()> hook;

@@ -7,13 +7,14 @@
 #include <condition_variable>
 #include <mutex>
 #include <string>
-#include <thread>
 #include <utility>
 #include <vector>
 
 namespace tool {
 
 namespace {
+
+thread_local PlatformServices::Receiver* receiverOfThread = nullptr;
 
 android::String16 instanceName() {
     return android::String16("vendor.orlan.velora.ITrigger/default");
@@ -26,7 +27,7 @@ class PlatformServices::TriggerService : public vendor::orlan::velora::BnTrigger
     explicit TriggerService(Receiver& receiver) : target(receiver) {}
 
     android::binder::Status trigger(const vendor::orlan::velora::TriggerContext& context) override {
-        target.onTrigger(context);
+        (receiverOfThread != nullptr ? *receiverOfThread : target).onTrigger(context);
         return android::binder::Status::ok();
     }
 
@@ -42,11 +43,9 @@ class PlatformServices::Log {
         std::string message;
     };
 
-    explicit Log(Receiver& receiver) : target(receiver) {}
-
     void write(int priority, std::string_view tag, std::string_view message) {
-        if (std::this_thread::get_id() == driver) {
-            target.onLog(priority, tag, message);
+        if (receiverOfThread != nullptr) {
+            receiverOfThread->onLog(priority, tag, message);
             return;
         }
         const std::lock_guard lock(mutex);
@@ -68,16 +67,21 @@ class PlatformServices::Log {
     }
 
   private:
-    Receiver& target;
-    const std::thread::id driver = std::this_thread::get_id();
     std::mutex mutex;
     std::condition_variable arrived;
     std::vector<Line> waiting;  // guarded by mutex
 };
 
+PlatformServices::OnThread::OnThread(Receiver& receiver) : previous(std::exchange(receiverOfThread, &receiver)) {}
+
+PlatformServices::OnThread::~OnThread() {
+    receiverOfThread = previous;
+}
+
 PlatformServices::PlatformServices(Receiver& receiver)
     : target(receiver),
-      log(std::make_shared<Log>(receiver)),
+      onThread(receiver),
+      log(std::make_shared<Log>()),
       previousSink(host::setLogSink([shared = log](int priority, std::string_view tag, std::string_view message) {
           shared->write(priority, tag, message);
       })) {

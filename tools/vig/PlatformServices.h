@@ -12,7 +12,8 @@ namespace tool {
 
 // Stands in for the parts of the device that the library calls, as long as it lives: the platform log and the trigger
 // service. What happens on the thread that made it, which is the one that drives the machines, is passed on at once.
-// Log lines of other threads wait until that thread asks for them, so that the receiver needs no lock.
+// Log lines of other threads wait until that thread asks for them, so that the receiver needs no lock; but a thread
+// that drives machines of its own has a receiver of its own.
 class PlatformServices {
   public:
     class Receiver {
@@ -24,7 +25,21 @@ class PlatformServices {
         ~Receiver() = default;
     };
 
-    // REQUIRES: `receiver` outlives it, and it outlives all other threads that log. One object at a time.
+    // While it lives, what the thread that made it logs and triggers goes to that receiver, which must outlive it.
+    // To be destroyed on the same thread, the latest one first.
+    class OnThread {
+      public:
+        explicit OnThread(Receiver& receiver);
+        OnThread(const OnThread&) = delete;
+        OnThread& operator=(const OnThread&) = delete;
+        ~OnThread();
+
+      private:
+        Receiver* const previous;
+    };
+
+    // REQUIRES: `receiver` outlives it, and it outlives all other threads that log. One object at a time; to be
+    // destroyed on the thread that made it.
     explicit PlatformServices(Receiver& receiver);
     PlatformServices(const PlatformServices&) = delete;
     PlatformServices& operator=(const PlatformServices&) = delete;
@@ -41,6 +56,7 @@ class PlatformServices {
     class Log;
 
     Receiver& target;
+    const OnThread onThread;
     const std::shared_ptr<Log> log;
     const host::LogSink previousSink;
 };

@@ -63,7 +63,7 @@ class RuleDocument::Manager : public VIGManager {
     std::vector<std::unique_ptr<VIGConfig>> parseResponse(const std::string& response) const override {
         auto result = VIGResponseParser().parseFromString(response, registry());
         lastError = result.error;
-        lastText = tracer != nullptr ? response : std::string();
+        lastText = response;
         return result.value ? std::move(*result.value) : std::vector<std::unique_ptr<VIGConfig>>();
     }
 

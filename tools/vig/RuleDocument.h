@@ -16,7 +16,7 @@ class Tracer;
 struct Delivery {
     Brenta::OS::VIG::VIGParseError error;  // Ok, or why there are no configurations
     std::vector<std::unique_ptr<Brenta::OS::VIG::VIGConfig>> configs;
-    std::string text;  // of the document; only for a tracer
+    std::string text;  // of the document
 };
 
 // A rule document in a file, on the way that it takes on a device: the file is the response property of the device

@@ -13,28 +13,41 @@
 
 namespace tool {
 
-RuleRun::RuleRun(const RuleOptions& ruleOptions, const Console& streams, const Interruption& interruptedBy)
-    : options(ruleOptions), console(streams), interruption(interruptedBy), out(streams.out) {
-    switch (options.format) {
+std::unique_ptr<Report> reportOf(ReportFormat format, Output& output, bool coloured, const std::string& device) {
+    switch (format) {
         case ReportFormat::Text:
-            report = std::make_unique<TextReport>(out, console.wantsColours());
-            break;
+            return std::make_unique<TextReport>(output, coloured);
         case ReportFormat::Jsonl:
-            report = std::make_unique<JsonlReport>(out);
-            break;
+            return std::make_unique<JsonlReport>(output, device);
+        case ReportFormat::Json:
         case ReportFormat::None:
-            report = std::make_unique<NoReport>();
             break;
     }
+    return std::make_unique<NoReport>();
 }
 
+RuleRun::RuleRun(const RuleOptions& ruleOptions, const Console& streams, const Interruption& interruptedBy)
+    : options(ruleOptions),
+      console(streams),
+      interruption(interruptedBy),
+      out(streams.out),
+      report(reportOf(options.format, out, console.wantsColours(), "")) {}
+
 std::optional<int> RuleRun::begin(RuleSession::Changes later) {
+    return begin(&RuleSession::load, later);
+}
+
+std::optional<int> RuleRun::receive(RuleSession::Changes later) {
+    return begin(&RuleSession::receive, later);
+}
+
+std::optional<int> RuleRun::begin(Load load, RuleSession::Changes later) {
     AttributeSet context;
     if (!options.contextFile.empty() && !readContext(context)) {
         return kExitUnusable;
     }
     rules.emplace(options.rules, options.seed, std::move(context), *report, trace);
-    switch (rules->load(later, interruption)) {
+    switch (((*rules).*load)(later, interruption)) {
         case RuleSession::Loading::Done:
             return std::nullopt;
         case RuleSession::Loading::Refused:

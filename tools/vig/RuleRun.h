@@ -14,7 +14,11 @@
 
 namespace tool {
 
-enum class ReportFormat { Text, Jsonl, None };
+// Json is a summary alone, at the end of a run over a fleet.
+enum class ReportFormat { Text, Jsonl, Json, None };
+
+// `device` is named by the lines for programs; empty if there is only one.
+std::unique_ptr<Report> reportOf(ReportFormat format, Output& output, bool coloured, const std::string& device);
 
 // What the verbs that let rules run have in common.
 struct RuleOptions {
@@ -31,13 +35,16 @@ class RuleRun {
     RuleRun(const RuleRun&) = delete;
     RuleRun& operator=(const RuleRun&) = delete;
 
-    // Lets the trace see all that follows. It must outlive the run. REQUIRES: begin() has not been called.
+    // Lets the trace see all that follows. It must outlive the run. REQUIRES: neither of the next two has been called.
     void observe(Trace& listener) { trace = &listener; }
 
     // Loads the rules and starts the machines. If that fails, says why and returns the exit status.
     std::optional<int> begin(RuleSession::Changes later);
 
-    // REQUIRES: begin() has returned nothing.
+    // The same without starting the machines.
+    std::optional<int> receive(RuleSession::Changes later);
+
+    // REQUIRES: begin() or receive() has returned nothing.
     RuleSession& session() { return *rules; }
 
     Output& output() { return out; }
@@ -58,6 +65,9 @@ class RuleRun {
     int abandon(int status);
 
   private:
+    using Load = RuleSession::Loading (RuleSession::*)(RuleSession::Changes, const Interruption&);
+
+    std::optional<int> begin(Load load, RuleSession::Changes later);
     bool readContext(AttributeSet& attributes);
 
     const RuleOptions& options;

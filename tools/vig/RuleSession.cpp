@@ -1,6 +1,5 @@
 #include "tools/vig/RuleSession.h"
 
-#include <host/Utf8.h>
 #include <poll.h>
 
 #include <chrono>
@@ -8,14 +7,10 @@
 #include <utility>
 
 #include "tools/vig/ParseErrorText.h"
-#include "tools/vig/RecordedEvents.h"
 #include "vig/actions/PseudoRandomGenerator.h"
 
 namespace tool {
 
-using Brenta::OS::RulesEngine::Event;
-using Brenta::OS::RulesEngine::EventType;
-using Brenta::OS::RulesEngine::State;
 using Brenta::OS::VIG::PseudoRandomGenerator;
 using Brenta::OS::VIG::VIGParseError;
 
@@ -37,19 +32,29 @@ std::string explain(VIGParseError error) {
 
 RuleSession::RuleSession(std::string rulesPath, std::uint32_t seed, AttributeSet contextAttributes, Report& target,
                          Trace* trace)
-    : path(std::move(rulesPath)), context(std::move(contextAttributes)), report(target), services(*this) {
-    if (trace != nullptr) {
-        tracer.emplace(*trace);
-    }
+    : path(std::move(rulesPath)),
+      context(std::move(contextAttributes)),
+      report(target),
+      tracer(trace != nullptr ? std::make_unique<Tracer>(*trace) : nullptr),
+      group(context, report, tracer.get()),
+      services(group) {
     PseudoRandomGenerator::ofProcess().seed(seed);
 }
 
 RuleSession::Loading RuleSession::load(Changes later, const Interruption& interruption) {
+    const Loading loading = receive(later, interruption);
+    if (loading == Loading::Done) {
+        group.start();
+    }
+    return loading;
+}
+
+RuleSession::Loading RuleSession::receive(Changes later, const Interruption& interruption) {
     reason = RuleDocument::whyUnreadable(path);
     if (!reason.empty()) {
         return Loading::Unreadable;
     }
-    document.emplace(path, tracer ? &*tracer : nullptr);
+    document.emplace(path, tracer.get());
     pollfd sources[] = {{document->descriptor(), POLLIN, 0}, {interruption.descriptor(), POLLIN, 0}};
     while (poll(sources, 2, kLongestWaitMs) < 0 && !interruption.requested()) {
     }
@@ -72,20 +77,19 @@ RuleSession::Loading RuleSession::load(Changes later, const Interruption& interr
     if (isGone) {
         return Loading::Unreadable;
     }
-    start();
     return reason.empty() ? Loading::Done : Loading::Refused;
 }
 
 bool RuleSession::update() {
     auto delivery = document->take();
-    current = 0;
+    group.leaveEvent();
     services.passOnLines();
     if (!delivery) {
         return false;
     }
     adopt(std::move(*delivery));
-    report.delivery({events, path, configs.size(), reason});
-    start();
+    report.delivery({group.eventCount(), path, group.size(), reason});
+    group.start();
     return true;
 }
 
@@ -96,91 +100,9 @@ void RuleSession::adopt(Delivery delivery) {
     if (isGone) {
         reason = RuleDocument::whyUnreadable(path);
     }
-    machines.clear();
-    configs = tracer && reason.empty() ? tracer->watch(path, std::move(delivery.text), delivery.configs)
-                                       : std::move(delivery.configs);
-    for (const auto& config : configs) {
-        auto* const payload = config->getConfigPayload();
-        auto* const machine = payload->getFiniteStateMachine();
-        machine->setContext(std::make_unique<RecordedContext>(context));
-        const MachineName name{machines.size(), config->getConfigId()};
-        machines.push_back({machine, name, payload->getConfigPayloadId(), machine->getCurrentState()});
-    }
-}
-
-void RuleSession::start() {
-    current = 0;
-    for (const Machine& each : machines) {
-        driven = &each;
-        if (tracer) {
-            tracer->begin(current, EventType::EnteringState, std::nullopt, each.name, each.state->getName(), true);
-        }
-        each.machine->start();
-        if (tracer) {
-            tracer->end();
-        }
-    }
-    reportMoves();
-}
-
-void RuleSession::offer(const EventRecord& record) {
-    current = ++events;
-    if (record.type == EventType::Timeout) {
-        drive(RecordedTimeoutEvent(record.attributes, *record.timeoutId), record.timeMs);
-    } else {
-        drive(RecordedEvent(record.attributes, record.type), record.timeMs);
-    }
-}
-
-void RuleSession::drive(const Event& event, std::optional<std::int64_t> timeMs) {
-    for (const Machine& each : machines) {
-        driven = &each;
-        if (tracer) {
-            tracer->begin(current, event.type, timeMs, each.name, each.state->getName(), false);
-        }
-        each.machine->onEvent(event);
-        if (tracer) {
-            tracer->end();
-        }
-    }
-    reportMoves();
-}
-
-// After all that the event has caused: the report lists moves last.
-void RuleSession::reportMoves() {
-    for (Machine& each : machines) {
-        State* const reached = each.machine->getCurrentState();
-        if (reached != each.state) {
-            report.move({current, each.name, each.state->getName(), reached->getName()});
-            each.state = reached;
-        }
-    }
-}
-
-Summary RuleSession::summary() const {
-    Summary result{events, triggers, {}, std::nullopt};
-    for (const Machine& each : machines) {
-        result.machines.push_back({each.name, each.payloadId, each.state->getName()});
-    }
-    return result;
-}
-
-void RuleSession::onLog(int priority, std::string_view tag, std::string_view message) {
-    report.log({current, priority, tag, message});
-}
-
-void RuleSession::onTrigger(const vendor::orlan::velora::TriggerContext& request) {
-    ++triggers;
-    TriggerLine line{current, driven->name, host::toUtf8(request.triggerName), std::nullopt, {}};
-    if (request.processName) {
-        line.processName = host::toUtf8(*request.processName);
-    }
-    if (request.metadata) {
-        for (const auto& entry : *request.metadata) {
-            line.metadata.push_back(entry ? host::toUtf8(*entry) : std::string());
-        }
-    }
-    report.trigger(line);
+    delivered = delivery.text;
+    group.adopt(tracer && reason.empty() ? tracer->watch(path, std::move(delivery.text), delivery.configs)
+                                         : std::move(delivery.configs));
 }
 
 }  // namespace tool

@@ -4,13 +4,11 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <string_view>
-#include <vector>
 
-#include "rulesengine/FiniteStateMachine.h"
 #include "tools/vig/AttributeSet.h"
 #include "tools/vig/EventRecord.h"
 #include "tools/vig/Interruption.h"
+#include "tools/vig/MachineGroup.h"
 #include "tools/vig/PlatformServices.h"
 #include "tools/vig/Report.h"
 #include "tools/vig/RuleDocument.h"
@@ -20,7 +18,7 @@ namespace tool {
 
 // The machines of a rule document at work: started when the document is delivered, offered one event after the other,
 // with everything that they do in the report. Used on one thread; one object at a time.
-class RuleSession final : private PlatformServices::Receiver {
+class RuleSession final {
   public:
     enum class Loading { Done, Refused, Unreadable, Interrupted };
     enum class Changes { Ignore, Follow };
@@ -36,6 +34,14 @@ class RuleSession final : private PlatformServices::Receiver {
     // Waits for the document and starts its machines. `interruption` ends the waiting.
     Loading load(Changes later, const Interruption& interruption);
 
+    // The same without starting the machines, for whoever wants only the document.
+    Loading receive(Changes later, const Interruption& interruption);
+
+    // The text of the latest document.
+    const std::string& documentText() const { return delivered; }
+
+    const AttributeSet& contextAttributes() const { return context; }
+
     // Why the latest document was refused or cannot be read; empty if it was accepted.
     const std::string& problem() const { return reason; }
 
@@ -46,43 +52,26 @@ class RuleSession final : private PlatformServices::Receiver {
     // of the previous ones: none if it is refused. Returns whether there was one.
     bool update();
 
-    void offer(const EventRecord& record);
+    void offer(const EventRecord& record) { group.offer(record); }
 
-    std::uint64_t eventCount() const { return events; }
+    std::uint64_t eventCount() const { return group.eventCount(); }
 
     // Of everything since the beginning; `sampling` is empty.
-    Summary summary() const;
+    Summary summary() const { return group.summary(); }
 
   private:
-    struct Machine {
-        Brenta::OS::RulesEngine::FiniteStateMachine* machine;
-        MachineName name;
-        std::int64_t payloadId;
-        Brenta::OS::RulesEngine::State* state;  // as it has been reported
-    };
-
-    void onLog(int priority, std::string_view tag, std::string_view message) override;
-    void onTrigger(const vendor::orlan::velora::TriggerContext& context) override;
-
     void adopt(Delivery delivery);
-    void start();
-    void drive(const Brenta::OS::RulesEngine::Event& event, std::optional<std::int64_t> timeMs);
-    void reportMoves();
 
     const std::string path;
     const AttributeSet context;
     Report& report;
+    const std::unique_ptr<Tracer> tracer;  // null if nobody wants a trace
+    MachineGroup group;
     PlatformServices services;
-    std::optional<Tracer> tracer;
     std::optional<RuleDocument> document;
-    std::vector<std::unique_ptr<Brenta::OS::VIG::VIGConfig>> configs;
-    std::vector<Machine> machines;
+    std::string delivered;
     std::string reason;
     bool isGone = false;  // the document can no longer be read
-    std::uint64_t events = 0;
-    std::uint64_t triggers = 0;
-    std::uint64_t current = 0;        // the event that is being offered
-    const Machine* driven = nullptr;  // and the machine to which it is offered
 };
 
 }  // namespace tool

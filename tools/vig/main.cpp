@@ -7,10 +7,12 @@
 #include "tools/vig/CheckCommand.h"
 #include "tools/vig/CommandLine.h"
 #include "tools/vig/Console.h"
+#include "tools/vig/FleetCommand.h"
 #include "tools/vig/GraphCommand.h"
 #include "tools/vig/Interruption.h"
 #include "tools/vig/Output.h"
 #include "tools/vig/RunCommand.h"
+#include "tools/vig/SummaryCommand.h"
 #include "tools/vig/TestCommand.h"
 #include "tools/vig/WatchCommand.h"
 
@@ -51,6 +53,12 @@ int main(int count, char** arguments) {
     }
     if (const auto* const options = std::get_if<tool::RunOptions>(&command)) {
         return tool::run(*options, console, interruption);
+    }
+    if (const auto* const options = std::get_if<tool::FleetOptions>(&command)) {
+        return tool::fleet(*options, console, interruption);
+    }
+    if (const auto* const options = std::get_if<tool::SummaryOptions>(&command)) {
+        return tool::summary(*options, console, interruption);
     }
     if (const auto* const options = std::get_if<tool::WatchOptions>(&command)) {
         return tool::watch(*options, console, interruption);

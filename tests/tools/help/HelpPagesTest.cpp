@@ -54,7 +54,7 @@ TEST(BashCompletion, CompletesVerbsOptionsWordsAndFiles) {
         {"vig r", "run"},
         {"vig --v", "--version"},
         {"vig run --f", "--format"},
-        {"vig run --format j", "jsonl"},
+        {"vig run --format t", "text"},
         {"vig graph --format = m", "mermaid"},
         {"vig watch --format = ''", "text\njsonl"},
         {"vig run ru", "rules file.json"},

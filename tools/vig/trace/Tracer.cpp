@@ -1,16 +1,14 @@
 #include "tools/vig/trace/Tracer.h"
 
-#include <map>
 #include <unordered_map>
 #include <utility>
 
 #include "rulesengine/EvaluationContext.h"
 #include "rulesengine/Event.h"
 #include "rulesengine/Filter.h"
-#include "rulesengine/FiniteStateMachine.h"
 #include "rulesengine/FuncFilter.h"
-#include "rulesengine/State.h"
 #include "rulesengine/Transition.h"
+#include "tools/vig/trace/RebuiltMachines.h"
 #include "vig/parsers/NumberText.h"
 
 namespace tool {
@@ -19,13 +17,11 @@ using Brenta::OS::RulesEngine::EvaluationContext;
 using Brenta::OS::RulesEngine::Event;
 using Brenta::OS::RulesEngine::EventType;
 using Brenta::OS::RulesEngine::Filter;
-using Brenta::OS::RulesEngine::FiniteStateMachine;
 using Brenta::OS::RulesEngine::FuncFilter;
 using Brenta::OS::RulesEngine::Transition;
 using Brenta::OS::VIG::FilterOperand;
 using Brenta::OS::VIG::FilterValueType;
 using Brenta::OS::VIG::VIGConfig;
-using Brenta::OS::VIG::VIGConfigPayload;
 using Brenta::OS::VIG::VIGParserConfig;
 
 TracedDocument::TracedDocument(std::string fileName, std::string content)
@@ -211,19 +207,6 @@ std::vector<std::shared_ptr<Filter>> watched(const Transition& original, std::si
     return filters;
 }
 
-std::unique_ptr<FiniteStateMachine> watched(FiniteStateMachine& original, const ConfigModel& model,
-                                            StepRecorder& recorder) {
-    auto machine = std::make_unique<FiniteStateMachine>();
-    std::map<std::string_view, std::size_t> taken;  // of each state's transitions
-    for (std::size_t index = 0; index < model.transitions.size(); ++index) {
-        const TransitionModel& each = model.transitions[index];
-        const Transition& transition = *original.getStateByName(each.from)->getTransitions()[taken[each.from]++];
-        machine->addTransition(each.from, each.to, transition.getEventType(),
-                               watched(transition, index, each, recorder), transition.getActions());
-    }
-    return machine;
-}
-
 template <typename Function>
 std::unordered_map<std::string, Function> watched(std::unordered_map<std::string, Function> functions,
                                                   const std::shared_ptr<StepRecorder>& recorder) {
@@ -254,14 +237,10 @@ VIGParserConfig Tracer::registryFrom(const VIGParserConfig& library) const {
 std::vector<std::unique_ptr<VIGConfig>> Tracer::watch(std::string fileName, std::string text,
                                                       const std::vector<std::unique_ptr<VIGConfig>>& configs) {
     document = std::make_unique<TracedDocument>(std::move(fileName), std::move(text));
-    std::vector<std::unique_ptr<VIGConfig>> result;
-    for (std::size_t i = 0; i < configs.size(); ++i) {
-        const VIGConfigPayload& payload = *configs[i]->getConfigPayload();
-        result.push_back(std::make_unique<VIGConfig>(
-            configs[i]->getConfigId(), std::make_unique<VIGConfigPayload>(payload.getConfigPayloadId(),
-                                                                          watched(*payload.getFiniteStateMachine(),
-                                                                                  document->configs[i], *recorder))));
-    }
+    auto result = rebuilt(
+        configs, document->configs, [this](const Transition& transition, std::size_t config, std::size_t index) {
+            return watched(transition, index, document->configs[config].transitions[index], *recorder);
+        });
     recorder->trace.loaded(*document);
     return result;
 }

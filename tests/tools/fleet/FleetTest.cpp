@@ -1,0 +1,232 @@
+#include <gmock/gmock.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include <cstdint>
+#include <string>
+#include <thread>
+#include <tuple>
+#include <utility>
+#include <vector>
+
+#include "tests/support/Documents.h"
+#include "tests/support/TemporaryFolder.h"
+#include "tests/tools/ToolRun.h"
+#include "tools/vig/FleetCommand.h"
+#include "tools/vig/RunCommand.h"
+#include "tools/vig/SummaryCommand.h"
+#include "tools/vig/fleet/FleetSummary.h"
+
+namespace {
+
+using namespace support;
+using testing::HasSubstr;
+using tool::FleetSummary;
+using tool::ReportFormat;
+
+// A device logs and triggers on a share of its events, and moves on what the context has.
+const std::string kRules = document(
+    {config(7, {transition(
+                    "start", "start", "ProcessMemoryHeartBeat",
+                    "[" + filter("<", "double", operand("function", "PseudoRandomDouble"), operand("constant", "0.3")) +
+                        "]",
+                    R"([{"name":"TriggerVelora"}])"),
+                transition("start", "end", "Test",
+                           "[" + filter("==", "integer", operand("envvar", "limit"), operand("constant", "5")) + "]")}),
+     config(8, {transition("start", "start", "Timeout", "[]", R"([{"name":"TriggerVelora"}])")})});
+
+std::string records(std::size_t count, bool withTest) {
+    std::string text;
+    for (std::size_t i = 0; i < count; ++i) {
+        text += R"({"event":"ProcessMemoryHeartBeat","int64":{"vmRssKB":1,"vmSwapKB":)" + std::to_string(i) +
+                R"(},"string":{"processName":"p"}})"
+                "\n";
+    }
+    return text + (withTest ? "{\"event\":\"Test\"}\n" : "{\"event\":\"Timeout\",\"timeout_id\":1}\n");
+}
+
+class Fleet : public testing::Test {
+  protected:
+    Fleet() {
+        options.rules = folder.write("rules.json", kRules);
+        options.contextFile = folder.write("context.jsonl", R"({"event":"Test","int64":{"limit":5}})");
+        options.format = ReportFormat::Jsonl;
+        // The second one has more to say than may wait for its turn, and so keeps the others waiting.
+        for (std::size_t i = 0; i < 90; ++i) {
+            const std::size_t count = i == 1 ? 8000 : i % 7 * 10;
+            options.devices.push_back(folder.write("d" + std::to_string(i), records(count, i % 2 == 0)));
+        }
+    }
+
+    ToolResult run(unsigned threads) {
+        options.threads = threads;
+        return runVerb(tool::fleet, options);
+    }
+
+    const TemporaryFolder folder;
+    tool::FleetOptions options;
+};
+
+TEST_F(Fleet, OutputIsThatOfTheDevicesAloneInTheirOrderWhateverTheNumberOfThreads) {
+    const ToolResult one = run(1);
+    EXPECT_EQ(one.status, 0);
+    std::vector<std::string> expected;
+    for (const std::string& device : options.devices) {
+        tool::RunOptions alone;
+        static_cast<tool::RuleOptions&>(alone) = options;
+        alone.events = device;
+        for (std::string& line : linesWith(runVerb(tool::run, alone).out, "")) {
+            // The delivery of the document is told once.
+            if (!line.starts_with(R"({"type":"log","event":0)") || expected.empty()) {
+                line.insert(line.size() - 1, expected.empty() ? "" : R"(,"device":")" + device + "\"");
+                expected.push_back(std::move(line));
+            }
+        }
+    }
+    std::vector<std::string> lines = linesWith(one.out, "");
+    EXPECT_THAT(lines.back(), HasSubstr(R"({"type":"fleet","document":")"));
+    lines.pop_back();
+    EXPECT_TRUE(lines == expected);
+    for (const unsigned threads : {2u, 4u}) {
+        for (const ReportFormat format : {ReportFormat::Jsonl, ReportFormat::Json}) {
+            options.format = format;
+            const ToolResult several = run(threads);
+            EXPECT_EQ(several.status, 0);
+            EXPECT_TRUE(several.out == run(1).out) << threads;
+        }
+    }
+}
+
+TEST_F(Fleet, MergedPartsEqualTheWholeByteForByte) {
+    options.format = ReportFormat::Json;
+    const ToolResult whole = run(2);
+    const std::vector<std::string> devices = options.devices;
+    tool::SummaryOptions parts;
+    parts.files.clear();
+    parts.format = ReportFormat::Json;
+    for (std::size_t begin = 0; begin < 90; begin += 30) {
+        options.devices.assign(devices.begin() + static_cast<std::ptrdiff_t>(begin),
+                               devices.begin() + static_cast<std::ptrdiff_t>(begin + 30));
+        parts.files.push_back(folder.write("part" + std::to_string(begin), run(1).out));
+    }
+    const ToolResult merged = runVerb(tool::summary, parts);
+    EXPECT_EQ(merged.err, "");
+    EXPECT_EQ(merged.out, whole.out);
+    parts.files = {"-"};
+    EXPECT_EQ(runVerb(tool::summary, parts, whole.out).out, whole.out);
+}
+
+TEST_F(Fleet, FailingDevicesAreToldInTheirOrderAndTheOthersGoOn) {
+    options.devices = {folder.path("none"), folder.write("a", records(2, true)),
+                       folder.write("b", records(1, true) + "{\"event\":7}\n" + records(1, true)),
+                       folder.write("c", "\x1F\x8B"), folder.write("d", records(0, false))};
+    options.format = ReportFormat::Text;
+    options.summaryOnly = true;
+    for (const unsigned threads : {1u, 3u}) {
+        const ToolResult result = run(threads);
+        EXPECT_EQ(result.status, 2);
+        EXPECT_EQ(result.err, "vig: error: " + options.devices[0] + ": No such file or directory\n" +
+                                  options.devices[2] + ":3: error: event: expected a string, got 7\n" +
+                                  "vig: error: " + options.devices[3] + ": the gzip data is truncated\n");
+        EXPECT_THAT(result.out, HasSubstr("fleet\n  devices   4\n  failed    3\n  events    6\n"));
+        EXPECT_THAT(result.out, HasSubstr("          1 on         1  configs[1] (id 8)\n"));
+        EXPECT_THAT(result.out, HasSubstr("  2 on         2    configs[0].payload.data.transitions[1]  start -> end"));
+    }
+}
+
+TEST_F(Fleet, InterruptionEndsWithTheSummaryOfWhatWasDone) {
+    options.format = ReportFormat::Json;
+    options.devices = {options.devices[0], "-", options.devices[2]};
+    const MemoryFile out;
+    tool::Interruption interruption;
+    int ends[2];
+    ASSERT_EQ(pipe(ends), 0);
+    ASSERT_EQ(write(ends[1], "{\"event\":\"Test\"}\n", 17), 17);
+    {
+        // Once its record is taken, the second device stays silent.
+        const std::jthread user([&] {
+            for (int unread = 1; unread > 0; ioctl(ends[0], FIONREAD, &unread)) {
+                std::this_thread::yield();
+            }
+            interruption.request();
+        });
+        EXPECT_EQ(tool::fleet(options, {ends[0], out.descriptor, STDERR_FILENO}, interruption), 130);
+    }
+    EXPECT_THAT(out.content(), HasSubstr(R"("devices":2,"failed":0,"unfinished":2,)"));
+    close(ends[0]);
+    close(ends[1]);
+}
+
+TEST_F(Fleet, SummaryThatDoesNotFitIsRefusedWithItsPlace) {
+    options.format = ReportFormat::Json;
+    options.devices.resize(1);
+    const std::string good = run(1).out;
+    folder.write("rules.json", document({}));
+    const std::string other = run(1).out;
+    const struct {
+        std::string from;
+        std::string to;
+        std::string message;
+    } cases[] = {
+        {"\"p99\":0", "\"p99\":3", ":1:120: error: triggers.p99: does not fit the rest, of which it follows: 0"},
+        {"\"failed\":0", "\"failed\":-1", ":1:53: error: failed: expected an integer from 0 to 9007199254740992"},
+        {"\"failed\":0", "\"extra\":0", ":1:52: error: unknown key \"extra\""},
+        {"\n", "x\n", "error: "},
+        {"\n", "\n" + other, ":2: error: it summarises a run of another rule document than "},
+        {good, "", "there is no summary to merge"},
+    };
+    for (const auto& each : cases) {
+        std::string text = good;
+        text.replace(text.find(each.from), each.from.size(), each.to);
+        const ToolResult result = runVerb(tool::summary, tool::SummaryOptions(), text);
+        EXPECT_EQ(result.status, 2) << each.to;
+        EXPECT_THAT(result.err, HasSubstr(each.message));
+    }
+}
+
+TEST(FleetSummary, PercentilesAreNumbersThatDevicesHave) {
+    const struct {
+        std::vector<std::pair<std::uint64_t, std::uint64_t>> devicesByTriggers;
+        std::uint64_t median;
+        std::uint64_t p99;
+        std::uint64_t most;
+    } cases[] = {
+        {{}, 0, 0, 0},
+        {{{4, 1}}, 4, 4, 4},
+        {{{1, 1}, {2, 1}}, 1, 2, 2},
+        {{{1, 1}, {2, 1}, {9, 1}}, 2, 9, 9},
+        {{{0, 99}, {5, 1}}, 0, 0, 5},
+        {{{0, 98}, {5, 2}}, 0, 5, 5},
+        {{{0, 198}, {5, 1}, {7, 1}}, 0, 0, 7},
+        {{{0, std::uint64_t{1} << 60}, {1, 1}}, 0, 0, 1},
+    };
+    for (const auto& each : cases) {
+        FleetSummary summary;
+        summary.devicesByTriggers = {each.devicesByTriggers.begin(), each.devicesByTriggers.end()};
+        EXPECT_EQ(summary.percentile(50), each.median);
+        EXPECT_EQ(summary.percentile(99), each.p99);
+        EXPECT_EQ(summary.percentile(100), each.most);
+    }
+}
+
+TEST(FleetSummary, StormIsManyTriggersForFewEventsAndTheWorstComeFirst) {
+    FleetSummary summary;
+    for (const auto& [device, triggers, events] : {std::tuple("few", 9, 9),
+                                                   {"thin", 10, 1000},
+                                                   {"b", 10, 999},
+                                                   {"a", 10, 10},
+                                                   {"c", 30, 40},
+                                                   {"d", 12, 40},
+                                                   {"e", 11, 40},
+                                                   {"f", 5000, 9000}}) {
+        summary.add({device, true, true, static_cast<std::uint64_t>(events), static_cast<std::uint64_t>(triggers)});
+    }
+    EXPECT_EQ(summary.storms, 6u);
+    std::string worst;
+    for (const auto& each : summary.worst) {
+        worst += each.device;
+    }
+    EXPECT_EQ(worst, "fcdea");
+}
+
+}  // namespace

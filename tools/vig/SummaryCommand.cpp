@@ -1,0 +1,97 @@
+#include "tools/vig/SummaryCommand.h"
+
+#include <cerrno>
+#include <optional>
+#include <string_view>
+
+#include "tools/vig/EventInput.h"
+#include "tools/vig/LineReader.h"
+#include "tools/vig/Output.h"
+#include "tools/vig/Text.h"
+#include "tools/vig/fleet/FleetSummaryReader.h"
+#include "tools/vig/fleet/FleetSummaryText.h"
+
+namespace tool {
+
+namespace {
+
+// Merges one summary after the other.
+class Merger {
+  public:
+    Merger(const Console& streams, const Interruption& interruptedBy) : console(streams), interruption(interruptedBy) {}
+
+    // Merges all of the file. If that fails, says why and returns the exit status.
+    std::optional<int> add(const std::string& file) {
+        const Descriptor input = openEvents(file, console);
+        const std::string name = isStandardInput(file) ? "<stdin>" : file;
+        if (!input.isOpen()) {
+            console.complain(name + ": " + systemError(errno));
+            return kExitUnusable;
+        }
+        LineReader lines(input.get(), interruption, [] {});
+        std::string_view line;
+        auto status = lines.next(line);
+        for (std::size_t number = 1; status == LineReader::Status::Line; ++number) {
+            if (!add(name, number, line)) {
+                return kExitUnusable;
+            }
+            status = lines.next(line);
+        }
+        if (status == LineReader::Status::Failed) {
+            console.complain(name + ": " + lines.problem());
+            return kExitUnusable;
+        }
+        return status == LineReader::Status::Interrupted ? std::optional(kExitInterrupted) : std::nullopt;
+    }
+
+    // Empty if there was none.
+    const std::optional<FleetSummary>& result() const { return merged; }
+
+  private:
+    bool add(const std::string& file, std::size_t number, std::string_view line) {
+        std::vector<std::string> errors;
+        const auto summary = readFleetSummary(file, number, line, errors);
+        const std::string place = file + ":" + std::to_string(number);
+        if (!summary) {
+            for (const std::string& error : errors) {
+                console.say(error);
+            }
+            return false;
+        }
+        if (!merged) {
+            merged = summary;
+            first = place;
+        } else if (merged->isOfSameDocument(*summary)) {
+            merged->merge(*summary);
+        } else {
+            console.say(place + ": error: it summarises a run of another rule document than " + first);
+            return false;
+        }
+        return true;
+    }
+
+    const Console& console;
+    const Interruption& interruption;
+    std::optional<FleetSummary> merged;
+    std::string first;  // the place of the first one
+};
+
+}  // namespace
+
+int summary(const SummaryOptions& options, const Console& console, const Interruption& interruption) {
+    Merger merger(console, interruption);
+    for (const std::string& file : options.files) {
+        if (const auto status = merger.add(file)) {
+            return *status;
+        }
+    }
+    if (!merger.result()) {
+        console.complain("there is no summary to merge");
+        return kExitUnusable;
+    }
+    Output output(console.out);
+    output.write(options.format == ReportFormat::Json ? jsonOf(*merger.result(), "") : textOf(*merger.result()));
+    return console.finish(output, kExitDone);
+}
+
+}  // namespace tool

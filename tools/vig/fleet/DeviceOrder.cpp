@@ -1,0 +1,56 @@
+#include "tools/vig/fleet/DeviceOrder.h"
+
+#include <utility>
+
+namespace tool {
+
+namespace {
+constexpr std::size_t kMostText = std::size_t{1} << 18;  // of a device before its turn
+constexpr std::size_t kMostEnded = 64;                   // devices before their turn
+}  // namespace
+
+DeviceOrder::DeviceOrder(Output& target, std::function<void(const DeviceResult&)> ended)
+    : output(target), onEnd(std::move(ended)) {}
+
+int DeviceOrder::write(std::size_t device, std::string_view text) {
+    std::unique_lock lock(mutex);
+    std::string& kept = waiting[device].text;
+    moved.wait(lock, [&] { return turn == device || kept.size() + text.size() <= kMostText; });
+    kept += text;
+    if (turn == device) {
+        passOn();
+    }
+    return output.failure();
+}
+
+void DeviceOrder::end(std::size_t device, DeviceResult result) {
+    std::unique_lock lock(mutex);
+    moved.wait(lock, [&] { return turn == device || endedEarly < kMostEnded; });
+    waiting[device].result = std::move(result);
+    ++endedEarly;
+    if (turn == device) {
+        passOn();
+        moved.notify_all();
+    }
+}
+
+bool DeviceOrder::failed() const {
+    const std::lock_guard lock(mutex);
+    return output.failed();
+}
+
+// What waits of the device whose turn it is, and of those that follow if it has ended.
+void DeviceOrder::passOn() {
+    for (auto next = waiting.find(turn); next != waiting.end(); next = waiting.find(turn)) {
+        output.write(std::exchange(next->second.text, {}));
+        if (!next->second.result) {
+            return;
+        }
+        onEnd(*next->second.result);
+        waiting.erase(next);
+        --endedEarly;
+        ++turn;
+    }
+}
+
+}  // namespace tool

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <condition_variable>
+#include <cstddef>
+#include <functional>
+#include <map>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "tools/vig/Output.h"
+#include "tools/vig/fleet/FleetSummary.h"
+
+namespace tool {
+
+// Puts what devices do at the same time into the order of their numbers, which count from 0. What comes before its turn
+// is kept; who has too much of it waits. The device whose turn it is never waits, so that all come to their end as long
+// as each thread takes the lowest device that is left. Any thread.
+class DeviceOrder {
+  public:
+    // `ended` is called with the result of each device in turn, after all of its text, by one thread at a time.
+    DeviceOrder(Output& target, std::function<void(const DeviceResult&)> ended);
+    DeviceOrder(const DeviceOrder&) = delete;
+    DeviceOrder& operator=(const DeviceOrder&) = delete;
+
+    // Text of a device. Returns an errno value if the output has failed, else 0.
+    int write(std::size_t device, std::string_view text);
+
+    // Nothing more comes from the device.
+    void end(std::size_t device, DeviceResult result);
+
+    // Whether nobody can read what is written.
+    bool failed() const;
+
+  private:
+    struct Waiting {
+        std::string text = {};
+        std::optional<DeviceResult> result = {};
+    };
+
+    void passOn();
+
+    mutable std::mutex mutex;
+    std::condition_variable moved;
+    Output& output;                          // guarded by mutex, like the following
+    std::map<std::size_t, Waiting> waiting;  // of the devices that are at work or have ended
+    std::size_t turn = 0;
+    std::size_t endedEarly = 0;  // how many of them have ended
+    const std::function<void(const DeviceResult&)> onEnd;
+};
+
+}  // namespace tool

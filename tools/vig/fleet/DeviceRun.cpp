@@ -1,0 +1,142 @@
+#include "tools/vig/fleet/DeviceRun.h"
+
+#include <cerrno>
+#include <memory>
+#include <string_view>
+#include <utility>
+
+#include "rulesengine/Filter.h"
+#include "tools/vig/EventInput.h"
+#include "tools/vig/EventReader.h"
+#include "tools/vig/PlatformServices.h"
+#include "tools/vig/RuleDocument.h"
+#include "tools/vig/Text.h"
+#include "tools/vig/trace/RebuiltMachines.h"
+#include "vig/parsers/VIGResponseParser.h"
+
+namespace tool {
+
+using Brenta::OS::RulesEngine::EvaluationContext;
+using Brenta::OS::RulesEngine::Event;
+using Brenta::OS::RulesEngine::Filter;
+using Brenta::OS::RulesEngine::Transition;
+using Brenta::OS::VIG::PseudoRandomGenerator;
+using Brenta::OS::VIG::VIGParserConfig;
+using Brenta::OS::VIG::VIGResponseParser;
+
+namespace {
+
+// The last filter of a transition: when it is asked, nothing keeps the transition from firing any more.
+class FiredCounter final : public Filter {
+  public:
+    explicit FiredCounter(std::uint64_t& counter) : count(counter) {}
+
+    bool operator()(const EvaluationContext& /*context*/, const Event& /*event*/) const override {
+        ++count;
+        return true;
+    }
+
+  private:
+    std::uint64_t& count;
+};
+
+// What the parser logs has been reported when the document was delivered.
+class NoReceiver final : public PlatformServices::Receiver {
+  public:
+    void onLog(int /*priority*/, std::string_view /*tag*/, std::string_view /*message*/) override {}
+    void onTrigger(const vendor::orlan::velora::TriggerContext& /*context*/) override {}
+};
+
+// The same registry with a generator in the place of that of the process. It must outlive what is parsed.
+VIGParserConfig registryWith(PseudoRandomGenerator& generator, const VIGParserConfig& library) {
+    auto doubleFunctions = library.getDoublePureFunctions();
+    doubleFunctions.insert_or_assign("PseudoRandomDouble", [&generator] { return generator.draw(); });
+    // Filters have no use for functions that return bool.
+    return VIGParserConfig(library.getEventTypes(), library.getActionFunctionFactories(),
+                           library.getInt64PureFunctions(), std::move(doubleFunctions),
+                           library.getStringPureFunctions(), {});
+}
+
+MachineGroup::Configs parse(const TracedDocument& document, const VIGParserConfig& registry) {
+    NoReceiver quiet;
+    const PlatformServices::OnThread receiver(quiet);
+    return std::move(*VIGResponseParser().parseFromString(document.text.source().text(), registry).value);
+}
+
+// Not open if that cannot be or could take for ever, with the reason in `problem`.
+Descriptor open(const std::string& device, const Console& console, std::string& problem) {
+    if (!isStandardInput(device)) {
+        problem = RuleDocument::whyUnreadable(device);
+    }
+    if (!problem.empty()) {
+        return Descriptor(-1);
+    }
+    Descriptor file = openEvents(device, console);
+    if (!file.isOpen()) {
+        problem = systemError(errno);
+    }
+    return file;
+}
+
+// Until the records, the output or the patience ends.
+EventReader::Status offerAll(EventReader& reader, MachineGroup& machines, const FleetPlan& plan, const Output& output) {
+    EventRecord record;
+    while (!plan.interruption.requested() && !output.failed()) {
+        const auto status = reader.next(record);
+        if (status != EventReader::Status::Record) {
+            return status;
+        }
+        machines.offer(record);
+    }
+    return EventReader::Status::Interrupted;
+}
+
+}  // namespace
+
+DeviceRunner::DeviceRunner(const FleetPlan& fleetPlan)
+    : plan(fleetPlan), generator(plan.seed), parsed(parse(plan.document, registryWith(generator, plan.registry))) {}
+
+MachineGroup::Configs DeviceRunner::newMachines(FiredCounts& fired) const {
+    for (const ConfigModel& each : plan.document.configs) {
+        fired.emplace_back(each.transitions.size());
+    }
+    return rebuilt(parsed, plan.document.configs,
+                   [&fired](const Transition& transition, std::size_t config, std::size_t index) {
+                       auto filters = transition.getFilters();
+                       filters.push_back(std::make_shared<FiredCounter>(fired[config][index]));
+                       return filters;
+                   });
+}
+
+DeviceResult DeviceRunner::run(const std::string& device, Output& output) {
+    DeviceResult result{device};
+    if (plan.interruption.requested()) {
+        return result;
+    }
+    const std::string name = isStandardInput(device) ? "<stdin>" : device;
+    const Descriptor file = open(device, plan.console, result.problem);
+    if (!file.isOpen()) {
+        result.problem = "vig: error: " + (isStandardInput(device) ? "standard input" : device) + ": " + result.problem;
+        return result;
+    }
+    result.begun = true;
+    const auto report = reportOf(plan.format, output, plan.coloured, name);
+    generator.seed(plan.seed);
+    MachineGroup machines(plan.context, *report, nullptr);
+    machines.adopt(newMachines(result.fired));
+    const PlatformServices::OnThread receiver(machines);
+    machines.start();
+    EventReader reader(file.get(), name, plan.interruption, [] {});
+    const auto status = offerAll(reader, machines, plan, output);
+    if (status == EventReader::Status::Failed) {
+        result.problem = reader.error();
+    } else {
+        report->end(machines.summary());
+    }
+    result.ended = status == EventReader::Status::End;
+    result.events = machines.eventCount();
+    result.triggers = machines.triggerCount();
+    return result;
+}
+
+}  // namespace tool

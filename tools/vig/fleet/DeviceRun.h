@@ -1,0 +1,52 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "tools/vig/AttributeSet.h"
+#include "tools/vig/Console.h"
+#include "tools/vig/Interruption.h"
+#include "tools/vig/MachineGroup.h"
+#include "tools/vig/Output.h"
+#include "tools/vig/RuleRun.h"
+#include "tools/vig/fleet/FleetSummary.h"
+#include "tools/vig/trace/Trace.h"
+#include "vig/actions/PseudoRandomGenerator.h"
+#include "vig/parsers/VIGParserConfig.h"
+
+namespace tool {
+
+// What all devices of a fleet have in common. Used by several threads at once, none of which changes it.
+struct FleetPlan {
+    const TracedDocument& document;
+    const Brenta::OS::VIG::VIGParserConfig registry;  // the library's own
+    const AttributeSet& context;
+    const std::uint32_t seed;
+    const ReportFormat format;
+    const bool coloured;
+    const Console& console;
+    const Interruption& interruption;
+};
+
+// Runs devices one after the other, on the thread that made it. The document is parsed once; each device has machines
+// of its own, which share only the filters and actions, as these keep nothing. REQUIRES: PlatformServices exist.
+class DeviceRunner {
+  public:
+    explicit DeviceRunner(const FleetPlan& fleetPlan);
+    DeviceRunner(const DeviceRunner&) = delete;
+    DeviceRunner& operator=(const DeviceRunner&) = delete;
+
+    // Offers the records of the device to its machines, which see the same as those of `vig run` with that file alone.
+    // What they do is written to `output`. Takes the place of the receiver of the thread meanwhile.
+    DeviceResult run(const std::string& device, Output& output);
+
+  private:
+    // Machines in their start state, which count in `fired` how often each transition fires.
+    MachineGroup::Configs newMachines(FiredCounts& fired) const;
+
+    const FleetPlan& plan;
+    Brenta::OS::VIG::PseudoRandomGenerator generator;
+    const MachineGroup::Configs parsed;
+};
+
+}  // namespace tool

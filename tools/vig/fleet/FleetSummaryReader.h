@@ -1,0 +1,19 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "tools/vig/fleet/FleetSummary.h"
+
+namespace tool {
+
+// Reads a summary that `vig run --format json` has written, which is the line of that number of the file. Nothing is
+// ignored: what is not part of a summary, or does not fit the rest of it, is an error. Empty if there is one; `errors`
+// then says what is wrong and where.
+std::optional<FleetSummary> readFleetSummary(const std::string& file, std::size_t lineNumber, std::string_view line,
+                                             std::vector<std::string>& errors);
+
+}  // namespace tool

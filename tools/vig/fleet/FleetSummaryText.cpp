@@ -1,0 +1,92 @@
+#include "tools/vig/fleet/FleetSummaryText.h"
+
+#include <fmt/format.h>
+
+#include "tools/vig/Text.h"
+
+namespace tool {
+
+namespace {
+
+// The elements as JSON, with commas between them.
+std::string listOf(const auto& elements, const auto& write) {
+    std::string text;
+    for (const auto& each : elements) {
+        text += (text.empty() ? "" : ",") + write(each);
+    }
+    return "[" + text + "]";
+}
+
+std::string jsonOf(const FleetSummary::Count& count) {
+    return fmt::format(R"("devices":{},"fired":{})", count.devices, count.fired);
+}
+
+std::string jsonOf(const FleetSummary::Transition& transition) {
+    return fmt::format(R"({{"path":{},"from":{},"to":{},"event":{},{}}})", quoted(transition.path),
+                       quoted(transition.from), quoted(transition.to), quoted(transition.event),
+                       jsonOf(transition.count));
+}
+
+std::string jsonOf(const FleetSummary::Config& config) {
+    return fmt::format(R"({{"path":{},"id":{},{},"transitions":{}}})", quoted(config.path), config.id,
+                       jsonOf(config.count), listOf(config.transitions, [](const auto& each) { return jsonOf(each); }));
+}
+
+std::string jsonOf(const FleetSummary::Storm& storm) {
+    return fmt::format(R"({{"device":{},"triggers":{},"events":{}}})", quoted(storm.device), storm.triggers,
+                       storm.events);
+}
+
+std::string triggersOf(const FleetSummary& summary) {
+    const std::string byCount = listOf(summary.devicesByTriggers, [](const auto& each) {
+        return fmt::format(R"({{"triggers":{},"devices":{}}})", each.first, each.second);
+    });
+    return fmt::format(R"({{"total":{},"median":{},"p99":{},"most":{},"by_count":{}}})", summary.triggers(),
+                       summary.percentile(50), summary.percentile(99), summary.percentile(100), byCount);
+}
+
+std::string countRow(const FleetSummary::Count& count, const std::string& what) {
+    return fmt::format("  {:>9} on {:>9}  {}\n", count.fired, count.devices, what);
+}
+
+}  // namespace
+
+std::string textOf(const FleetSummary& summary) {
+    std::string text = "fleet\n";
+    const auto add = [&text](const char* name, const auto& value) { text += fmt::format("  {:<9} {}\n", name, value); };
+    add("devices", summary.devices());
+    if (summary.failed > 0) {
+        add("failed", summary.failed);
+    }
+    if (summary.unfinished > 0) {
+        add("unfinished", summary.unfinished);
+    }
+    add("events", summary.events);
+    add("triggers", fmt::format("{} (a device: median {}, 99th percentile {}, most {})", summary.triggers(),
+                                summary.percentile(50), summary.percentile(99), summary.percentile(100)));
+    add("storms", summary.storms);
+    for (const FleetSummary::Storm& each : summary.worst) {
+        text += fmt::format("  {:>9} triggers in {} events: {}\n", each.triggers, each.events, printable(each.device));
+    }
+    text += fmt::format("  {:>9}    {:>9}\n", "fired", "devices");
+    for (const FleetSummary::Config& config : summary.configs) {
+        text += countRow(config.count, fmt::format("{} (id {})", config.path, config.id));
+        for (const FleetSummary::Transition& each : config.transitions) {
+            text += countRow(each.count, fmt::format("  {}  {} -> {} on {}", each.path, printable(each.from),
+                                                     printable(each.to), each.event));
+        }
+    }
+    return text;
+}
+
+std::string jsonOf(const FleetSummary& summary, const std::string& first) {
+    return fmt::format(R"({{{}"document":{},"devices":{},"failed":{},"unfinished":{},"events":{},"triggers":{},)"
+                       R"("storms":{{"devices":{},"worst":{}}},"configs":{}}})"
+                       "\n",
+                       first, quoted(summary.documentHash), summary.devices(), summary.failed, summary.unfinished,
+                       summary.events, triggersOf(summary), summary.storms,
+                       listOf(summary.worst, [](const auto& each) { return jsonOf(each); }),
+                       listOf(summary.configs, [](const auto& each) { return jsonOf(each); }));
+}
+
+}  // namespace tool
