@@ -9,7 +9,6 @@
 
 namespace tool {
 
-using Brenta::OS::RulesEngine::EventType;
 using Brenta::OS::VIG::FilterOperator;
 
 namespace {
