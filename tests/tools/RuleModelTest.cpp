@@ -34,7 +34,6 @@ TEST(RuleModel, KnowsThePlaceOfEachPiece) {
         ASSERT_FALSE(document.report());
         const tool::ConfigModel config = modelOf(document, 0);
         EXPECT_EQ(config.id, 7);
-        EXPECT_EQ(config.payloadId, 1);
         const tool::FilterModel& filter = config.transitions[1].filters[1];
         EXPECT_EQ(filter.place.path, "configs[0].payload.data.transitions[1].filters[1]");
         EXPECT_EQ(textAt(document, filter.operand2.place), R"("0.1")");

@@ -25,12 +25,8 @@ class Modeller {
     explicit Modeller(const DocumentText& text) : document(text) {}
 
     ConfigModel config(const Json::Value& json, const std::string& path) const {
-        const Json::Value& payload = json["payload"];
-        ConfigModel model{document.placeOf(json, path),
-                          Brenta::OS::VIG::toInt64(json["id"]).value_or(0),
-                          Brenta::OS::VIG::toInt64(payload["id"]).value_or(0),
-                          {}};
-        forEach(payload["data"]["transitions"], path + ".payload.data.transitions",
+        ConfigModel model{document.placeOf(json, path), Brenta::OS::VIG::toInt64(json["id"]).value_or(0), {}};
+        forEach(json["payload"]["data"]["transitions"], path + ".payload.data.transitions",
                 [&](const Json::Value& each, const std::string& place) {
                     model.transitions.push_back(transition(each, place));
                 });
@@ -86,7 +82,7 @@ class Modeller {
             }
             key += "(" + types + ")";
         }
-        return {document.placeOf(json, path), std::move(name), std::move(key), &json};
+        return {document.placeOf(json, path), std::move(name), std::move(key)};
     }
 
     const DocumentText& document;

@@ -35,7 +35,6 @@ struct ActionModel {
     Place place;
     std::string name;
     std::string key;  // under which the registry is asked for it: "Test", "Test()", "Notify(integer,string)"
-    const Json::Value* json;
 };
 
 struct TransitionModel {
@@ -51,7 +50,6 @@ struct TransitionModel {
 struct ConfigModel {
     Place place;
     std::int64_t id;
-    std::int64_t payloadId;
     std::vector<TransitionModel> transitions;  // in document order
 };
 
