@@ -45,23 +45,24 @@ void FiniteStateMachine::addTransition(std::string_view from, std::string_view t
 }
 
 void FiniteStateMachine::start() {
+    offer(Event::ENTERING_STATE, MAX_ENTERING_STATE_MOVES);
+}
+
+void FiniteStateMachine::onEvent(const Event& event) {
+    offer(event, 1 + MAX_ENTERING_STATE_MOVES);
+}
+
+void FiniteStateMachine::offer(const Event& event, int maxMoves) {
+    const Event* offered = &event;
     // The bound keeps a cycle of EnteringState transitions from hanging the thread that delivers events.
-    for (int moves = 0; moves < MAX_ENTERING_STATE_MOVES; ++moves) {
-        State* const next = currentState->onEvent(Event::ENTERING_STATE);
+    for (int moves = 0; moves < maxMoves; ++moves) {
+        State* const next = currentState->onEvent(*offered);
         if (next == nullptr) {
             return;
         }
         currentState = next;
+        offered = &Event::ENTERING_STATE;
     }
-}
-
-void FiniteStateMachine::onEvent(const Event& event) {
-    State* const next = currentState->onEvent(event);
-    if (next == nullptr) {
-        return;
-    }
-    currentState = next;
-    start();
 }
 
 void FiniteStateMachine::enterState(State* state) {

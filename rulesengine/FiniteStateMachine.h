@@ -87,6 +87,9 @@ class VIG_EXPORT FiniteStateMachine {
     void setContext(std::unique_ptr<EvaluationContext> newContext);
 
   private:
+    // Offers the event to the current state and, after each move, the event of entering to the state reached.
+    void offer(const Event& event, int maxMoves);
+
     State* currentState;
     std::map<std::string, std::unique_ptr<State>, std::less<>> states;
     std::unique_ptr<EvaluationContext> context;
@@ -94,8 +97,9 @@ class VIG_EXPORT FiniteStateMachine {
 
 // Here, where the machine is known, so that a machine asks its transitions without a call for each state.
 inline State* State::onEvent(const Event& event) {
+    FiniteStateMachine& owner = machine;
     for (const auto& transition : transitions) {
-        if (State* const next = transition->onEvent(*machine.getContext(), event)) {
+        if (State* const next = transition->onEvent(*owner.getContext(), event)) {
             return next;
         }
     }

@@ -21,19 +21,8 @@ EventType Transition::getEventType() const {
     return eventType;
 }
 
-State* Transition::fire(EvaluationContext& context, const Event& event) const {
-    for (const auto& filter : filters) {
-        if (!(*filter)(context, event)) {
-            return nullptr;
-        }
-    }
-    for (const auto& action : actions) {
-        (*action)(context, event);
-    }
-    if (eventType == EventType::Timeout) {
-        context.timeoutIds.erase(static_cast<const TimeoutEvent&>(event).timeoutId);
-    }
-    return to;
+void Transition::forgetTimeout(EvaluationContext& context, const Event& event) {
+    context.timeoutIds.erase(static_cast<const TimeoutEvent&>(event).timeoutId);
 }
 
 }  // namespace Brenta::OS::RulesEngine

@@ -36,14 +36,27 @@ class VIG_EXPORT Transition {
     // false. If all are true, runs every action in order and returns the target state; otherwise returns
     // null and nothing has happened. A Timeout transition that fires takes the event's `timeoutId` out of
     // the context after its actions.
+    // Here, so that a machine tries its transitions without a call for each of them.
     State* onEvent(EvaluationContext& context, const Event& event) const {
-        // Most transitions that are tried listen for another type, which takes no call of ours to find out.
-        return event.matches(eventType, context) ? fire(context, event) : nullptr;
+        if (!event.matches(eventType, context)) {
+            return nullptr;
+        }
+        for (const auto& filter : filters) {
+            if (!(*filter)(context, event)) {
+                return nullptr;
+            }
+        }
+        for (const auto& action : actions) {
+            (*action)(context, event);
+        }
+        if (eventType == EventType::Timeout) {
+            forgetTimeout(context, event);
+        }
+        return to;
     }
 
   private:
-    // What is left of onEvent() once the event matches.
-    State* fire(EvaluationContext& context, const Event& event) const;
+    static void forgetTimeout(EvaluationContext& context, const Event& event);
 
     [[maybe_unused]] State* const from;  // read by assertions only
     State* const to;
