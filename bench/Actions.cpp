@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <random>
 #include <string>
@@ -106,29 +107,48 @@ void addActions(std::vector<Scenario>& scenarios) {
                          }});
 }
 
-void addRandom(std::vector<Scenario>& scenarios) {
-    const auto draw = [](std::size_t times) {
-        const auto function = Brenta::OS::VIG::PseudoRandomDoublePureFunctionImpl::get();
-        return timed(times, [&] { benchmark::DoNotOptimize(function()); });
+namespace {
+
+double drawOurs(std::size_t times) {
+    const auto function = Brenta::OS::VIG::PseudoRandomDoublePureFunctionImpl::get();
+    return timed(times, [&] { benchmark::DoNotOptimize(function()); });
+}
+
+double drawTheirs(std::size_t times) {
+    static std::mt19937 engine(5489);
+    std::uniform_real_distribution<double> distribution;
+    return timed(times, [&] { benchmark::DoNotOptimize(distribution(engine)); });
+}
+
+// What any generator that two threads share costs at least.
+double drawTheirsLocked(std::size_t times) {
+    static std::mutex mutex;
+    static std::mt19937 engine(5489);
+    std::uniform_real_distribution<double> distribution;
+    return timed(times, [&] {
+        const std::lock_guard lock(mutex);
+        benchmark::DoNotOptimize(distribution(engine));
+    });
+}
+
+// The time that one of two threads takes.
+Scenario::Loop inTwoThreads(double (*loop)(std::size_t)) {
+    return [loop](std::size_t times) {
+        double other = 0;
+        std::thread thread([&] { other = loop(times); });
+        const double own = loop(times);
+        thread.join();
+        return (own + other) / 2;
     };
-    scenarios.push_back({"random/vig", 1024, [draw] { return draw; }});
-    scenarios.push_back({"random/vig, two threads", 1 << 16, [draw]() -> Scenario::Loop {
-                             // The time that a draw takes from one of the threads.
-                             return [draw](std::size_t times) {
-                                 double other = 0;
-                                 std::thread thread([&] { other = draw(times); });
-                                 const double own = draw(times);
-                                 thread.join();
-                                 return (own + other) / 2;
-                             };
-                         }});
-    scenarios.push_back({"random/std", 1024, []() -> Scenario::Loop {
-                             return [](std::size_t times) {
-                                 static std::mt19937 engine(5489);
-                                 std::uniform_real_distribution<double> distribution;
-                                 return timed(times, [&] { benchmark::DoNotOptimize(distribution(engine)); });
-                             };
-                         }});
+}
+
+}  // namespace
+
+void addRandom(std::vector<Scenario>& scenarios) {
+    scenarios.push_back({"random/vig", 1024, [] { return Scenario::Loop(drawOurs); }});
+    scenarios.push_back({"random/std", 1024, [] { return Scenario::Loop(drawTheirs); }});
+    scenarios.push_back({"random/vig, two threads", 1 << 16, [] { return inTwoThreads(drawOurs); }});
+    scenarios.push_back({"random/std, two threads", 1 << 16, [] { return inTwoThreads(drawTheirsLocked); }});
 }
 
 }  // namespace bench

@@ -150,8 +150,10 @@ std::vector<Comparison> comparisons() {
                       "document/100/vig", 1.15 * 200});
     result.push_back({"metadata of 20 attributes", "bare conversions", "metadata/vig", "metadata/bare", 1.3});
     result.push_back({"\"PseudoRandomDouble\"", "`std::mt19937`", "random/vig", "random/std", 2.0});
-    result.push_back(
-        {"\"PseudoRandomDouble\", two threads", "`std::mt19937`", "random/vig, two threads", "random/std", 0});
+    result.push_back({"\"PseudoRandomDouble\", two threads", "`std::mt19937`, one thread", "random/vig, two threads",
+                      "random/std", 0});
+    result.push_back({"\"PseudoRandomDouble\", two threads", "`std::mt19937` behind a mutex, two threads",
+                      "random/vig, two threads", "random/std, two threads", 0});
     result.push_back({"`vig run`, 1,000,000 records", "simdjson", "run/1000000/vig", "run/1000000/simdjson", 3.0});
     result.push_back({"`vig run`, 100,000 records", "`jq`", "run/100000/vig", "run/100000/jq", 1.0 / 30});
     result.push_back({"start of a program with the library", "without", "start/with", "start/without", 0});
