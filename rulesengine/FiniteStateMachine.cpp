@@ -56,7 +56,7 @@ void FiniteStateMachine::offer(const Event& event, int maxMoves) {
     const Event* offered = &event;
     // The bound keeps a cycle of EnteringState transitions from hanging the thread that delivers events.
     for (int moves = 0; moves < maxMoves; ++moves) {
-        State* const next = currentState->onEvent(*offered);
+        State* const next = offerTo(*currentState, *offered);
         if (next == nullptr) {
             return;
         }
@@ -81,6 +81,10 @@ std::unordered_set<EventType> FiniteStateMachine::getAllListeningEventTypes() {
         state->getListeningEventTypes(eventTypes);
     }
     return eventTypes;
+}
+
+EvaluationContext* FiniteStateMachine::getContext() {
+    return context.get();
 }
 
 void FiniteStateMachine::setContext(std::unique_ptr<EvaluationContext> newContext) {

@@ -80,13 +80,25 @@ class VIG_EXPORT FiniteStateMachine {
     std::unordered_set<EventType> getAllListeningEventTypes();
 
     // The context, which stays owned by the machine and is valid until it is replaced.
-    EvaluationContext* getContext() { return context.get(); }
+    EvaluationContext* getContext();
 
     // Takes ownership of `newContext` and destroys the previous one.
     // REQUIRES: it is not null (asserted in debug builds), and no filter or action of this machine is running.
     void setContext(std::unique_ptr<EvaluationContext> newContext);
 
   private:
+    friend class State;
+
+    // Offers the event to the transitions of one state. Returns the target of the first that fires, or null.
+    State* offerTo(const State& state, const Event& event) const {
+        for (const auto& transition : state.getTransitions()) {
+            if (State* const next = transition->tryToFire(*context, event)) {
+                return next;
+            }
+        }
+        return nullptr;
+    }
+
     // Offers the event to the current state and, after each move, the event of entering to the state reached.
     void offer(const Event& event, int maxMoves);
 
@@ -94,16 +106,5 @@ class VIG_EXPORT FiniteStateMachine {
     std::map<std::string, std::unique_ptr<State>, std::less<>> states;
     std::unique_ptr<EvaluationContext> context;
 };
-
-// Here, where the machine is known, so that a machine asks its transitions without a call for each state.
-inline State* State::onEvent(const Event& event) {
-    FiniteStateMachine& owner = machine;
-    for (const auto& transition : transitions) {
-        if (State* const next = transition->onEvent(*owner.getContext(), event)) {
-            return next;
-        }
-    }
-    return nullptr;
-}
 
 }  // namespace Brenta::OS::RulesEngine

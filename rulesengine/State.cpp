@@ -19,6 +19,10 @@ void State::addTransition(State* to, EventType eventType, std::vector<std::share
     transitions.push_back(std::make_unique<Transition>(this, to, eventType, std::move(filters), std::move(actions)));
 }
 
+State* State::onEvent(const Event& event) {
+    return machine.offerTo(*this, event);
+}
+
 void State::getListeningEventTypes(std::unordered_set<EventType>& eventTypes) const {
     for (const auto& transition : transitions) {
         eventTypes.insert(transition->getEventType());

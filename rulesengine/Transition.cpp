@@ -21,6 +21,10 @@ EventType Transition::getEventType() const {
     return eventType;
 }
 
+State* Transition::onEvent(EvaluationContext& context, const Event& event) const {
+    return tryToFire(context, event);
+}
+
 void Transition::forgetTimeout(EvaluationContext& context, const Event& event) {
     context.timeoutIds.erase(static_cast<const TimeoutEvent&>(event).timeoutId);
 }

@@ -12,6 +12,7 @@
 namespace Brenta::OS::RulesEngine {
 
 class EvaluationContext;
+class FiniteStateMachine;
 class State;
 
 // One edge between two states of a machine; owned by the state that it leaves, and never changed.
@@ -36,8 +37,13 @@ class VIG_EXPORT Transition {
     // false. If all are true, runs every action in order and returns the target state; otherwise returns
     // null and nothing has happened. A Timeout transition that fires takes the event's `timeoutId` out of
     // the context after its actions.
-    // Here, so that a machine tries its transitions without a call for each of them.
-    State* onEvent(EvaluationContext& context, const Event& event) const {
+    State* onEvent(EvaluationContext& context, const Event& event) const;
+
+  private:
+    friend class FiniteStateMachine;
+
+    // What onEvent() does; here, so that a machine tries its transitions without a call for each of them.
+    State* tryToFire(EvaluationContext& context, const Event& event) const {
         if (!event.matches(eventType, context)) {
             return nullptr;
         }
@@ -55,7 +61,6 @@ class VIG_EXPORT Transition {
         return to;
     }
 
-  private:
     static void forgetTimeout(EvaluationContext& context, const Event& event);
 
     [[maybe_unused]] State* const from;  // read by assertions only

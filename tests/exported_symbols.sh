@@ -16,9 +16,13 @@ if [ -n "$foreign" ]; then
     echo "$foreign"
     exit 1
 fi
-for name in 'VIG::VIGManager::VIGManager()' 'VIG::FilterOperand::fromJson' 'VIG::PseudoRandomDoublePureFunctionImpl::get' \
-    'RulesEngine::FiniteStateMachine::onEvent' 'VIG::VIGResponseParser::parseFromString'; do
-    grep -qF "Brenta::OS::$name" <<<"$symbols" || { echo "missing: $name"; exit 1; }
+machine=RulesEngine::FiniteStateMachine
+for name in VIG::VIGManager::VIGManager VIG::FilterOperand::fromJson VIG::PseudoRandomDoublePureFunctionImpl::get \
+    VIG::VIGResponseParser::parseFromString $machine::{FiniteStateMachine,getOrCreateStateByName,getStateByName} \
+    $machine::{addTransition,start,onEvent,enterState,getCurrentState,getAllListeningEventTypes,getContext,setContext} \
+    RulesEngine::State::{State,addTransition,onEvent,getListeningEventTypes,getName} \
+    RulesEngine::Transition::{Transition,onEvent,getEventType}; do
+    grep -qF "Brenta::OS::$name(" <<<"$symbols" || { echo "missing: $name"; exit 1; }
 done
 [ "$(grep -c '^vtable for .*Comparator<' <<<"$symbols")" -eq 36 ] || { echo "comparators are missing"; exit 1; }
 echo "$(wc -l <<<"$symbols") symbols, all of them of exported classes"
