@@ -115,7 +115,7 @@ double drawOurs(std::size_t times) {
 }
 
 double drawTheirs(std::size_t times) {
-    static std::mt19937 engine(5489);
+    std::mt19937 engine(5489);
     std::uniform_real_distribution<double> distribution;
     return timed(times, [&] { benchmark::DoNotOptimize(distribution(engine)); });
 }

@@ -8,6 +8,8 @@ namespace bench::byhand {
 
 namespace {
 
+// Each rule is flattened, as the compiler does it by itself where there is one rule in a file.
+
 bool isMemoryEvent(const EvaluationContext& context, const Event& event) {
     return event.matches(EventType::ProcessMemoryHeartBeat, context);
 }
@@ -48,23 +50,23 @@ bool threeIntegers(const EvaluationContext& c, const Event& e) {
     return isBig(c, e) && isLittleSwapped(c, e) && isNotFirst(c, e);
 }
 
-bool oneInteger(const EvaluationContext& c, const Event& e) {
+[[gnu::flatten]] bool oneInteger(const EvaluationContext& c, const Event& e) {
     return isMemoryEvent(c, e) && isBig(c, e);
 }
-bool oneIntegerFalse(const EvaluationContext& c, const Event& e) {
+[[gnu::flatten]] bool oneIntegerFalse(const EvaluationContext& c, const Event& e) {
     return isMemoryEvent(c, e) && is(c, e, "vmRssKB", std::greater(), std::int64_t{300'000});
 }
-bool threeIntegersTrue(const EvaluationContext& c, const Event& e) {
+[[gnu::flatten]] bool threeIntegersTrue(const EvaluationContext& c, const Event& e) {
     return isMemoryEvent(c, e) && threeIntegers(c, e);
 }
-bool threeIntegersFalse(const EvaluationContext& c, const Event& e) {
+[[gnu::flatten]] bool threeIntegersFalse(const EvaluationContext& c, const Event& e) {
     return isMemoryEvent(c, e) && isBig(c, e) && isLittleSwapped(c, e) &&
            is(c, e, "pid", std::not_equal_to(), std::int64_t{4'711});
 }
-bool tenIntegers(const EvaluationContext& c, const Event& e) {
+[[gnu::flatten]] bool tenIntegers(const EvaluationContext& c, const Event& e) {
     return isMemoryEvent(c, e) && threeIntegers(c, e) && threeIntegers(c, e) && threeIntegers(c, e) && isBig(c, e);
 }
-bool tenIntegersFalse(const EvaluationContext& c, const Event& e) {
+[[gnu::flatten]] bool tenIntegersFalse(const EvaluationContext& c, const Event& e) {
     return isMemoryEvent(c, e) && threeIntegers(c, e) && threeIntegers(c, e) && threeIntegers(c, e) &&
            is(c, e, "vmRssKB", std::greater(), std::int64_t{300'000});
 }
@@ -82,23 +84,23 @@ bool threeDoubles(const EvaluationContext& c, const Event& e) {
     return grows(c, e) && hasSmallShare(c, e) && isNotFull(c, e);
 }
 
-bool oneDouble(const EvaluationContext& c, const Event& e) {
+[[gnu::flatten]] bool oneDouble(const EvaluationContext& c, const Event& e) {
     return isMemoryEvent(c, e) && grows(c, e);
 }
-bool oneDoubleFalse(const EvaluationContext& c, const Event& e) {
+[[gnu::flatten]] bool oneDoubleFalse(const EvaluationContext& c, const Event& e) {
     return isMemoryEvent(c, e) && is(c, e, "growth", std::greater(), 1.5);
 }
-bool threeDoublesTrue(const EvaluationContext& c, const Event& e) {
+[[gnu::flatten]] bool threeDoublesTrue(const EvaluationContext& c, const Event& e) {
     return isMemoryEvent(c, e) && threeDoubles(c, e);
 }
-bool threeDoublesFalse(const EvaluationContext& c, const Event& e) {
+[[gnu::flatten]] bool threeDoublesFalse(const EvaluationContext& c, const Event& e) {
     return isMemoryEvent(c, e) && grows(c, e) && hasSmallShare(c, e) &&
            is(c, e, "pressure", std::not_equal_to(), 0.125);
 }
-bool tenDoubles(const EvaluationContext& c, const Event& e) {
+[[gnu::flatten]] bool tenDoubles(const EvaluationContext& c, const Event& e) {
     return isMemoryEvent(c, e) && threeDoubles(c, e) && threeDoubles(c, e) && threeDoubles(c, e) && grows(c, e);
 }
-bool tenDoublesFalse(const EvaluationContext& c, const Event& e) {
+[[gnu::flatten]] bool tenDoublesFalse(const EvaluationContext& c, const Event& e) {
     return isMemoryEvent(c, e) && threeDoubles(c, e) && threeDoubles(c, e) && threeDoubles(c, e) &&
            is(c, e, "growth", std::greater(), 1.5);
 }
@@ -116,22 +118,22 @@ bool threeStrings(const EvaluationContext& c, const Event& e) {
     return isCamera(c, e) && isNoTool(c, e) && isInFront(c, e);
 }
 
-bool oneString(const EvaluationContext& c, const Event& e) {
+[[gnu::flatten]] bool oneString(const EvaluationContext& c, const Event& e) {
     return isMemoryEvent(c, e) && isCamera(c, e);
 }
-bool oneStringFalse(const EvaluationContext& c, const Event& e) {
+[[gnu::flatten]] bool oneStringFalse(const EvaluationContext& c, const Event& e) {
     return isMemoryEvent(c, e) && text(c, e, "processName") == "com.example.player";
 }
-bool threeStringsTrue(const EvaluationContext& c, const Event& e) {
+[[gnu::flatten]] bool threeStringsTrue(const EvaluationContext& c, const Event& e) {
     return isMemoryEvent(c, e) && threeStrings(c, e);
 }
-bool threeStringsFalse(const EvaluationContext& c, const Event& e) {
+[[gnu::flatten]] bool threeStringsFalse(const EvaluationContext& c, const Event& e) {
     return isMemoryEvent(c, e) && isCamera(c, e) && isNoTool(c, e) && text(c, e, "state") <= "background";
 }
-bool tenStrings(const EvaluationContext& c, const Event& e) {
+[[gnu::flatten]] bool tenStrings(const EvaluationContext& c, const Event& e) {
     return isMemoryEvent(c, e) && threeStrings(c, e) && threeStrings(c, e) && threeStrings(c, e) && isCamera(c, e);
 }
-bool tenStringsFalse(const EvaluationContext& c, const Event& e) {
+[[gnu::flatten]] bool tenStringsFalse(const EvaluationContext& c, const Event& e) {
     return isMemoryEvent(c, e) && threeStrings(c, e) && threeStrings(c, e) && threeStrings(c, e) &&
            text(c, e, "processName") == "com.example.player";
 }

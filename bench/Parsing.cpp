@@ -4,7 +4,6 @@
 #include <json/value.h>
 #include <unistd.h>
 
-#include <deque>
 #include <functional>
 #include <memory>
 #include <string>
@@ -41,6 +40,12 @@ void add(std::vector<Scenario>& scenarios, const std::string& name, std::size_t 
     scenarios.push_back(inProcessOfItsOwn(name, times));
 }
 
+// The first time, the heap comes from the system page by page; a service that lives long has it already.
+double timedWarm(std::size_t times, const auto& body) {
+    body();
+    return timed(times, body);
+}
+
 }  // namespace
 
 void addParsing(std::vector<Scenario>& scenarios) {
@@ -49,12 +54,12 @@ void addParsing(std::vector<Scenario>& scenarios) {
         add(scenarios, name + "/vig", times, [count]() -> Scenario::Loop {
             return [text = documentOf(count)](std::size_t repeated) {
                 const Brenta::OS::VIG::VIGManager manager;
-                return timed(repeated, [&] { benchmark::DoNotOptimize(manager.parseResponse(text)); });
+                return timedWarm(repeated, [&] { benchmark::DoNotOptimize(manager.parseResponse(text)); });
             };
         });
         add(scenarios, name + "/jsoncpp", times, [count]() -> Scenario::Loop {
             return [text = documentOf(count)](std::size_t repeated) {
-                return timed(repeated, [&] {
+                return timedWarm(repeated, [&] {
                     Json::Value root;
                     read(text, root);
                 });
@@ -62,8 +67,13 @@ void addParsing(std::vector<Scenario>& scenarios) {
         });
         add(scenarios, name + "/jsoncpp, tree kept", times, [count]() -> Scenario::Loop {
             return [text = documentOf(count)](std::size_t repeated) {
-                std::deque<Json::Value> kept;
-                return timed(repeated, [&] { read(text, kept.emplace_back()); });
+                double total = 0;
+                for (std::size_t i = 0; i <= repeated; ++i) {
+                    Json::Value root;
+                    const double once = timed(1, [&] { read(text, root); });
+                    total += i == 0 ? 0 : once;
+                }
+                return total;
             };
         });
     }

@@ -18,6 +18,11 @@ double seconds(const timeval& time) {
     return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
 }
 
+[[noreturn]] void fail(const std::string& command) {
+    std::cerr << "failed: " << command << "\n";
+    std::exit(1);
+}
+
 }  // namespace
 
 double runProgram(const std::vector<std::string>& command) {
@@ -37,8 +42,7 @@ double runProgram(const std::vector<std::string>& command) {
     }
     posix_spawn_file_actions_destroy(&actions);
     if (status != 0) {
-        std::cerr << "failed: " << command[0] << "\n";
-        std::exit(1);
+        fail(command[0]);
     }
     return seconds(usage.ru_utime) + seconds(usage.ru_stime);
 }
@@ -46,14 +50,16 @@ double runProgram(const std::vector<std::string>& command) {
 std::string outputOf(const std::string& command) {
     std::string text;
     FILE* const pipe = popen(command.c_str(), "r");
-    if (pipe == nullptr) {
-        return text;
+    if (pipe != nullptr) {
+        char piece[4096];
+        for (std::size_t got = 0; (got = fread(piece, 1, sizeof piece, pipe)) > 0;) {
+            text.append(piece, got);
+        }
     }
-    char piece[4096];
-    for (std::size_t got = 0; (got = fread(piece, 1, sizeof piece, pipe)) > 0;) {
-        text.append(piece, got);
+    if (pipe == nullptr || pclose(pipe) != 0 || text.empty()) {
+        fail(command);
     }
-    return pclose(pipe) == 0 ? text : std::string();
+    return text;
 }
 
 }  // namespace bench

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <map>
 #include <string>
 #include <vector>
@@ -15,11 +16,19 @@ struct Comparison {
     std::string against;
     std::string ours;
     std::string theirs;
-    double aim;  // the ratio may be at most that; 0 if there is none
+    double aim;               // the ratio may be at most that; 0 if there is none
+    std::size_t counted = 0;  // how often it is done to count its instructions; 0 if they are not counted
+    double units = 1;         // of theirs that ours does
 };
 
 // All that is reported, in the order of the table.
 std::vector<Comparison> comparisons();
+
+// What is no time: the use of the heap and the size of the library, as rows.
+std::string figures();
+
+// How many instructions a scenario takes once.
+double instructionsOf(const std::string& scenario, std::size_t times);
 
 // The table in Markdown: ratios of the times, with the instructions that some of them take, then the figures that are
 // not times.

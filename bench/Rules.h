@@ -21,7 +21,7 @@ std::vector<Condition> conditions(Kind kind, std::size_t count, bool lastIsFalse
 // A document whose machine goes from "start" to itself when all of them are true.
 std::string document(Kind kind, const std::vector<Condition>& conditions);
 
-// About 1,000 bytes a configuration, minified: three transitions with five filters in all.
+// About 1,000 bytes a configuration, minified: three transitions with four filters in all.
 std::string documentOf(std::size_t configurations);
 
 }  // namespace bench

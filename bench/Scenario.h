@@ -24,17 +24,16 @@ void addActions(std::vector<Scenario>& scenarios);
 void addRandom(std::vector<Scenario>& scenarios);
 void addTool(std::vector<Scenario>& scenarios);
 
-// The processor time that this thread, or all of them, have taken, in seconds.
+// The processor time that this thread has taken, in seconds.
 double threadTime();
-double processTime();
 
 // How much of it the body takes when it is done so often.
-double timed(std::size_t times, const auto& body, double (*clock)() = threadTime) {
-    const double begin = clock();
+double timed(std::size_t times, const auto& body) {
+    const double begin = threadTime();
     for (std::size_t i = 0; i < times; ++i) {
         body();
     }
-    return clock() - begin;
+    return threadTime() - begin;
 }
 
 }  // namespace bench

@@ -5,10 +5,9 @@
 #include <malloc.h>
 
 #include <algorithm>
-#include <cstdlib>
+#include <cstddef>
 #include <iostream>
 #include <memory>
-#include <new>
 #include <string>
 
 #include "bench/Rules.h"
@@ -17,24 +16,35 @@
 namespace {
 std::size_t live = 0;
 std::size_t peak = 0;
-}  // namespace
 
-// In place of the library's, for the whole executable and the libraries that it loads.
-[[gnu::noinline]] void* operator new(std::size_t size) {
-    void* const memory = std::malloc(size);
-    if (memory == nullptr) {
-        std::abort();
-    }
+void* counted(void* memory) {
     live += malloc_usable_size(memory);
     peak = std::max(peak, live);
     return memory;
 }
-[[gnu::noinline]] void operator delete(void* memory) noexcept {
-    live -= malloc_usable_size(memory);
-    std::free(memory);
+}  // namespace
+
+// In place of the C library's, which operator new calls, for the whole executable and the libraries that it loads.
+extern "C" {
+void* __libc_malloc(std::size_t size);
+void* __libc_calloc(std::size_t count, std::size_t size);
+void* __libc_realloc(void* memory, std::size_t size);
+void __libc_free(void* memory);
+
+void* malloc(std::size_t size) {
+    return counted(__libc_malloc(size));
 }
-[[gnu::noinline]] void operator delete(void* memory, std::size_t /*size*/) noexcept {
-    operator delete(memory);
+void* calloc(std::size_t count, std::size_t size) {
+    return counted(__libc_calloc(count, size));
+}
+void* realloc(void* memory, std::size_t size) {
+    live -= malloc_usable_size(memory);
+    return counted(__libc_realloc(memory, size));
+}
+void free(void* memory) {
+    live -= malloc_usable_size(memory);
+    __libc_free(memory);
+}
 }
 
 namespace {
