@@ -32,6 +32,17 @@ std::string report(std::string_view text, std::size_t offset, const std::string&
            "\n";
 }
 
+// The offset of the quote that ends the string that begins at `begin`, or the size of the text.
+std::size_t endOfString(std::string_view text, std::size_t begin) {
+    for (std::size_t end = text.find('"', begin + 1); end != std::string_view::npos; end = text.find('"', end + 1)) {
+        const std::size_t lastOther = text.find_last_not_of('\\', end - 1);
+        if ((end - lastOther) % 2 == 1) {
+            return end;
+        }
+    }
+    return text.size();
+}
+
 // Whether the text can be nested so deep at all: true in doubt, for which a comment suffices. In the time of a few
 // instructions a byte, where to find out for certain takes as long as a fifth of the reading.
 bool canReach(unsigned levels, std::string_view text) {
@@ -49,9 +60,7 @@ bool canReach(unsigned levels, std::string_view text) {
                 depth -= depth > 0 ? 1 : 0;
                 break;
             case '"':
-                for (++place; place < text.size() && text[place] != '"'; ++place) {
-                    place += text[place] == '\\' ? 1 : 0;
-                }
+                place = endOfString(text, place);
                 break;
             case '/':
                 return true;
