@@ -258,6 +258,8 @@ TEST(EventReader, CompressedDataIsReadInAllItsPartsAndWhatIsNoneIsAnError) {
         {zstandard(many), 20'000, ""},
         {gzipped("{\"event\":\"Te") + gzipped("") + gzipped("st\"}\n"), 1, ""},
         {skippable + zstandard("{\"event\":\"Te") + skippable + zstandard("st\"}"), 1, ""},
+        {gzipped(many) + std::string(200'000, '\0'), 20'000, ""},
+        {gzipped(many) + std::string(9, '\0') + gzipped(many), 20'000, "the gzip data is corrupt (data error)"},
         {gzipped(many).substr(0, 20'000), 0, "the gzip data is truncated"},
         {zstandard(many).substr(0, 1000), 0, "the zstd data is truncated"},
         {"\x1F\x8B", 0, "the gzip data is truncated"},

@@ -12,8 +12,8 @@ namespace tool {
 class Decoder;
 
 // The bytes that a descriptor delivers; decompressed, if the first ones say that they are gzip or zstd, also of
-// several members or frames after each other. Its memory does not depend on the data, but for the window of a zstd
-// frame, which is at most 128 MiB.
+// several members or frames after each other, and of gzip with zeros after the last one. Its memory does not depend on
+// the data, but for the window of a zstd frame, which is at most 128 MiB.
 class ByteSource {
   public:
     // The descriptor stays the caller's.

@@ -11,16 +11,15 @@ namespace tool {
 
 std::optional<int> learnFrom(const std::string& events, const Console& console, const Interruption& interruption,
                              Catalogue& catalogue) {
-    const bool fromInput = isStandardInput(events);
     const Descriptor file = openEvents(events, console);
     if (!file.isOpen()) {
         if (interruption.requested()) {
             return kExitInterrupted;
         }
-        console.complain((fromInput ? "standard input" : events) + ": " + systemError(errno));
+        console.complain((isStandardInput(events) ? "standard input" : events) + ": " + systemError(errno));
         return kExitUnusable;
     }
-    EventReader reader(file.get(), fromInput ? "<stdin>" : events, interruption, [] {});
+    EventReader reader(file.get(), nameOfEvents(events), interruption, [] {});
     switch (learnFrom(reader, catalogue)) {
         case EventReader::Status::Failed:
             console.say(reader.error());

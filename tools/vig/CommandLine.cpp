@@ -220,6 +220,8 @@ void addRun(CLI::App& app, RunOptions& options, FleetOptions& fleet) {
     addRuleOptions<3>(verb, options,
                       {{{"text", ReportFormat::Text}, {"jsonl", ReportFormat::Jsonl}, {"json", ReportFormat::Json}}},
                       "text for people, jsonl for programs, json for a summary alone");
+    CLI::Option& seed = *verb.get_option("--seed");
+    seed.description(seed.get_description() + "; in a summary, each device draws by the seed and its name");
     verb.add_option("EVENTS", fleet.devices,
                     "The event records, a file for each device (default: -, which is standard input)");
     verb.add_flag("--explain", options.explain, "Tells what every machine decides on every event, and why");

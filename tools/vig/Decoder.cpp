@@ -32,10 +32,11 @@ class GzipDecoder final : public Decoder {
         stream.avail_out = static_cast<uInt>(room);
         int status = isUsable ? Z_OK : Z_MEM_ERROR;
         while (status == Z_OK && (stream.avail_in > 0 || !betweenMembers) && stream.avail_out > 0) {
-            status = inflate(&stream, Z_NO_FLUSH);
-            betweenMembers = status == Z_STREAM_END;
-            if (betweenMembers) {
-                status = inflateReset(&stream);
+            skipPadding();
+            if (padded && stream.avail_in > 0) {
+                status = Z_DATA_ERROR;
+            } else if (!padded) {
+                status = inflateMember();
             }
         }
         progress = {input.size() - stream.avail_in, room - stream.avail_out};
@@ -49,9 +50,25 @@ class GzipDecoder final : public Decoder {
     std::string_view format() const override { return "gzip"; }
 
   private:
+    // Tapes and disks fill their last block with zeros, which no member begins with.
+    void skipPadding() {
+        while (betweenMembers && stream.avail_in > 0 && *stream.next_in == 0) {
+            padded = true;
+            ++stream.next_in;
+            --stream.avail_in;
+        }
+    }
+
+    int inflateMember() {
+        const int status = inflate(&stream, Z_NO_FLUSH);
+        betweenMembers = status == Z_STREAM_END;
+        return betweenMembers ? inflateReset(&stream) : status;
+    }
+
     z_stream stream = {};
     bool isUsable = false;
     bool betweenMembers = false;  // so many of which may follow each other
+    bool padded = false;          // after the last one
 };
 
 class ZstdDecoder final : public Decoder {

@@ -6,7 +6,8 @@
 namespace tool {
 
 Descriptor openEvents(const std::string& events, const Console& console) {
-    return Descriptor(isStandardInput(events) ? dup(console.in) : open(events.c_str(), O_RDONLY | O_CLOEXEC));
+    return Descriptor(isStandardInput(events) ? dup(console.in)
+                                              : open(events.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
 }
 
 }  // namespace tool

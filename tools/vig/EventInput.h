@@ -12,7 +12,12 @@ inline bool isStandardInput(const std::string& events) {
     return events == "-";
 }
 
-// Not open, with errno set, if there is no such file.
+// What messages and reports call it.
+inline std::string nameOfEvents(const std::string& events) {
+    return isStandardInput(events) ? "<stdin>" : events;
+}
+
+// Not open, with errno set, if there is no such file. A pipe that nobody writes to yet is waited for by who reads it.
 Descriptor openEvents(const std::string& events, const Console& console);
 
 }  // namespace tool

@@ -3,16 +3,12 @@
 #include <string_view>
 #include <utility>
 
+#include "tools/vig/Text.h"
+
 namespace tool {
 
 namespace {
-
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
-
-bool isEmpty(std::string_view line) {
-    return line.find_first_not_of(" \t\r") == std::string_view::npos;
-}
-
 }  // namespace
 
 EventReader::EventReader(int source, std::string sourceName, const Interruption& interruptedBy,
@@ -36,7 +32,7 @@ EventReader::Status EventReader::next(EventRecord& record) {
         if (++lineNumber == 1 && line.starts_with(kByteOrderMark)) {
             line.remove_prefix(kByteOrderMark.size());
         }
-    } while (isEmpty(line));
+    } while (isBlank(line));
     if (parser.parse(line, record)) {
         return Status::Record;
     }

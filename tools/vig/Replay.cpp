@@ -46,7 +46,7 @@ std::optional<int> Replay::begin() {
 std::optional<int> Replay::offerAll() {
     Progress progress(console.err, sizeOf(file.get()));
     rules.output().beforeWriting([&] { progress.clear(); });
-    EventReader reader(file.get(), isStandardInput(options.events) ? "<stdin>" : options.events, interruption, [&] {
+    EventReader reader(file.get(), nameOfEvents(options.events), interruption, [&] {
         rules.output().flush();
         progress.showIfDue(rules.session().eventCount(), reader.bytesRead());
     });

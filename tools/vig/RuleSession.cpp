@@ -100,7 +100,6 @@ void RuleSession::adopt(Delivery delivery) {
     if (isGone) {
         reason = RuleDocument::whyUnreadable(path);
     }
-    delivered = delivery.text;
     group.adopt(tracer && reason.empty() ? tracer->watch(path, std::move(delivery.text), delivery.configs)
                                          : std::move(delivery.configs));
 }

@@ -37,9 +37,6 @@ class RuleSession final {
     // The same without starting the machines, for whoever wants only the document.
     Loading receive(Changes later, const Interruption& interruption);
 
-    // The text of the latest document.
-    const std::string& documentText() const { return delivered; }
-
     const AttributeSet& contextAttributes() const { return context; }
 
     // Why the latest document was refused or cannot be read; empty if it was accepted.
@@ -69,7 +66,6 @@ class RuleSession final {
     MachineGroup group;
     PlatformServices services;
     std::optional<RuleDocument> document;
-    std::string delivered;
     std::string reason;
     bool isGone = false;  // the document can no longer be read
 };

@@ -23,7 +23,7 @@ class Merger {
     // Merges all of the file. If that fails, says why and returns the exit status.
     std::optional<int> add(const std::string& file) {
         const Descriptor input = openEvents(file, console);
-        const std::string name = isStandardInput(file) ? "<stdin>" : file;
+        const std::string name = nameOfEvents(file);
         if (!input.isOpen()) {
             console.complain(name + ": " + systemError(errno));
             return kExitUnusable;
@@ -32,7 +32,7 @@ class Merger {
         std::string_view line;
         auto status = lines.next(line);
         for (std::size_t number = 1; status == LineReader::Status::Line; ++number) {
-            if (!add(name, number, line)) {
+            if (!isBlank(line) && !add(name, number, line)) {
                 return kExitUnusable;
             }
             status = lines.next(line);

@@ -123,6 +123,19 @@ std::vector<std::string> printableLines(std::string_view message) {
     return lines;
 }
 
+bool isBlank(std::string_view line) {
+    return line.find_first_not_of(" \t\r") == std::string_view::npos;
+}
+
+// FNV-1a of 64 bits.
+std::uint64_t hashOf(std::string_view text) {
+    std::uint64_t hash = 14695981039346656037u;
+    for (const char each : text) {
+        hash = (hash ^ static_cast<unsigned char>(each)) * 1099511628211u;
+    }
+    return hash;
+}
+
 std::string systemError(int number) {
     return std::strerror(number);
 }

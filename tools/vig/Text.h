@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -19,6 +20,12 @@ std::string printable(std::string_view text);
 // The lines of a message, printable, each tab at the beginning of one as two spaces: JSON in the log is indented by
 // tabs.
 std::vector<std::string> printableLines(std::string_view message);
+
+// Whether the line has nothing but spaces, tabs and a carriage return.
+bool isBlank(std::string_view line);
+
+// A number that is the same for the same text everywhere. It tells texts apart and need not resist anybody.
+std::uint64_t hashOf(std::string_view text);
 
 // How the system calls an errno value.
 std::string systemError(int number);

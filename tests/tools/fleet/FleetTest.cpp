@@ -1,5 +1,7 @@
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <sys/ioctl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cstdint>
@@ -15,6 +17,7 @@
 #include "tools/vig/FleetCommand.h"
 #include "tools/vig/RunCommand.h"
 #include "tools/vig/SummaryCommand.h"
+#include "tools/vig/fleet/DeviceRun.h"
 #include "tools/vig/fleet/FleetSummary.h"
 
 namespace {
@@ -36,13 +39,15 @@ const std::string kRules = document(
      config(8, {transition("start", "start", "Timeout", "[]", R"([{"name":"TriggerVelora"}])")})});
 
 std::string records(std::size_t count, bool withTest) {
+    const auto attributes = [](std::size_t swap) {
+        return R"("int64":{"vmRssKB":1,"vmSwapKB":)" + std::to_string(swap) + R"(},"string":{"processName":"p"}})" +
+               "\n";
+    };
     std::string text;
     for (std::size_t i = 0; i < count; ++i) {
-        text += R"({"event":"ProcessMemoryHeartBeat","int64":{"vmRssKB":1,"vmSwapKB":)" + std::to_string(i) +
-                R"(},"string":{"processName":"p"}})"
-                "\n";
+        text += R"({"event":"ProcessMemoryHeartBeat",)" + attributes(i);
     }
-    return text + (withTest ? "{\"event\":\"Test\"}\n" : "{\"event\":\"Timeout\",\"timeout_id\":1}\n");
+    return text + (withTest ? "{\"event\":\"Test\"}\n" : R"({"event":"Timeout","timeout_id":1,)" + attributes(0));
 }
 
 class Fleet : public testing::Test {
@@ -75,6 +80,7 @@ TEST_F(Fleet, OutputIsThatOfTheDevicesAloneInTheirOrderWhateverTheNumberOfThread
         tool::RunOptions alone;
         static_cast<tool::RuleOptions&>(alone) = options;
         alone.events = device;
+        alone.seed = tool::deviceSeed(options.seed, device);
         for (std::string& line : linesWith(runVerb(tool::run, alone).out, "")) {
             // The delivery of the document is told once.
             if (!line.starts_with(R"({"type":"log","event":0)") || expected.empty()) {
@@ -97,6 +103,26 @@ TEST_F(Fleet, OutputIsThatOfTheDevicesAloneInTheirOrderWhateverTheNumberOfThread
     }
 }
 
+TEST_F(Fleet, StandardInputHasOneNameInLinesAndSummary) {
+    options.devices = {"-"};
+    std::string input;
+    for (int i = 0; i < 12; ++i) {
+        input += records(0, false);
+    }
+    const ToolResult result = runVerb(tool::fleet, options, input);
+    EXPECT_THAT(linesWith(result.out, R"({"type":"trigger")").at(0), HasSubstr(R"("device":"<stdin>"})"));
+    EXPECT_THAT(result.out, HasSubstr(R"("worst":[{"device":"<stdin>","triggers":12,"events":12}])"));
+    options.format = ReportFormat::Text;
+    EXPECT_THAT(runVerb(tool::fleet, options, input).out, HasSubstr("\n== <stdin>\n"));
+}
+
+TEST(DeviceSeed, IsAFixedMixOfTheSeedAndTheName) {
+    // The hashes are published test vectors of FNV-1a: 0xCBF29CE484222325, 0xAF63DC4C8601EC8C and 0x85944171F73967E8.
+    EXPECT_EQ(tool::deviceSeed(0, ""), 0xCBF29CE4 ^ 0x84222325);
+    EXPECT_EQ(tool::deviceSeed(7, "a"), 0xAF63DC4C ^ 0x8601EC8C ^ 7);
+    EXPECT_EQ(tool::deviceSeed(5489, "foobar"), 0x85944171 ^ 0xF73967E8 ^ 5489);
+}
+
 TEST_F(Fleet, MergedPartsEqualTheWholeByteForByte) {
     options.format = ReportFormat::Json;
     const ToolResult whole = run(2);
@@ -113,25 +139,35 @@ TEST_F(Fleet, MergedPartsEqualTheWholeByteForByte) {
     EXPECT_EQ(merged.err, "");
     EXPECT_EQ(merged.out, whole.out);
     parts.files = {"-"};
-    EXPECT_EQ(runVerb(tool::summary, parts, whole.out).out, whole.out);
+    EXPECT_EQ(runVerb(tool::summary, parts, "\n \r\n" + whole.out + "\n").out, whole.out);
 }
 
 TEST_F(Fleet, FailingDevicesAreToldInTheirOrderAndTheOthersGoOn) {
-    options.devices = {folder.path("none"), folder.write("a", records(2, true)),
+    options.devices = {folder.path("none"),
+                       folder.write("a", records(2, true)),
                        folder.write("b", records(1, true) + "{\"event\":7}\n" + records(1, true)),
-                       folder.write("c", "\x1F\x8B"), folder.write("d", records(0, false))};
+                       folder.write("c", "\x1F\x8B"),
+                       folder.write("d", records(0, false)),
+                       folder.path(""),
+                       folder.path("pipe")};
+    ASSERT_EQ(mkfifo(options.devices[6].c_str(), 0600), 0);
+    const int pipe = open(options.devices[6].c_str(), O_RDWR | O_CLOEXEC);
     options.format = ReportFormat::Text;
     options.summaryOnly = true;
     for (const unsigned threads : {1u, 3u}) {
+        ASSERT_EQ(write(pipe, "{\"event\":7}\n", 12), 12);
         const ToolResult result = run(threads);
         EXPECT_EQ(result.status, 2);
         EXPECT_EQ(result.err, "vig: error: " + options.devices[0] + ": No such file or directory\n" +
                                   options.devices[2] + ":3: error: event: expected a string, got 7\n" +
-                                  "vig: error: " + options.devices[3] + ": the gzip data is truncated\n");
-        EXPECT_THAT(result.out, HasSubstr("fleet\n  devices   4\n  failed    3\n  events    6\n"));
+                                  "vig: error: " + options.devices[3] + ": the gzip data is truncated\n" +
+                                  "vig: error: " + options.devices[5] + ": Is a directory\n" + options.devices[6] +
+                                  ":1: error: event: expected a string, got 7\n");
+        EXPECT_THAT(result.out, HasSubstr("fleet\n  devices   5\n  failed    5\n  events    6\n"));
         EXPECT_THAT(result.out, HasSubstr("          1 on         1  configs[1] (id 8)\n"));
         EXPECT_THAT(result.out, HasSubstr("  2 on         2    configs[0].payload.data.transitions[1]  start -> end"));
     }
+    close(pipe);
 }
 
 TEST_F(Fleet, InterruptionEndsWithTheSummaryOfWhatWasDone) {
@@ -159,8 +195,13 @@ TEST_F(Fleet, InterruptionEndsWithTheSummaryOfWhatWasDone) {
 
 TEST_F(Fleet, SummaryThatDoesNotFitIsRefusedWithItsPlace) {
     options.format = ReportFormat::Json;
-    options.devices.resize(1);
+    std::string often;
+    for (int i = 0; i < 12; ++i) {
+        often += records(0, false);
+    }
+    options.devices = {folder.write("x", often), folder.write("y", often), folder.write("z", records(0, true))};
     const std::string good = run(1).out;
+    EXPECT_EQ(runVerb(tool::summary, tool::SummaryOptions(), good).err, "");
     folder.write("rules.json", document({}));
     const std::string other = run(1).out;
     const struct {
@@ -168,7 +209,26 @@ TEST_F(Fleet, SummaryThatDoesNotFitIsRefusedWithItsPlace) {
         std::string to;
         std::string message;
     } cases[] = {
-        {"\"p99\":0", "\"p99\":3", ":1:120: error: triggers.p99: does not fit the rest, of which it follows: 0"},
+        {"\"p99\":12", "\"p99\":3", ":1:123: error: triggers.p99: does not fit the rest, of which it follows: 12"},
+        {"\"events\":25", "\"events\":11", "storms.worst[0].events: expected an integer from 0 to 11"},
+        {"{\"triggers\":12,", "{\"triggers\":0,", "triggers.by_count[1].triggers: expected an integer from 1 to "},
+        {"{\"triggers\":0,\"devices\":1", "{\"triggers\":0,\"devices\":0",
+         "by_count[0].devices: expected an integer from 1"},
+        {"\"storms\":{\"devices\":2", "\"storms\":{\"devices\":3", "storms.devices: expected an integer from 0 to 2"},
+        {"\"storms\":{\"devices\":2", "\"storms\":{\"devices\":1",
+         "storms.worst: does not fit the rest, of which it follows: 1"},
+        {"/x\",\"triggers\":12", "/x\",\"triggers\":9", "storms.worst[0]: is no storm"},
+        {"/x\",\"triggers\":12", "/x\",\"triggers\":13",
+         "worst[0].triggers: triggers.by_count has fewer devices with so"},
+        {"/x\",\"triggers\":12", "/z\",\"triggers\":12",
+         "storms.worst[1]: expected the most triggers first, then the names"},
+        {"\"id\":7,\"devices\":1", "\"id\":7,\"devices\":2", "configs[0].devices: expected an integer from 1 to 1"},
+        {"\"id\":8,\"devices\":2,\"fired\":24", "\"id\":8,\"devices\":2,\"fired\":23",
+         "configs[1].fired: does not fit the rest, of which it follows: 24"},
+        {"\"devices\":2,\"fired\":24}", "\"devices\":4,\"fired\":24}",
+         "configs[1].transitions[0].devices: expected an integer from 0 to 3"},
+        {"\"devices\":2,\"fired\":24}", "\"devices\":2,\"fired\":1}",
+         "configs[1].transitions[0].fired: expected an integer from 2 to "},
         {"\"failed\":0", "\"failed\":-1", ":1:53: error: failed: expected an integer from 0 to 9007199254740992"},
         {"\"failed\":0", "\"extra\":0", ":1:52: error: unknown key \"extra\""},
         {"\n", "x\n", "error: "},

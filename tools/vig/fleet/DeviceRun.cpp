@@ -1,15 +1,15 @@
 #include "tools/vig/fleet/DeviceRun.h"
 
+#include <sys/stat.h>
+
 #include <cerrno>
 #include <memory>
-#include <string_view>
 #include <utility>
 
 #include "rulesengine/Filter.h"
 #include "tools/vig/EventInput.h"
 #include "tools/vig/EventReader.h"
 #include "tools/vig/PlatformServices.h"
-#include "tools/vig/RuleDocument.h"
 #include "tools/vig/Text.h"
 #include "tools/vig/trace/RebuiltMachines.h"
 #include "vig/parsers/VIGResponseParser.h"
@@ -63,17 +63,13 @@ MachineGroup::Configs parse(const TracedDocument& document, const VIGParserConfi
     return std::move(*VIGResponseParser().parseFromString(document.text.source().text(), registry).value);
 }
 
-// Not open if that cannot be or could take for ever, with the reason in `problem`.
-Descriptor open(const std::string& device, const Console& console, std::string& problem) {
-    if (!isStandardInput(device)) {
-        problem = RuleDocument::whyUnreadable(device);
-    }
-    if (!problem.empty()) {
-        return Descriptor(-1);
-    }
+// Not open, with errno set, if it cannot be read: a folder can only be opened.
+Descriptor open(const std::string& device, const Console& console) {
     Descriptor file = openEvents(device, console);
-    if (!file.isOpen()) {
-        problem = systemError(errno);
+    struct stat status = {};
+    if (file.isOpen() && fstat(file.get(), &status) == 0 && S_ISDIR(status.st_mode)) {
+        errno = EISDIR;
+        return Descriptor(-1);
     }
     return file;
 }
@@ -93,6 +89,11 @@ EventReader::Status offerAll(EventReader& reader, MachineGroup& machines, const 
 
 }  // namespace
 
+std::uint32_t deviceSeed(std::uint32_t seed, std::string_view name) {
+    const std::uint64_t hash = hashOf(name);
+    return seed ^ static_cast<std::uint32_t>(hash ^ (hash >> 32));
+}
+
 DeviceRunner::DeviceRunner(const FleetPlan& fleetPlan)
     : plan(fleetPlan), generator(plan.seed), parsed(parse(plan.document, registryWith(generator, plan.registry))) {}
 
@@ -109,19 +110,20 @@ MachineGroup::Configs DeviceRunner::newMachines(FiredCounts& fired) const {
 }
 
 DeviceResult DeviceRunner::run(const std::string& device, Output& output) {
-    DeviceResult result{device};
+    const std::string name = nameOfEvents(device);
+    DeviceResult result{name};
     if (plan.interruption.requested()) {
         return result;
     }
-    const std::string name = isStandardInput(device) ? "<stdin>" : device;
-    const Descriptor file = open(device, plan.console, result.problem);
+    const Descriptor file = open(device, plan.console);
     if (!file.isOpen()) {
-        result.problem = "vig: error: " + (isStandardInput(device) ? "standard input" : device) + ": " + result.problem;
+        result.problem =
+            "vig: error: " + (isStandardInput(device) ? "standard input" : device) + ": " + systemError(errno);
         return result;
     }
     result.begun = true;
     const auto report = reportOf(plan.format, output, plan.coloured, name);
-    generator.seed(plan.seed);
+    generator.seed(deviceSeed(plan.seed, name));
     MachineGroup machines(plan.context, *report, nullptr);
     machines.adopt(newMachines(result.fired));
     const PlatformServices::OnThread receiver(machines);

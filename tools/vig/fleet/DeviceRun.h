@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 #include "tools/vig/AttributeSet.h"
 #include "tools/vig/Console.h"
@@ -28,6 +29,10 @@ struct FleetPlan {
     const Interruption& interruption;
 };
 
+// Where the draws of a device begin: each has its own ones, which depend on nothing but its name and the seed of the
+// run.
+std::uint32_t deviceSeed(std::uint32_t seed, std::string_view name);
+
 // Runs devices one after the other, on the thread that made it. The document is parsed once; each device has machines
 // of its own, which share only the filters and actions, as these keep nothing. REQUIRES: PlatformServices exist.
 class DeviceRunner {
@@ -36,8 +41,9 @@ class DeviceRunner {
     DeviceRunner(const DeviceRunner&) = delete;
     DeviceRunner& operator=(const DeviceRunner&) = delete;
 
-    // Offers the records of the device to its machines, which see the same as those of `vig run` with that file alone.
-    // What they do is written to `output`. Takes the place of the receiver of the thread meanwhile.
+    // Offers the records of the device to its machines, which see the same as those of `vig run` with that file alone
+    // and with deviceSeed(). What they do is written to `output`. Takes the place of the receiver of the thread
+    // meanwhile.
     DeviceResult run(const std::string& device, Output& output);
 
   private:

@@ -7,6 +7,7 @@
 #include <thread>
 #include <utility>
 
+#include "tools/vig/EventInput.h"
 #include "tools/vig/Text.h"
 #include "tools/vig/fleet/DeviceOrder.h"
 
@@ -47,7 +48,7 @@ class Fleet {
             }
             Output text([this, device](std::string_view piece) { return order.write(device, piece); });
             if (plan.format == ReportFormat::Text) {
-                text.write(fmt::format("\n== {}\n", printable(devices[device])));
+                text.write(fmt::format("\n== {}\n", printable(nameOfEvents(devices[device]))));
             }
             DeviceResult result = runner.run(devices[device], text);
             text.flush();

@@ -4,23 +4,14 @@
 
 #include <algorithm>
 #include <numeric>
-#include <string_view>
 #include <tuple>
 
 #include "tools/vig/EventNames.h"
+#include "tools/vig/Text.h"
 
 namespace tool {
 
 namespace {
-
-// FNV-1a: it tells documents apart and need not resist anybody.
-std::string hashOf(std::string_view text) {
-    std::uint64_t hash = 14695981039346656037u;
-    for (const char each : text) {
-        hash = (hash ^ static_cast<unsigned char>(each)) * 1099511628211u;
-    }
-    return fmt::format("{:016x}", hash);
-}
 
 std::vector<FleetSummary::Transition> transitionsOf(const ConfigModel& config) {
     std::vector<FleetSummary::Transition> transitions;
@@ -42,13 +33,17 @@ void FleetSummary::Count::add(const Count& other) {
     fired += other.fired;
 }
 
+bool FleetSummary::Storm::comesBefore(const Storm& other) const {
+    return std::tie(other.triggers, device, events) < std::tie(triggers, other.device, other.events);
+}
+
 bool FleetSummary::isStorm(std::uint64_t triggers, std::uint64_t events) {
     return triggers >= Storm::LEAST_TRIGGERS && events / triggers < Storm::MOST_EVENTS;
 }
 
 FleetSummary FleetSummary::of(const TracedDocument& document) {
     FleetSummary summary;
-    summary.documentHash = hashOf(document.text.source().text());
+    summary.documentHash = fmt::format("{:016x}", hashOf(document.text.source().text()));
     for (const ConfigModel& each : document.configs) {
         summary.configs.push_back({each.place.path, each.id, {}, transitionsOf(each)});
     }
@@ -130,9 +125,7 @@ std::uint64_t FleetSummary::percentile(std::uint64_t percent) const {
 }
 
 void FleetSummary::keepWorst() {
-    std::ranges::sort(worst, [](const Storm& left, const Storm& right) {
-        return std::tie(right.triggers, left.device, left.events) < std::tie(left.triggers, right.device, right.events);
-    });
+    std::ranges::sort(worst, &Storm::comesBefore);
     if (worst.size() > MOST_STORMS_NAMED) {
         worst.erase(worst.begin() + MOST_STORMS_NAMED, worst.end());
     }

@@ -15,7 +15,7 @@ using FiredCounts = std::vector<std::vector<std::uint64_t>>;
 
 // What became of one device of a fleet.
 struct DeviceResult {
-    std::string device;  // the name of its file
+    std::string device;  // the name of its file, or "<stdin>"
     bool begun = false;  // its file could be opened
     bool ended = false;  // nothing kept it from its end
     std::uint64_t events = 0;
@@ -59,6 +59,8 @@ struct FleetSummary {
         std::uint64_t triggers;
         std::uint64_t events;
 
+        // By their triggers, then by their names.
+        bool comesBefore(const Storm& other) const;
         bool operator==(const Storm&) const = default;
     };
 
@@ -76,7 +78,7 @@ struct FleetSummary {
 
     bool isOfSameDocument(const FleetSummary& other) const;
 
-    // The devices whose files could be opened; the other numbers are about them.
+    // The devices whose files could be opened; the numbers but `failed` and `unfinished` are about them.
     std::uint64_t devices() const;
 
     std::uint64_t triggers() const;
@@ -91,7 +93,7 @@ struct FleetSummary {
     std::uint64_t events = 0;
     std::map<std::uint64_t, std::uint64_t> devicesByTriggers;
     std::uint64_t storms = 0;
-    std::vector<Storm> worst;  // the first few of the storms, by their triggers, then by their names
+    std::vector<Storm> worst;  // the first few of the storms
 
   private:
     void keepWorst();

@@ -1,5 +1,6 @@
 #include "tools/vig/fleet/FleetSummaryReader.h"
 
+#include <algorithm>
 #include <limits>
 #include <utility>
 
@@ -11,7 +12,7 @@ namespace tool {
 namespace {
 
 // What also programs that know only doubles read exactly; the sum of many is still far from the largest number.
-constexpr std::int64_t kMost = std::int64_t{1} << 53;
+constexpr std::uint64_t kMost = std::uint64_t{1} << 53;
 
 class Reader {
   public:
@@ -26,9 +27,9 @@ class Reader {
         result.documentHash = json.requiredText(root, "document", "").value_or("");
         result.failed = number(root, "failed", "");
         result.unfinished = number(root, "unfinished", "");
-        result.events = number(root, "events", "");
         readTriggers(root["triggers"], "triggers", result);
-        derived(root, "devices", "", result.devices());
+        derived(root, "devices", "", devices);
+        result.events = number(root, "events", "", 0, devices == 0 ? 0 : kMost);
         readStorms(root["storms"], "storms", result);
         if (json.isArray(root["configs"], "configs")) {
             StrictJson::forEach(root["configs"], "configs", [&](const Json::Value& each, const std::string& path) {
@@ -40,16 +41,27 @@ class Reader {
 
   private:
     std::uint64_t number(const Json::Value& object, const std::string& key, const std::string& path) {
+        return number(object, key, path, 0, kMost);
+    }
+
+    // REQUIRES: the limits are at most kMost + 1.
+    std::uint64_t number(const Json::Value& object, const std::string& key, const std::string& path,
+                         std::uint64_t least, std::uint64_t most) {
         json.hasMember(object, key, path);
-        return static_cast<std::uint64_t>(json.optionalInteger(object, key, path, 0, kMost).value_or(0));
+        const auto read =
+            json.optionalInteger(object, key, path, static_cast<std::int64_t>(least), static_cast<std::int64_t>(most));
+        return static_cast<std::uint64_t>(read.value_or(0));
     }
 
     // A number that follows from others.
     void derived(const Json::Value& object, const std::string& key, const std::string& path, std::uint64_t expected) {
         if (number(object, key, path) != expected) {
-            json.complain(object[key], StrictJson::member(path, key),
-                          "does not fit the rest, of which it follows: " + std::to_string(expected));
+            misfit(object[key], StrictJson::member(path, key), std::to_string(expected));
         }
+    }
+
+    void misfit(const Json::Value& at, const std::string& path, const std::string& expected) {
+        json.complain(at, path, "does not fit the rest, of which it follows: " + expected);
     }
 
     void readTriggers(const Json::Value& object, const std::string& path, FleetSummary& result) {
@@ -58,28 +70,66 @@ class Reader {
             return;
         }
         StrictJson::forEach(
-            object["by_count"], path + ".by_count", [&](const Json::Value& each, const std::string& place) {
-                if (json.isObject(each, place, {"triggers", "devices"})) {
-                    result.devicesByTriggers[number(each, "triggers", place)] += number(each, "devices", place);
-                }
-            });
-        derived(object, "total", path, result.triggers());
+            object["by_count"], path + ".by_count",
+            [&](const Json::Value& each, const std::string& place) { addByCount(each, place, result); });
+        derived(object, "total", path, triggers);
         derived(object, "median", path, result.percentile(50));
         derived(object, "p99", path, result.percentile(99));
         derived(object, "most", path, result.percentile(100));
+    }
+
+    // In ascending order, so that none comes twice, and no more than can be added up.
+    void addByCount(const Json::Value& object, const std::string& path, FleetSummary& result) {
+        if (!json.isObject(object, path, {"triggers", "devices"})) {
+            return;
+        }
+        auto& byCount = result.devicesByTriggers;
+        const std::uint64_t each =
+            number(object, "triggers", path, byCount.empty() ? 0 : byCount.rbegin()->first + 1, kMost);
+        const std::uint64_t most = std::min(kMost - devices, (kMost - triggers) / std::max<std::uint64_t>(each, 1));
+        const std::uint64_t count = number(object, "devices", path, 1, most);
+        byCount[each] += count;
+        devices += count;
+        triggers += each * count;
     }
 
     void readStorms(const Json::Value& object, const std::string& path, FleetSummary& result) {
         if (!json.isObject(object, path, {"devices", "worst"}) || !json.isArray(object["worst"], path + ".worst")) {
             return;
         }
-        result.storms = number(object, "devices", path);
-        StrictJson::forEach(object["worst"], path + ".worst", [&](const Json::Value& each, const std::string& place) {
-            if (json.isObject(each, place, {"device", "triggers", "events"})) {
-                result.worst.push_back({json.requiredText(each, "device", place).value_or(""),
-                                        number(each, "triggers", place), number(each, "events", place)});
-            }
-        });
+        std::uint64_t most = 0;
+        for (const auto& [triggersOfEach, count] : result.devicesByTriggers) {
+            most += triggersOfEach >= FleetSummary::Storm::LEAST_TRIGGERS ? count : 0;
+        }
+        result.storms = number(object, "devices", path, 0, most);
+        const auto named = std::min<std::uint64_t>(result.storms, FleetSummary::MOST_STORMS_NAMED);
+        if (object["worst"].size() != named) {
+            misfit(object["worst"], path + ".worst", std::to_string(named) + " of them");
+            return;
+        }
+        StrictJson::forEach(object["worst"], path + ".worst",
+                            [&](const Json::Value& each, const std::string& place) { addStorm(each, place, result); });
+    }
+
+    void addStorm(const Json::Value& object, const std::string& path, FleetSummary& result) {
+        if (!json.isObject(object, path, {"device", "triggers", "events"})) {
+            return;
+        }
+        const FleetSummary::Storm storm{json.requiredText(object, "device", path).value_or(""),
+                                        number(object, "triggers", path),
+                                        number(object, "events", path, 0, result.events)};
+        if (!FleetSummary::isStorm(storm.triggers, storm.events)) {
+            json.complain(object, path, "is no storm");
+        }
+        if (!result.worst.empty() && storm.comesBefore(result.worst.back())) {
+            json.complain(object, path, "expected the most triggers first, then the names in their order");
+        }
+        result.worst.push_back(storm);
+        const auto known = result.devicesByTriggers.find(storm.triggers);
+        const auto same = std::ranges::count(result.worst, storm.triggers, &FleetSummary::Storm::triggers);
+        if (known == result.devicesByTriggers.end() || known->second < static_cast<std::uint64_t>(same)) {
+            json.complain(object["triggers"], path + ".triggers", "triggers.by_count has fewer devices with so many");
+        }
     }
 
     FleetSummary::Config config(const Json::Value& object, const std::string& path) {
@@ -92,11 +142,26 @@ class Reader {
         json.hasMember(object, "id", path);
         using Limits = std::numeric_limits<std::int64_t>;
         result.id = json.optionalInteger(object, "id", path, Limits::min(), Limits::max()).value_or(0);
-        result.count = count(object, path);
         StrictJson::forEach(
             object["transitions"], path + ".transitions",
             [&](const Json::Value& each, const std::string& place) { addTransition(each, place, result); });
+        readCount(object, path, result);
         return result;
+    }
+
+    // That of a configuration lies between its transitions firing on the same devices and each on others.
+    void readCount(const Json::Value& object, const std::string& path, FleetSummary::Config& config) {
+        std::uint64_t least = 0;
+        std::uint64_t most = 0;
+        std::uint64_t fired = 0;
+        for (const FleetSummary::Transition& each : config.transitions) {
+            least = std::max(least, each.count.devices);
+            most = std::min(devices, most + each.count.devices);
+            fired = std::min(kMost + 1, fired + each.count.fired);
+        }
+        config.count.devices = number(object, "devices", path, least, most);
+        config.count.fired = fired;
+        derived(object, "fired", path, fired);
     }
 
     void addTransition(const Json::Value& object, const std::string& path, FleetSummary::Config& config) {
@@ -107,10 +172,13 @@ class Reader {
     }
 
     FleetSummary::Count count(const Json::Value& object, const std::string& path) {
-        return {number(object, "devices", path), number(object, "fired", path)};
+        const std::uint64_t on = number(object, "devices", path, 0, devices);
+        return {on, number(object, "fired", path, on, on == 0 ? 0 : kMost)};
     }
 
     StrictJson json;
+    std::uint64_t devices = 0;   // of all of triggers.by_count
+    std::uint64_t triggers = 0;  // of them
 };
 
 std::optional<FleetSummary> read(const DocumentText& document, std::vector<std::string>& errors) {
