@@ -30,7 +30,7 @@ class Lifecycle {
     explicit Lifecycle(unsigned seed) : random(seed) {
         config.availability = [this](int check) { return check % 4 >= lateness; };
         config.beforeAdding = config.beforeRemoving = [this](const auto&) { dawdle(); };
-        config.beforeReading = [this] { dawdle(); };
+        config.afterReading = [this] { dawdle(); };
         config.onAdded = [this](const auto& listener) {
             const std::lock_guard lock(mutex);
             everRegistered.push_back(listener);

@@ -28,7 +28,7 @@ class FakeDeviceConfig {
 
     std::function<bool(int check)> availability = [](int) { return true; };  // decides each check, counted from 1
     std::function<void(int sleep)> duringSleep = [](int) {};                 // counted from 1
-    std::function<void()> beforeReading = [] {};
+    std::function<void()> afterReading = [] {};
     std::function<void(const Listener&)> beforeAdding = [](const Listener&) {};
     std::function<void(const Listener&)> onAdded = [](const Listener&) {};
     std::function<void(const Listener&)> beforeRemoving = [](const Listener&) {};
@@ -100,8 +100,9 @@ class FakeDeviceConfig {
     }
 
     com::korvel::deviceconfig::Properties read() {
-        beforeReading();
-        return properties();
+        auto values = properties();
+        afterReading();
+        return values;
     }
 
     void add(const Listener& listener) {
