@@ -142,7 +142,7 @@ TEST_F(RulesFile, WhateverBecomesOfItIsDeliveredAndSoIsTheNextGoodOne) {
 }
 
 TEST_F(RulesFile, UnreadableOneReadsAsNoConfigurationsUntilItIsMended) {
-    faults::openings[path] = {"", EACCES};
+    faults::openings[path.filename()] = {"", EACCES};
     manager = std::make_unique<Brenta::OS::VIG::VIGManager>();
     manager->registerCallback(receiver.callback());
     ASSERT_TRUE(log.sees("ViG device config is available now."));

@@ -3,7 +3,6 @@
 #include <dlfcn.h>
 
 #include <cerrno>
-#include <cstdarg>
 #include <cstdint>
 
 // (Without the headers that declare them, each in its own way.)
@@ -15,27 +14,32 @@ Function* realOne(const char* name) {
     return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
 }
 
-}  // namespace
+constexpr int kCurrentFolder = -100;
 
-extern "C" __attribute__((visibility("default"))) int open(const char* path, int flags, ...) {
-    std::va_list arguments;
-    va_start(arguments, flags);
-    const unsigned mode = va_arg(arguments, unsigned);  // of no meaning where none is given
-    va_end(arguments);
-    static const auto real = realOne<int(const char*, int, ...)>("open");
+int openUnlessFaulty(int folder, const char* path, int flags, unsigned mode) {
+    static const auto real = realOne<int(int, const char*, int, ...)>("openat");
     const auto fault = faults::openings.find(path);
     if (fault == faults::openings.end()) {
-        return real(path, flags, mode);
+        return real(folder, path, flags, mode);
     }
-    if (fault->second.error != 0) {
-        errno = fault->second.error;
-        return -1;
-    }
-    return real(fault->second.instead.c_str(), flags, mode);
+    errno = fault->second.error;
+    return errno != 0 ? -1 : real(folder, fault->second.instead.c_str(), flags, mode);
 }
 
-extern "C" __attribute__((visibility("default"))) int inotify_add_watch(int notifier, const char* path,
-                                                                        std::uint32_t mask) {
+}  // namespace
+
+#define EXPORT extern "C" __attribute__((visibility("default")))
+
+// The mode is of no meaning where none is given.
+EXPORT int open(const char* path, int flags, unsigned mode) {
+    return openUnlessFaulty(kCurrentFolder, path, flags, mode);
+}
+
+EXPORT int openat(int folder, const char* path, int flags, unsigned mode) {
+    return openUnlessFaulty(folder, path, flags, mode);
+}
+
+EXPORT int inotify_add_watch(int notifier, const char* path, std::uint32_t mask) {
     static const auto real = realOne<int(int, const char*, std::uint32_t)>("inotify_add_watch");
     if (faults::watchError == 0) {
         return real(notifier, path, mask);

@@ -12,7 +12,7 @@ struct Opening {
     int error = 0;        // unless this is not 0
 };
 
-inline std::map<std::string, Opening> openings;  // by path
+inline std::map<std::string, Opening> openings;  // by the path, or the name in a folder
 inline int watchError = 0;                       // what every new watch of a folder fails with
 
 }  // namespace faults
