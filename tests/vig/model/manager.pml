@@ -49,6 +49,7 @@ bool delivered[NUMBERS], givenUp[NUMBERS];
 byte calling;      /* the thread that is in the callback */
 byte latestCalled; /* the registration whose callback was called last */
 byte over;         /* the highest number of which the client knows that it is over */
+byte promised;     /* the registration that has been made and ended by no call since */
 byte callsWithin, idleClients;
 
 /* What each thread keeps for itself. */
@@ -111,6 +112,7 @@ inline registerCallback() {
     atomic {
         assert(!destroyed);
         deregistered = false;
+        promised = NONE;
         number = registration + 1;
         replaceRegistration(true)
     }
@@ -145,11 +147,18 @@ inline registerCallback() {
         failed = false
     :: else
     fi;
-    atomic { knowOver(number - 1); number = NONE }
+    atomic {
+        knowOver(number - 1);
+        if
+        :: registration == number -> promised = number
+        :: else
+        fi;
+        number = NONE
+    }
 }
 
 inline deregisterCallback() {
-    atomic { assert(!destroyed); endRegistration(); number = registration }
+    atomic { assert(!destroyed); promised = NONE; endRegistration(); number = registration }
     endUnsubscribe();
     if
     :: atomic {
@@ -360,6 +369,7 @@ inline expectServed() {
         !watching && calling == NONE && subscriber == NONE;
         assert(callback == NONE || givenUp[callback] ||
                (delivered[callback] && registered == callback && listener == callback));
+        assert(promised == NONE || callback == promised);
         assert(callback != NONE || (registered == NONE && listener == NONE))
     }
 }
