@@ -13,6 +13,9 @@ readonly BENCH_PACKAGES=(
 )
 # What the slower checks need besides.
 readonly CHECK_PACKAGES=(clang clang-format clang-tidy shellcheck zsh)
+# What explores the model of the manager.
+# shellcheck disable=SC2034
+readonly MODEL_PACKAGES=(gcc libc6-dev spin)
 
 as_root() {
     if [ "$(id -u)" -eq 0 ]; then

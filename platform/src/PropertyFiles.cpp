@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <host/DeviceConfigFiles.h>
+#include <host/TrustedFile.h>
 #include <unistd.h>
 
 #include <array>
@@ -32,7 +33,7 @@ bool isReadableFolder(const fs::path& folder) {
 }
 
 std::optional<std::string> readWhole(const fs::path& path) {
-    const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    const int file = openTrusted(path, O_RDONLY, 0);
     if (file < 0) {
         return std::nullopt;
     }

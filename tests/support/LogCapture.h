@@ -3,6 +3,9 @@
 #include <android/log.h>
 #include <host/LogSink.h>
 
+#include <algorithm>
+#include <chrono>
+#include <condition_variable>
 #include <memory>
 #include <mutex>
 #include <ostream>
@@ -42,6 +45,7 @@ class LogCapture {
         : previous(host::setLogSink([shared = captured](int priority, std::string_view tag, std::string_view message) {
               const std::lock_guard lock(shared->mutex);
               shared->lines.push_back({priority, std::string(tag), std::string(message)});
+              shared->logged.notify_all();
           })) {}
     LogCapture(const LogCapture&) = delete;
     LogCapture& operator=(const LogCapture&) = delete;
@@ -66,9 +70,18 @@ class LogCapture {
         return messages;
     }
 
+    // Whether the message has been logged, now or soon.
+    bool sees(std::string_view message) const {
+        std::unique_lock lock(captured->mutex);
+        return captured->logged.wait_for(lock, std::chrono::seconds(30), [&] {
+            return std::ranges::find(captured->lines, message, &LogLine::message) != captured->lines.end();
+        });
+    }
+
   private:
     struct Captured {
         std::mutex mutex;
+        std::condition_variable logged;
         std::vector<LogLine> lines;  // guarded by mutex
     };
 

@@ -39,6 +39,7 @@ TEST(Text, PrintableShowsWhatATerminalWouldActOn) {
 TEST(Text, JsonStringIsValidWhateverTheText) {
     EXPECT_EQ(tool::quoted(std::string_view("\"\\/\b\n\0\x1F\xC3\xA9\xFF", 10)),
               "\"\\\"\\\\/\\u0008\\n\\u0000\\u001f\xC3\xA9\xEF\xBF\xBD\"");
+    EXPECT_EQ(tool::quoted("\x7F\xC2\x9B\xE2\x80\xAE\xE2\x80\xA6"), "\"\\u007f\\u009b\\u202e\xE2\x80\xA6\"");
     EXPECT_EQ(tool::quoted(""), "\"\"");
 }
 

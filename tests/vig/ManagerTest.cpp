@@ -175,6 +175,15 @@ TEST_F(ManagerTest, DeliversTheResponseOfEachNotification) {
     EXPECT_EQ(log.messages(), before) << "a notification after the destruction must reach nothing";
 }
 
+TEST_F(ManagerTest, APropertyThatChangesWhileItIsReadIsDeliveredAgainWithTheNextNotification) {
+    config.setResponse(documentNumber(1));
+    config.afterReading = [&] { config.setResponse(documentNumber(2)); };
+    registerAndListen(receiver.callback());
+    EXPECT_THAT(receiver.sizes(), ElementsAre(1));
+    config.notify();
+    EXPECT_THAT(receiver.sizes(), ElementsAre(1, 2));
+}
+
 TEST_F(ManagerTest, ALaterRegistrationGetsADeliveryAndAListenerOfItsOwn) {
     manager->registerCallback(receiver.callback());
     receiver.waitFor(1);

@@ -1,6 +1,7 @@
 #include "tools/vig/FileText.h"
 
 #include <fcntl.h>
+#include <host/TrustedFile.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -11,12 +12,16 @@
 
 namespace tool {
 
+std::string whyNotOpened(int error) {
+    return error == EPERM ? "a symbolic link leads to it out of a folder that others can write" : systemError(error);
+}
+
 std::optional<std::string> readFile(const std::string& path, std::string& problem) {
     problem = RuleDocument::whyUnreadable(path);
     if (!problem.empty()) {
         return std::nullopt;
     }
-    const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    const Descriptor file(host::openTrusted(path, O_RDONLY, 0));
     std::string text;
     char piece[1 << 16];
     ssize_t got = file.isOpen() ? 1 : -1;
@@ -29,7 +34,7 @@ std::optional<std::string> readFile(const std::string& path, std::string& proble
         }
     }
     if (got < 0) {
-        problem = systemError(errno);
+        problem = whyNotOpened(errno);
         return std::nullopt;
     }
     return text;

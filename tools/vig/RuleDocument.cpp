@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <host/DeviceConfigFiles.h>
+#include <host/TrustedFile.h>
 #include <sys/eventfd.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -12,6 +13,8 @@
 #include <mutex>
 #include <utility>
 
+#include "tools/vig/Descriptor.h"
+#include "tools/vig/FileText.h"
 #include "tools/vig/Text.h"
 #include "tools/vig/trace/Tracer.h"
 #include "vig/VIGManager.h"
@@ -83,9 +86,10 @@ class RuleDocument::Manager : public VIGManager {
 };
 
 std::string RuleDocument::whyUnreadable(const std::string& path) {
+    const Descriptor file(host::openTrusted(path, O_PATH, 0));
     struct stat status = {};
-    if (stat(path.c_str(), &status) != 0) {
-        return systemError(errno);
+    if (!file.isOpen() || fstat(file.get(), &status) != 0) {
+        return whyNotOpened(errno);
     }
     if (S_ISDIR(status.st_mode)) {
         return systemError(EISDIR);

@@ -1,12 +1,14 @@
 #include "tools/vig/RuleRun.h"
 
 #include <fcntl.h>
+#include <host/TrustedFile.h>
 
 #include <cerrno>
 #include <utility>
 
 #include "tools/vig/Descriptor.h"
 #include "tools/vig/EventReader.h"
+#include "tools/vig/FileText.h"
 #include "tools/vig/JsonlReport.h"
 #include "tools/vig/Text.h"
 #include "tools/vig/TextReport.h"
@@ -64,9 +66,9 @@ std::optional<int> RuleRun::begin(Load load, RuleSession::Changes later) {
 
 bool RuleRun::readContext(AttributeSet& attributes) {
     const std::string& path = options.contextFile;
-    const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    const Descriptor file(host::openTrusted(path, O_RDONLY, 0));
     if (!file.isOpen()) {
-        console.complain(path + ": " + systemError(errno));
+        console.complain(path + ": " + whyNotOpened(errno));
         return false;
     }
     EventReader reader(file.get(), path, interruption, [] {});

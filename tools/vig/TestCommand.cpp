@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <fmt/format.h>
 #include <fnmatch.h>
+#include <host/TrustedFile.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -12,6 +13,7 @@
 #include <system_error>
 
 #include "tools/vig/Descriptor.h"
+#include "tools/vig/FileText.h"
 #include "tools/vig/Output.h"
 #include "tools/vig/Text.h"
 #include "tools/vig/test/Coverage.h"
@@ -176,7 +178,7 @@ class TestSuite {
 
     bool writeJUnit() {
         const std::string& path = options.junitFile;
-        const Descriptor file(open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644));
+        const Descriptor file(host::openTrusted(path, O_WRONLY | O_CREAT | O_TRUNC, 0644));
         int error = errno;
         if (file.isOpen()) {
             Output report(file.get());
@@ -186,7 +188,7 @@ class TestSuite {
         }
         if (error != 0) {
             out.flush();
-            console.complain(path + ": " + systemError(error));
+            console.complain(path + ": " + whyNotOpened(error));
         }
         return error == 0;
     }

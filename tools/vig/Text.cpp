@@ -75,8 +75,17 @@ unsigned dangerousCharacter(std::string_view text, std::size_t& length) {
 void appendJsonString(std::string& out, std::string_view text) {
     out += '"';
     const std::string valid = isPlainAscii(text) ? std::string() : replaceInvalidUtf8(std::string(text));
-    for (const char each : valid.empty() ? text : std::string_view(valid)) {
-        appendEscaped(out, each);
+    std::string_view rest = valid.empty() ? text : std::string_view(valid);
+    while (!rest.empty()) {
+        std::size_t length = 1;
+        if (const unsigned character = dangerousCharacter(rest, length); character >= 0x7F) {
+            fmt::format_to(std::back_inserter(out), "\\u{:04x}", character);
+        } else if (length == 1) {
+            appendEscaped(out, rest[0]);
+        } else {
+            out += rest.substr(0, length);
+        }
+        rest.remove_prefix(length);
     }
     out += '"';
 }

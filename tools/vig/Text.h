@@ -7,7 +7,8 @@
 
 namespace tool {
 
-// Appends the text as a JSON string, with its quotes. Ill-formed UTF-8 becomes U+FFFD.
+// Appends the text as a JSON string, with its quotes. Ill-formed UTF-8 becomes U+FFFD, and
+// what a terminal would act on is escaped.
 void appendJsonString(std::string& out, std::string_view text);
 
 // The text as a JSON string.

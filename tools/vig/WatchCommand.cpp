@@ -1,6 +1,7 @@
 #include "tools/vig/WatchCommand.h"
 
 #include <fcntl.h>
+#include <host/TrustedFile.h>
 #include <poll.h>
 #include <unistd.h>
 
@@ -13,6 +14,7 @@
 
 #include "tools/vig/Descriptor.h"
 #include "tools/vig/EventWriter.h"
+#include "tools/vig/FileText.h"
 #include "tools/vig/Output.h"
 #include "tools/vig/SystemSampler.h"
 #include "tools/vig/Text.h"
@@ -25,10 +27,10 @@ using Clock = std::chrono::steady_clock;
 
 // Opens the file for the recording, creating it (`isNew`) or, if that is wanted, one that is there.
 int openRecord(const WatchOptions& options, bool& isNew) {
-    constexpr int kHow = O_WRONLY | O_NOFOLLOW | O_CLOEXEC;
-    const int created = open(options.recordFile.c_str(), kHow | O_CREAT | O_EXCL, 0666);
+    constexpr int kHow = O_WRONLY | O_NOFOLLOW;
+    const int created = host::openTrusted(options.recordFile, kHow | O_CREAT | O_EXCL, 0666);
     isNew = created >= 0;
-    return isNew || errno != EEXIST || !options.overwrite ? created : open(options.recordFile.c_str(), kHow);
+    return isNew || errno != EEXIST || !options.overwrite ? created : host::openTrusted(options.recordFile, kHow, 0);
 }
 
 // What is recorded must not take the place of what is read, under whatever name.
@@ -38,14 +40,14 @@ bool isInput(const WatchOptions& options) {
            std::filesystem::equivalent(options.recordFile, options.contextFile, ignored);
 }
 
-std::string whyNotOpened(int error) {
+std::string whyNotRecorded(int error) {
     switch (error) {
         case EEXIST:
             return "it exists already; --force overwrites it";
         case ELOOP:
             return "it is a symbolic link";
         default:
-            return systemError(error);
+            return whyNotOpened(error);
     }
 }
 
@@ -146,7 +148,7 @@ int watch(const WatchOptions& options, const Console& console, const Interruptio
         if (interruption.requested()) {
             return kExitInterrupted;
         }
-        console.complain(options.recordFile + ": " + whyNotOpened(errno));
+        console.complain(options.recordFile + ": " + whyNotRecorded(errno));
         return kExitUnusable;
     }
     RuleRun ruleRun(options, console, interruption);

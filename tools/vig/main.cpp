@@ -36,8 +36,7 @@ int answer(const tool::Answer& given, const tool::Console& console) {
     }
     tool::Output output(console.out);
     output.write(given.text);
-    output.flush();
-    return output.failed() && !output.readerIsGone() ? tool::kExitUnusable : tool::kExitDone;
+    return console.finish(output, tool::kExitDone);
 }
 
 }  // namespace

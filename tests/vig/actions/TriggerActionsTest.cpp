@@ -131,6 +131,25 @@ TEST(TriggerActions, IgnoreWhatTheServiceAnswers) {
     EXPECT_THAT(log.lines(), IsEmpty());
 }
 
+TEST(TriggerActions, CallAServiceThatDiesAfterItWasFoundInVain) {
+    constexpr std::int32_t kDead = -129;  // how the binder answers for it
+    struct DeathBringer : TestEvent {
+        using TestEvent::TestEvent;
+        std::vector<std::string_view> keys(ValueType kind) const override {
+            host::removeService(android::String16("vendor.orlan.velora.ITrigger/default"));
+            return TestEvent::keys(kind);
+        }
+    };
+    FakeTriggerService service;
+    service.answer(android::binder::Status::fromExceptionCode(kDead));
+    const LogCapture log;
+    fire(kMemory, DeathBringer(kCamera));
+    EXPECT_THAT(log.lines(), IsEmpty());
+    fire(kMemory, TestEvent(kCamera));
+    EXPECT_EQ(log.lines(), errorLines({kNoService}));
+    EXPECT_EQ(service.triggers().size(), 1U);
+}
+
 TEST(TriggerActions, LeaveOutAListedAttributeThatHasNoValueUnlessItIsAString) {
     struct KeysWithoutValues : TestEvent {
         using TestEvent::TestEvent;

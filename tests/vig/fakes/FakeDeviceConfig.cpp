@@ -18,7 +18,7 @@ bool DeviceConfig::isDeviceConfigAvailable() {
 
 Properties DeviceConfig::getProperties(const std::string& ns, std::initializer_list<std::string> /*names*/) {
     EXPECT_EQ(ns, "korvel_vig");
-    return fakes::FakeDeviceConfig::current->properties();
+    return fakes::FakeDeviceConfig::current->read();
 }
 
 void DeviceConfig::addOnPropertiesChangeListener(const std::string& ns,

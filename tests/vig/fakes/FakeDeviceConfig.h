@@ -28,6 +28,7 @@ class FakeDeviceConfig {
 
     std::function<bool(int check)> availability = [](int) { return true; };  // decides each check, counted from 1
     std::function<void(int sleep)> duringSleep = [](int) {};                 // counted from 1
+    std::function<void()> afterReading = [] {};
     std::function<void(const Listener&)> beforeAdding = [](const Listener&) {};
     std::function<void(const Listener&)> onAdded = [](const Listener&) {};
     std::function<void(const Listener&)> beforeRemoving = [](const Listener&) {};
@@ -96,6 +97,12 @@ class FakeDeviceConfig {
         const int count = static_cast<int>(slept.size());
         lock.unlock();
         duringSleep(count);
+    }
+
+    com::korvel::deviceconfig::Properties read() {
+        auto values = properties();
+        afterReading();
+        return values;
     }
 
     void add(const Listener& listener) {

@@ -1,0 +1,192 @@
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "tests/support/Documents.h"
+#include "tests/support/TemporaryFolder.h"
+#include "tests/tools/ToolRun.h"
+#include "tools/vig/CatalogueCommand.h"
+#include "tools/vig/CheckCommand.h"
+#include "tools/vig/Descriptor.h"
+#include "tools/vig/FleetCommand.h"
+#include "tools/vig/GraphCommand.h"
+#include "tools/vig/RunCommand.h"
+#include "tools/vig/SummaryCommand.h"
+#include "tools/vig/TestCommand.h"
+#include "tools/vig/Text.h"
+#include "tools/vig/WatchCommand.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+using support::MemoryFile;
+using tool::Console;
+using tool::ReportFormat;
+
+// In JSON: a title for the terminal, an erasure begun by one character, and text written backwards.
+const std::string kHostile = "\\u001b]0;\\u0007\xC2\x9B\x32J\x7F\xE2\x80\xAE";
+const std::string kHostileName = "\x1B[2J\xC2\x9B\x32J\xE2\x80\xAE";
+
+// Every verb, in every format that is text, on a document, events, tests and files whose names all are hostile.
+class EveryVerb : public testing::Test {
+  protected:
+    using Verb = std::function<int(const Console&)>;
+
+    EveryVerb() {
+        const std::string trigger = R"([{"name":"TriggerVelora"}])";
+        const std::string filters =
+            "[" +
+            support::filter(">", "integer", support::operand("envvar", kHostile), support::operand("constant", "0")) +
+            "]";
+        rules =
+            write("rules", support::document({support::config(
+                               7, {support::transition("start", kHostile, "ProcessMemoryHeartBeat", filters, trigger),
+                                   support::transition(kHostile, "end", "Test")})}));
+        refused = write("refused", support::document({support::config(7, {support::transition("a", "b", kHostile)})}));
+        events = write("events", R"({"event":"ProcessMemoryHeartBeat","int64":{"vmRssKB":1,"vmSwapKB":2,")" + kHostile +
+                                     R"(":1},"string":{"processName":")" + kHostile + "\"}}\n");
+        tests = write("tests", R"({"rules":")" + fs::path(rules).filename().string().replace(5, 1, "\\u001b") +
+                                   R"(","tests":[{"name":")" + kHostile + R"(","events":[],"expect":{"states":{"7":")" +
+                                   kHostile + R"("},"log":[")" + kHostile + R"("]}}]})");
+        add("run", tool::run, ReportFormat::Text);
+        add("run --format jsonl", tool::run, ReportFormat::Jsonl);
+        add("run of several", tool::fleet, ReportFormat::Text);
+        add("run of several, as json", tool::fleet, ReportFormat::Json);
+        addWith<tool::CheckOptions>("check", tool::check, [this](auto& options) { options.rules = {rules, refused}; });
+        for (const auto format : {tool::FindingFormat::Json, tool::FindingFormat::Sarif}) {
+            addWith<tool::CheckOptions>("check as JSON", tool::check, [this, format](auto& options) {
+                options.rules = {rules, refused};
+                options.format = format;
+            });
+        }
+        for (const auto format : {tool::GraphFormat::Dot, tool::GraphFormat::Mermaid}) {
+            addWith<tool::GraphOptions>("graph", tool::graph, [this, format](auto& options) {
+                options.rules = rules;
+                options.events = events;
+                options.format = format;
+            });
+        }
+        addWith<tool::TestOptions>("test", tool::test, [this](auto& options) {
+            options.files = {tests};
+            options.coverage = true;
+            options.junitFile = folder.path("junit.xml");
+        });
+        addWith<tool::CatalogueOptions>("catalogue", tool::catalogue,
+                                        [this](auto& options) { options.events = events; });
+    }
+
+    std::string write(const std::string& name, const std::string& text) {
+        return folder.write(name + kHostileName, text);
+    }
+
+    template <typename Options>
+    void addWith(const std::string& name, int (*verb)(const Options&, const Console&, const tool::Interruption&),
+                 const std::function<void(Options&)>& set) {
+        Options options;
+        set(options);
+        verbs.emplace_back(
+            name, [this, verb, options](const Console& console) { return verb(options, console, interruption); });
+    }
+
+    void add(const std::string& name, int (*verb)(const tool::RunOptions&, const Console&, const tool::Interruption&),
+             ReportFormat format) {
+        addWith<tool::RunOptions>(name, verb, [this, format](auto& options) {
+            options.rules = rules;
+            options.events = events;
+            options.format = format;
+            options.explain = true;
+            options.whyNot = "configs[0].payload.data.transitions[1]";
+        });
+    }
+
+    void add(const std::string& name, int (*verb)(const tool::FleetOptions&, const Console&, const tool::Interruption&),
+             ReportFormat format) {
+        addWith<tool::FleetOptions>(name, verb, [this, format](auto& options) {
+            options.rules = rules;
+            options.devices = {events, events};
+            options.format = format;
+        });
+    }
+
+    const support::TemporaryFolder folder;
+    tool::Interruption interruption;
+    const tool::InterruptOnSignals signals{interruption};
+    std::string rules;
+    std::string refused;
+    std::string events;
+    std::string tests;
+    std::vector<std::pair<std::string, Verb>> verbs;
+};
+
+TEST_F(EveryVerb, SendsNothingToATerminalThatItWouldActOn) {
+    const auto expectHarmless = [](const std::string& text) {
+        for (const std::string& line : support::linesWith(text, "")) {
+            EXPECT_EQ(line, tool::printable(line));
+        }
+    };
+    for (const auto& [name, verb] : verbs) {
+        SCOPED_TRACE(name);
+        const MemoryFile out;
+        const MemoryFile err;
+        testing::internal::CaptureStderr();
+        verb({STDIN_FILENO, out.descriptor, err.descriptor});
+        EXPECT_EQ(testing::internal::GetCapturedStderr(), "") << "past the console";
+        EXPECT_NE(out.content(), "");
+        expectHarmless(out.content());
+        expectHarmless(err.content());
+    }
+}
+
+TEST_F(EveryVerb, SaysThatTheDiskIsFullAndNothingOfAReaderThatHasGone) {
+    const tool::Descriptor full(open("/dev/full", O_WRONLY | O_CLOEXEC));
+    int ends[2];
+    ASSERT_EQ(pipe2(ends, O_CLOEXEC), 0);
+    close(ends[0]);
+    const tool::Descriptor abandoned(ends[1]);
+    for (const auto& [name, verb] : verbs) {
+        SCOPED_TRACE(name);
+        const MemoryFile err;
+        EXPECT_EQ(verb({STDIN_FILENO, full.get(), err.descriptor}), 2);
+        EXPECT_NE(err.content().find("vig: error: standard output: No space left on device\n"), std::string::npos);
+        const MemoryFile quiet;
+        EXPECT_NE(verb({STDIN_FILENO, abandoned.get(), quiet.descriptor}), 2);
+        EXPECT_EQ(quiet.content(), "");
+    }
+}
+
+TEST(Links, OutOfAFolderThatOthersCanWriteAreNotFollowed) {
+    const support::TemporaryFolder folder;
+    fs::create_directory(folder.path("open"));
+    chmod(folder.path("open").c_str(), 01777);
+    const std::string secret = folder.write("secret.json", support::document({}));
+    fs::create_symlink("../secret.json", folder.path("open/rules.json"));
+    fs::create_symlink(folder.path(), folder.path("open/out"));
+    const std::string problem = ": a symbolic link leads to it out of a folder that others can write\n";
+    tool::WatchOptions options;
+    options.duration = std::chrono::milliseconds(0);
+    options.procFolder = options.sysFolder = folder.path("none");
+
+    options.rules = folder.path("open/rules.json");
+    EXPECT_EQ(support::runVerb(tool::watch, options).err, "vig: error: " + options.rules + problem);
+    options.rules = secret;
+    options.contextFile = folder.path("open/rules.json");
+    EXPECT_EQ(support::runVerb(tool::watch, options).err, "vig: error: " + options.contextFile + problem);
+    options.contextFile.clear();
+    options.recordFile = folder.path("open/out/record.jsonl");
+    EXPECT_EQ(support::runVerb(tool::watch, options).err, "vig: error: " + options.recordFile + problem);
+    EXPECT_FALSE(fs::exists(folder.path("record.jsonl")));
+    options.recordFile.clear();
+    EXPECT_EQ(support::runVerb(tool::watch, options).status, 0);
+}
+
+}  // namespace

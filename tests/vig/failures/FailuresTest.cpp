@@ -1,0 +1,182 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <host/DeviceConfigFiles.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <string>
+#include <thread>
+
+#include "tests/support/LogCapture.h"
+#include "tests/support/Receiver.h"
+#include "tests/support/TemporaryFolder.h"
+#include "tests/vig/failures/Faults.h"
+#include "vig/VIGManager.h"
+#include "vig/actions/PseudoRandomDoublePureFunctionImpl.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+using testing::ExitedWithCode;
+
+// Each in a process of its own, which has not drawn yet.
+TEST(RandomDevice, NumbersAreDrawnWhateverBecomesOfIt) {
+    const support::TemporaryFolder folder;
+    const faults::Opening cases[] = {
+        {"", ENOENT},
+        {"", EMFILE},
+        {folder.write("short", "12"), 0},
+        {folder.path(), 0},  // can be opened, but not read
+    };
+    const auto drawAndExit = [](const faults::Opening& fault) {
+        faults::openings["/dev/urandom"] = fault;
+        const auto draw = Brenta::OS::VIG::PseudoRandomDoublePureFunctionImpl::get();
+        bool spread = false;
+        for (int i = 0; i < 100; ++i) {
+            const double drawn = draw();
+            spread = spread || (drawn > 0.4 && drawn < 0.6);
+            if (drawn < 0 || drawn >= 1) {
+                std::exit(1);
+            }
+        }
+        std::exit(spread ? 0 : 2);
+    };
+    for (const faults::Opening& fault : cases) {
+        EXPECT_EXIT(drawAndExit(fault), ExitedWithCode(0), "");
+    }
+}
+
+std::string documentNumber(std::size_t number) {
+    std::string configs;
+    for (std::size_t id = 0; id < number; ++id) {
+        configs += (id == 0 ? "" : ",") + std::string(R"({"id":1,"payload":{"id":1,"data":{"transitions":[]}}})");
+    }
+    return R"({"configs":[)" + configs + "]}";
+}
+
+// A manager with the host's own device configuration, and the file that it follows.
+class RulesFile : public testing::Test {
+  protected:
+    RulesFile() {
+        replace(documentNumber(1));
+        host::bindProperty("korvel_vig", "vig_response", path);
+    }
+    ~RulesFile() override {
+        faults::openings.clear();
+        faults::watchError = 0;
+    }
+
+    void begin() {
+        manager = std::make_unique<Brenta::OS::VIG::VIGManager>();
+        manager->registerCallback(receiver.callback());
+        ASSERT_TRUE(log.sees("ViG device config is available now."));
+        EXPECT_THAT(receiver.sizes(), testing::ElementsAre(1));
+    }
+
+    void replace(const std::string& text) const { fs::rename(folder.write("new", text), path); }
+
+    // Whether the latest delivery has that many configurations, now or soon.
+    bool sees(std::size_t size) {
+        for (std::size_t deliveries = 1; !HasFailure(); ++deliveries) {
+            receiver.waitFor(deliveries);
+            if (receiver.sizes().back() == size) {
+                return true;
+            }
+        }
+        return false;
+    }
+
+    const support::TemporaryFolder folder;
+    const fs::path path = folder.path("rules.json");
+    const support::LogCapture log;
+    support::Receiver receiver;
+    std::unique_ptr<Brenta::OS::VIG::VIGManager> manager;
+};
+
+TEST_F(RulesFile, WhateverBecomesOfItIsDeliveredAndSoIsTheNextGoodOne) {
+    const struct {
+        const char* fate;
+        std::function<void()> change;
+        std::size_t delivered;
+    } cases[] = {
+        {"replaced by rename", [&] { replace(documentNumber(2)); }, 2},
+        {"truncated and written in pieces",
+         [&] {
+             std::ofstream file(path);
+             for (const char each : documentNumber(2)) {
+                 file << each << std::flush;
+             }
+         },
+         2},
+        {"deleted and created again",
+         [&] {
+             fs::remove(path);
+             folder.write("rules.json", documentNumber(2));
+         },
+         2},
+        {"deleted", [&] { fs::remove(path); }, 0},
+        {"a folder",
+         [&] {
+             fs::remove(path);
+             fs::create_directory(path);
+         },
+         0},
+        {"0 bytes", [&] { folder.write("rules.json", ""); }, 0},
+        {"half a document", [&] { folder.write("rules.json", documentNumber(2).substr(0, 40)); }, 0},
+        {"100 MB", [&] { replace(std::string(100'000'000, ' ') + documentNumber(2)); }, 2},
+    };
+    begin();
+    std::size_t good = 10;
+    for (const auto& each : cases) {
+        SCOPED_TRACE(each.fate);
+        each.change();
+        EXPECT_TRUE(sees(each.delivered));
+        fs::remove_all(path);
+        replace(documentNumber(++good));
+        EXPECT_TRUE(sees(good));
+    }
+}
+
+TEST_F(RulesFile, UnreadableOneReadsAsNoConfigurationsUntilItIsMended) {
+    faults::openings[path.filename()] = {"", EACCES};
+    manager = std::make_unique<Brenta::OS::VIG::VIGManager>();
+    manager->registerCallback(receiver.callback());
+    ASSERT_TRUE(log.sees("ViG device config is available now."));
+    EXPECT_THAT(receiver.sizes(), testing::ElementsAre(0));
+    manager->deregisterCallback();
+    manager.reset();
+    faults::openings.clear();
+    support::Receiver second;
+    manager = std::make_unique<Brenta::OS::VIG::VIGManager>();
+    manager->registerCallback(second.callback());
+    second.waitFor(1);
+    EXPECT_THAT(second.sizes(), testing::ElementsAre(1));
+}
+
+TEST_F(RulesFile, IsReadWholeThoughItIsReplacedMeanwhile) {
+    begin();
+    std::thread writer([this] {
+        for (std::size_t round = 0; round < 300; ++round) {
+            replace(documentNumber(2 + round % 2) + std::string(200'000, ' '));
+        }
+        replace(documentNumber(9));
+    });
+    EXPECT_TRUE(sees(9));
+    writer.join();
+    EXPECT_THAT(receiver.sizes(), testing::Each(testing::AnyOf(1, 2, 3, 9)));
+}
+
+TEST_F(RulesFile, IsDeliveredOnceIfTheSystemHasNoWatchesLeft) {
+    faults::watchError = ENOSPC;
+    begin();
+    EXPECT_THAT(log.messages(), testing::Contains("Changes of files go unnoticed: No space left on device."));
+    replace(documentNumber(2));
+    manager.reset();
+    EXPECT_THAT(receiver.sizes(), testing::ElementsAre(1));
+}
+
+}  // namespace

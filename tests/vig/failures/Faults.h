@@ -1,0 +1,18 @@
+#pragma once
+
+#include <map>
+#include <string>
+
+// What the system refuses to this executable, whose own definitions stand in front of the C library's. Set while no
+// other thread may look.
+namespace faults {
+
+struct Opening {
+    std::string instead;  // opened in the place of the path
+    int error = 0;        // unless this is not 0
+};
+
+inline std::map<std::string, Opening> openings;  // by the path, or the name in a folder
+inline int watchError = 0;                       // what every new watch of a folder fails with
+
+}  // namespace faults
