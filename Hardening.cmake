@@ -6,6 +6,7 @@ include(CheckPIESupported)
 check_pie_supported(LANGUAGES CXX)
 
 # Each where the compiler has it for the processor; the last two are the same thing on two kinds of processor.
+set(CMAKE_REQUIRED_FLAGS -Werror)
 foreach(flag -fstack-protector-strong -fstack-clash-protection -fcf-protection=full -mbranch-protection=standard)
   string(MAKE_C_IDENTIFIER VIG_HAS${flag} has)
   check_cxx_compiler_flag(${flag} ${has})
@@ -13,11 +14,14 @@ foreach(flag -fstack-protector-strong -fstack-clash-protection -fcf-protection=f
     add_compile_options(${flag})
   endif()
 endforeach()
+unset(CMAKE_REQUIRED_FLAGS)
 
 # Only an optimised build has what it checks with, and the sanitizers check the same themselves.
 if(CMAKE_BUILD_TYPE MATCHES "^(Rel|MinSize)" AND NOT CMAKE_CXX_FLAGS MATCHES "-fsanitize")
   add_compile_options(-U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=3)
-  set(VIG_FORTIFIED --fortified)
+  if(CMAKE_CXX_COMPILER_ID STREQUAL GNU)
+    set(VIG_FORTIFIED --fortified)
+  endif()
 endif()
 
 add_link_options(-Wl,-z,relro -Wl,-z,now -Wl,-z,noexecstack)
