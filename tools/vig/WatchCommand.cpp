@@ -158,9 +158,10 @@ int watch(const WatchOptions& options, const Console& console, const Interruptio
         }
         return *status;
     }
-    if (recording && !isNew) {
-        // Not before the rules are known to run: the earlier recording may be all that there is.
-        ftruncate(file.get(), 0);
+    // Not before the rules are known to run: the earlier recording may be all that there is. A pipe holds none.
+    if (recording && !isNew && ftruncate(file.get(), 0) != 0 && errno != EINVAL) {
+        console.complain(options.recordFile + ": " + whyNotOpened(errno));
+        return kExitUnusable;
     }
     Output record(file.get());
     return Watch(options, interruption, ruleRun, recording ? &record : nullptr).run();
