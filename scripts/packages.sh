@@ -11,6 +11,9 @@ readonly BUILD_PACKAGES=(
 readonly BENCH_PACKAGES=(
     binutils jq libbenchmark-dev libluajit-5.1-dev libmuparser-dev pkg-config valgrind
 )
+# What fuzzes.
+# shellcheck disable=SC2034
+readonly FUZZ_PACKAGES=(clang libclang-rt-14-dev)
 # What the slower checks need besides.
 readonly CHECK_PACKAGES=(clang clang-format clang-tidy shellcheck zsh)
 # What explores the model of the manager.

@@ -10,6 +10,7 @@
 #include <optional>
 #include <ostream>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace support {
@@ -49,6 +50,12 @@ class FakeTriggerService {
     std::vector<Trigger> triggers() const {
         const std::lock_guard lock(service->mutex);
         return service->triggers;
+    }
+
+    // Those since the last call.
+    std::vector<Trigger> takeTriggers() const {
+        const std::lock_guard lock(service->mutex);
+        return std::exchange(service->triggers, {});
     }
 
   private:

@@ -9,6 +9,7 @@
 
 #include "rulesengine/EvaluationContext.h"
 #include "rulesengine/Event.h"
+#include "rulesengine/TimeoutEvent.h"
 
 namespace support {
 
@@ -65,12 +66,12 @@ class WithAttributes : public Base {
 
 using TestContext = WithAttributes<Brenta::OS::RulesEngine::EvaluationContext>;
 
-class TestEvent : public WithAttributes<Brenta::OS::RulesEngine::Event> {
+// With their names too, as events have them.
+template <typename Base>
+class WithKeys : public WithAttributes<Base> {
   public:
-    using EventType = Brenta::OS::RulesEngine::EventType;
-
-    explicit TestEvent(Attributes values, EventType eventType = EventType::Test)
-        : WithAttributes(std::move(values), eventType) {}
+    using ValueType = Brenta::OS::RulesEngine::Event::ValueType;
+    using WithAttributes<Base>::WithAttributes;
 
     std::vector<std::string_view> keys(ValueType kind) const override {
         const auto namesOf = [](const auto& values) {
@@ -80,12 +81,23 @@ class TestEvent : public WithAttributes<Brenta::OS::RulesEngine::Event> {
             }
             return names;
         };
-        return kind == ValueType::Uint64   ? namesOf(attributes.uint64)
-               : kind == ValueType::Int64  ? namesOf(attributes.int64)
-               : kind == ValueType::Double ? namesOf(attributes.real)
-               : kind == ValueType::Bool   ? namesOf(attributes.boolean)
-                                           : namesOf(attributes.string);
+        const Attributes& all = this->attributes;
+        return kind == ValueType::Uint64   ? namesOf(all.uint64)
+               : kind == ValueType::Int64  ? namesOf(all.int64)
+               : kind == ValueType::Double ? namesOf(all.real)
+               : kind == ValueType::Bool   ? namesOf(all.boolean)
+                                           : namesOf(all.string);
     }
 };
+
+class TestEvent : public WithKeys<Brenta::OS::RulesEngine::Event> {
+  public:
+    using EventType = Brenta::OS::RulesEngine::EventType;
+
+    explicit TestEvent(Attributes values, EventType eventType = EventType::Test)
+        : WithKeys(std::move(values), eventType) {}
+};
+
+using TestTimeoutEvent = WithKeys<Brenta::OS::RulesEngine::TimeoutEvent>;
 
 }  // namespace support

@@ -11,7 +11,7 @@
 #include <utility>
 #include <vector>
 
-#include "tests/support/Mutator.h"
+#include "tests/support/DocumentGenerator.h"
 #include "tools/vig/Registry.h"
 #include "vig/parsers/VIGResponseParser.h"
 
@@ -193,84 +193,6 @@ TEST(Checker, FindsNothingInTheExamples) {
     }
 }
 
-// Draws documents of the right shape, in which now and then a member is missing, misspelt or something else.
-class Generator {
-  public:
-    explicit Generator(support::Mutator& source) : mutator(source) {}
-
-    std::string document() {
-        return object({{"configs", list([&] { return config(); })}});
-    }
-
-  private:
-    using Members = std::vector<std::pair<std::string, std::string>>;
-
-    std::string pick(const std::vector<std::string>& texts) { return texts[mutator.draw(texts.size())]; }
-
-    bool errs() { return mutator.draw(60) == 0; }
-
-    std::string valueOr(const std::string& value) {
-        return errs()
-                   ? pick({"null", "1", "-2.5", "1e99", "true", "\"\"", "\"end\"", "[]", "{}", "[{}]", "[[1]]", value})
-                   : value;
-    }
-
-    std::string object(const Members& members) {
-        std::string text;
-        for (const auto& [key, value] : members) {
-            text += text.empty() ? "" : ",";
-            text += "\"" + (errs() ? pick({"id", "x", "value", "type", key}) : key) + "\":" + valueOr(value);
-        }
-        return "{" + text + (errs() ? ",}" : "}");
-    }
-
-    std::string list(const auto& element) {
-        std::string text;
-        for (std::size_t count = mutator.draw(3); count > 0; --count) {
-            text += (text.empty() ? "" : ",") + valueOr(element());
-        }
-        return "[" + text + "]";
-    }
-
-    std::string config() {
-        const std::string machine = object({{"transitions", list([&] { return transition(); })}});
-        return object({{"id", "7"}, {"payload", object({{"id", "1"}, {"data", machine}})}});
-    }
-
-    std::string transition() {
-        return object({{"from_state", "\"start\""},
-                       {"to_state", "\"end\""},
-                       {"event", pick({"\"Test\"", "\"Timeout\"", "\"EnteringState\""})},
-                       {"filters", list([&] { return filter(); })},
-                       {"actions", list([&] { return action(); })}});
-    }
-
-    std::string filter() {
-        return object({{"operator", pick({"\"==\"", "\"<\""})},
-                       {"value_type", pick({"\"string\"", "\"double\"", "\"double\"", "\"integer\""})},
-                       {"operand1", operand()},
-                       {"operand2", operand()}});
-    }
-
-    std::string operand() {
-        return object({{"type", pick({"\"constant\"", "\"envvar\"", "\"envvar\"", "\"function\""})},
-                       {"value", errs() ? "\"abc\"" : pick({"\"1\"", "\"2.5\"", "\"PseudoRandomDouble\""})}});
-    }
-
-    std::string action() {
-        Members members = {{"name", pick({"\"Test\"", "\"TriggerVelora\""})}};
-        if (mutator.draw(10) == 0) {
-            members.emplace_back("parameters", list([&] {
-                                     return object({{"type", pick({"\"integer\"", "\"string\""})},
-                                                    {"value", pick({"1", "\"x\"", "2.5"})}});
-                                 }));
-        }
-        return object(members);
-    }
-
-    support::Mutator& mutator;
-};
-
 TEST(Checker, FindsErrorsExactlyInWhatTheLibraryRefuses) {
     const host::LogSink previous = host::setLogSink([](int, std::string_view, std::string_view) {});
     const auto registry = tool::libraryRegistry();
@@ -279,7 +201,7 @@ TEST(Checker, FindsErrorsExactlyInWhatTheLibraryRefuses) {
         return each.severity == tool::Severity::Error && each.name != "endless-entering";
     };
     support::Mutator mutator;
-    Generator generator(mutator);
+    support::DocumentGenerator generator(mutator, 60);
     int accepted = 0;
     constexpr int kDocuments = 100'000;
     for (int round = 0; round < kDocuments; ++round) {

@@ -1,0 +1,64 @@
+#!/usr/bin/env bash
+# Installs what is missing, builds the fuzz targets and runs each for so many seconds (60 without an argument), two at
+# a time. Fails, and names the input, if one of them finds something. See fuzz/README.md.
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")"
+# shellcheck source=scripts/packages.sh
+. scripts/packages.sh
+# shellcheck source=scripts/build.sh
+. scripts/build.sh
+
+readonly SECONDS_EACH=${1:-60}
+readonly FOUND=build/fuzz-found
+
+# Leaks are looked for at the end, which is much faster than after each text.
+readonly OPTIONS=(
+    -max_total_time="$SECONDS_EACH" -max_len=4096 -mutate_depth=1 -entropic=0 -dict=fuzz/json.dict
+    -timeout=30 -rss_limit_mb=1024 -malloc_limit_mb=256 -detect_leaks=0 -print_final_stats=1 -print_funcs=0
+)
+
+# fuzz TARGET: what it finds interesting goes to FOUND, where the next run begins with it; what it finds wrong too.
+fuzz() {
+    local target=$1
+    mkdir -p "$FOUND/$target"
+    rm -f "$FOUND/$target"-*
+    build/fuzz/fuzz/fuzz_"$target" "${OPTIONS[@]}" -artifact_prefix="$FOUND/$target-" "$FOUND/$target" \
+        "fuzz/corpus/$target" >"$FOUND/$target.log" 2>&1 </dev/null || touch "$FOUND/$target-failed"
+}
+
+# report TARGET: a row of the table; fails if the target has found something.
+report() {
+    local target=$1 log=$FOUND/$1.log
+    awk -v target="$target" '
+        /^stat::number_of_executed_units/ { runs = $2 }
+        /^stat::average_exec_per_sec/ { speed = $2 }
+        /^stat::peak_rss_mb/ { memory = $2 }
+        / cov: / { edges = $4; features = $6 }
+        /^shares:/ { sub("shares:", ""); shares = $0 }
+        END { printf "%-10s %11d %8d %7d MB %7d %9d%s\n", target, runs, speed, memory, edges, features, shares }' "$log"
+    if [ -e "$FOUND/$target-failed" ]; then
+        tail -n 40 "$log" >&2
+        echo "fuzz_$target has failed:" "$FOUND/$target"-* >&2
+        return 1
+    fi
+}
+
+install_packages "${BUILD_PACKAGES[@]}" "${FUZZ_PACKAGES[@]}"
+build_preset fuzz vig_fuzz
+
+readonly TARGETS=(documents engine events files check)
+mkdir -p "$FOUND"
+for target in "${TARGETS[@]}"; do
+    if [ "$(jobs -rp | wc -l)" -ge 2 ]; then
+        wait -n
+    fi
+    fuzz "$target" &
+done
+wait
+
+status=0
+printf '%-10s %11s %8s %10s %7s %9s\n' target executions a-second memory edges features
+for target in "${TARGETS[@]}"; do
+    report "$target" || status=1
+done
+exit "$status"

@@ -1,0 +1,97 @@
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "fuzz/Limits.h"
+#include "tools/vig/Decoder.h"
+#include "tools/vig/EventReader.h"
+#include "tools/vig/EventWriter.h"
+
+// A file of event records, plain or compressed. Read in small pieces it must give the same as in large ones, and each
+// record written and read again must be the same one.
+
+namespace {
+
+using tool::EventReader;
+using tool::EventRecord;
+
+struct Reading {
+    std::vector<EventRecord> records = {};
+    std::string error = {};
+
+    bool operator==(const Reading&) const = default;
+};
+
+[[noreturn]] void fail(const std::string& what) {
+    std::fprintf(stderr, "%s\n", what.c_str());
+    std::abort();
+}
+
+// Through a pipe, in pieces of that size.
+Reading readEvents(std::string_view text, std::size_t size) {
+    static const tool::Interruption never;
+    std::array<int, 2> ends{};
+    if (pipe(ends.data()) != 0) {
+        fail("there is no pipe");
+    }
+    EventReader reader(ends[0], "events", never, [&] {
+        const std::string_view piece = text.substr(0, size);
+        if (piece.empty()) {
+            close(std::exchange(ends[1], -1));
+        } else if (write(ends[1], piece.data(), piece.size()) != static_cast<ssize_t>(piece.size())) {
+            fail("the pipe is full");
+        }
+        text.remove_prefix(piece.size());
+    });
+    Reading reading;
+    EventRecord record;
+    auto status = reader.next(record);
+    for (; status == EventReader::Status::Record; status = reader.next(record)) {
+        reading.records.push_back(record);
+    }
+    reading.error = status == EventReader::Status::Failed ? reader.error() : "";
+    close(ends[0]);
+    close(ends[1]);  // open if the reader has given up
+    return reading;
+}
+
+void writeAndReadAgain(const EventRecord& record) {
+    std::string line;
+    tool::Output output([&](std::string_view text) {
+        line += text;
+        return 0;
+    });
+    writeEvent(output, record);
+    output.flush();
+    const std::size_t size = line.size() - 1;
+    line.append(tool::LineReader::PADDING, ' ');
+    static tool::RecordParser parser;
+    EventRecord again;
+    if (!parser.parse(std::string_view(line).substr(0, size), again) || !(again == record)) {
+        fail("read again otherwise: " + line + parser.error());
+    }
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    constexpr std::size_t kLargePiece = 32768;
+    constexpr std::size_t kOneIn = 8;  // most of the time goes into making a reader
+    const std::string text(reinterpret_cast<const char*>(data), size);
+    // A small compressed file may ask for a large window, and holds lines that are larger than it.
+    const std::size_t always = (tool::mayBeCompressed(text.substr(0, tool::kMagicSize)) ? 200 : 4) * fuzz::kMegabyte;
+    Reading reading;
+    fuzz::useWithinLimits(text, always, [&](const std::string& events) { reading = readEvents(events, kLargePiece); });
+    if (size % kOneIn == 0 && readEvents(text, std::min(1 + size / 3, kLargePiece)) != reading) {
+        fail("small pieces give something else");
+    }
+    std::ranges::for_each(reading.records, writeAndReadAgain);
+    return 0;
+}

@@ -1,0 +1,67 @@
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "fuzz/Limits.h"
+#include "tests/support/TemporaryFolder.h"
+#include "tools/vig/check/Catalogue.h"
+#include "tools/vig/test/TestFile.h"
+
+// A catalogue, or a file of tests. A catalogue written and read again must be the same one.
+
+namespace {
+
+using tool::Catalogue;
+using tool::DocumentText;
+
+void readCatalogue(const std::string& text) {
+    std::string problem;
+    const auto catalogue = Catalogue::read(DocumentText("catalogue", text), problem);
+    if (catalogue.has_value() != problem.empty()) {
+        std::abort();
+    }
+    if (!catalogue) {
+        return;
+    }
+    const auto again = Catalogue::read(DocumentText("catalogue", catalogue->text()), problem);
+    if (!again || again->text() != catalogue->text()) {
+        std::fprintf(stderr, "%s\n%s\n", problem.c_str(), catalogue->text().c_str());
+        std::abort();
+    }
+}
+
+// The tests may name the file itself and another one, but nothing outside of their folder.
+void readTests(const std::string& text) {
+    static const support::TemporaryFolder folder;
+    static const std::string file = folder.write("tests", "");
+    static const std::string events = folder.write("e", "{\"event\":\"Test\"}\n");
+    static const int descriptor = open(file.c_str(), O_WRONLY);
+    const ssize_t written = pwrite(descriptor, text.data(), text.size(), 0);
+    if (written != static_cast<ssize_t>(text.size()) || ftruncate(descriptor, written) != 0) {
+        std::abort();
+    }
+    std::vector<std::string> errors;
+    if (tool::readTestFile(file, errors).has_value() != errors.empty()) {
+        std::abort();
+    }
+}
+
+bool leadsElsewhere(std::string_view text) {
+    return text.find('/') != text.npos || text.find("u002") != text.npos;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const std::string text(reinterpret_cast<const char*>(data), size);
+    fuzz::useWithinLimits(text, fuzz::kMegabyte, readCatalogue);
+    if (!leadsElsewhere(text)) {
+        fuzz::useWithinLimits(text, fuzz::kMegabyte, readTests);
+    }
+    return 0;
+}

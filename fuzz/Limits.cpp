@@ -1,0 +1,102 @@
+#include "fuzz/Limits.h"
+
+#include <sanitizer/allocator_interface.h>
+#include <time.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdio>
+#include <cstdlib>
+#include <string_view>
+
+#include "fuzz/JsonMutator.h"
+
+namespace fuzz {
+
+namespace {
+
+constexpr std::size_t kOneIn = 8192;
+constexpr std::size_t kSmall = std::size_t{32} << 10;
+constexpr std::size_t kLarge = 4 * kSmall;
+
+// What is asked for, without what the sanitizer adds. The targets have one thread.
+std::size_t inUse = 0;
+std::size_t mostInUse = 0;
+
+void onAllocation(const volatile void* /*memory*/, std::size_t size) {
+    inUse += size;
+    mostInUse = std::max(mostInUse, inUse);
+}
+
+void onRelease(const volatile void* memory) {
+    inUse -= std::min(inUse, __sanitizer_get_allocated_size(memory));
+}
+
+[[maybe_unused]] const int hooks = __sanitizer_install_malloc_and_free_hooks(onAllocation, onRelease);
+
+double secondsOfThread() {
+    timespec now = {};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
+    return static_cast<double>(now.tv_sec) + 1e-9 * static_cast<double>(now.tv_nsec);
+}
+
+// How long it took.
+double useWithinMemory(const std::string& text, std::size_t always,
+                       const std::function<void(const std::string&)>& use) {
+    constexpr std::size_t kForAByte = 256;
+    const std::size_t before = inUse;
+    const double begin = secondsOfThread();
+    mostInUse = inUse;
+    use(text);
+    if (mostInUse - before > always + kForAByte * text.size()) {
+        std::fprintf(stderr, "%zu bytes in use for a text of %zu bytes\n", mostInUse - before, text.size());
+        std::abort();
+    }
+    return secondsOfThread() - begin;
+}
+
+std::string repeated(const std::string& text, std::size_t place, const std::string& piece, std::size_t size) {
+    std::string pieces;
+    while (!piece.empty() && pieces.size() < size) {
+        pieces += piece;
+    }
+    return text.substr(0, place) + pieces + text.substr(place);
+}
+
+void useLarge(const std::string& text, std::size_t always, std::size_t random,
+              const std::function<void(const std::string&)>& use) {
+    // Another value of a list, or any piece of the text.
+    const std::vector<Value> values = valuesIn(text);
+    std::size_t place = random % text.size();
+    std::string piece = text.substr(place, 1 + random / text.size() % 64);
+    if (!values.empty() && random % 2 == 0) {
+        const Value& value = values[random / 2 % values.size()];
+        place = value.end;
+        piece = "," + text.substr(value.memberBegin, value.end - value.memberBegin);
+    }
+    const std::string small = repeated(text, place, piece, kSmall);
+    const std::string large = repeated(text, place, piece, kLarge);
+    constexpr int kTries = 3;  // the machine may have done something else
+    for (int tries = 0; tries < kTries; ++tries) {
+        const double forSmall = useWithinMemory(small, always, use);
+        const double forLarge = useWithinMemory(large, always, use);
+        if (forLarge < 0.02 + 10 * forSmall) {  // 16 times as long if it were quadratic
+            return;
+        }
+        std::fprintf(stderr, "%f s for %zu bytes, %f s for %zu bytes\n", forSmall, small.size(), forLarge,
+                     large.size());
+    }
+    std::abort();
+}
+
+}  // namespace
+
+void useWithinLimits(const std::string& text, std::size_t always, const std::function<void(const std::string&)>& use) {
+    const std::size_t random = std::hash<std::string>()(text);
+    if (!text.empty() && random % kOneIn == 0) {
+        useLarge(text, always, random / kOneIn, use);
+    }
+    useWithinMemory(text, always, use);
+}
+
+}  // namespace fuzz
