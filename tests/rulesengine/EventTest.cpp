@@ -55,6 +55,7 @@ TEST(Event, WithoutOverridesHasNoAttributesAndMatchesItsOwnTypeOnly) {
         expectBare(Event(type), type);
     }
     expectBare(Event::ENTERING_STATE, EventType::EnteringState);
+    expectBare(EnteringStateEvent(), EventType::EnteringState);
     expectBare(TimeoutEvent(3), EventType::Timeout);
 }
 

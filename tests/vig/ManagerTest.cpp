@@ -184,6 +184,19 @@ TEST_F(ManagerTest, APropertyThatChangesWhileItIsReadIsDeliveredAgainWithTheNext
     EXPECT_THAT(receiver.sizes(), ElementsAre(1, 2));
 }
 
+TEST_F(ManagerTest, DeregistrationWhileTheDocumentIsReadKeepsItFromTheCallback) {
+    std::promise<void> read;
+    config.afterReading = [&] {
+        manager->deregisterCallback();
+        read.set_value();
+    };
+    manager->registerCallback(receiver.callback());
+    read.get_future().wait();
+    destroy();
+    EXPECT_EQ(receiver.uses(), 0);
+    EXPECT_THAT(config.listeners(), IsEmpty());
+}
+
 TEST_F(ManagerTest, ALaterRegistrationGetsADeliveryAndAListenerOfItsOwn) {
     manager->registerCallback(receiver.callback());
     receiver.waitFor(1);
@@ -413,9 +426,11 @@ class OvertakenManager : public VIGManager {
 };
 
 TEST_F(ManagerTest, ARegistrationThatEndsBeforeItIsWatchedLeavesNoListener) {
-    OvertakenManager overtaken;
-    overtaken.registerCallback(receiver.callback());
-    overtaken.VIGManager::configureDeviceConfigService();
+    {
+        OvertakenManager overtaken;
+        overtaken.registerCallback(receiver.callback());
+        overtaken.VIGManager::configureDeviceConfigService();
+    }
     EXPECT_EQ(config.checks(), 0);
     EXPECT_EQ(receiver.uses(), 0);
 }

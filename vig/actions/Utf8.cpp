@@ -11,13 +11,10 @@ struct Sequence {
     bool wellFormed;
 };
 
-// The sequence at the beginning of `text`, which is not empty. The second byte has a narrower range after some
-// lead bytes, which rules out overlong forms, surrogates and what is beyond U+10FFFF.
+// The sequence at the beginning of `text`, which is not empty and does not begin with ASCII. The second byte has a
+// narrower range after some lead bytes, which rules out overlong forms, surrogates and what is beyond U+10FFFF.
 Sequence firstSequence(std::string_view text) {
     const auto lead = static_cast<unsigned char>(text[0]);
-    if (lead < 0x80) {
-        return {1, true};
-    }
     if (lead < 0xC2 || lead > 0xF4) {
         return {1, false};
     }
