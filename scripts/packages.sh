@@ -14,6 +14,12 @@ readonly BENCH_PACKAGES=(
 # What fuzzes.
 # shellcheck disable=SC2034
 readonly FUZZ_PACKAGES=(clang libclang-rt-14-dev)
+# What counts the lines and branches that the tests reach.
+# shellcheck disable=SC2034
+readonly COVERAGE_PACKAGES=(gcovr)
+# What makes the many small builds of the mutation test fast.
+# shellcheck disable=SC2034
+readonly MUTATION_PACKAGES=(ccache lld)
 # What the slower checks need besides.
 readonly CHECK_PACKAGES=(clang clang-format clang-tidy shellcheck zsh)
 # What explores the model of the manager.

@@ -69,6 +69,7 @@ TEST(FilterParser, RefusesABadMemberWithItsMessages) {
         {"operator", {R"("=>")"}, {"Invalid operator string: =>."}},
         {"operator", {R"(" ==")"}, {"Invalid operator string:  ==."}},
         {"operator", {R"("=")"}, {"Invalid operator string: =."}},
+        {"operator", {R"("%n%s")"}, {"Invalid operator string: %n%s."}},  // a document is no format
         {"value_type", {"", "null", R"("")"}, {"Invalid operand value type: ."}},
         {"value_type", {R"("Integer")"}, {"Invalid operand value type: Integer."}},
         {"value_type", {"0.5"}, {"Invalid operand value type: 0.5."}},

@@ -1,7 +1,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <host/LogSink.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
+#include <functional>
 #include <iostream>
 #include <string>
 
@@ -68,21 +72,63 @@ TEST_F(HostileText, EveryTruncationOfTheExamplesIsRefused) {
     }
 }
 
+constexpr std::size_t kMegabyte = std::size_t{1} << 20;
+
+std::string repeated(std::string_view piece, std::size_t size) {
+    std::string text;
+    while (text.size() < size) {
+        text += piece;
+    }
+    return text;
+}
+
 // Each would take minutes if the time for it were quadratic.
 TEST_F(HostileText, LargeTextsOfOneKindTakeTimeInProportion) {
-    const auto repeated = [](std::string_view piece) {
-        std::string text;
-        while (text.size() < (std::size_t{4} << 20)) {
-            text += piece;
-        }
-        return text;
-    };
     const std::string open = R"({"configs":[],"x":[1)";
     for (const char* piece : {"/**/", "//\n", ",[]", ",{}", ",\"\\u0041\"", " ", ",1.5", ",[[[[[[[[1]]]]]]]]", "["}) {
-        survive(open + "/*" + repeated(" ") + "\n*/" + repeated(piece) + "]}");
-        survive(repeated(piece));
+        survive(open + "/*" + repeated(" ", 4 * kMegabyte) + "\n*/" + repeated(piece, 4 * kMegabyte) + "]}");
+        survive(repeated(piece, 4 * kMegabyte));
     }
 }
+
+#ifndef __SANITIZE_ADDRESS__  // which takes memory of its own
+
+// The most that a process like this one has had in memory, in bytes, when it has done the work.
+std::size_t peakMemory(const std::function<void()>& work) {
+    const pid_t child = fork();
+    if (child == 0) {
+        work();
+        _exit(0);
+    }
+    int status = 0;
+    rusage usage{};
+    EXPECT_EQ(wait4(child, &status, 0, &usage), child);
+    EXPECT_EQ(status, 0);
+    return static_cast<std::size_t>(usage.ru_maxrss) * 1024;
+}
+
+TEST_F(HostileText, ADocumentNeedsAtMostAHundredAndFiftyTimesItsSize) {
+    // What is refused is shown in the log, indented, if it is not nested deeper than 32 levels.
+    const auto deep = [](const std::string& more) { return std::string(31, '[') + "1" + more + std::string(31, ']'); };
+    const std::string open = R"({"configs":[],"x":[1)";
+    const std::string transition = R"({"from_state":"","to_state":"","event":"Test","filters":[],"actions":[]},)";
+    const std::string texts[] = {
+        open + repeated(",1", kMegabyte) + "]}",
+        open + repeated(",[]", kMegabyte) + "]}",
+        open + repeated(",{}", kMegabyte) + "]}",
+        open + repeated(",[[[[[[[[1]]]]]]]]", kMegabyte) + "]}",
+        R"({"configs":[)" + deep(repeated(",1", kMegabyte)) + "]}",
+        R"({"configs":[)" + deep(repeated(",[]", kMegabyte)) + "]}",
+        R"({"configs":[)" + repeated("," + deep(""), kMegabyte).substr(1) + "]}",
+        R"({"configs":[{"id":1,"payload":{"id":1,"data":{"transitions":[)" + repeated(transition, kMegabyte) + "]}}}]}",
+    };
+    const std::size_t before = peakMemory([] {});
+    for (const std::string& text : texts) {
+        EXPECT_LT(peakMemory([&] { manager.parseResponse(text); }), before + 150 * text.size()) << text.substr(0, 100);
+    }
+}
+
+#endif
 
 TEST_F(HostileText, AHundredThousandMutationsAreSurvived) {
     int accepted = 0;

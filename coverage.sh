@@ -1,0 +1,40 @@
+#!/usr/bin/env bash
+# Installs what is missing, builds with counters, runs the tests, and prints which lines and branches of the library and
+# of the tool they reach, and those that they do not. Fails below the aims at the end of this file.
+#
+# A line counts once, and a branch once for each way that it can go, however many instances of a template have it. Of
+# the branches that the compiler adds, those that an exception takes out of a call are not counted, since no call of
+# the library throws, nor those of lines without code of ours, such as the end of a scope. Assertions are left out of
+# the build. What is in tests/, in platform/ and in the system's headers does not count.
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")"
+# shellcheck source=scripts/packages.sh
+. scripts/packages.sh
+# shellcheck source=scripts/build.sh
+. scripts/build.sh
+
+install_packages "${BUILD_PACKAGES[@]}" "${COVERAGE_PACKAGES[@]}"
+build_preset coverage
+find build/coverage -name '*.gcda' -delete
+ctest --test-dir build/coverage --output-on-failure --parallel 2 --quiet
+
+# report NAME LINES BRANCHES FILTER...: fails if fewer percent than LINES and BRANCHES are reached.
+report() {
+    local name=$1 lines=$2 branches=$3 status=0
+    shift 3
+    local gcovr=(gcovr --root . --object-directory build/coverage "${@/#/--filter=}"
+        --exclude-throw-branches --exclude-unreachable-branches)
+    printf '\n== %s: what is not reached\n' "$name"
+    "${gcovr[@]}" --json build/coverage.json
+    gcovr --root . --add-tracefile build/coverage.json --txt - | awk '/^---/ { n++ } n == 1 && NF > 4'
+    gcovr --root . --add-tracefile build/coverage.json --branches | awk '/^---/ { n++ } n == 1 && NF > 4'
+    printf '\n== %s: at least %s %% of the lines and %s %% of the branches\n' "$name" "$lines" "$branches"
+    gcovr --root . --add-tracefile build/coverage.json --print-summary --output /dev/null \
+        --fail-under-line "$lines" --fail-under-branch "$branches" || status=1
+    return "$status"
+}
+
+status=0
+report "the library" 100 95 os/ rulesengine/ vig/ || status=1
+report "the tool" 90 0 tools/vig/ || status=1
+exit "$status"

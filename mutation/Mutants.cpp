@@ -1,0 +1,343 @@
+// Lists the small faults that could have been made in a C++ file, or prints the file with one of them.
+//
+//     mutants FILE           a line each: number, line in the file, change and source line, separated by tabs
+//     mutants FILE NUMBER    the file with that fault
+//
+// It knows the language by its tokens alone and relies on the layout of clang-format: what stands between two spaces is
+// a binary operator, and a statement begins its line. A fault that does not compile is for its user to find out.
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <cstddef>
+#include <cstdlib>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace {
+
+struct Token {
+    enum class Kind { Word, Number, Text, Symbol };
+
+    Kind kind;
+    std::size_t begin;
+    std::size_t end;
+};
+
+struct Mutant {
+    std::size_t begin;
+    std::size_t end;
+    std::string replacement;
+    std::string change;
+};
+
+bool isWordCharacter(char character) {
+    return std::isalnum(static_cast<unsigned char>(character)) != 0 || character == '_';
+}
+
+// Comments, directives and white space are no tokens.
+class Lexer {
+  public:
+    explicit Lexer(std::string_view source) : text(source) {}
+
+    std::vector<Token> tokens() {
+        std::vector<Token> all;
+        while (skipSeparators(), place < text.size()) {
+            const std::size_t begin = place;
+            const Token::Kind kind = skipToken();
+            all.push_back({kind, begin, place});
+        }
+        return all;
+    }
+
+  private:
+    bool isAt(std::string_view mark) const { return text.substr(place, mark.size()) == mark; }
+
+    void skipPast(std::string_view mark) { place = std::min(text.find(mark, place), text.size() - 1) + mark.size(); }
+
+    void skipSeparators() {
+        for (;;) {
+            place = std::min(text.find_first_not_of(" \n", place), text.size());
+            if (isAt("//") || isAt("#")) {
+                skipPast("\n");
+            } else if (isAt("/*")) {
+                skipPast("*/");
+            } else {
+                return;
+            }
+        }
+    }
+
+    Token::Kind skipToken() {
+        const char first = text[place];
+        if (first == '"' || first == '\'') {
+            skipQuoted(first);
+            return Token::Kind::Text;
+        }
+        if (isWordCharacter(first)) {
+            const bool isNumber = std::isdigit(static_cast<unsigned char>(first)) != 0;
+            while (place < text.size() && (isWordCharacter(text[place]) || (isNumber && isWithinNumber()))) {
+                ++place;
+            }
+            return isNumber ? Token::Kind::Number : Token::Kind::Word;
+        }
+        static constexpr std::array<std::string_view, 22> kLong{
+            "<=>", "<<=", ">>=", "->", "::", "==", "!=", "<=", ">=", "&&", "||",
+            "++",  "--",  "+=",  "-=", "*=", "/=", "%=", "&=", "|=", "^=", "<<"};
+        const auto* const found = std::find_if(kLong.begin(), kLong.end(), [&](auto mark) { return isAt(mark); });
+        place += found == kLong.end() ? 1 : found->size();
+        return Token::Kind::Symbol;
+    }
+
+    // A decimal point, a digit separator, or the sign of an exponent of a hexadecimal number.
+    bool isWithinNumber() const {
+        return text[place] == '.' || text[place] == '\'' || (text[place - 1] == 'p' && text[place] == '-');
+    }
+
+    void skipQuoted(char quote) {
+        for (++place; text[place] != quote; ++place) {
+            place += text[place] == '\\' ? 1 : 0;
+        }
+        ++place;
+    }
+
+    const std::string_view text;
+    std::size_t place = 0;
+};
+
+class Finder {
+  public:
+    explicit Finder(std::string_view source) : text(source), tokens(Lexer(source).tokens()) {}
+
+    std::vector<Mutant> mutants() {
+        for (std::size_t index = 0; index < tokens.size(); ++index) {
+            if (const std::size_t past = pastUntouched(index); past > index) {
+                index = past - 1;
+                continue;
+            }
+            changeOperator(index);
+            changeConstant(index);
+            changeCondition(index);
+            changeStatement(index);
+        }
+        return std::move(found);
+    }
+
+  private:
+    std::string_view at(std::size_t index) const {
+        return index < tokens.size() ? text.substr(tokens[index].begin, tokens[index].end - tokens[index].begin) : "";
+    }
+
+    bool isWord(std::size_t index) const { return index < tokens.size() && tokens[index].kind == Token::Kind::Word; }
+
+    // The index past the end of what carries no behaviour of its own: assertions, and what only the compiler asks.
+    std::size_t pastUntouched(std::size_t index) const {
+        const std::string_view word = at(index);
+        if (word == "assert" || word == "static_assert" || word == "using" || word == "requires") {
+            return pastStatement(index);
+        }
+        if (word == "template" && at(index + 1) == "<") {
+            std::size_t depth = 0;
+            for (++index; index < tokens.size(); ++index) {
+                depth += at(index) == "<" ? 1 : 0;
+                depth -= at(index) == ">" ? 1 : 0;
+                if (depth == 0) {
+                    return index + 1;
+                }
+            }
+        }
+        // As in `= 0;` of a pure virtual operation and in `if constexpr (…)`.
+        if (word == "=" && at(index + 1) == "0" && (at(index - 1) == ")" || at(index - 1) == "const")) {
+            return index + 2;
+        }
+        if (word == "constexpr" && at(index - 1) == "if") {
+            return pastClosing(index + 1);
+        }
+        return index;
+    }
+
+    // The index past the bracket that closes the one at `index`.
+    std::size_t pastClosing(std::size_t index) const {
+        std::size_t depth = 0;
+        for (; index < tokens.size(); ++index) {
+            const std::string_view token = at(index);
+            depth += token == "(" || token == "[" || token == "{" ? 1 : 0;
+            depth -= token == ")" || token == "]" || token == "}" ? 1 : 0;
+            if (depth == 0) {
+                return index + 1;
+            }
+        }
+        return index;
+    }
+
+    // The index past the semicolon that ends the statement.
+    std::size_t pastStatement(std::size_t index) const {
+        while (index < tokens.size() && at(index) != ";") {
+            const std::string_view token = at(index);
+            index = token == "(" || token == "[" || token == "{" ? pastClosing(index) : index + 1;
+        }
+        return std::min(index + 1, tokens.size());
+    }
+
+    void add(std::size_t first, std::size_t past, std::string replacement, const std::string& change) {
+        found.push_back({tokens[first].begin, tokens[past - 1].end, std::move(replacement), change});
+    }
+
+    void replace(std::size_t index, const std::string& replacement) {
+        add(index, index + 1, replacement, std::string(at(index)) + " -> " + replacement);
+    }
+
+    void changeOperator(std::size_t index) {
+        static constexpr std::array<std::pair<std::string_view, std::string_view>, 23> kOperators{
+            {{"==", "!="}, {"!=", "=="}, {"<", "<="},  {"<=", "<"},  {">", ">="}, {">=", ">"},
+             {"&&", "||"}, {"||", "&&"}, {"+", "-"},   {"-", "+"},   {"*", "/"},  {"/", "*"},
+             {"%", "*"},   {"+=", "-="}, {"-=", "+="}, {"^", "|"},   {"|", "&"},  {"&", "|"},
+             {"<<", ">>"}, {"++", "--"}, {"--", "++"}, {"*=", "/="}, {"|=", "&="}}};
+        if (at(index) == "!") {
+            add(index, index + 1, "", "! removed");
+        }
+        const auto* const match = std::find_if(kOperators.begin(), kOperators.end(),
+                                               [&](const auto& entry) { return entry.first == at(index); });
+        if (tokens[index].kind != Token::Kind::Symbol || match == kOperators.end()) {
+            return;
+        }
+        const bool isBinary =
+            text[tokens[index].begin - 1] == ' ' && (text[tokens[index].end] == ' ' || text[tokens[index].end] == '\n');
+        if (isBinary || at(index) == "++" || at(index) == "--") {
+            replace(index, std::string(match->second));
+        }
+    }
+
+    void changeConstant(std::size_t index) {
+        const Token& token = tokens[index];
+        if (at(index) == "true" || at(index) == "false") {
+            replace(index, at(index) == "true" ? "false" : "true");
+        } else if (token.kind == Token::Kind::Number) {
+            // So that it is another one also among large floating-point numbers.
+            const bool isReal = at(index).find_first_of(".p") != std::string_view::npos;
+            replace(index, "(" + std::string(at(index)) + (isReal ? " / 2 + 1)" : " + 1)"));
+        } else if (token.kind == Token::Kind::Text && at(index) != "\"\"") {
+            const std::string quoted(at(index));
+            replace(index,
+                    quoted.front() == '"' ? quoted.substr(0, quoted.size() - 1) + "~\"" : "(" + quoted + " ^ 1)");
+        }
+    }
+
+    // Both ways, where the condition declares nothing.
+    void changeCondition(std::size_t index) {
+        const bool isLoop = at(index) == "while";
+        if ((at(index) != "if" && !isLoop) || at(index + 1) != "(") {
+            return;
+        }
+        const std::size_t past = pastClosing(index + 1);
+        for (std::size_t place = index + 2; place < past; ++place) {
+            if (at(place) == "=") {
+                return;
+            }
+        }
+        for (const char* value : {"true", "false"}) {
+            if (!isLoop || value == std::string_view("false")) {
+                add(index + 1, past, std::string("(") + value + ")", "condition -> " + std::string(value));
+            }
+        }
+    }
+
+    void changeStatement(std::size_t index) {
+        if (index == 0 || !beginsStatement(index)) {
+            return;
+        }
+        const std::size_t past = pastStatement(index);
+        if (at(index) == "return") {
+            if (at(index + 1) == ";") {
+                add(index, past, ";", "statement removed");
+            } else if (!isPlain(at(past - 2))) {
+                add(index, past, "return {};", "value returned -> {}");
+            }
+        } else if (at(index) == "break" || at(index) == "continue" || isCallOrAssignment(index)) {
+            add(index, past, ";", "statement removed");
+        }
+    }
+
+    // What is the same as {}, or changed elsewhere.
+    static bool isPlain(std::string_view value) {
+        return value == "true" || value == "false" || value == "nullptr" || value == "nullopt" || value == "}";
+    }
+
+    bool beginsStatement(std::size_t index) const {
+        const std::size_t lineBegin = text.rfind('\n', tokens[index].begin) + 1;
+        const bool beginsLine = text.find_first_not_of(' ', lineBegin) == tokens[index].begin;
+        const std::string_view before = at(index - 1);
+        return beginsLine && (before == ";" || before == "{" || before == "}" || before == ":");
+    }
+
+    // Or that of an enumerator; not that of a macro.
+    static bool isTypeName(std::string_view word) {
+        return std::isupper(static_cast<unsigned char>(word[0])) != 0 &&
+               std::any_of(word.begin(), word.end(), [](unsigned char letter) { return std::islower(letter) != 0; });
+    }
+
+    // As in `++x;`, `a.b(…);` or `a[i] = …;`, and not the two words of a declaration, nor a constructor's.
+    bool isCallOrAssignment(std::size_t index) const {
+        if (isTypeName(at(index)) && at(index + 1) != "::") {
+            return false;
+        }
+        if (at(index) == "++" || at(index) == "--") {
+            return true;
+        }
+        const std::size_t first = index;
+        while (index < tokens.size()) {
+            const std::string_view token = at(index);
+            if (token == "=" || token == "+=" || token == "-=" || token == "*=" || token == "++" || token == "--") {
+                return index > first;
+            }
+            if (token == ";") {
+                return index > first && at(index - 1) == ")";
+            }
+            const bool isCall = token == "(" || token == "[";
+            const bool isPath = token == "." || token == "->" || token == "::" || (isWord(index) && !isWord(index + 1));
+            if (!isCall && !isPath) {
+                return false;
+            }
+            index = isCall ? pastClosing(index) : index + 1;
+        }
+        return false;
+    }
+
+    const std::string_view text;
+    const std::vector<Token> tokens;
+    std::vector<Mutant> found;
+};
+
+void print(std::string_view source, std::size_t number, const Mutant& mutant) {
+    const std::size_t lineBegin = source.rfind('\n', mutant.begin) + 1;
+    const std::size_t textBegin = source.find_first_not_of(' ', lineBegin);
+    const std::size_t lineEnd = source.find('\n', mutant.begin);
+    const auto line = 1 + std::count(source.begin(), source.begin() + static_cast<std::ptrdiff_t>(mutant.begin), '\n');
+    std::cout << number << '\t' << line << '\t' << mutant.change << '\t'
+              << source.substr(textBegin, lineEnd - textBegin) << '\n';
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    std::ifstream file(argc > 1 ? argv[1] : "");
+    if (!file || argc > 3) {
+        std::cerr << "usage: mutants FILE [NUMBER]\n";
+        return 2;
+    }
+    const std::string source{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    const std::vector<Mutant> mutants = Finder(source).mutants();
+    if (argc == 2) {
+        for (std::size_t number = 0; number < mutants.size(); ++number) {
+            print(source, number, mutants[number]);
+        }
+        return 0;
+    }
+    const Mutant& mutant = mutants.at(std::stoul(argv[2]));
+    std::cout << source.substr(0, mutant.begin) << mutant.replacement << source.substr(mutant.end);
+    return 0;
+}
