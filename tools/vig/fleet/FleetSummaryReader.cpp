@@ -14,9 +14,9 @@ namespace {
 // What also programs that know only doubles read exactly; the sum of many is still far from the largest number.
 constexpr std::uint64_t kMost = std::uint64_t{1} << 53;
 
-class Reader {
+class SummaryParser {
   public:
-    Reader(const DocumentText& text, std::vector<std::string>& problems) : json(text, problems) {}
+    SummaryParser(const DocumentText& text, std::vector<std::string>& problems) : json(text, problems) {}
 
     FleetSummary summary(const Json::Value& root) {
         FleetSummary result;
@@ -187,7 +187,7 @@ std::optional<FleetSummary> read(const DocumentText& document, std::vector<std::
         return std::nullopt;
     }
     std::vector<std::string> problems;
-    FleetSummary summary = Reader(document, problems).summary(document.root());
+    FleetSummary summary = SummaryParser(document, problems).summary(document.root());
     errors.insert(errors.end(), problems.begin(), problems.end());
     return problems.empty() ? std::optional(std::move(summary)) : std::nullopt;
 }
