@@ -83,6 +83,8 @@ TEST(UnreadableJson, IsReportedWithItsPlaceAndTheLimit) {
     EXPECT_EQ(reportOfUnreadable("[[1]]", 2), "* Line 1, Column 3\n  Nested deeper than the limit of 2 levels.\n");
     EXPECT_EQ(reportOfUnreadable("\xEF\xBB\xBF[\r\n\r\n{\r\"k\":\n [", 2),
               "* Line 5, Column 2\n  Nested deeper than the limit of 2 levels.\n");
+    // What is closed before does not hide what is opened after.
+    EXPECT_EQ(reportOfUnreadable("[[],[[1]]]", 3), "* Line 1, Column 7\n  Nested deeper than the limit of 3 levels.\n");
     // Only its length is looked at.
     EXPECT_EQ(reportOfUnreadable(std::string_view("", std::size_t{1} << 30), 1000),
               "* Line 1, Column 1\n  Longer than the limit of 1073741823 bytes.\n");
