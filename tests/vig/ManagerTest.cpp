@@ -5,6 +5,7 @@
 #include <pthread.h>
 
 #include <atomic>
+#include <chrono>
 #include <future>
 #include <system_error>
 #include <thread>
@@ -16,9 +17,11 @@
 namespace {
 
 using Brenta::OS::VIG::VIGManager;
-using testing::Contains;
+using testing::AnyOf;
+using testing::Each;
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::UnorderedElementsAre;
 
 constexpr const char* kAvailable = "ViG device config is available now.";
 constexpr const char* kNotAvailable = "ViG device config is not available yet.";
@@ -166,6 +169,7 @@ TEST_F(ManagerTest, DeliversTheResponseOfEachNotification) {
     const auto listener = config.listeners().at(0);
     manager->deregisterCallback();
     EXPECT_THAT(config.listeners(), IsEmpty());
+    config.setResponse("broken, which the log would tell if it were read");
     config.notify(listener);
     EXPECT_THAT(receiver.sizes(), ElementsAre(0, 3, 0, 0));
     EXPECT_EQ(log.messages().back(), kUpdated);
@@ -219,15 +223,21 @@ TEST_F(ManagerTest, ANotificationOfAnEarlierRegistrationReachesNobody) {
     config.waitForAdded(2);
     config.setResponse(documentNumber(5));
     config.notify(earlier);
+    config.setResponse("broken, which the log would tell if it were read");
+    config.notify(earlier);
     EXPECT_THAT(receiver.sizes(), ElementsAre(0));
     EXPECT_THAT(second.sizes(), ElementsAre(0));
     EXPECT_EQ(config.mostListeners(), 1U);
+    destroy();
+    EXPECT_THAT(log.messages(), Each(AnyOf(kAvailable, kUpdated)));
 }
 
 TEST_F(ManagerTest, ARegistrationWithoutATargetStillListens) {
+    config.setResponse("broken, which the log would tell if it were read");
     registerAndListen(nullptr);
     config.notify();
-    EXPECT_THAT(log.messages(), Contains(kUpdated));
+    destroy();
+    EXPECT_THAT(log.messages(), UnorderedElementsAre(kAvailable, kUpdated));
 }
 
 TEST_F(ManagerTest, DeregistrationDuringTheFirstDeliveryLeavesNoListener) {
@@ -342,6 +352,27 @@ TEST_F(ManagerTest, AServiceWhoseRemovalWaitsForTheNotificationUnderWayDoesNotHa
     receiver.waitFor(1);
     destroy();
     EXPECT_THAT(config.listeners(), IsEmpty());
+}
+
+TEST_F(ManagerTest, AListenerIsAddedOnlyWhenTheEarlierOneIsRemoved) {
+    std::promise<void> removing;
+    std::promise<void> mayRemove;
+    registerAndListen(receiver.callback());
+    config.beforeRemoving = [&, removals = 0](const auto&) mutable {
+        if (++removals == 1) {
+            removing.set_value();
+            mayRemove.get_future().wait();
+        }
+    };
+    auto deregistration = std::async(std::launch::async, [&] { manager->deregisterCallback(); });
+    removing.get_future().wait();
+    support::Receiver second;
+    manager->registerCallback(second.callback());
+    second.waitFor(1);
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));  // in which it would be added
+    mayRemove.set_value();
+    config.waitForAdded(2);
+    EXPECT_EQ(config.mostListeners(), 1U);
 }
 
 TEST_F(ManagerTest, NotificationsOnSeveralThreadsAreDeliveredOneAtATimeAndInOrder) {
