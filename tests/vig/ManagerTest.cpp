@@ -358,6 +358,7 @@ TEST_F(ManagerTest, AListenerIsAddedOnlyWhenTheEarlierOneIsRemoved) {
     std::promise<void> removing;
     std::promise<void> mayRemove;
     registerAndListen(receiver.callback());
+    EXPECT_TRUE(log.sees(kAvailable));  // from then on the watcher no longer uses the service
     config.beforeRemoving = [&, removals = 0](const auto&) mutable {
         if (++removals == 1) {
             removing.set_value();
