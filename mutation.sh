@@ -56,7 +56,7 @@ prepare() {
     git ls-files -z | xargs -0 cp --parents --target-directory "$source"
     CCACHE_BASEDIR=$source cmake -S "$source" -B "$build" -G Ninja -DCMAKE_CXX_COMPILER_LAUNCHER=ccache \
         -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_FLAGS_DEBUG="-O0 -w" -DCMAKE_EXE_LINKER_FLAGS=-fuse-ld=lld >/dev/null
-    build "$1" "$WORKERS" vig_test_locale "${TESTS[@]}" || { cat "$WORK/$1/log" >&2; return 1; }
+    build "$1" "$WORKERS" vig_test_locale "${TESTS[@]}" || { tail -n 40 "$WORK/$1/log" >&2; return 1; }
 }
 
 # A fault can be a loop without end, so that each test gets a limit: many times the seconds that it takes without one.
@@ -64,7 +64,7 @@ measure() {
     local test
     for test in "${TESTS[@]}"; do
         SECONDS=0
-        run "$1" "$test" 600 || { cat "$WORK/$1/log" >&2; echo "without any fault, $test fails" >&2; return 1; }
+        run "$1" "$test" 600 || { tail -n 40 "$WORK/$1/log" >&2; echo "without any fault, $test fails" >&2; return 1; }
         echo $((5 * SECONDS + 15)) >"$WORK/$1/$test.limit"
     done
 }
