@@ -324,6 +324,20 @@ TEST_F(ManagerTest, AServiceThatNotifiesWithinItsOwnCallsDoesNoHarm) {
     EXPECT_THAT(config.listeners(), IsEmpty());
 }
 
+TEST_F(ManagerTest, ANotificationWithinADeliveryDoesNotWaitForItsEnd) {
+    int deliveries = 0;
+    registerAndListen([&](auto&&) {
+        if (++deliveries == 2) {
+            manager->deregisterCallback();
+        }
+    });
+    EXPECT_TRUE(log.sees(kAvailable));
+    config.beforeRemoving = [&](const auto& listener) { config.notify(listener); };
+    config.notify();
+    EXPECT_THAT(config.listeners(), IsEmpty());
+    EXPECT_THAT(log.messages(), ElementsAre(kAvailable, kUpdated, kUpdated));
+}
+
 TEST_F(ManagerTest, AServiceWhoseRemovalWaitsForTheNotificationUnderWayDoesNotHangTheManager) {
     std::promise<void> notified;
     std::promise<void> removing;
