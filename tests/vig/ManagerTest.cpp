@@ -201,6 +201,22 @@ TEST_F(ManagerTest, DeregistrationWhileTheDocumentIsReadKeepsItFromTheCallback) 
     EXPECT_THAT(config.listeners(), IsEmpty());
 }
 
+TEST_F(ManagerTest, ARegistrationWhileTheDocumentIsReadGetsOnlyWhatIsReadForIt) {
+    support::Receiver second;
+    config.setResponse(documentNumber(1));
+    config.afterReading = [&, reads = 0]() mutable {
+        if (++reads == 1) {
+            config.setResponse(documentNumber(2));
+            manager->registerCallback(second.callback());
+        }
+    };
+    manager->registerCallback(receiver.callback());
+    second.waitFor(1);
+    destroy();
+    EXPECT_THAT(receiver.sizes(), IsEmpty());
+    EXPECT_THAT(second.sizes(), ElementsAre(2));
+}
+
 TEST_F(ManagerTest, ALaterRegistrationGetsADeliveryAndAListenerOfItsOwn) {
     manager->registerCallback(receiver.callback());
     receiver.waitFor(1);
@@ -255,19 +271,20 @@ TEST_F(ManagerTest, DeregistrationDuringTheFirstDeliveryLeavesNoListener) {
 }
 
 TEST_F(ManagerTest, DeregistrationDuringTheRegistrationOfTheListenerLeavesNone) {
-    std::promise<void> adding;
-    std::promise<void> mayAdd;
-    config.beforeAdding = [&](const auto&) {
-        adding.set_value();
-        mayAdd.get_future().wait();
+    std::promise<void> added;
+    std::promise<void> mayReturn;
+    config.onAdded = [&](const auto&) {
+        added.set_value();
+        mayReturn.get_future().wait();
     };
     manager->registerCallback(receiver.callback());
-    adding.get_future().wait();
+    added.get_future().wait();
     auto deregistered = std::async(std::launch::async, [&] {
         manager->deregisterCallback();
         return config.listeners();
     });
-    mayAdd.set_value();
+    EXPECT_EQ(deregistered.wait_for(std::chrono::milliseconds(50)), std::future_status::timeout);
+    mayReturn.set_value();
     EXPECT_THAT(deregistered.get(), IsEmpty());
     destroy();
     EXPECT_THAT(config.listeners(), IsEmpty());
@@ -336,6 +353,22 @@ TEST_F(ManagerTest, ANotificationWithinADeliveryDoesNotWaitForItsEnd) {
     config.notify();
     EXPECT_THAT(config.listeners(), IsEmpty());
     EXPECT_THAT(log.messages(), ElementsAre(kAvailable, kUpdated, kUpdated));
+}
+
+TEST_F(ManagerTest, DeregistrationWithinTheRegistrationOfTheListenerDoesNotWaitForIt) {
+    int deliveries = 0;
+    std::promise<std::chrono::steady_clock::duration> taken;
+    config.onAdded = [&](const auto& listener) { config.notify(listener); };
+    manager->registerCallback([&](auto&&) {
+        if (++deliveries == 2) {
+            const auto begin = std::chrono::steady_clock::now();
+            manager->deregisterCallback();
+            taken.set_value(std::chrono::steady_clock::now() - begin);
+        }
+    });
+    EXPECT_LT(taken.get_future().get(), std::chrono::milliseconds(1500));
+    destroy();
+    EXPECT_THAT(config.listeners(), IsEmpty());
 }
 
 TEST_F(ManagerTest, AServiceWhoseRemovalWaitsForTheNotificationUnderWayDoesNotHangTheManager) {
