@@ -184,6 +184,19 @@ TEST_F(TestCommand, WhatIsNotPartOfATestFileIsAnErrorAtItsPlace) {
     }
 }
 
+TEST_F(TestCommand, OfAFileThatIsAllMistakesAHundredAreShown) {
+    std::string tests = "0";
+    for (int each = 1; each < 200; ++each) {
+        tests += "," + std::to_string(each);
+    }
+    const ToolResult result = runText(R"({"rules":"","tests":[)" + tests + "]}");
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(std::ranges::count(result.err, '\n'), 101);
+    EXPECT_NE(result.err.find(": tests[99]: "), std::string::npos);
+    EXPECT_TRUE(result.err.ends_with(options.files[0] + ": error: has more mistakes than the 100 shown\n"))
+        << result.err;
+}
+
 TEST_F(TestCommand, RulesThatAreRefusedOrAbsentAreTold) {
     const std::string tests = R"(","tests":[{"name":"a","events":[],"expect":{}}]})";
     folder.write("bad.json", support::document({support::config(1, {transition("a", "b", "test")})}));
