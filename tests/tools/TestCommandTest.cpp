@@ -168,6 +168,8 @@ TEST_F(TestCommand, WhatIsNotPartOfATestFileIsAnErrorAtItsPlace) {
          R"(:1:44: error: tests[0].events[0]: event: unknown event "Tst"; did you mean "Test"?)"},
         {R"({"rules":"","tests":[{"name":"a","events":[],"expect":{"log":[{"priority":"inf","message":null}]}}]})",
          ":1:91: error: tests[0].expect.log[0].message: expected a string, got null"},
+        {R"({"rules":"","tests":[{"name":"a","events":[],"expect":{"log":["\udc00"]}}]})",
+         ":1:63: error: tests[0].expect.log[0]: invalid UTF-8"},
         {R"({"rules":"","tests":[{"name":"a","events":[],"expect":{"states":{"x":"end"}}}]})",
          R"(:1:70: error: tests[0].expect.states: expected the id of a configuration as key, got "x")"},
         {R"({"rules":"","tests":[{"name":"a","events":[],"expect":{}},{"name":"a","events":[],"expect":{}}]})",

@@ -9,6 +9,7 @@
 
 #include "tools/vig/NearestName.h"
 #include "tools/vig/Text.h"
+#include "vig/actions/Utf8.h"
 #include "vig/parsers/JsonTokens.h"
 
 namespace tool {
@@ -116,11 +117,16 @@ std::string StrictJson::member(const std::string& path, const std::string& key) 
 }
 
 std::optional<std::string> StrictJson::text(const Json::Value& json, const std::string& path) {
-    if (json.isString()) {
-        return json.asString();
+    if (!json.isString()) {
+        complainOfKind(json, path, "a string");
+        return std::nullopt;
     }
-    complainOfKind(json, path, "a string");
-    return std::nullopt;
+    std::string value = json.asString();
+    if (Brenta::OS::VIG::replaceInvalidUtf8(value) != value) {
+        complain(json, path, "invalid UTF-8");
+        return std::nullopt;
+    }
+    return value;
 }
 
 std::optional<std::string> StrictJson::optionalText(const Json::Value& object, const std::string& key,

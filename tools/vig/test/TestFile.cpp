@@ -205,7 +205,7 @@ class TestFileReader {
 
     ExpectedLog log(const Json::Value& json, const std::string& path) {
         if (json.isString()) {
-            return {json.asString(), std::nullopt};
+            return {check.text(json, path).value_or(""), std::nullopt};
         }
         if (!check.isObject(json, path, {"message", "priority"})) {
             return {};
