@@ -16,7 +16,8 @@ cd "$(dirname "${BASH_SOURCE[0]}")"
 install_packages "${BUILD_PACKAGES[@]}" "${COVERAGE_PACKAGES[@]}"
 build_preset coverage
 find build/coverage -name '*.gcda' -delete
-ctest --test-dir build/coverage --output-on-failure --parallel 2 --quiet
+ctest --test-dir build/coverage --output-on-failure --parallel 2 >build/coverage/tests.log ||
+    { cat build/coverage/tests.log >&2; exit 1; }
 
 # missing: of a table of gcovr, the rows in which something is missing; a long name stands in a line of its own.
 missing() {

@@ -77,6 +77,18 @@ TEST_F(FiniteStateMachineTest, AsksFiltersInOrderThenRunsEveryActionThenMoves) {
     EXPECT_EQ(current(), "end");
 }
 
+TEST_F(FiniteStateMachineTest, AStateOrATransitionThatIsOfferedAnEventDoesNotMoveTheMachine) {
+    machine.addTransition("start", "a", EventType::Test, {filter("F", false)}, {});
+    machine.addTransition("start", "end", EventType::Test, {}, {action("A")});
+    State& start = *machine.getCurrentState();
+    EXPECT_EQ(start.onEvent(kTest), machine.getStateByName("end"));
+    EXPECT_EQ(start.onEvent(kZram), nullptr);
+    EXPECT_EQ(start.getTransitions()[0]->onEvent(*machine.getContext(), kTest), nullptr);
+    EXPECT_EQ(start.getTransitions()[1]->onEvent(*machine.getContext(), kTest), machine.getStateByName("end"));
+    EXPECT_THAT(trace, ElementsAre("F", "A@start", "F", "A@start"));
+    EXPECT_EQ(current(), "start");
+}
+
 TEST_F(FiniteStateMachineTest, StaysWithoutEnteringItsStateAgainWhereNothingFires) {
     machine.addTransition("start", "end", EventType::Test, {filter("F1", false), filter("F2", true)}, {action("A")});
     machine.addTransition("start", "end", EventType::EnteringState, {filter("entering", true)}, {});
@@ -149,6 +161,15 @@ TEST_F(FiniteStateMachineTest, DisarmsTheTimeoutOfATransitionAfterItsActions) {
     machine.onEvent(TimeoutEvent(-7));
     EXPECT_THAT(armed, ElementsAre(2));
     EXPECT_THAT(trace, ElementsAre("armed", "disarmed"));
+    // An event of another type has no timeout, whatever lies where a TimeoutEvent has its.
+    struct LookAlike : Event {
+        using Event::Event;
+        std::int64_t value = 2;
+    };
+    machine.addTransition("start", "end", EventType::Test, {}, {});
+    machine.onEvent(LookAlike(EventType::Test));
+    EXPECT_EQ(current(), "end");
+    EXPECT_THAT(armed, ElementsAre(2));
 }
 
 TEST_F(FiniteStateMachineTest, GivesFiltersAndActionsItsContextAndTheEvent) {

@@ -5,6 +5,7 @@
 #include <pthread.h>
 
 #include <atomic>
+#include <chrono>
 #include <future>
 #include <system_error>
 #include <thread>
@@ -17,9 +18,11 @@
 namespace {
 
 using Brenta::OS::VIG::VIGManager;
-using testing::Contains;
+using testing::AnyOf;
+using testing::Each;
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::UnorderedElementsAre;
 
 constexpr const char* kAvailable = "ViG device config is available now.";
 constexpr const char* kNotAvailable = "ViG device config is not available yet.";
@@ -167,6 +170,7 @@ TEST_F(ManagerTest, DeliversTheResponseOfEachNotification) {
     const auto listener = config.listeners().at(0);
     manager->deregisterCallback();
     EXPECT_THAT(config.listeners(), IsEmpty());
+    config.setResponse("broken, which the log would tell if it were read");
     config.notify(listener);
     EXPECT_THAT(receiver.sizes(), ElementsAre(0, 3, 0, 0));
     EXPECT_EQ(log.messages().back(), kUpdated);
@@ -198,6 +202,22 @@ TEST_F(ManagerTest, DeregistrationWhileTheDocumentIsReadKeepsItFromTheCallback) 
     EXPECT_THAT(config.listeners(), IsEmpty());
 }
 
+TEST_F(ManagerTest, ARegistrationWhileTheDocumentIsReadGetsOnlyWhatIsReadForIt) {
+    support::Receiver second;
+    config.setResponse(documentNumber(1));
+    config.afterReading = [&, reads = 0]() mutable {
+        if (++reads == 1) {
+            config.setResponse(documentNumber(2));
+            manager->registerCallback(second.callback());
+        }
+    };
+    manager->registerCallback(receiver.callback());
+    second.waitFor(1);
+    destroy();
+    EXPECT_THAT(receiver.sizes(), IsEmpty());
+    EXPECT_THAT(second.sizes(), ElementsAre(2));
+}
+
 TEST_F(ManagerTest, ALaterRegistrationGetsADeliveryAndAListenerOfItsOwn) {
     manager->registerCallback(receiver.callback());
     receiver.waitFor(1);
@@ -220,15 +240,21 @@ TEST_F(ManagerTest, ANotificationOfAnEarlierRegistrationReachesNobody) {
     config.waitForAdded(2);
     config.setResponse(documentNumber(5));
     config.notify(earlier);
+    config.setResponse("broken, which the log would tell if it were read");
+    config.notify(earlier);
     EXPECT_THAT(receiver.sizes(), ElementsAre(0));
     EXPECT_THAT(second.sizes(), ElementsAre(0));
     EXPECT_EQ(config.mostListeners(), 1U);
+    destroy();
+    EXPECT_THAT(log.messages(), Each(AnyOf(kAvailable, kUpdated)));
 }
 
 TEST_F(ManagerTest, ARegistrationWithoutATargetStillListens) {
+    config.setResponse("broken, which the log would tell if it were read");
     registerAndListen(nullptr);
     config.notify();
-    EXPECT_THAT(log.messages(), Contains(kUpdated));
+    destroy();
+    EXPECT_THAT(log.messages(), UnorderedElementsAre(kAvailable, kUpdated));
 }
 
 TEST_F(ManagerTest, DeregistrationDuringTheFirstDeliveryLeavesNoListener) {
@@ -246,19 +272,20 @@ TEST_F(ManagerTest, DeregistrationDuringTheFirstDeliveryLeavesNoListener) {
 }
 
 TEST_F(ManagerTest, DeregistrationDuringTheRegistrationOfTheListenerLeavesNone) {
-    std::promise<void> adding;
-    std::promise<void> mayAdd;
-    config.beforeAdding = [&](const auto&) {
-        adding.set_value();
-        mayAdd.get_future().wait();
+    std::promise<void> added;
+    std::promise<void> mayReturn;
+    config.onAdded = [&](const auto&) {
+        added.set_value();
+        mayReturn.get_future().wait();
     };
     manager->registerCallback(receiver.callback());
-    adding.get_future().wait();
+    added.get_future().wait();
     auto deregistered = std::async(std::launch::async, [&] {
         manager->deregisterCallback();
         return config.listeners();
     });
-    mayAdd.set_value();
+    EXPECT_EQ(deregistered.wait_for(std::chrono::milliseconds(50)), std::future_status::timeout);
+    mayReturn.set_value();
     EXPECT_THAT(deregistered.get(), IsEmpty());
     destroy();
     EXPECT_THAT(config.listeners(), IsEmpty());
@@ -315,6 +342,36 @@ TEST_F(ManagerTest, AServiceThatNotifiesWithinItsOwnCallsDoesNoHarm) {
     EXPECT_THAT(config.listeners(), IsEmpty());
 }
 
+TEST_F(ManagerTest, ANotificationWithinADeliveryDoesNotWaitForItsEnd) {
+    int deliveries = 0;
+    registerAndListen([&](auto&&) {
+        if (++deliveries == 2) {
+            manager->deregisterCallback();
+        }
+    });
+    EXPECT_TRUE(log.sees(kAvailable));
+    config.beforeRemoving = [&](const auto& listener) { config.notify(listener); };
+    config.notify();
+    EXPECT_THAT(config.listeners(), IsEmpty());
+    EXPECT_THAT(log.messages(), ElementsAre(kAvailable, kUpdated, kUpdated));
+}
+
+TEST_F(ManagerTest, DeregistrationWithinTheRegistrationOfTheListenerDoesNotWaitForIt) {
+    int deliveries = 0;
+    std::promise<std::chrono::steady_clock::duration> taken;
+    config.onAdded = [&](const auto& listener) { config.notify(listener); };
+    manager->registerCallback([&](auto&&) {
+        if (++deliveries == 2) {
+            const auto begin = std::chrono::steady_clock::now();
+            manager->deregisterCallback();
+            taken.set_value(std::chrono::steady_clock::now() - begin);
+        }
+    });
+    EXPECT_LT(taken.get_future().get(), std::chrono::milliseconds(1500));
+    destroy();
+    EXPECT_THAT(config.listeners(), IsEmpty());
+}
+
 TEST_F(ManagerTest, AServiceWhoseRemovalWaitsForTheNotificationUnderWayDoesNotHangTheManager) {
     std::promise<void> notified;
     std::promise<void> removing;
@@ -343,6 +400,28 @@ TEST_F(ManagerTest, AServiceWhoseRemovalWaitsForTheNotificationUnderWayDoesNotHa
     receiver.waitFor(1);
     destroy();
     EXPECT_THAT(config.listeners(), IsEmpty());
+}
+
+TEST_F(ManagerTest, AListenerIsAddedOnlyWhenTheEarlierOneIsRemoved) {
+    std::promise<void> removing;
+    std::promise<void> mayRemove;
+    registerAndListen(receiver.callback());
+    EXPECT_TRUE(log.sees(kAvailable));  // from then on the watcher no longer uses the service
+    config.beforeRemoving = [&, removals = 0](const auto&) mutable {
+        if (++removals == 1) {
+            removing.set_value();
+            mayRemove.get_future().wait();
+        }
+    };
+    auto deregistration = std::async(std::launch::async, [&] { manager->deregisterCallback(); });
+    removing.get_future().wait();
+    support::Receiver second;
+    manager->registerCallback(second.callback());
+    second.waitFor(1);
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));  // in which it would be added
+    mayRemove.set_value();
+    config.waitForAdded(2);
+    EXPECT_EQ(config.mostListeners(), 1U);
 }
 
 TEST_F(ManagerTest, NotificationsOnSeveralThreadsAreDeliveredOneAtATimeAndInOrder) {

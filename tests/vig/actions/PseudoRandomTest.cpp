@@ -1,4 +1,5 @@
 #include <gmock/gmock.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <array>
@@ -66,6 +67,12 @@ TEST(PseudoRandomGenerator, ReadsAWholeSeedOrNone) {
     EXPECT_EQ(seedOf(folder.path("missing")), std::nullopt);
     EXPECT_EQ(seedOf(folder.path()), std::nullopt);  // can be opened, but not read
     EXPECT_TRUE(seedOf("/dev/urandom").has_value());
+    // Where the process has no standard input, its descriptor goes to the device, and is free again afterwards.
+    const int input = dup(STDIN_FILENO);
+    close(STDIN_FILENO);
+    EXPECT_EQ(seedOf("/dev/zero"), 0U);
+    EXPECT_EQ(dup(input), STDIN_FILENO);
+    close(input);
 }
 
 TEST(PseudoRandomDouble, DrawsFromOneSequenceThroughEveryFunction) {

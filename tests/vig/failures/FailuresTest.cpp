@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -48,6 +49,17 @@ TEST(RandomDevice, NumbersAreDrawnWhateverBecomesOfIt) {
     for (const faults::Opening& fault : cases) {
         EXPECT_EXIT(drawAndExit(fault), ExitedWithCode(0), "");
     }
+}
+
+TEST(RandomDevice, GivesTheSeed) {
+    const support::TemporaryFolder folder;
+    const std::uint32_t seed = 5489;
+    const auto bytes = std::string(reinterpret_cast<const char*>(&seed), sizeof seed);
+    const auto drawAndExit = [&] {
+        faults::openings["/dev/urandom"] = {folder.write("seed", bytes), 0};
+        std::exit(Brenta::OS::VIG::PseudoRandomDoublePureFunctionImpl::get()() == 0.1354770042967805 ? 0 : 1);
+    };
+    EXPECT_EXIT(drawAndExit(), ExitedWithCode(0), "");
 }
 
 std::string documentNumber(std::size_t number) {
