@@ -134,8 +134,8 @@ awk -F '\t' -v aim="$AIM" '
     }
     FNR == NR { if ($0 !~ /^( |#|$)/) explained[$0] = 1; next }
     {
-        what = $1 == "compiler" ? "refused" : $1 != "" ? "noticed" :
-               ($2 ": " $4 ": " $5) in explained ? "equivalent" : "survived"
+        what = ($2 ": " $4 ": " $5) in explained ? "equivalent" : "survived"
+        if ($1 != "") what = $1 == "compiler" ? "refused" : "noticed"
         ++count["all", what]
         ++count[$2 ~ /\.h$/ ? "headers" : "sources", what]
     }

@@ -269,6 +269,7 @@ TEST_F(ManagerTest, DeregistrationDuringTheFirstDeliveryLeavesNoListener) {
     deregistered.set_value();
     destroy();
     EXPECT_EQ(config.mostListeners(), 0U);
+    EXPECT_THAT(log.messages(), IsEmpty());
 }
 
 TEST_F(ManagerTest, DeregistrationDuringTheRegistrationOfTheListenerLeavesNone) {
@@ -289,6 +290,7 @@ TEST_F(ManagerTest, DeregistrationDuringTheRegistrationOfTheListenerLeavesNone) 
     EXPECT_THAT(deregistered.get(), IsEmpty());
     destroy();
     EXPECT_THAT(config.listeners(), IsEmpty());
+    EXPECT_THAT(log.messages(), IsEmpty());
 }
 
 TEST_F(ManagerTest, DeregistrationDoesNotWaitForAServiceThatDoesNotAnswer) {

@@ -54,7 +54,7 @@ TEST(UnreadableJson, IsReportedExactlyWhereTheReaderThrows) {
          {open + close, open + " \n" + close, open.substr(1) + "1,[],{},[" + close, objects + "1" + times(999, "}"),
           objects + "{" + times(1000, "}"), times(499, R"([{"k":)") + "[{}]" + times(499, "}]"),
           "\xEF\xBB\xBF" + open + close, "[1] " + far, "1" + far, "[\"" + far + "\"]", "[\"\\\"" + far + "\"]",
-          "[/*" + far + "*/1]", "[/*/" + far + "*/1]", "[//" + far + "\n1]", "[//" + far + "\r1]"}},
+          "[/*" + far + "*/1]", "[/*/" + far + "*/1]", "[//~" + far + "\n1]", "[//" + far + "\r1]"}},
         {Outcome::Thrown,
          {open, open + "[", open + "1" + close, open + "[]" + close, open + "/**/" + close, objects + R"({"k":)",
           objects + R"({"k":1)" + times(1000, "}"), mixed, mixed + "1" + times(500, "}]"), "\xEF\xBB\xBF" + open + "1",
@@ -85,9 +85,16 @@ TEST(UnreadableJson, IsReportedWithItsPlaceAndTheLimit) {
               "* Line 5, Column 2\n  Nested deeper than the limit of 2 levels.\n");
     // What is closed before does not hide what is opened after.
     EXPECT_EQ(reportOfUnreadable("[[],[[1]]]", 3), "* Line 1, Column 7\n  Nested deeper than the limit of 3 levels.\n");
+    // Nor do strings, also one without an end.
+    EXPECT_EQ(reportOfUnreadable("[\"[", 2), std::nullopt);
+    for (const char* text : {R"(["",[1]])", R"(["\"",[1]])", R"(["]",[1]])"}) {
+        EXPECT_TRUE(reportOfUnreadable(text, 2).has_value()) << text;
+    }
     // Only its length is looked at.
     EXPECT_EQ(reportOfUnreadable(std::string_view("", std::size_t{1} << 30), 1000),
               "* Line 1, Column 1\n  Longer than the limit of 1073741823 bytes.\n");
+    // Only its beginning is.
+    EXPECT_EQ(reportOfUnreadable(std::string_view("1/ ", (std::size_t{1} << 30) - 1), 1000), std::nullopt);
 }
 
 TEST(RespelledJson, ReadsInACommaLocaleAsTheOriginalReadsInTheCLocale) {
