@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Installs what is missing, builds the fuzz targets and runs each for so many seconds (60 without an argument), two at
-# a time. Fails, and names the input, if one of them finds something. See fuzz/README.md.
+# fuzz.sh [SECONDS [SEED]]: installs what is missing, builds the fuzz targets and runs each for so many seconds (60), two
+# at a time. Fails, and names the input, if one of them finds something. The same seed tries much the same inputs again,
+# another one by default. See fuzz/README.md.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")"
 # shellcheck source=scripts/packages.sh
@@ -8,12 +9,12 @@ cd "$(dirname "${BASH_SOURCE[0]}")"
 # shellcheck source=scripts/build.sh
 . scripts/build.sh
 
-readonly SECONDS_EACH=${1:-60}
+readonly SECONDS_EACH=${1:-60} SEED=${2:-0}
 readonly FOUND=build/fuzz-found
 
 # Leaks are looked for at the end, which is much faster than after each text.
 readonly OPTIONS=(
-    -max_total_time="$SECONDS_EACH" -max_len=4096 -mutate_depth=1 -entropic=0 -dict=fuzz/json.dict
+    -max_total_time="$SECONDS_EACH" -seed="$SEED" -max_len=4096 -mutate_depth=1 -entropic=0 -dict=fuzz/json.dict
     -timeout=30 -rss_limit_mb=1024 -malloc_limit_mb=256 -detect_leaks=0 -print_final_stats=1 -print_funcs=0
 )
 

@@ -17,6 +17,7 @@ support::Mutator& mutator() {
 }
 
 constexpr std::size_t kPlacesForAnError = 1000;
+constexpr std::size_t kLong = 700;  // bytes, from which on a text shrinks as often as it grows
 
 std::size_t draw(std::size_t bound) {
     return mutator().draw(bound);
@@ -56,6 +57,10 @@ void changeValue(std::string& text) {
     }
     const Value& value = values[draw(values.size())];
     const Value& other = values[draw(values.size())];
+    if (text.size() > kLong && draw(2) == 0) {
+        remove(text, value);
+        return;
+    }
     switch (draw(6)) {
         case 0:
             text.insert(value.end, "," + before.substr(value.memberBegin, value.end - value.memberBegin));

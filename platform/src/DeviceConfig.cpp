@@ -1,11 +1,12 @@
 #include <deviceconfig/DeviceConfig.h>
+#include <pthread.h>
 
 #include <algorithm>
 #include <cassert>
 #include <iterator>
+#include <memory>
 #include <mutex>
 #include <optional>
-#include <thread>
 #include <utility>
 #include <vector>
 
@@ -35,6 +36,7 @@ class DeviceConfig::Impl : public std::enable_shared_from_this<Impl> {
         bool operator==(const Registration&) const = default;
     };
 
+    void startThread();
     void run();
     void rewatch();
     void notify(const std::string& ns, host::PathWatcher::Change change);
@@ -44,7 +46,7 @@ class DeviceConfig::Impl : public std::enable_shared_from_this<Impl> {
     std::mutex mutex;
     std::vector<Registration> registrations;   // guarded by mutex
     std::optional<host::PathWatcher> watcher;  // guarded by mutex but for wait(); absent until the first listener
-    std::thread thread;                        // guarded by mutex until stop()
+    std::optional<pthread_t> thread;           // guarded by mutex until stop(); absent if there is none
     bool stopped = false;                      // guarded by mutex
 };
 
@@ -55,7 +57,7 @@ void DeviceConfig::Impl::add(const std::string& ns, const Listener& listener) {
     if (!watcher) {
         watcher.emplace();
         if (watcher->works()) {
-            thread = std::thread([self = shared_from_this()] { self->run(); });
+            startThread();
         }
     }
     for (auto& path : files.paths(ns)) {
@@ -83,10 +85,30 @@ void DeviceConfig::Impl::stop() {
             watcher->wake();
         }
     }
-    if (thread.get_id() == std::this_thread::get_id()) {
-        thread.detach();
-    } else if (thread.joinable()) {
-        thread.join();
+    if (!thread) {
+        return;
+    }
+    if (pthread_equal(*thread, pthread_self()) != 0) {
+        pthread_detach(*thread);
+    } else {
+        pthread_join(*thread, nullptr);
+    }
+}
+
+// Not by std::thread, which would end the process where it cannot throw.
+void DeviceConfig::Impl::startThread() {
+    auto self = std::make_unique<std::shared_ptr<Impl>>(shared_from_this());
+    const auto body = [](void* argument) -> void* {
+        const std::unique_ptr<std::shared_ptr<Impl>> owned(static_cast<std::shared_ptr<Impl>*>(argument));
+        (*owned)->run();
+        return nullptr;
+    };
+    pthread_t started{};
+    if (const int error = pthread_create(&started, nullptr, body, self.get()); error == 0) {
+        static_cast<void>(self.release());
+        thread = started;
+    } else {
+        watcher->complain(error);
     }
 }
 

@@ -29,7 +29,7 @@ constexpr int kMaxLinks = 40;  // as the kernel
 PathWatcher::PathWatcher()
     : notifier(inotify_init1(IN_CLOEXEC | IN_NONBLOCK)), waker(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
     if (!works()) {
-        complain();
+        complain(errno);
     }
 }
 
@@ -163,13 +163,14 @@ int PathWatcher::watchFolder(const fs::path& folder) {
     if (descriptor >= 0) {
         folders[descriptor] = folder;
     } else if (errno != ENOENT && errno != ENOTDIR && errno != EACCES) {
-        complain();
+        complain(errno);
     }
     return descriptor;
 }
 
-void PathWatcher::complain() {
+void PathWatcher::complain(int error) {
     if (!complained) {
+        errno = error;
         __android_log_print(ANDROID_LOG_ERROR, "DeviceConfig", "Changes of files go unnoticed: %m.");
         complained = true;
     }

@@ -46,6 +46,9 @@ class PathWatcher {
     // False if wait() would never return.
     bool works() const;
 
+    // Says once in the log that changes go unnoticed, with the error of the system that is the reason.
+    void complain(int error);
+
     // Blocks until something happened in a watched folder, or wake() was called.
     std::vector<Event> wait();
     void wake();
@@ -62,7 +65,6 @@ class PathWatcher {
   private:
     int watchFolder(const std::filesystem::path& folder);
     std::optional<Change> meaningOf(const Event& event) const;
-    void complain();
 
     const int notifier;
     const int waker;

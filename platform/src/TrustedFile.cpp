@@ -50,7 +50,9 @@ class Folder {
 
     bool isWritableByOthers() const {
         struct stat status = {};
-        return fstat(descriptor, &status) != 0 || (status.st_mode & S_IWOTH) != 0;
+        return fstat(descriptor, &status) != 0 || (status.st_mode & S_IWOTH) != 0 ||
+               ((status.st_mode & S_IWGRP) != 0 && status.st_gid != getegid()) ||
+               (status.st_uid != 0 && status.st_uid != geteuid());
     }
 
     int descriptor;

@@ -66,12 +66,16 @@ TEST(Fork, ChildUsesWhatTheParentHasLoadedAndTheParentGoesOn) {
     };
     EXPECT_EXIT(liveAndExit(), ExitedWithCode(0), "");
 
-    // A child that ends, as one that becomes another program, leaves the manager of its parent alone.
+    // A child that destroys the manager of its parent, whose threads it lacks, ends, and the parent's lives on.
     support::Receiver receiver;
-    VIGManager manager;
-    live(manager, receiver);
+    auto manager = std::make_unique<VIGManager>();
+    live(*manager, receiver);
     ASSERT_TRUE(log.sees("ViG device config is available now."));
-    EXPECT_EXIT(std::_Exit(0), ExitedWithCode(0), "");
+    const auto destroyAndExit = [&] {
+        manager.reset();
+        std::_Exit(0);
+    };
+    EXPECT_EXIT(destroyAndExit(), ExitedWithCode(0), "");
     folder.write("rules.json", support::document({}));
     receiver.waitFor(2);
     EXPECT_EQ(receiver.sizes().back(), 0U);

@@ -1,4 +1,5 @@
 #include <deviceconfig/DeviceConfig.h>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <host/DeviceConfigFiles.h>
 #include <sys/resource.h>
@@ -17,6 +18,7 @@
 #include <utility>
 #include <vector>
 
+#include "tests/support/ImpossibleThreads.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -360,7 +362,7 @@ TEST(DeviceConfig, LastStateIsReportedThoughTheQueueOfEventsOverflowed) {
     EXPECT_TRUE(recorder->sees("last"));
 }
 
-TEST(DeviceConfig, WithoutAWatcherOfTheSystemOneLineSaysSo) {
+TEST(DeviceConfig, WithoutAWatcherOrAThreadOneLineSaysSo) {
     const support::TemporaryFolder folder;
     host::bindProperty(testNamespace(), kProperty, folder.path("rules.json"));
     const support::LogCapture log;
@@ -375,7 +377,13 @@ TEST(DeviceConfig, WithoutAWatcherOfTheSystemOneLineSaysSo) {
         client.addOnPropertiesChangeListener(testNamespace(), std::make_shared<Recorder>());
     }
     setrlimit(RLIMIT_NOFILE, &files);
-    EXPECT_EQ(log.messages(), std::vector<std::string>{"Changes of files go unnoticed: Too many open files."});
+    {
+        const support::ImpossibleThreads impossible;
+        DeviceConfig client;
+        client.addOnPropertiesChangeListener(testNamespace(), std::make_shared<Recorder>());
+    }
+    EXPECT_THAT(log.messages(), testing::ElementsAre("Changes of files go unnoticed: Too many open files.",
+                                                     testing::StartsWith("Changes of files go unnoticed: ")));
 }
 
 }  // namespace

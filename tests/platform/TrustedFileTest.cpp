@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <filesystem>
 #include <string>
+#include <tuple>
 
 #include "tests/support/TemporaryFolder.h"
 
@@ -30,7 +31,16 @@ std::string read(const fs::path& path) {
 
 TEST(TrustedFile, LinksAreFollowedUnlessTheyLeadOutOfAFolderThatOthersCanWrite) {
     const support::TemporaryFolder folder;
-    for (const auto& [name, mode] : {std::pair("own", 0755), {"open", 0777}, {"sticky", 01777}}) {
+    constexpr uid_t kOwn = 0;
+    constexpr uid_t kNobody = 65534;
+    const std::tuple<const char*, mode_t, uid_t, gid_t> folders[] = {
+        {"own", 0755, kOwn, kOwn},      {"open", 0777, kOwn, kOwn},       {"sticky", 01777, kOwn, kOwn},
+        {"group", 0775, kOwn, kNobody}, {"foreign", 0755, kNobody, kOwn},
+    };
+    for (const auto& [name, mode, owner, group] : folders) {
+        if (geteuid() != 0 && (owner != kOwn || group != kOwn)) {
+            continue;  // only root can give a folder away
+        }
         const fs::path here = folder.path(name);
         const bool isOwn = name == std::string("own");
         fs::create_directories(here / "below");
@@ -44,7 +54,10 @@ TEST(TrustedFile, LinksAreFollowedUnlessTheyLeadOutOfAFolderThatOthersCanWrite) 
         fs::create_symlink("..", here / "above");
         fs::create_symlink("round", here / "round");
         fs::create_symlink(std::string(name) + "/relative", folder.path(std::string("to ") + name));
-        chmod(here.c_str(), static_cast<mode_t>(mode));
+        if (geteuid() == 0) {
+            ASSERT_EQ(chown(here.c_str(), owner, group), 0);
+        }
+        chmod(here.c_str(), mode);
         const std::string outside = isOwn ? "outside" : std::to_string(EPERM);
         const std::pair<fs::path, std::string> cases[] = {
             {here / "file", "text"},

@@ -265,6 +265,8 @@ TEST(EventReader, CompressedDataIsReadInAllItsPartsAndWhatIsNoneIsAnError) {
         {"\x1F\x8B", 0, "the gzip data is truncated"},
         {flipped(gzipped(many)), 20'000, "the gzip data is corrupt (incorrect length check)"},
         {flipped(zstandard(many)), 0, "the zstd data is corrupt (Restored data doesn't match checksum)"},
+        {flipped(zstandard("{\"event\":\"Test\"}\n")), 1,
+         "the zstd data is corrupt (Restored data doesn't match checksum)"},
         {gzipped(many) + "more", 20'000, "the gzip data is corrupt (incorrect header check)"},
         {zstandard(many) + "more", 20'000, "the zstd data is corrupt (Unknown frame descriptor)"},
         {gzipped(bomb), 0, "File too large"},

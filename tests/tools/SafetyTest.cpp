@@ -83,10 +83,26 @@ class EveryVerb : public testing::Test {
         });
         addWith<tool::CatalogueOptions>("catalogue", tool::catalogue,
                                         [this](auto& options) { options.events = events; });
+        addWith<tool::WatchOptions>("watch", tool::watch, [this](auto& options) {
+            options.rules = rules;
+            options.interval = options.duration = std::chrono::milliseconds(1);
+        });
+        addWith<tool::SummaryOptions>("summary", tool::summary,
+                                      [this](auto& options) { options.files = {summaryOfDevices()}; });
     }
 
     std::string write(const std::string& name, const std::string& text) {
         return folder.write(name + kHostileName, text);
+    }
+
+    std::string summaryOfDevices() {
+        tool::FleetOptions options;
+        options.rules = rules;
+        options.devices = {events, events};
+        options.format = ReportFormat::Json;
+        const MemoryFile out;
+        tool::fleet(options, {STDIN_FILENO, out.descriptor, out.descriptor}, interruption);
+        return write("summary", out.content());
     }
 
     template <typename Options>

@@ -168,6 +168,8 @@ TEST_F(TestCommand, WhatIsNotPartOfATestFileIsAnErrorAtItsPlace) {
          R"(:1:44: error: tests[0].events[0]: event: unknown event "Tst"; did you mean "Test"?)"},
         {R"({"rules":"","tests":[{"name":"a","events":[],"expect":{"log":[{"priority":"inf","message":null}]}}]})",
          ":1:91: error: tests[0].expect.log[0].message: expected a string, got null"},
+        {R"({"rules":"","tests":[{"name":"a","events":[],"expect":{"log":["\udc00"]}}]})",
+         ":1:63: error: tests[0].expect.log[0]: invalid UTF-8"},
         {R"({"rules":"","tests":[{"name":"a","events":[],"expect":{"states":{"x":"end"}}}]})",
          R"(:1:70: error: tests[0].expect.states: expected the id of a configuration as key, got "x")"},
         {R"({"rules":"","tests":[{"name":"a","events":[],"expect":{}},{"name":"a","events":[],"expect":{}}]})",
@@ -182,6 +184,19 @@ TEST_F(TestCommand, WhatIsNotPartOfATestFileIsAnErrorAtItsPlace) {
         EXPECT_TRUE(result.err.starts_with(options.files[0] + error)) << result.err;
         EXPECT_EQ(result.out, "");
     }
+}
+
+TEST_F(TestCommand, OfAFileThatIsAllMistakesAHundredAreShown) {
+    std::string tests = "0";
+    for (int each = 1; each < 200; ++each) {
+        tests += "," + std::to_string(each);
+    }
+    const ToolResult result = runText(R"({"rules":"","tests":[)" + tests + "]}");
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(std::ranges::count(result.err, '\n'), 101);
+    EXPECT_NE(result.err.find(": tests[99]: "), std::string::npos);
+    EXPECT_TRUE(result.err.ends_with(options.files[0] + ": error: has more mistakes than the 100 shown\n"))
+        << result.err;
 }
 
 TEST_F(TestCommand, RulesThatAreRefusedOrAbsentAreTold) {

@@ -10,6 +10,7 @@
 #include <system_error>
 #include <thread>
 
+#include "tests/support/ImpossibleThreads.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/Receiver.h"
 #include "tests/vig/fakes/FakeDeviceConfig.h"
@@ -462,22 +463,26 @@ TEST_F(ManagerTest, TheDestructorLetsTheWatcherFinishButNotACallbackThatRegister
     EXPECT_THAT(config.listeners(), IsEmpty());
 }
 
-TEST_F(ManagerTest, TheDestructorWaitsForADeliveryUnderWay) {
+TEST_F(ManagerTest, TheDestructorWaitsForANotificationUnderWay) {
     std::promise<void> delivering;
+    std::promise<void> removing;
+    config.beforeRemoving = [&](const auto&) { removing.set_value(); };
+    int deliveries = 0;
     std::atomic<bool> delivered{false};
-    std::promise<void> destroying;
     manager->registerCallback([&](auto&&) {
-        delivering.set_value();
-        destroying.get_future().wait();
-        delivered = true;
+        if (++deliveries == 2) {
+            delivering.set_value();
+            removing.get_future().wait();
+            std::this_thread::sleep_for(std::chrono::milliseconds(50));  // all that is left to it is to wait
+            delivered = true;
+        }
     });
+    config.waitForAdded(1);
+    std::thread notification([this] { config.notify(); });
     delivering.get_future().wait();
-    auto destruction = std::async(std::launch::async, [&] {
-        destroying.set_value();
-        destroy();
-        return delivered.load();
-    });
-    EXPECT_TRUE(destruction.get());
+    destroy();
+    EXPECT_TRUE(delivered);
+    notification.join();
 }
 
 TEST_F(ManagerTest, DeregistrationWithoutARegistrationChangesNothing) {
@@ -535,36 +540,14 @@ TEST_F(ManagerTest, UsesTheOverridesOfADerivedClass) {
     EXPECT_EQ(overriding.configured, 1);
 }
 
-#ifdef __cpp_exceptions
-// A stack larger than the address space makes the creation of any thread fail.
-class ImpossibleThreads {
-  public:
-    ImpossibleThreads() {
-        pthread_getattr_default_np(&previous);
-        pthread_attr_t impossible;
-        pthread_attr_init(&impossible);
-        pthread_attr_setstacksize(&impossible, std::size_t{1} << 60);
-        pthread_setattr_default_np(&impossible);
-        pthread_attr_destroy(&impossible);
-    }
-    ~ImpossibleThreads() {
-        pthread_setattr_default_np(&previous);
-        pthread_attr_destroy(&previous);
-    }
-
-  private:
-    pthread_attr_t previous;
-};
-
 TEST_F(ManagerTest, AThreadThatCannotBeCreatedLeavesNothingHalfDone) {
     {
-        const ImpossibleThreads impossibleThreads;
+        const support::ImpossibleThreads impossible;
         EXPECT_THROW(manager->registerCallback(receiver.callback()), std::system_error);
     }
     EXPECT_EQ(receiver.uses(), 0) << "the manager must not keep the callback";
     manager->registerCallback(receiver.callback());
     receiver.waitFor(1);
 }
-#endif
 
 }  // namespace

@@ -28,7 +28,10 @@ unsigned lifecyclesWanted() {
 class Lifecycle {
   public:
     explicit Lifecycle(unsigned seed) : random(seed) {
-        config.availability = [this](int check) { return check % 4 >= lateness; };
+        config.availability = [this](int check) {
+            overBefore = over;  // on the watcher, which delivers only after this
+            return check % 4 >= lateness;
+        };
         config.beforeAdding = config.beforeRemoving = [this](const auto&) { dawdle(); };
         config.afterReading = [this] { dawdle(); };
         config.onAdded = [this](const auto& listener) {
@@ -63,9 +66,11 @@ class Lifecycle {
     void registerAgain() {
         // The numbers are given in the order of the registrations.
         const std::lock_guard lock(registering);
+        const unsigned earlier = registrations;
         target->registerCallback([this, number = ++registrations](auto&& configs) {
             EXPECT_NE(phase, Phase::Destroyed) << "a delivery after the destruction";
             EXPECT_GE(number, latestServed.exchange(number)) << "a delivery for an earlier registration";
+            EXPECT_GT(number, overBefore) << "a delivery that began when its registration was over";
             EXPECT_FALSE(delivering.exchange(true)) << "two deliveries at once";
             EXPECT_EQ(configs.size(), 1U);
             if (number % 7 == 0 && number < 40) {
@@ -77,6 +82,14 @@ class Lifecycle {
             }
             delivering = false;
         });
+        over = earlier;
+    }
+
+    // Registrations that come at the same time would not be over.
+    void deregisterAlone() {
+        const std::lock_guard lock(registering);
+        target->deregisterCallback();
+        over = registrations;
     }
 
     // The clients' calls wait for no delivery, so something happens, or they have ended.
@@ -107,8 +120,10 @@ class Lifecycle {
     void useAsClient(std::uint_fast32_t seed) {
         std::minstd_rand draws(seed);
         for (int call = 0; call < 6; ++call) {
-            if (draws() % 3 == 0) {
+            if (const auto drawn = draws() % 6; drawn == 0) {
                 target->deregisterCallback();
+            } else if (drawn == 1) {
+                deregisterAlone();
             } else {
                 registerAgain();
             }
@@ -128,10 +143,14 @@ class Lifecycle {
                 listeners = everRegistered;
             }
             for (const fakes::Listener& listener : listeners) {
+                overBefore = over;
                 config.notify(listener);
             }
         }
     }
+
+    // What `over` was when the delivery on this thread, if there is one, had not begun.
+    inline static thread_local unsigned overBefore = 0;
 
     fakes::FakeDeviceConfig config;
     std::minstd_rand random;
@@ -143,6 +162,7 @@ class Lifecycle {
     std::mutex registering;
     unsigned registrations = 0;  // guarded by registering
     std::atomic<Phase> phase{Phase::Used};
+    std::atomic<unsigned> over{0};  // up to this one all registrations are
     std::atomic<unsigned> latestServed{0};
     std::atomic<unsigned> calls{0};
     std::atomic<bool> delivering{false};

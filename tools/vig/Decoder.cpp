@@ -83,7 +83,8 @@ class ZstdDecoder final : public Decoder {
         ZSTD_inBuffer in = {input.data(), input.size(), 0};
         ZSTD_outBuffer out = {output.data(), output.size(), 0};
         bool moved = true;
-        while (moved && whyCorrupt.empty() && (in.pos < in.size || !betweenFrames) && out.pos < out.size) {
+        while (moved && whyCorrupt.empty() && (in.pos < input.size() || !betweenFrames) && out.pos < out.size) {
+            in.size = std::min(in.pos + wanted, input.size());
             const std::size_t before = in.pos + out.pos;
             const std::size_t status = ZSTD_decompressStream(context, &out, &in);
             moved = in.pos + out.pos > before;
@@ -91,6 +92,7 @@ class ZstdDecoder final : public Decoder {
             if (ZSTD_isError(status) != 0) {
                 whyCorrupt = ZSTD_getErrorName(status);
             }
+            wanted = status > kBlockHeader ? status - kBlockHeader : std::max<std::size_t>(status, 1);
         }
         progress = {in.pos, out.pos};
         return whyCorrupt.empty();
@@ -102,6 +104,10 @@ class ZstdDecoder final : public Decoder {
   private:
     ZSTD_DCtx* const context;
     bool betweenFrames = false;
+    // A call that finds damage hands out nothing, so each is given one block, as what it returns allows to tell: the
+    // size of the block and of the header of the next one.
+    static constexpr std::size_t kBlockHeader = 3;
+    std::size_t wanted = 1;
 };
 
 bool begins(std::string_view head, std::string_view magic) {

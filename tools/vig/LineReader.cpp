@@ -13,7 +13,7 @@ namespace tool {
 
 namespace {
 
-constexpr std::size_t kInitialSize = std::size_t{1} << 18;
+constexpr std::size_t kInitialSize = std::size_t{1} << 16;
 
 bool isRegularFile(int descriptor) {
     struct stat status = {};

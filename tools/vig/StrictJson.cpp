@@ -9,6 +9,7 @@
 
 #include "tools/vig/NearestName.h"
 #include "tools/vig/Text.h"
+#include "vig/actions/Utf8.h"
 #include "vig/parsers/JsonTokens.h"
 
 namespace tool {
@@ -71,6 +72,15 @@ bool StrictJson::hasMember(const Json::Value& object, const std::string& key, co
 }
 
 void StrictJson::complain(const Json::Value& at, const std::string& path, const std::string& what) {
+    // A file that is not meant for the reader has as many mistakes as it has values.
+    constexpr std::size_t kMostShown = 100;
+    if (errors.size() >= kMostShown) {
+        if (errors.size() == kMostShown) {
+            errors.push_back(
+                fmt::format("{}: error: has more mistakes than the {} shown", document.source().name(), kMostShown));
+        }
+        return;
+    }
     const auto place = document.source().positionOf(document.placeOf(at, path).begin);
     errors.push_back(fmt::format("{}:{}:{}: error: {}{}{}", document.source().name(), place.line, place.column, path,
                                  path.empty() ? "" : ": ", what));
@@ -107,11 +117,16 @@ std::string StrictJson::member(const std::string& path, const std::string& key) 
 }
 
 std::optional<std::string> StrictJson::text(const Json::Value& json, const std::string& path) {
-    if (json.isString()) {
-        return json.asString();
+    if (!json.isString()) {
+        complainOfKind(json, path, "a string");
+        return std::nullopt;
     }
-    complainOfKind(json, path, "a string");
-    return std::nullopt;
+    std::string value = json.asString();
+    if (Brenta::OS::VIG::replaceInvalidUtf8(value) != value) {
+        complain(json, path, "invalid UTF-8");
+        return std::nullopt;
+    }
+    return value;
 }
 
 std::optional<std::string> StrictJson::optionalText(const Json::Value& object, const std::string& key,

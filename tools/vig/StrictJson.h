@@ -13,8 +13,8 @@
 namespace tool {
 
 // Reads values of a JSON text of which nothing may be ignored. What is wrong is collected as
-// "file:line:column: error: tests[0].seed: …". Nothing throws, whatever a value is. `path` is always the JSON path of
-// the value given.
+// "file:line:column: error: tests[0].seed: …", up to a hundred mistakes and a line that there are more. Nothing throws,
+// whatever a value is. `path` is always the JSON path of the value given.
 class StrictJson {
   public:
     using Keys = std::vector<std::string_view>;

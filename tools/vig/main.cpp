@@ -1,6 +1,8 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <exception>
+#include <string_view>
 #include <variant>
 
 #include "tools/vig/CatalogueCommand.h"
@@ -28,6 +30,13 @@ void occupyStandardStreams() {
     }
 }
 
+// When the system refuses a thread or memory, what the standard library would throw has no way out.
+[[noreturn]] void giveUp() {
+    constexpr std::string_view kMessage = "vig: error: the system refuses a thread, or memory\n";
+    [[maybe_unused]] const ssize_t written = write(STDERR_FILENO, kMessage.data(), kMessage.size());
+    _exit(tool::kExitUnusable);
+}
+
 int answer(const tool::Answer& given, const tool::Console& console) {
     if (given.status != tool::kExitDone) {
         console.complain(given.text);
@@ -43,6 +52,7 @@ int answer(const tool::Answer& given, const tool::Console& console) {
 
 int main(int count, char** arguments) {
     occupyStandardStreams();
+    std::set_terminate(giveUp);
     const tool::Command command = tool::parseCommandLine(count, arguments);
     const tool::Console console;
     tool::Interruption interruption;

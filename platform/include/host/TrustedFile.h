@@ -7,8 +7,8 @@
 namespace host {
 
 // Opens a file as open(2) does, to be closed when the process becomes another program. A symbolic link in a folder that
-// everybody can write is followed within that folder only: anybody could make it lead to a file that only the reader
-// may read. EPERM if there is one on the way that leads out.
+// another user can write (its owner, its group, or everybody; root is trusted) is followed within that folder only:
+// another could make it lead to a file that only the reader may read. EPERM if there is one on the way that leads out.
 int openTrusted(const std::filesystem::path& path, int flags, mode_t mode);
 
 }  // namespace host

@@ -153,7 +153,7 @@ TEST_F(RulesFile, WhateverBecomesOfItIsDeliveredAndSoIsTheNextGoodOne) {
     }
 }
 
-TEST_F(RulesFile, UnreadableOneReadsAsNoConfigurationsUntilItIsMended) {
+TEST_F(RulesFile, UnreadableOneReadsAsNoConfigurationsAndTheNextManagerReadsItMended) {
     faults::openings[path.filename()] = {"", EACCES};
     manager = std::make_unique<Brenta::OS::VIG::VIGManager>();
     manager->registerCallback(receiver.callback());

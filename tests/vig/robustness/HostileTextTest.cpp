@@ -5,6 +5,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <ctime>
 #include <functional>
 #include <iostream>
 #include <string>
@@ -82,16 +83,30 @@ std::string repeated(std::string_view piece, std::size_t size) {
     return text;
 }
 
-// Each would take minutes if the time for it were quadratic.
 TEST_F(HostileText, LargeTextsOfOneKindTakeTimeInProportion) {
     const std::string open = R"({"configs":[],"x":[1)";
+    const auto secondsFor = [&](const char* piece, std::size_t size) {
+        const std::clock_t begin = std::clock();
+        survive(open + "/*" + repeated(" ", size) + "\n*/" + repeated(piece, size) + "]}");
+        survive(repeated(piece, size));
+        return static_cast<double>(std::clock() - begin) / CLOCKS_PER_SEC;
+    };
     for (const char* piece : {"/**/", "//\n", ",[]", ",{}", ",\"\\u0041\"", " ", ",1.5", ",[[[[[[[[1]]]]]]]]", "["}) {
-        survive(open + "/*" + repeated(" ", 4 * kMegabyte) + "\n*/" + repeated(piece, 4 * kMegabyte) + "]}");
-        survive(repeated(piece, 4 * kMegabyte));
+        // Sixteen times as long if it were quadratic; the machine may have done something else meanwhile.
+        constexpr double kAlways = 0.05;
+        double ratio = 16;
+        for (int tries = 0; tries < 3 && ratio > 10; ++tries) {
+            ratio = secondsFor(piece, 4 * kMegabyte) / (secondsFor(piece, kMegabyte) + kAlways);
+        }
+        EXPECT_LE(ratio, 10) << piece;
     }
 }
 
-#ifndef __SANITIZE_ADDRESS__  // which takes memory of its own
+#ifdef __has_feature
+constexpr bool kHasAddressSanitizer = __has_feature(address_sanitizer);
+#else
+constexpr bool kHasAddressSanitizer = false;
+#endif
 
 // The most that a process like this one has had in memory, in bytes, when it has done the work.
 std::size_t peakMemory(const std::function<void()>& work) {
@@ -108,6 +123,9 @@ std::size_t peakMemory(const std::function<void()>& work) {
 }
 
 TEST_F(HostileText, ADocumentNeedsAtMostAHundredAndFiftyTimesItsSize) {
+    if (kHasAddressSanitizer) {
+        GTEST_SKIP() << "the sanitizer takes memory of its own";
+    }
     // What is refused is shown in the log, indented, if it is not nested deeper than 32 levels.
     const auto deep = [](const std::string& more) { return std::string(31, '[') + "1" + more + std::string(31, ']'); };
     const std::string open = R"({"configs":[],"x":[1)";
@@ -127,8 +145,6 @@ TEST_F(HostileText, ADocumentNeedsAtMostAHundredAndFiftyTimesItsSize) {
         EXPECT_LT(peakMemory([&] { manager.parseResponse(text); }), before + 150 * text.size()) << text.substr(0, 100);
     }
 }
-
-#endif
 
 TEST_F(HostileText, AHundredThousandMutationsAreSurvived) {
     int accepted = 0;

@@ -49,7 +49,7 @@ class TestFileReader {
         const Json::Value& tests = root["tests"];
         if (check.hasMember(root, "tests", "") && check.isArray(tests, "tests")) {
             StrictJson::forEach(tests, "tests", [&](const Json::Value& each, const std::string& path) {
-                file.tests.push_back(testCase(each, path));
+                keep(file.tests, testCase(each, path));
             });
             if (tests.empty()) {
                 check.complain(tests, "tests", "there is no test");
@@ -62,6 +62,14 @@ class TestFileReader {
     }
 
   private:
+    // Of a file with mistakes no test runs, and what would be kept of each mistake is much larger than its text.
+    template <typename Value>
+    void keep(std::vector<Value>& values, Value value) {
+        if (errors.empty()) {
+            values.push_back(std::move(value));
+        }
+    }
+
     TestCase testCase(const Json::Value& json, const std::string& path) {
         TestCase test;
         if (!check.isObject(json, path, {"name", "events", "seed", "context", "expect"})) {
@@ -96,8 +104,8 @@ class TestFileReader {
         if (json.isArray()) {
             StrictJson::forEach(json, path, [&](const Json::Value& each, const std::string& place) {
                 const Place range = document.placeOf(each, place);
-                events->push_back(
-                    record(document.source().text().substr(range.begin, range.end - range.begin), each, place));
+                keep(*events,
+                     record(document.source().text().substr(range.begin, range.end - range.begin), each, place));
             });
         } else {
             check.complainOfKind(json, path, "an array of event records or the name of a file of them");
@@ -160,13 +168,13 @@ class TestFileReader {
         if (json.isMember("triggers") && check.isArray(json["triggers"], StrictJson::member(path, "triggers"))) {
             StrictJson::forEach(json["triggers"], StrictJson::member(path, "triggers"),
                                 [&](const Json::Value& each, const std::string& place) {
-                                    expected.triggers.push_back(trigger(each, place));
+                                    keep(expected.triggers, trigger(each, place));
                                 });
         }
         if (json.isMember("log") && check.isArray(json["log"], StrictJson::member(path, "log"))) {
             StrictJson::forEach(
                 json["log"], StrictJson::member(path, "log"),
-                [&](const Json::Value& each, const std::string& place) { expected.logs.push_back(log(each, place)); });
+                [&](const Json::Value& each, const std::string& place) { keep(expected.logs, log(each, place)); });
         }
         if (json.isMember("states")) {
             expected.states = states(json["states"], StrictJson::member(path, "states"));
@@ -197,7 +205,7 @@ class TestFileReader {
 
     ExpectedLog log(const Json::Value& json, const std::string& path) {
         if (json.isString()) {
-            return {json.asString(), std::nullopt};
+            return {check.text(json, path).value_or(""), std::nullopt};
         }
         if (!check.isObject(json, path, {"message", "priority"})) {
             return {};
@@ -245,7 +253,6 @@ class TestFileReader {
 }  // namespace
 
 std::optional<TestFile> readTestFile(const std::string& path, std::vector<std::string>& errors) {
-    const std::size_t before = errors.size();
     std::string problem;
     auto content = readFile(path, problem);
     if (!content) {
@@ -257,8 +264,10 @@ std::optional<TestFile> readTestFile(const std::string& path, std::vector<std::s
         errors.push_back(std::move(mistake));
         return std::nullopt;
     }
-    TestFile file = TestFileReader(document, errors).read();
-    return errors.size() == before ? std::optional(std::move(file)) : std::nullopt;
+    std::vector<std::string> problems;
+    TestFile file = TestFileReader(document, problems).read();
+    errors.insert(errors.end(), problems.begin(), problems.end());
+    return problems.empty() ? std::optional(std::move(file)) : std::nullopt;
 }
 
 }  // namespace tool

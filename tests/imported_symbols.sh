@@ -1,0 +1,16 @@
+#!/usr/bin/env bash
+# Fails if the library (the argument) asks the system for what a document must never bring about: another program or
+# thread of control, the network, a file changed, a timer, the end of the process.
+set -euo pipefail
+
+never='abort|_?exit|_Exit|quick_exit|raise|t?g?kill|v?fork|clone|system|popen|exec.*|posix_spawn.*|dlopen|ptrace'
+never+='|socket|connect|bind|listen|accept4?|send.*|recv.*|f?write|pwrite.*|fopen.*|creat|truncate|ftruncate|unlink.*'
+never+='|rename.*|remove|mk(dir|fifo|nod|temp|stemp).*|rmdir|(sym)?link(at)?|f?ch(mod|own).*|f?setxattr|mount|umount.*'
+never+='|alarm|timer_create|timerfd_create|setitimer|signal|sigaction|setenv|putenv|ioctl|syscall'
+
+found=$(nm --dynamic --undefined-only "$1" | awk '{ sub(/@.*/, "", $NF); print $NF }' | grep -xE "$never" || true)
+if [ -n "$found" ]; then
+    echo "asked of the system, but never needed:"
+    echo "$found"
+    exit 1
+fi
