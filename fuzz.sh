@@ -50,9 +50,9 @@ build_preset fuzz vig_fuzz
 readonly TARGETS=(documents engine events files check)
 mkdir -p "$FOUND"
 for target in "${TARGETS[@]}"; do
-    if [ "$(jobs -rp | wc -l)" -ge 2 ]; then
+    while [ "$(jobs -rp | wc -l)" -ge 2 ]; do
         wait -n
-    fi
+    done
     fuzz "$target" &
 done
 wait
