@@ -54,15 +54,13 @@ void DeviceConfig::Impl::add(const std::string& ns, const Listener& listener) {
     assert(listener != nullptr);
     const std::lock_guard lock(mutex);
     registrations.push_back({ns, listener});
-    if (!watcher) {
+    if (!thread) {
         watcher.emplace();
         if (watcher->works()) {
             startThread();
         }
     }
-    for (auto& path : files.paths(ns)) {
-        watcher->add({std::move(path), ns});
-    }
+    rewatch();
 }
 
 void DeviceConfig::Impl::remove(const Listener& listener) {

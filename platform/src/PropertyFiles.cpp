@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <host/DeviceConfigFiles.h>
 #include <host/TrustedFile.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <array>
@@ -27,14 +28,31 @@ constexpr std::size_t kMostBytes = std::size_t{1} << 30;
 std::mutex bindingsMutex;
 Bindings bindings;  // guarded by bindingsMutex
 
+// A descriptor of the process under its name in the file system, as the shell gives for a pipe.
+bool isOpenedAlready(const fs::path& path) {
+    const std::string name = path.lexically_normal();
+    return name.starts_with("/dev/") || name.starts_with("/proc/");
+}
+
 bool isReadableFolder(const fs::path& folder) {
     // The empty last name makes the path end in a slash, which only a folder may have.
     return access((folder / "").c_str(), R_OK | X_OK) == 0;
 }
 
+// Of a pipe that nobody writes to, or of a device, neither the opening nor the content would end.
+bool mayBeRead(int file, const fs::path& path) {
+    struct stat status = {};
+    return fstat(file, &status) == 0 &&
+           (S_ISREG(status.st_mode) || (S_ISFIFO(status.st_mode) && isOpenedAlready(path)));
+}
+
 std::optional<std::string> readWhole(const fs::path& path) {
-    const int file = openTrusted(path, O_RDONLY, 0);
+    const int file = openTrusted(path, O_RDONLY | (isOpenedAlready(path) ? 0 : O_NONBLOCK), 0);
     if (file < 0) {
+        return std::nullopt;
+    }
+    if (!mayBeRead(file, path)) {
+        close(file);
         return std::nullopt;
     }
     std::string content;

@@ -362,26 +362,29 @@ TEST(DeviceConfig, LastStateIsReportedThoughTheQueueOfEventsOverflowed) {
     EXPECT_TRUE(recorder->sees("last"));
 }
 
-TEST(DeviceConfig, WithoutAWatcherOrAThreadOneLineSaysSo) {
+TEST(DeviceConfig, WithoutAWatcherOrAThreadALineSaysSoAndTheNextRegistrationWorks) {
     const support::TemporaryFolder folder;
     host::bindProperty(testNamespace(), kProperty, folder.path("rules.json"));
     const support::LogCapture log;
+    const auto first = std::make_shared<Recorder>();
+    const auto third = std::make_shared<Recorder>();
+    DeviceConfig client;
     rlimit files = {};
     getrlimit(RLIMIT_NOFILE, &files);
     const int nextFile = dup(STDERR_FILENO);
     close(nextFile);
     const rlimit noMore = {static_cast<rlim_t>(nextFile), files.rlim_max};
     setrlimit(RLIMIT_NOFILE, &noMore);
-    {
-        DeviceConfig client;
-        client.addOnPropertiesChangeListener(testNamespace(), std::make_shared<Recorder>());
-    }
+    client.addOnPropertiesChangeListener(testNamespace(), first);
     setrlimit(RLIMIT_NOFILE, &files);
     {
         const support::ImpossibleThreads impossible;
-        DeviceConfig client;
         client.addOnPropertiesChangeListener(testNamespace(), std::make_shared<Recorder>());
     }
+    client.addOnPropertiesChangeListener(testNamespace(), third);
+    write(folder.path("rules.json"), "new");
+    EXPECT_TRUE(first->sees("new"));
+    EXPECT_TRUE(third->sees("new"));
     EXPECT_THAT(log.messages(), testing::ElementsAre("Changes of files go unnoticed: Too many open files.",
                                                      testing::StartsWith("Changes of files go unnoticed: ")));
 }

@@ -34,15 +34,15 @@ TEST(TrustedFile, LinksAreFollowedUnlessTheyLeadOutOfAFolderThatOthersCanWrite) 
     constexpr uid_t kOwn = 0;
     constexpr uid_t kNobody = 65534;
     const std::tuple<const char*, mode_t, uid_t, gid_t> folders[] = {
-        {"own", 0755, kOwn, kOwn},      {"open", 0777, kOwn, kOwn},       {"sticky", 01777, kOwn, kOwn},
-        {"group", 0775, kOwn, kNobody}, {"foreign", 0755, kNobody, kOwn},
+        {"own", 0755, kOwn, kOwn},     {"own group", 0775, kOwn, kOwn}, {"open", 0777, kOwn, kOwn},
+        {"sticky", 01777, kOwn, kOwn}, {"group", 0775, kOwn, kNobody},  {"foreign", 0755, kNobody, kOwn},
     };
     for (const auto& [name, mode, owner, group] : folders) {
         if (geteuid() != 0 && (owner != kOwn || group != kOwn)) {
             continue;  // only root can give a folder away
         }
         const fs::path here = folder.path(name);
-        const bool isOwn = name == std::string("own");
+        const bool isOwn = std::string(name).starts_with("own");
         fs::create_directories(here / "below");
         folder.write(std::string(name) + "/file", "text");
         folder.write(std::string(name) + "/below/file", "below");

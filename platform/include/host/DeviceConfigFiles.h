@@ -7,8 +7,9 @@ namespace host {
 
 // Makes the file's whole content, byte for byte, the value of a property of the device configuration, in place of
 // what the property was bound to before. The file need not exist: a property whose file cannot be read, or not by
-// openTrusted, is absent. A relative path is one of the current folder. Seen by the clients that are created
-// afterwards; may be called from any thread.
+// openTrusted, is absent, and so is one whose file is a pipe or a device, but for a pipe of the process itself in /dev
+// or /proc. Other permissions alone are no change that listeners are told. A relative path is one of the current
+// folder. Seen by the clients that are created afterwards; may be called from any thread.
 //
 // A property P of a namespace N that is not bound is the file N/P in the folder that the environment variable
 // VIG_DEVICE_CONFIG names, if it is set. The service is available while the folder of a bound file can be read, or

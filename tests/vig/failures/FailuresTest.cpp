@@ -1,6 +1,8 @@
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <host/DeviceConfigFiles.h>
+#include <sys/stat.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -133,8 +135,14 @@ TEST_F(RulesFile, WhateverBecomesOfItIsDeliveredAndSoIsTheNextGoodOne) {
         {"deleted", [&] { fs::remove(path); }, 0},
         {"a folder",
          [&] {
-             fs::remove(path);
-             fs::create_directory(path);
+             fs::create_directory(folder.path("folder"));
+             ASSERT_EQ(renameat2(AT_FDCWD, folder.path("folder").c_str(), AT_FDCWD, path.c_str(), RENAME_EXCHANGE), 0);
+         },
+         0},
+        {"a pipe",
+         [&] {
+             ASSERT_EQ(mkfifo(folder.path("new").c_str(), 0600), 0);
+             fs::rename(folder.path("new"), path);
          },
          0},
         {"0 bytes", [&] { folder.write("rules.json", ""); }, 0},
@@ -148,6 +156,7 @@ TEST_F(RulesFile, WhateverBecomesOfItIsDeliveredAndSoIsTheNextGoodOne) {
         each.change();
         EXPECT_TRUE(sees(each.delivered));
         fs::remove_all(path);
+        fs::remove(folder.path("folder"));
         replace(documentNumber(++good));
         EXPECT_TRUE(sees(good));
     }
