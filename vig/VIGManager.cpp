@@ -89,6 +89,7 @@ void VIGManager::registerCallback(Callback newCallback) {
     } rollback{*this};
     {
         std::unique_lock lock(mutex);
+        registered = true;
         deregistered = false;
         rollback.number = registration + 1;
         replaceRegistration(lock, std::move(newCallback));
@@ -108,7 +109,8 @@ void VIGManager::deregisterCallback() {
 }
 
 void VIGManager::endRegistration(std::unique_lock<std::mutex>& lock) {
-    deregistered = true;
+    deregistered = deregistered || registered;
+    registered = false;
     replaceRegistration(lock, nullptr);
 }
 
@@ -236,12 +238,9 @@ bool VIGManager::subscribe(std::uint64_t served) {
         return false;
     }
     responseListener = std::make_shared<ResponseListener>([this, served, gate = gate](const Properties& properties) {
-        const DeliveryGate::Passage passage(*gate);
-        if (!passage) {
-            return;
-        }
         VIG_LOG_ERROR("ViG response is updated in QDC!");
-        if (isAwaited(served)) {
+        const DeliveryGate::Passage passage(*gate);
+        if (passage && isAwaited(served)) {
             deliver(served, properties.getString(kResponseKey, kDefaultResponse));
         }
     });

@@ -63,7 +63,8 @@ class VIG_EXPORT VIGManager {
     // in the log.
     virtual std::vector<std::unique_ptr<VIGConfig>> parseResponse(const std::string& response) const;
 
-    // Starts the watcher thread, or asks the one that still polls to begin again. Part of registerCallback.
+    // Starts the watcher thread, or asks the one that still polls to begin again. Part of registerCallback. Does
+    // nothing once a registration has been ended, until the next one.
     virtual void configureDeviceConfigService();
 
     // Makes `newCallback` the receiver of all deliveries and looks for the service for about 31 seconds: from now,
@@ -119,7 +120,8 @@ class VIG_EXPORT VIGManager {
 
     std::uint64_t registration{0};  // guarded by mutex; another one with each change of the callback
     bool watching{false};           // guarded by mutex; the watcher has not decided to end
-    bool deregistered{false};       // guarded by mutex; the latest registration was ended by its client
+    bool registered{false};         // guarded by mutex; there is a registration
+    bool deregistered{false};       // guarded by mutex; there is none any more
     bool stopping{false};           // guarded by mutex; nothing new begins
     std::thread::id subscriber;     // guarded by mutex; adds or removes a listener at this moment, if any
     std::condition_variable subscriptionSettled;
