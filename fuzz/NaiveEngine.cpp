@@ -283,14 +283,17 @@ class Engine {
     }
 
     bool acceptsParameter(const Json::Value& parameter) {
-        if (!parameter.isObject() || !isText(parameter["type"]) || !isText(parameter["value"])) {
+        if (!parameter.isObject() || !isText(parameter["type"])) {
             return complain("Invalid action parameter type: " + styled(parameter) + ".");
         }
         const std::string type = parameter["type"].asString();
-        const std::string value = parameter["value"].asString();
         if (!kTypes.contains(type)) {
             return complain("Invalid action parameter type: " + upToNul(type) + ".");
         }
+        if (!isText(parameter["value"])) {
+            return complain("Invalid action parameter type: " + styled(parameter) + ".");
+        }
+        const std::string value = parameter["value"].asString();
         return type == "string" || (type == "integer" ? isInt32(value) : isNumber(value, type)) ||
                complain("Invalid value for an action parameter of type " + type + ": " + upToNul(value) + ".");
     }

@@ -47,14 +47,14 @@ std::optional<VIGActionParameter> convertParameter(ParameterType type, const std
 // Appends the parameter to the list and its type to the lookup key.
 bool parseParameter(const Json::Value& json, std::vector<VIGActionParameter>& parameters, std::string& key) {
     const auto typeText = json.isObject() ? toText(json["type"]) : std::nullopt;
-    const auto valueText = json.isObject() ? toText(json["value"]) : std::nullopt;
-    if (!typeText || !valueText) {
-        VIG_LOG_ERROR("Invalid action parameter type: %s.", styledText(json).c_str());
+    const auto type = typeText ? kParameterTypes.reverseLookup(*typeText) : std::nullopt;
+    if (!type) {
+        VIG_LOG_ERROR("Invalid action parameter type: %s.", (typeText ? *typeText : styledText(json)).c_str());
         return false;
     }
-    const auto type = kParameterTypes.reverseLookup(*typeText);
-    if (!type) {
-        VIG_LOG_ERROR("Invalid action parameter type: %s.", typeText->c_str());
+    const auto valueText = toText(json["value"]);
+    if (!valueText) {
+        VIG_LOG_ERROR("Invalid action parameter type: %s.", styledText(json).c_str());
         return false;
     }
     auto parameter = convertParameter(*type, *valueText);

@@ -133,6 +133,7 @@ TEST_F(MachineParserTest, RefusesABadActionWithItsMessages) {
 
 TEST_F(MachineParserTest, RefusesABadParameterWithoutAskingForTheAction) {
     const std::pair<std::string, std::string> types[] = {{R"({"type":"int","value":"3"})", "int"},
+                                                         {R"({"type":"int","value":{}})", "int"},
                                                          {R"({"type":"Double","value":"3"})", "Double"},
                                                          {R"({"value":"3"})", ""},
                                                          {R"({"type":null})", ""},
