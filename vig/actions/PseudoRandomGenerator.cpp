@@ -10,20 +10,11 @@
 
 namespace Brenta::OS::VIG {
 
-namespace {
-
-// Without the device a seed need not be secret, only differ from process to process and from start to start.
-std::uint32_t seedWithoutDevice() {
-    const auto now = static_cast<std::uint64_t>(std::chrono::system_clock::now().time_since_epoch().count());
-    return static_cast<std::uint32_t>(now ^ (now >> 32)) ^ (static_cast<std::uint32_t>(getpid()) << 16);
-}
-
-}  // namespace
-
 PseudoRandomGenerator::PseudoRandomGenerator(std::uint32_t value) : engine(value) {}
 
 PseudoRandomGenerator& PseudoRandomGenerator::ofProcess() {
-    static PseudoRandomGenerator generator(readSeed("/dev/urandom").value_or(seedWithoutDevice()));
+    const auto now = static_cast<std::uint64_t>(std::chrono::system_clock::now().time_since_epoch().count());
+    static PseudoRandomGenerator generator(readSeed("/dev/urandom").value_or(seedFrom(now, getpid())));
     return generator;
 }
 
@@ -63,6 +54,10 @@ std::optional<std::uint32_t> PseudoRandomGenerator::readSeed(const char* deviceP
     }
     close(device);
     return filled == sizeof value ? std::optional(value) : std::nullopt;
+}
+
+std::uint32_t PseudoRandomGenerator::seedFrom(std::uint64_t time, std::int32_t process) {
+    return static_cast<std::uint32_t>(time ^ (time >> 32)) ^ (static_cast<std::uint32_t>(process) << 16);
 }
 
 }  // namespace Brenta::OS::VIG

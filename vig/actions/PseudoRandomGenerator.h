@@ -25,6 +25,10 @@ class PseudoRandomGenerator {
     // A seed read from the device, or empty if it cannot be opened or does not yield enough bytes.
     static std::optional<std::uint32_t> readSeed(const char* devicePath);
 
+    // The seed without the device, which need not be secret: it differs from start to start, by the time, and between
+    // processes that start at the same time.
+    static std::uint32_t seedFrom(std::uint64_t time, std::int32_t process);
+
   private:
     std::mutex mutex;
     std::mt19937 engine;  // guarded by mutex

@@ -1,5 +1,7 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
+#include <sys/ioctl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -68,6 +70,20 @@ TEST(PseudoRandomGenerator, ReadsAWholeSeedOrNone) {
     EXPECT_EQ(seedOf(folder.path("missing")), std::nullopt);
     EXPECT_EQ(seedOf(folder.path()), std::nullopt);  // can be opened, but not read
     EXPECT_TRUE(seedOf("/dev/urandom").has_value());
+    const auto pipe = folder.path("in pieces");
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    std::thread writer([&] {
+        const int end = open(pipe.c_str(), O_WRONLY);
+        for (const char& byte : bytes) {
+            EXPECT_EQ(write(end, &byte, 1), 1);
+            for (int unread = 1; unread != 0 && ioctl(end, FIONREAD, &unread) == 0;) {
+                std::this_thread::yield();
+            }
+        }
+        close(end);
+    });
+    EXPECT_EQ(seedOf(pipe), seed);
+    writer.join();
     // Where the process has no standard input, its descriptor goes to the device, and is free again afterwards.
     const int input = dup(STDIN_FILENO);
     close(STDIN_FILENO);
@@ -76,6 +92,18 @@ TEST(PseudoRandomGenerator, ReadsAWholeSeedOrNone) {
     if (input >= 0) {
         dup2(input, STDIN_FILENO);
         close(input);
+    }
+}
+
+TEST(PseudoRandomGenerator, SeedsWithoutTheDeviceDifferByTimeAndProcess) {
+    const std::uint64_t now = 0x17F1'2345'6789'ABCD;
+    const std::int32_t process = 0x1234;
+    const std::uint32_t seed = PseudoRandomGenerator::seedFrom(now, process);
+    for (int bit = 0; bit < 64; ++bit) {
+        EXPECT_NE(PseudoRandomGenerator::seedFrom(now ^ 1ULL << bit, process), seed) << bit;
+    }
+    for (int bit = 0; bit < 16; ++bit) {
+        EXPECT_NE(PseudoRandomGenerator::seedFrom(now, process ^ 1 << bit), seed) << bit;
     }
 }
 
