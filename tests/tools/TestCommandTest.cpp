@@ -187,9 +187,10 @@ TEST_F(TestCommand, WhatIsNotPartOfATestFileIsAnErrorAtItsPlace) {
 }
 
 TEST_F(TestCommand, OfAFileThatIsAllMistakesAHundredAreShown) {
+    folder.write("bad.jsonl", "{");
     std::string tests = "0";
     for (int each = 1; each < 200; ++each) {
-        tests += "," + std::to_string(each);
+        tests += each == 100 ? R"(,{"name":"a","events":"bad.jsonl","expect":{}})" : "," + std::to_string(each);
     }
     const ToolResult result = runText(R"({"rules":"","tests":[)" + tests + "]}");
     EXPECT_EQ(result.status, 2);

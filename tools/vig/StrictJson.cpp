@@ -72,18 +72,21 @@ bool StrictJson::hasMember(const Json::Value& object, const std::string& key, co
 }
 
 void StrictJson::complain(const Json::Value& at, const std::string& path, const std::string& what) {
-    // A file that is not meant for the reader has as many mistakes as it has values.
-    constexpr std::size_t kMostShown = 100;
-    if (errors.size() >= kMostShown) {
-        if (errors.size() == kMostShown) {
-            errors.push_back(
-                fmt::format("{}: error: has more mistakes than the {} shown", document.source().name(), kMostShown));
-        }
+    if (errors.size() > kMostShown) {
         return;
     }
     const auto place = document.source().positionOf(document.placeOf(at, path).begin);
-    errors.push_back(fmt::format("{}:{}:{}: error: {}{}{}", document.source().name(), place.line, place.column, path,
-                                 path.empty() ? "" : ": ", what));
+    add(fmt::format("{}:{}:{}: error: {}{}{}", document.source().name(), place.line, place.column, path,
+                    path.empty() ? "" : ": ", what));
+}
+
+void StrictJson::add(std::string mistake) {
+    if (errors.size() == kMostShown) {
+        mistake = fmt::format("{}: error: has more mistakes than the {} shown", document.source().name(), kMostShown);
+    }
+    if (errors.size() <= kMostShown) {
+        errors.push_back(std::move(mistake));
+    }
 }
 
 void StrictJson::complainOfKind(const Json::Value& json, const std::string& path, std::string_view expected) {

@@ -26,6 +26,10 @@ class StrictJson {
     StrictJson(const DocumentText& text, std::vector<std::string>& problems) : document(text), errors(problems) {}
 
     void complain(const Json::Value& at, const std::string& path, const std::string& what);
+
+    // A mistake in another file that belongs to this one, with its place.
+    void add(std::string mistake);
+
     void complainOfKind(const Json::Value& json, const std::string& path, std::string_view expected);
 
     bool isArray(const Json::Value& json, const std::string& path);
@@ -56,6 +60,9 @@ class StrictJson {
     }
 
   private:
+    // A file that is not meant for the reader has as many mistakes as it has values.
+    static constexpr std::size_t kMostShown = 100;
+
     const DocumentText& document;
     std::vector<std::string>& errors;
 };

@@ -1,8 +1,11 @@
+#include <cxxabi.h>
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <cstdlib>
 #include <exception>
 #include <string_view>
+#include <typeinfo>
 #include <variant>
 
 #include "tools/vig/CatalogueCommand.h"
@@ -30,11 +33,17 @@ void occupyStandardStreams() {
     }
 }
 
-// When the system refuses a thread or memory, what the standard library would throw has no way out.
+// When the system refuses a thread or memory, what the standard library would throw has no way out. Types are compared
+// by name, since the tool is also built without run-time type information.
 [[noreturn]] void giveUp() {
-    constexpr std::string_view kMessage = "vig: error: the system refuses a thread, or memory\n";
-    [[maybe_unused]] const ssize_t written = write(STDERR_FILENO, kMessage.data(), kMessage.size());
-    _exit(tool::kExitUnusable);
+    const std::type_info* const thrown = abi::__cxa_current_exception_type();
+    const std::string_view name = thrown != nullptr ? thrown->name() : "";
+    if (name == "St12system_error" || name == "St9bad_alloc") {
+        constexpr std::string_view kMessage = "vig: error: the system refuses a thread, or memory\n";
+        [[maybe_unused]] const ssize_t written = write(STDERR_FILENO, kMessage.data(), kMessage.size());
+        _exit(tool::kExitUnusable);
+    }
+    std::abort();
 }
 
 int answer(const tool::Answer& given, const tool::Console& console) {

@@ -134,7 +134,7 @@ class TestFileReader {
             events->push_back(record);
         }
         if (status == EventReader::Status::Failed) {
-            errors.push_back(reader.error());
+            check.add(reader.error());
         }
         return events;
     }
