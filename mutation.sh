@@ -4,7 +4,7 @@
 #
 # A fault with which the library does not compile does not count. Prints the faults that no test has noticed, and fails
 # if these are more than 5 %. What mutation/equivalent.txt explains counts apart: a fault that changes nothing. What
-# noticed each of the others is in build/mutation/verdicts. Takes about 40 minutes on two cores.
+# noticed each of the others is in build/mutation/verdicts. Takes about half an hour on two cores.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")"
 # shellcheck source=scripts/packages.sh
@@ -74,7 +74,7 @@ verdict() {
     local test status
     build "$1" 1 vig_internal || { echo compiler; return; }
     for test in $(tests_of "$2"); do
-        build "$1" 1 "$test" || { echo "$test, which does not compile"; return; }
+        build "$1" 1 "$test" || { echo compiler; return; }
         status=0
         run "$1" "$test" "$(cat "$WORK/$1/$test.limit")" || status=$?
         case $status in

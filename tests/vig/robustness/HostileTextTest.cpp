@@ -102,7 +102,9 @@ TEST_F(HostileText, LargeTextsOfOneKindTakeTimeInProportion) {
     }
 }
 
-#ifdef __has_feature
+#if defined(__SANITIZE_ADDRESS__)
+constexpr bool kHasAddressSanitizer = true;
+#elif defined(__has_feature)
 constexpr bool kHasAddressSanitizer = __has_feature(address_sanitizer);
 #else
 constexpr bool kHasAddressSanitizer = false;
