@@ -9,6 +9,7 @@
 #include "tests/support/Documents.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/tools/ToolRun.h"
+#include "tools/vig/CatalogueCommand.h"
 #include "vig/parsers/JsonText.h"
 
 namespace {
@@ -143,6 +144,46 @@ TEST_F(CheckCommand, ExitStatusTellsErrorsFromWarnings) {
         const auto result = check(text, options);
         EXPECT_EQ(result.status, status) << text;
         EXPECT_TRUE(result.out.ends_with(lastLine)) << result.out;
+    }
+}
+
+TEST_F(CheckCommand, KnowsWhatACatalogueOrARecordingHas) {
+    const std::string document = support::document({support::config(
+        1, {support::transition("start", "end", "Test",
+                                "[" +
+                                    support::filter(">", "integer", support::operand("envvar", "depth"),
+                                                    support::operand("constant", "1")) +
+                                    "]",
+                                R"([{"name":"Test"}])")})});
+    const std::string recording = folder.write("events.jsonl", R"({"event":"Test","int64":{"depth":3}})"
+                                                               "\n");
+    const auto learned = runVerb(tool::catalogue, tool::CatalogueOptions{recording});
+    EXPECT_EQ(learned.status, 0);
+    const std::string learnedFile = folder.write("catalogue.json", learned.out);
+    const std::string otherFile = folder.write("other.json", R"({"events":{"Test":{"int64":["level"]}},"context":{}})");
+    const std::string broken = folder.write("broken", "{");
+    const std::string absent = folder.path("absent");
+    const struct {
+        CheckOptions options;
+        int status;
+        std::string out;  // its end
+        std::string err;  // its beginning
+    } cases[] = {
+        {{.catalogueFile = learnedFile}, 0, "nothing found in 1 file\n", ""},
+        {{.eventsFile = recording}, 0, "nothing found in 1 file\n", ""},
+        {{.catalogueFile = otherFile}, 1, "1 warning in 1 file\n", ""},
+        {{.catalogueFile = otherFile, .eventsFile = recording}, 0, "nothing found in 1 file\n", ""},
+        {{.catalogueFile = broken}, 2, "", broken + ":1:2: error: "},
+        {{.catalogueFile = absent}, 2, "", "vig: error: " + absent + ": No such file or directory\n"},
+        {{.eventsFile = broken}, 2, "", broken + ":1: error: "},
+        {{.eventsFile = absent}, 2, "", "vig: error: " + absent + ": No such file or directory\n"},
+    };
+    for (auto [options, status, out, err] : cases) {
+        options.strict = true;
+        const auto result = check(document, options);
+        EXPECT_EQ(result.status, status) << result.out << result.err;
+        EXPECT_TRUE(result.out.ends_with(out) && result.out.empty() == out.empty()) << result.out;
+        EXPECT_TRUE(result.err.starts_with(err) && result.err.empty() == err.empty()) << result.err;
     }
 }
 

@@ -5,10 +5,13 @@
 #include <pthread.h>
 
 #include <atomic>
+#include <cerrno>
 #include <chrono>
+#include <functional>
 #include <future>
 #include <system_error>
 #include <thread>
+#include <utility>
 
 #include "tests/support/ImpossibleThreads.h"
 #include "tests/support/LogCapture.h"
@@ -554,6 +557,31 @@ TEST_F(ManagerTest, AThreadThatCannotBeCreatedLeavesNothingHalfDone) {
     EXPECT_EQ(receiver.uses(), 0) << "the manager must not keep the callback";
     manager->registerCallback(receiver.callback());
     receiver.waitFor(1);
+}
+
+// Whose thread is refused while somebody else does something.
+class RefusedManager : public VIGManager {
+  public:
+    ~RefusedManager() override { stop(); }
+    void configureDeviceConfigService() override {
+        if (const auto act = std::exchange(meanwhile, nullptr)) {
+            act();
+            throw std::system_error(EAGAIN, std::generic_category());
+        }
+        VIGManager::configureDeviceConfigService();
+    }
+    std::function<void()> meanwhile;
+};
+
+TEST_F(ManagerTest, AThreadThatCannotBeCreatedLeavesTheRegistrationThatHasTakenItsPlace) {
+    RefusedManager refused;
+    support::Receiver second;
+    refused.meanwhile = [&] { refused.registerCallback(second.callback()); };
+    EXPECT_THROW(refused.registerCallback(receiver.callback()), std::system_error);
+    EXPECT_EQ(receiver.uses(), 0);
+    config.waitForAdded(1);
+    config.notify();
+    EXPECT_THAT(second.sizes(), ElementsAre(0, 0));
 }
 
 }  // namespace
