@@ -109,8 +109,7 @@ void VIGManager::deregisterCallback() {
 }
 
 void VIGManager::endRegistration(std::unique_lock<std::mutex>& lock) {
-    deregistered = deregistered || registered;
-    registered = false;
+    deregistered = registered;
     replaceRegistration(lock, nullptr);
 }
 

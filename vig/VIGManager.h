@@ -120,8 +120,8 @@ class VIG_EXPORT VIGManager {
 
     std::uint64_t registration{0};  // guarded by mutex; another one with each change of the callback
     bool watching{false};           // guarded by mutex; the watcher has not decided to end
-    bool registered{false};         // guarded by mutex; there is a registration
-    bool deregistered{false};       // guarded by mutex; there is none any more
+    bool registered{false};         // guarded by mutex; there has been a registration
+    bool deregistered{false};       // guarded by mutex; the latest registration was ended by its client
     bool stopping{false};           // guarded by mutex; nothing new begins
     std::thread::id subscriber;     // guarded by mutex; adds or removes a listener at this moment, if any
     std::condition_variable subscriptionSettled;
