@@ -28,33 +28,23 @@ constexpr std::size_t kMostBytes = std::size_t{1} << 30;
 std::mutex bindingsMutex;
 Bindings bindings;  // guarded by bindingsMutex
 
-// A descriptor of the process under its name in the file system, as the shell gives for a pipe.
-bool isOpenedAlready(const fs::path& path) {
-    const std::string name = path.lexically_normal();
-    return name.starts_with("/dev/") || name.starts_with("/proc/");
-}
-
 bool isReadableFolder(const fs::path& folder) {
     // The empty last name makes the path end in a slash, which only a folder may have.
     return access((folder / "").c_str(), R_OK | X_OK) == 0;
 }
 
-// Of a pipe that nobody writes to, or of a device, neither the opening nor the content would end.
-bool mayBeRead(int file, const fs::path& path) {
-    struct stat status = {};
-    return fstat(file, &status) == 0 &&
-           (S_ISREG(status.st_mode) || (S_ISFIFO(status.st_mode) && isOpenedAlready(path)));
-}
-
 std::optional<std::string> readWhole(const fs::path& path) {
-    const int file = openTrusted(path, O_RDONLY | (isOpenedAlready(path) ? 0 : O_NONBLOCK), 0);
+    // The opening of a pipe would wait for somebody who writes to it.
+    const int file = openTrusted(path, O_RDONLY | O_NONBLOCK, 0);
     if (file < 0) {
         return std::nullopt;
     }
-    if (!mayBeRead(file, path)) {
+    struct stat status = {};
+    if (fstat(file, &status) != 0 || !canBeProperty(path, status.st_mode)) {
         close(file);
         return std::nullopt;
     }
+    fcntl(file, F_SETFL, 0);
     std::string content;
     std::array<char, 65536> buffer;
     ssize_t got = 1;
@@ -78,6 +68,11 @@ fs::path absolutePath(const fs::path& path) {
 void bindProperty(const std::string& ns, const std::string& property, const fs::path& file) {
     const std::lock_guard lock(bindingsMutex);
     bindings[ns][property] = absolutePath(file);
+}
+
+bool canBeProperty(const fs::path& path, mode_t mode) {
+    const std::string name = path.lexically_normal();
+    return S_ISREG(mode) || (S_ISFIFO(mode) && (name.starts_with("/dev/") || name.starts_with("/proc/")));
 }
 
 bool isEditorsOwn(std::string_view fileName) {

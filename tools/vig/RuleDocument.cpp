@@ -94,9 +94,7 @@ std::string RuleDocument::whyUnreadable(const std::string& path) {
     if (S_ISDIR(status.st_mode)) {
         return systemError(EISDIR);
     }
-    // A pipe that the shell has opened is fine; one that nobody writes to, or a device, could be read for ever.
-    const bool isOpenedPipe = S_ISFIFO(status.st_mode) && (path.starts_with("/dev/") || path.starts_with("/proc/"));
-    if (!S_ISREG(status.st_mode) && !isOpenedPipe) {
+    if (!host::canBeProperty(path, status.st_mode)) {
         return "not a regular file";
     }
     if (faccessat(AT_FDCWD, path.c_str(), R_OK, AT_EACCESS) != 0) {
