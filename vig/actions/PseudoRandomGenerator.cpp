@@ -13,8 +13,10 @@ namespace Brenta::OS::VIG {
 PseudoRandomGenerator::PseudoRandomGenerator(std::uint32_t value) : engine(value) {}
 
 PseudoRandomGenerator& PseudoRandomGenerator::ofProcess() {
-    const auto now = static_cast<std::uint64_t>(std::chrono::system_clock::now().time_since_epoch().count());
-    static PseudoRandomGenerator generator(readSeed("/dev/urandom").value_or(seedFrom(now, getpid())));
+    static PseudoRandomGenerator generator(
+        readSeed("/dev/urandom")
+            .value_or(seedFrom(static_cast<std::uint64_t>(std::chrono::system_clock::now().time_since_epoch().count()),
+                               getpid())));
     return generator;
 }
 
