@@ -4,31 +4,49 @@
 
 namespace Brenta::OS::VIG {
 
-DeliveryGate::Passage::Passage(DeliveryGate& entered) : gate(entered) {
+DeliveryGate::Passage::Passage(DeliveryGate& entered, std::uint64_t registration) : gate(entered) {
     std::unique_lock lock(gate.mutex);
-    if (!gate.closed && gate.inside != std::this_thread::get_id()) {
-        const std::uint64_t ticket = gate.nextTicket++;
-        gate.moved.wait(lock, [&] { return gate.served == ticket; });
-        gate.inside = std::this_thread::get_id();
-        admitted = true;
+    const auto isOver = [&] { return gate.closed || gate.latest != registration; };
+    if (gate.inside != std::this_thread::get_id()) {
+        gate.changed.wait(lock, [&] { return isOver() || gate.inside == std::thread::id(); });
+        admitted = !isOver();
+        if (admitted) {
+            gate.inside = std::this_thread::get_id();
+        }
     }
-    open = !gate.closed;
+    open = !isOver();
 }
 
 DeliveryGate::Passage::~Passage() {
     if (admitted) {
         const std::lock_guard lock(gate.mutex);
         gate.inside = std::thread::id();
-        ++gate.served;
-        gate.moved.notify_all();
+        gate.changed.notify_all();
     }
+}
+
+std::uint64_t DeliveryGate::beginRegistration() {
+    const std::lock_guard lock(mutex);
+    changed.notify_all();
+    return ++latest;
+}
+
+std::uint64_t DeliveryGate::latestRegistration() const {
+    const std::lock_guard lock(mutex);
+    return latest;
+}
+
+bool DeliveryGate::isInside() const {
+    const std::lock_guard lock(mutex);
+    return inside == std::this_thread::get_id();
 }
 
 void DeliveryGate::close() {
     std::unique_lock lock(mutex);
     assert(inside != std::this_thread::get_id());
     closed = true;
-    moved.wait(lock, [this] { return served == nextTicket; });
+    changed.notify_all();
+    changed.wait(lock, [this] { return inside == std::thread::id(); });
 }
 
 }  // namespace Brenta::OS::VIG

@@ -7,21 +7,24 @@
 
 namespace Brenta::OS::VIG {
 
-// Lets the deliveries of one manager through one at a time, in the order in which they arrived, until it is
-// closed. A change listener shares it with the manager and may outlive it: the device-configuration library
-// may still call a listener that was removed, which then finds the gate closed.
+// Lets the deliveries of a manager's latest registration through, one at a time. It is no lock that a service call
+// could wait for: whoever waits leaves as soon as its registration is over, or the gate is closed. Among several that
+// wait, any may be the next.
+//
+// A change listener shares the gate with the manager and may outlive it: the device-configuration library may still
+// call a listener that was removed, which then finds the gate closed.
 class DeliveryGate {
   public:
-    // The passage of the calling thread for as long as the object lives. Construction waits for the thread's
-    // turn; a delivery that begins within another one on the same thread does not wait for it.
+    // The passage of the calling thread for as long as the object lives. Construction waits for the end of the
+    // delivery under way; a delivery that begins within another one on the same thread does not wait for it.
     class Passage {
       public:
-        explicit Passage(DeliveryGate& entered);
+        Passage(DeliveryGate& entered, std::uint64_t registration);
         Passage(const Passage&) = delete;
         Passage& operator=(const Passage&) = delete;
         ~Passage();
 
-        // False once the gate is closed: then nothing may be delivered.
+        // False if the registration is over or the gate is closed: then nothing may be delivered.
         explicit operator bool() const { return open; }
 
       private:
@@ -30,17 +33,25 @@ class DeliveryGate {
         bool open = false;
     };
 
+    // Ends the latest registration and returns the number of the one that follows it, 1 at first.
+    std::uint64_t beginRegistration();
+
+    // The number of the latest registration, 0 if there was none.
+    std::uint64_t latestRegistration() const;
+
+    // Tells whether the calling thread is in a delivery.
+    bool isInside() const;
+
     // Lets no delivery begin any more, and returns when the one under way has ended.
     // REQUIRES: not called from within a passage (asserted in debug builds).
     void close();
 
   private:
-    std::mutex mutex;
-    std::condition_variable moved;
-    bool closed = false;           // guarded by mutex
-    std::uint64_t nextTicket = 0;  // guarded by mutex
-    std::uint64_t served = 0;      // guarded by mutex
-    std::thread::id inside;        // guarded by mutex
+    mutable std::mutex mutex;
+    std::condition_variable changed;
+    bool closed = false;       // guarded by mutex
+    std::uint64_t latest = 0;  // guarded by mutex
+    std::thread::id inside;    // guarded by mutex; the thread that delivers, if any
 };
 
 }  // namespace Brenta::OS::VIG

@@ -74,26 +74,26 @@ VIGParserConfig VIGManager::createParserConfig() const {
 }
 
 void VIGManager::registerCallback(Callback newCallback) {
+    std::uint64_t registration = 0;
+    {
+        std::unique_lock lock(mutex);
+        registration = replaceRegistration(lock, std::move(newCallback), RegistrationState::Registered);
+    }
     // If the thread cannot be created, the error passes through here and the registration is taken back, unless
     // another thread has put its own in its place.
     struct Rollback {
         VIGManager& manager;
-        std::uint64_t number = 0;
+        const std::uint64_t registration;
         bool needed = true;
         ~Rollback() {
-            std::unique_lock lock(manager.mutex);
-            if (needed && manager.registration == number) {
-                manager.endRegistration(lock);
+            if (needed) {
+                std::unique_lock lock(manager.mutex);
+                if (manager.gate->latestRegistration() == registration) {
+                    manager.endRegistration(lock);
+                }
             }
         }
-    } rollback{*this};
-    {
-        std::unique_lock lock(mutex);
-        registered = true;
-        deregistered = false;
-        rollback.number = registration + 1;
-        replaceRegistration(lock, std::move(newCallback));
-    }
+    } rollback{*this, registration};
     configureDeviceConfigService();
     rollback.needed = false;
 }
@@ -101,25 +101,30 @@ void VIGManager::registerCallback(Callback newCallback) {
 void VIGManager::deregisterCallback() {
     std::unique_lock lock(mutex);
     endRegistration(lock);
-    // The watcher may be just registering a listener, which it removes again itself. On that very thread, or
-    // with a service that does not answer, waiting for it would not end.
-    if (subscriber != std::this_thread::get_id()) {
-        subscriptionSettled.wait_for(lock, kSettleTimeout, [this] { return subscriber == std::thread::id(); });
+    // Another thread may be just adding the listener, which it then removes again itself, or removing it. Waiting for
+    // that would not end on that very thread, nor in a delivery, for whose end the service may wait, nor with a service
+    // that does not answer.
+    if (subscribingThread != std::this_thread::get_id() && !gate->isInside()) {
+        subscriptionSettled.wait_for(lock, kSettleTimeout, [this] { return subscribingThread == std::thread::id(); });
     }
 }
 
 void VIGManager::endRegistration(std::unique_lock<std::mutex>& lock) {
-    deregistered = registered;
-    replaceRegistration(lock, nullptr);
+    const bool wasEver = registrationState != RegistrationState::NeverRegistered;
+    replaceRegistration(lock, nullptr, wasEver ? RegistrationState::Deregistered : RegistrationState::NeverRegistered);
 }
 
-void VIGManager::replaceRegistration(std::unique_lock<std::mutex>& lock, Callback newCallback) {
+// The number of the registration that has taken the place of the latest one.
+std::uint64_t VIGManager::replaceRegistration(std::unique_lock<std::mutex>& lock, Callback newCallback,
+                                              RegistrationState newState) {
     callback = std::move(newCallback);
-    ++registration;
+    registrationState = newState;
+    const std::uint64_t registration = gate->beginRegistration();
     // Whoever adds or removes a listener at this moment sees the new registration when that is done.
-    if (subscriber == std::thread::id()) {
+    if (subscribingThread == std::thread::id()) {
         unsubscribe(lock);
     }
+    return registration;
 }
 
 void VIGManager::stop() {
@@ -131,17 +136,15 @@ void VIGManager::stop() {
     if (deviceConfigThread.joinable()) {
         deviceConfigThread.join();
     }
-    {
-        std::unique_lock lock(mutex);
-        unsubscribe(lock);
-    }
     gate->close();
+    std::unique_lock lock(mutex);
+    unsubscribe(lock);
 }
 
 void VIGManager::configureDeviceConfigService() {
     const std::lock_guard lock(mutex);
     // A registration may have been ended before its thread came here.
-    if (stopping || deregistered) {
+    if (stopping || registrationState == RegistrationState::Deregistered) {
         return;
     }
     if (!watching) {
@@ -152,12 +155,13 @@ void VIGManager::configureDeviceConfigService() {
         deviceConfigThread = std::thread(&VIGManager::watch, this);
         watching = true;
     }
-    watchRequest = registration;
+    watchRequest = gate->latestRegistration();
+    watchRequested.notify_all();
 }
 
 void VIGManager::watch() {
-    while (const std::optional<std::uint64_t> served = takeWatchRequest()) {
-        pollFor(*served);
+    while (const std::optional<std::uint64_t> registration = takeWatchRequest()) {
+        pollFor(*registration);
     }
 }
 
@@ -170,57 +174,63 @@ std::optional<std::uint64_t> VIGManager::takeWatchRequest() {
     return std::exchange(watchRequest, std::nullopt);
 }
 
-bool VIGManager::isWatchRequested() const {
-    const std::lock_guard lock(mutex);
-    return watchRequest.has_value();
-}
-
 bool VIGManager::isSubscribed() const {
     const std::lock_guard lock(mutex);
     return deviceConfigAvailable && responseListener != nullptr;
 }
 
-void VIGManager::pollFor(std::uint64_t served) {
+void VIGManager::pollFor(std::uint64_t registration) {
     if (isSubscribed()) {
         return;
     }
-    std::int32_t delay = 1;
-    do {
+    for (std::int32_t delay = 1; delay <= kLongestDelay; delay *= 2) {
         if (deviceConfig->isDeviceConfigAvailable()) {
-            goLive(served);
+            goLive(registration);
             return;
         }
-        sleepBetweenChecks(std::chrono::seconds(delay));
-        delay *= 2;
+        const bool isOvertaken = sleepUnlessRequested(delay);
         VIG_LOG_ERROR("ViG device config is not available yet.");
-    } while (delay <= kLongestDelay && !isWatchRequested());
-}
-
-void VIGManager::goLive(std::uint64_t served) {
-    {
-        const DeliveryGate::Passage passage(*gate);
-        if (passage && isAwaited(served)) {
-            deliver(served, getConfig());
+        if (isOvertaken) {
+            return;
         }
     }
-    if (subscribe(served)) {
+}
+
+// Whether there is a request, which ends the sleep.
+bool VIGManager::sleepUnlessRequested(std::int32_t delay) {
+    std::unique_lock lock(mutex);
+    const auto isRequested = [this] { return watchRequest.has_value(); };
+    sleepBetweenChecks(lock, watchRequested, std::chrono::seconds(delay), isRequested);
+    return isRequested();
+}
+
+void VIGManager::goLive(std::uint64_t registration) {
+    if (isAwaited(registration)) {
+        // The service may hold a lock while it notifies, so it is asked before the passage that a notification waits
+        // for.
+        const std::string response = getConfig();
+        if (const DeliveryGate::Passage passage(*gate, registration); passage) {
+            deliver(registration, response);
+        }
+    }
+    if (subscribe(registration)) {
         deviceConfigAvailable = true;
         VIG_LOG_ERROR("ViG device config is available now.");
     }
 }
 
-bool VIGManager::isAwaited(std::uint64_t served) const {
+bool VIGManager::isAwaited(std::uint64_t registration) const {
     const std::lock_guard lock(mutex);
-    return registration == served && callback;
+    return gate->latestRegistration() == registration && callback;
 }
 
 // The callback is copied, because a call under the mutex would keep it from using the manager.
-void VIGManager::deliver(std::uint64_t served, const std::string& response) {
+void VIGManager::deliver(std::uint64_t registration, const std::string& response) {
     auto configs = parseResponse(response);
     Callback receiver;
     {
         const std::lock_guard lock(mutex);
-        if (registration == served) {
+        if (gate->latestRegistration() == registration) {
             receiver = callback;
         }
     }
@@ -230,23 +240,24 @@ void VIGManager::deliver(std::uint64_t served, const std::string& response) {
 }
 
 // Whether the registration still held, so that its listener is in place.
-bool VIGManager::subscribe(std::uint64_t served) {
+bool VIGManager::subscribe(std::uint64_t registration) {
     std::unique_lock lock(mutex);
-    subscriptionSettled.wait(lock, [this] { return subscriber == std::thread::id(); });
-    if (registration != served) {
+    subscriptionSettled.wait(lock, [this] { return subscribingThread == std::thread::id(); });
+    if (gate->latestRegistration() != registration) {
         return false;
     }
-    responseListener = std::make_shared<ResponseListener>([this, served, gate = gate](const Properties& properties) {
-        VIG_LOG_ERROR("ViG response is updated in QDC!");
-        const DeliveryGate::Passage passage(*gate);
-        if (passage && isAwaited(served)) {
-            deliver(served, properties.getString(kResponseKey, kDefaultResponse));
-        }
-    });
+    responseListener =
+        std::make_shared<ResponseListener>([this, registration, gate = gate](const Properties& properties) {
+            VIG_LOG_ERROR("ViG response is updated in QDC!");
+            const DeliveryGate::Passage passage(*gate, registration);
+            if (passage && isAwaited(registration)) {
+                deliver(registration, properties.getString(kResponseKey, kDefaultResponse));
+            }
+        });
     callService(lock, [this, listener = responseListener] {
         deviceConfig->addOnPropertiesChangeListener(kNamespace, listener);
     });
-    if (registration != served) {
+    if (gate->latestRegistration() != registration) {
         unsubscribe(lock);
         return false;
     }
@@ -263,12 +274,13 @@ void VIGManager::unsubscribe(std::unique_lock<std::mutex>& lock) {
 }
 
 // Without the mutex: the service may wait for a notification whose handler needs it.
-void VIGManager::callService(std::unique_lock<std::mutex>& lock, const std::function<void()>& call) {
-    subscriber = std::this_thread::get_id();
+template <typename Call>
+void VIGManager::callService(std::unique_lock<std::mutex>& lock, const Call& call) {
+    subscribingThread = std::this_thread::get_id();
     lock.unlock();
     call();
     lock.lock();
-    subscriber = std::thread::id();
+    subscribingThread = std::thread::id();
     subscriptionSettled.notify_all();
 }
 

@@ -50,8 +50,8 @@ class VIG_EXPORT VIGManager {
     VIGManager& operator=(const VIGManager&) = delete;
 
     // When it returns, no thread runs any code of the manager and no listener is left. Waits for a watcher that
-    // still polls, about 31 seconds at most (47 if a registration began while it polled), and for deliveries under
-    // way; until then the callback may be called.
+    // still polls, until about 31 seconds after the latest registration, and for deliveries under way; until then the
+    // callback may be called.
     // REQUIRES: not called from within the callback (asserted in debug builds).
     virtual ~VIGManager();
 
@@ -67,19 +67,19 @@ class VIG_EXPORT VIGManager {
     // nothing once a registration has been ended, until the next one.
     virtual void configureDeviceConfigService();
 
-    // Makes `newCallback` the receiver of all deliveries and looks for the service for about 31 seconds: from now,
-    // or from the end of the sleep, of at most 16 seconds, in which the watcher of an earlier registration is. A
-    // service that appears later is not found. If the service is there, the first delivery follows at once.
+    // Makes `newCallback` the receiver of all deliveries and looks for the service, now and again for about 31 seconds;
+    // a service that appears later is not found. If the service is there, the first delivery follows at once.
     // An earlier registration ends as with deregisterCallback, but without waiting for the service.
     // If the thread cannot be created, there is no registration afterwards.
-    // REQUIRES: the destructors of what a callback owns do not use the manager, since callbacks are replaced and
-    // cleared under its mutex; and the caller holds no lock that the callback takes, since the service may wait
-    // for a notification under way.
+    // REQUIRES: the copy constructors and destructors of what a callback owns do not use the manager, since callbacks
+    // are copied, replaced and cleared under its mutex; and the caller holds no lock that the callback takes, since
+    // the service may wait for a notification under way.
     void registerCallback(Callback newCallback);
 
-    // Ends the registration. No delivery for it begins after the return, but one under way may still call
-    // the copy of the callback that it holds. No listener stays registered; should the service need longer
-    // than two seconds for a registration under way, the listener is removed as soon as it is done.
+    // Ends the registration. No delivery for it begins after the return, but one under way may still call the copy of
+    // the callback that it holds. No listener stays registered: for one that another thread is just adding or removing
+    // the call waits, two seconds at most, and not at all within a callback; it is removed as soon as the service is
+    // done with it.
     void deregisterCallback();
 
   protected:
@@ -91,21 +91,25 @@ class VIG_EXPORT VIGManager {
     void stop();
 
   private:
+    enum class RegistrationState : std::uint8_t { NeverRegistered, Registered, Deregistered };
+
     void watch();
     std::optional<std::uint64_t> takeWatchRequest();
-    bool isWatchRequested() const;
     bool isSubscribed() const;
-    void pollFor(std::uint64_t served);
-    void goLive(std::uint64_t served);
+    void pollFor(std::uint64_t registration);
+    bool sleepUnlessRequested(std::int32_t delay);
+    void goLive(std::uint64_t registration);
 
-    bool isAwaited(std::uint64_t served) const;
-    void deliver(std::uint64_t served, const std::string& response);
+    bool isAwaited(std::uint64_t registration) const;
+    void deliver(std::uint64_t registration, const std::string& response);
 
     void endRegistration(std::unique_lock<std::mutex>& lock);
-    void replaceRegistration(std::unique_lock<std::mutex>& lock, Callback newCallback);
-    bool subscribe(std::uint64_t served);
+    std::uint64_t replaceRegistration(std::unique_lock<std::mutex>& lock, Callback newCallback,
+                                      RegistrationState newState);
+    bool subscribe(std::uint64_t registration);
     void unsubscribe(std::unique_lock<std::mutex>& lock);
-    void callService(std::unique_lock<std::mutex>& lock, const std::function<void()>& call);
+    template <typename Call>
+    void callService(std::unique_lock<std::mutex>& lock, const Call& call);
 
     Callback callback;  // guarded by mutex
     std::unique_ptr<com::korvel::deviceconfig::DeviceConfig> deviceConfig;
@@ -118,15 +122,14 @@ class VIG_EXPORT VIGManager {
     std::shared_ptr<VIGTriggerVeloraFuncActionFactoryImpl> triggerVeloraFuncActionFactory;
     std::shared_ptr<VIGTriggerVeloraCpuFuncActionFactoryImpl> triggerVeloraCpuFuncActionFactory;
 
-    std::uint64_t registration{0};  // guarded by mutex; another one with each change of the callback
-    bool watching{false};           // guarded by mutex; the watcher has not decided to end
-    bool registered{false};         // guarded by mutex; there has been a registration
-    bool deregistered{false};       // guarded by mutex; the latest registration was ended by its client
-    bool stopping{false};           // guarded by mutex; nothing new begins
-    std::thread::id subscriber;     // guarded by mutex; adds or removes a listener at this moment, if any
+    RegistrationState registrationState{RegistrationState::NeverRegistered};  // guarded by mutex
+    bool watching{false};               // guarded by mutex; the watcher has not decided to end
+    bool stopping{false};               // guarded by mutex; nothing new begins
+    std::thread::id subscribingThread;  // guarded by mutex; adds or removes a listener at this moment, if any
     std::condition_variable subscriptionSettled;
     std::optional<std::uint64_t> watchRequest;  // guarded by mutex; the registration that waits to be served
-    std::shared_ptr<DeliveryGate> gate;
+    std::condition_variable watchRequested;
+    std::shared_ptr<DeliveryGate> gate;  // changes its registration under mutex only
 };
 
 }  // namespace Brenta::OS::VIG

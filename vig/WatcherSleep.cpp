@@ -1,11 +1,10 @@
 #include "vig/WatcherSleep.h"
 
-#include <thread>
-
 namespace Brenta::OS::VIG {
 
-void sleepBetweenChecks(std::chrono::seconds delay) {
-    std::this_thread::sleep_for(delay);
+void sleepBetweenChecks(std::unique_lock<std::mutex>& lock, std::condition_variable& woken, std::chrono::seconds delay,
+                        const std::function<bool()>& isRequested) {
+    woken.wait_for(lock, delay, isRequested);
 }
 
 }  // namespace Brenta::OS::VIG

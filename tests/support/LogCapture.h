@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <chrono>
 #include <condition_variable>
+#include <cstddef>
 #include <memory>
 #include <mutex>
 #include <ostream>
@@ -70,13 +71,15 @@ class LogCapture {
         return messages;
     }
 
-    // Whether the message has been logged, now or soon.
-    bool sees(std::string_view message) const {
+    // Whether the message has been logged that often, now or soon.
+    bool sees(std::string_view message, std::ptrdiff_t times) const {
         std::unique_lock lock(captured->mutex);
         return captured->logged.wait_for(lock, std::chrono::seconds(30), [&] {
-            return std::ranges::find(captured->lines, message, &LogLine::message) != captured->lines.end();
+            return std::ranges::count(captured->lines, message, &LogLine::message) >= times;
         });
     }
+
+    bool sees(std::string_view message) const { return sees(message, 1); }
 
   private:
     struct Captured {

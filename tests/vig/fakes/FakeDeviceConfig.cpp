@@ -35,8 +35,15 @@ void DeviceConfig::removeOnPropertiesChangeListener(const std::shared_ptr<OnProp
 
 namespace Brenta::OS::VIG {
 
-void sleepBetweenChecks(std::chrono::seconds delay) {
-    fakes::FakeDeviceConfig::current->sleep(static_cast<int>(delay.count()));
+void sleepBetweenChecks(std::unique_lock<std::mutex>& lock, std::condition_variable& woken, std::chrono::seconds delay,
+                        const std::function<bool()>& isRequested) {
+    fakes::FakeDeviceConfig& config = *fakes::FakeDeviceConfig::current;
+    lock.unlock();
+    config.sleep(static_cast<int>(delay.count()));
+    lock.lock();
+    if (config.sleepsUntilRequested) {
+        woken.wait(lock, isRequested);
+    }
 }
 
 }  // namespace Brenta::OS::VIG

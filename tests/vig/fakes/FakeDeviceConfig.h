@@ -32,6 +32,8 @@ class FakeDeviceConfig {
     std::function<void(const Listener&)> beforeAdding = [](const Listener&) {};
     std::function<void(const Listener&)> onAdded = [](const Listener&) {};
     std::function<void(const Listener&)> beforeRemoving = [](const Listener&) {};
+    std::function<void(const Listener&)> onRemoved = [](const Listener&) {};
+    bool sleepsUntilRequested = false;
 
     void setResponse(std::optional<std::string> value) {
         const std::lock_guard lock(mutex);
@@ -120,8 +122,11 @@ class FakeDeviceConfig {
 
     void remove(const Listener& listener) {
         beforeRemoving(listener);
-        const std::lock_guard lock(mutex);
-        std::erase(registered, listener);
+        {
+            const std::lock_guard lock(mutex);
+            std::erase(registered, listener);
+        }
+        onRemoved(listener);
     }
 
   private:

@@ -33,4 +33,8 @@ explore "deregister against first delivery" NOTIFIERS=0
 explore "destroy against notification" CALLS_A=1 CALLS_B=0 NOTIFIERS=2 CHECKS=1
 explore "destroy against registration of the listener" CALLS_B=0 NOTIFICATIONS=2 CHECKS=1
 explore "threads that cannot be created" CALLS_B=1 CALLS_WITHIN=0 NOTIFIERS=0 CHECKS=1 THREADS_FAIL
-explore "removal that waits for notifications" CALLS_A=1 NOTIFICATIONS=2 CHECKS=1 REMOVAL_WAITS
+# Here a client waits for the service as long as it takes, and until nobody works before it destroys the manager, so that
+# neither brings an end to a wait that has none.
+explore "removal that waits for notifications" CALLS_A=1 NOTIFICATIONS=2 CHECKS=1 REMOVAL_WAITS PATIENT
+explore "deregistration against another notification" CALLS_A=1 CALLS_B=0 NOTIFIERS=2 CHECKS=1 REMOVAL_WAITS PATIENT
+explore "a library that holds a lock while it notifies" CALLS_A=1 NOTIFICATIONS=2 CHECKS=1 LIBRARY_LOCKS PATIENT

@@ -31,17 +31,18 @@
 #define NUMBERS (2 * (CALLS_A + CALLS_B + CALLS_WITHIN) + 1)
 
 /* The members of the manager. Callbacks and listeners are told apart by the number of their registration. */
-byte registration, callback, listener, watchRequest, subscriber;
+byte callback, listener, watchRequest, subscribing;
 bool watching, deregistered, stopping, available;
 
-/* The gate. */
-byte nextTicket, served, inside;
+/* The gate. The registration changes under the mutexes of both. */
+byte registration, inside;
 bool closed;
 
 /* The device configuration. */
 byte registered; /* the listener */
 bool everRegistered[NUMBERS];
 byte notifying[THREADS]; /* the listener that the thread calls */
+byte lockedBy, locks;    /* the thread that holds the lock of the library, and how often */
 
 /* What is asserted of them. */
 bool watcherLives, destroyed;
@@ -55,12 +56,34 @@ byte callsWithin, idleClients;
 /* What each thread keeps for itself. */
 #define LOCALS                            \
     byte removed, number, receiver, other; \
-    byte ticket;                          \
     bool failed, admitted, open
+
+/* Nothing, unless the library holds a lock of its own in each call and while it notifies. */
+inline lockLibrary() {
+#ifdef LIBRARY_LOCKS
+    atomic { lockedBy == NONE || lockedBy == me; lockedBy = me; locks++ }
+#else
+    skip
+#endif
+}
+
+inline unlockLibrary() {
+#ifdef LIBRARY_LOCKS
+    atomic {
+        locks--;
+        if
+        :: locks == 0 -> lockedBy = NONE
+        :: else
+        fi
+    }
+#else
+    skip
+#endif
+}
 
 inline beginUnsubscribe() {
     if
-    :: listener != NONE -> assert(subscriber == NONE); removed = listener; listener = NONE; subscriber = me
+    :: listener != NONE -> assert(subscribing == NONE); removed = listener; listener = NONE; subscribing = me
     :: else
     fi
 }
@@ -68,6 +91,7 @@ inline beginUnsubscribe() {
 inline endUnsubscribe() {
     if
     :: removed != NONE ->
+        lockLibrary();
         atomic {
             assert(!destroyed);
             if
@@ -82,7 +106,8 @@ inline endUnsubscribe() {
         :: other == THREADS -> other = 0; break
         od;
 #endif
-        atomic { assert(!destroyed); subscriber = NONE; removed = NONE }
+        unlockLibrary();
+        atomic { assert(!destroyed); subscribing = NONE; removed = NONE }
     :: else
     fi
 }
@@ -91,7 +116,7 @@ inline replaceRegistration(hasCallback) {
     registration++;
     callback = (hasCallback -> registration : NONE);
     if
-    :: subscriber == NONE -> beginUnsubscribe()
+    :: subscribing == NONE -> beginUnsubscribe()
     :: else
     fi
 }
@@ -162,11 +187,13 @@ inline deregisterCallback() {
     endUnsubscribe();
     if
     :: atomic {
-           subscriber == NONE || subscriber == me;
+           subscribing == NONE || subscribing == me || inside == me;
            assert(!destroyed);
-           assert(registered == NONE || registered > number || subscriber == me)
+           assert(registered == NONE || registered > number || subscribing == me || inside == me)
        }
+#ifndef PATIENT
     :: true /* two seconds have passed */
+#endif
     fi;
     atomic { knowOver(number); number = NONE }
 }
@@ -209,48 +236,55 @@ inline deliver(serving) {
     receiver = NONE
 }
 
-inline enterGate() {
+inline enterGate(serving) {
     atomic {
+        inside == NONE || inside == me || closed || registration != serving;
+        open = !closed && registration == serving;
         if
-        :: !closed && inside != me -> ticket = nextTicket; nextTicket++; admitted = true
-        :: else -> open = !closed
+        :: open && inside != me -> inside = me; admitted = true
+        :: else
         fi
     }
-    if
-    :: admitted -> atomic { served == ticket; inside = me; open = !closed }
-    :: else
-    fi
 }
 
 inline leaveGate() {
     atomic {
         if
-        :: admitted -> inside = NONE; served++
+        :: admitted -> inside = NONE
         :: else
         fi;
         admitted = false;
-        open = false;
-        ticket = 0
+        open = false
     }
+}
+
+/* What a notification does, once the library has decided to call this listener. */
+inline handle(notified) {
+    enterGate(notified);
+    if
+    :: open -> deliver(notified)
+    :: else
+    fi;
+    leaveGate()
 }
 
 proctype notifier(byte me) {
     LOCALS;
     byte rounds, called;
     do
-    :: atomic {
-           rounds < NOTIFICATIONS && registered != NONE;
+    :: rounds < NOTIFICATIONS && registered != NONE ->
+       lockLibrary();
+       atomic {
            called = registered;
            notifying[me] = called;
            rounds++
        }
-       enterGate();
        if
-       :: open -> deliver(called)
+       :: called != NONE -> handle(called)
        :: else
        fi;
-       leaveGate();
        atomic { notifying[me] = NONE; called = NONE }
+       unlockLibrary()
 #ifndef REMOVAL_WAITS
     /* A library that does not wait may also call what was removed, even when the manager is gone. */
     :: atomic {
@@ -265,12 +299,9 @@ proctype notifier(byte me) {
        }
        if
        :: called != NONE ->
-           enterGate();
-           if
-           :: open -> deliver(called)
-           :: else
-           fi;
-           leaveGate();
+           lockLibrary();
+           handle(called);
+           unlockLibrary();
            called = NONE
        :: else
        fi
@@ -281,22 +312,24 @@ proctype notifier(byte me) {
 
 inline subscribe(serving) {
     atomic {
-        subscriber == NONE;
+        subscribing == NONE;
         assert(!destroyed);
         if
-        :: registration == serving -> listener = serving; subscriber = me
+        :: registration == serving -> listener = serving; subscribing = me
         :: else
         fi
     }
     if
-    :: subscriber == me ->
+    :: subscribing == me ->
+        lockLibrary();
         atomic {
             assert(!destroyed && registered == NONE && !everRegistered[serving]);
             registered = serving;
             everRegistered[serving] = true
         }
+        unlockLibrary();
         atomic {
-            subscriber = NONE;
+            subscribing = NONE;
             if
             :: registration != serving -> beginUnsubscribe()
             :: else -> subscribed = true
@@ -330,12 +363,13 @@ proctype watcher() {
            checks++;
            atomic { assert(!destroyed); done = watchRequest != NONE }
        :: !done && checks < CHECKS -> /* the service is there */
-           enterGate();
            if
-           :: open -> deliver(serving)
-           :: else
+           :: atomic { registration == serving && callback != NONE; assert(!destroyed) } ->
+               lockLibrary(); /* for getConfig */
+               unlockLibrary();
+               handle(serving)
+           :: atomic { !(registration == serving && callback != NONE); assert(!destroyed) }
            fi;
-           leaveGate();
            subscribe(serving);
            if
            :: subscribed -> atomic { assert(!destroyed); available = true }
@@ -366,7 +400,7 @@ proctype clientB() {
 /* All calls have returned and nobody works: the latest registration is served, or over. */
 inline expectServed() {
     atomic {
-        !watching && calling == NONE && subscriber == NONE;
+        !watching && calling == NONE && subscribing == NONE;
         assert(callback == NONE || givenUp[callback] ||
                (delivered[callback] && registered == callback && listener == callback));
         assert(promised == NONE || callback == promised);
@@ -377,10 +411,10 @@ inline expectServed() {
 inline destroy() {
     stopping = true;
     !watcherLives;
+    closed = true;
+    inside == NONE;
     atomic { beginUnsubscribe() }
     endUnsubscribe();
-    closed = true;
-    served == nextTicket;
     atomic {
         assert(registered == NONE && !watcherLives && calling == NONE);
         destroyed = true
@@ -403,7 +437,9 @@ init {
     idleClients == 2;
     if
     :: expectServed()
+#ifndef PATIENT
     :: true
+#endif
     fi;
     destroy()
 }

@@ -1,12 +1,16 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <host/DeviceConfigFiles.h>
 #include <host/LogSink.h>
 
 #include <chrono>
+#include <filesystem>
 #include <string>
 #include <vector>
 
+#include "tests/support/LogCapture.h"
 #include "tests/support/Receiver.h"
+#include "tests/support/TemporaryFolder.h"
 #include "vig/VIGManager.h"
 
 namespace {
@@ -30,6 +34,21 @@ TEST(FailedChecks, FiveInRealTimeTakeAboutThirtyOneSeconds) {
     const auto about = [](long value) { return testing::AllOf(testing::Ge(value), testing::Le(value + 2)); };
     EXPECT_THAT(seconds, testing::ElementsAre(about(1), about(3), about(7), about(15), about(31)));
     EXPECT_THAT(receiver.sizes(), testing::IsEmpty());
+}
+
+TEST(FailedChecks, ARegistrationInTheSleepOfEightSecondsIsServedAtOnce) {
+    const support::TemporaryFolder folder;
+    const support::LogCapture log;
+    support::Receiver receiver;
+    host::bindProperty("korvel_vig", "vig_response", folder.path("later/rules.json"));
+    Brenta::OS::VIG::VIGManager manager;
+    manager.registerCallback(nullptr);
+    EXPECT_TRUE(log.sees("ViG device config is not available yet.", 3));
+    std::filesystem::create_directory(folder.path("later"));
+    const auto begin = std::chrono::steady_clock::now();
+    manager.registerCallback(receiver.callback());
+    receiver.waitFor(1);
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(5));
 }
 
 }  // namespace
