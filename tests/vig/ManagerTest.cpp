@@ -487,6 +487,27 @@ TEST_F(ManagerTest, AListenerOfWhichTheLibraryLetsGoWithinACallLivesUntilItsEnd)
     EXPECT_TRUE(listener.expired());
 }
 
+TEST_F(ManagerTest, AListenerIsAddedOnlyWhenTheEarlierOneIsRemoved) {
+    std::promise<void> removing;
+    std::promise<void> added;
+    support::Receiver second;
+    registerAndListen(receiver.callback());
+    EXPECT_TRUE(log.sees(kAvailable));  // from then on the watcher no longer uses the service
+    config.beforeAdding = [&](const auto&) { added.set_value(); };
+    config.beforeRemoving = [&, removals = 0](const auto&) mutable {
+        if (++removals == 1) {
+            removing.set_value();
+            second.waitFor(1);
+            EXPECT_EQ(added.get_future().wait_for(std::chrono::milliseconds(20)), std::future_status::timeout);
+        }
+    };
+    auto deregistration = std::async(std::launch::async, [&] { manager->deregisterCallback(); });
+    removing.get_future().wait();
+    manager->registerCallback(second.callback());
+    config.waitForAdded(2);
+    EXPECT_EQ(config.mostListeners(), 1U);
+}
+
 TEST_F(ManagerTest, NotificationsOnSeveralThreadsAreDeliveredOneAtATime) {
     std::atomic<int> inside{0};
     std::atomic<int> mostInside{0};
@@ -566,11 +587,17 @@ class OverridingManager : public VIGManager {
   public:
     ~OverridingManager() override { stop(); }
     std::string getConfig() const override { return documentNumber(4); }
+    std::vector<std::unique_ptr<Brenta::OS::VIG::VIGConfig>> parseResponse(const std::string& response) const override {
+        const auto happens = duringParse;
+        happens();
+        return VIGManager::parseResponse(response);
+    }
     void configureDeviceConfigService() override {
         ++configured;
         VIGManager::configureDeviceConfigService();
     }
     int configured = 0;
+    std::function<void()> duringParse = [] {};
 };
 
 TEST_F(ManagerTest, UsesTheOverridesOfADerivedClass) {
@@ -579,6 +606,21 @@ TEST_F(ManagerTest, UsesTheOverridesOfADerivedClass) {
     receiver.waitFor(1);
     EXPECT_THAT(receiver.sizes(), ElementsAre(4));
     EXPECT_EQ(overriding.configured, 1);
+}
+
+TEST_F(ManagerTest, ARegistrationWhileTheDocumentIsParsedGetsOnlyWhatIsReadForIt) {
+    support::Receiver second;
+    {
+        OverridingManager overriding;
+        overriding.duringParse = [&] {
+            overriding.duringParse = [] {};
+            overriding.registerCallback(second.callback());
+        };
+        overriding.registerCallback(receiver.callback());
+        second.waitFor(1);
+    }
+    EXPECT_THAT(receiver.sizes(), IsEmpty());
+    EXPECT_THAT(second.sizes(), ElementsAre(4));
 }
 
 TEST_F(ManagerTest, AThreadThatCannotBeCreatedLeavesNothingHalfDone) {
