@@ -6,8 +6,11 @@
 #include <zlib.h>
 #include <zstd.h>
 
+#include <bit>
+#include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "rulesengine/EvaluationContext.h"
@@ -116,8 +119,29 @@ TEST(EventReader, BadLineIsReportedWithItsPlaceAndTheKeyAtFault) {
         {R"({"event":"Test","string":{"a b":5}})", R"(string."a b": expected a string, got 5)"},
         {R"({"event":"Test","string":{"a":"\ud800"}})", "string.a: a string has an invalid escape"},
         {R"({"event":"Test","string":["a"]})", "string: expected an object, got an array"},
+        {R"({"event":"Test","uint64":{"a":-00}})", "uint64.a: expected an unsigned 64-bit integer, got -00"},
+        {R"({"event":"Test","double":{"a":0.754118209207529815453E309}})",
+         "double.a: expected a number, got 0.754118209207529815453E309, which is out of its range"},
+        {R"({"event":"Test","double":{"a":-4e-326}})",
+         "double.a: expected a number, got -4e-326, which is out of its range"},
+        {R"({"event":"Test","double":{"a":.5}})", "double.a: expected a number, got .5"},
+        {R"({"event":"Test","double":{"a":1.}})", "double.a: expected a number, got 1."},
+        {R"({"event":"Test","double":{"a":1e+}})", "double.a: expected a number, got 1e+"},
+        {R"({"event":"Test","double":{"a":00}})", "double.a: expected a number, got 00"},
+        {R"({"event":"Test","uint64":{"b":1,"a":1,"\u0062":1}})", "uint64.b: given twice"},
         {R"({"event":"Test","int64":{"b":1,"a":1,"b":2}})", "int64.b: given twice"},
-        {R"({"event":"Test","int64":{},"int64":{}})", "int64: given twice"},
+        {R"({"event":"Test","double":{"b":1,"b":1}})", "double.b: given twice"},
+        {R"({"event":"Test","bool":{"b":true,"a":true,"b":false}})", "bool.b: given twice"},
+        {R"({"event":"Test","string":{"":"","a":"","":""}})", "string.\"\": given twice"},
+        {R"({"event":"Test","uint64":{},"int64":{},"uint64":{}})", "uint64: given twice"},
+        {R"({"event":"Test","int64":{},"\u0069nt64":{}})", "int64: given twice"},
+        {R"({"event":"Test","double":{"a":1},"double":{}})", "double: given twice"},
+        {R"({"bool":{},"event":"Test","bool":{}})", "bool: given twice"},
+        {R"({"event":"Test","string":{},"string":{"a":""}})", "string: given twice"},
+        {R"({"event":"Test","event":"Test"})", "event: given twice"},
+        {R"({"event":"Test","time_ms":1,"time_ms":1})", "time_ms: given twice"},
+        {R"({"event":"Timeout","timeout_id":1,"timeout_id":1})", "timeout_id: given twice"},
+        {"\xEF\xBB\xBF{\"event\":\"Test\"}", "expected a JSON object, got \xEF\xBB\xBF{\"event\":\"Test\"}"},
         {R"({"event":"ProcessMemoryHeartbeat"})",
          R"(event: unknown event "ProcessMemoryHeartbeat"; did you mean "ProcessMemoryHeartBeat"?)"},
         {R"({"event":"Xyzzy"})", R"(event: unknown event "Xyzzy")"},
@@ -146,17 +170,48 @@ TEST(EventReader, BadLineIsReportedWithItsPlaceAndTheKeyAtFault) {
     }
 }
 
-TEST(EventReader, LongFractionsAreReadExactly) {
-    const ReadAll all(
-        R"({"event":"Test","double":{"a":0.12345678901234567890123456789,"b":-0.99999999999999999999,)"
-        R"("c":0.00000000000000000000000000123456789012345678901,"d":5e-324,"e":1.7976931348623157e308}})");
-    ASSERT_EQ(all.error, "");
-    const AttributeSet& attributes = all.records.at(0).attributes;
-    EXPECT_EQ(attributes.find<double>("a"), 0.12345678901234567890123456789);
-    EXPECT_EQ(attributes.find<double>("b"), -1.0);
-    EXPECT_EQ(attributes.find<double>("c"), 1.23456789012345678901e-27);
-    EXPECT_EQ(attributes.find<double>("d"), 5e-324);
-    EXPECT_EQ(attributes.find<double>("e"), 1.7976931348623157e308);
+TEST(EventReader, TextOfAnyLengthIsShownByItsBeginning) {
+    const std::string name(1000, 'n');
+    const std::string digits(70, '9');
+    const std::pair<std::string, std::string> cases[] = {
+        {'"' + name + "\":1", name.substr(0, 60) + "…: unknown key"},
+        {R"("int64":{")" + name + "\":\"\"}",
+         "int64." + name.substr(0, 60) + "…: expected a signed 64-bit integer, got \"\""},
+        {R"("int64":{"a":)" + digits + "}",
+         "int64.a: expected a signed 64-bit integer, got " + digits.substr(0, 60) + "…, which is out of its range"},
+        {R"("event":")" + name + "\"", "event: unknown event \"" + name.substr(0, 60) + "…\""},
+    };
+    for (const auto& [member, message] : cases) {
+        EXPECT_EQ(ReadAll("{" + member + "}").error, "events.jsonl:1: error: " + message);
+    }
+}
+
+TEST(EventReader, NumbersHaveTheValueThatIsNearest) {
+    const std::pair<std::string, double> cases[] = {
+        {"0.12345678901234567890", 0.12345678901234567890},  // 22 characters
+        {"-0.99999999999999999999", -1.0},
+        {"0.00000000000000000000000000123456789012345678901", 1.23456789012345678901e-27},
+        {"0.51730597866512478594", 0.51730597866512478594},
+        {"94.07325221745E-0309", 94.07325221745E-309},
+        {"5e-324", 5e-324},
+        {"1.7976931348623157e308", 1.7976931348623157e308},
+        {"17976931348623157081452742373170435679807056752584e259", 1.7976931348623157e308},
+        {"0E100000000000000000000", 0.0},
+        {"0.000e-99999999999999999999", 0.0},
+        {"-0", -0.0},
+        {"1e0000000000000000000000005", 1e5},
+    };
+    for (const auto& [text, value] : cases) {
+        const ReadAll all(R"({"event":"Test","double":{"a": )" + text + " }}");
+        ASSERT_EQ(all.error, "");
+        EXPECT_EQ(std::bit_cast<std::uint64_t>(all.records.at(0).attributes.find<double>("a").value()),
+                  std::bit_cast<std::uint64_t>(value))
+            << text;
+    }
+    const ReadAll zeros(R"({"event":"Test","uint64":{"a":-0 ,"b":0},"int64":{"a":-0}})");
+    ASSERT_EQ(zeros.error, "");
+    EXPECT_EQ(zeros.records.at(0).attributes.find<std::uint64_t>("a"), 0u);
+    EXPECT_EQ(zeros.records.at(0).attributes.find<std::int64_t>("a"), 0);
 }
 
 TEST(EventReader, LinesMayEndInAnyWayAndBeLongerThanTheBuffer) {
