@@ -299,7 +299,9 @@ TEST(EventReader, CompressedDataIsReadInAllItsPartsAndWhatIsNoneIsAnError) {
         many += "{\"event\":\"Test\",\"time_ms\":" + std::to_string(i) + "}\n";
     }
     const std::string skippable("\x5F\x2A\x4D\x18\x03\0\0\0abc", 11);
-    const std::string bomb(std::size_t{1} << 25, ' ');
+    const std::string longest = "{\"event\":\"Test\"}\n" + std::string(std::size_t{1} << 24, ' ');
+    const std::string tooLong =
+        "events.jsonl:2: error: the line has more than 16777216 bytes, the most that is read of compressed data";
     const auto flipped = [](std::string data) {
         data[data.size() - 2] = static_cast<char>(data[data.size() - 2] ^ 1);
         return data;
@@ -324,7 +326,11 @@ TEST(EventReader, CompressedDataIsReadInAllItsPartsAndWhatIsNoneIsAnError) {
          "the zstd data is corrupt (Restored data doesn't match checksum)"},
         {gzipped(many) + "more", 20'000, "the gzip data is corrupt (incorrect header check)"},
         {zstandard(many) + "more", 20'000, "the zstd data is corrupt (Unknown frame descriptor)"},
-        {gzipped(bomb), 0, "File too large"},
+        {gzipped(longest), 1, ""},
+        {zstandard(longest + "\n{\"event\":\"Test\"}"), 2, ""},
+        {gzipped(longest + " "), 1, tooLong},
+        {zstandard(longest + " \n{\"event\":\"Test\"}"), 1, tooLong},
+        {longest + " \n{\"event\":\"Test\"}", 2, ""},
         {"\x28\xB5\x2F", 0, "events.jsonl:1: error: "},
     };
     for (const auto& each : cases) {

@@ -182,7 +182,7 @@ class Follower {
     int status = -1;
     tool::Interruption interruption;
     const tool::Interruption never;
-    tool::LineReader reader{ends[0], never, [] {}};
+    tool::LineReader reader{ends[0], "the watch", never, [] {}};
     std::thread thread;
 };
 

@@ -28,17 +28,16 @@ class Merger {
             console.complain(name + ": " + systemError(errno));
             return kExitUnusable;
         }
-        LineReader lines(input.get(), interruption, [] {});
+        LineReader lines(input.get(), name, interruption, [] {});
         std::string_view line;
         auto status = lines.next(line);
-        for (std::size_t number = 1; status == LineReader::Status::Line; ++number) {
-            if (!isBlank(line) && !add(name, number, line)) {
+        for (; status == LineReader::Status::Line; status = lines.next(line)) {
+            if (!isBlank(line) && !add(name, lines.lineNumber(), line)) {
                 return kExitUnusable;
             }
-            status = lines.next(line);
         }
         if (status == LineReader::Status::Failed) {
-            console.complain(name + ": " + lines.problem());
+            console.say(lines.problem());
             return kExitUnusable;
         }
         return status == LineReader::Status::Interrupted ? std::optional(kExitInterrupted) : std::nullopt;
