@@ -1,5 +1,7 @@
 #include "tools/vig/SummaryCommand.h"
 
+#include <fmt/format.h>
+
 #include <cerrno>
 #include <optional>
 #include <string_view>
@@ -60,13 +62,19 @@ class Merger {
         if (!merged) {
             merged = summary;
             first = place;
-        } else if (merged->isOfSameDocument(*summary)) {
-            merged->merge(*summary);
-        } else {
+            return true;
+        }
+        if (!merged->isOfSameDocument(*summary)) {
             console.say(place + ": error: it summarises a run of another rule document than " + first);
             return false;
         }
-        return true;
+        merged->merge(*summary);
+        const std::string tooLarge = merged->tooLarge();
+        if (!tooLarge.empty()) {
+            console.say(fmt::format("{}: error: {}: more than {} with the summaries before", place, tooLarge,
+                                    FleetSummary::MOST));
+        }
+        return tooLarge.empty();
     }
 
     const Console& console;

@@ -50,6 +50,14 @@ std::string records(std::size_t count, bool withTest) {
     return text + (withTest ? "{\"event\":\"Test\"}\n" : R"({"event":"Timeout","timeout_id":1,)" + attributes(0));
 }
 
+std::string triggering(int times) {
+    std::string text;
+    for (int i = 0; i < times; ++i) {
+        text += records(0, false);
+    }
+    return text;
+}
+
 class Fleet : public testing::Test {
   protected:
     Fleet() {
@@ -105,10 +113,7 @@ TEST_F(Fleet, OutputIsThatOfTheDevicesAloneInTheirOrderWhateverTheNumberOfThread
 
 TEST_F(Fleet, StandardInputHasOneNameInLinesAndSummary) {
     options.devices = {"-"};
-    std::string input;
-    for (int i = 0; i < 12; ++i) {
-        input += records(0, false);
-    }
+    const std::string input = triggering(12);
     const ToolResult result = runVerb(tool::fleet, options, input);
     EXPECT_THAT(linesWith(result.out, R"({"type":"trigger")").at(0), HasSubstr(R"("device":"<stdin>"})"));
     EXPECT_THAT(result.out, HasSubstr(R"("worst":[{"device":"<stdin>","triggers":12,"events":12}])"));
@@ -193,15 +198,83 @@ TEST_F(Fleet, InterruptionEndsWithTheSummaryOfWhatWasDone) {
     close(ends[1]);
 }
 
+TEST_F(Fleet, WhateverNamesDevicesHaveTheirSummaryIsReadAndMerged) {
+    options.format = ReportFormat::Json;
+    // Read again, the first two have one name, and another place among the others.
+    options.devices = {folder.write("\xFE", triggering(12) + records(0, true)), folder.write("\xFF", triggering(12)),
+                       folder.write("\xF0\x90\x80\x80", triggering(12)),
+                       folder.write("\xD8\x9C\x1B[2J\n\"\\", triggering(12))};
+    const std::string whole = run(1).out;
+    std::string parts;
+    for (const std::string& device : std::vector<std::string>(options.devices)) {
+        options.devices = {device};
+        parts += run(1).out;
+    }
+    for (const std::string& summaries : {whole, parts}) {
+        tool::SummaryOptions again;
+        again.format = ReportFormat::Json;
+        const ToolResult result = runVerb(tool::summary, again, summaries);
+        EXPECT_EQ(result.err, "");
+        EXPECT_EQ(result.out, whole);
+    }
+}
+
+TEST_F(Fleet, SummaryShowsNothingThatATerminalActsOn) {
+    options.format = ReportFormat::Json;
+    options.devices = {folder.write("d", "")};
+    std::string text = run(1).out;
+    for (const auto& [from, to] : {std::pair(R"("path":"configs[0]")", R"("path":"\u001b[2J\n9 on 9")"),
+                                   {R"(transitions[0]")", R"(\u061c")"},
+                                   {R"("event":"Test")", R"("event":"\r\u009b")"}}) {
+        ASSERT_NE(text.find(from), std::string::npos);
+        text.replace(text.find(from), std::string_view(from).size(), to);
+    }
+    const ToolResult result = runVerb(tool::summary, tool::SummaryOptions(), text);
+    EXPECT_THAT(result.out, HasSubstr(R"(  \x1b[2J\n9 on 9 (id 7))"));
+    EXPECT_THAT(result.out, HasSubstr(R"(data.\u061c  start -> start)"));
+    EXPECT_THAT(result.out, HasSubstr(R"(start -> end on \r\x9b)"));
+}
+
+TEST_F(Fleet, MergeBeyondTheLargestNumberIsRefusedWithItsPlace) {
+    options.format = ReportFormat::Json;
+    options.devices = {folder.write("d", "")};
+    const std::string none = run(1).out;
+    std::string most = none;
+    most.replace(most.find("\"events\":0"), 10, "\"events\":9007199254740992");
+    EXPECT_THAT(runVerb(tool::summary, tool::SummaryOptions(), none + most + none).out,
+                HasSubstr(" 9007199254740992\n"));
+    const ToolResult result = runVerb(tool::summary, tool::SummaryOptions(), most + "\n" + most);
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.err, "<stdin>:3: error: events: more than 9007199254740992 with the summaries before\n");
+}
+
+TEST(FleetSummary, NumberThatIsTooLargeIsNamed) {
+    const std::pair<std::string, void (*)(FleetSummary&, std::uint64_t)> cases[] = {
+        {"failed", [](FleetSummary& summary, std::uint64_t number) { summary.failed = number; }},
+        {"unfinished", [](FleetSummary& summary, std::uint64_t number) { summary.unfinished = number; }},
+        {"devices", [](FleetSummary& summary, std::uint64_t number) { summary.devicesByTriggers[0] = number; }},
+        {"events", [](FleetSummary& summary, std::uint64_t number) { summary.events = number; }},
+        {"triggers.total", [](FleetSummary& summary, std::uint64_t number) { summary.devicesByTriggers[number] = 1; }},
+        {"configs[1].fired",
+         [](FleetSummary& summary, std::uint64_t number) { summary.configs[1].count.fired = number; }},
+    };
+    for (const auto& [path, set] : cases) {
+        for (const auto& [number, expected] :
+             {std::pair(FleetSummary::MOST, std::string()), {FleetSummary::MOST + 1, path}}) {
+            FleetSummary summary;
+            summary.configs.resize(2);
+            set(summary, number);
+            EXPECT_EQ(summary.tooLarge(), expected);
+        }
+    }
+}
+
 TEST_F(Fleet, SummaryThatDoesNotFitIsRefusedWithItsPlace) {
     options.format = ReportFormat::Json;
-    std::string often;
-    for (int i = 0; i < 12; ++i) {
-        often += records(0, false);
-    }
+    const std::string often = triggering(12);
     options.devices = {folder.write("x", often), folder.write("y", often), folder.write("z", records(0, true))};
     const std::string good = run(1).out;
-    EXPECT_EQ(runVerb(tool::summary, tool::SummaryOptions(), good).err, "");
+    EXPECT_EQ(runVerb(tool::summary, tool::SummaryOptions(), "\xEF\xBB\xBF" + good).err, "");
     folder.write("rules.json", document({}));
     const std::string other = run(1).out;
     const struct {
@@ -232,6 +305,9 @@ TEST_F(Fleet, SummaryThatDoesNotFitIsRefusedWithItsPlace) {
         {"\"failed\":0", "\"failed\":-1", ":1:53: error: failed: expected an integer from 0 to 9007199254740992"},
         {"\"failed\":0", "\"extra\":0", ":1:52: error: unknown key \"extra\""},
         {"\n", "x\n", "error: "},
+        {"\n", "\n\n\xEF\xBB\xBF" + good, ":3:1: error: a byte order mark"},
+        {"{\"document\"", "\xEF\xBB\xBF\xEF\xBB\xBF{\"document\"", ":1:1: error: a byte order mark"},
+        {"\"failed\":0", "\"" + std::string(1000, 'k') + "\":0", std::string(60, 'k') + "…\"\n"},
         {"\n", "\n" + other, ":2: error: it summarises a run of another rule document than "},
         {good, "", "there is no summary to merge"},
     };
