@@ -6,10 +6,12 @@
 #include <zlib.h>
 #include <zstd.h>
 
+#include <algorithm>
 #include <bit>
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -40,10 +42,12 @@ struct ReadAll {
             records.push_back(record);
         }
         error = status == EventReader::Status::Failed ? reader.error() : "";
+        bytes = reader.bytesRead();
     }
 
     std::vector<EventRecord> records;
     std::string error;
+    std::uint64_t bytes;
 };
 
 TEST(EventReader, RecordBecomesAnEventWithTheAttributesOfEachKind) {
@@ -73,6 +77,14 @@ TEST(EventReader, RecordBecomesAnEventWithTheAttributesOfEachKind) {
     EXPECT_FALSE(event.getInt64Attr("whole"));
     EXPECT_FALSE(event.getUint64Attr("vmRssK"));
     EXPECT_FALSE(event.getBoolAttr("vmRssKBs"));
+}
+
+TEST(EventReader, NothingOfARecordIsLeftInTheNext) {
+    const ReadAll all(R"({"event":"Timeout","timeout_id":3,"time_ms":1,"uint64":{"a":1},"int64":{"a":1},)"
+                      R"("double":{"a":1},"bool":{"a":true},"string":{"a":""}})"
+                      "\n{\"event\":\"Test\"}");
+    ASSERT_EQ(all.records.size(), 2u) << all.error;
+    EXPECT_TRUE(all.records[1] == EventRecord{.type = EventType::Test});
 }
 
 TEST(EventReader, KeysAreInByteOrderWhateverTheOrderInTheRecord) {
@@ -117,6 +129,8 @@ TEST(EventReader, BadLineIsReportedWithItsPlaceAndTheKeyAtFault) {
         {R"({"event":"Test","double":{"a":NaN}})", "double.a: expected a number, got NaN"},
         {R"({"event":"Test","bool":{"a":1}})", "bool.a: expected true or false, got 1"},
         {R"({"event":"Test","string":{"a b":5}})", R"(string."a b": expected a string, got 5)"},
+        {R"({"event":"Test","string":{"a.b":5}})", R"(string."a.b": expected a string, got 5)"},
+        {R"({"event":"Test","string":{"a:b":5}})", R"(string."a:b": expected a string, got 5)"},
         {R"({"event":"Test","string":{"a":"\ud800"}})", "string.a: a string has an invalid escape"},
         {R"({"event":"Test","string":["a"]})", "string: expected an object, got an array"},
         {R"({"event":"Test","uint64":{"a":-00}})", "uint64.a: expected an unsigned 64-bit integer, got -00"},
@@ -225,6 +239,7 @@ TEST(EventReader, LinesMayEndInAnyWayAndBeLongerThanTheBuffer) {
     const ReadAll all(text);
     ASSERT_EQ(all.error, "");
     ASSERT_EQ(all.records.size(), 20'002u);
+    EXPECT_EQ(all.bytes, text.size());
     EXPECT_EQ(all.records[1].attributes.find<std::string_view>("a"), longName);
     for (int i = 0; i < 20'000; ++i) {
         ASSERT_EQ(all.records[static_cast<std::size_t>(i) + 2].attributes.find<std::int64_t>("i"), i);
@@ -257,6 +272,25 @@ TEST(EventReader, WhatHasArrivedFromAPipeIsHandedOutBeforeWaitingForMore) {
     EXPECT_EQ(reader.next(record), EventReader::Status::Interrupted);
     close(ends[0]);
     close(ends[1]);
+    const MemoryFile file("{\"event\":\"Test\"}\n");
+    EXPECT_EQ(EventReader(file.descriptor, "file", interruption, [] {}).next(record), EventReader::Status::Interrupted);
+}
+
+TEST(EventReader, ShortestLinesOfAPipeAreNotKeptWaiting) {
+    for (const std::string_view line : {"{}\n", "x\n", "\x28\n"}) {
+        int ends[2];
+        ASSERT_EQ(pipe(ends), 0);
+        ASSERT_EQ(write(ends[1], line.data(), line.size()), static_cast<ssize_t>(line.size()));
+        const tool::Interruption interruption;
+        EventReader reader(ends[0], "pipe", interruption, [&] {
+            ADD_FAILURE() << "waits after " << line;
+            close(ends[1]);
+        });
+        EventRecord record;
+        EXPECT_EQ(reader.next(record), EventReader::Status::Failed);
+        close(ends[0]);
+        close(ends[1]);
+    }
 }
 
 TEST(EventReader, WhatCannotBeReadIsNamed) {
@@ -284,10 +318,10 @@ std::string gzipped(std::string_view text) {
     return result;
 }
 
-std::string zstandard(std::string_view text) {
+std::string zstandard(std::string_view text, int checksum = 1) {
     std::string result(ZSTD_compressBound(text.size()), '\0');
     ZSTD_CCtx* const context = ZSTD_createCCtx();
-    ZSTD_CCtx_setParameter(context, ZSTD_c_checksumFlag, 1);
+    ZSTD_CCtx_setParameter(context, ZSTD_c_checksumFlag, checksum);
     result.resize(ZSTD_compress2(context, result.data(), result.size(), text.data(), text.size()));
     ZSTD_freeCCtx(context);
     return result;
@@ -302,6 +336,10 @@ TEST(EventReader, CompressedDataIsReadInAllItsPartsAndWhatIsNoneIsAnError) {
     const std::string longest = "{\"event\":\"Test\"}\n" + std::string(std::size_t{1} << 24, ' ');
     const std::string tooLong =
         "events.jsonl:2: error: the line has more than 16777216 bytes, the most that is read of compressed data";
+    // Frames of an empty block, which ask for 128 and for 256 MiB.
+    const std::string largestWindow("\x28\xB5\x2F\xFD\x00\x88\x01\x00\x00", 9);
+    const std::string largerWindow("\x28\xB5\x2F\xFD\x00\x90\x01\x00\x00", 9);
+    const auto cut = [](const std::string& data) { return data.substr(0, data.size() - 9); };
     const auto flipped = [](std::string data) {
         data[data.size() - 2] = static_cast<char>(data[data.size() - 2] ^ 1);
         return data;
@@ -319,9 +357,12 @@ TEST(EventReader, CompressedDataIsReadInAllItsPartsAndWhatIsNoneIsAnError) {
         {gzipped(many) + std::string(9, '\0') + gzipped(many), 20'000, "the gzip data is corrupt (data error)"},
         {gzipped(many).substr(0, 20'000), 0, "the gzip data is truncated"},
         {zstandard(many).substr(0, 1000), 0, "the zstd data is truncated"},
+        {zstandard(many, 0), 20'000, ""},
+        {largestWindow, 0, ""},
+        {largerWindow, 0, "the zstd data is corrupt (Frame requires too much memory for decoding)"},
         {"\x1F\x8B", 0, "the gzip data is truncated"},
         {flipped(gzipped(many)), 20'000, "the gzip data is corrupt (incorrect length check)"},
-        {flipped(zstandard(many)), 0, "the zstd data is corrupt (Restored data doesn't match checksum)"},
+        {flipped(zstandard(many)), 20'000, "the zstd data is corrupt (Restored data doesn't match checksum)"},
         {flipped(zstandard("{\"event\":\"Test\"}\n")), 1,
          "the zstd data is corrupt (Restored data doesn't match checksum)"},
         {gzipped(many) + "more", 20'000, "the gzip data is corrupt (incorrect header check)"},
@@ -329,6 +370,7 @@ TEST(EventReader, CompressedDataIsReadInAllItsPartsAndWhatIsNoneIsAnError) {
         {gzipped(longest), 1, ""},
         {zstandard(longest + "\n{\"event\":\"Test\"}"), 2, ""},
         {gzipped(longest + " "), 1, tooLong},
+        {cut(gzipped(longest + std::string(std::size_t{1} << 26, ' '))), 1, tooLong},  // not read to its end
         {zstandard(longest + " \n{\"event\":\"Test\"}"), 1, tooLong},
         {longest + " \n{\"event\":\"Test\"}", 2, ""},
         {"\x28\xB5\x2F", 0, "events.jsonl:1: error: "},
@@ -341,22 +383,35 @@ TEST(EventReader, CompressedDataIsReadInAllItsPartsAndWhatIsNoneIsAnError) {
     }
 }
 
-TEST(EventReader, CompressedRecordsArriveOverAPipeByteByByte) {
-    for (const std::string& data : {gzipped("{\"event\":\"Test\"}\n"), zstandard("{\"event\":\"Test\"}\n")}) {
+TEST(EventReader, CompressedRecordsArriveOverAPipeAsSoonAsTheirBytes) {
+    std::string text;
+    for (int i = 0; i < 10'000; ++i) {
+        text += "{\"event\":\"Test\"}\n";
+    }
+    const std::size_t all = std::string::npos;
+    for (const auto& [data, piece, records] : {std::tuple(gzipped("{\"event\":\"Test\"}\n"), std::size_t{1}, 1),
+                                               {zstandard("{\"event\":\"Test\"}\n"), 1, 1},
+                                               {gzipped(text), all, 10'000},
+                                               {zstandard(text), all, 10'000}}) {
         int ends[2];
         ASSERT_EQ(pipe(ends), 0);
         const tool::Interruption interruption;
-        std::size_t sent = 0;
+        std::string_view rest = data;
+        int read = 0;
         EventReader reader(ends[0], "events.jsonl", interruption, [&] {
-            if (sent < data.size()) {
-                EXPECT_EQ(write(ends[1], &data[sent++], 1), 1);
-            } else {
+            if (rest.empty()) {
+                EXPECT_EQ(read, records);
                 close(ends[1]);
             }
+            const ssize_t sent = write(ends[1], rest.data(), std::min(piece, rest.size()));
+            rest.remove_prefix(static_cast<std::size_t>(std::max<ssize_t>(sent, 0)));
         });
         EventRecord record;
-        EXPECT_EQ(reader.next(record), EventReader::Status::Record);
-        EXPECT_EQ(reader.next(record), EventReader::Status::End);
+        while (reader.next(record) == EventReader::Status::Record) {
+            ++read;
+        }
+        EXPECT_EQ(read, records);
+        EXPECT_EQ(reader.error(), "");
         close(ends[0]);
     }
 }
