@@ -317,10 +317,10 @@ std::string gzipped(std::string_view text) {
     return result;
 }
 
-std::string zstandard(std::string_view text, int checksum = 1) {
+std::string zstandard(std::string_view text) {
     std::string result(ZSTD_compressBound(text.size()), '\0');
     ZSTD_CCtx* const context = ZSTD_createCCtx();
-    ZSTD_CCtx_setParameter(context, ZSTD_c_checksumFlag, checksum);
+    ZSTD_CCtx_setParameter(context, ZSTD_c_checksumFlag, 1);
     result.resize(ZSTD_compress2(context, result.data(), result.size(), text.data(), text.size()));
     ZSTD_freeCCtx(context);
     return result;
@@ -356,7 +356,6 @@ TEST(EventReader, CompressedDataIsReadInAllItsPartsAndWhatIsNoneIsAnError) {
         {gzipped(many) + std::string(9, '\0') + gzipped(many), 20'000, "the gzip data is corrupt (data error)"},
         {gzipped(many).substr(0, 20'000), 0, "the gzip data is truncated"},
         {zstandard(many).substr(0, 1000), 0, "the zstd data is truncated"},
-        {zstandard(many, 0), 20'000, ""},
         {largestWindow, 0, ""},
         {largerWindow, 0, "the zstd data is corrupt (Frame requires too much memory for decoding)"},
         {"\x1F\x8B", 0, "the gzip data is truncated"},

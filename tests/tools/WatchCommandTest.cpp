@@ -86,14 +86,15 @@ TEST_F(WatchCommand, RecordReplaysToTheSameTriggersAndMoves) {
 }
 
 TEST_F(WatchCommand, RecordNeitherOverwritesNorFollowsALinkUnlessItMay) {
-    const std::string path = folder.write("record.jsonl", "precious\n");
+    const std::string precious(100'000, 'p');
+    const std::string path = folder.write("record.jsonl", precious);
     options.recordFile = path;
     EXPECT_EQ(runVerb(tool::watch, options).err,
               "vig: error: " + path + ": it exists already; --force overwrites it\n");
     options.overwrite = true;
     options.rules = folder.write("bad.json", "{");
     EXPECT_EQ(runVerb(tool::watch, options).status, 1);
-    EXPECT_EQ(folder.read("record.jsonl"), "precious\n");
+    EXPECT_EQ(folder.read("record.jsonl"), precious);
 
     options.rules = folder.path("rules.json");
     fs::create_symlink(path, folder.path("link"));
