@@ -46,7 +46,7 @@ void readTests(const std::string& text) {
         std::abort();
     }
     std::vector<std::string> errors;
-    if (tool::readTestFile(file, errors).has_value() != errors.empty()) {
+    if (tool::readTestFile(file, tool::Interruption(), errors).has_value() != errors.empty()) {
         std::abort();
     }
 }

@@ -6,8 +6,12 @@
 #include <zlib.h>
 #include <zstd.h>
 
+#include <algorithm>
+#include <bit>
+#include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "rulesengine/EvaluationContext.h"
@@ -37,10 +41,12 @@ struct ReadAll {
             records.push_back(record);
         }
         error = status == EventReader::Status::Failed ? reader.error() : "";
+        bytes = reader.bytesRead();
     }
 
     std::vector<EventRecord> records;
     std::string error;
+    std::uint64_t bytes;
 };
 
 TEST(EventReader, RecordBecomesAnEventWithTheAttributesOfEachKind) {
@@ -70,6 +76,14 @@ TEST(EventReader, RecordBecomesAnEventWithTheAttributesOfEachKind) {
     EXPECT_FALSE(event.getInt64Attr("whole"));
     EXPECT_FALSE(event.getUint64Attr("vmRssK"));
     EXPECT_FALSE(event.getBoolAttr("vmRssKBs"));
+}
+
+TEST(EventReader, NothingOfARecordIsLeftInTheNext) {
+    const ReadAll all(R"({"event":"Timeout","timeout_id":3,"time_ms":1,"uint64":{"a":1},"int64":{"a":1},)"
+                      R"("double":{"a":1},"bool":{"a":true},"string":{"a":""}})"
+                      "\n{\"event\":\"Test\"}");
+    ASSERT_EQ(all.records.size(), 2u) << all.error;
+    EXPECT_TRUE(all.records[1] == EventRecord{.type = EventType::Test});
 }
 
 TEST(EventReader, KeysAreInByteOrderWhateverTheOrderInTheRecord) {
@@ -114,10 +128,33 @@ TEST(EventReader, BadLineIsReportedWithItsPlaceAndTheKeyAtFault) {
         {R"({"event":"Test","double":{"a":NaN}})", "double.a: expected a number, got NaN"},
         {R"({"event":"Test","bool":{"a":1}})", "bool.a: expected true or false, got 1"},
         {R"({"event":"Test","string":{"a b":5}})", R"(string."a b": expected a string, got 5)"},
+        {R"({"event":"Test","string":{"a.b":5}})", R"(string."a.b": expected a string, got 5)"},
+        {R"({"event":"Test","string":{"a:b":5}})", R"(string."a:b": expected a string, got 5)"},
         {R"({"event":"Test","string":{"a":"\ud800"}})", "string.a: a string has an invalid escape"},
         {R"({"event":"Test","string":["a"]})", "string: expected an object, got an array"},
+        {R"({"event":"Test","uint64":{"a":-00}})", "uint64.a: expected an unsigned 64-bit integer, got -00"},
+        {R"({"event":"Test","double":{"a":0.754118209207529815453E309}})",
+         "double.a: expected a number, got 0.754118209207529815453E309, which is out of its range"},
+        {R"({"event":"Test","double":{"a":-4e-326}})",
+         "double.a: expected a number, got -4e-326, which is out of its range"},
+        {R"({"event":"Test","double":{"a":.5}})", "double.a: expected a number, got .5"},
+        {R"({"event":"Test","double":{"a":1.}})", "double.a: expected a number, got 1."},
+        {R"({"event":"Test","double":{"a":1e+}})", "double.a: expected a number, got 1e+"},
+        {R"({"event":"Test","double":{"a":00}})", "double.a: expected a number, got 00"},
+        {R"({"event":"Test","uint64":{"b":1,"a":1,"\u0062":1}})", "uint64.b: given twice"},
         {R"({"event":"Test","int64":{"b":1,"a":1,"b":2}})", "int64.b: given twice"},
-        {R"({"event":"Test","int64":{},"int64":{}})", "int64: given twice"},
+        {R"({"event":"Test","double":{"b":1,"b":1}})", "double.b: given twice"},
+        {R"({"event":"Test","bool":{"b":true,"a":true,"b":false}})", "bool.b: given twice"},
+        {R"({"event":"Test","string":{"":"","a":"","":""}})", "string.\"\": given twice"},
+        {R"({"event":"Test","uint64":{},"int64":{},"uint64":{}})", "uint64: given twice"},
+        {R"({"event":"Test","int64":{},"\u0069nt64":{}})", "int64: given twice"},
+        {R"({"event":"Test","double":{"a":1},"double":{}})", "double: given twice"},
+        {R"({"bool":{},"event":"Test","bool":{}})", "bool: given twice"},
+        {R"({"event":"Test","string":{},"string":{"a":""}})", "string: given twice"},
+        {R"({"event":"Test","event":"Test"})", "event: given twice"},
+        {R"({"event":"Test","time_ms":1,"time_ms":1})", "time_ms: given twice"},
+        {R"({"event":"Timeout","timeout_id":1,"timeout_id":1})", "timeout_id: given twice"},
+        {"\xEF\xBB\xBF{\"event\":\"Test\"}", "expected a JSON object, got \xEF\xBB\xBF{\"event\":\"Test\"}"},
         {R"({"event":"ProcessMemoryHeartbeat"})",
          R"(event: unknown event "ProcessMemoryHeartbeat"; did you mean "ProcessMemoryHeartBeat"?)"},
         {R"({"event":"Xyzzy"})", R"(event: unknown event "Xyzzy")"},
@@ -146,17 +183,48 @@ TEST(EventReader, BadLineIsReportedWithItsPlaceAndTheKeyAtFault) {
     }
 }
 
-TEST(EventReader, LongFractionsAreReadExactly) {
-    const ReadAll all(
-        R"({"event":"Test","double":{"a":0.12345678901234567890123456789,"b":-0.99999999999999999999,)"
-        R"("c":0.00000000000000000000000000123456789012345678901,"d":5e-324,"e":1.7976931348623157e308}})");
-    ASSERT_EQ(all.error, "");
-    const AttributeSet& attributes = all.records.at(0).attributes;
-    EXPECT_EQ(attributes.find<double>("a"), 0.12345678901234567890123456789);
-    EXPECT_EQ(attributes.find<double>("b"), -1.0);
-    EXPECT_EQ(attributes.find<double>("c"), 1.23456789012345678901e-27);
-    EXPECT_EQ(attributes.find<double>("d"), 5e-324);
-    EXPECT_EQ(attributes.find<double>("e"), 1.7976931348623157e308);
+TEST(EventReader, TextOfAnyLengthIsShownByItsBeginning) {
+    const std::string name(1000, 'n');
+    const std::string digits(70, '9');
+    const std::pair<std::string, std::string> cases[] = {
+        {'"' + name + "\":1", name.substr(0, 60) + "…: unknown key"},
+        {R"("int64":{")" + name + "\":\"\"}",
+         "int64." + name.substr(0, 60) + "…: expected a signed 64-bit integer, got \"\""},
+        {R"("int64":{"a":)" + digits + "}",
+         "int64.a: expected a signed 64-bit integer, got " + digits.substr(0, 60) + "…, which is out of its range"},
+        {R"("event":")" + name + "\"", "event: unknown event \"" + name.substr(0, 60) + "…\""},
+    };
+    for (const auto& [member, message] : cases) {
+        EXPECT_EQ(ReadAll("{" + member + "}").error, "events.jsonl:1: error: " + message);
+    }
+}
+
+TEST(EventReader, NumbersHaveTheValueThatIsNearest) {
+    const std::pair<std::string, double> cases[] = {
+        {"0.12345678901234567890", 0.12345678901234567890},  // 22 characters
+        {"-0.99999999999999999999", -1.0},
+        {"0.00000000000000000000000000123456789012345678901", 1.23456789012345678901e-27},
+        {"0.51730597866512478594", 0.51730597866512478594},
+        {"94.07325221745E-0309", 94.07325221745E-309},
+        {"5e-324", 5e-324},
+        {"1.7976931348623157e308", 1.7976931348623157e308},
+        {"17976931348623157081452742373170435679807056752584e259", 1.7976931348623157e308},
+        {"0E100000000000000000000", 0.0},
+        {"0.000e-99999999999999999999", 0.0},
+        {"-0", -0.0},
+        {"1e0000000000000000000000005", 1e5},
+    };
+    for (const auto& [text, value] : cases) {
+        const ReadAll all(R"({"event":"Test","double":{"a": )" + text + " }}");
+        ASSERT_EQ(all.error, "");
+        EXPECT_EQ(std::bit_cast<std::uint64_t>(all.records.at(0).attributes.find<double>("a").value()),
+                  std::bit_cast<std::uint64_t>(value))
+            << text;
+    }
+    const ReadAll zeros(R"({"event":"Test","uint64":{"a":-0 ,"b":0},"int64":{"a":-0}})");
+    ASSERT_EQ(zeros.error, "");
+    EXPECT_EQ(zeros.records.at(0).attributes.find<std::uint64_t>("a"), 0u);
+    EXPECT_EQ(zeros.records.at(0).attributes.find<std::int64_t>("a"), 0);
 }
 
 TEST(EventReader, LinesMayEndInAnyWayAndBeLongerThanTheBuffer) {
@@ -170,6 +238,7 @@ TEST(EventReader, LinesMayEndInAnyWayAndBeLongerThanTheBuffer) {
     const ReadAll all(text);
     ASSERT_EQ(all.error, "");
     ASSERT_EQ(all.records.size(), 20'002u);
+    EXPECT_EQ(all.bytes, text.size());
     EXPECT_EQ(all.records[1].attributes.find<std::string_view>("a"), longName);
     for (int i = 0; i < 20'000; ++i) {
         ASSERT_EQ(all.records[static_cast<std::size_t>(i) + 2].attributes.find<std::int64_t>("i"), i);
@@ -202,6 +271,25 @@ TEST(EventReader, WhatHasArrivedFromAPipeIsHandedOutBeforeWaitingForMore) {
     EXPECT_EQ(reader.next(record), EventReader::Status::Interrupted);
     close(ends[0]);
     close(ends[1]);
+    const MemoryFile file("{\"event\":\"Test\"}\n");
+    EXPECT_EQ(EventReader(file.descriptor, "file", interruption, [] {}).next(record), EventReader::Status::Interrupted);
+}
+
+TEST(EventReader, ShortestLinesOfAPipeAreNotKeptWaiting) {
+    for (const std::string_view line : {"{}\n", "x\n", "\x28\n"}) {
+        int ends[2];
+        ASSERT_EQ(pipe(ends), 0);
+        ASSERT_EQ(write(ends[1], line.data(), line.size()), static_cast<ssize_t>(line.size()));
+        const tool::Interruption interruption;
+        EventReader reader(ends[0], "pipe", interruption, [&] {
+            ADD_FAILURE() << "waits after " << line;
+            close(ends[1]);
+        });
+        EventRecord record;
+        EXPECT_EQ(reader.next(record), EventReader::Status::Failed);
+        close(ends[0]);
+        close(ends[1]);
+    }
 }
 
 TEST(EventReader, WhatCannotBeReadIsNamed) {
@@ -244,7 +332,13 @@ TEST(EventReader, CompressedDataIsReadInAllItsPartsAndWhatIsNoneIsAnError) {
         many += "{\"event\":\"Test\",\"time_ms\":" + std::to_string(i) + "}\n";
     }
     const std::string skippable("\x5F\x2A\x4D\x18\x03\0\0\0abc", 11);
-    const std::string bomb(std::size_t{1} << 25, ' ');
+    const std::string longest = "{\"event\":\"Test\"}\n" + std::string(std::size_t{1} << 24, ' ');
+    const std::string tooLong =
+        "events.jsonl:2: error: the line has more than 16777216 bytes, the most that is read of compressed data";
+    // Frames of an empty block, which ask for 128 and for 256 MiB.
+    const std::string largestWindow("\x28\xB5\x2F\xFD\x00\x88\x01\x00\x00", 9);
+    const std::string largerWindow("\x28\xB5\x2F\xFD\x00\x90\x01\x00\x00", 9);
+    const auto cut = [](const std::string& data) { return data.substr(0, data.size() - 9); };
     const auto flipped = [](std::string data) {
         data[data.size() - 2] = static_cast<char>(data[data.size() - 2] ^ 1);
         return data;
@@ -262,14 +356,21 @@ TEST(EventReader, CompressedDataIsReadInAllItsPartsAndWhatIsNoneIsAnError) {
         {gzipped(many) + std::string(9, '\0') + gzipped(many), 20'000, "the gzip data is corrupt (data error)"},
         {gzipped(many).substr(0, 20'000), 0, "the gzip data is truncated"},
         {zstandard(many).substr(0, 1000), 0, "the zstd data is truncated"},
+        {largestWindow, 0, ""},
+        {largerWindow, 0, "the zstd data is corrupt (Frame requires too much memory for decoding)"},
         {"\x1F\x8B", 0, "the gzip data is truncated"},
         {flipped(gzipped(many)), 20'000, "the gzip data is corrupt (incorrect length check)"},
-        {flipped(zstandard(many)), 0, "the zstd data is corrupt (Restored data doesn't match checksum)"},
+        {flipped(zstandard(many)), 20'000, "the zstd data is corrupt (Restored data doesn't match checksum)"},
         {flipped(zstandard("{\"event\":\"Test\"}\n")), 1,
          "the zstd data is corrupt (Restored data doesn't match checksum)"},
         {gzipped(many) + "more", 20'000, "the gzip data is corrupt (incorrect header check)"},
         {zstandard(many) + "more", 20'000, "the zstd data is corrupt (Unknown frame descriptor)"},
-        {gzipped(bomb), 0, "File too large"},
+        {gzipped(longest), 1, ""},
+        {zstandard(longest + "\n{\"event\":\"Test\"}"), 2, ""},
+        {gzipped(longest + " "), 1, tooLong},
+        {cut(gzipped(longest + std::string(std::size_t{1} << 26, ' '))), 1, tooLong},  // not read to its end
+        {zstandard(longest + " \n{\"event\":\"Test\"}"), 1, tooLong},
+        {longest + " \n{\"event\":\"Test\"}", 2, ""},
         {"\x28\xB5\x2F", 0, "events.jsonl:1: error: "},
     };
     for (const auto& each : cases) {
@@ -280,22 +381,43 @@ TEST(EventReader, CompressedDataIsReadInAllItsPartsAndWhatIsNoneIsAnError) {
     }
 }
 
-TEST(EventReader, CompressedRecordsArriveOverAPipeByteByByte) {
-    for (const std::string& data : {gzipped("{\"event\":\"Test\"}\n"), zstandard("{\"event\":\"Test\"}\n")}) {
+TEST(EventReader, CompressedRecordsArriveOverAPipeAsSoonAsTheirBytes) {
+    std::string text;
+    for (int i = 0; i < 10'000; ++i) {
+        text += "{\"event\":\"Test\"}\n";
+    }
+    const struct {
+        std::string data;
+        std::size_t piece;
+        int records;
+    } cases[] = {
+        {gzipped("{\"event\":\"Test\"}\n"), 1, 1},
+        {zstandard("{\"event\":\"Test\"}\n"), 1, 1},
+        {gzipped(text), text.size(), 10'000},
+        {zstandard(text), text.size(), 10'000},
+    };
+    for (const auto& each : cases) {
         int ends[2];
         ASSERT_EQ(pipe(ends), 0);
         const tool::Interruption interruption;
-        std::size_t sent = 0;
+        std::string_view rest = each.data;
+        int read = 0;
         EventReader reader(ends[0], "events.jsonl", interruption, [&] {
-            if (sent < data.size()) {
-                EXPECT_EQ(write(ends[1], &data[sent++], 1), 1);
-            } else {
+            if (rest.empty()) {
+                EXPECT_EQ(read, each.records);
                 close(ends[1]);
+            } else {
+                const ssize_t sent = write(ends[1], rest.data(), std::min(each.piece, rest.size()));
+                ASSERT_GT(sent, 0);
+                rest.remove_prefix(static_cast<std::size_t>(sent));
             }
         });
         EventRecord record;
-        EXPECT_EQ(reader.next(record), EventReader::Status::Record);
-        EXPECT_EQ(reader.next(record), EventReader::Status::End);
+        while (reader.next(record) == EventReader::Status::Record) {
+            ++read;
+        }
+        EXPECT_EQ(read, each.records);
+        EXPECT_EQ(reader.error(), "");
         close(ends[0]);
     }
 }

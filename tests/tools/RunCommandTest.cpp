@@ -3,7 +3,7 @@
 #include <fcntl.h>
 #include <fmt/format.h>
 #include <gtest/gtest.h>
-#include <signal.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <string>
@@ -236,16 +236,7 @@ TEST_F(RunCommand, InterruptionEndsTheRunWithItsSummary) {
     int ends[2];  // a live input that stays silent
     ASSERT_EQ(pipe(ends), 0);
     const support::MemoryFile out;
-    tool::Interruption interruption;
-    const tool::InterruptOnSignals signals(interruption);
-    raise(SIGTERM);
-    EXPECT_TRUE(interruption.requested());
-    // Asked for before the document is there, it ends the loading.
-    EXPECT_EQ(tool::run(options, {ends[0], out.descriptor, STDERR_FILENO}, interruption), 130);
-    EXPECT_EQ(out.content(), "");
-
     tool::Interruption later;
-    tool::Interruption never;
     tool::RuleRun ruleRun(options, {ends[0], out.descriptor, STDERR_FILENO}, later);
     ASSERT_EQ(ruleRun.begin(tool::RuleSession::Changes::Ignore), std::nullopt);
     later.request();
@@ -254,6 +245,18 @@ TEST_F(RunCommand, InterruptionEndsTheRunWithItsSummary) {
     EXPECT_EQ(linesWith(out.content(), R"({"type":"end","events":0)").size(), 1u);
     close(ends[0]);
     close(ends[1]);
+}
+
+TEST_F(RunCommand, PipeThatNobodyWritesToYetIsNotWaitedForOnceTheEndIsRequested) {
+    options.rules = folder.write("rules.json", document({}));
+    const std::string pipe = folder.path("pipe");
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    tool::Interruption interruption;
+    interruption.request();
+    for (std::string* const input : {&options.events, &options.contextFile}) {
+        *input = pipe;
+        EXPECT_EQ(tool::run(options, tool::Console(), interruption), 130);
+    }
 }
 
 TEST_F(RunCommand, ClosedPipeIsNoErrorAndAFullDiskIs) {

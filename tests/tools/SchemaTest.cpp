@@ -36,7 +36,7 @@ Json::Value parsed(const std::string& text) {
 
 std::string contentOf(const std::filesystem::path& path) {
     std::string problem;
-    return tool::readFile(VIG_SOURCE_DIR / path, problem).value_or("");
+    return tool::readFile(VIG_SOURCE_DIR / path, tool::Interruption(), problem).value_or("");
 }
 
 class Schema {
@@ -167,7 +167,8 @@ TEST(Schemas, RuleTestsAcceptWhatTheToolReads) {
     }
     const auto accepts = [&](const Json::Value& tests) {
         std::vector<std::string> ignored;
-        return tool::readTestFile(folder.write("test.json", tests.toStyledString()), ignored).has_value();
+        return tool::readTestFile(folder.write("test.json", tests.toStyledString()), tool::Interruption(), ignored)
+            .has_value();
     };
     compare(
         "rule-test.schema.json", accepts,

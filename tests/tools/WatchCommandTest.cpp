@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <array>
@@ -10,6 +11,7 @@
 #include <string>
 #include <string_view>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "tests/support/Documents.h"
@@ -84,33 +86,72 @@ TEST_F(WatchCommand, RecordReplaysToTheSameTriggersAndMoves) {
 }
 
 TEST_F(WatchCommand, RecordNeitherOverwritesNorFollowsALinkUnlessItMay) {
-    const std::string path = folder.write("record.jsonl", "precious\n");
+    const std::string precious(100'000, 'p');
+    const std::string path = folder.write("record.jsonl", precious);
     options.recordFile = path;
     EXPECT_EQ(runVerb(tool::watch, options).err,
               "vig: error: " + path + ": it exists already; --force overwrites it\n");
     options.overwrite = true;
     options.rules = folder.write("bad.json", "{");
     EXPECT_EQ(runVerb(tool::watch, options).status, 1);
-    EXPECT_EQ(folder.read("record.jsonl"), "precious\n");
+    EXPECT_EQ(folder.read("record.jsonl"), precious);
 
+    options.rules = folder.path("rules.json");
     fs::create_symlink(path, folder.path("link"));
     options.recordFile = folder.path("link");
     const ToolResult linked = runVerb(tool::watch, options);
     EXPECT_EQ(linked.status, 2);
     EXPECT_EQ(linked.err, "vig: error: " + options.recordFile + ": it is a symbolic link\n");
 
-    options.rules = folder.path("rules.json");
     options.recordFile = path;
     EXPECT_EQ(runVerb(tool::watch, options).status, 0);
     EXPECT_EQ(linesWith(folder.read("record.jsonl"), R"({"event":")").size(), 41u);
     EXPECT_EQ(linesWith(folder.read("record.jsonl"), "").size(), 41u);
 }
 
-TEST_F(WatchCommand, RefusedDocumentLeavesNoRecord) {
-    options.rules = folder.write("bad.json", "{");
-    options.recordFile = folder.path("record.jsonl");
-    EXPECT_EQ(runVerb(tool::watch, options).status, 1);
-    EXPECT_FALSE(fs::exists(options.recordFile));
+TEST_F(WatchCommand, RecordNeverTakesThePlaceOfAnInput) {
+    options.overwrite = true;
+    options.contextFile = folder.write("context.jsonl", R"({"event":"Test"})");
+    const std::pair<std::string, std::string> inputs[] = {{options.rules, folder.read("rules.json")},
+                                                          {options.contextFile, folder.read("context.jsonl")}};
+    for (const auto& [input, text] : inputs) {
+        const std::string linked = folder.path("linked");
+        fs::create_hard_link(input, linked);
+        for (const std::string& name :
+             {input, linked, (folder.path("proc") / ".." / fs::path(input).filename()).string()}) {
+            options.recordFile = name;
+            const ToolResult result = runVerb(tool::watch, options);
+            EXPECT_EQ(result.status, 2);
+            EXPECT_EQ(result.err, "vig: error: " + name + ": it is an input of this very run\n");
+            EXPECT_EQ(folder.read(fs::path(input).filename().string()), text);
+        }
+        fs::remove(linked);
+    }
+}
+
+TEST_F(WatchCommand, RefusedDocumentLeavesNoRecordAndNothingElseIsTakenAway) {
+    int ends[2];
+    ASSERT_EQ(pipe(ends), 0);
+    ASSERT_EQ(write(ends[1], "{", 1), 1);
+    options.rules = "/dev/fd/" + std::to_string(ends[0]);
+    fs::create_directory(folder.path("now"));
+    options.recordFile = folder.path("now/record.jsonl");
+    {
+        // Once the watch reads its rules, its folder is exchanged.
+        const std::jthread other([&] {
+            for (int unread = 1; unread > 0; ioctl(ends[0], FIONREAD, &unread)) {
+                std::this_thread::yield();
+            }
+            fs::rename(folder.path("now"), folder.path("before"));
+            fs::create_directory(folder.path("now"));
+            folder.write("now/record.jsonl", "precious");
+            close(ends[1]);
+        });
+        EXPECT_EQ(runVerb(tool::watch, options).status, 1);
+    }
+    EXPECT_EQ(folder.read("now/record.jsonl"), "precious");
+    EXPECT_FALSE(fs::exists(folder.path("before/record.jsonl")));
+    close(ends[0]);
 }
 
 TEST_F(WatchCommand, RecordThatCannotBeWrittenEndsTheWatch) {
@@ -182,7 +223,7 @@ class Follower {
     int status = -1;
     tool::Interruption interruption;
     const tool::Interruption never;
-    tool::LineReader reader{ends[0], never, [] {}};
+    tool::LineReader reader{ends[0], "the watch", never, [] {}};
     std::thread thread;
 };
 

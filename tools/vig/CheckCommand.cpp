@@ -22,7 +22,10 @@ std::optional<int> loadCatalogue(const CheckOptions& options, const Console& con
                                  Catalogue& catalogue) {
     if (!options.catalogueFile.empty()) {
         std::string problem;
-        auto read = Catalogue::readFrom(options.catalogueFile, problem);
+        auto read = Catalogue::readFrom(options.catalogueFile, interruption, problem);
+        if (interruption.requested()) {
+            return kExitInterrupted;
+        }
         if (!read) {
             console.say(problem);
             return kExitUnusable;
@@ -57,11 +60,11 @@ int check(const CheckOptions& options, const Console& console, const Interruptio
     FindingCounts counts;
     bool areReadable = true;
     for (const std::string& path : options.rules) {
+        std::string problem;
+        auto text = readFile(path, interruption, problem);
         if (interruption.requested()) {
             return kExitInterrupted;
         }
-        std::string problem;
-        auto text = readFile(path, problem);
         if (!text) {
             console.complain(fmt::format("{}: {}", path, problem));
             areReadable = false;

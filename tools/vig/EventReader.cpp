@@ -7,13 +7,9 @@
 
 namespace tool {
 
-namespace {
-constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
-}  // namespace
-
 EventReader::EventReader(int source, std::string sourceName, const Interruption& interruptedBy,
                          std::function<void()> waiting)
-    : name(std::move(sourceName)), lines(source, interruptedBy, std::move(waiting)) {}
+    : name(std::move(sourceName)), lines(source, name, interruptedBy, std::move(waiting)) {}
 
 EventReader::Status EventReader::next(EventRecord& record) {
     std::string_view line;
@@ -26,17 +22,14 @@ EventReader::Status EventReader::next(EventRecord& record) {
             case LineReader::Status::Interrupted:
                 return Status::Interrupted;
             case LineReader::Status::Failed:
-                message = "vig: error: " + name + ": " + lines.problem();
+                message = lines.problem();
                 return Status::Failed;
-        }
-        if (++lineNumber == 1 && line.starts_with(kByteOrderMark)) {
-            line.remove_prefix(kByteOrderMark.size());
         }
     } while (isBlank(line));
     if (parser.parse(line, record)) {
         return Status::Record;
     }
-    message = name + ":" + std::to_string(lineNumber) + ": error: " + parser.error();
+    message = name + ":" + std::to_string(lines.lineNumber()) + ": error: " + parser.error();
     return Status::Failed;
 }
 

@@ -32,7 +32,6 @@ class EventReader {
     const std::string name;
     LineReader lines;
     RecordParser parser;
-    std::uint64_t lineNumber = 0;
     std::string message;
 };
 

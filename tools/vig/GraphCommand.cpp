@@ -113,7 +113,10 @@ int graph(const GraphOptions& options, const Console& console, const Interruptio
         return kExitUnusable;
     }
     std::string problem;
-    auto text = readFile(options.rules, problem);
+    auto text = readFile(options.rules, interruption, problem);
+    if (interruption.requested()) {
+        return kExitInterrupted;
+    }
     if (!text) {
         console.complain(options.rules + ": " + problem);
         return kExitUnusable;

@@ -1,12 +1,11 @@
 #include "tools/vig/Interruption.h"
 
-#include <signal.h>
 #include <sys/eventfd.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstddef>
 #include <cstdint>
-#include <initializer_list>
 
 namespace tool {
 
@@ -14,22 +13,24 @@ namespace {
 
 std::atomic<Interruption*> interruptedBySignals = nullptr;
 
-void onSignal(int /*number*/) {
-    const int savedErrno = errno;
-    if (Interruption* const interruption = interruptedBySignals.load()) {
-        interruption->request();
-    }
-    errno = savedErrno;
-}
-
-void handle(int number, void (*handler)(int), int flags) {
+void handle(int number, void (*handler)(int)) {
     struct sigaction action = {};
+    // Not SA_RESTART: whoever reads or writes is to notice.
     action.sa_handler = handler;
-    action.sa_flags = flags;
     sigaction(number, &action, nullptr);
 }
 
-constexpr std::initializer_list<int> kSignals = {SIGINT, SIGTERM};
+void onSignal(int number) {
+    const int savedErrno = errno;
+    Interruption* const interruption = interruptedBySignals.load();
+    if (interruption != nullptr && !interruption->requested()) {
+        interruption->request();
+    } else {
+        handle(number, SIG_DFL);
+        raise(number);
+    }
+    errno = savedErrno;
+}
 
 }  // namespace
 
@@ -48,18 +49,18 @@ void Interruption::request() {
 
 InterruptOnSignals::InterruptOnSignals(Interruption& interruption) {
     interruptedBySignals = &interruption;
-    for (const int number : kSignals) {
-        // Not SA_RESTART: whoever reads or writes is to notice.
-        handle(number, onSignal, static_cast<int>(SA_RESETHAND));
+    for (std::size_t i = 0; i < kSignals.size(); ++i) {
+        sigaction(kSignals[i], nullptr, &previous[i]);
+        if (previous[i].sa_handler != SIG_IGN) {
+            handle(kSignals[i], kSignals[i] == SIGPIPE ? SIG_IGN : onSignal);
+        }
     }
-    handle(SIGPIPE, SIG_IGN, 0);
 }
 
 InterruptOnSignals::~InterruptOnSignals() {
-    for (const int number : kSignals) {
-        handle(number, SIG_DFL, 0);
+    for (std::size_t i = 0; i < kSignals.size(); ++i) {
+        sigaction(kSignals[i], &previous[i], nullptr);
     }
-    handle(SIGPIPE, SIG_DFL, 0);
     interruptedBySignals = nullptr;
 }
 

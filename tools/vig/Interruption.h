@@ -1,5 +1,8 @@
 #pragma once
 
+#include <signal.h>
+
+#include <array>
 #include <atomic>
 
 namespace tool {
@@ -24,14 +27,20 @@ class Interruption {
     const int event;
 };
 
-// While it lives, the first SIGINT or SIGTERM requests the end; a second one ends the process at once, should it be
-// stuck. Writing to a closed pipe fails instead of ending the process. One object at a time.
+// While it lives, the first SIGINT or SIGTERM requests the end; a second one, of either kind, ends the process at once,
+// should it be stuck. One that was ignored before stays so: that is how a script starts a program in its background.
+// Writing to a closed pipe fails instead of ending the process. Afterwards all is as it was. One object at a time.
 class InterruptOnSignals {
   public:
     explicit InterruptOnSignals(Interruption& interruption);
     InterruptOnSignals(const InterruptOnSignals&) = delete;
     InterruptOnSignals& operator=(const InterruptOnSignals&) = delete;
     ~InterruptOnSignals();
+
+  private:
+    static constexpr std::array<int, 3> kSignals = {SIGINT, SIGTERM, SIGPIPE};
+
+    std::array<struct sigaction, kSignals.size()> previous{};
 };
 
 }  // namespace tool

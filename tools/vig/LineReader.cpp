@@ -1,5 +1,6 @@
 #include "tools/vig/LineReader.h"
 
+#include <fmt/format.h>
 #include <poll.h>
 #include <sys/stat.h>
 
@@ -14,6 +15,7 @@ namespace tool {
 namespace {
 
 constexpr std::size_t kInitialSize = std::size_t{1} << 16;
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
 bool isRegularFile(int descriptor) {
     struct stat status = {};
@@ -22,8 +24,10 @@ bool isRegularFile(int descriptor) {
 
 }  // namespace
 
-LineReader::LineReader(int input, const Interruption& interruptedBy, std::function<void()> waiting)
+LineReader::LineReader(int input, std::string sourceName, const Interruption& interruptedBy,
+                       std::function<void()> waiting)
     : descriptor(input),
+      name(std::move(sourceName)),
       source(input),
       interruption(interruptedBy),
       beforeWaiting(std::move(waiting)),
@@ -34,12 +38,7 @@ LineReader::Status LineReader::next(std::string_view& line) {
     while (true) {
         char* const from = buffer.data() + scanned;
         if (const void* const found = std::memchr(from, '\n', end - scanned)) {
-            const std::size_t length =
-                scanned - begin + static_cast<std::size_t>(static_cast<const char*>(found) - from);
-            line = std::string_view(buffer.data() + begin, length);
-            begin += length + 1;
-            scanned = begin;
-            return Status::Line;
+            return handOut(scanned - begin + static_cast<std::size_t>(static_cast<const char*>(found) - from), line);
         }
         scanned = end;
         if (!finished) {
@@ -55,12 +54,30 @@ LineReader::Status LineReader::next(std::string_view& line) {
     }
 }
 
+LineReader::Status LineReader::handOut(std::size_t length, std::string_view& line) {
+    if (length > longest()) {
+        return fail(EFBIG);
+    }
+    line = std::string_view(buffer.data() + begin, length);
+    begin += length + 1;
+    scanned = begin;
+    if (++number == 1 && line.starts_with(kByteOrderMark)) {
+        line.remove_prefix(kByteOrderMark.size());
+    }
+    return Status::Line;
+}
+
+LineReader::Status LineReader::fail(int why) {
+    ++number;
+    error = why;
+    return Status::Failed;
+}
+
 // Reads some more, or notices the end.
 LineReader::Status LineReader::fill() {
     makeRoom();
-    if (end - begin > (source.isCompressed() ? LONGEST_COMPRESSED_LINE : LONGEST_LINE)) {
-        error = EFBIG;
-        return Status::Failed;
+    if (end - begin > longest()) {
+        return fail(EFBIG);
     }
     while (true) {
         if (interruption.requested() || !waitForInput()) {
@@ -73,8 +90,7 @@ LineReader::Status LineReader::fill() {
             return Status::Line;
         }
         if (errno != EINTR && errno != EAGAIN) {
-            error = errno;
-            return Status::Failed;
+            return fail(errno);
         }
     }
 }
@@ -105,7 +121,11 @@ bool LineReader::waitForInput() {
 }
 
 std::string LineReader::problem() const {
-    return source.problem().empty() ? systemError(error) : source.problem();
+    if (error == EFBIG) {
+        return fmt::format("{}:{}: error: the line has more than {} bytes, the most that is read{}", name, number,
+                           longest(), source.isCompressed() ? " of compressed data" : "");
+    }
+    return "vig: error: " + name + ": " + (source.problem().empty() ? systemError(error) : source.problem());
 }
 
 }  // namespace tool

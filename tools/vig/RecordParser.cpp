@@ -14,6 +14,7 @@
 #include "tools/vig/LineReader.h"
 #include "tools/vig/NearestName.h"
 #include "tools/vig/Text.h"
+#include "tools/vig/check/Excerpt.h"
 
 namespace tool {
 
@@ -43,35 +44,69 @@ constexpr std::string_view kExpected<std::string_view> = "a string";
 template <>
 constexpr std::string_view kExpected<ondemand::object> = "an object";
 
+constexpr std::size_t kMostShown = 60;  // bytes of a text of the record
+
+// A text of the record as it stands in a message.
+std::string shownQuoted(std::string_view text) {
+    return tool::quoted(shortened(text, kMostShown));
+}
+
 // A key as it stands in a message.
 std::string named(std::string_view key) {
     const bool plain = !key.empty() && std::all_of(key.begin(), key.end(), [](char each) {
         return each > ' ' && each < '\x7F' && each != '"' && each != '\\' && each != '.' && each != ':';
     });
-    return plain ? std::string(key) : quoted(key);
+    return plain ? shortened(key, kMostShown) : shownQuoted(key);
 }
 
-// Whether the text is a number of the kind, which can only be too large then.
+constexpr std::string_view kDigits = "0123456789";
+
+std::size_t countDigits(std::string_view text) {
+    return std::min(text.find_first_not_of(kDigits), text.size());
+}
+
+// Whether the text is a number as JSON writes one.
+bool isJsonNumber(std::string_view text) {
+    text.remove_prefix(text.starts_with('-') ? 1 : 0);
+    const std::size_t whole = text.starts_with('0') ? 1 : countDigits(text);
+    text.remove_prefix(whole);
+    bool isComplete = whole > 0;
+    if (text.starts_with('.')) {
+        const std::size_t fraction = countDigits(text.substr(1));
+        isComplete = isComplete && fraction > 0;
+        text.remove_prefix(1 + fraction);
+    }
+    if (text.starts_with('e') || text.starts_with('E')) {
+        text.remove_prefix(1);
+        text.remove_prefix(text.starts_with('+') || text.starts_with('-') ? 1 : 0);
+        const std::size_t exponent = countDigits(text);
+        isComplete = isComplete && exponent > 0;
+        text.remove_prefix(exponent);
+    }
+    return isComplete && text.empty();
+}
+
+// Whether the text is a number of the kind, which can only be out of its range then.
 template <typename T>
 bool isNumber(std::string_view token) {
-    if constexpr (std::is_same_v<T, double>) {
-        double number = 0;
-        const auto [end, error] = std::from_chars(token.data(), token.data() + token.size(), number);
-        return error == std::errc::result_out_of_range && end == token.data() + token.size();
-    } else if constexpr (std::is_integral_v<T> && !std::is_same_v<T, bool>) {
-        token.remove_prefix(token.starts_with('-') ? 1 : 0);
-        return !token.empty() && token.find_first_not_of("0123456789") == std::string_view::npos && token[0] != '0';
+    constexpr bool isInteger = std::is_integral_v<T> && !std::is_same_v<T, bool>;
+    if constexpr (std::is_same_v<T, double> || isInteger) {
+        return isJsonNumber(token) && (!isInteger || token.find_first_of(".eE") == std::string_view::npos);
     } else {
         return false;
     }
 }
 
-// The value as it stands in a message.
-std::string shown(std::string_view token) {
-    constexpr std::size_t kMost = 60;
+// The token of a value without the white space around it.
+std::string_view trimmed(std::string_view token) {
     constexpr std::string_view kSpace = " \t\r\n";
     token.remove_prefix(std::min(token.find_first_not_of(kSpace), token.size()));
-    token = token.substr(0, token.find_last_not_of(kSpace) + 1);
+    return token.substr(0, token.find_last_not_of(kSpace) + 1);
+}
+
+// The value as it stands in a message.
+std::string shown(std::string_view token) {
+    token = trimmed(token);
     switch (token.empty() ? '\0' : token.front()) {
         case '{':
             return "an object";
@@ -84,7 +119,7 @@ std::string shown(std::string_view token) {
         case ':':
             return "nothing";
         default:
-            return token.size() <= kMost ? std::string(token) : std::string(token.substr(0, kMost)) + "…";
+            return shortened(token, kMostShown);
     }
 }
 
@@ -93,17 +128,27 @@ simdjson::error_code convert(ondemand::value value, T& converted) {
     return value.get(converted);
 }
 
-// The library misreads some fractions of 20 digits and more, such as 0.12345678901234567890, so that of long numbers
-// only its verdict counts.
+// The library refuses the one number that is unsigned with a sign.
 template <>
-simdjson::error_code convert(ondemand::value value, double& converted) {
-    constexpr std::size_t kReliableLength = 19;
-    const std::string_view token = value.raw_json_token();
+simdjson::error_code convert(ondemand::value value, std::uint64_t& converted) {
     const auto code = value.get(converted);
-    if (!code && token.size() > kReliableLength) {
-        std::from_chars(token.data(), token.data() + token.size(), converted);
+    if (code && trimmed(value.raw_json_token()) == "-0") {
+        converted = 0;
+        return simdjson::SUCCESS;
     }
     return code;
+}
+
+// The library misreads many fractions of more than 19 digits, takes some that are too large for a double, and refuses
+// zeros with a long exponent, so that it is not asked at all.
+template <>
+simdjson::error_code convert(ondemand::value value, double& converted) {
+    const std::string_view token = trimmed(value.raw_json_token());
+    if (!isNumber<double>(token)) {
+        return simdjson::INCORRECT_TYPE;
+    }
+    const auto error = std::from_chars(token.data(), token.data() + token.size(), converted).ec;
+    return error == std::errc() ? simdjson::SUCCESS : simdjson::NUMBER_ERROR;
 }
 
 std::string_view describe(simdjson::error_code code) {
@@ -226,7 +271,7 @@ bool RecordParser::Impl::readEventType(ondemand::value value, EventType& type) {
     }
     const auto place = std::ranges::find(kEventNames, name);
     if (place == kEventNames.end()) {
-        return fail("event: unknown event " + quoted(name) + suggestion(name, kEventNames));
+        return fail("event: unknown event " + shownQuoted(name) + suggestion(name, kEventNames));
     }
     type = kEventTypeNames.pairs[static_cast<std::size_t>(place - kEventNames.begin())].first;
     return true;
@@ -281,8 +326,8 @@ bool RecordParser::Impl::wrongValue(const std::string& key, ondemand::value valu
     if (code == simdjson::STRING_ERROR) {
         return fail(key + ": " + std::string(describe(code)));
     }
-    const std::string token = shown(value.raw_json_token());
-    std::string message = key + ": expected " + std::string(kExpected<T>) + ", got " + token;
+    const std::string_view token = trimmed(value.raw_json_token());
+    std::string message = key + ": expected " + std::string(kExpected<T>) + ", got " + shown(token);
     if (isNumber<T>(token)) {
         message += ", which is out of its range";
     }

@@ -45,8 +45,8 @@ std::optional<int> RuleRun::receive(RuleSession::Changes later) {
 
 std::optional<int> RuleRun::begin(Load load, RuleSession::Changes later) {
     AttributeSet context;
-    if (!options.contextFile.empty() && !readContext(context)) {
-        return kExitUnusable;
+    if (const auto status = options.contextFile.empty() ? std::nullopt : readContext(context)) {
+        return status;
     }
     rules.emplace(options.rules, options.seed, std::move(context), *report, trace);
     switch (((*rules).*load)(later, interruption)) {
@@ -64,12 +64,13 @@ std::optional<int> RuleRun::begin(Load load, RuleSession::Changes later) {
     return kExitInterrupted;
 }
 
-bool RuleRun::readContext(AttributeSet& attributes) {
+std::optional<int> RuleRun::readContext(AttributeSet& attributes) {
     const std::string& path = options.contextFile;
-    const Descriptor file(host::openTrusted(path, O_RDONLY, 0));
+    // The opening of a pipe would wait for somebody who writes to it; the reader does that, until it is interrupted.
+    const Descriptor file(host::openTrusted(path, O_RDONLY | O_NONBLOCK, 0));
     if (!file.isOpen()) {
         console.complain(path + ": " + whyNotOpened(errno));
-        return false;
+        return kExitUnusable;
     }
     EventReader reader(file.get(), path, interruption, [] {});
     EventRecord record;
@@ -79,11 +80,14 @@ bool RuleRun::readContext(AttributeSet& attributes) {
         status = reader.next(second);
         if (status == EventReader::Status::End) {
             attributes = std::move(record.attributes);
-            return true;
+            return std::nullopt;
         }
     }
+    if (status == EventReader::Status::Interrupted) {
+        return kExitInterrupted;
+    }
     console.say(status == EventReader::Status::Failed ? reader.error() : path + ": error: expected exactly one record");
-    return false;
+    return kExitUnusable;
 }
 
 void RuleRun::complainAfterOutput(std::string_view line) {

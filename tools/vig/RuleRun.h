@@ -68,7 +68,8 @@ class RuleRun {
     using Load = RuleSession::Loading (RuleSession::*)(RuleSession::Changes, const Interruption&);
 
     std::optional<int> begin(Load load, RuleSession::Changes later);
-    bool readContext(AttributeSet& attributes);
+    // If that fails, says why and returns the exit status.
+    std::optional<int> readContext(AttributeSet& attributes);
 
     const RuleOptions& options;
     const Console& console;

@@ -1,12 +1,17 @@
 #include "tools/vig/RuleSession.h"
 
 #include <poll.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
 
 #include <chrono>
 #include <memory>
 #include <utility>
 
+#include "tools/vig/FileText.h"
+#include "tools/vig/Output.h"
 #include "tools/vig/ParseErrorText.h"
+#include "tools/vig/Text.h"
 #include "vig/actions/PseudoRandomGenerator.h"
 
 namespace tool {
@@ -19,6 +24,11 @@ namespace {
 // Longer than the manager looks for the device configuration.
 constexpr int kLongestWaitMs = 40'000;
 constexpr std::chrono::seconds kLongestSubscription{2};
+
+bool isPipe(const std::string& path) {
+    struct stat status = {};
+    return stat(path.c_str(), &status) == 0 && S_ISFIFO(status.st_mode);
+}
 
 std::string explain(VIGParseError error) {
     if (error == VIGParseError::Ok) {
@@ -54,7 +64,10 @@ RuleSession::Loading RuleSession::receive(Changes later, const Interruption& int
     if (!reason.empty()) {
         return Loading::Unreadable;
     }
-    document.emplace(path, tracer.get());
+    if (isPipe(path) && !copyPipe(interruption)) {
+        return interruption.requested() ? Loading::Interrupted : Loading::Unreadable;
+    }
+    document.emplace(pipeCopy ? "/proc/self/fd/" + std::to_string(pipeCopy->get()) : path, tracer.get());
     pollfd sources[] = {{document->descriptor(), POLLIN, 0}, {interruption.descriptor(), POLLIN, 0}};
     while (poll(sources, 2, kLongestWaitMs) < 0 && !interruption.requested()) {
     }
@@ -78,6 +91,20 @@ RuleSession::Loading RuleSession::receive(Changes later, const Interruption& int
         return Loading::Unreadable;
     }
     return reason.empty() ? Loading::Done : Loading::Refused;
+}
+
+// The manager's thread would read the pipe to its end, whatever happens meanwhile.
+bool RuleSession::copyPipe(const Interruption& interruption) {
+    const auto text = readFile(path, interruption, reason);
+    if (!text) {
+        return false;
+    }
+    pipeCopy.emplace(memfd_create("rules", MFD_CLOEXEC));
+    Output copy(pipeCopy->get());
+    copy.write(*text);
+    copy.flush();
+    reason = copy.failed() ? systemError(copy.failure()) : "";
+    return !copy.failed();
 }
 
 bool RuleSession::update() {

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "tools/vig/AttributeSet.h"
+#include "tools/vig/Descriptor.h"
 #include "tools/vig/EventRecord.h"
 #include "tools/vig/Interruption.h"
 #include "tools/vig/MachineGroup.h"
@@ -57,6 +58,7 @@ class RuleSession final {
     Summary summary() const { return group.summary(); }
 
   private:
+    bool copyPipe(const Interruption& interruption);
     void adopt(Delivery delivery);
 
     const std::string path;
@@ -65,6 +67,7 @@ class RuleSession final {
     const std::unique_ptr<Tracer> tracer;  // null if nobody wants a trace
     MachineGroup group;
     PlatformServices services;
+    std::optional<Descriptor> pipeCopy;  // in memory, if the document comes by a pipe
     std::optional<RuleDocument> document;
     std::string reason;
     bool isGone = false;  // the document can no longer be read

@@ -9,12 +9,17 @@
 
 #include "tools/vig/NearestName.h"
 #include "tools/vig/Text.h"
+#include "tools/vig/check/Excerpt.h"
 #include "vig/actions/Utf8.h"
 #include "vig/parsers/JsonTokens.h"
 
 namespace tool {
 
 namespace {
+
+// Bytes of the text, of which a single key may be as large as the whole.
+constexpr std::size_t kMostShownOfKey = 60;
+constexpr std::size_t kMostShownOfMessage = 300;
 
 std::string_view kindOf(const Json::Value& json) {
     switch (json.type()) {
@@ -52,7 +57,8 @@ std::string messageOf(const std::string& file, const std::string& report) {
     int begin = 0;
     [[maybe_unused]] const int read = std::sscanf(report.c_str(), "* Line %u, Column %u %n", &line, &column, &begin);
     const std::string_view rest = std::string_view(report).substr(static_cast<std::size_t>(begin));
-    return fmt::format("{}:{}:{}: error: {}", file, line, column, rest.substr(0, rest.find('\n')));
+    return fmt::format("{}:{}:{}: error: {}", file, line, column,
+                       shortened(rest.substr(0, rest.find('\n')), kMostShownOfMessage));
 }
 
 }  // namespace
@@ -76,8 +82,9 @@ void StrictJson::complain(const Json::Value& at, const std::string& path, const 
         return;
     }
     const auto place = document.source().positionOf(document.placeOf(at, path).begin);
-    add(fmt::format("{}:{}:{}: error: {}{}{}", document.source().name(), place.line, place.column, path,
-                    path.empty() ? "" : ": ", what));
+    add(fmt::format("{}:{}:{}: error: {}{}{}", document.source().name(), place.line, place.column,
+                    shortened(path, kMostShownOfMessage), path.empty() ? "" : ": ",
+                    shortened(what, kMostShownOfMessage)));
 }
 
 void StrictJson::add(std::string mistake) {
@@ -108,7 +115,8 @@ bool StrictJson::isObject(const Json::Value& json, const std::string& path, cons
     bool onlyKnown = true;
     for (const std::string& key : json.getMemberNames()) {
         if (std::ranges::find(known, key) == known.end()) {
-            complain(json[key], path, "unknown key " + quoted(key) + suggestion(key, known));
+            complain(json[key], path,
+                     "unknown key " + tool::quoted(shortened(key, kMostShownOfKey)) + suggestion(key, known));
             onlyKnown = false;
         }
     }

@@ -1,5 +1,7 @@
 #include "tools/vig/SummaryCommand.h"
 
+#include <fmt/format.h>
+
 #include <cerrno>
 #include <optional>
 #include <string_view>
@@ -28,17 +30,16 @@ class Merger {
             console.complain(name + ": " + systemError(errno));
             return kExitUnusable;
         }
-        LineReader lines(input.get(), interruption, [] {});
+        LineReader lines(input.get(), name, interruption, [] {});
         std::string_view line;
         auto status = lines.next(line);
-        for (std::size_t number = 1; status == LineReader::Status::Line; ++number) {
-            if (!isBlank(line) && !add(name, number, line)) {
+        for (; status == LineReader::Status::Line; status = lines.next(line)) {
+            if (!isBlank(line) && !add(name, lines.lineNumber(), line)) {
                 return kExitUnusable;
             }
-            status = lines.next(line);
         }
         if (status == LineReader::Status::Failed) {
-            console.complain(name + ": " + lines.problem());
+            console.say(lines.problem());
             return kExitUnusable;
         }
         return status == LineReader::Status::Interrupted ? std::optional(kExitInterrupted) : std::nullopt;
@@ -61,13 +62,19 @@ class Merger {
         if (!merged) {
             merged = summary;
             first = place;
-        } else if (merged->isOfSameDocument(*summary)) {
-            merged->merge(*summary);
-        } else {
+            return true;
+        }
+        if (!merged->isOfSameDocument(*summary)) {
             console.say(place + ": error: it summarises a run of another rule document than " + first);
             return false;
         }
-        return true;
+        merged->merge(*summary);
+        const std::string tooLarge = merged->tooLarge();
+        if (!tooLarge.empty()) {
+            console.say(fmt::format("{}: error: {}: more than {} with the summaries before", place, tooLarge,
+                                    FleetSummary::MOST));
+        }
+        return tooLarge.empty();
     }
 
     const Console& console;

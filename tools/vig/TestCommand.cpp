@@ -32,19 +32,24 @@ class TestSuite {
 
     int run() {
         if (!read()) {
-            return kExitUnusable;
+            return interruption.requested() ? kExitInterrupted : kExitUnusable;
         }
         for (const TestFile& file : files) {
             if (const auto status = runFile(file)) {
                 return console.finish(out, *status);
             }
         }
+        if (interruption.requested()) {
+            return console.finish(out, kExitInterrupted);
+        }
         const auto failed = std::ranges::count_if(verdicts, [](const auto& each) { return !each.failure.empty(); });
         const bool covered = reportCoverage();
         out.write(fmt::format("{} test{}: {} passed, {} failed\n", verdicts.size(), verdicts.size() == 1 ? "" : "s",
                               verdicts.size() - static_cast<std::size_t>(failed), failed));
-        const int status = failed > 0 || !covered ? kExitRefused : kExitDone;
-        return console.finish(out, options.junitFile.empty() || writeJUnit() ? status : kExitUnusable);
+        if (!options.junitFile.empty() && !writeJUnit()) {
+            return console.finish(out, interruption.requested() ? kExitInterrupted : kExitUnusable);
+        }
+        return console.finish(out, failed > 0 || !covered ? kExitRefused : kExitDone);
     }
 
   private:
@@ -52,7 +57,10 @@ class TestSuite {
     bool read() {
         std::vector<std::string> errors;
         for (const std::string& path : options.files) {
-            auto file = readTestFile(path, errors);
+            auto file = readTestFile(path, interruption, errors);
+            if (interruption.requested()) {
+                return false;
+            }
             if (!file) {
                 continue;
             }
@@ -186,7 +194,7 @@ class TestSuite {
             report.flush();
             error = report.failure();
         }
-        if (error != 0) {
+        if (error != 0 && !interruption.requested()) {
             out.flush();
             console.complain(path + ": " + whyNotOpened(error));
         }

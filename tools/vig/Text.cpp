@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstring>
 #include <iterator>
+#include <utility>
 
 #include "vig/actions/Utf8.h"
 
@@ -45,29 +46,20 @@ void appendEscaped(std::string& out, char character) {
     }
 }
 
-// The code point of a control or direction-changing character at the beginning of well-formed text, or 0.
+// Control characters, line breaks, and all that change the direction of writing: first and last code points.
+constexpr std::pair<unsigned, unsigned> kDangerous[] = {{0x00, 0x1F},     {0x7F, 0x9F},     {0x061C, 0x061C},
+                                                        {0x200E, 0x200F}, {0x2028, 0x202E}, {0x2066, 0x2069}};
+
+// The code point at the beginning of well-formed text if it is a dangerous one, or 0. Sets the length of the character.
 unsigned dangerousCharacter(std::string_view text, std::size_t& length) {
-    const auto byte = [&](std::size_t place) {
-        return place < text.size() ? static_cast<unsigned char>(text[place]) : 0U;
-    };
-    if (byte(0) < 0x20 || byte(0) == 0x7F) {
-        length = 1;
-        return byte(0);
+    const auto first = static_cast<unsigned char>(text[0]);
+    length = first < 0x80 ? 1 : first < 0xE0 ? 2 : first < 0xF0 ? 3 : 4;
+    unsigned character = length == 1 ? first : first & (0x7Fu >> length);
+    for (const char each : text.substr(1, length - 1)) {
+        character = (character << 6) + (static_cast<unsigned char>(each) & 0x3F);
     }
-    if (byte(0) == 0xC2 && byte(1) < 0xA0) {
-        length = 2;
-        return byte(1);
-    }
-    if (byte(0) == 0xE2 && (byte(1) == 0x80 || byte(1) == 0x81)) {
-        length = 3;
-        const unsigned character = 0x2000 + ((byte(1) & 1) << 6) + (byte(2) & 0x3F);
-        const bool lineBreak = character == 0x2028 || character == 0x2029;
-        const bool mark = character == 0x200E || character == 0x200F;
-        const bool override = character >= 0x202A && character <= 0x202E;
-        const bool isolate = character >= 0x2066 && character <= 0x2069;
-        return lineBreak || mark || override || isolate ? character : 0;
-    }
-    return 0;
+    const auto holds = [&](const auto& range) { return range.first <= character && character <= range.second; };
+    return std::ranges::any_of(kDangerous, holds) ? character : 0;
 }
 
 }  // namespace

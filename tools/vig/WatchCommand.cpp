@@ -25,12 +25,14 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-// Opens the file for the recording, creating it (`isNew`) or, if that is wanted, one that is there.
-int openRecord(const WatchOptions& options, bool& isNew) {
+// Opens the file for the recording, which is a new one or, if that is wanted, is emptied. Returns -1, with errno set,
+// if that fails.
+int openRecord(const WatchOptions& options) {
     constexpr int kHow = O_WRONLY | O_NOFOLLOW;
     const int created = host::openTrusted(options.recordFile, kHow | O_CREAT | O_EXCL, 0666);
-    isNew = created >= 0;
-    return isNew || errno != EEXIST || !options.overwrite ? created : host::openTrusted(options.recordFile, kHow, 0);
+    return created >= 0 || errno != EEXIST || !options.overwrite
+               ? created
+               : host::openTrusted(options.recordFile, kHow | O_TRUNC, 0);
 }
 
 // What is recorded must not take the place of what is read, under whatever name.
@@ -142,25 +144,18 @@ int watch(const WatchOptions& options, const Console& console, const Interruptio
         console.complain(options.recordFile + ": it is an input of this very run");
         return kExitUnusable;
     }
-    bool isNew = false;
-    const Descriptor file(recording ? openRecord(options, isNew) : -1);
+    RuleRun ruleRun(options, console, interruption);
+    if (const auto status = ruleRun.begin(RuleSession::Changes::Follow)) {
+        return *status;
+    }
+    // Not before the rules are known to run: the earlier recording may be all that there is, and a new file would have
+    // to be taken away again, which by its name can be another one by then.
+    const Descriptor file(recording ? openRecord(options) : -1);
     if (recording && !file.isOpen()) {
         if (interruption.requested()) {
             return kExitInterrupted;
         }
         console.complain(options.recordFile + ": " + whyNotRecorded(errno));
-        return kExitUnusable;
-    }
-    RuleRun ruleRun(options, console, interruption);
-    if (const auto status = ruleRun.begin(RuleSession::Changes::Follow)) {
-        if (isNew) {
-            unlink(options.recordFile.c_str());
-        }
-        return *status;
-    }
-    // Not before the rules are known to run: the earlier recording may be all that there is. A pipe holds none.
-    if (recording && !isNew && ftruncate(file.get(), 0) != 0 && errno != EINVAL) {
-        console.complain(options.recordFile + ": " + whyNotOpened(errno));
         return kExitUnusable;
     }
     Output record(file.get());

@@ -77,7 +77,7 @@ TEST(Catalogue, SaysWhereAFileIsWrong) {
         EXPECT_EQ(problem, expected);
     }
     std::string problem;
-    EXPECT_FALSE(Catalogue::readFrom("missing.json", problem));
+    EXPECT_FALSE(Catalogue::readFrom("missing.json", tool::Interruption(), problem));
     EXPECT_EQ(problem, "vig: error: missing.json: No such file or directory");
 }
 

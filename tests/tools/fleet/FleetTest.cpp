@@ -50,6 +50,19 @@ std::string records(std::size_t count, bool withTest) {
     return text + (withTest ? "{\"event\":\"Test\"}\n" : R"({"event":"Timeout","timeout_id":1,)" + attributes(0));
 }
 
+std::string triggering(int times) {
+    std::string text;
+    for (int i = 0; i < times; ++i) {
+        text += records(0, false);
+    }
+    return text;
+}
+
+// The text with the first of one part exchanged.
+std::string changed(std::string text, const std::string& from, const std::string& to) {
+    return text.replace(text.find(from), from.size(), to);
+}
+
 class Fleet : public testing::Test {
   protected:
     Fleet() {
@@ -105,10 +118,7 @@ TEST_F(Fleet, OutputIsThatOfTheDevicesAloneInTheirOrderWhateverTheNumberOfThread
 
 TEST_F(Fleet, StandardInputHasOneNameInLinesAndSummary) {
     options.devices = {"-"};
-    std::string input;
-    for (int i = 0; i < 12; ++i) {
-        input += records(0, false);
-    }
+    const std::string input = triggering(12);
     const ToolResult result = runVerb(tool::fleet, options, input);
     EXPECT_THAT(linesWith(result.out, R"({"type":"trigger")").at(0), HasSubstr(R"("device":"<stdin>"})"));
     EXPECT_THAT(result.out, HasSubstr(R"("worst":[{"device":"<stdin>","triggers":12,"events":12}])"));
@@ -193,17 +203,95 @@ TEST_F(Fleet, InterruptionEndsWithTheSummaryOfWhatWasDone) {
     close(ends[1]);
 }
 
+TEST_F(Fleet, WhateverNamesDevicesHaveTheirSummaryIsReadAndMerged) {
+    options.format = ReportFormat::Json;
+    // Read again, the first two have one name, and another place among the others.
+    options.devices = {folder.write("\xFE", triggering(12) + records(0, true)), folder.write("\xFF", triggering(12)),
+                       folder.write("\xF0\x90\x80\x80", triggering(12)),
+                       folder.write("\xD8\x9C\x1B[2J\n\"\\", triggering(10))};
+    const std::string whole = run(1).out;
+    std::string parts;
+    for (const std::string& device : std::vector<std::string>(options.devices)) {
+        options.devices = {device};
+        parts += run(1).out;
+    }
+    for (const std::string& summaries : {whole, parts}) {
+        tool::SummaryOptions again;
+        again.format = ReportFormat::Json;
+        const ToolResult result = runVerb(tool::summary, again, summaries);
+        EXPECT_EQ(result.err, "");
+        EXPECT_EQ(result.out, whole);
+    }
+}
+
+TEST_F(Fleet, SummaryShowsNothingThatATerminalActsOn) {
+    options.format = ReportFormat::Json;
+    options.devices = {folder.write("d", "")};
+    std::string text = run(1).out;
+    for (const auto& [from, to] : {std::pair(R"("path":"configs[0]")", R"("path":"\u001b[2J\n9 on 9")"),
+                                   {R"(transitions[0]")", R"(\u061c")"},
+                                   {R"("event":"Test")", R"("event":"\r\u009b")"},
+                                   {R"("id":7)", R"("id":-9223372036854775808)"}}) {
+        ASSERT_NE(text.find(from), std::string::npos);
+        text = changed(text, from, to);
+    }
+    const ToolResult result = runVerb(tool::summary, tool::SummaryOptions(), text);
+    EXPECT_THAT(result.out, HasSubstr(R"(  \x1b[2J\n9 on 9 (id -9223372036854775808))"));
+    EXPECT_THAT(result.out, HasSubstr(R"(data.\u061c  start -> start)"));
+    EXPECT_THAT(result.out, HasSubstr(R"(start -> end on \r\x9b)"));
+}
+
+TEST_F(Fleet, MergeBeyondTheLargestNumberIsRefusedWithItsPlace) {
+    options.format = ReportFormat::Json;
+    options.devices = {folder.write("d", "")};
+    const std::string none = run(1).out;
+    const std::string most = changed(none, "\"events\":0", "\"events\":9007199254740992");
+    EXPECT_THAT(runVerb(tool::summary, tool::SummaryOptions(), none + most + none).out,
+                HasSubstr(" 9007199254740992\n"));
+    const std::string broken = changed(none, R"("failed":0,"unfinished":0)", R"("failed":1,"unfinished":2)");
+    EXPECT_THAT(runVerb(tool::summary, tool::SummaryOptions(), broken + broken).out,
+                HasSubstr("  failed    2\n  unfinished 4\n"));
+    const ToolResult result = runVerb(tool::summary, tool::SummaryOptions(), most + "\n" + most);
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.err, "<stdin>:3: error: events: more than 9007199254740992 with the summaries before\n");
+}
+
+TEST(FleetSummary, NumberThatIsTooLargeIsNamed) {
+    const std::pair<std::string, void (*)(FleetSummary&, std::uint64_t)> cases[] = {
+        {"failed", [](FleetSummary& summary, std::uint64_t number) { summary.failed = number; }},
+        {"unfinished", [](FleetSummary& summary, std::uint64_t number) { summary.unfinished = number; }},
+        {"devices", [](FleetSummary& summary, std::uint64_t number) { summary.devicesByTriggers[0] = number; }},
+        {"events", [](FleetSummary& summary, std::uint64_t number) { summary.events = number; }},
+        {"triggers.total", [](FleetSummary& summary, std::uint64_t number) { summary.devicesByTriggers[number] = 1; }},
+        {"configs[1].fired",
+         [](FleetSummary& summary, std::uint64_t number) { summary.configs[1].count.fired = number; }},
+    };
+    for (const auto& [path, set] : cases) {
+        for (const auto& [number, expected] :
+             {std::pair(FleetSummary::MOST, std::string()), {FleetSummary::MOST + 1, path}}) {
+            FleetSummary summary;
+            summary.configs.resize(2);
+            set(summary, number);
+            EXPECT_EQ(summary.tooLarge(), expected);
+        }
+    }
+}
+
 TEST_F(Fleet, SummaryThatDoesNotFitIsRefusedWithItsPlace) {
     options.format = ReportFormat::Json;
-    std::string often;
-    for (int i = 0; i < 12; ++i) {
-        often += records(0, false);
-    }
+    const std::string often = triggering(12);
     options.devices = {folder.write("x", often), folder.write("y", often), folder.write("z", records(0, true))};
     const std::string good = run(1).out;
-    EXPECT_EQ(runVerb(tool::summary, tool::SummaryOptions(), good).err, "");
-    folder.write("rules.json", document({}));
-    const std::string other = run(1).out;
+    EXPECT_EQ(runVerb(tool::summary, tool::SummaryOptions(), "\xEF\xBB\xBF" + good).err, "");
+    const std::string kMost = "9007199254740992";
+    // So many firings wrap to none.
+    std::string wrapped;
+    for (int i = 0; i < 2048; ++i) {
+        wrapped += std::string(i == 0 ? "" : ",") + R"({"path":"","from":"","to":"","event":"","devices":1,"fired":)" +
+                   kMost + "}";
+    }
+    wrapped = R"({"path":"c","id":1,"devices":4,"fired":0,"transitions":[)" + wrapped + "]},";
+    const std::string anotherRun = ":2: error: it summarises a run of another rule document than <stdin>:1\n";
     const struct {
         std::string from;
         std::string to;
@@ -232,16 +320,42 @@ TEST_F(Fleet, SummaryThatDoesNotFitIsRefusedWithItsPlace) {
         {"\"failed\":0", "\"failed\":-1", ":1:53: error: failed: expected an integer from 0 to 9007199254740992"},
         {"\"failed\":0", "\"extra\":0", ":1:52: error: unknown key \"extra\""},
         {"\n", "x\n", "error: "},
-        {"\n", "\n" + other, ":2: error: it summarises a run of another rule document than "},
+        {"\n", "\n\n\xEF\xBB\xBF" + good, ":3:1: error: a byte order mark"},
+        {"{\"document\"", "\xEF\xBB\xBF\xEF\xBB\xBF{\"document\"", ":1:1: error: a byte order mark"},
+        {"\"failed\":0", "\"" + std::string(1000, 'k') + "\":0", std::string(60, 'k') + "…\"\n"},
+        {"\"document\":", "\"document\":1,\"document\":", ":1:15: error: Duplicate key: 'document'"},
+        {"\"devices\":3,", "\"devices\":4,", ":1:42: error: devices: does not fit the rest, of which it follows: 3"},
+        {"\"total\":24", "\"total\":25", "triggers.total: does not fit the rest, of which it follows: 24"},
+        {"\"median\":12", "\"median\":0", "triggers.median: does not fit the rest, of which it follows: 12"},
+        {"\"most\":12", "\"most\":13", "triggers.most: does not fit the rest, of which it follows: 12"},
+        {"{\"triggers\":0,\"devices\":1", "{\"triggers\":0,\"devices\":" + kMost,
+         "by_count[1].devices: expected an integer from 1 to 0"},
+        {"{\"triggers\":0,\"devices\":1", "{\"triggers\":1,\"devices\":9007199254740991",
+         "by_count[1].devices: expected an integer from 1 to 0"},
+        {"{\"triggers\":12,\"devices\":2", "{\"triggers\":12,\"devices\":" + kMost,
+         "by_count[1].devices: expected an integer from 1 to 750599937895082"},
+        {"{\"triggers\":12,\"devices\":2", "{\"triggers\":12,\"devices\":1},{\"triggers\":13,\"devices\":1",
+         "worst[1].triggers: triggers.by_count has fewer devices with so many"},
+        {"\"id\":7,", "", "configs[0]: \"id\" is missing"},
+        {"\"devices\":0,\"fired\":0}", "\"devices\":0,\"fired\":1}",
+         "configs[0].transitions[0].fired: expected an integer from 0 to 0"},
+        {"\"configs\":[", "\"configs\":[" + wrapped, "configs[0].devices: expected an integer from 1 to 3"},
+        {"\"configs\":[", "\"configs\":[" + wrapped, "configs[0].fired: does not fit the rest, of which it follows: "},
+        {"\n", "\n" + changed(good, "\"document\":\"", "\"document\":\"0"), anotherRun},
+        {"\n", "\n" + changed(good, "\"id\":7", "\"id\":9"), anotherRun},
+        {"\n", "\n" + changed(good, "configs[0]", "configs[9]"), anotherRun},
+        {"\n", "\n" + changed(good, "\"from\":\"start", "\"from\":\""), anotherRun},
+        {"\n", "\n" + changed(good, "\"to\":\"start", "\"to\":\""), anotherRun},
         {good, "", "there is no summary to merge"},
     };
     for (const auto& each : cases) {
-        std::string text = good;
-        text.replace(text.find(each.from), each.from.size(), each.to);
-        const ToolResult result = runVerb(tool::summary, tool::SummaryOptions(), text);
+        const ToolResult result = runVerb(tool::summary, tool::SummaryOptions(), changed(good, each.from, each.to));
         EXPECT_EQ(result.status, 2) << each.to;
         EXPECT_THAT(result.err, HasSubstr(each.message));
     }
+    options.devices = {folder.path("none")};
+    EXPECT_THAT(runVerb(tool::summary, tool::SummaryOptions(), changed(run(1).out, "\"events\":0", "\"events\":1")).err,
+                HasSubstr(": events: expected an integer from 0 to 0"));
 }
 
 TEST(FleetSummary, PercentilesAreNumbersThatDevicesHave) {

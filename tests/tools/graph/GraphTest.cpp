@@ -191,7 +191,7 @@ TEST(GraphCommand, PicturesInTheDocumentationAreCurrent) {
         const auto options = optionsOf(root + "/examples/escalation.json", GraphFormat::Svg,
                                        *events == '\0' ? "" : root + "/examples/" + events);
         std::string problem;
-        EXPECT_TRUE(tool::readFile(root + "/docs/" + picture + ".svg", problem) ==
+        EXPECT_TRUE(tool::readFile(root + "/docs/" + picture + ".svg", tool::Interruption(), problem) ==
                     support::runVerb(tool::graph, options).out)
             << "docs/" << picture << ".svg is not what `vig graph` draws of examples/escalation.json " << events;
     }

@@ -137,8 +137,9 @@ std::optional<Catalogue> Catalogue::read(const DocumentText& document, std::stri
     return catalogue;
 }
 
-std::optional<Catalogue> Catalogue::readFrom(const std::string& path, std::string& problem) {
-    std::optional<std::string> content = readFile(path, problem);
+std::optional<Catalogue> Catalogue::readFrom(const std::string& path, const Interruption& interruption,
+                                             std::string& problem) {
+    std::optional<std::string> content = readFile(path, interruption, problem);
     if (!content) {
         problem = "vig: error: " + path + ": " + problem;
         return std::nullopt;

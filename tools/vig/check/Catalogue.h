@@ -13,6 +13,7 @@
 #include "tools/vig/DocumentText.h"
 #include "tools/vig/EventReader.h"
 #include "tools/vig/EventRecord.h"
+#include "tools/vig/Interruption.h"
 
 namespace tool {
 
@@ -52,8 +53,9 @@ class Catalogue {
     // "catalogue.json:3:14: error: …" in `problem`, if it is of another form.
     static std::optional<Catalogue> read(const DocumentText& document, std::string& problem);
 
-    // The same from a file. If it cannot be read, `problem` says why.
-    static std::optional<Catalogue> readFrom(const std::string& path, std::string& problem);
+    // The same from a file. If it cannot be read, `problem` says why. Also empty if it was interrupted.
+    static std::optional<Catalogue> readFrom(const std::string& path, const Interruption& interruption,
+                                             std::string& problem);
 
     // Adds the attributes that an event has, as far as they are not known.
     void learn(const EventRecord& record);

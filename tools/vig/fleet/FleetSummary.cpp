@@ -5,9 +5,11 @@
 #include <algorithm>
 #include <numeric>
 #include <tuple>
+#include <utility>
 
 #include "tools/vig/EventNames.h"
 #include "tools/vig/Text.h"
+#include "vig/actions/Utf8.h"
 
 namespace tool {
 
@@ -69,7 +71,8 @@ void FleetSummary::add(const DeviceResult& result) {
     }
     if (isStorm(result.triggers, result.events)) {
         ++storms;
-        worst.push_back({result.device, result.triggers, result.events});
+        // A name has its place by the bytes that are written and read again.
+        worst.push_back({Brenta::OS::VIG::replaceInvalidUtf8(result.device), result.triggers, result.events});
         keepWorst();
     }
 }
@@ -90,6 +93,25 @@ void FleetSummary::merge(const FleetSummary& other) {
     storms += other.storms;
     worst.insert(worst.end(), other.worst.begin(), other.worst.end());
     keepWorst();
+}
+
+std::string FleetSummary::tooLarge() const {
+    const std::pair<const char*, std::uint64_t> numbers[] = {
+        {"failed", failed}, {"unfinished", unfinished},     {"devices", devices()},
+        {"events", events}, {"triggers.total", triggers()},
+    };
+    for (const auto& [path, number] : numbers) {
+        if (number > MOST) {
+            return path;
+        }
+    }
+    // The other numbers are parts of these.
+    for (std::size_t config = 0; config < configs.size(); ++config) {
+        if (configs[config].count.fired > MOST) {
+            return fmt::format("configs[{}].fired", config);
+        }
+    }
+    return {};
 }
 
 bool FleetSummary::isOfSameDocument(const FleetSummary& other) const {

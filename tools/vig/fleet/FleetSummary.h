@@ -15,7 +15,7 @@ using FiredCounts = std::vector<std::vector<std::uint64_t>>;
 
 // What became of one device of a fleet.
 struct DeviceResult {
-    std::string device;  // the name of its file, or "<stdin>"
+    std::string device;  // the name of its file, or "<stdin>"; any bytes
     bool begun = false;  // its file could be opened
     bool ended = false;  // nothing kept it from its end
     std::uint64_t events = 0;
@@ -55,7 +55,7 @@ struct FleetSummary {
         static constexpr std::uint64_t LEAST_TRIGGERS = 10;
         static constexpr std::uint64_t MOST_EVENTS = 100;  // for each of its triggers, on average
 
-        std::string device;
+        std::string device;  // well-formed UTF-8
         std::uint64_t triggers;
         std::uint64_t events;
 
@@ -66,6 +66,9 @@ struct FleetSummary {
 
     static constexpr std::size_t MOST_STORMS_NAMED = 5;
 
+    // No number of a summary that is written down is larger: also programs that know only doubles read those exactly.
+    static constexpr std::uint64_t MOST = std::uint64_t{1} << 53;
+
     static bool isStorm(std::uint64_t triggers, std::uint64_t events);
 
     // Of no device yet.
@@ -73,8 +76,11 @@ struct FleetSummary {
 
     void add(const DeviceResult& result);
 
-    // REQUIRES: isOfSameDocument(other).
+    // REQUIRES: isOfSameDocument(other), and nothing is tooLarge() in either.
     void merge(const FleetSummary& other);
+
+    // The JSON path of a number that is larger than MOST; empty if there is none.
+    std::string tooLarge() const;
 
     bool isOfSameDocument(const FleetSummary& other) const;
 

@@ -1,18 +1,20 @@
 #include "tools/vig/fleet/FleetSummaryReader.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <limits>
 #include <utility>
 
 #include "tools/vig/DocumentText.h"
 #include "tools/vig/StrictJson.h"
+#include "vig/parsers/JsonTokens.h"
 
 namespace tool {
 
 namespace {
 
-// What also programs that know only doubles read exactly; the sum of many is still far from the largest number.
-constexpr std::uint64_t kMost = std::uint64_t{1} << 53;
+constexpr std::uint64_t kMost = FleetSummary::MOST;
 
 class SummaryParser {
   public:
@@ -196,6 +198,11 @@ std::optional<FleetSummary> read(const DocumentText& document, std::vector<std::
 
 std::optional<FleetSummary> readFleetSummary(const std::string& file, std::size_t lineNumber, std::string_view line,
                                              std::vector<std::string>& errors) {
+    // The reader would skip it.
+    if (Brenta::OS::VIG::withoutByteOrderMark(line).size() != line.size()) {
+        errors.push_back(fmt::format("{}:{}:1: error: a byte order mark", file, lineNumber));
+        return std::nullopt;
+    }
     std::vector<std::string> withoutLine;
     auto summary = read(DocumentText(file, std::string(line)), withoutLine);
     if (!summary) {

@@ -46,7 +46,7 @@ std::string triggersOf(const FleetSummary& summary) {
 }
 
 std::string countRow(const FleetSummary::Count& count, const std::string& what) {
-    return fmt::format("  {:>9} on {:>9}  {}\n", count.fired, count.devices, what);
+    return fmt::format("  {:>9} on {:>9}  {}\n", count.fired, count.devices, printable(what));
 }
 
 }  // namespace
@@ -72,8 +72,8 @@ std::string textOf(const FleetSummary& summary) {
     for (const FleetSummary::Config& config : summary.configs) {
         text += countRow(config.count, fmt::format("{} (id {})", config.path, config.id));
         for (const FleetSummary::Transition& each : config.transitions) {
-            text += countRow(each.count, fmt::format("  {}  {} -> {} on {}", each.path, printable(each.from),
-                                                     printable(each.to), each.event));
+            text +=
+                countRow(each.count, fmt::format("  {}  {} -> {} on {}", each.path, each.from, each.to, each.event));
         }
     }
     return text;

@@ -17,7 +17,6 @@
 #include "tools/vig/DocumentText.h"
 #include "tools/vig/EventReader.h"
 #include "tools/vig/FileText.h"
-#include "tools/vig/Interruption.h"
 #include "tools/vig/LineReader.h"
 #include "tools/vig/NearestName.h"
 #include "tools/vig/PriorityName.h"
@@ -32,8 +31,9 @@ namespace {
 
 class TestFileReader {
   public:
-    TestFileReader(const DocumentText& text, std::vector<std::string>& problems)
+    TestFileReader(const DocumentText& text, const Interruption& interruptedBy, std::vector<std::string>& problems)
         : document(text),
+          interruption(interruptedBy),
           errors(problems),
           check(text, problems),
           folder(std::filesystem::path(text.source().name()).parent_path()) {}
@@ -126,8 +126,7 @@ class TestFileReader {
             return events;
         }
         eventFiles.emplace(name, events);
-        const Interruption never;
-        EventReader reader(file.get(), name, never, [] {});
+        EventReader reader(file.get(), name, interruption, [] {});
         EventRecord record;
         auto status = reader.next(record);
         for (; status == EventReader::Status::Record; status = reader.next(record)) {
@@ -242,6 +241,7 @@ class TestFileReader {
     }
 
     const DocumentText& document;
+    const Interruption& interruption;
     std::vector<std::string>& errors;
     StrictJson check;
     const std::filesystem::path folder;
@@ -252,9 +252,10 @@ class TestFileReader {
 
 }  // namespace
 
-std::optional<TestFile> readTestFile(const std::string& path, std::vector<std::string>& errors) {
+std::optional<TestFile> readTestFile(const std::string& path, const Interruption& interruption,
+                                     std::vector<std::string>& errors) {
     std::string problem;
-    auto content = readFile(path, problem);
+    auto content = readFile(path, interruption, problem);
     if (!content) {
         errors.push_back("vig: error: " + path + ": " + problem);
         return std::nullopt;
@@ -265,7 +266,7 @@ std::optional<TestFile> readTestFile(const std::string& path, std::vector<std::s
         return std::nullopt;
     }
     std::vector<std::string> problems;
-    TestFile file = TestFileReader(document, problems).read();
+    TestFile file = TestFileReader(document, interruption, problems).read();
     errors.insert(errors.end(), problems.begin(), problems.end());
     return problems.empty() ? std::optional(std::move(file)) : std::nullopt;
 }
