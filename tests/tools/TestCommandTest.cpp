@@ -2,10 +2,15 @@
 
 #include <fmt/format.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
+#include <new>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "tests/support/Documents.h"
+#include "tests/support/PeakMemory.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/tools/ToolRun.h"
 #include "tools/vig/test/JUnit.h"
@@ -13,6 +18,7 @@
 namespace {
 
 using support::filter;
+using support::linesWith;
 using support::operand;
 using support::runVerb;
 using support::ToolResult;
@@ -122,6 +128,131 @@ FAIL  )" + file + R"(:3: other
 FAIL  )" + file + R"(: 1 of 3 passed
 3 tests: 1 passed, 2 failed
 )");
+}
+
+// Expects other log lines than those with the numbers in `actual`.
+std::string logCase(const std::vector<int>& expected, const std::vector<int>& actual) {
+    std::string events, lines;
+    for (const int each : actual) {
+        events += fmt::format(R"({}{{"event":"ZramHeartBeat","uint64":{{"memUsedMaxBytes":{}}}}})",
+                              events.empty() ? "" : ",", each);
+    }
+    for (const int each : expected) {
+        lines += fmt::format(R"({}"Received VIG zram heart beat. memUsedMaxBytes: {}, numCompressedDataBytes: 0")",
+                             lines.empty() ? "" : ",", each);
+    }
+    return testCase("t", events, R"("log":[)" + lines + "]");
+}
+
+std::vector<int> numbers(int begin, int end) {
+    std::vector<int> all;
+    for (int each = begin; each < end; ++each) {
+        all.push_back(each);
+    }
+    return all;
+}
+
+std::vector<int> joined(std::vector<int> numbers, const std::vector<int>& more) {
+    numbers.insert(numbers.end(), more.begin(), more.end());
+    return numbers;
+}
+
+TEST_F(TestCommand, ListsAreAlignedSoThatFewThingsDiffer) {
+    const struct {
+        std::vector<int> expected;
+        std::vector<int> actual;
+        std::size_t asExpected;
+        std::size_t missing;     // rows that begin with "-"
+        std::size_t unexpected;  // with "+"
+    } cases[] = {
+        {{1, 2, 3}, {1, 3}, 2, 1, 0},
+        {{1, 3}, {1, 2, 3}, 2, 0, 1},
+        {{1, 2, 3}, {1, 4, 3}, 2, 1, 1},
+        {{1, 2, 3}, {3}, 1, 2, 0},
+        {{}, {1, 2}, 0, 0, 2},
+        {{1, 2}, {}, 0, 2, 0},
+        {{1, 2, 3, 4, 5}, {3, 4, 5, 1, 2}, 3, 2, 2},
+        {numbers(0, 600), joined(numbers(0, 300), numbers(305, 600)), 595, 5, 0},
+        {joined(numbers(0, 300), numbers(305, 600)), numbers(0, 600), 595, 0, 5},
+        {numbers(0, 600), joined(joined(numbers(0, 10), {1000, 1001}), numbers(10, 600)), 600, 0, 2},
+        {numbers(0, 600), joined(numbers(120, 600), {1000}), 480, 20, 0},
+        {numbers(0, 500), numbers(0, 500), 0, 0, 0},
+    };
+    for (const auto& [expected, actual, asExpected, missing, unexpected] : cases) {
+        const ToolResult result = run(logCase(expected, actual));
+        const bool differs = missing + unexpected > 0;
+        EXPECT_EQ(result.status, differs ? 1 : 0);
+        EXPECT_EQ(result.out.find(fmt::format("          {} as expected\n", asExpected)) != std::string::npos,
+                  differs && asExpected > 0)
+            << result.out;
+        EXPECT_EQ(linesWith(result.out, "        -  message").size(), missing) << result.out;
+        EXPECT_EQ(linesWith(result.out, "        +  message").size(), unexpected) << result.out;
+    }
+}
+
+TEST_F(TestCommand, LongListsTakeLittleMemory) {
+    if (support::kHasSanitizer) {
+        GTEST_SKIP() << "the sanitizer takes memory of its own";
+    }
+    const std::string log = R"([{"name":"LogZramHeartBeat"}])";
+    folder.write("rules.json",
+                 support::document({support::config(7, {support::transition("start", "a", "Test", "[]", log),
+                                                        support::transition("a", "a", "Test", "[]", log),
+                                                        support::transition("a", "a", "EnteringState", "[]", log)})}));
+    // The machine goes round a thousand times at each event.
+    std::string events, lines;
+    for (int each = 0; each < 2000; ++each) {
+        events += each < 40 ? (each == 0 ? "" : ",") + std::string(R"({"event":"Test"})") : "";
+        lines += (each == 0 ? "\"" : ",\"") + std::to_string(each) + "\"";
+    }
+    const std::string rules = R"({"rules":"rules.json","tests":[)";
+    folder.write("cycle.json", rules + testCase("t", events, R"("log":[)" + lines + "]") + "]}");
+    folder.write("small.json", rules + testCase("t", "", "") + "]}");
+    const auto memoryFor = [&](const char* file) {
+        return support::peakMemory([&] {
+            options.files = {folder.path(file)};
+            runVerb(tool::test, options);
+        });
+    };
+    constexpr std::size_t kMegabyte = 1 << 20;
+    EXPECT_LT(memoryFor("cycle.json"), memoryFor("small.json") + 16 * kMegabyte);
+}
+
+TEST_F(TestCommand, WhatHasBeenFoundIsToldWhateverBecomesOfTheNextFile) {
+    if (support::kHasSanitizer) {
+        GTEST_SKIP() << "the sanitizer takes memory of its own";
+    }
+    folder.write("rules.json", kRules);
+    folder.write("large.json", R"({"configs":[],"x":[0)" + std::string(20'000'000, ',') + "]}");
+    const std::string tests = R"(","tests":[{"name":"a","events":[],"expect":{}}]})";
+    options.files = {folder.write("a.test.json", R"({"rules":"rules.json)" + tests),
+                     folder.write("b.test.json", R"({"rules":"large.json)" + tests)};
+    const support::MemoryFile out;
+    support::peakMemory([&] {
+        std::set_new_handler([] { _exit(0); });
+        const rlimit limit = {std::size_t{100} << 20, std::size_t{100} << 20};
+        setrlimit(RLIMIT_DATA, &limit);
+        const tool::Interruption interruption;
+        tool::test(options, {STDIN_FILENO, out.descriptor, STDERR_FILENO}, interruption);
+        _exit(1);
+    });
+    EXPECT_EQ(out.content(), "ok    " + options.files[0] + ": 1 of 1 passed\n");
+}
+
+TEST_F(TestCommand, OfLongTextsIsShownWhereTheyDiffer) {
+    const std::string name(1'000'000, 'x');
+    const std::string event = R"({"event":"ProcessMemoryHeartBeat","string":{"processName":")" + name +
+                              R"(end"},"int64":{"vmRssKB":10,"vmSwapKB":1}})";
+    const ToolResult result =
+        run(testCase(name, event, R"("triggers":[{"process":")" + name + R"(END"}],"states":{"7":")" + name + "\"}"));
+    const std::string cut = "process …" + std::string(40, 'x');
+    EXPECT_EQ(linesWith(result.out, "        -  " + cut + "END\"").size(), 1U) << result.out.substr(0, 2000);
+    EXPECT_EQ(linesWith(result.out, "        +  " + cut + "end\"  (event 1)").size(), 1U);
+    EXPECT_EQ(
+        linesWith(result.out, "      state of configuration 7: expected \"" + name.substr(0, 499) + "…, got \"hot\"")
+            .size(),
+        1U);
+    EXPECT_LT(result.out.size(), 4000U);
 }
 
 TEST_F(TestCommand, CoverageTellsWhatNoTestReaches) {

@@ -16,6 +16,8 @@ namespace tool {
 
 namespace {
 
+constexpr std::size_t kMostShownOfMessage = 500;
+
 std::string_view kindOf(const Json::Value& json) {
     switch (json.type()) {
         case Json::nullValue:
@@ -52,7 +54,8 @@ std::string messageOf(const std::string& file, const std::string& report) {
     int begin = 0;
     [[maybe_unused]] const int read = std::sscanf(report.c_str(), "* Line %u, Column %u %n", &line, &column, &begin);
     const std::string_view rest = std::string_view(report).substr(static_cast<std::size_t>(begin));
-    return fmt::format("{}:{}:{}: error: {}", file, line, column, rest.substr(0, rest.find('\n')));
+    return fmt::format("{}:{}:{}: error: {}", file, line, column,
+                       shortened(rest.substr(0, rest.find('\n')), kMostShownOfMessage));
 }
 
 }  // namespace
@@ -76,8 +79,8 @@ void StrictJson::complain(const Json::Value& at, const std::string& path, const 
         return;
     }
     const auto place = document.source().positionOf(document.placeOf(at, path).begin);
-    add(fmt::format("{}:{}:{}: error: {}{}{}", document.source().name(), place.line, place.column, path,
-                    path.empty() ? "" : ": ", what));
+    add(fmt::format("{}:{}:{}: error: {}{}{}", document.source().name(), place.line, place.column,
+                    shortened(path, kMostShownOfMessage), path.empty() ? "" : ": ", what));
 }
 
 void StrictJson::add(std::string mistake) {
@@ -108,7 +111,7 @@ bool StrictJson::isObject(const Json::Value& json, const std::string& path, cons
     bool onlyKnown = true;
     for (const std::string& key : json.getMemberNames()) {
         if (std::ranges::find(known, key) == known.end()) {
-            complain(json[key], path, "unknown key " + quoted(key) + suggestion(key, known));
+            complain(json[key], path, "unknown key " + shownQuoted(key) + suggestion(key, known));
             onlyKnown = false;
         }
     }

@@ -125,11 +125,13 @@ class TestSuite {
         }
         out.write(fmt::format("{}  {}: {} of {} passed\n", failed == 0 ? "ok  " : "FAIL", printable(file.path),
                               file.tests.size() - failed, file.tests.size()));
+        // Whatever becomes of the next file, this one's verdict is told.
+        out.flush();
         return std::nullopt;
     }
 
     void show(const TestFile& file, const TestCase& failed, const std::vector<std::string>& failure) {
-        out.write(fmt::format("FAIL  {}:{}: {}\n", printable(file.path), failed.line, printable(failed.name)));
+        out.write(fmt::format("FAIL  {}:{}: {}\n", printable(file.path), failed.line, shownName(failed.name)));
         for (const std::string& line : failure) {
             out.write("    " + line + "\n");
         }
