@@ -157,6 +157,70 @@ std::vector<int> joined(std::vector<int> numbers, const std::vector<int>& more) 
     return numbers;
 }
 
+// Of several machines, that one is explained which did what was not expected or did not do what was.
+TEST_F(TestCommand, FailureIsExplainedByTheMachineInQuestion) {
+    const auto above = [](const std::string& limit) {
+        return "[" + filter(">", "integer", operand("envvar", "vmRssKB"), operand("constant", limit)) + "]";
+    };
+    const std::string trigger = R"([{"name":"TriggerVelora"}])";
+    const std::string memoryEvent = "ProcessMemoryHeartBeat";
+    const std::string path = ".payload.data.transitions";
+    folder.write("two.json",
+                 support::document({support::config(7, {transition("start", "hot", memoryEvent, above("9"), trigger),
+                                                        transition("start", "start", "ZramHeartBeat", "[]",
+                                                                   R"([{"name":"LogZramHeartBeat"}])"),
+                                                        transition("hot", "hot", "Test")}),
+                                    support::config(8, {transition("start", "hot", memoryEvent, above("9"), trigger),
+                                                        transition("hot", "start", "Test")})}));
+    const struct {
+        std::string events;
+        std::string expect;
+        std::vector<std::string> explained;  // the beginnings of all lines that name a transition
+    } cases[] = {
+        {kSmall, R"("triggers":[{"config":8}])", {"why not configs[1]" + path + "[0] ("}},
+        {kSmall, R"("triggers":[{}])", {"why not configs[0]" + path + "[0] (", "why not configs[1]" + path + "[0] ("}},
+        {kSmall, R"("log":["x"])", {"why not configs[0]" + path + "[1] ("}},
+        {kSmall, R"("states":{"8":"hot"})", {"why not configs[1]" + path + "[0] ("}},
+        {kCamera,
+         R"("triggers":[{"config":7},{"config":8,"process":"x"}])",
+         {"  configs[1]" + path + "[0] -> hot: fires"}},
+        {kCamera, R"("triggers":[{"config":7},{"config":7}])", {"  configs[1]" + path + "[0] -> hot: fires"}},
+        {R"({"event":"ZramHeartBeat"})", R"("triggers":[{"config":8}])", {"why not configs[1]" + path + "[0] ("}},
+        {R"({"event":"ZramHeartBeat"})", "", {"  configs[0]" + path + "[1] -> start: fires"}},
+    };
+    for (const auto& [events, expect, explained] : cases) {
+        const ToolResult result = runText(R"({"rules":"two.json","tests":[)" + testCase("t", events, expect) + "]}");
+        std::vector<std::string> lines;
+        for (const std::string& line : linesWith(result.out, "      ")) {
+            if (line.find("configs[") != std::string::npos) {
+                lines.push_back(line.substr(6));
+            }
+        }
+        ASSERT_EQ(lines.size(), explained.size()) << expect << result.out;
+        for (std::size_t i = 0; i < lines.size(); ++i) {
+            EXPECT_TRUE(lines[i].starts_with(explained[i])) << lines[i];
+        }
+    }
+}
+
+TEST_F(TestCommand, ExplanationDrawsAsTheTestDid) {
+    const std::string half =
+        "[" + filter("<", "double", operand("function", "PseudoRandomDouble"), operand("constant", "0.5")) + "]";
+    folder.write("random.json",
+                 support::document({support::config(
+                     7, {transition("start", "start", "ZramHeartBeat", half, R"([{"name":"LogZramHeartBeat"}])")})}));
+    int failed = 0;
+    for (int seed = 0; seed < 12; ++seed) {
+        const ToolResult result = runText(
+            R"({"rules":"random.json","tests":[{"name":"t","events":[{"event":"ZramHeartBeat"}],"expect":{},"seed":)" +
+            std::to_string(seed) + "}]}");
+        failed += result.status;
+        EXPECT_EQ(result.out.find(" -> start: fires\n") != std::string::npos, result.status == 1) << result.out;
+    }
+    EXPECT_GT(failed, 0);
+    EXPECT_LT(failed, 12);
+}
+
 TEST_F(TestCommand, ListsAreAlignedSoThatFewThingsDiffer) {
     const struct {
         std::vector<int> expected;
@@ -334,8 +398,16 @@ TEST_F(TestCommand, OfAFileThatIsAllMistakesAHundredAreShown) {
 TEST_F(TestCommand, RulesThatAreRefusedOrAbsentAreTold) {
     const std::string tests = R"(","tests":[{"name":"a","events":[],"expect":{}}]})";
     folder.write("bad.json", support::document({support::config(1, {transition("a", "b", "test")})}));
-    const ToolResult refused = runText(R"({"rules":"bad.json)" + tests);
+    options.junitFile = folder.path("report.xml");
+    const ToolResult refused = runText(R"({"rules":"bad.json)" + tests.substr(0, tests.size() - 2) +
+                                       R"(,{"name":"b","events":[],"expect":{}}]})");
     EXPECT_EQ(refused.status, 1);
+    EXPECT_TRUE(refused.out.ends_with("2 tests: 0 passed, 2 failed\n")) << refused.out;
+    // What the library says of the document, which may be much, once.
+    const std::string report = folder.read("report.xml");
+    EXPECT_EQ(linesWith(report, "    <testcase ").size(), 2U) << report;
+    EXPECT_EQ(linesWith(report, "  FSM Event not found!").size(), 1U) << report;
+    options.junitFile.clear();
     EXPECT_TRUE(refused.err.starts_with(folder.path("bad.json").string() +
                                         ": error: refused (InvalidFsm): a state machine is invalid\n"
                                         "  FSM Event not found!\n"))

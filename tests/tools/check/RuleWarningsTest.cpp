@@ -308,6 +308,106 @@ TEST(RuleWarnings, FindsEveryNulThatTheLibraryAccepts) {
     EXPECT_EQ(found[0].hint, R"(write "==" if that is meant)");
 }
 
+TEST(RuleWarnings, SayWhatIsWrongAndWhatWouldMendIt) {
+    const std::string big = "integer vmRssKB > =10";
+    const std::string random = "double PseudoRandomDouble() < =0.1";
+    const struct {
+        Strings transitions;
+        std::string message;  // of the first one
+        std::string hint;
+    } cases[] = {
+        {{memory({"string processName == =a"}), memory({big}), memory({big, "integer vmSwapKB > =1"})},
+         R"(this never fires: before it in "start" comes transitions[1] on ProcessMemoryHeartBeat, )"
+         R"(which fires whenever this one could)",
+         "put this one before it, or give that one another filter"},
+        {{memory({"string processName == =a"}), memory({}), memory({big})},
+         R"(this never fires: before it in "start" comes transitions[1] on ProcessMemoryHeartBeat, )"
+         R"(which always fires)",
+         "put this one before it"},
+        {{transition("start hott Test"), transition("hot end Test")},
+         R"(once in "hott", the machine does nothing any more)",
+         R"(if that is meant, call the state "end")"},
+        {{transition("a end Test")},
+         R"(no chain of transitions leads from "start" to "a")",
+         "lead a transition there, or leave it out"},
+        {{transition("start a EnteringState", {random}), transition("a b EnteringState"),
+          transition("b a EnteringState")},
+         R"(EnteringState transitions lead from "a" to "b" to "a", without end: one event makes up )"
+         R"(to 1000 moves)",
+         "let one of them listen for another event"},
+        {{transition("start a EnteringState"), transition("a b EnteringState"), transition("b c EnteringState"),
+          transition("c d EnteringState"), transition("d e EnteringState", {random}), transition("e f EnteringState"),
+          transition("f a EnteringState"), transition("f start EnteringState")},
+         R"(EnteringState transitions lead from "a" to "b" to "c" to "d" to "e" to … to "a", unless )"
+         R"(filters say otherwise: one event makes up to 1000 moves)",
+         "let one of them listen for another event"},
+        {{transition("start start ProcessMemoryHeartBeat", {big}, "TriggerVelora")},
+         R"("TriggerVelora" asks for a collection at every ProcessMemoryHeartBeat event that )"
+         R"(fulfils the filters, and the machine stays in "start")",
+         "move to another state, or add the filter PseudoRandomDouble() < 0.1"},
+        {{transition("start end ProcessCpuHeartBeat", {"integer cpuAvgUtilization > =1"})},
+         R"("cpuAvgUtilization" is known as double, which a comparison as "integer" never finds)",
+         R"(write "value_type": "double")"},
+        {{memory({"integer pod > =1"})},
+         R"(ProcessMemoryHeartBeat events are not known to have an attribute "pod")",
+         R"(did you mean "pid"?)"},
+        {{transition("start end ZramHeartBeat", {}, "TriggerVelora")},
+         R"("TriggerVelora" needs attributes that ZramHeartBeat events are not known to have: )"
+         R"(processName (string), vmRssKB (int64), vmSwapKB (int64))",
+         "without them it only logs; listen for another event"},
+        {{transition("start end EnteringState", {}, "LogZramHeartBeat")},
+         R"("LogZramHeartBeat" needs attributes that EnteringState events are not known to have: )"
+         R"(memUsedMaxBytes (uint64), numCompressedDataBytes (uint64))",
+         "without them it logs 0; listen for another event"},
+        {{transition("start end EnteringState", {"integer limit > limit2"})},
+         R"("limit" is looked for in the event alone, where it is not, and reads as 0: only a )"
+         R"(comparison with a constant looks at the context)",
+         "compare it with a constant"},
+        {{memory({"integer vmRssKB > PseudoRandomDouble()"})},
+         R"(there is no function "PseudoRandomDouble" that gives the type "integer": it reads as 0)",
+         R"(write "value_type": "double")"},
+        {{memory({"string processName == F()"})},
+         R"(there is no function "F" that gives the type "string": it reads as the empty text)",
+         ""},
+        {{transition("start end Timeout")},
+         "nothing arms a timeout by itself: only a service that does so sends the event",
+         "ask the owner of the service"},
+        {{memory({"integer vmRssKB > =12kB"})},
+         R"("12kB" is read as 12; "kB" is ignored)",
+         R"(write "12" if that is meant)"},
+        {{transition("start end Test", {"double x > =1,5"})},
+         R"("1,5" is read as 1; ",5" is ignored)",
+         R"(the decimal point is ".")"},
+        {{transition("start end Test", {"double x > =9007199254740993"})},
+         R"("9007199254740993" has more digits than a double holds, and is read as 9007199254740992)",
+         R"(write fewer digits, or compare an int64 attribute as "integer")"},
+        {{memory({"integer vmRssKB >= =1", "integer vmRssKB <= =2", "integer vmRssKB != =1", "integer vmRssKB != =2"})},
+         "`vmRssKB != 2` contradicts the filters before it taken together in the same transition",
+         "a transition fires only if all its filters hold: make two transitions for two cases"},
+        {{memory({"integer =2 < =1"})},
+         "`2 < 1` is never true, being a comparison of two constants",
+         "mend the filter, or leave the transition out"},
+        {{memory({"string processName >= ="})},
+         R"(`processName >= ""` is always true, whatever the event)",
+         "leave the filter out"},
+        {{transition("start start Test")},
+         R"(once in "start", the machine does nothing any more)",
+         R"(if that is meant, call the state "end")"},
+        {{transition("start a"
+                     "\\u0000 Test"),
+          transition("a"
+                     "\\u0000 end Test")},
+         "\"a\\u0000\" has a NUL, where other programs take a text to end",
+         "leave the NUL out"},
+    };
+    for (const auto& [transitions, message, hint] : cases) {
+        const auto found = warningsOf(transitions);
+        ASSERT_FALSE(found.empty()) << message;
+        EXPECT_EQ(found[0].message, message);
+        EXPECT_EQ(found[0].hint, hint);
+    }
+}
+
 // How long the warnings of a document of such transitions take, in seconds.
 double secondsFor(const Strings& transitions) {
     std::string all;

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <string_view>
+#include <unordered_map>
 #include <utility>
 
 #include "tools/vig/PriorityName.h"
@@ -270,13 +271,17 @@ void compareLogs(const Expectation& expected, const Observed& actual, Mismatch& 
 }
 
 void compareStates(const Expectation& expected, const Observed& actual, Mismatch& mismatch) {
+    std::unordered_map<std::int64_t, std::string_view> states;
+    for (const Observed::State& each : actual.states) {
+        states.emplace(each.config, each.state);  // of several with the same id, the first counts
+    }
     for (const ExpectedState& each : expected.states) {
-        const auto found = std::ranges::find(actual.states, each.config, &Observed::State::config);
-        if (found == actual.states.end()) {
+        const auto found = states.find(each.config);
+        if (found == states.end()) {
             mismatch.lines.push_back(fmt::format("  state of configuration {}: there is none", each.config));
-        } else if (found->state != each.state) {
+        } else if (found->second != each.state) {
             const Field expectedState = {"expected", quoted(each.state)};
-            const Field state = {"got", quoted(found->state)};
+            const Field state = {"got", quoted(found->second)};
             const std::size_t inCommon = commonBeginning(expectedState, state);
             mismatch.lines.push_back(fmt::format("  state of configuration {}: {}, {}", each.config,
                                                  shown(expectedState, inCommon), shown(state, inCommon)));
