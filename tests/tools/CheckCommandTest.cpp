@@ -117,6 +117,9 @@ TEST_F(CheckCommand, WritesSarif) {
         const std::string uri = result["locations"][0]["physicalLocation"]["artifactLocation"]["uri"].asString();
         EXPECT_TRUE(uri.starts_with("file:///") && uri.ends_with("/a%20b.json")) << uri;
     }
+    const Json::Value& first = run["results"][0];
+    EXPECT_EQ(first["level"], "warning");
+    EXPECT_EQ(first["message"]["text"], R"(the key "note ä" is ignored Hint: known here: "id", "payload")");
     const Json::Value& second = run["results"][1];
     EXPECT_EQ(second["level"], "error");
     EXPECT_EQ(second["ruleId"], "InvalidConfig");
