@@ -477,16 +477,6 @@ const std::pair<const char*, Strings (*)(int many)> kShapes[] = {
          }
          return all;
      }},
-    {"a filter that most share, in either order",
-     [](int many) {
-         Strings all;
-         for (int i = 0; i < many; ++i) {
-             const std::string own = is(state("a", i), 1);
-             all.push_back(
-                 transition("start end Test", i < many / 2 ? Strings{own, is("x", 1)} : Strings{is("x", 1), own}));
-         }
-         return all;
-     }},
     {"states that nothing leads to, and a long name that they may be meant to have",
      [](int many) {
          Strings all = {transition("start " + std::string(static_cast<std::size_t>(many) * 10, 'x') + " Test")};
