@@ -117,12 +117,66 @@ TEST_F(CheckCommand, WritesSarif) {
         const std::string uri = result["locations"][0]["physicalLocation"]["artifactLocation"]["uri"].asString();
         EXPECT_TRUE(uri.starts_with("file:///") && uri.ends_with("/a%20b.json")) << uri;
     }
+    const Json::Value& first = run["results"][0];
+    EXPECT_EQ(first["level"], "warning");
+    EXPECT_EQ(first["message"]["text"], R"(the key "note ä" is ignored Hint: known here: "id", "payload")");
     const Json::Value& second = run["results"][1];
     EXPECT_EQ(second["level"], "error");
     EXPECT_EQ(second["ruleId"], "InvalidConfig");
     EXPECT_EQ(second["locations"][0]["logicalLocations"][0]["fullyQualifiedName"], "configs[0].id");
     EXPECT_EQ(second["locations"][0]["physicalLocation"]["region"],
               parsed(R"({"startLine":2,"startColumn":23,"endLine":2,"endColumn":27})"));
+}
+
+TEST_F(CheckCommand, OfLongNamesMessagesShowTheBeginningAndPathsAll) {
+    const std::string name(100'000, 'x');
+    const auto document = [](const std::string& transition) {
+        return support::document({support::config(1, {transition})});
+    };
+    const auto filtered = [&](const std::string& op, const std::string& type, const std::string& left,
+                              const std::string& right) {
+        return document(support::transition("start", "end", "ProcessMemoryHeartBeat",
+                                            "[" + support::filter(op, type, left, right) + "]"));
+    };
+    using support::operand;
+    const std::string texts[] = {
+        "{\"configs\":[],\"" + name + "\":1}",
+        "{\"configs\":[],\"" + name + "\":1,\"" + name + "\":1}",
+        document(support::transition("start", name, "Test")),
+        document(support::transition(name, "end", "Timeout")),
+        document(support::transition("start", "end", name)),
+        document(support::transition("start", "end", "Test", "[]", "[{\"name\":\"" + name + "\"}]")),
+        document(support::transition(name, name, "EnteringState") + "," + support::transition("start", name, "Test")),
+        document(support::transition("start", name, "Test") + "," + support::transition(name, "end", "Test") + "," +
+                 support::transition(name, "end", "Test")),
+        filtered(name, "string", operand("envvar", "x"), operand("constant", "y")),
+        filtered("==\\u0000" + name, "string", operand("envvar", "processName"), operand("constant", "y")),
+        filtered("==", name, operand("envvar", "x"), operand("constant", "y")),
+        filtered("==", "string", operand(name, "x"), operand("constant", "y")),
+        filtered("==", "string", operand("envvar", name), operand("constant", "y")),
+        filtered("==", "string", operand("function", name), operand("constant", "y")),
+        filtered("==", "string", operand("function", name), operand("envvar", "processName")),
+        filtered("==", "string", operand("constant", name), operand("constant", name)),
+        filtered("==", "string", operand("constant", "\\u0000" + name), operand("envvar", "processName")),
+        filtered("==", "integer", operand("envvar", "vmRssKB"), operand("constant", name)),
+        filtered("==", "integer", operand("envvar", "vmRssKB"), operand("constant", "1" + name)),
+        filtered("==", "double", operand("envvar", "vmRssKB"), operand("constant", "0." + std::string(100'000, '1'))),
+        "{\"configs\":[" + name + "]}",
+        "{\"configs\":[{\"id\":1" + std::string(100'000, '0') + "}]}",
+    };
+    for (const std::string& text : texts) {
+        const Json::Value root = parsed(check(text, {.format = FindingFormat::Json}).out);
+        EXPECT_GT(root["findings"].size(), 0U) << text.substr(0, 300);
+        for (const Json::Value& each : root["findings"]) {
+            EXPECT_LE(each["message"].asString().size(), 1000U) << text.substr(0, 300);
+            EXPECT_LE(each["hint"].asString().size(), 1000U) << text.substr(0, 300);
+        }
+        EXPECT_LT(check(text).out.size(), 5000U) << text.substr(0, 300);
+    }
+    const std::string unknown = check(texts[0], {.format = FindingFormat::Sarif}).out;
+    EXPECT_EQ(parsed(unknown)["runs"][0]["results"][0]["locations"][0]["logicalLocations"][0]["fullyQualifiedName"],
+              name);
+    EXPECT_EQ(parsed(check(texts[0], {.format = FindingFormat::Json}).out)["findings"][0]["path"], name);
 }
 
 TEST_F(CheckCommand, ExitStatusTellsErrorsFromWarnings) {

@@ -2,10 +2,15 @@
 
 #include <fmt/format.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
+#include <new>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "tests/support/Documents.h"
+#include "tests/support/PeakMemory.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/tools/ToolRun.h"
 #include "tools/vig/test/JUnit.h"
@@ -13,6 +18,7 @@
 namespace {
 
 using support::filter;
+using support::linesWith;
 using support::operand;
 using support::runVerb;
 using support::ToolResult;
@@ -124,6 +130,195 @@ FAIL  )" + file + R"(: 1 of 3 passed
 )");
 }
 
+// Expects other log lines than those with the numbers in `actual`.
+std::string logCase(const std::vector<int>& expected, const std::vector<int>& actual) {
+    std::string events, lines;
+    for (const int each : actual) {
+        events += fmt::format(R"({}{{"event":"ZramHeartBeat","uint64":{{"memUsedMaxBytes":{}}}}})",
+                              events.empty() ? "" : ",", each);
+    }
+    for (const int each : expected) {
+        lines += fmt::format(R"({}"Received VIG zram heart beat. memUsedMaxBytes: {}, numCompressedDataBytes: 0")",
+                             lines.empty() ? "" : ",", each);
+    }
+    return testCase("t", events, R"("log":[)" + lines + "]");
+}
+
+std::vector<int> numbers(int begin, int end) {
+    std::vector<int> all;
+    for (int each = begin; each < end; ++each) {
+        all.push_back(each);
+    }
+    return all;
+}
+
+std::vector<int> joined(std::vector<int> numbers, const std::vector<int>& more) {
+    numbers.insert(numbers.end(), more.begin(), more.end());
+    return numbers;
+}
+
+// Of several machines, that one is explained which did what was not expected or did not do what was.
+TEST_F(TestCommand, FailureIsExplainedByTheMachineInQuestion) {
+    const auto above = [](const std::string& limit) {
+        return "[" + filter(">", "integer", operand("envvar", "vmRssKB"), operand("constant", limit)) + "]";
+    };
+    const std::string trigger = R"([{"name":"TriggerVelora"}])";
+    const std::string memoryEvent = "ProcessMemoryHeartBeat";
+    const std::string path = ".payload.data.transitions";
+    folder.write("two.json",
+                 support::document({support::config(7, {transition("start", "hot", memoryEvent, above("9"), trigger),
+                                                        transition("start", "start", "ZramHeartBeat", "[]",
+                                                                   R"([{"name":"LogZramHeartBeat"}])"),
+                                                        transition("hot", "hot", "Test")}),
+                                    support::config(8, {transition("start", "hot", memoryEvent, above("9"), trigger),
+                                                        transition("hot", "start", "Test")})}));
+    const struct {
+        std::string events;
+        std::string expect;
+        std::vector<std::string> explained;  // the beginnings of all lines that name a transition
+    } cases[] = {
+        {kSmall, R"("triggers":[{"config":8}])", {"why not configs[1]" + path + "[0] ("}},
+        {kSmall, R"("triggers":[{}])", {"why not configs[0]" + path + "[0] (", "why not configs[1]" + path + "[0] ("}},
+        {kSmall, R"("log":["x"])", {"why not configs[0]" + path + "[1] ("}},
+        {kSmall, R"("states":{"8":"hot"})", {"why not configs[1]" + path + "[0] ("}},
+        {kCamera,
+         R"("triggers":[{"config":7},{"config":8,"process":"x"}])",
+         {"  configs[1]" + path + "[0] -> hot: fires"}},
+        {kCamera, R"("triggers":[{"config":7},{"config":7}])", {"  configs[1]" + path + "[0] -> hot: fires"}},
+        {R"({"event":"ZramHeartBeat"})", R"("triggers":[{"config":8}])", {"why not configs[1]" + path + "[0] ("}},
+        {R"({"event":"ZramHeartBeat"})", "", {"  configs[0]" + path + "[1] -> start: fires"}},
+    };
+    for (const auto& [events, expect, explained] : cases) {
+        const ToolResult result = runText(R"({"rules":"two.json","tests":[)" + testCase("t", events, expect) + "]}");
+        std::vector<std::string> lines;
+        for (const std::string& line : linesWith(result.out, "      ")) {
+            if (line.find("configs[") != std::string::npos) {
+                lines.push_back(line.substr(6));
+            }
+        }
+        ASSERT_EQ(lines.size(), explained.size()) << expect << result.out;
+        for (std::size_t i = 0; i < lines.size(); ++i) {
+            EXPECT_TRUE(lines[i].starts_with(explained[i])) << lines[i];
+        }
+    }
+}
+
+TEST_F(TestCommand, ExplanationDrawsAsTheTestDid) {
+    const std::string half =
+        "[" + filter("<", "double", operand("function", "PseudoRandomDouble"), operand("constant", "0.5")) + "]";
+    folder.write("random.json",
+                 support::document({support::config(
+                     7, {transition("start", "start", "ZramHeartBeat", half, R"([{"name":"LogZramHeartBeat"}])")})}));
+    int failed = 0;
+    for (int seed = 0; seed < 12; ++seed) {
+        const ToolResult result = runText(
+            R"({"rules":"random.json","tests":[{"name":"t","events":[{"event":"ZramHeartBeat"}],"expect":{},"seed":)" +
+            std::to_string(seed) + "}]}");
+        failed += result.status;
+        EXPECT_EQ(result.out.find(" -> start: fires\n") != std::string::npos, result.status == 1) << result.out;
+    }
+    EXPECT_GT(failed, 0);
+    EXPECT_LT(failed, 12);
+}
+
+TEST_F(TestCommand, ListsAreAlignedSoThatFewThingsDiffer) {
+    const struct {
+        std::vector<int> expected;
+        std::vector<int> actual;
+        std::size_t asExpected;
+        std::size_t missing;     // rows that begin with "-"
+        std::size_t unexpected;  // with "+"
+    } cases[] = {
+        {{1, 2, 3}, {1, 3}, 2, 1, 0},
+        {{1, 3}, {1, 2, 3}, 2, 0, 1},
+        {{1, 2, 3}, {1, 4, 3}, 2, 1, 1},
+        {{1, 2, 3}, {3}, 1, 2, 0},
+        {{}, {1, 2}, 0, 0, 2},
+        {{1, 2}, {}, 0, 2, 0},
+        {{1, 2, 3, 4, 5}, {3, 4, 5, 1, 2}, 3, 2, 2},
+        {numbers(0, 600), joined(numbers(0, 300), numbers(305, 600)), 595, 5, 0},
+        {joined(numbers(0, 300), numbers(305, 600)), numbers(0, 600), 595, 0, 5},
+        {numbers(0, 600), joined(joined(numbers(0, 10), {1000, 1001}), numbers(10, 600)), 600, 0, 2},
+        {numbers(0, 600), joined(numbers(120, 600), {1000}), 480, 20, 0},
+        {numbers(0, 500), numbers(0, 500), 0, 0, 0},
+    };
+    for (const auto& [expected, actual, asExpected, missing, unexpected] : cases) {
+        const ToolResult result = run(logCase(expected, actual));
+        const bool differs = missing + unexpected > 0;
+        EXPECT_EQ(result.status, differs ? 1 : 0);
+        EXPECT_EQ(result.out.find(fmt::format("          {} as expected\n", asExpected)) != std::string::npos,
+                  differs && asExpected > 0)
+            << result.out;
+        EXPECT_EQ(linesWith(result.out, "        -  message").size(), missing) << result.out;
+        EXPECT_EQ(linesWith(result.out, "        +  message").size(), unexpected) << result.out;
+    }
+}
+
+TEST_F(TestCommand, LongListsTakeLittleMemory) {
+    if (support::kHasSanitizer) {
+        GTEST_SKIP() << "the sanitizer takes memory of its own";
+    }
+    const std::string log = R"([{"name":"LogZramHeartBeat"}])";
+    folder.write("rules.json",
+                 support::document({support::config(7, {support::transition("start", "a", "Test", "[]", log),
+                                                        support::transition("a", "a", "Test", "[]", log),
+                                                        support::transition("a", "a", "EnteringState", "[]", log)})}));
+    // The machine goes round a thousand times at each event.
+    std::string events, lines;
+    for (int each = 0; each < 2000; ++each) {
+        events += each < 40 ? (each == 0 ? "" : ",") + std::string(R"({"event":"Test"})") : "";
+        lines += (each == 0 ? "\"" : ",\"") + std::to_string(each) + "\"";
+    }
+    const std::string rules = R"({"rules":"rules.json","tests":[)";
+    folder.write("cycle.json", rules + testCase("t", events, R"("log":[)" + lines + "]") + "]}");
+    folder.write("small.json", rules + testCase("t", "", "") + "]}");
+    const auto memoryFor = [&](const char* file) {
+        return support::peakMemory([&] {
+            options.files = {folder.path(file)};
+            runVerb(tool::test, options);
+        });
+    };
+    constexpr std::size_t kMegabyte = 1 << 20;
+    EXPECT_LT(memoryFor("cycle.json"), memoryFor("small.json") + 16 * kMegabyte);
+}
+
+TEST_F(TestCommand, WhatHasBeenFoundIsToldWhateverBecomesOfTheNextFile) {
+    if (support::kHasSanitizer) {
+        GTEST_SKIP() << "the sanitizer takes memory of its own";
+    }
+    folder.write("rules.json", kRules);
+    folder.write("large.json", R"({"configs":[],"x":[0)" + std::string(20'000'000, ',') + "]}");
+    const std::string tests = R"(","tests":[{"name":"a","events":[],"expect":{}}]})";
+    options.files = {folder.write("a.test.json", R"({"rules":"rules.json)" + tests),
+                     folder.write("b.test.json", R"({"rules":"large.json)" + tests)};
+    const support::MemoryFile out;
+    support::peakMemory([&] {
+        std::set_new_handler([] { _exit(0); });
+        const rlimit limit = {std::size_t{100} << 20, std::size_t{100} << 20};
+        setrlimit(RLIMIT_DATA, &limit);
+        const tool::Interruption interruption;
+        tool::test(options, {STDIN_FILENO, out.descriptor, STDERR_FILENO}, interruption);
+        _exit(1);
+    });
+    EXPECT_EQ(out.content(), "ok    " + options.files[0] + ": 1 of 1 passed\n");
+}
+
+TEST_F(TestCommand, OfLongTextsIsShownWhereTheyDiffer) {
+    const std::string name(1'000'000, 'x');
+    const std::string event = R"({"event":"ProcessMemoryHeartBeat","string":{"processName":")" + name +
+                              R"(end"},"int64":{"vmRssKB":10,"vmSwapKB":1}})";
+    const ToolResult result =
+        run(testCase(name, event, R"("triggers":[{"process":")" + name + R"(END"}],"states":{"7":")" + name + "\"}"));
+    const std::string cut = "process …" + std::string(40, 'x');
+    EXPECT_EQ(linesWith(result.out, "        -  " + cut + "END\"").size(), 1U) << result.out.substr(0, 2000);
+    EXPECT_EQ(linesWith(result.out, "        +  " + cut + "end\"  (event 1)").size(), 1U);
+    EXPECT_EQ(
+        linesWith(result.out, "      state of configuration 7: expected \"" + name.substr(0, 499) + "…, got \"hot\"")
+            .size(),
+        1U);
+    EXPECT_LT(result.out.size(), 4000U);
+}
+
 TEST_F(TestCommand, CoverageTellsWhatNoTestReaches) {
     options.coverage = true;
     const std::string rules = folder.path("rules.json");
@@ -203,8 +398,16 @@ TEST_F(TestCommand, OfAFileThatIsAllMistakesAHundredAreShown) {
 TEST_F(TestCommand, RulesThatAreRefusedOrAbsentAreTold) {
     const std::string tests = R"(","tests":[{"name":"a","events":[],"expect":{}}]})";
     folder.write("bad.json", support::document({support::config(1, {transition("a", "b", "test")})}));
-    const ToolResult refused = runText(R"({"rules":"bad.json)" + tests);
+    options.junitFile = folder.path("report.xml");
+    const ToolResult refused = runText(R"({"rules":"bad.json)" + tests.substr(0, tests.size() - 2) +
+                                       R"(,{"name":"b","events":[],"expect":{}}]})");
     EXPECT_EQ(refused.status, 1);
+    EXPECT_TRUE(refused.out.ends_with("2 tests: 0 passed, 2 failed\n")) << refused.out;
+    // What the library says of the document, which may be much, once.
+    const std::string report = folder.read("report.xml");
+    EXPECT_EQ(linesWith(report, "    <testcase ").size(), 2U) << report;
+    EXPECT_EQ(linesWith(report, "  FSM Event not found!").size(), 1U) << report;
+    options.junitFile.clear();
     EXPECT_TRUE(refused.err.starts_with(folder.path("bad.json").string() +
                                         ": error: refused (InvalidFsm): a state machine is invalid\n"
                                         "  FSM Event not found!\n"))

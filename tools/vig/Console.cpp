@@ -10,6 +10,9 @@ namespace tool {
 
 namespace {
 
+// Several paths have room. A name in a file may have any length.
+constexpr std::size_t kMostShownOfLine = 16 * 1024;
+
 std::string_view variable(const char* name) {
     const char* const value = std::getenv(name);
     return value != nullptr ? value : "";
@@ -19,7 +22,7 @@ std::string_view variable(const char* name) {
 
 void Console::say(std::string_view line) const {
     Output output(err);
-    output.write(printable(line) + "\n");
+    output.write(printable(shortened(line, kMostShownOfLine)) + "\n");
     output.flush();
 }
 

@@ -19,7 +19,7 @@ struct Console {
     int out = STDOUT_FILENO;
     int err = STDERR_FILENO;
 
-    // Writes a line to `err`, without what a terminal would act on.
+    // Writes a line to `err`, without what a terminal would act on, and of a very long one the beginning.
     void say(std::string_view line) const;
 
     // Says it as an error of the program.

@@ -35,7 +35,9 @@ std::string suggestion(std::string_view given, std::span<const std::string_view>
     if (given.size() > kLongestName) {
         return {};
     }
-    const auto distance = [&](std::string_view name) { return editDistance(given, name); };
+    const auto distance = [&](std::string_view name) {
+        return name.size() > kLongestName ? name.size() : editDistance(given, name);
+    };
     const auto nearest = std::ranges::min_element(names, {}, distance);
     if (nearest == names.end() || distance(*nearest) > std::max<std::size_t>(2, nearest->size() / 3)) {
         return {};

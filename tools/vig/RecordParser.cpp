@@ -14,7 +14,6 @@
 #include "tools/vig/LineReader.h"
 #include "tools/vig/NearestName.h"
 #include "tools/vig/Text.h"
-#include "tools/vig/check/Excerpt.h"
 
 namespace tool {
 
@@ -44,19 +43,12 @@ constexpr std::string_view kExpected<std::string_view> = "a string";
 template <>
 constexpr std::string_view kExpected<ondemand::object> = "an object";
 
-constexpr std::size_t kMostShown = 60;  // bytes of a text of the record
-
-// A text of the record as it stands in a message.
-std::string shownQuoted(std::string_view text) {
-    return tool::quoted(shortened(text, kMostShown));
-}
-
 // A key as it stands in a message.
 std::string named(std::string_view key) {
     const bool plain = !key.empty() && std::all_of(key.begin(), key.end(), [](char each) {
         return each > ' ' && each < '\x7F' && each != '"' && each != '\\' && each != '.' && each != ':';
     });
-    return plain ? shortened(key, kMostShown) : shownQuoted(key);
+    return plain ? shownName(key) : shownQuoted(key);
 }
 
 constexpr std::string_view kDigits = "0123456789";
@@ -119,7 +111,7 @@ std::string shown(std::string_view token) {
         case ':':
             return "nothing";
         default:
-            return shortened(token, kMostShown);
+            return shortened(token, kMostShownOfName);
     }
 }
 

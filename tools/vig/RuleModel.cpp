@@ -91,13 +91,14 @@ class Modeller {
 std::string termOf(const OperandModel& model, FilterValueType valueType) {
     switch (model.operand.type) {
         case FilterOperand::Type::Function:
-            return model.operand.value + "()";
+            return shortened(model.operand.value, kMostShownOfName) + "()";
         case FilterOperand::Type::Envvar:
-            return model.operand.value;
+            return shortened(model.operand.value, kMostShownOfName);
         case FilterOperand::Type::Constant:
             break;
     }
-    return valueType == FilterValueType::String ? quoted(model.operand.value) : model.operand.value;
+    return valueType == FilterValueType::String ? shownQuoted(model.operand.value)
+                                                : shortened(model.operand.value, kMostShownOfName);
 }
 
 }  // namespace

@@ -59,7 +59,8 @@ ConfigModel modelOf(const DocumentText& document, Json::ArrayIndex index);
 // The operator as documents write it.
 std::string_view textOf(Brenta::OS::VIG::FilterOperator op);
 
-// The filter as a condition for people to read: `vmRssKB > 2097152`, `PseudoRandomDouble() < 0.1`, `"a" == name`.
+// The filter as a condition for people to read: `vmRssKB > 2097152`, `PseudoRandomDouble() < 0.1`, `"a" == name`. Of a
+// long name or text there is the beginning.
 std::string conditionOf(const FilterModel& filter);
 
 }  // namespace tool

@@ -9,7 +9,6 @@
 
 #include "tools/vig/NearestName.h"
 #include "tools/vig/Text.h"
-#include "tools/vig/check/Excerpt.h"
 #include "vig/actions/Utf8.h"
 #include "vig/parsers/JsonTokens.h"
 
@@ -17,9 +16,7 @@ namespace tool {
 
 namespace {
 
-// Bytes of the text, of which a single key may be as large as the whole.
-constexpr std::size_t kMostShownOfKey = 60;
-constexpr std::size_t kMostShownOfMessage = 300;
+constexpr std::size_t kMostShownOfMessage = 500;
 
 std::string_view kindOf(const Json::Value& json) {
     switch (json.type()) {
@@ -115,8 +112,7 @@ bool StrictJson::isObject(const Json::Value& json, const std::string& path, cons
     bool onlyKnown = true;
     for (const std::string& key : json.getMemberNames()) {
         if (std::ranges::find(known, key) == known.end()) {
-            complain(json[key], path,
-                     "unknown key " + tool::quoted(shortened(key, kMostShownOfKey)) + suggestion(key, known));
+            complain(json[key], path, "unknown key " + shownQuoted(key) + suggestion(key, known));
             onlyKnown = false;
         }
     }

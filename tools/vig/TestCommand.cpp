@@ -133,11 +133,13 @@ class TestSuite {
         }
         out.write(fmt::format("{}  {}: {} of {} passed\n", failed == 0 ? "ok  " : "FAIL", printable(file.path),
                               file.tests.size() - failed, file.tests.size()));
+        // Whatever becomes of the next file, this one's verdict is told.
+        out.flush();
         return std::nullopt;
     }
 
     void show(const TestFile& file, const TestCase& failed, const std::vector<std::string>& failure) {
-        out.write(fmt::format("FAIL  {}:{}: {}\n", printable(file.path), failed.line, printable(failed.name)));
+        out.write(fmt::format("FAIL  {}:{}: {}\n", printable(file.path), failed.line, shownName(failed.name)));
         for (const std::string& line : failure) {
             out.write("    " + line + "\n");
         }
@@ -150,7 +152,9 @@ class TestSuite {
         lines.front().insert(0, file.rules + ": error: ");
         std::erase_if(verdicts, [&](const TestVerdict& each) { return each.file == file.path; });
         for (const TestCase& each : file.tests) {
-            verdicts.push_back({file.path, each.name, lines});
+            // Once for the file: a large document has many lines, and may have many tests.
+            const bool isFirst = &each == &file.tests.front();
+            verdicts.push_back({file.path, each.name, isFirst ? lines : std::vector(1, lines.front())});
         }
         out.write(fmt::format("FAIL  {}: the rules cannot be tested\n", printable(file.path)));
         out.flush();

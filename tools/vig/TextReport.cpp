@@ -66,7 +66,7 @@ void TextReport::log(const LogLine& line) {
 }
 
 void TextReport::move(const MoveLine& line) {
-    row(line.event, "move", kCyan, shown(line.machine), printable(line.from) + " -> " + printable(line.to));
+    row(line.event, "move", kCyan, shown(line.machine), shownName(line.from) + " -> " + shownName(line.to));
 }
 
 void TextReport::delivery(const DeliveryLine& line) {
@@ -109,7 +109,7 @@ void TextReport::end(const Summary& summary) {
     for (const Summary::Machine& machine : summary.machines) {
         output.write(fmt::format("  {:<9} {}  config id {}  payload id {}  in state {}\n", "machine",
                                  machine.name.index, machine.name.configId, machine.payloadId,
-                                 printable(machine.state)));
+                                 shownName(machine.state)));
     }
 }
 

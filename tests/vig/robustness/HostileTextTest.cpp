@@ -1,17 +1,14 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <host/LogSink.h>
-#include <sys/resource.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <ctime>
-#include <functional>
 #include <iostream>
 #include <string>
 
 #include "rulesengine/FiniteStateMachine.h"
 #include "tests/support/Mutator.h"
+#include "tests/support/PeakMemory.h"
 #include "tests/support/TestEvent.h"
 #include "vig/EventTypeNames.h"
 #include "vig/VIGManager.h"
@@ -102,30 +99,8 @@ TEST_F(HostileText, LargeTextsOfOneKindTakeTimeInProportion) {
     }
 }
 
-#if defined(__SANITIZE_ADDRESS__)
-constexpr bool kHasAddressSanitizer = true;
-#elif defined(__has_feature)
-constexpr bool kHasAddressSanitizer = __has_feature(address_sanitizer);
-#else
-constexpr bool kHasAddressSanitizer = false;
-#endif
-
-// The most that a process like this one has had in memory, in bytes, when it has done the work.
-std::size_t peakMemory(const std::function<void()>& work) {
-    const pid_t child = fork();
-    if (child == 0) {
-        work();
-        _exit(0);
-    }
-    int status = 0;
-    rusage usage{};
-    EXPECT_EQ(wait4(child, &status, 0, &usage), child);
-    EXPECT_EQ(status, 0);
-    return static_cast<std::size_t>(usage.ru_maxrss) * 1024;
-}
-
 TEST_F(HostileText, ADocumentNeedsAtMostAHundredAndFiftyTimesItsSize) {
-    if (kHasAddressSanitizer) {
+    if (support::kHasSanitizer) {
         GTEST_SKIP() << "the sanitizer takes memory of its own";
     }
     // What is refused is shown in the log, indented, if it is not nested deeper than 32 levels.
@@ -142,9 +117,10 @@ TEST_F(HostileText, ADocumentNeedsAtMostAHundredAndFiftyTimesItsSize) {
         R"({"configs":[)" + repeated("," + deep(""), kMegabyte).substr(1) + "]}",
         R"({"configs":[{"id":1,"payload":{"id":1,"data":{"transitions":[)" + repeated(transition, kMegabyte) + "]}}}]}",
     };
-    const std::size_t before = peakMemory([] {});
+    const std::size_t before = support::peakMemory([] {});
     for (const std::string& text : texts) {
-        EXPECT_LT(peakMemory([&] { manager.parseResponse(text); }), before + 150 * text.size()) << text.substr(0, 100);
+        EXPECT_LT(support::peakMemory([&] { manager.parseResponse(text); }), before + 150 * text.size())
+            << text.substr(0, 100);
     }
 }
 

@@ -113,13 +113,13 @@ class OperandCheck {
             warnOfKind(operand, filter.valueType, known);
         } else {
             warn(found, "unknown-attribute", operand.place,
-                 eventNoun() + " are not known to have an attribute " + quoted(name), hintFor(name));
+                 eventNoun() + " are not known to have an attribute " + shownQuoted(name), hintFor(name));
         }
     }
 
     void warnOfContext(const OperandModel& operand, FilterValueType type) {
         warn(found, "context-ignored", operand.place,
-             quoted(operand.operand.value) + " is looked for in the event alone, where it is not, and reads as " +
+             shownQuoted(operand.operand.value) + " is looked for in the event alone, where it is not, and reads as " +
                  fallbackOf(type) + ": only a comparison with a constant looks at the context",
              "compare it with a constant");
     }
@@ -127,7 +127,7 @@ class OperandCheck {
     void warnOfKind(const OperandModel& operand, FilterValueType type, KindSet known) {
         const std::string_view better = comparableAs(known);
         warn(found, "wrong-kind", operand.place,
-             quoted(operand.operand.value) + " is known as " + known.text() + ", which a comparison as " +
+             shownQuoted(operand.operand.value) + " is known as " + known.text() + ", which a comparison as " +
                  quoted(textOf(type)) + " never finds",
              better.empty() ? "attributes of the kinds uint64 and bool cannot be compared at all"
                             : "write \"value_type\": " + quoted(better));
@@ -136,7 +136,7 @@ class OperandCheck {
     void warnOfFallback(const OperandModel& operand, FilterValueType type) {
         const std::string& name = operand.operand.value;
         warn(found, "function-fallback", operand.place,
-             "there is no function " + quoted(name) + " that gives the type " + quoted(textOf(type)) +
+             "there is no function " + shownQuoted(name) + " that gives the type " + quoted(textOf(type)) +
                  ": it reads as " + fallbackOf(type),
              hintForFunction(name, type));
     }
@@ -208,7 +208,7 @@ void appendAttributeWarnings(const TransitionModel& transition, const Catalogue&
         const std::string missing = missingFor(action, transition.event, catalogue);
         if (!missing.empty()) {
             warn(found, "missing-attribute", action.place,
-                 quoted(action.name) + " needs attributes that " + std::string(nameOf(transition.event)) +
+                 shownQuoted(action.name) + " needs attributes that " + std::string(nameOf(transition.event)) +
                      " events are not known to have: " + missing,
                  startsCollection(action.key) ? "without them it only logs; listen for another event"
                                               : "without them it logs 0; listen for another event");

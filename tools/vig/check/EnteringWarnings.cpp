@@ -46,14 +46,15 @@ class CycleSearch {
 
     struct Step {
         std::size_t state;
-        std::size_t next;       // of its outgoing transitions
-        std::size_t uncertain;  // how many states on the path up to here are
+        std::size_t next;  // of its outgoing transitions
+        bool isUncertain;
+        std::size_t uncertainBefore;  // how many states on the path up to here are
     };
 
     void enter(std::size_t state) {
-        const std::size_t before = path.empty() ? 0 : path.back().uncertain;
+        const std::size_t before = path.empty() ? 0 : path.back().uncertainBefore + (path.back().isUncertain ? 1 : 0);
         depths[state] = path.size();
-        path.push_back({state, 0, before + (isUncertain(state) ? 1 : 0)});
+        path.push_back({state, 0, isUncertain(state), before});
     }
 
     void follow(const Edge& edge) {
@@ -80,10 +81,10 @@ class CycleSearch {
         constexpr std::size_t kMostShown = 5;
         std::string states;
         for (const Step& step : cycle.first(std::min(cycle.size(), kMostShown))) {
-            states += quoted(graph.names[step.state]) + " to ";
+            states += shownQuoted(graph.names[step.state]) + " to ";
         }
-        states += (cycle.size() > kMostShown ? "… to " : "") + quoted(graph.names[closing.to]);
-        const bool endless = !isUncertain(cycle.front().state) && cycle.back().uncertain == cycle.front().uncertain;
+        states += (cycle.size() > kMostShown ? "… to " : "") + shownQuoted(graph.names[closing.to]);
+        const bool endless = !cycle.back().isUncertain && cycle.back().uncertainBefore == cycle.front().uncertainBefore;
         warn(found, "endless-entering", closing.transition->place,
              "EnteringState transitions lead from " + states +
                  (endless ? ", without end" : ", unless filters say otherwise") + ": one event makes up to 1000 moves",

@@ -8,7 +8,7 @@
 #include <string>
 #include <unordered_map>
 
-#include "tools/vig/check/Excerpt.h"
+#include "tools/vig/Text.h"
 #include "vig/parsers/JsonValues.h"
 
 namespace tool {

@@ -10,7 +10,6 @@
 #include "tools/vig/NearestName.h"
 #include "tools/vig/Text.h"
 #include "tools/vig/check/DocumentShape.h"
-#include "tools/vig/check/Excerpt.h"
 #include "vig/parsers/JsonText.h"
 #include "vig/parsers/JsonTokens.h"
 
@@ -20,8 +19,6 @@ using Brenta::OS::VIG::JsonTokens;
 using Brenta::OS::VIG::withoutByteOrderMark;
 
 namespace {
-
-constexpr std::size_t kMostShownOfKey = 64;
 
 // Keys that are not meant for the library: notes, and what tells an editor the form of the document.
 bool isForPeople(std::string_view key, Layer layer) {
@@ -159,7 +156,7 @@ class KeyScan {
             names.push_back(member.key);
             list += (list.empty() ? "" : ", ") + quoted(member.key);
         }
-        add("unknown-key", key, "the key " + quoted(shortened(key.text, kMostShownOfKey)) + " is ignored",
+        add("unknown-key", key, "the key " + shownQuoted(key.text) + " is ignored",
             "known here: " + list + suggestion(key.text, names));
     }
 
@@ -172,8 +169,8 @@ class KeyScan {
             if (key->text == (key + 1)->text) {
                 const auto [line, column] = document.source().positionOf((key + 1)->begin);
                 add("duplicate-key", *key,
-                    quoted(shortened(key->text, kMostShownOfKey)) + " is overwritten by the one in line " +
-                        std::to_string(line) + ", column " + std::to_string(column),
+                    shownQuoted(key->text) + " is overwritten by the one in line " + std::to_string(line) +
+                        ", column " + std::to_string(column),
                     {});
             }
         }

@@ -69,14 +69,15 @@ void appendUnread(const Place& place, const std::string& text, const Reading& re
     const std::string hint = reading.rest.starts_with(',') ? "the decimal point is \".\""
                                                            : "write " + quoted(reading.number) + " if that is meant";
     warn(found, "number-text", place,
-         quoted(text) + " is read as " + reading.number + "; " + quoted(reading.rest) + " is ignored", hint);
+         shownQuoted(text) + " is read as " + reading.number + "; " + shownQuoted(reading.rest) + " is ignored", hint);
 }
 
 void appendImprecise(const OperandModel& operand, std::vector<Diagnostic>& found) {
     const auto decimal = decimalOf(operand.operand.value);
     if (decimal && decimal->held != decimal->written) {
         warn(found, "number-text", operand.place,
-             quoted(operand.operand.value) + " has more digits than a double holds, and is read as " + decimal->held,
+             shownQuoted(operand.operand.value) + " has more digits than a double holds, and is read as " +
+                 shownName(decimal->held),
              "write fewer digits, or compare an int64 attribute as \"integer\"");
     }
 }
@@ -88,7 +89,7 @@ void appendNumberWarning(const OperandModel& operand, FilterValueType type, std:
         appendUnread(operand.place, text, reading, found);
     } else if (!reading.inRange) {
         warn(found, "number-text", operand.place,
-             quoted(text) + " is no number within the range, and is read as " + reading.number, "write a number");
+             shownQuoted(text) + " is no number within the range, and is read as " + reading.number, "write a number");
     } else if (type == FilterValueType::Double) {
         appendImprecise(operand, found);
     }

@@ -7,7 +7,7 @@
 #include <string_view>
 
 #include "tools/vig/ParseErrorText.h"
-#include "tools/vig/check/Excerpt.h"
+#include "tools/vig/Text.h"
 
 namespace tool {
 

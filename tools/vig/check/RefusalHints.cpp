@@ -7,7 +7,6 @@
 
 #include "tools/vig/NearestName.h"
 #include "tools/vig/Text.h"
-#include "tools/vig/check/Excerpt.h"
 #include "vig/parsers/FilterParser.h"
 #include "vig/parsers/JsonValues.h"
 
@@ -21,7 +20,6 @@ using Brenta::OS::VIG::VIGParserConfig;
 namespace {
 
 constexpr std::size_t kMostNamesListed = 6;
-constexpr std::size_t kMostShownOfName = 64;
 
 std::string listOf(std::span<const std::string_view> names) {
     std::string text;
@@ -63,7 +61,7 @@ std::string unknownName(std::string_view what, std::string_view given, const std
     if (near.empty() && names.size() <= kMostNamesListed) {
         return oneOf(given, names);
     }
-    return "there is no " + std::string(what) + " " + quoted(shortened(given, kMostShownOfName)) +
+    return "there is no " + std::string(what) + " " + shownQuoted(given) +
            (near.empty() ? "; known are " + listOf(names) : near);
 }
 

@@ -5,7 +5,6 @@
 
 #include "tools/vig/ParseErrorText.h"
 #include "tools/vig/Text.h"
-#include "tools/vig/check/Excerpt.h"
 #include "tools/vig/check/RefusalHints.h"
 
 namespace tool {

@@ -1,7 +1,5 @@
 #include "tools/vig/check/RuleWarnings.h"
 
-#include <json/value.h>
-
 #include <algorithm>
 #include <cstddef>
 #include <string>
@@ -10,22 +8,13 @@
 #include "tools/vig/check/AttributeWarnings.h"
 #include "tools/vig/check/EnteringWarnings.h"
 #include "tools/vig/check/LogicWarnings.h"
+#include "tools/vig/check/NulWarnings.h"
 #include "tools/vig/check/NumberWarnings.h"
 #include "tools/vig/check/ShadowWarnings.h"
 #include "tools/vig/check/StateGraph.h"
 #include "tools/vig/check/StateWarnings.h"
-#include "tools/vig/check/Warn.h"
 
 namespace tool {
-
-Place placeOf(const TransitionModel& transition, const char* member) {
-    const Json::Value& whole = *transition.json;
-    const Json::Value& value = whole[member];
-    const auto offsetOf = [&](std::ptrdiff_t place) {
-        return transition.place.begin + static_cast<std::size_t>(place - whole.getOffsetStart());
-    };
-    return {offsetOf(value.getOffsetStart()), offsetOf(value.getOffsetLimit()), transition.place.path + "." + member};
-}
 
 void appendWarnings(const ConfigModel& config, const Catalogue& catalogue,
                     const Brenta::OS::VIG::VIGParserConfig& registry, std::vector<Diagnostic>& found) {
@@ -36,6 +25,7 @@ void appendWarnings(const ConfigModel& config, const Catalogue& catalogue,
         for (const FilterModel& filter : transition.filters) {
             appendNumberWarnings(filter, found);
         }
+        appendNulWarnings(transition, found);
         appendAttributeWarnings(transition, catalogue, registry, found);
         logics.push_back(appendLogicWarnings(transition, registry, found));
     }

@@ -10,7 +10,6 @@
 
 #include "tools/vig/ParseErrorText.h"
 #include "tools/vig/Text.h"
-#include "tools/vig/check/Excerpt.h"
 #include "tools/vig/check/WarningNames.h"
 
 namespace tool {
@@ -37,10 +36,6 @@ std::string uriOf(std::string_view path) {
                    : fmt::format("%{:02X}", static_cast<unsigned>(static_cast<unsigned char>(each)));
     }
     return uri;
-}
-
-std::size_t charactersIn(std::string_view text) {
-    return static_cast<std::size_t>(std::ranges::count_if(text, beginsCharacter));
 }
 
 // Counts the columns of places in characters. From one place to the next it counts only what lies between, so that

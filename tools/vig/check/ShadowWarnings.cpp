@@ -21,7 +21,7 @@ using Brenta::OS::VIG::FilterValueType;
 
 namespace {
 
-// Of the earlier transitions that share a filter, so many are compared. More share one only in generated documents.
+// How many filters of earlier transitions are looked at for each filter. More share one only in generated documents.
 constexpr std::size_t kMostCompared = 64;
 
 std::string constantText(const OperandModel& operand, FilterValueType type) {
@@ -58,10 +58,17 @@ class Precedence {
             return unconditional;
         }
         std::vector<std::size_t> filters = numbersOf(edge);
+        ++edges;
         for (const std::size_t filter : filters) {
-            const auto& candidates = earlier[filter];
-            for (const Candidate& each : std::span(candidates).first(std::min(candidates.size(), kMostCompared))) {
-                if (std::ranges::includes(filters, each.filters)) {
+            lastEdge[filter] = edges;
+        }
+        std::size_t rest = kMostCompared * filters.size();
+        for (const std::size_t filter : filters) {
+            for (const Candidate& each : earlier[filter]) {
+                if (rest == 0) {
+                    break;
+                }
+                if (hasAll(each.filters, rest)) {
                     return each.edge;
                 }
             }
@@ -73,10 +80,21 @@ class Precedence {
   private:
     struct Candidate {
         const Edge* edge;
-        std::vector<std::size_t> filters;  // all of them, in order
+        std::vector<std::size_t> filters;  // all of them
     };
 
-    // The filters as numbers, in order, each once.
+    // Whether the transition in question has all these filters. Takes as many from `rest` as it looks at.
+    bool hasAll(const std::vector<std::size_t>& filters, std::size_t& rest) const {
+        return std::ranges::all_of(filters, [&](std::size_t filter) {
+            if (rest == 0) {
+                return false;
+            }
+            --rest;
+            return lastEdge[filter] == edges;
+        });
+    }
+
+    // The filters as numbers, each once.
     std::vector<std::size_t> numbersOf(const Edge& edge) {
         std::vector<std::size_t> filters;
         for (const FilterModel* const filter : edge.logic.conditions) {
@@ -85,6 +103,7 @@ class Precedence {
         std::ranges::sort(filters);
         filters.erase(std::unique(filters.begin(), filters.end()), filters.end());
         earlier.resize(numbers.size());
+        lastEdge.resize(numbers.size());
         return filters;
     }
 
@@ -105,6 +124,8 @@ class Precedence {
     const Edge* unconditional = nullptr;
     std::unordered_map<std::string, std::size_t> numbers;  // of the filters, by their meaning
     std::vector<std::vector<Candidate>> earlier;           // by the number of one of their filters
+    std::vector<std::size_t> lastEdge;                     // that has the filter, counted from 1
+    std::size_t edges = 0;
 };
 
 std::string nameOf(const Edge& edge) {
@@ -127,8 +148,8 @@ void appendShadowWarnings(StateGraph& graph, std::span<const std::size_t> sameEv
         const bool always = shadow->logic.conditions.empty();
         const std::string why = always ? ", which always fires" : ", which fires whenever this one could";
         warn(found, "shadowed-transition", edge.transition->place,
-             "this never fires: before it in " + quoted(edge.transition->from) + " comes " + nameOf(*shadow) + " on " +
-                 std::string(tool::nameOf(edge.transition->event)) + why,
+             "this never fires: before it in " + shownQuoted(edge.transition->from) + " comes " + nameOf(*shadow) +
+                 " on " + std::string(tool::nameOf(edge.transition->event)) + why,
              always ? "put this one before it" : "put this one before it, or give that one another filter");
     }
 }

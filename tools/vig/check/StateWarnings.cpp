@@ -55,7 +55,7 @@ void appendUnreachable(const StateGraph& graph, const std::vector<bool>& reachab
                 reported[state] = true;
                 const std::string hint = asHint(suggestion(graph.names[state], candidates));
                 warn(found, "unreachable-state", placeOf(*edge.transition, member),
-                     "no chain of transitions leads from \"start\" to " + quoted(graph.names[state]),
+                     "no chain of transitions leads from \"start\" to " + shownQuoted(graph.names[state]),
                      hint.empty() ? "lead a transition there, or leave it out" : hint);
             }
         }
@@ -70,7 +70,7 @@ void appendNoWayOut(const StateGraph& graph, const std::vector<bool>& reachable,
         if (reachable[edge.from] && !accepted[edge.to]) {
             accepted[edge.to] = true;
             warn(found, "no-way-out", placeOf(*edge.transition, "to_state"),
-                 "once in " + quoted(graph.names[edge.to]) + ", the machine does nothing any more",
+                 "once in " + shownQuoted(graph.names[edge.to]) + ", the machine does nothing any more",
                  "if that is meant, call the state \"end\"");
         }
     }
@@ -101,8 +101,9 @@ void appendStorms(const StateGraph& graph, std::size_t state, const Catalogue& c
         for (const ActionModel& action : transition.actions) {
             if (startsCollection(action.key) && missingFor(action, transition.event, catalogue).empty()) {
                 warn(found, "trigger-storm", action.place,
-                     quoted(action.name) + " asks for a collection at every " + std::string(nameOf(transition.event)) +
-                         " event that fulfils the filters, and the machine stays in " + quoted(transition.from),
+                     shownQuoted(action.name) + " asks for a collection at every " +
+                         std::string(nameOf(transition.event)) +
+                         " event that fulfils the filters, and the machine stays in " + shownQuoted(transition.from),
                      "move to another state, or add the filter PseudoRandomDouble() < 0.1");
             }
         }

@@ -6,7 +6,6 @@
 #include <utility>
 
 #include "tools/vig/Text.h"
-#include "tools/vig/check/Excerpt.h"
 
 namespace tool {
 
@@ -43,7 +42,7 @@ std::string blank(std::string_view text) {
 }
 
 std::string mark(std::string_view text) {
-    const auto width = static_cast<std::size_t>(std::ranges::count_if(text, beginsCharacter));
+    const std::size_t width = charactersIn(text);
     return "^" + std::string(width > 0 ? width - 1 : 0, '~');
 }
 

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <json/value.h>
+
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -21,7 +24,14 @@ inline std::string asHint(const std::string& suggested) {
     return suggested.empty() ? suggested : suggested.substr(suggested.find_first_not_of("; "));
 }
 
-// The place of a member of a transition, such as "to_state".
-Place placeOf(const TransitionModel& transition, const char* member);
+// The place of a member of a transition or a filter, such as "to_state".
+Place placeOf(const auto& object, const char* member) {
+    const Json::Value& whole = *object.json;
+    const Json::Value& value = whole[member];
+    const auto offsetOf = [&](std::ptrdiff_t place) {
+        return object.place.begin + static_cast<std::size_t>(place - whole.getOffsetStart());
+    };
+    return {offsetOf(value.getOffsetStart()), offsetOf(value.getOffsetLimit()), object.place.path + "." + member};
+}
 
 }  // namespace tool

@@ -22,6 +22,7 @@ inline constexpr WarningName kWarningNames[] = {
     {"wrong-kind", "an attribute that the event type has, but not under the kind that the filter reads"},
     {"missing-attribute", "an action that needs an attribute which the event type does not have"},
     {"number-text", "a number that is not read to its end, or loses precision"},
+    {"nul-character", "a NUL in a text: in an operator what follows it is ignored, elsewhere it is cut off by others"},
     {"context-ignored", "a comparison that never looks at the context"},
     {"function-fallback", "an unknown function that reads as 0 or as the empty text"},
     {"trigger-storm", "a trigger for every event"},

@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "tools/vig/Text.h"
-#include "tools/vig/check/Excerpt.h"
 
 namespace tool {
 

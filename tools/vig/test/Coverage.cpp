@@ -80,7 +80,8 @@ void Coverage::loaded(const TracedDocument& document) {
     for (const ConfigModel& config : document.configs) {
         auto& transitions = configs.emplace_back();
         for (const TransitionModel& each : config.transitions) {
-            const std::string description = fmt::format("{} -> {} on {}", each.from, each.to, nameOf(each.event));
+            const std::string description =
+                fmt::format("{} -> {} on {}", shownName(each.from), shownName(each.to), nameOf(each.event));
             transitions.push_back({description, placeText(document, each.place), each.place.path});
             for (const FilterModel& filter : each.filters) {
                 transitions.back().filters.push_back(

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <string_view>
+#include <unordered_map>
 #include <utility>
 
 #include "tools/vig/PriorityName.h"
@@ -15,8 +16,12 @@ namespace {
 
 constexpr std::string_view kAvailabilityLine = "ViG device config is available now.";
 constexpr std::size_t kMostRows = 20;
+constexpr std::size_t kMostUnexpected = 1000;  // of a list that are kept beside as many as are expected
+constexpr std::size_t kMostShownOfField = 500;
+constexpr std::size_t kMostShownBefore = 40;  // what differs, of a longer field
 
-using Fields = std::vector<std::pair<std::string, std::string>>;
+using Field = std::pair<std::string, std::string>;
+using Fields = std::vector<Field>;
 
 // An expected and an actual thing that stand side by side; one of them may be missing.
 struct Row {
@@ -25,40 +30,67 @@ struct Row {
     bool equal;
 };
 
-// The cheapest way to make the actual list of the expected one, in order: each thing missing, unexpected or different
-// costs the same.
-std::vector<Row> aligned(std::size_t expectedCount, std::size_t actualCount, const auto& equal) {
-    std::vector<Row> rows;
-    std::size_t begin = 0;  // of what differs: in a test that passes nothing does
-    for (; begin < std::min(expectedCount, actualCount) && equal(begin, begin); ++begin) {
-        rows.push_back({begin, begin, true});
-    }
-    const std::size_t width = actualCount - begin + 1;
-    // Of the rest of both lists, from each place.
-    std::vector<std::uint32_t> costs((expectedCount - begin + 1) * width);
-    const auto cost = [&](std::size_t i, std::size_t j) -> std::uint32_t& {
-        return costs[(i - begin) * width + (j - begin)];
-    };
-    for (std::size_t i = expectedCount + 1; i-- > begin;) {
-        for (std::size_t j = actualCount + 1; j-- > begin;) {
-            if (i == expectedCount || j == actualCount) {
-                cost(i, j) = static_cast<std::uint32_t>(expectedCount - i + actualCount - j);
-            } else {
-                cost(i, j) =
-                    std::min({cost(i + 1, j + 1) + (equal(i, j) ? 0 : 1), cost(i + 1, j) + 1, cost(i, j + 1) + 1});
+// The cheapest ways to make the rest of one list of the rest of another, for a part of both of them: each thing
+// missing, unexpected or different costs the same.
+class CostTable {
+  public:
+    static constexpr std::size_t kMostAtOnce = 256;
+
+    // The part begins with both rests. Where it ends before a list does, what has no counterpart in it may have one in
+    // the next.
+    CostTable(std::size_t expectedRest, std::size_t actualRest, const auto& equal)
+        : height(std::min(expectedRest, kMostAtOnce)),
+          width(std::min(actualRest, kMostAtOnce)),
+          isWhole(height == expectedRest && width == actualRest),
+          costs((height + 1) * (width + 1)) {
+        for (std::size_t i = height + 1; i-- > 0;) {
+            for (std::size_t j = width + 1; j-- > 0;) {
+                if (i < height && j < width) {
+                    at(i, j) = std::min({at(i + 1, j + 1) + (equal(i, j) ? 0 : 1), at(i + 1, j) + 1, at(i, j + 1) + 1});
+                } else if ((i < height || height == expectedRest) && (j < width || width == actualRest)) {
+                    at(i, j) = static_cast<std::uint32_t>(height - i + width - j);
+                }
             }
         }
     }
-    for (std::size_t i = begin, j = begin; i < expectedCount || j < actualCount;) {
-        const bool both = i < expectedCount && j < actualCount;
-        const bool same = both && equal(i, j);
-        if (both && cost(i, j) == cost(i + 1, j + 1) + (same ? 0 : 1)) {
-            rows.push_back({i++, j++, same});
-        } else if (i < expectedCount && cost(i, j) == cost(i + 1, j) + 1) {
-            rows.push_back({i++, std::nullopt, false});
-        } else {
-            rows.push_back({std::nullopt, j++, false});
+
+    std::uint32_t& at(std::size_t expected, std::size_t actual) { return costs[expected * (width + 1) + actual]; }
+
+    const std::size_t height;
+    const std::size_t width;
+    const bool isWhole;
+
+  private:
+    std::vector<std::uint32_t> costs;
+};
+
+// The cheapest way to make the actual list of the expected one, in order. For all of two long lists, the table would
+// have the size of their product; so one part is aligned after the other.
+std::vector<Row> aligned(std::size_t expectedCount, std::size_t actualCount, const auto& equal) {
+    std::vector<Row> rows;
+    for (std::size_t i = 0, j = 0; i < expectedCount || j < actualCount;) {
+        if (i < expectedCount && j < actualCount && equal(i, j)) {  // in a test that passes, always
+            rows.push_back({i++, j++, true});
+            continue;
         }
+        CostTable table(expectedCount - i, actualCount - j,
+                        [&](std::size_t y, std::size_t x) { return equal(i + y, j + x); });
+        const std::size_t most = table.isWhole ? table.height + table.width : CostTable::kMostAtOnce / 2;
+        std::size_t y = 0;
+        std::size_t x = 0;
+        for (std::size_t step = 0; step < most && (y < table.height || x < table.width); ++step) {
+            const bool both = y < table.height && x < table.width;
+            const bool same = both && equal(i + y, j + x);
+            if (both && table.at(y, x) == table.at(y + 1, x + 1) + (same ? 0 : 1)) {
+                rows.push_back({i + y++, j + x++, same});
+            } else if (y < table.height && table.at(y, x) == table.at(y + 1, x) + 1) {
+                rows.push_back({i + y++, std::nullopt, false});
+            } else {
+                rows.push_back({std::nullopt, j + x++, false});
+            }
+        }
+        i += y;
+        j += x;
     }
     return rows;
 }
@@ -141,14 +173,22 @@ Fields fieldsOf(const Observed::Log& log) {
     return {{"message", quoted(log.message)}, {"priority", log.priority}, {"event", std::to_string(log.event)}};
 }
 
-std::string shown(const std::pair<std::string, std::string>& field) {
-    return printable(field.first + " " + field.second);
+std::size_t commonBeginning(const Field& left, const Field& right) {
+    return static_cast<std::size_t>(std::ranges::mismatch(left.second, right.second).in1 - left.second.begin());
+}
+
+// A text of the field may have any length. What it has in common with another one, at the beginning, is no news.
+std::string shown(const Field& field, std::size_t inCommon) {
+    const std::string_view text = field.second;
+    const bool isCut = text.size() > kMostShownOfField && inCommon > kMostShownBefore;
+    const std::size_t begin = isCut ? characterStart(text, inCommon - kMostShownBefore) : 0;
+    return field.first + (isCut ? " …" : " ") + printable(shortened(text.substr(begin), kMostShownOfField));
 }
 
 std::string line(char mark, const Fields& fields) {
     std::string text = fmt::format("    {}", mark);
     for (const auto& field : fields) {
-        text += "  " + shown(field);
+        text += "  " + shown(field, 0);
     }
     return text;
 }
@@ -162,9 +202,11 @@ void addPair(std::vector<std::string>& lines, const Fields& expected, const Fiel
     std::string expectedText = "    -";
     std::string actualText = "    +";
     for (const auto& field : expected) {
-        const std::string left = shown(field);
-        const std::string right = shown(*find(actual, field.first == "metadata_contains" ? "metadata" : field.first));
-        const std::size_t width = std::max(left.size(), right.size());
+        const Field& other = *find(actual, field.first == "metadata_contains" ? "metadata" : field.first);
+        const std::size_t inCommon = commonBeginning(field, other);
+        const std::string left = shown(field, inCommon);
+        const std::string right = shown(other, inCommon);
+        const std::size_t width = std::max(charactersIn(left), charactersIn(right));
         const bool isLast = &field == &expected.back();
         expectedText += fmt::format("  {:<{}}", left, isLast ? 0 : width);
         actualText += fmt::format("  {:<{}}", right, isLast && hasEvent ? 0 : width);
@@ -173,41 +215,43 @@ void addPair(std::vector<std::string>& lines, const Fields& expected, const Fiel
     lines.push_back(hasEvent ? actualText : actualText + "  (event " + find(actual, "event")->second + ")");
 }
 
-// Compares two lists and tells where they differ. Returns the first row that is not equal.
+// Compares two lists, the second of which had `count` elements, and tells where they differ. Returns the first row that
+// is not equal.
 std::optional<Row> compareLists(std::vector<std::string>& lines, std::string_view what, const auto& expected,
-                                const auto& actual) {
+                                const auto& actual, std::uint64_t count) {
     const auto equal = [&](std::size_t i, std::size_t j) { return isMet(expected[i], actual[j]); };
     const std::vector<Row> rows = aligned(expected.size(), actual.size(), equal);
     const auto first = std::ranges::find(rows, false, &Row::equal);
     if (first == rows.end()) {
         return std::nullopt;
     }
-    lines.push_back(fmt::format("  {}: expected {} (-), got {} (+)", what, expected.size(), actual.size()));
+    lines.push_back(fmt::format("  {}: expected {} (-), got {} (+)", what, expected.size(), count));
     if (const auto same = std::ranges::count(rows, true, &Row::equal); same > 0) {
         lines.push_back(fmt::format("      {} as expected", same));
     }
-    std::size_t shownRows = 0;
+    std::uint64_t differing = 0;
     for (const Row& row : rows) {
-        if (row.equal || ++shownRows > kMostRows) {
+        if (row.equal || ++differing > kMostRows) {
             continue;
         }
         if (row.expected && row.actual) {
-            const auto& differing = actual[*row.actual];
-            addPair(lines, fieldsOf(unmet(expected[*row.expected], differing)), fieldsOf(differing));
+            const auto& other = actual[*row.actual];
+            addPair(lines, fieldsOf(unmet(expected[*row.expected], other)), fieldsOf(other));
         } else if (row.expected) {
             lines.push_back(line('-', fieldsOf(expected[*row.expected])));
         } else {
             lines.push_back(line('+', fieldsOf(actual[*row.actual])));
         }
     }
-    if (shownRows > kMostRows) {
-        lines.push_back(fmt::format("      and {} more", shownRows - kMostRows));
+    differing += count - actual.size();
+    if (differing > kMostRows) {
+        lines.push_back(fmt::format("      and {} more", differing - kMostRows));
     }
     return *first;
 }
 
 void compareTriggers(const Expectation& expected, const Observed& actual, Mismatch& mismatch) {
-    const auto row = compareLists(mismatch.lines, "triggers", expected.triggers, actual.triggers);
+    const auto row = compareLists(mismatch.lines, "triggers", expected.triggers, actual.triggers, actual.triggerCount);
     if (row && row->actual) {
         const TriggerLine& trigger = actual.triggers[*row->actual];
         mismatch.first = Divergence{Divergence::Kind::Event, trigger.event, trigger.machine.index};
@@ -218,7 +262,7 @@ void compareTriggers(const Expectation& expected, const Observed& actual, Mismat
 }
 
 void compareLogs(const Expectation& expected, const Observed& actual, Mismatch& mismatch) {
-    const auto row = compareLists(mismatch.lines, "log", expected.logs, actual.logs);
+    const auto row = compareLists(mismatch.lines, "log", expected.logs, actual.logs, actual.logCount);
     if (!row || mismatch.first) {
         return;
     }
@@ -227,13 +271,20 @@ void compareLogs(const Expectation& expected, const Observed& actual, Mismatch& 
 }
 
 void compareStates(const Expectation& expected, const Observed& actual, Mismatch& mismatch) {
+    std::unordered_map<std::int64_t, std::string_view> states;
+    for (const Observed::State& each : actual.states) {
+        states.emplace(each.config, each.state);  // of several with the same id, the first counts
+    }
     for (const ExpectedState& each : expected.states) {
-        const auto found = std::ranges::find(actual.states, each.config, &Observed::State::config);
-        if (found == actual.states.end()) {
+        const auto found = states.find(each.config);
+        if (found == states.end()) {
             mismatch.lines.push_back(fmt::format("  state of configuration {}: there is none", each.config));
-        } else if (found->state != each.state) {
-            mismatch.lines.push_back(printable(fmt::format("  state of configuration {}: expected {}, got {}",
-                                                           each.config, quoted(each.state), quoted(found->state))));
+        } else if (found->second != each.state) {
+            const Field expectedState = {"expected", quoted(each.state)};
+            const Field state = {"got", quoted(found->second)};
+            const std::size_t inCommon = commonBeginning(expectedState, state);
+            mismatch.lines.push_back(fmt::format("  state of configuration {}: {}, {}", each.config,
+                                                 shown(expectedState, inCommon), shown(state, inCommon)));
             if (!mismatch.first) {
                 mismatch.first = Divergence{Divergence::Kind::State};
                 mismatch.first->config = each.config;
@@ -249,8 +300,8 @@ void compareMoves(const Expectation& expected, const Observed& actual, std::vect
     }
     lines.push_back(fmt::format("  moves: expected {}, got {}", *expected.moves, actual.moves));
     for (const Observed::Move& each : actual.firstMoves) {
-        lines.push_back(fmt::format("    +  config {}  {} -> {}  (event {})", each.config, printable(each.from),
-                                    printable(each.to), each.event));
+        lines.push_back(fmt::format("    +  config {}  {} -> {}  (event {})", each.config, shownName(each.from),
+                                    shownName(each.to), each.event));
     }
     const auto shownMoves = static_cast<std::int64_t>(actual.firstMoves.size());
     if (actual.moves > shownMoves) {
@@ -260,8 +311,19 @@ void compareMoves(const Expectation& expected, const Observed& actual, std::vect
 
 }  // namespace
 
+void Observed::trigger(const TriggerLine& line) {
+    ++triggerCount;
+    if (triggers.size() < expectation.triggers.size() + kMostUnexpected) {
+        triggers.push_back(line);
+    }
+}
+
 void Observed::log(const LogLine& line) {
-    if (line.message != kAvailabilityLine) {
+    if (line.message == kAvailabilityLine) {
+        return;
+    }
+    ++logCount;
+    if (logs.size() < expectation.logs.size() + kMostUnexpected) {
         logs.push_back({line.event, std::string(priorityName(line.priority)), std::string(line.message)});
     }
 }

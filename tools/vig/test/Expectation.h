@@ -11,9 +11,13 @@
 
 namespace tool {
 
-// Keeps what a run of a test has to tell.
+// Keeps what a run of a test has to tell. A cycle of EnteringState transitions makes a thousand lines of each event, so
+// that of each list no more is kept than a failure can show, beside as many as are expected.
 class Observed final : public Report {
   public:
+    // `expected` must outlive it.
+    explicit Observed(const Expectation& expected) : expectation(expected) {}
+
     struct Log {
         std::uint64_t event;
         std::string priority;
@@ -32,19 +36,24 @@ class Observed final : public Report {
         std::string to;
     };
 
-    std::vector<TriggerLine> triggers;
-    std::vector<Log> logs;  // but for the library's own that it has found the document
+    std::vector<TriggerLine> triggers;  // the first ones
+    std::uint64_t triggerCount = 0;     // of all
+    std::vector<Log> logs;              // likewise, but for the library's own that it has found the document
+    std::uint64_t logCount = 0;
     std::vector<State> states;
     std::int64_t moves = 0;
     std::vector<Move> firstMoves;  // as many as a failure shows
 
-    void trigger(const TriggerLine& line) override { triggers.push_back(line); }
+    void trigger(const TriggerLine& line) override;
     void log(const LogLine& line) override;
     void move(const MoveLine& line) override;
     void delivery(const DeliveryLine& /*line*/) override {}
     void explain(const Step& /*step*/) override {}
     void whyNot(const WhyNot& /*answer*/) override {}
     void end(const Summary& summary) override;
+
+  private:
+    const Expectation& expectation;
 };
 
 // Where a run first left what was expected.

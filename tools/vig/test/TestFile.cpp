@@ -79,7 +79,7 @@ class TestFileReader {
         test.name = check.requiredText(json, "name", path).value_or("");
         if (json["name"].isString() && !names.insert(test.name).second) {
             check.complain(json["name"], StrictJson::member(path, "name"),
-                           "there is another test " + tool::quoted(test.name));
+                           "there is another test " + shownQuoted(test.name));
         }
         constexpr std::int64_t kMostSeed = std::numeric_limits<std::uint32_t>::max();
         test.seed =
@@ -218,7 +218,7 @@ class TestFileReader {
         if (expected.priority && std::ranges::find(priorities, *expected.priority) == priorities.end()) {
             check.complain(
                 json["priority"], StrictJson::member(path, "priority"),
-                "unknown priority " + tool::quoted(*expected.priority) + suggestion(*expected.priority, priorities));
+                "unknown priority " + shownQuoted(*expected.priority) + suggestion(*expected.priority, priorities));
         }
         return expected;
     }
@@ -233,7 +233,7 @@ class TestFileReader {
             std::int64_t id = 0;
             const auto [end, error] = std::from_chars(key.data(), key.data() + key.size(), id);
             if (error != std::errc() || end != key.data() + key.size()) {
-                check.complain(json[key], path, "expected the id of a configuration as key, got " + tool::quoted(key));
+                check.complain(json[key], path, "expected the id of a configuration as key, got " + shownQuoted(key));
             }
             expected.push_back({id, check.text(json[key], StrictJson::member(path, key)).value_or("")});
         }

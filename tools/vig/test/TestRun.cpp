@@ -120,7 +120,7 @@ std::vector<std::string> explain(const std::string& rules, const TestCase& test,
 }  // namespace
 
 TestOutcome runTest(const std::string& rules, const TestCase& test, Trace& trace, const Interruption& interruption) {
-    Observed observed;
+    Observed observed(test.expect);
     TestOutcome outcome{};
     {
         RuleSession session(rules, test.seed, test.context, observed, &trace);

@@ -23,7 +23,7 @@ std::string shown(const ComparedValue& compared) {
     } else if (const auto* const number = std::get_if<double>(&compared.value)) {
         text = fmt::format("{}", *number);
     } else if (const auto* const characters = std::get_if<std::string>(&compared.value)) {
-        text = printable(quoted(*characters));
+        text = shownQuoted(*characters);
     }
     return compared.missing ? text + " (missing)" : text;
 }
@@ -37,7 +37,7 @@ void addAttempt(std::vector<std::string>& lines, const Attempt& attempt) {
     const std::string outcome = attempt.fired ? "fires"
                                               : fmt::format("stopped by filter {} of {}", attempt.comparisons.size(),
                                                             transition.filters.size());
-    lines.push_back(fmt::format("  {} -> {}: {}", transition.place.path, printable(transition.to), outcome));
+    lines.push_back(fmt::format("  {} -> {}: {}", transition.place.path, shownName(transition.to), outcome));
     std::size_t width = 0;
     for (const Comparison& each : attempt.comparisons) {
         width = std::max(width, printable(conditionOf(*each.filter)).size());
@@ -49,7 +49,7 @@ void addAttempt(std::vector<std::string>& lines, const Attempt& attempt) {
     }
     if (attempt.fired) {
         for (const ActionModel& action : transition.actions) {
-            lines.push_back("    runs  " + printable(action.name));
+            lines.push_back("    runs  " + shownName(action.name));
         }
     }
 }
@@ -110,7 +110,7 @@ std::string json(const WhyNot::NearestMiss& miss) {
 }  // namespace
 
 std::vector<std::string> explainLines(const Step& step) {
-    std::vector<std::string> lines = {fmt::format("{} in state {}", nameOf(step.type), printable(step.state))};
+    std::vector<std::string> lines = {fmt::format("{} in state {}", nameOf(step.type), shownName(step.state))};
     if (step.attempts.empty()) {
         lines[0] += ": no transition listens";
     }
@@ -123,7 +123,7 @@ std::vector<std::string> explainLines(const Step& step) {
 std::vector<std::string> whyNotLines(const WhyNot& answer) {
     const TransitionModel& transition = answer.transition();
     std::vector<std::string> lines = {fmt::format("{} ({} -> {} on {})", transition.place.path,
-                                                  printable(transition.from), printable(transition.to),
+                                                  shownName(transition.from), shownName(transition.to),
                                                   nameOf(transition.event))};
     const auto add = [&](std::uint64_t count, const std::string& what) {
         if (count > 0) {
@@ -133,7 +133,7 @@ std::vector<std::string> whyNotLines(const WhyNot& answer) {
     lines.push_back(fmt::format("{:>9} event{}", answer.events(), answer.events() == 1 ? "" : "s"));
     add(answer.otherTypes(), "  of another type");
     for (const auto& [state, count] : answer.otherStates()) {
-        add(count, "  while the machine was in state " + printable(state));
+        add(count, "  while the machine was in state " + shownName(state));
     }
     add(answer.earlierFired(), "  for which an earlier transition fired");
     lines.push_back(fmt::format("{:>9}   for which it was tried", answer.tried()));

@@ -1,0 +1,57 @@
+#include "tools/vig/check/NulWarnings.h"
+
+#include <json/value.h>
+
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "tools/vig/Text.h"
+#include "tools/vig/check/NormalFilter.h"
+#include "tools/vig/check/Warn.h"
+
+namespace tool {
+
+using Brenta::OS::VIG::FilterValueType;
+
+namespace {
+
+constexpr std::string_view kName = "nul-character";
+
+bool hasNul(std::string_view text) {
+    return text.find('\0') != std::string_view::npos;
+}
+
+void check(const std::string& text, Place place, std::vector<Diagnostic>& found) {
+    if (hasNul(text)) {
+        warn(found, kName, std::move(place), shownQuoted(text) + " has a NUL, where other programs take a text to end",
+             "leave the NUL out");
+    }
+}
+
+void check(const FilterModel& filter, std::vector<Diagnostic>& found) {
+    const std::string op = (*filter.json)["operator"].asString();
+    if (hasNul(op)) {
+        warn(found, kName, placeOf(filter, "operator"),
+             shownQuoted(op) + " is read as " + shownQuoted(textOf(filter.op)) + ": what follows the NUL is ignored",
+             "write " + shownQuoted(textOf(filter.op)) + " if that is meant");
+    }
+    for (const OperandModel* const operand : {&filter.operand1, &filter.operand2}) {
+        // Of a number and of a function that is not there, others warn.
+        if (isAttribute(*operand) || (isConstant(*operand) && filter.valueType == FilterValueType::String)) {
+            check(operand->operand.value, operand->place, found);
+        }
+    }
+}
+
+}  // namespace
+
+void appendNulWarnings(const TransitionModel& transition, std::vector<Diagnostic>& found) {
+    check(transition.from, placeOf(transition, "from_state"), found);
+    check(transition.to, placeOf(transition, "to_state"), found);
+    for (const FilterModel& filter : transition.filters) {
+        check(filter, found);
+    }
+}
+
+}  // namespace tool
