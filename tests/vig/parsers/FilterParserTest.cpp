@@ -70,8 +70,10 @@ TEST(FilterParser, RefusesABadMemberWithItsMessages) {
         {"operator", {R"(" ==")"}, {"Invalid operator string:  ==."}},
         {"operator", {R"("=")"}, {"Invalid operator string: =."}},
         {"operator", {R"("%n%s")"}, {"Invalid operator string: %n%s."}},  // a document is no format
+        {"operator", {R"("=\u0000=")"}, {"Invalid operator string: =."}},
         {"value_type", {"", "null", R"("")"}, {"Invalid operand value type: ."}},
         {"value_type", {R"("Integer")"}, {"Invalid operand value type: Integer."}},
+        {"value_type", {R"("integer\u0000")"}, {"Invalid operand value type: integer."}},
         {"value_type", {"0.5"}, {"Invalid operand value type: 0.5."}},
         {"value_type", {"true"}, {"Invalid operand value type: true."}},
         {"value_type", {"{}", R"(["integer"])"}, {"Invalid operand value type: {}."}},
@@ -111,7 +113,7 @@ TEST(FilterParser, ReportsTheFirstFaultOnly) {
 TEST(FilterParser, RefusesATypedConstantThatIsNoNumberOfTheType) {
     const std::pair<std::string, std::vector<std::string>> cases[] = {
         {"integer", {"", "abc", "-", ".5", "9223372036854775808", "-9223372036854775809"}},
-        {"double", {"", "abc", "1e999", "-1e999"}}};
+        {"double", {"", "abc", "1e999", "-1e999", "1e-400", "-1e-400"}}};
     for (const auto& [type, texts] : cases) {
         for (const std::string& text : texts) {
             for (const std::string& source : {kX, operand("function", "One")}) {
@@ -150,6 +152,7 @@ TEST(FilterParser, ComparesEveryPairOfOperandsByEveryOperator) {
             }
         }
     }
+    EXPECT_TRUE(passes(filter("==\\u0000x", "integer", constant("2"), operand("envvar", "Two")), event));
     EXPECT_THAT(log.lines(), testing::IsEmpty());
 }
 
@@ -161,7 +164,9 @@ TEST(FilterParser, ReadsATypedConstantUpToTheEndOfTheNumber) {
     }
     const double infinity = std::numeric_limits<double>::infinity();
     const std::pair<std::string, double> doubles[] = {
-        {"0.75x", 0.75}, {" -1e3", -1000.0}, {"-Infinity", -infinity}, {"0,5", 0.0}};
+        {"0.75x", 0.75}, {" -1e3", -1000.0}, {"-Infinity", -infinity},
+        {"0,5", 0.0},    {"1e-310", 1e-310}, {"-3e-324", -std::numeric_limits<double>::denorm_min()},
+        {"0e-999", 0.0}};
     for (const auto& [text, value] : doubles) {
         EXPECT_TRUE(passes(filter("==", "double", kX, constant(text)), {.real = {{"x", value}}})) << text;
     }
