@@ -84,6 +84,21 @@ TEST(TriggerActions, ReplaceWhatIsNotUtf8AndKeepWhatIsBeyondTheFirstPlane) {
                     "processName:\xF0\x9F\x8E\xB5\xEF\xBF\xBD!", "\xEF\xBF\xBD:\xEF\xBF\xBD"}});
 }
 
+TEST(TriggerActions, ReplaceANulWhichWouldCutTheText) {
+    const auto expectProcess = [](const std::string& sent, const std::string& arrives) {
+        expectTrigger(kCpu,
+                      {.real = {{"cpuAvgUtilization", 1.5}},
+                       .string = {{"processName", sent}, {std::string("k\0y", 3), std::string("v\0\xFF", 3)}}},
+                      {"vig:cpu_over_budget:" + arrives,
+                       arrives,
+                       {"threshold_current_value:1.5", "threshold_units:CPU_credits", "cpuAvgUtilization:1.5",
+                        "processName:" + arrives, "k\uFFFDy:v\uFFFD\uFFFD"}});
+    };
+    expectProcess(std::string("camera\0evil", 11), "camera\uFFFDevil");
+    expectProcess(std::string("\0evil", 5), "\uFFFDevil");
+    expectProcess(std::string(1, '\0'), "\uFFFD");
+}
+
 TEST(TriggerActions, SendNothingWithoutTheAttributesThatTheyNeed) {
     const std::string noName = "Missing required attribute processName in event.";
     const std::string noRss = "Missing required attributes vmRssKB in event.";
