@@ -38,7 +38,7 @@ report() {
     gcovr --root . --add-tracefile build/coverage.json | missing
     gcovr --root . --add-tracefile build/coverage.json --branches | missing
     printf '\n== %s: at least %s %% of the lines and %s %% of the branches\n' "$name" "$lines" "$branches"
-    gcovr --root . --add-tracefile build/coverage.json --print-summary --output /dev/null \
+    gcovr --root . --add-tracefile build/coverage.json --print-summary --output build/coverage.txt \
         --fail-under-line "$lines" --fail-under-branch "$branches" || status=1
     return "$status"
 }
