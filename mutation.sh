@@ -73,14 +73,15 @@ run() {
     ) >"$WORK/$1/log" 2>&1 </dev/null
 }
 
-# A worker has a copy of the sources, and a build of it without optimisation, warnings or information for debuggers.
+# A worker has a copy of the sources, and a build of it without optimisation, warnings or information for debuggers, in
+# which a fault that reads what is not there ends the test.
 prepare() {
     local source=$WORK/$1/source build=$WORK/$1/build
     rm -rf "$source"
     mkdir -p "$source"
     git ls-files -z | xargs -0 cp --parents --target-directory "$source"
     CCACHE_BASEDIR=$source cmake -S "$source" -B "$build" -G Ninja -DCMAKE_CXX_COMPILER_LAUNCHER=ccache \
-        -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_FLAGS_DEBUG="-O0 -w" -DCMAKE_EXE_LINKER_FLAGS=-fuse-ld=lld >/dev/null
+        -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_FLAGS_DEBUG="-O0 -w -D_GLIBCXX_ASSERTIONS" -DCMAKE_EXE_LINKER_FLAGS=-fuse-ld=lld >/dev/null
     build "$1" "$WORKERS" vig_test_locale "${TESTS[@]}" || { tail -n 40 "$WORK/$1/log" >&2; return 1; }
 }
 

@@ -376,8 +376,8 @@ class Finder {
         }
         const std::size_t next = pastStatement(index);
         add(index, next, ";", "lock removed");
-        if (next < tokens.size() && beginsStatement(next) && at(next) != "for" && at(next) != "while") {
-            const std::size_t past = pastWhole(next);
+        const std::size_t past = at(next) == "for" || at(next) == "while" ? tokens.size() : pastWhole(next);
+        if (past < tokens.size() && at(past) != "}") {
             add(index, past, "{ " + textOf(index, past) + " }", "lock held for one statement");
         }
     }
