@@ -48,8 +48,8 @@ report "the library" 100 95 os/ rulesengine/ vig/ || status=1
 cat <<'REASONS'
 Of the library's branches are left: the way out of a call by an exception, where the compiler has not marked it as one;
 the default of a switch over all values of an enumeration; a second thread that meets a static variable as it is made,
-and temporaries that were not made as others are destroyed, both added by the compiler; a gate that is closed while the
-watcher is at it, which the destructor waits for; and a signal while the seed is read.
+and temporaries that were not made as others are destroyed, both added by the compiler; and a gate that is closed while
+the watcher is at it, which the destructor waits for.
 REASONS
 report "the tool" 90 0 tools/vig/ || status=1
 cat <<'REASONS'
