@@ -128,6 +128,21 @@ TEST(TriggerActions, SendNothingWithoutTheAttributesThatTheyNeed) {
     EXPECT_THAT(service.triggers(), IsEmpty());
 }
 
+TEST(TriggerActions, AskForBothFiguresOfTheMemoryBeforeEitherIsTested) {
+    struct Asked : TestEvent {
+        using TestEvent::TestEvent;
+        std::optional<std::int64_t> getInt64Attr(std::string_view key) const override {
+            asked.emplace_back(key);
+            return std::nullopt;
+        }
+        mutable std::vector<std::string> asked;
+    };
+    const Asked event((Attributes()));
+    const LogCapture log;
+    EXPECT_THAT(VIGTriggerVeloraFuncActionFactoryImpl::synthesizeMetadata(event), IsEmpty());
+    EXPECT_THAT(event.asked, ElementsAre("vmRssKB", "vmSwapKB"));
+}
+
 TEST(TriggerActions, LookTheServiceUpOnEveryCall) {
     const LogCapture log;
     fire(kMemory, TestEvent(kCamera));
