@@ -31,3 +31,6 @@ if(VIG_HAS_fcf_protection_full)
   # protection, of indirect calls, asks for, so that mark is left out.
   add_link_options(-Wl,-z,shstk)
 endif()
+# On arm64 the protection of returns needs no mark. That of indirect calls does, and the linker gives it where the start-up
+# code has it too. It is not forced: a file that is marked all the same is killed, before its first line, by a processor
+# that checks.

@@ -13,6 +13,7 @@
 
 #include "bench/Process.h"
 #include "bench/Scenario.h"
+#include "tests/support/TemporaryFolder.h"
 
 // `vig run` against the parser that it reads with and against the filter that a person would write.
 namespace bench {
@@ -20,24 +21,14 @@ namespace bench {
 namespace {
 
 // Removed when the benchmark ends.
-class Folder {
-  public:
-    Folder() : path(std::filesystem::temp_directory_path() / fmt::format("vig-bench-{}", getpid())) {
-        std::filesystem::create_directory(path);
-    }
-    ~Folder() { std::filesystem::remove_all(path); }
-
-    const std::filesystem::path path;
-};
-
-const Folder& folder() {
-    static const Folder folder;
-    return folder;
+const std::filesystem::path& folder() {
+    static const support::TemporaryFolder folder;
+    return folder.path();
 }
 
 // Memory heartbeats of 200 processes; one in a thousand is over the budgets of the rules.
 std::string recording(std::size_t records) {
-    const std::filesystem::path path = folder().path / fmt::format("{}.jsonl", records);
+    const std::filesystem::path path = folder() / fmt::format("{}.jsonl", records);
     if (std::filesystem::exists(path)) {
         return path;
     }
@@ -66,7 +57,7 @@ constexpr std::array<std::size_t, 3> kLimits = {800'000, 801'000, 802'000};
 // Three machines of five transitions: the third time that a process is over the limit is collected, unless one that has
 // hardly any memory comes in between.
 std::string rules() {
-    const std::filesystem::path path = folder().path / "rules.json";
+    const std::filesystem::path path = folder() / "rules.json";
     std::string configs;
     for (const std::size_t limit : kLimits) {
         configs += (configs.empty() ? "" : ",") +

@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <cmath>
 #include <cstdlib>
+#include <limits>
 #include <memory>
 #include <optional>
 #include <random>
@@ -35,9 +36,18 @@ const Texts kOperators = {"==", "!=", ">", "<", ">=", "<="};
 const Texts kTypes = {"string", "integer", "double"};
 const Texts kOperandTypes = {"constant", "function", "envvar"};
 
-// Log lines and the trigger service take texts that end at a NUL.
+// Log lines take texts that end at a NUL.
 std::string upToNul(const std::string& text) {
     return text.c_str();
+}
+
+// The trigger service is never sent one.
+std::string withoutNul(const std::string& text) {
+    std::string sent;
+    for (const char each : text) {
+        sent += each == '\0' ? "\uFFFD" : std::string(1, each);
+    }
+    return sent;
 }
 
 int depthOf(const Json::Value& json) {
@@ -79,10 +89,10 @@ bool isNumber(const std::string& text, const std::string& type) {
     errno = 0;
     if (type == "integer") {
         std::strtoll(text.c_str(), &end, 10);
-    } else {
-        std::strtod(text.c_str(), &end);
+        return end != text.c_str() && errno == 0;
     }
-    return end != text.c_str() && errno == 0;
+    const double size = std::fabs(std::strtod(text.c_str(), &end));
+    return end != text.c_str() && (errno == 0 || (size > 0 && size <= std::numeric_limits<double>::max()));
 }
 
 bool isInt32(const std::string& text) {
@@ -121,7 +131,7 @@ bool hasOneConstant(const Json::Value& filter) {
 
 void describe(const auto& attributes, std::vector<std::string>& metadata) {
     for (const auto& [name, value] : attributes) {
-        metadata.push_back(fmt::format("{}:{}", name, *find(attributes, name)));
+        metadata.push_back(withoutNul(fmt::format("{}:{}", name, *find(attributes, name))));
     }
 }
 
@@ -387,7 +397,7 @@ class Engine {
         describe(event.attributes.boolean, metadata);
         describe(event.attributes.string, metadata);
         const std::string prefix = isMemory ? "vig:memory_heartbeat_over_budget:" : "vig:cpu_over_budget:";
-        outcome.trace.push_back(triggerEntry(prefix + process, process, metadata));
+        outcome.trace.push_back(triggerEntry(prefix + withoutNul(process), withoutNul(process), metadata));
     }
 
     std::vector<std::string> measured(bool isMemory, const Event& event) {

@@ -106,7 +106,8 @@ class ScriptReader {
                                       "vmSwapKB",
                                       "cpuAvgUtilization",
                                       "memUsedMaxBytes",
-                                      "numCompressedDataBytes"};
+                                      "numCompressedDataBytes",
+                                      std::string("camera\0evil", 11)};
 };
 
 }  // namespace

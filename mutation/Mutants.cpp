@@ -3,6 +3,9 @@
 //     mutants FILE           a line each: number, line in the file, change and source line, separated by tabs
 //     mutants FILE NUMBER    the file with that fault
 //
+// An operator, constant or condition changed, a statement or branch dropped, two statements or arguments swapped, a
+// lock that is not held or not as long, one name in the place of another of its type.
+//
 // It knows the language by its tokens alone and relies on the layout of clang-format: what stands between two spaces is
 // a binary operator, and a statement begins its line. A fault that does not compile is for its user to find out.
 #include <algorithm>
@@ -111,7 +114,7 @@ class Lexer {
 
 class Finder {
   public:
-    explicit Finder(std::string_view source) : text(source), tokens(Lexer(source).tokens()) {}
+    explicit Finder(std::string_view source) : text(source), tokens(Lexer(source).tokens()) { findNames(); }
 
     std::vector<Mutant> mutants() {
         for (std::size_t index = 0; index < tokens.size(); ++index) {
@@ -123,6 +126,11 @@ class Finder {
             changeConstant(index);
             changeCondition(index);
             changeStatement(index);
+            changeOrder(index);
+            changeLock(index);
+            dropBranch(index);
+            swapArguments(index);
+            changeSource(index);
         }
         return std::move(found);
     }
@@ -181,6 +189,22 @@ class Finder {
             index = token == "(" || token == "[" || token == "{" ? pastClosing(index) : index + 1;
         }
         return std::min(index + 1, tokens.size());
+    }
+
+    // The same for a statement of any kind but a loop, of an `if` with all that belongs to it.
+    std::size_t pastWhole(std::size_t index) const {
+        if (at(index) == "{") {
+            return pastClosing(index);
+        }
+        if (at(index) != "if") {
+            return pastStatement(index);
+        }
+        const std::size_t past = pastWhole(pastClosing(index + 1));
+        return at(past) == "else" ? pastWhole(past + 1) : past;
+    }
+
+    std::string textOf(std::size_t first, std::size_t past) const {
+        return std::string(text.substr(tokens[first].begin, tokens[past - 1].end - tokens[first].begin));
     }
 
     void add(std::size_t first, std::size_t past, std::string replacement, const std::string& change) {
@@ -307,8 +331,188 @@ class Finder {
         return false;
     }
 
+    // As in `const std::lock_guard lock(mutex);`.
+    bool isLock(std::size_t index) const {
+        const std::size_t name = index + (at(index) == "const" ? 3 : 2);
+        return at(name - 1) == "::" && (at(name) == "lock_guard" || at(name) == "unique_lock");
+    }
+
+    // Of two that call, assign or decide. A declaration counts too, if it calls; two of them seldom mind the order.
+    void changeOrder(std::size_t index) {
+        if (index == 0 || !beginsStatement(index)) {
+            return;
+        }
+        const std::size_t next = isStep(index) || isCallingDeclaration(index) ? pastWhole(index) : tokens.size();
+        if (next < tokens.size() && beginsStatement(next) &&
+            (isStep(next) || (isStep(index) && isCallingDeclaration(next)))) {
+            const std::size_t past = pastWhole(next);
+            add(index, past, textOf(next, past) + "\n" + textOf(index, next), "swapped with the next statement");
+        }
+    }
+
+    bool isStep(std::size_t index) const {
+        return (at(index) == "if" && at(index + 1) == "(") || isCallOrAssignment(index);
+    }
+
+    // As in `const auto x = f(…);`, but not what defines a function, nor a lock.
+    bool isCallingDeclaration(std::size_t index) const {
+        static constexpr std::array<std::string_view, 9> kOthers{"return", "for",   "while", "switch", "do",
+                                                                 "else",   "class", "enum",  "struct"};
+        if (!isWord(index) || isLock(index) || std::find(kOthers.begin(), kOthers.end(), at(index)) != kOthers.end()) {
+            return false;
+        }
+        const std::size_t past = pastStatement(index);
+        std::size_t place = index;
+        while (place < past && (isWord(place) || at(place) == "::" || at(place) == "<" || at(place) == ">" ||
+                                at(place) == "&" || at(place) == "*")) {
+            ++place;
+        }
+        return at(place) == "=" && at(past - 2) == ")";
+    }
+
+    void changeLock(std::size_t index) {
+        if (index == 0 || !beginsStatement(index) || !isLock(index)) {
+            return;
+        }
+        const std::size_t next = pastStatement(index);
+        add(index, next, ";", "lock removed");
+        const std::size_t past = at(next) == "for" || at(next) == "while" ? tokens.size() : pastWhole(next);
+        if (past < tokens.size() && at(past) != "}") {
+            add(index, past, "{ " + textOf(index, past) + " }", "lock held for one statement");
+        }
+    }
+
+    // What a changed condition does not cover: a branch whose condition declares something, `else`, and `?:`.
+    void dropBranch(std::size_t index) {
+        if (at(index) == "else") {
+            add(index, pastWhole(index + 1), "", "else dropped");
+        } else if (at(index) == "?") {
+            add(index, index + 1, "&& false ?", "left of ?: dropped");
+            add(index, index + 1, "|| true ?", "right of ?: dropped");
+        } else if (at(index) == "if" && at(index + 1) == "(" && at(index - 1) != "else") {
+            const std::size_t past = pastClosing(index + 1);
+            const std::string condition = textOf(index + 1, past);
+            if (condition.find(" = ") != std::string::npos) {
+                add(index, pastWhole(index), ";", "branch dropped");
+            }
+        }
+    }
+
+    // Neighbours among those of a log line or a format, and two plain names of any call.
+    void swapArguments(std::size_t index) {
+        if (!isWord(index) || at(index + 1) != "(") {
+            return;
+        }
+        const bool isFormat = at(index).starts_with("VIG_LOG_") || at(index) == "format" || at(index) == "print";
+        const std::size_t past = pastClosing(index + 1);
+        std::vector<std::pair<std::size_t, std::size_t>> arguments;
+        std::size_t first = index + 2;
+        for (std::size_t place = first; place < past; ++place) {
+            if (at(place) == "(" || at(place) == "[" || at(place) == "{") {
+                place = pastClosing(place) - 1;
+            } else if ((at(place) == "," || place == past - 1) && place > first) {
+                arguments.emplace_back(first, place);
+                first = place + 1;
+            }
+        }
+        for (std::size_t place = 1; place < arguments.size(); ++place) {
+            const auto& [leftFirst, leftPast] = arguments[place - 1];
+            const auto& [rightFirst, rightPast] = arguments[place];
+            const bool areNames =
+                leftPast - leftFirst == 1 && rightPast - rightFirst == 1 && isWord(leftFirst) && isWord(rightFirst);
+            if (isFormat ? tokens[leftFirst].kind != Token::Kind::Text : areNames) {
+                add(leftFirst, rightPast, textOf(rightFirst, rightPast) + ", " + textOf(leftFirst, leftPast),
+                    "arguments swapped: " + std::string(at(leftFirst)) + ", " + std::string(at(rightFirst)));
+            }
+        }
+    }
+
+    // A parameter or variable of a function, as far as it can be seen in the text: its type stands before it.
+    struct Name {
+        std::size_t declared;
+        std::size_t past;  // the end of the block in which it is known
+        std::string type;
+    };
+
+    void findNames() {
+        for (std::size_t index = 1; index < tokens.size(); ++index) {
+            const std::string_view after = at(index + 1);
+            if (!isWord(index) || (after != "=" && after != ";" && after != "," && after != ")")) {
+                continue;
+            }
+            std::string type;
+            std::size_t place = index - 1;
+            for (; place > 0 && isPartOfType(place); --place) {
+                type = at(place) == "const" ? type : std::string(at(place)) + " " + type;
+            }
+            const std::string_view before = at(place);
+            const bool isParameter = before == "(" || before == ",";
+            if (type.empty() || isNoType(at(place + 1)) ||
+                (!isParameter && before != ";" && before != "{" && before != "}")) {
+                continue;
+            }
+            names.push_back({index, isParameter ? pastBodyBehind(index) : pastBlock(index), type});
+        }
+    }
+
+    // The first word of what only looks like a declaration of a name; `auto` could be any type.
+    static bool isNoType(std::string_view word) {
+        static constexpr std::array<std::string_view, 11> kOthers{
+            "auto", "using", "class", "struct", "enum", "namespace", "typename", "return", "delete", "friend", "case"};
+        return std::find(kOthers.begin(), kOthers.end(), word) != kOthers.end();
+    }
+
+    bool isPartOfType(std::size_t index) const {
+        const std::string_view token = at(index);
+        return isWord(index) || token == "::" || token == "<" || token == ">" || token == "&" || token == "*";
+    }
+
+    // The end of the block around it.
+    std::size_t pastBlock(std::size_t index) const {
+        while (index < tokens.size() && at(index) != "}") {
+            index = at(index) == "{" ? pastClosing(index) : index + 1;
+        }
+        return index;
+    }
+
+    // The end of the body that follows the list of parameters; the index itself, if none does.
+    std::size_t pastBodyBehind(std::size_t index) const {
+        std::size_t place = index;
+        while (place < tokens.size() && at(place) != ")") {
+            place = at(place) == "(" ? pastClosing(place) : place + 1;
+        }
+        for (++place; place < tokens.size() && at(place) != "{"; ++place) {
+            if (!isPartOfType(place)) {
+                return index;
+            }
+        }
+        return pastClosing(place);
+    }
+
+    // Takes the last other name of the same type in the place of a name that is read.
+    void changeSource(std::size_t index) {
+        const std::string_view before = at(index - 1);
+        if (!isWord(index) || before == "." || before == "->" || before == "::") {
+            return;
+        }
+        const auto isKnown = [&](const Name& name) { return name.declared < index && index < name.past; };
+        const auto own = std::find_if(names.rbegin(), names.rend(), [&](const Name& name) {
+            return isKnown(name) && at(name.declared) == at(index);
+        });
+        if (own == names.rend()) {
+            return;
+        }
+        const auto other = std::find_if(names.rbegin(), names.rend(), [&](const Name& name) {
+            return isKnown(name) && name.type == own->type && at(name.declared) != at(index);
+        });
+        if (other != names.rend()) {
+            replace(index, std::string(at(other->declared)));
+        }
+    }
+
     const std::string_view text;
     const std::vector<Token> tokens;
+    std::vector<Name> names;
     std::vector<Mutant> found;
 };
 

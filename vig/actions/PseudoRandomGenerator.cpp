@@ -10,13 +10,19 @@
 
 namespace Brenta::OS::VIG {
 
+namespace {
+
+std::uint32_t seedOfProcess() {
+    const auto time = static_cast<std::uint64_t>(std::chrono::system_clock::now().time_since_epoch().count());
+    return PseudoRandomGenerator::readSeed("/dev/urandom").value_or(PseudoRandomGenerator::seedFrom(time, getpid()));
+}
+
+}  // namespace
+
 PseudoRandomGenerator::PseudoRandomGenerator(std::uint32_t value) : engine(value) {}
 
 PseudoRandomGenerator& PseudoRandomGenerator::ofProcess() {
-    static PseudoRandomGenerator generator(
-        readSeed("/dev/urandom")
-            .value_or(seedFrom(static_cast<std::uint64_t>(std::chrono::system_clock::now().time_since_epoch().count()),
-                               getpid())));
+    static PseudoRandomGenerator generator(seedOfProcess());
     return generator;
 }
 

@@ -6,6 +6,7 @@
 #include <vendor/orlan/velora/ITrigger.h>
 #include <vendor/orlan/velora/TriggerContext.h>
 
+#include <algorithm>
 #include <string>
 #include <utility>
 
@@ -20,10 +21,15 @@ using vendor::orlan::velora::TriggerContext;
 
 namespace {
 
+// An older one writes a whole double in the metadata as 90.0 and not as 90.
+static_assert(FMT_VERSION >= 70100, "fmt 7.1 or later is needed");
+
 constexpr const char* kServiceName = "vendor.orlan.velora.ITrigger/default";
 
-// The platform makes an empty string of text that is not valid UTF-8, which would lose it.
+// The platform makes an empty string of text that is not valid UTF-8, and ends one at a NUL, which would lose the text
+// or its rest. No UTF-8 has the byte that a NUL becomes here.
 android::String16 toString16(std::string text) {
+    std::replace(text.begin(), text.end(), '\0', '\xFF');
     return android::String16(replaceInvalidUtf8(std::move(text)).c_str());
 }
 

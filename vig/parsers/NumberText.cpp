@@ -1,6 +1,7 @@
 #include "vig/parsers/NumberText.h"
 
 #include <cerrno>
+#include <cmath>
 #include <cstdlib>
 #include <limits>
 
@@ -27,8 +28,9 @@ std::optional<double> readDouble(const std::string& text) {
     char* end = nullptr;
     errno = 0;
     const double value = strtod_l(text.c_str(), &end, cLocale());
-    // ERANGE also means a number too small to be told from 0 with full precision.
-    return end == text.c_str() || errno == ERANGE ? std::nullopt : std::optional(value);
+    // A number that a double holds with fewer digits, since it is so close to 0, is ERANGE as well.
+    const bool isOutOfRange = errno == ERANGE && (value == 0.0 || std::isinf(value));
+    return end == text.c_str() || isOutOfRange ? std::nullopt : std::optional(value);
 }
 
 std::int64_t readNearestInt64(const std::string& text) {

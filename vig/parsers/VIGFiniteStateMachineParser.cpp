@@ -131,28 +131,23 @@ bool parseTransition(const Json::Value& json, const VIGParserConfig& config, Fin
     return true;
 }
 
-// Null on failure.
-std::unique_ptr<FiniteStateMachine> parseMachine(const Json::Value& json, const VIGParserConfig& config) {
-    if (!json.isObject() || !json["transitions"].isArray()) {
-        return nullptr;
-    }
-    auto machine = std::make_unique<FiniteStateMachine>(config.createEvaluationContext());
-    for (const Json::Value& element : json["transitions"]) {
-        if (!parseTransition(element, config, *machine)) {
-            return nullptr;
-        }
-    }
-    return machine;
-}
-
 }  // namespace
 
 VIGParseResult<FiniteStateMachine> VIGFiniteStateMachineParser::parse(const Json::Value& json,
                                                                       const VIGParserConfig& config) const {
-    auto machine = parseMachine(json, config);
-    if (!machine) {
+    const auto refused = [&json]() -> VIGParseResult<FiniteStateMachine> {
         VIG_LOG_ERROR("Invalid FSM JSON: %s.", styledText(json).c_str());
         return {nullptr, VIGParseError::InvalidFsm};
+    };
+    if (!json.isObject() || !json["transitions"].isArray()) {
+        return refused();
+    }
+    auto machine = std::make_unique<FiniteStateMachine>(config.createEvaluationContext());
+    for (const Json::Value& element : json["transitions"]) {
+        if (!parseTransition(element, config, *machine)) {
+            // The line is written while the machine is still there: a client's context may log as it is destroyed.
+            return refused();
+        }
     }
     return {std::move(machine), VIGParseError::Ok};
 }

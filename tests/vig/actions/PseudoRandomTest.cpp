@@ -6,7 +6,9 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cmath>
+#include <csignal>
 #include <cstring>
 #include <latch>
 #include <thread>
@@ -59,6 +61,7 @@ TEST(PseudoRandomGenerator, SpreadsEvenly) {
 TEST(PseudoRandomGenerator, ReadsAWholeSeedOrNone) {
     const support::TemporaryFolder folder;
     const auto seedOf = [](const std::filesystem::path& device) {
+        errno = EINTR;  // left by an earlier call, which the end of a file is no reason to repeat
         return PseudoRandomGenerator::readSeed(device.c_str());
     };
     const std::uint32_t seed = 0x01020304;
@@ -70,11 +73,20 @@ TEST(PseudoRandomGenerator, ReadsAWholeSeedOrNone) {
     EXPECT_EQ(seedOf(folder.path("missing")), std::nullopt);
     EXPECT_EQ(seedOf(folder.path()), std::nullopt);  // can be opened, but not read
     EXPECT_TRUE(seedOf("/dev/urandom").has_value());
+    // From a pipe it comes in pieces, and signals interrupt the wait for all but the first.
     const auto pipe = folder.path("in pieces");
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
-    std::thread writer([&] {
+    struct sigaction harmless {};
+    struct sigaction previous {};
+    harmless.sa_handler = [](int) {};
+    sigaction(SIGUSR1, &harmless, &previous);
+    std::thread writer([&, reader = pthread_self()] {
         const int end = open(pipe.c_str(), O_WRONLY);
         for (const char& byte : bytes) {
+            for (int signals = 0; signals < 100 && &byte != bytes.data(); ++signals) {
+                pthread_kill(reader, SIGUSR1);
+                std::this_thread::yield();
+            }
             EXPECT_EQ(write(end, &byte, 1), 1);
             for (int unread = 1; unread != 0 && ioctl(end, FIONREAD, &unread) == 0;) {
                 std::this_thread::yield();
@@ -84,6 +96,7 @@ TEST(PseudoRandomGenerator, ReadsAWholeSeedOrNone) {
     });
     EXPECT_EQ(seedOf(pipe), seed);
     writer.join();
+    sigaction(SIGUSR1, &previous, nullptr);
     // Where the process has no standard input, its descriptor goes to the device, and is free again afterwards.
     const int input = dup(STDIN_FILENO);
     close(STDIN_FILENO);

@@ -70,8 +70,10 @@ TEST(FilterParser, RefusesABadMemberWithItsMessages) {
         {"operator", {R"(" ==")"}, {"Invalid operator string:  ==."}},
         {"operator", {R"("=")"}, {"Invalid operator string: =."}},
         {"operator", {R"("%n%s")"}, {"Invalid operator string: %n%s."}},  // a document is no format
+        {"operator", {R"("=\u0000=")"}, {"Invalid operator string: =."}},
         {"value_type", {"", "null", R"("")"}, {"Invalid operand value type: ."}},
         {"value_type", {R"("Integer")"}, {"Invalid operand value type: Integer."}},
+        {"value_type", {R"("integer\u0000")"}, {"Invalid operand value type: integer."}},
         {"value_type", {"0.5"}, {"Invalid operand value type: 0.5."}},
         {"value_type", {"true"}, {"Invalid operand value type: true."}},
         {"value_type", {"{}", R"(["integer"])"}, {"Invalid operand value type: {}."}},
@@ -111,7 +113,7 @@ TEST(FilterParser, ReportsTheFirstFaultOnly) {
 TEST(FilterParser, RefusesATypedConstantThatIsNoNumberOfTheType) {
     const std::pair<std::string, std::vector<std::string>> cases[] = {
         {"integer", {"", "abc", "-", ".5", "9223372036854775808", "-9223372036854775809"}},
-        {"double", {"", "abc", "1e999", "-1e999"}}};
+        {"double", {"", "abc", "1e999", "-1e999", "1e-400", "-1e-400"}}};
     for (const auto& [type, texts] : cases) {
         for (const std::string& text : texts) {
             for (const std::string& source : {kX, operand("function", "One")}) {
@@ -128,12 +130,14 @@ TEST(FilterParser, ComparesEveryPairOfOperandsByEveryOperator) {
         bool expected[3];  // for 1, 2 and 3 on the left of 2
     } const operators[] = {{"==", {false, true, false}}, {"!=", {true, false, true}}, {">", {false, false, true}},
                            {"<", {true, false, false}},  {">=", {false, true, true}}, {"<=", {true, true, false}}};
-    const Attributes event = {.int64 = {{"One", 1}, {"Two", 2}, {"Three", 3}},
-                              .real = {{"One", 1}, {"Two", 2}, {"Three", 3}},
-                              .string = {{"One", "1"}, {"Two", "2"}, {"Three", "3"}}};
+    // Under names that no function has.
+    const Attributes event = {.int64 = {{"x1", 1}, {"x2", 2}, {"x3", 3}},
+                              .real = {{"x1", 1}, {"x2", 2}, {"x3", 3}},
+                              .string = {{"x1", "1"}, {"x2", "2"}, {"x3", "3"}}};
     const auto operands = [](int number) {
-        const std::string name = number == 1 ? "One" : number == 2 ? "Two" : "Three";
-        return std::vector{constant(std::to_string(number)), operand("envvar", name), operand("function", name)};
+        const std::string text = std::to_string(number);
+        const char* const function = number == 1 ? "One" : number == 2 ? "Two" : "Three";
+        return std::vector{constant(text), operand("envvar", "x" + text), operand("function", function)};
     };
     const LogCapture log;
     for (const auto& [op, expected] : operators) {
@@ -150,6 +154,7 @@ TEST(FilterParser, ComparesEveryPairOfOperandsByEveryOperator) {
             }
         }
     }
+    EXPECT_TRUE(passes(filter("==\\u0000x", "integer", constant("2"), operand("envvar", "x2")), event));
     EXPECT_THAT(log.lines(), testing::IsEmpty());
 }
 
@@ -161,7 +166,9 @@ TEST(FilterParser, ReadsATypedConstantUpToTheEndOfTheNumber) {
     }
     const double infinity = std::numeric_limits<double>::infinity();
     const std::pair<std::string, double> doubles[] = {
-        {"0.75x", 0.75}, {" -1e3", -1000.0}, {"-Infinity", -infinity}, {"0,5", 0.0}};
+        {"0.75x", 0.75}, {" -1e3", -1000.0}, {"-Infinity", -infinity},
+        {"0,5", 0.0},    {"1e-310", 1e-310}, {"-3e-324", -std::numeric_limits<double>::denorm_min()},
+        {"0e-999", 0.0}};
     for (const auto& [text, value] : doubles) {
         EXPECT_TRUE(passes(filter("==", "double", kX, constant(text)), {.real = {{"x", value}}})) << text;
     }

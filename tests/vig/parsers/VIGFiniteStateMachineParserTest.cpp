@@ -11,6 +11,7 @@
 #include "tests/support/Slots.h"
 #include "tests/support/TestEvent.h"
 #include "tests/vig/parsers/Json.h"
+#include "vig/Log.h"
 #include "vig/actions/TestActionFunctionFactory.h"
 #include "vig/parsers/VIGParserConfig.h"
 
@@ -117,11 +118,25 @@ TEST_F(MachineParserTest, ReportsTheFirstFaultOfATransitionAndReadsNoFurther) {
     EXPECT_THAT(factory->asked, ElementsAre(Parameters()));
 }
 
+TEST_F(MachineParserTest, DestroysARefusedMachineAfterTheLastLine) {
+    struct LoudContext : Brenta::OS::RulesEngine::EvaluationContext {
+        ~LoudContext() override { VIG_LOG_ERROR("destroyed"); }
+    };
+    const Json::Value value = json(machine({transition("start", "idle", "Test"), transition("start", "end", "Nope")}));
+    const VIGParserConfig config({{"Test", EventType::Test}}, {}, {}, {}, {}, {},
+                                 [] { return std::make_unique<LoudContext>(); });
+    const LogCapture log;
+    EXPECT_EQ(VIGFiniteStateMachineParser().parse(value, config).error, VIGParseError::InvalidFsm);
+    EXPECT_THAT(log.messages(),
+                ElementsAre("FSM Event not found!", "Invalid FSM JSON: " + value.toStyledString() + ".", "destroyed"));
+}
+
 TEST_F(MachineParserTest, RefusesABadActionWithItsMessages) {
     for (const char* action : {"1", "null", "[]", "{}", R"({"name":null})", R"({"name":1,"parameters":[1]})"}) {
         expectRefused(withAction(action), shown({"Invalid action JSON: {}."}, json(action)));
     }
     expectRefused(withAction(R"({"name":"test"})"), {"FSM Action (test) not found!"});
+    expectRefused(withAction(R"({"name":"Test\u0000x"})"), {"FSM Action (Test) not found!"});
     expectRefused(withAction(R"({"name":"Test","parameters":[]})"), {"FSM Action (Test()) not found!"});
     expectRefused(withAction(R"({"name":"A","parameters":[{"type":"double","value":"1"},{"type":"string"}]})"),
                   {"FSM Action (A(double,string)) not found!"});
@@ -149,7 +164,7 @@ TEST_F(MachineParserTest, RefusesABadParameterWithoutAskingForTheAction) {
     }
     const std::pair<std::string, std::vector<std::string>> values[] = {
         {"integer", {"99999999999", "2147483648", "-2147483649", "9999999999999999999", "abc", "", "true"}},
-        {"double", {"1e999", "-1e999", "abc", ""}}};
+        {"double", {"1e999", "-1e999", "1e-400", "abc", ""}}};
     for (const auto& [type, texts] : values) {
         for (const std::string& text : texts) {
             expectRefused(withParameters(R"([{"type":")" + type + R"(","value":")" + text + R"("}])"),
@@ -181,6 +196,9 @@ TEST_F(MachineParserTest, AsksForAnActionByItsNameAndParameterTypesInEveryLocale
         {R"([{"type":"double","value":"0.5x"},{"type":"double","value":1.25},{"type":"double","value":"-inf"}])",
          "Record(double,double,double)",
          {0.5, 1.25, -infinity}},
+        {R"([{"type":"double","value":"1e-310"},{"type":"double","value":1e-310}])",
+         "Record(double,double)",
+         {1e-310, 1e-310}},
         {R"([{"type":"string"},{"type":"string","value":null},{"type":"string","value":false}])",
          "Record(string,string,string)",
          {"", "", "false"}},

@@ -8,6 +8,7 @@
 #include "tests/support/Locales.h"
 #include "tests/support/LogCapture.h"
 #include "tests/vig/parsers/Json.h"
+#include "vig/parsers/VIGConfigPayloadParser.h"
 #include "vig/parsers/VIGParserConfig.h"
 
 namespace {
@@ -96,6 +97,13 @@ TEST(ResponseParser, RefusesABadConfigOrPayload) {
                      "id",
                      {"", "null", R"("7")", "true", "[]", "2147483648", "-2147483649", "2147483648.0", "-2147483649.0",
                       "9223372036854775808", "1e300"});
+    // A configuration hands no such payload over, but a client can.
+    for (const Json::Value& bad : {Json::Value(), json("3"), json("[]"), json(R"("x")")}) {
+        const LogCapture log;
+        const VIGParserConfig config({}, {}, {}, {}, {}, {});
+        EXPECT_EQ(VIGConfigPayloadParser().parse(bad, config).error, VIGParseError::InvalidConfigPayload);
+        EXPECT_EQ(log.lines(), support::errorLines(shown({"Invalid VIG Config Payload JSON: {}."}, bad)));
+    }
 }
 
 TEST(ResponseParser, StopsAtTheFirstFaultAndPassesItsCodeOn) {
