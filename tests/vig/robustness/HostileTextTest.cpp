@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <host/LogSink.h>
+#include <pthread.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -11,6 +12,7 @@
 #include <string>
 
 #include "rulesengine/FiniteStateMachine.h"
+#include "tests/support/AddressSanitizer.h"
 #include "tests/support/Mutator.h"
 #include "tests/support/TestEvent.h"
 #include "vig/EventTypeNames.h"
@@ -19,6 +21,7 @@
 namespace {
 
 using Brenta::OS::VIG::VIGManager;
+using support::kHasAddressSanitizer;
 
 class HostileText : public testing::Test {
   protected:
@@ -102,16 +105,8 @@ TEST_F(HostileText, LargeTextsOfOneKindTakeTimeInProportion) {
     }
 }
 
-#if defined(__SANITIZE_ADDRESS__)
-constexpr bool kHasAddressSanitizer = true;
-#elif defined(__has_feature)
-constexpr bool kHasAddressSanitizer = __has_feature(address_sanitizer);
-#else
-constexpr bool kHasAddressSanitizer = false;
-#endif
-
-// The most that a process like this one has had in memory, in bytes, when it has done the work.
-std::size_t peakMemory(const std::function<void()>& work) {
+// What a process like this one has used when it has done the work.
+rusage usageOf(const std::function<void()>& work) {
     const pid_t child = fork();
     if (child == 0) {
         work();
@@ -121,7 +116,44 @@ std::size_t peakMemory(const std::function<void()>& work) {
     rusage usage{};
     EXPECT_EQ(wait4(child, &status, 0, &usage), child);
     EXPECT_EQ(status, 0);
-    return static_cast<std::size_t>(usage.ru_maxrss) * 1024;
+    return usage;
+}
+
+// The most that it has had in memory, in bytes.
+std::size_t peakMemory(const std::function<void()>& work) {
+    return static_cast<std::size_t>(usageOf(work).ru_maxrss) * 1024;
+}
+
+void onThreadWithStack(std::size_t bytes, const std::function<void()>& work) {
+    pthread_attr_t attributes;
+    pthread_attr_init(&attributes);
+    ASSERT_EQ(pthread_attr_setstacksize(&attributes, bytes), 0);
+    const auto run = [](void* argument) -> void* {
+        (*static_cast<const std::function<void()>*>(argument))();
+        return nullptr;
+    };
+    pthread_t thread{};
+    ASSERT_EQ(pthread_create(&thread, &attributes, run, const_cast<std::function<void()>*>(&work)), 0);
+    pthread_join(thread, nullptr);
+}
+
+TEST_F(HostileText, TheDeepestDocumentNeedsAStackOf640Kilobytes) {
+    const std::pair<const char*, const char*> kinds[] = {{R"({"k":)", "}"}, {"[", "]"}, {R"([{"k":)", "}]"}};
+    for (const auto& [open, close] : kinds) {
+        const std::size_t levels = 996 / std::string_view(close).size();  // 1000 with those around it
+        std::string begin;
+        std::string end;
+        for (std::size_t level = 0; level < levels; ++level) {
+            begin += open;
+            end += close;
+        }
+        const std::string deep = begin + "1" + end;
+        for (const std::string& text : {R"({"x":)" + deep + R"(,"configs":[]})", R"({"configs":[{"x":)" + deep + "}]}",
+                                        begin + begin + "1", begin + "x"}) {
+            usageOf([&] { onThreadWithStack(std::size_t{640} << 10, [&] { manager.parseResponse(text); }); });
+            EXPECT_FALSE(HasFailure()) << text;
+        }
+    }
 }
 
 TEST_F(HostileText, ADocumentNeedsAtMostAHundredAndFiftyTimesItsSize) {
