@@ -147,6 +147,9 @@ TEST(RespelledJson, ReadsInACommaLocaleAsTheOriginalReadsInTheCLocale) {
     for (const std::string& number : numbers) {
         texts.push_back("[" + number + ", 1]");
     }
+    for (const std::string& text : textsOf(kTokens, 3)) {
+        texts.push_back("{\"k\":2.5" + text + "\"k\":1.5}");
+    }
     std::vector<Reading> expected;
     for (const std::string& text : texts) {
         expected.push_back(readJson(text));
