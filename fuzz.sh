@@ -14,16 +14,19 @@ readonly FOUND=build/fuzz-found
 
 # Leaks are looked for at the end, which is much faster than after each text.
 readonly OPTIONS=(
-    -max_total_time="$SECONDS_EACH" -seed="$SEED" -max_len=4096 -mutate_depth=1 -entropic=0 -dict=fuzz/json.dict
+    -max_total_time="$SECONDS_EACH" -seed="$SEED" -mutate_depth=1 -entropic=0 -dict=fuzz/json.dict
     -timeout=30 -rss_limit_mb=1024 -malloc_limit_mb=256 -detect_leaks=0 -print_final_stats=1 -print_funcs=0
 )
 
 # fuzz TARGET: what it finds interesting goes to FOUND, where the next run begins with it; what it finds wrong too.
 fuzz() {
-    local target=$1
+    local target=$1 longest=4096
+    if [ "$target" = documents ]; then
+        longest=32768 # room for a piece that is repeated as often as documents may be nested
+    fi
     mkdir -p "$FOUND/$target"
     rm -f "$FOUND/$target"-*
-    build/fuzz/fuzz/fuzz_"$target" "${OPTIONS[@]}" -artifact_prefix="$FOUND/$target-" "$FOUND/$target" \
+    build/fuzz/fuzz/fuzz_"$target" "${OPTIONS[@]}" -max_len="$longest" -artifact_prefix="$FOUND/$target-" "$FOUND/$target" \
         "fuzz/corpus/$target" >"$FOUND/$target.log" 2>&1 </dev/null || touch "$FOUND/$target-failed"
 }
 

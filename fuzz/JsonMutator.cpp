@@ -81,6 +81,55 @@ void changeValue(std::string& text) {
     }
 }
 
+std::vector<std::string_view> tokensIn(std::string_view text) {
+    std::vector<std::string_view> found;
+    for (Brenta::OS::VIG::JsonTokens tokens(text); tokens.next();) {
+        found.push_back(tokens.token());
+    }
+    return found;
+}
+
+// What leads from the beginning of an array or object to one of its values, or an empty piece.
+std::string wayIn(const std::string& text) {
+    const std::vector<Value> values = valuesIn(text);
+    if (values.empty()) {
+        return "";
+    }
+    const Value& inner = values[draw(values.size())];
+    const Value* outer = &inner;
+    for (const Value& value : values) {
+        if (value.begin < inner.begin && value.end >= inner.end) {
+            outer = &value;
+        }
+    }
+    return text.substr(outer->begin, inner.begin - outer->begin);
+}
+
+// Such a piece, often with a token replaced by another one, before which a comment may stand, as many times as no
+// document may be nested. The text itself where that is too long.
+std::string repeatedWayIn(const std::string& text, std::size_t most) {
+    constexpr std::string_view kComments[] = {"", "/**/", "//\n"};
+    constexpr std::string_view kOthers[] = {"[", "]", "{", "}", ",", ":", "0", "\"\"", "null", "\n"};
+    constexpr std::size_t kTimes = 1100;
+    constexpr int kTries = 8;
+    std::string piece;
+    for (int tries = 0; tries < kTries && (piece.empty() || piece.size() * kTimes > most); ++tries) {
+        piece = wayIn(text);
+    }
+    const std::vector<std::string_view> tokens = tokensIn(piece);
+    if (!tokens.empty() && draw(4) > 0) {
+        const std::string_view token = tokens[draw(tokens.size())];
+        const std::string other =
+            std::string(kComments[draw(std::size(kComments))]) + std::string(kOthers[draw(std::size(kOthers))]);
+        piece.replace(static_cast<std::size_t>(token.data() - piece.data()), token.size(), other);
+    }
+    std::string repeated;
+    for (std::size_t count = kTimes; count > 0 && repeated.size() <= most; --count) {
+        repeated += piece;
+    }
+    return repeated.size() <= most ? repeated : text;
+}
+
 }  // namespace
 
 std::vector<Value> valuesIn(std::string_view text) {
@@ -133,6 +182,10 @@ std::string mutatedJson(const std::string& text, std::size_t most, unsigned seed
             break;
         case 2:
             changed = mutator().mutated(text.empty() ? " " : text);
+            break;
+        case 3:
+        case 4:
+            changed = repeatedWayIn(text, most);
             break;
         default:
             for (std::size_t changes = 1 + draw(8) / 7; changes > 0; --changes) {

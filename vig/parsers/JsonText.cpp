@@ -32,65 +32,19 @@ std::string report(std::string_view text, std::size_t offset, const std::string&
            "\n";
 }
 
-// The offset of the quote that ends the string that begins at `begin`, or the size of the text.
-std::size_t endOfString(std::string_view text, std::size_t begin) {
-    for (std::size_t end = text.find('"', begin + 1); end != std::string_view::npos; end = text.find('"', end + 1)) {
-        const std::size_t lastOther = text.find_last_not_of('\\', end - 1);
-        if ((end - lastOther) % 2 == 1) {
-            return end;
-        }
-    }
-    return text.size();
-}
-
-// Whether the text can be nested so deep at all: true in doubt, for which a comment suffices. In the time of a few
-// instructions a byte, where to find out for certain takes as long as a fifth of the reading.
-bool canReach(unsigned levels, std::string_view text) {
-    unsigned depth = 0;
-    for (std::size_t place = 0; place < text.size(); ++place) {
-        switch (text[place]) {
-            case '[':
-            case '{':
-                if (++depth >= levels) {
-                    return true;
-                }
-                break;
-            case ']':
-            case '}':
-                depth -= depth > 0 ? 1 : 0;
-                break;
-            case '"':
-                place = endOfString(text, place);
-                break;
-            case '/':
-                return true;
-            default:
-                break;
+// Moves to the token behind which the reader would begin to read a value inside of `levels` arrays and objects; false
+// if there is none.
+bool moveToValueBelow(unsigned levels, JsonTokens& tokens) {
+    // The reader goes no further than the end of the first value.
+    while (tokens.next() && tokens.depth() > 0) {
+        // In an array the reader begins a value wherever the array is not closed at once, in an object after
+        // the colon.
+        const char kind = tokens.kind();
+        if (tokens.depth() >= levels && (kind == '[' ? !tokens.isFollowedBy(']') : kind == ':')) {
+            return true;
         }
     }
     return false;
-}
-
-// The offset of the first value inside of `levels` arrays and objects that the reader would begin to read.
-// A bracket of the wrong kind needs no care: the reader goes no deeper after an error.
-std::optional<std::size_t> findValueBelow(unsigned levels, std::string_view text) {
-    JsonTokens tokens(text);
-    unsigned depth = 0;
-    while (tokens.next()) {
-        const char kind = tokens.kind();
-        if (kind == '[' || kind == '{') {
-            ++depth;
-        } else if (depth == 0 || ((kind == ']' || kind == '}') && --depth == 0)) {
-            return std::nullopt;  // the reader goes no further than the end of the first value
-        }
-        // In an array the reader begins a value wherever the array is not closed at once, in an object after
-        // the colon.
-        if (depth >= levels && (kind == '[' ? !tokens.isFollowedBy(']') : kind == ':')) {
-            tokens.next();
-            return tokens.offset();
-        }
-    }
-    return std::nullopt;
 }
 
 // How far the token reaches that the reader takes for a number, in text that begins with one.
@@ -146,15 +100,15 @@ std::string respellNumber(std::string_view number) {
     return mantissa + "e" + std::to_string(*exponent - decimals);
 }
 
-}  // namespace
-
-std::optional<std::string> readJson(const std::string& text, Json::Value& root) {
+Json::CharReaderBuilder readerBuilder() {
     Json::CharReaderBuilder builder;
     // Comments are accepted and mean nothing. To keep them, the reader searches the text before each one again.
     builder.settings_["collectComments"] = false;
-    if (auto report = reportOfUnreadable(text, builder.settings_["stackLimit"].asUInt())) {
-        return report;
-    }
+    return builder;
+}
+
+// The reader's report if it finds an error. REQUIRES: the reader does not throw.
+std::optional<std::string> read(const std::string& text, const Json::CharReaderBuilder& builder, Json::Value& root) {
     const std::string respelled = respellForLocale(text);
     const std::string& readable = respelled.empty() ? text : respelled;
     std::string errors;
@@ -165,18 +119,35 @@ std::optional<std::string> readJson(const std::string& text, Json::Value& root) 
     return std::nullopt;
 }
 
+}  // namespace
+
+std::optional<std::string> readJson(const std::string& text, Json::Value& root) {
+    Json::CharReaderBuilder builder = readerBuilder();
+    if (auto report = reportOfUnreadable(text, builder.settings_["stackLimit"].asUInt())) {
+        return report;
+    }
+    return read(text, builder, root);
+}
+
 std::optional<std::string> reportOfUnreadable(std::string_view text, unsigned levels) {
     if (text.size() > kMostTextBytes) {
         return report(text, 0, "Longer than the limit of " + std::to_string(kMostTextBytes) + " bytes.");
     }
     const std::string_view json = withoutByteOrderMark(text);
-    if (!canReach(levels, json)) {
+    JsonTokens tokens(json);
+    if (!moveToValueBelow(levels, tokens)) {
         return std::nullopt;
     }
-    if (const auto offset = findValueBelow(levels, json)) {
-        return report(json, *offset, "Nested deeper than the limit of " + std::to_string(levels) + " levels.");
+    // The reader would not come so far if there is an error before, which shows when the text ends there.
+    const std::string_view before = json.substr(0, tokens.offset() + tokens.token().size());
+    Json::CharReaderBuilder builder = readerBuilder();
+    builder.settings_["stackLimit"] = levels + 1;
+    Json::Value root;
+    if (auto earlier = read(std::string(before) + "0" + tokens.closingBrackets(), builder, root)) {
+        return earlier;
     }
-    return std::nullopt;
+    tokens.next();
+    return report(json, tokens.offset(), "Nested deeper than the limit of " + std::to_string(levels) + " levels.");
 }
 
 std::string respellForLocale(std::string_view text) {

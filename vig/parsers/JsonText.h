@@ -16,9 +16,9 @@ namespace Brenta::OS::VIG {
 // any state. Each value knows its offsets in the text (after a byte order mark), where the locale needs no respelling.
 std::optional<std::string> readJson(const std::string& text, Json::Value& root);
 
-// A report, in the manner of the library's reader, if the reader would not return normally from this text
-// but throw: because it would have to read a value inside of `levels` or more arrays and objects, or could
-// meet a key of 1 GiB. Empty for every shorter text that the reader accepts.
+// Empty if the reader returns normally from this text. Otherwise it would throw, because it would have to read a value
+// inside of `levels` or more arrays and objects, or could meet a key of 1 GiB. The report says which and where, in the
+// manner of the reader; for a value that is nested too deep, it is the reader's own if there is an error before.
 std::optional<std::string> reportOfUnreadable(std::string_view text, unsigned levels);
 
 // The reader reads real numbers with the decimal point of the process's C++ locale. Where that is not ".",

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <string>
 #include <string_view>
 
 namespace Brenta::OS::VIG {
@@ -12,33 +13,41 @@ inline std::string_view withoutByteOrderMark(std::string_view text) {
     return text.starts_with(kMark) ? text.substr(kMark.size()) : text;
 }
 
-// Splits text where the reader splits it, as far as the text is valid: white space and comments separate
-// tokens, a token is a bracket, a comma, a colon, a string or a run of anything else.
+// A look-up for each byte, since many bytes are looked at.
+// Splits text into tokens, and follows which arrays and objects are open, as the reader does up to the first error
+// that it reports; from there on it goes no deeper. White space and comments separate tokens, a token is a bracket, a
+// comma, a colon, a string or a run of anything else.
 class JsonTokens {
   public:
     explicit JsonTokens(std::string_view json) : text(json) {}
 
     // Moves to the next token; false at the end of the text.
     bool next() {
-        skipSeparators();
+        const bool isAfterComment = skipSeparators();
         begin = position;
         if (position == text.size()) {
             return false;
         }
-        if (text[position] == '"') {
-            skipString();
-        } else if (isPunctuation(text[position])) {
-            ++position;
-        } else {
-            skipRun();
+        role = text[begin];
+        // Where a comment follows the value of a member, the reader takes whatever comes next for the comma.
+        if (isAfterComment && hasValue && isOpen('}') && role != '}') {
+            role = ',';
         }
+        skipToken();
+        follow();
         return true;
     }
 
-    // The kind of token: its first character.
-    char kind() const { return text[begin]; }
+    // The kind of token: its first character, or a comma if the reader takes it for one.
+    char kind() const { return role; }
     std::string_view token() const { return text.substr(begin, position - begin); }
     std::size_t offset() const { return begin; }
+
+    // How many arrays and objects are open after the token.
+    std::size_t depth() const { return open.size(); }
+
+    // The brackets that close what is open.
+    std::string closingBrackets() const { return {open.rbegin(), open.rend()}; }
 
     // Whether the next character that is not white space is `character`; comments are not skipped.
     bool isFollowedBy(char character) const {
@@ -48,42 +57,107 @@ class JsonTokens {
 
   private:
     static constexpr std::string_view kWhiteSpace = " \t\r\n";
-
-    static bool isPunctuation(char character) {
-        return std::string_view("[]{},:").find(character) != std::string_view::npos;
-    }
-
-    bool isAt(std::string_view mark) const { return text.substr(position, mark.size()) == mark; }
-
     void moveTo(std::size_t place) { position = std::min(place, text.size()); }
 
-    void skipSeparators() {
-        for (;;) {
-            moveTo(text.find_first_not_of(kWhiteSpace, position));
-            if (isAt("/*")) {
+    // Returns whether there was a comment.
+    bool skipSeparators() {
+        for (bool hasComment = false;; hasComment = true) {
+            skipWhiteSpace();
+            if (position == text.size() || text[position] != '/') {
+                return hasComment;
+            }
+            const std::string_view mark = text.substr(position, 2);
+            if (mark == "/*") {
                 const std::size_t end = text.find("*/", position + 2);
                 moveTo(end == std::string_view::npos ? end : end + 2);
-            } else if (isAt("//")) {
+            } else if (mark == "//") {
                 moveTo(text.find_first_of("\r\n", position));
             } else {
-                return;
+                return hasComment;
             }
         }
     }
 
-    void skipString() {
-        ++position;
-        while (position < text.size() && text[position] != '"') {
-            moveTo(position + (text[position] == '\\' ? 2 : 1));
+    void skipToken() {
+        switch (text[position++]) {
+            case '"':
+                skipString();
+                break;
+            case '/':
+                moveTo(position + 1);  // the reader looks for a comment
+                break;
+            case '[':
+            case ']':
+            case '{':
+            case '}':
+            case ',':
+            case ':':
+                break;
+            default:
+                moveTo(text.find_first_of(" \t\r\n[]{},:\"/", position));
         }
-        moveTo(position + 1);
     }
 
-    void skipRun() { moveTo(text.find_first_of(" \t\r\n[]{},:\"/", position + 1)); }
+    // From behind the first quote.
+    void skipString() {
+        const std::size_t content = position;
+        do {
+            moveTo(text.find('"', position));
+            moveTo(position + 1);
+        } while (position < text.size() && isEscaped(position - 1, content));
+    }
+
+    // Whether an odd number of backslashes stands before the place.
+    bool isEscaped(std::size_t place, std::size_t content) const {
+        std::size_t first = place;
+        while (first > content && text[first - 1] == '\\') {
+            --first;
+        }
+        return (place - first) % 2 == 1;
+    }
+
+    void skipWhiteSpace() {
+        std::size_t place = position;
+        while (place < text.size() && isWhiteSpace(text[place])) {
+            ++place;
+        }
+        position = place;
+    }
+
+    static bool isWhiteSpace(char character) {
+        return character == ' ' || character == '\n' || character == '\r' || character == '\t';
+    }
+
+    bool isOpen(char closing) const { return !open.empty() && open.back() == closing; }
+
+    void follow() {
+        switch (role) {
+            case '[':
+            case '{':
+                open += role == '[' ? ']' : '}';
+                hasValue = false;
+                break;
+            case ',':
+            case ':':
+                hasValue = false;
+                break;
+            case ']':
+            case '}':
+                if (isOpen(role)) {
+                    open.pop_back();
+                }
+                [[fallthrough]];
+            default:
+                hasValue = true;
+        }
+    }
 
     const std::string_view text;
     std::size_t position = 0;
     std::size_t begin = 0;
+    char role = '\0';
+    std::string open;       // the bracket that closes each of what is open
+    bool hasValue = false;  // the token is, or ends, a value or a key
 };
 
 }  // namespace Brenta::OS::VIG

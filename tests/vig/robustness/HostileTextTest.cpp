@@ -1,10 +1,14 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <host/LogSink.h>
+#include <pthread.h>
 
 #include <ctime>
+#include <functional>
 #include <iostream>
 #include <string>
+#include <string_view>
+#include <utility>
 
 #include "rulesengine/FiniteStateMachine.h"
 #include "tests/support/Mutator.h"
@@ -96,6 +100,39 @@ TEST_F(HostileText, LargeTextsOfOneKindTakeTimeInProportion) {
             ratio = secondsFor(piece, 4 * kMegabyte) / (secondsFor(piece, kMegabyte) + kAlways);
         }
         EXPECT_LE(ratio, 10) << piece;
+    }
+}
+
+void onThreadWithStack(std::size_t bytes, const std::function<void()>& work) {
+    pthread_attr_t attributes;
+    pthread_attr_init(&attributes);
+    ASSERT_EQ(pthread_attr_setstacksize(&attributes, bytes), 0);
+    const auto run = [](void* argument) -> void* {
+        (*static_cast<const std::function<void()>*>(argument))();
+        return nullptr;
+    };
+    pthread_t thread{};
+    ASSERT_EQ(pthread_create(&thread, &attributes, run, const_cast<std::function<void()>*>(&work)), 0);
+    pthread_join(thread, nullptr);
+}
+
+TEST_F(HostileText, TheDeepestDocumentNeedsAStackOf640Kilobytes) {
+    const std::pair<const char*, const char*> kinds[] = {{R"({"k":)", "}"}, {"[", "]"}, {R"([{"k":)", "}]"}};
+    for (const auto& [open, close] : kinds) {
+        const std::size_t levels = 996 / std::string_view(close).size();  // 1000 with those around it
+        std::string begin;
+        std::string end;
+        for (std::size_t level = 0; level < levels; ++level) {
+            begin += open;
+            end += close;
+        }
+        const std::string deep = begin + "1" + end;
+        for (const std::string& text : {R"({"x":)" + deep + R"(,"configs":[]})", R"({"configs":[{"x":)" + deep + "}]}",
+                                        begin + begin + "1", begin + "x"}) {
+            support::peakMemory(
+                [&] { onThreadWithStack(std::size_t{640} << 10, [&] { manager.parseResponse(text); }); });
+            EXPECT_FALSE(HasFailure()) << text;
+        }
     }
 }
 
