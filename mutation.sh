@@ -16,7 +16,7 @@ readonly TESTS=(rulesengine_test actions_test parsers_test manager_test failures
 # A fault can take all memory: many times what the tests take without one.
 readonly LIMIT_KB=4000000
 
-install_packages "${BUILD_PACKAGES[@]}" "${MUTATION_PACKAGES[@]}"
+install_packages "${BUILD_PACKAGES[@]}" "${TEST_PACKAGES[@]}" "${MUTATION_PACKAGES[@]}"
 # The workers share what they build. It may say where another worker has the examples, which are the same.
 export CCACHE_NOHASHDIR=1 CCACHE_IGNOREOPTIONS="-DVIG_SOURCE_DIR=*"
 
