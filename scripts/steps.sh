@@ -35,8 +35,10 @@ disk_advice() {
     local space folder
     read -r space folder < <(df --output=avail,file "$PROJECT/build" "${TMPDIR:-/tmp}" /var /usr 2>/dev/null |
         tail -n +2 | sort -n)
-    if [ "$space" -lt 2000 ] || grep -qE 'No space left on device|enough free space' "$1"; then
-        echo "The disk is full: make room in $folder, which has $((space / 1000)) MB left, and run this again."
+    if [ "$space" -lt 2000 ]; then
+        echo "The disk is full: make room in $folder, and run this again."
+    elif grep -qE 'No space left on device|enough free space' "$1"; then
+        echo "A disk is full: make room where the lines above say, and run this again."
     else
         return 1
     fi

@@ -35,7 +35,6 @@ fake dpkg-query 'printf "%s\n" "here amd64 installed" "both amd64 installed" "bo
 fake apt-get 'echo "apt-get is called"; exit 100'
 fake id 'echo 0'
 fake nproc 'echo 2'
-fake_cmake() { fake cmake "case \"\$*\" in *' -n') printf '[1/2] a\n[2/2] b\n' ;; *) echo \"$1\"; exit 1 ;; esac"; }
 
 expect 'what is missing' $'foreign\nremoved\nunknown' 'missing_packages here both foreign every removed unknown'
 expect 'nothing is missing' '' 'install_packages here both every'
@@ -44,7 +43,7 @@ expect 'any failure' $'Installing foreign, *apt-get is called\nme: Packages coul
 fake apt-get 'echo "  Temporary failure resolving somewhere"; exit 100'
 expect 'no network' $'Installing*\nme: No packages: see that there is a network*' 'install_packages foreign'
 fake apt-get 'echo "E: You do not have enough free space in somewhere"; exit 100'
-expect 'no room' $'Installing*\nme: The disk is full: make room in *' 'install_packages foreign'
+expect 'no room' $'Installing*\nme: A disk is full: make room where the lines above say*' 'install_packages foreign'
 fake apt-get '[ "$1" = update ] || { umask; cat; }'
 expect 'for all users, and without what is for the tool' $'Installing*packages.log\n0022\n.' \
     "umask 077; echo events | install_packages foreign; cat \"\$PROJECT/build/packages.log\"; printf ."
@@ -55,13 +54,16 @@ fake sudo 'echo "sudo: a password is required"; exit 1'
 expect 'a sudo that refuses' $'Installing*\nme: There is no sudo for 1000: as root, run apt-get install *' \
     'install_packages foreign'
 
-fake_cmake 'a.cpp: error'
+fake cmake 'echo "a.cpp: error"; exit 1'
 expect 'a configuration that fails' $'a.cpp: error\nme: The build has failed: mend what *a project/build/release.log ends*' \
     'build_preset release all'
-fake_cmake 'No space left on device'
-expect 'a full disk' $'*\nme: The disk is full: *' 'build_preset release all'
+fake cmake 'echo "No space left on device"; exit 1'
+expect 'a full disk' $'*\nme: A disk is full: *' 'build_preset release all'
 fake cmake 'case "$*" in *" -n") echo "[1/2] a" ;; *--build*) echo "a.cpp: error"; exit 1 ;; esac'
 expect 'a build that fails' $'Building in 1 steps (* on 2 cores); log in build/release.log\na.cpp: error\nme: The build has failed*' \
+    'build_preset release all'
+fake df 'printf "avail file\n9 elsewhere\n1 there\n5 here\n"'
+expect 'a full disk that has no room for its message' $'*\nme: The disk is full: make room in there, *' \
     'build_preset release all'
 fake cmake ':'
 expect 'nothing to build' '' 'build_preset release all'
