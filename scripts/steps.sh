@@ -14,7 +14,8 @@ require_build_folder() {
     local problem foreign
     problem=$(mkdir -p "$PROJECT/build" 2>&1) ||
         give_up "${problem#mkdir: }; make room, or run this in a copy of the project that is yours."
-    foreign=$(find "$PROJECT/build" ! -uid "$(id -u)" ! -writable -print -quit)
+    # An installation leaves the list of its files, which is no part of the build.
+    foreign=$(find "$PROJECT/build" ! -name install_manifest.txt ! -uid "$(id -u)" ! -writable -print -quit)
     [ -z "$foreign" ] ||
         give_up "$foreign belongs to $(stat -c %U "$foreign"); remove the folder build as that user or as root."
 }
