@@ -67,9 +67,11 @@ install_packages() {
 install_advice() {
     if grep -qE '^sudo: |may not run sudo|not in the sudoers' "$1"; then
         echo "There is no sudo for $(id -un): as root, run $2, and then this again."
+    elif disk_advice "$1"; then # which also keeps apt from what it fetches
+        :
     elif grep -qE 'resolving|Could not connect|Failed to fetch|Unable to (connect|locate)' "$1"; then
         echo "No packages: see that there is a network and that /etc/apt names the sources of Debian 12, and run this again."
     else
-        disk_advice "$1" || echo "Packages could not be installed: mend what $1 ends with, and run this again."
+        echo "Packages could not be installed: mend what $1 ends with, and run this again."
     fi
 }

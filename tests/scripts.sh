@@ -42,7 +42,7 @@ expect 'any failure' $'Installing foreign, *apt-get is called\nme: Packages coul
     'install_packages here foreign'
 fake apt-get 'echo "  Temporary failure resolving somewhere"; exit 100'
 expect 'no network' $'Installing*\nme: No packages: see that there is a network*' 'install_packages foreign'
-fake apt-get 'echo "E: You do not have enough free space in somewhere"; exit 100'
+fake apt-get 'echo "W: Failed to fetch it"; echo "E: You do not have enough free space in somewhere"; exit 100'
 expect 'no room' $'Installing*\nme: A disk is full: make room where the lines above say*' 'install_packages foreign'
 fake apt-get '[ "$1" = update ] || { umask; cat; }'
 expect 'for all users, and without what is for the tool' $'Installing*packages.log\n0022\n.' \
