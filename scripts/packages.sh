@@ -49,10 +49,10 @@ install_packages() {
     mapfile -t missing < <(missing_packages "$@")
     [ "${#missing[@]}" -gt 0 ] || return 0
     require_build_folder
-    command="apt-get install --no-install-recommends ${missing[*]}"
+    command="apt-get update && apt-get install --no-install-recommends ${missing[*]}"
     if [ "$(id -u)" -ne 0 ]; then
         sudo=(sudo)
-        [ -n "$(command -v sudo)" ] || give_up "There is no sudo: as root, run $command, and then this again."
+        [ -n "$(command -v sudo)" ] || give_up "There is no sudo: as root, run '$command', and then this again."
     fi
     echo "Installing ${missing[*]}, and what they need (a minute or two); log in build/packages.log" >&2
     # What is installed is for all users, whatever this one keeps from them.
@@ -66,7 +66,7 @@ install_packages() {
 # install_advice LOG COMMAND: what to do about packages that could not be installed.
 install_advice() {
     if grep -qE '^sudo: |may not run sudo|not in the sudoers' "$1"; then
-        echo "There is no sudo for $(id -un): as root, run $2, and then this again."
+        echo "There is no sudo for $(id -un): as root, run '$2', and then this again."
     elif disk_advice "$1"; then # which also keeps apt from what it fetches
         :
     elif grep -qE 'resolving|Could not connect|Failed to fetch|Unable to (connect|locate)' "$1"; then

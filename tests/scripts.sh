@@ -48,10 +48,10 @@ fake apt-get '[ "$1" = update ] || { umask; cat; }'
 expect 'for all users, and without what is for the tool' $'Installing*packages.log\n0022\n.' \
     "umask 077; echo events | install_packages foreign; cat \"\$PROJECT/build/packages.log\"; printf ."
 fake id 'echo 1000'
-expect 'no sudo' 'me: There is no sudo: as root, run apt-get install --no-install-recommends foreign, and then *' \
+expect 'no sudo' $'me: There is no sudo: as root, run \'apt-get update && apt-get install --no-install-recommends foreign\', and then *' \
     'install_packages foreign'
 fake sudo 'echo "sudo: a password is required"; exit 1'
-expect 'a sudo that refuses' $'Installing*\nme: There is no sudo for 1000: as root, run apt-get install *' \
+expect 'a sudo that refuses' $'Installing*\nme: There is no sudo for 1000: as root, run \'apt-get update && *' \
     'install_packages foreign'
 
 fake cmake 'echo "a.cpp: error"; exit 1'
