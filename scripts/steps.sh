@@ -34,12 +34,11 @@ logged() {
 # as well; fails if none is.
 disk_advice() {
     local space folder
-    read -r space folder < <(df --output=avail,file "$PROJECT/build" "${TMPDIR:-/tmp}" /var /usr 2>/dev/null |
-        tail -n +2 | sort -n)
-    if [ "$space" -lt 2000 ]; then
-        echo "The disk is full: make room in $folder, and run this again."
-    elif grep -qE 'No space left on device|enough free space' "$1"; then
-        echo "A disk is full: make room where the lines above say, and run this again."
+    read -r space folder < <(
+        df --output=avail,file "$PROJECT/build" "${TMPDIR:-/tmp}" /var/cache/apt /var/lib/dpkg /usr 2>/dev/null |
+            tail -n +2 | sort -n)
+    if [ "$space" -lt 2000 ] || grep -qE 'No space left on device|enough free space' "$1"; then
+        echo "A disk is full, most likely that of $folder: make room there, and run this again."
     else
         return 1
     fi

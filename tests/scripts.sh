@@ -43,7 +43,7 @@ expect 'any failure' $'Installing foreign, *apt-get is called\nme: Packages coul
 fake apt-get 'echo "  Temporary failure resolving somewhere"; exit 100'
 expect 'no network' $'Installing*\nme: No packages: see that there is a network*' 'install_packages foreign'
 fake apt-get 'echo "W: Failed to fetch it"; echo "E: You do not have enough free space in somewhere"; exit 100'
-expect 'no room' $'Installing*\nme: A disk is full: make room where the lines above say*' 'install_packages foreign'
+expect 'no room' $'Installing*\nme: A disk is full, most likely that of *' 'install_packages foreign'
 fake apt-get '[ "$1" = update ] || { umask; cat; }'
 expect 'for all users, and without what is for the tool' $'Installing*packages.log\n0022\n.' \
     "umask 077; echo events | install_packages foreign; cat \"\$PROJECT/build/packages.log\"; printf ."
@@ -58,12 +58,12 @@ fake cmake 'echo "a.cpp: error"; exit 1'
 expect 'a configuration that fails' $'a.cpp: error\nme: The build has failed: mend what *a project/build/release.log ends*' \
     'build_preset release all'
 fake cmake 'echo "No space left on device"; exit 1'
-expect 'a full disk' $'*\nme: A disk is full: *' 'build_preset release all'
+expect 'a full disk' $'*\nme: A disk is full, *' 'build_preset release all'
 fake cmake 'case "$*" in *" -n") echo "[1/2] a" ;; *--build*) echo "a.cpp: error"; exit 1 ;; esac'
 expect 'a build that fails' $'Building in 1 steps (* on 2 cores); log in build/release.log\na.cpp: error\nme: The build has failed*' \
     'build_preset release all'
 fake df 'printf "avail file\n9 elsewhere\n1 there\n5 here\n"'
-expect 'a full disk that has no room for its message' $'*\nme: The disk is full: make room in there, *' \
+expect 'a full disk that has no room for its message' $'*\nme: A disk is full, most likely that of there: *' \
     'build_preset release all'
 fake cmake ':'
 expect 'nothing to build' '' 'build_preset release all'
