@@ -10,15 +10,13 @@ cd "$(dirname "${BASH_SOURCE[0]}")"
 
 install_packages "${BUILD_PACKAGES[@]}" "${BENCH_PACKAGES[@]}"
 # The same objects as the release build's.
-cmake --preset release -DVIG_BENCH=ON >/dev/null
-build_preset release vig_bench
+build_preset release -DVIG_BENCH=ON vig_bench
 
 if [ "${1:-}" = --smoke ]; then
     exec build/release/bench/vig_bench --smoke
 fi
 
-table=$(mktemp)
-trap 'rm -f "$table"' EXIT
+table=build/bench.md
 build/release/bench/vig_bench | tee "$table"
 # The table stands between two marks; what is said about it is written by hand.
 sed -i -e "/^<!-- measured -->$/,/^<!-- end -->$/{/^<!-- measured -->$/r $table" -e '/^<!-- /!d}' docs/performance.md

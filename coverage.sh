@@ -13,7 +13,7 @@ cd "$(dirname "${BASH_SOURCE[0]}")"
 # shellcheck source=scripts/build.sh
 . scripts/build.sh
 
-install_packages "${BUILD_PACKAGES[@]}" "${COVERAGE_PACKAGES[@]}"
+install_packages "${BUILD_PACKAGES[@]}" "${TEST_PACKAGES[@]}" "${PICTURE_PACKAGES[@]}" "${COVERAGE_PACKAGES[@]}"
 build_preset coverage
 find build/coverage -name '*.gcda' -delete
 ctest --test-dir build/coverage --output-on-failure --parallel 2 >build/coverage/tests.log ||

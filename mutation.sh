@@ -21,7 +21,7 @@ readonly WORK=$PWD/build/mutation
 # A fault can take all memory, or fill the disk: many times what the tests take without one.
 readonly LIMIT_KB=4000000
 
-install_packages "${BUILD_PACKAGES[@]}" "${MUTATION_PACKAGES[@]}"
+install_packages "${BUILD_PACKAGES[@]}" "${TEST_PACKAGES[@]}" "${MUTATION_PACKAGES[@]}"
 # The workers share what they build. It may say where another worker has the examples, which are the same.
 export CCACHE_DIR=${CCACHE_DIR:-$WORK/ccache} CCACHE_NOHASHDIR=1 CCACHE_IGNOREOPTIONS="-DVIG_SOURCE_DIR=*"
 

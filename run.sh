@@ -3,7 +3,7 @@
 # seconds of watching this machine with an example document and then the replay of a recorded trace.
 set -euo pipefail
 
-# The arguments name files from where the caller stands, so only the build happens in the project's folder.
+# The arguments name files from where the caller stands, so that it stays there.
 project=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 # shellcheck source=scripts/packages.sh
 . "$project/scripts/packages.sh"
@@ -11,7 +11,8 @@ project=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 . "$project/scripts/build.sh"
 
 install_packages "${BUILD_PACKAGES[@]}"
-(cd "$project" && build_preset release vig_cli)
+# All that can be installed.
+build_preset release vig_cli vig_help_pages
 vig=$project/build/release/tools/vig/vig
 
 if [ $# -gt 0 ]; then

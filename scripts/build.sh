@@ -1,15 +1,27 @@
 # shellcheck shell=bash
 # Sourced by the scripts: configures and builds a preset.
 
-# build_preset PRESET [TARGET...]: quiet unless something is wrong.
+# shellcheck source=scripts/steps.sh
+. "$(dirname "${BASH_SOURCE[0]}")/steps.sh"
+
+# build_preset PRESET [-DNAME=VALUE...] [TARGET...]: quiet when there is nothing to build.
 build_preset() {
-    local preset=$1 log
-    shift
-    log=$(mktemp)
-    if ! { cmake --preset "$preset" && cmake --build "build/$preset" ${1:+--target "$@"}; } >"$log" 2>&1; then
-        cat "$log" >&2
-        rm -f "$log"
-        return 1
-    fi
-    rm -f "$log"
+    local preset=$1 options=() targets=() each build log steps seconds
+    for each in "${@:2}"; do
+        if [[ $each == -D* ]]; then options+=("$each"); else targets+=("$each"); fi
+    done
+    build=(cmake --build "$PROJECT/build/$preset" ${targets[0]:+--target "${targets[@]}"})
+    log=$PROJECT/build/$preset.log
+    require_build_folder
+    logged "$preset.log" cmake -S "$PROJECT" --preset "$preset" "${options[@]}" || give_up "$(build_advice "$log")"
+    steps=$("${build[@]}" -- -n | grep -c '^\[' || true)
+    [ "$steps" -gt 0 ] || return 0
+    seconds=$((steps * 2 / $(nproc)))
+    echo "Building in $steps steps (about $((seconds / 60 + 1)) min on $(nproc) cores); log in build/$preset.log" >&2
+    logged "$preset.log" "${build[@]}" || give_up "$(build_advice "$log")"
+}
+
+# build_advice LOG: what to do about a build that has failed.
+build_advice() {
+    disk_advice "$1" || echo "The build has failed: mend what $1 ends with, and run this again."
 }

@@ -1,11 +1,19 @@
 # shellcheck shell=bash
 # Sourced by the scripts: installs from Debian what the project needs. This is the one place that names packages.
 
-# What builds and tests the project.
+# shellcheck source=scripts/steps.sh
+. "$(dirname "${BASH_SOURCE[0]}")/steps.sh"
+
+# What builds and runs the library and the tool.
 readonly BUILD_PACKAGES=(
-    ca-certificates cmake fonts-dejavu-core g++ graphviz groff-base libcli11-dev libfmt-dev libgmock-dev libgtest-dev
-    libjsoncpp-dev libsimdjson-dev libvalijson-dev libzstd-dev locales ninja-build zlib1g-dev
+    cmake g++ libcli11-dev libfmt-dev libjsoncpp-dev libsimdjson-dev libzstd-dev ninja-build zlib1g-dev
 )
+# What the tests need besides.
+# shellcheck disable=SC2034
+readonly TEST_PACKAGES=(groff-base libgmock-dev locales python3-fastjsonschema)
+# What draws, for the tests of pictures.
+# shellcheck disable=SC2034
+readonly PICTURE_PACKAGES=(fonts-dejavu-core graphviz)
 # What the benchmark measures with, and against.
 # shellcheck disable=SC2034
 readonly BENCH_PACKAGES=(
@@ -26,26 +34,44 @@ readonly CHECK_PACKAGES=(clang clang-format clang-tidy libclang-rt-14-dev shellc
 # shellcheck disable=SC2034
 readonly MODEL_PACKAGES=(gcc libc6-dev spin)
 
-as_root() {
-    if [ "$(id -u)" -eq 0 ]; then
-        "$@"
-    else
-        sudo "$@"
-    fi
+# missing_packages PACKAGE...: those that are not installed for this machine's own architecture, a line each.
+missing_packages() {
+    # Names every architecture of a package, and fails if one of them is unknown.
+    { dpkg-query -W -f='${Package} ${Architecture} ${db:Status-Status}\n' "$@" 2>/dev/null || true; } |
+        awk -v native="$(dpkg --print-architecture)" -v wanted="$*" '
+            $3 == "installed" && ($2 == native || $2 == "all") { there[$1] = 1 }
+            END { count = split(wanted, names, " "); for (i = 1; i <= count; ++i) if (!(names[i] in there)) print names[i] }'
 }
 
 # install_packages PACKAGE...: does nothing, and asks for no rights, when all are there.
 install_packages() {
-    local package missing=()
-    for package in "$@"; do
-        if [ "$(dpkg-query -W -f='${db:Status-Status}' "$package" 2>/dev/null)" != installed ]; then
-            missing+=("$package")
-        fi
-    done
-    if [ "${#missing[@]}" -eq 0 ]; then
-        return
+    local missing sudo=() command log=$PROJECT/build/packages.log
+    mapfile -t missing < <(missing_packages "$@")
+    [ "${#missing[@]}" -gt 0 ] || return 0
+    require_build_folder
+    command="apt-get update && apt-get install --no-install-recommends ${missing[*]}"
+    if [ "$(id -u)" -ne 0 ]; then
+        sudo=(sudo)
+        [ -n "$(command -v sudo)" ] || give_up "There is no sudo: as root, run '$command', and then this again."
     fi
-    echo "Installing: ${missing[*]}" >&2
-    as_root apt-get update -qq
-    as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}" >&2
+    echo "Installing ${missing[*]}, and what they need (a minute or two); log in build/packages.log" >&2
+    # What is installed is for all users, whatever this one keeps from them.
+    # shellcheck disable=SC2016
+    logged packages.log "${sudo[@]}" env LC_ALL=C DEBIAN_FRONTEND=noninteractive sh -c '
+        umask 022
+        apt-get update
+        exec apt-get install -y --no-install-recommends "$@"' sh "${missing[@]}" || give_up "$(install_advice "$log" "$command")"
+}
+
+# install_advice LOG COMMAND: what to do about packages that could not be installed.
+install_advice() {
+    if grep -qE '^sudo: |may not run sudo|not in the sudoers' "$1"; then
+        echo "There is no sudo for $(id -un): as root, run '$2', and then this again."
+    elif disk_advice "$1"; then # which also keeps apt from what it fetches
+        :
+    elif grep -qE 'resolving|Could not connect|Failed to fetch|Unable to (connect|locate)' "$1"; then
+        echo "No packages: see that there is a network and that /etc/apt names the sources of Debian 12, and run this again."
+    else
+        echo "Packages could not be installed: mend what $1 ends with, and run this again."
+    fi
 }

@@ -58,6 +58,7 @@ class EveryVerb : public testing::Test {
         tests = write("tests", R"({"rules":")" + fs::path(rules).filename().string().replace(5, 1, "\\u001b") +
                                    R"(","tests":[{"name":")" + kHostile + R"(","events":[],"expect":{"states":{"7":")" +
                                    kHostile + R"("},"log":[")" + kHostile + R"("]}}]})");
+        support::writeMachine(folder, kHostileName);
         add("run", tool::run, ReportFormat::Text);
         add("run --format jsonl", tool::run, ReportFormat::Jsonl);
         add("run of several", tool::fleet, ReportFormat::Text);
@@ -86,6 +87,8 @@ class EveryVerb : public testing::Test {
         addWith<tool::WatchOptions>("watch", tool::watch, [this](auto& options) {
             options.rules = rules;
             options.interval = options.duration = std::chrono::milliseconds(1);
+            options.procFolder = folder.path("proc");
+            options.sysFolder = folder.path("sys");
         });
         addWith<tool::SummaryOptions>("summary", tool::summary,
                                       [this](auto& options) { options.files = {summaryOfDevices()}; });

@@ -5,11 +5,15 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
+#include <cstdio>
+#include <filesystem>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "tests/support/TemporaryFolder.h"
 #include "tools/vig/Console.h"
 #include "tools/vig/Interruption.h"
 
@@ -51,6 +55,31 @@ ToolResult runVerb(int (*verb)(const Options&, const tool::Console&, const tool:
     const tool::Interruption interruption;
     const int status = verb(options, {in.descriptor, out.descriptor, err.descriptor}, interruption);
     return {status, out.content(), err.content()};
+}
+
+// What a shell command writes, errors included.
+inline std::string outputOf(const std::string& command) {
+    std::FILE* const pipe = popen(("(" + command + ") 2>&1").c_str(), "r");
+    std::array<char, 4096> piece;
+    std::string output;
+    while (const std::size_t size = std::fread(piece.data(), 1, piece.size(), pipe)) {
+        output.append(piece.data(), size);
+    }
+    pclose(pipe);
+    return output;
+}
+
+// Writes the folders "proc" and "sys" of a machine that has all that the tool observes, with one process of that name.
+inline void writeMachine(const TemporaryFolder& folder, const std::string& process) {
+    for (const char* const each : {"proc/1", "proc/pressure", "sys/block/zram0"}) {
+        std::filesystem::create_directories(folder.path(each));
+    }
+    folder.write("proc/meminfo", "MemTotal: 4000 kB\nMemFree: 3000 kB\nMemAvailable: 3500 kB\nCached: 20 kB\n");
+    const std::string pressure = " avg10=1.50 avg60=0.25 avg300=0.00 total=12\n";
+    folder.write("proc/pressure/memory", "some" + pressure + "full" + pressure);
+    folder.write("proc/1/status", "Name:\t" + process + "\nVmRSS:\t100 kB\nVmSwap:\t10 kB\n");
+    folder.write("proc/1/stat", "1 (" + process + ") S 1 1 1 0 -1 0 0 0 0 0 7 0 0 0 20 0 1 0 5 1 1\n");
+    folder.write("sys/block/zram0/mm_stat", "1 2 3 4 5 6 7 8 9\n");
 }
 
 // The lines that begin like that.

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <filesystem>
 #include <string>
 
 #include "tests/support/TemporaryFolder.h"
@@ -23,12 +22,11 @@ std::optional<Catalogue> readText(const std::string& text, std::string& problem)
 TEST(Catalogue, KnowsWhatTheSamplerProducesAndActionsRead) {
     Catalogue catalogue = Catalogue::builtIn();
     const std::string before = catalogue.text();
-    const support::TemporaryFolder sys;
-    std::filesystem::create_directories(sys.path("block/zram0"));
-    sys.write("block/zram0/mm_stat", "1 2 3 4 5 6 7 8 9\n");
+    const support::TemporaryFolder machine;
+    support::writeMachine(machine, "camera");
     std::chrono::seconds now{0};
     SystemSampler sampler(
-        "/proc", sys.path(), [&now] { return ++now; }, [](std::string_view) {});
+        machine.path("proc"), machine.path("sys"), [&now] { return ++now; }, [](std::string_view) {});
     for (int sample = 0; sample < 2; ++sample) {
         sampler.sample(0, [&](const EventRecord& record) { catalogue.learn(record); });
     }

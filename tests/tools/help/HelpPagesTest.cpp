@@ -1,28 +1,16 @@
 #include <gmock/gmock.h>
 
-#include <array>
-#include <cstdio>
 #include <string>
 
 #include "tests/support/TemporaryFolder.h"
+#include "tests/tools/ToolRun.h"
 #include "tools/vig/help/Completion.h"
 #include "tools/vig/help/ManPage.h"
 
 namespace {
 
+using support::outputOf;
 using testing::HasSubstr;
-
-// What a shell command writes, errors included.
-std::string outputOf(const std::string& command) {
-    std::FILE* const pipe = popen(("(" + command + ") 2>&1").c_str(), "r");
-    std::array<char, 4096> piece;
-    std::string output;
-    while (const std::size_t size = std::fread(piece.data(), 1, piece.size(), pipe)) {
-        output.append(piece.data(), size);
-    }
-    pclose(pipe);
-    return output;
-}
 
 // Also with what nothing has yet: marks of each language in descriptions, a long list of words.
 tool::ProgramHelp helpWithOddities() {
