@@ -12,7 +12,7 @@ cd "$prefix"
 diff <(find . -type f -printf '%f\n' | sort) <(printf '%s\n' _vig libvig_platform.so vig vig vig.1 | LC_ALL=C sort)
 [[ $(bin/vig --version) == vig\ * ]]
 # The library is the one beside it, not that of the build.
-ldd bin/vig | grep -qF "=> $prefix/bin/../lib"
+[[ $(ldd bin/vig) == *"=> $prefix/bin/../lib"* ]]
 [[ $(groff -man -Tascii share/man/man1/vig.1) == *"vig run"* ]]
 bash -c '. share/bash-completion/completions/vig && complete -p vig >/dev/null'
 [[ $(head -n 1 share/zsh/site-functions/_vig) == "#compdef vig" ]]

@@ -187,12 +187,12 @@ TEST(EventReader, TextOfAnyLengthIsShownByItsBeginning) {
     const std::string name(1000, 'n');
     const std::string digits(70, '9');
     const std::pair<std::string, std::string> cases[] = {
-        {'"' + name + "\":1", name.substr(0, 60) + "…: unknown key"},
+        {'"' + name + "\":1", name.substr(0, 64) + "…: unknown key"},
         {R"("int64":{")" + name + "\":\"\"}",
-         "int64." + name.substr(0, 60) + "…: expected a signed 64-bit integer, got \"\""},
+         "int64." + name.substr(0, 64) + "…: expected a signed 64-bit integer, got \"\""},
         {R"("int64":{"a":)" + digits + "}",
-         "int64.a: expected a signed 64-bit integer, got " + digits.substr(0, 60) + "…, which is out of its range"},
-        {R"("event":")" + name + "\"", "event: unknown event \"" + name.substr(0, 60) + "…\""},
+         "int64.a: expected a signed 64-bit integer, got " + digits.substr(0, 64) + "…, which is out of its range"},
+        {R"("event":")" + name + "\"", "event: unknown event \"" + name.substr(0, 64) + "…\""},
     };
     for (const auto& [member, message] : cases) {
         EXPECT_EQ(ReadAll("{" + member + "}").error, "events.jsonl:1: error: " + message);

@@ -3,6 +3,7 @@
 #include <json/reader.h>
 #include <json/value.h>
 
+#include <algorithm>
 #include <charconv>
 #include <cstddef>
 #include <cstdint>
@@ -134,6 +135,11 @@ std::optional<std::string> reportOfUnreadable(std::string_view text, unsigned le
         return report(text, 0, "Longer than the limit of " + std::to_string(kMostTextBytes) + " bytes.");
     }
     const std::string_view json = withoutByteOrderMark(text);
+    // Most documents have fewer brackets than that in all, which is soon counted.
+    if (std::count(json.begin(), json.end(), '[') + std::count(json.begin(), json.end(), '{') <
+        static_cast<std::ptrdiff_t>(levels)) {
+        return std::nullopt;
+    }
     JsonTokens tokens(json);
     if (!moveToValueBelow(levels, tokens)) {
         return std::nullopt;

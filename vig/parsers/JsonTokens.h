@@ -13,7 +13,6 @@ inline std::string_view withoutByteOrderMark(std::string_view text) {
     return text.starts_with(kMark) ? text.substr(kMark.size()) : text;
 }
 
-// A look-up for each byte, since many bytes are looked at.
 // Splits text into tokens, and follows which arrays and objects are open, as the reader does up to the first error
 // that it reports; from there on it goes no deeper. White space and comments separate tokens, a token is a bracket, a
 // comma, a colon, a string or a run of anything else.
@@ -57,6 +56,7 @@ class JsonTokens {
 
   private:
     static constexpr std::string_view kWhiteSpace = " \t\r\n";
+
     void moveTo(std::size_t place) { position = std::min(place, text.size()); }
 
     // Returns whether there was a comment.
