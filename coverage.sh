@@ -34,7 +34,7 @@ report() {
     local gcovr=(gcovr --root . --object-directory build/coverage "${@/#/--filter=}"
         --exclude-throw-branches --exclude-unreachable-branches)
     printf '\n== %s: what is not reached\n' "$name"
-    "${gcovr[@]}" --json build/coverage.json
+    "${gcovr[@]}" --json build/coverage.json || return 1
     gcovr --root . --add-tracefile build/coverage.json | missing
     gcovr --root . --add-tracefile build/coverage.json --branches | missing
     printf '\n== %s: at least %s %% of the lines and %s %% of the branches\n' "$name" "$lines" "$branches"

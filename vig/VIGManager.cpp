@@ -114,7 +114,7 @@ void VIGManager::endRegistration(std::unique_lock<std::mutex>& lock) {
     replaceRegistration(lock, nullptr, wasEver ? RegistrationState::Deregistered : RegistrationState::NeverRegistered);
 }
 
-// The number of the registration that has taken the place of the latest one.
+// Returns the number of the registration that takes the place of the latest one.
 std::uint64_t VIGManager::replaceRegistration(std::unique_lock<std::mutex>& lock, Callback newCallback,
                                               RegistrationState newState) {
     callback = std::move(newCallback);
@@ -196,7 +196,7 @@ void VIGManager::pollFor(std::uint64_t registration) {
     }
 }
 
-// Whether there is a request, which ends the sleep.
+// Returns whether there is a request, which ends the sleep.
 bool VIGManager::sleepUnlessRequested(std::int32_t delay) {
     std::unique_lock lock(mutex);
     const auto isRequested = [this] { return watchRequest.has_value(); };
@@ -206,8 +206,7 @@ bool VIGManager::sleepUnlessRequested(std::int32_t delay) {
 
 void VIGManager::goLive(std::uint64_t registration) {
     if (isAwaited(registration)) {
-        // The service may hold a lock while it notifies, so it is asked before the passage that a notification waits
-        // for.
+        // The service is asked before the passage, so that nobody waits at the gate for its answer.
         const std::string response = getConfig();
         if (const DeliveryGate::Passage passage(*gate, registration); passage) {
             deliver(registration, response);
@@ -239,7 +238,7 @@ void VIGManager::deliver(std::uint64_t registration, const std::string& response
     }
 }
 
-// Whether the registration still held, so that its listener is in place.
+// Returns whether the registration still held, so that its listener is in place.
 bool VIGManager::subscribe(std::uint64_t registration) {
     std::unique_lock lock(mutex);
     subscriptionSettled.wait(lock, [this] { return subscribingThread == std::thread::id(); });
@@ -273,7 +272,7 @@ void VIGManager::unsubscribe(std::unique_lock<std::mutex>& lock) {
     });
 }
 
-// Without the mutex: the service may wait for a notification whose handler needs it.
+// The call is made without the mutex: the service may wait for a notification whose handler needs it.
 template <typename Call>
 void VIGManager::callService(std::unique_lock<std::mutex>& lock, const Call& call) {
     subscribingThread = std::this_thread::get_id();

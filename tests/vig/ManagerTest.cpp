@@ -161,12 +161,10 @@ TEST_F(ManagerTest, ARegistrationWhileTheWatcherPollsGetsAFullBackOffOfItsOwn) {
 }
 
 TEST_F(ManagerTest, ARegistrationWhileTheWatcherSleepsIsServedAtOnce) {
-    config.sleepsUntilRequested = true;
+    config.onlyRequestsWake = true;
     config.availability = [](int check) { return check > 1; };
-    std::promise<void> sleeping;
-    config.duringSleep = [&](int) { sleeping.set_value(); };
     manager->registerCallback(receiver.callback());
-    sleeping.get_future().wait();
+    config.asleep.get_future().wait();
     support::Receiver second;
     manager->registerCallback(second.callback());
     second.waitFor(1);

@@ -89,16 +89,16 @@ class Modeller {
 };
 
 std::string termOf(const OperandModel& model, FilterValueType valueType) {
+    const std::string& text = model.operand.value;
     switch (model.operand.type) {
         case FilterOperand::Type::Function:
-            return shortened(model.operand.value, kMostShownOfName) + "()";
+            return text + "()";
         case FilterOperand::Type::Envvar:
-            return shortened(model.operand.value, kMostShownOfName);
+            return text;
         case FilterOperand::Type::Constant:
             break;
     }
-    return valueType == FilterValueType::String ? shownQuoted(model.operand.value)
-                                                : shortened(model.operand.value, kMostShownOfName);
+    return valueType == FilterValueType::String ? quoted(text) : text;
 }
 
 }  // namespace
@@ -115,6 +115,13 @@ std::string_view textOf(FilterOperator op) {
 std::string conditionOf(const FilterModel& filter) {
     return termOf(filter.operand1, filter.valueType) + " " + std::string(textOf(filter.op)) + " " +
            termOf(filter.operand2, filter.valueType);
+}
+
+std::string shownCondition(FilterModel filter) {
+    for (OperandModel* const each : {&filter.operand1, &filter.operand2}) {
+        each->operand.value = shortened(each->operand.value, kMostShownOfName);
+    }
+    return conditionOf(filter);
 }
 
 }  // namespace tool

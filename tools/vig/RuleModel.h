@@ -59,8 +59,10 @@ ConfigModel modelOf(const DocumentText& document, Json::ArrayIndex index);
 // The operator as documents write it.
 std::string_view textOf(Brenta::OS::VIG::FilterOperator op);
 
-// The filter as a condition for people to read: `vmRssKB > 2097152`, `PseudoRandomDouble() < 0.1`, `"a" == name`. Of a
-// long name or text there is the beginning.
+// The filter as a condition for people to read: `vmRssKB > 2097152`, `PseudoRandomDouble() < 0.1`, `"a" == name`.
 std::string conditionOf(const FilterModel& filter);
+
+// The same, with the beginning of each long name and text.
+std::string shownCondition(FilterModel filter);
 
 }  // namespace tool

@@ -4,6 +4,7 @@
 #include <sys/mman.h>
 #include <sys/stat.h>
 
+#include <cerrno>
 #include <chrono>
 #include <memory>
 #include <utility>
@@ -100,6 +101,10 @@ bool RuleSession::copyPipe(const Interruption& interruption) {
         return false;
     }
     pipeCopy.emplace(memfd_create("rules", MFD_CLOEXEC));
+    if (!pipeCopy->isOpen()) {
+        reason = systemError(errno);
+        return false;
+    }
     Output copy(pipeCopy->get());
     copy.write(*text);
     copy.flush();

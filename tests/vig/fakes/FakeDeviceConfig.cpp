@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <utility>
+
 #include "vig/WatcherSleep.h"
 
 // Definitions in an executable take precedence over those of the shared platform library.
@@ -41,8 +43,14 @@ void sleepBetweenChecks(std::unique_lock<std::mutex>& lock, std::condition_varia
     lock.unlock();
     config.sleep(static_cast<int>(delay.count()));
     lock.lock();
-    if (config.sleepsUntilRequested) {
-        woken.wait(lock, isRequested);
+    if (config.onlyRequestsWake) {
+        woken.wait(lock, [&, isAsleep = false]() mutable {
+            if (!std::exchange(isAsleep, true)) {
+                config.asleep.set_value();
+                return false;
+            }
+            return isRequested();
+        });
     }
 }
 

@@ -6,6 +6,7 @@
 #include <condition_variable>
 #include <cstddef>
 #include <functional>
+#include <future>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -33,7 +34,8 @@ class FakeDeviceConfig {
     std::function<void(const Listener&)> onAdded = [](const Listener&) {};
     std::function<void(const Listener&)> beforeRemoving = [](const Listener&) {};
     std::function<void(const Listener&)> onRemoved = [](const Listener&) {};
-    bool sleepsUntilRequested = false;
+    bool onlyRequestsWake = false;
+    std::promise<void> asleep;  // with onlyRequestsWake: a request from now on finds the watcher waiting
 
     void setResponse(std::optional<std::string> value) {
         const std::lock_guard lock(mutex);

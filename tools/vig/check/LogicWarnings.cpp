@@ -173,9 +173,9 @@ class Contradictions {
         };
         const auto culprit = std::ranges::find_if(earlier, excludes);
         const std::string others =
-            culprit == earlier.end() ? "the filters before it taken together" : "`" + conditionOf(**culprit) + "`";
+            culprit == earlier.end() ? "the filters before it taken together" : "`" + shownCondition(**culprit) + "`";
         warn(found, "never-true", filter.place,
-             "`" + conditionOf(filter) + "` contradicts " + others + " in the same transition",
+             "`" + shownCondition(filter) + "` contradicts " + others + " in the same transition",
              "a transition fires only if all its filters hold: make two transitions for two cases");
     }
 
@@ -211,7 +211,7 @@ void warnOfTruth(const FilterModel& filter, Truth truth, std::vector<Diagnostic>
     const bool always = truth == Truth::Always;
     const std::string why = isOfConstants(filter) ? ", being a comparison of two constants" : ", whatever the event";
     warn(found, always ? "always-true" : "never-true", filter.place,
-         "`" + conditionOf(filter) + "` is " + (always ? "always" : "never") + " true" + why,
+         "`" + shownCondition(filter) + "` is " + (always ? "always" : "never") + " true" + why,
          always ? "leave the filter out" : "mend the filter, or leave the transition out");
 }
 

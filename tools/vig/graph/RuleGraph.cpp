@@ -60,7 +60,7 @@ void append(Marks& marks, const Marks& more) {
 GraphArrow arrowOf(const TransitionModel& transition) {
     GraphArrow arrow;
     arrow.title = nameOf(transition.event);
-    std::ranges::transform(transition.filters, std::back_inserter(arrow.conditions), conditionOf);
+    std::ranges::transform(transition.filters, std::back_inserter(arrow.conditions), shownCondition);
     std::ranges::transform(transition.actions, std::back_inserter(arrow.actions), &ActionModel::key);
     return arrow;
 }

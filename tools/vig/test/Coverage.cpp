@@ -85,7 +85,7 @@ void Coverage::loaded(const TracedDocument& document) {
             transitions.push_back({description, placeText(document, each.place), each.place.path});
             for (const FilterModel& filter : each.filters) {
                 transitions.back().filters.push_back(
-                    {conditionOf(filter), placeText(document, filter.place), filter.place.path});
+                    {shownCondition(filter), placeText(document, filter.place), filter.place.path});
             }
         }
     }

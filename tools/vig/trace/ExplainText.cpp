@@ -40,11 +40,11 @@ void addAttempt(std::vector<std::string>& lines, const Attempt& attempt) {
     lines.push_back(fmt::format("  {} -> {}: {}", transition.place.path, shownName(transition.to), outcome));
     std::size_t width = 0;
     for (const Comparison& each : attempt.comparisons) {
-        width = std::max(width, printable(conditionOf(*each.filter)).size());
+        width = std::max(width, printable(shownCondition(*each.filter)).size());
     }
     for (const Comparison& each : attempt.comparisons) {
         lines.push_back(fmt::format("    {:<4}  {:<{}}  {}", each.verdict ? "yes" : "no",
-                                    printable(conditionOf(*each.filter)), width,
+                                    printable(shownCondition(*each.filter)), width,
                                     shown(*each.filter, each.left, each.right)));
     }
     if (attempt.fired) {
@@ -139,7 +139,7 @@ std::vector<std::string> whyNotLines(const WhyNot& answer) {
     lines.push_back(fmt::format("{:>9}   for which it was tried", answer.tried()));
     for (std::size_t i = 0; i < transition.filters.size(); ++i) {
         const WhyNot::Stops& stops = answer.stops()[i];
-        std::string what = "    stopped by " + printable(conditionOf(transition.filters[i]));
+        std::string what = "    stopped by " + printable(shownCondition(transition.filters[i]));
         if (stops.nearest) {
             what += nearestText(transition.filters[i], *stops.nearest);
         }
