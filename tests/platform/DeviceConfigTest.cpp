@@ -168,12 +168,17 @@ TEST(DeviceConfig, UnboundPropertiesAreTheFilesOfTheEnvironmentsFolder) {
     const support::TemporaryFolder folder;
     const fs::path rules = folder.path("unbound") / kProperty;
     fs::create_directory(rules.parent_path());
+    fs::create_directory(folder.path("sooner"));
     setenv("VIG_DEVICE_CONFIG", folder.path().c_str(), 1);
     DeviceConfig client;
     unsetenv("VIG_DEVICE_CONFIG");
     const auto recorder = std::make_shared<Recorder>();
+    const auto barrier = std::make_shared<Recorder>();
     client.addOnPropertiesChangeListener("unbound", recorder);
+    client.addOnPropertiesChangeListener("sooner", barrier);
     write(rules.parent_path() / ".rules.swp", "an editor's own");
+    write(folder.path("sooner") / kProperty, "1");
+    EXPECT_TRUE(barrier->sees("1"));
     writeByRename(rules, "text");
     EXPECT_TRUE(recorder->sees("text"));
     EXPECT_EQ(recorder->values().size(), 1U);
