@@ -21,8 +21,7 @@ using Brenta::OS::VIG::VIGManager;
 using testing::ExitedWithCode;
 
 std::string document() {
-    return support::document(
-        {support::config(7, {support::transition("start", "end", "Test", "[]", R"([{"name":"LogZramHeartBeat"}])")})});
+    return support::documentOf({support::transition("start", "end", "Test", "[]", R"([{"name":"LogZramHeartBeat"}])")});
 }
 
 FiniteStateMachine& machineOf(const std::vector<std::unique_ptr<Brenta::OS::VIG::VIGConfig>>& configs) {

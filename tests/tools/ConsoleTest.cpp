@@ -83,8 +83,7 @@ TEST(Console, ColoursAreForTerminalsWhoseUserWantsThem) {
     const support::TemporaryFolder folder;
     const Variable again("TERM", "xterm");
     tool::RunOptions options;
-    options.rules = folder.write(
-        "rules.json", support::document({support::config(7, {support::transition("start", "end", "Test")})}));
+    options.rules = folder.write("rules.json", support::documentOf({support::transition("start", "end", "Test")}));
     options.events = folder.write("events.jsonl", "{\"event\":\"Test\"}\n");
     const tool::Interruption interruption;
     EXPECT_EQ(tool::run(options, {STDIN_FILENO, terminal, terminal}, interruption), 0);

@@ -44,15 +44,11 @@ class EveryVerb : public testing::Test {
 
     EveryVerb() {
         const std::string trigger = R"([{"name":"TriggerVelora"}])";
-        const std::string filters =
-            "[" +
-            support::filter(">", "integer", support::operand("envvar", kHostile), support::operand("constant", "0")) +
-            "]";
-        rules =
-            write("rules", support::document({support::config(
-                               7, {support::transition("start", kHostile, "ProcessMemoryHeartBeat", filters, trigger),
-                                   support::transition(kHostile, "end", "Test")})}));
-        refused = write("refused", support::document({support::config(7, {support::transition("a", "b", kHostile)})}));
+        const std::string filters = support::filters({"integer " + kHostile + " > =0"});
+        rules = write("rules", support::documentOf(
+                                   {support::transition("start", kHostile, "ProcessMemoryHeartBeat", filters, trigger),
+                                    support::transition(kHostile, "end", "Test")}));
+        refused = write("refused", support::documentOf({support::transition("a", "b", kHostile)}));
         events = write("events", R"({"event":"ProcessMemoryHeartBeat","int64":{"vmRssKB":1,"vmSwapKB":2,")" + kHostile +
                                      R"(":1},"string":{"processName":")" + kHostile + "\"}}\n");
         tests = write("tests", R"({"rules":")" + fs::path(rules).filename().string().replace(5, 1, "\\u001b") +

@@ -51,9 +51,7 @@ class WatchCommand : public testing::Test {
 
     // Asks for a trigger for about half of the processes, and moves with the first sample.
     static std::string sampling(const std::string& reached) {
-        const std::string half = R"([{"operator":"<","value_type":"double","operand1":)"
-                                 R"({"type":"function","value":"PseudoRandomDouble"},)"
-                                 R"("operand2":{"type":"constant","value":"0.5"}}])";
+        const std::string half = support::filters({"double PseudoRandomDouble() < =0.5"});
         return document({
             config(1, {transition("start", "start", "ProcessMemoryHeartBeat", half, R"([{"name":"TriggerVelora"}])")}),
             config(2, {transition("start", reached, "SystemMemoryHeartBeat")}),

@@ -224,10 +224,9 @@ TEST_F(MachineParserTest, BuildsAMachineWithAContextOfItsOwnAndDoesNotStartIt) {
 }
 
 TEST_F(MachineParserTest, KeepsTheOrderOfTransitionsAndActions) {
-    const std::string gate =
-        support::filter("==", "integer", support::operand("envvar", "x"), support::operand("constant", "1"));
     const auto parsed = expectAccepted(
-        json(machine({transition("start", "start", "Test", "[" + gate + "]", R"([{"name":"Record"},{"name":"Test"}])"),
+        json(machine({transition("start", "start", "Test", support::filters({"integer x == =1"}),
+                                 R"([{"name":"Record"},{"name":"Test"}])"),
                       transition("start", "idle", "Test", "[]", R"([{"name":"Record"},{"name":"Record"}])"),
                       transition("start", "end", "Test"), transition("idle", "busy", "Test")})));
     parsed->onEvent(support::TestEvent({.int64 = {{"x", 1}}}));
