@@ -89,17 +89,11 @@ TEST_F(CheckCommand, WritesJson) {
     EXPECT_EQ(root["warnings"], 1);
     EXPECT_EQ(root["files"], 1);
     ASSERT_EQ(root["findings"].size(), 3u);
-    const Json::Value& first = root["findings"][0];
-    EXPECT_EQ(first["file"], folder.path("a b.json").string());
-    EXPECT_EQ(first["severity"], "warning");
-    EXPECT_EQ(first["name"], "unknown-key");
-    EXPECT_EQ(first["path"], "configs[0].note ä");
-    EXPECT_EQ(first["line"], 2);
-    EXPECT_EQ(first["column"], 4);
-    EXPECT_EQ(first["end_line"], 2);
-    EXPECT_EQ(first["end_column"], 13);
-    EXPECT_EQ(first["message"], R"(the key "note ä" is ignored)");
-    EXPECT_EQ(first["hint"], R"(known here: "id", "payload")");
+    Json::Value first = parsed(R"({"severity":"warning","name":"unknown-key","path":"configs[0].note ä","line":2,)"
+                               R"("column":4,"end_line":2,"end_column":13,"message":"the key \"note ä\" is ignored",)"
+                               R"("hint":"known here: \"id\", \"payload\""})");
+    first["file"] = folder.path("a b.json").string();
+    EXPECT_EQ(root["findings"][0], first);
 }
 
 TEST_F(CheckCommand, WritesSarif) {

@@ -55,13 +55,26 @@ class EveryVerb : public testing::Test {
                                    R"(","tests":[{"name":")" + kHostile + R"(","events":[],"expect":{"states":{"7":")" +
                                    kHostile + R"("},"log":[")" + kHostile + R"("]}}]})");
         support::writeMachine(folder, kHostileName);
-        add("run", tool::run, ReportFormat::Text);
-        add("run --format jsonl", tool::run, ReportFormat::Jsonl);
-        add("run of several", tool::fleet, ReportFormat::Text);
-        add("run of several, as json", tool::fleet, ReportFormat::Json);
-        addWith<tool::CheckOptions>("check", tool::check, [this](auto& options) { options.rules = {rules, refused}; });
-        for (const auto format : {tool::FindingFormat::Json, tool::FindingFormat::Sarif}) {
-            addWith<tool::CheckOptions>("check as JSON", tool::check, [this, format](auto& options) {
+        for (const auto format : {ReportFormat::Text, ReportFormat::Jsonl, ReportFormat::Json}) {
+            const std::string number = std::to_string(static_cast<int>(format));
+            if (format != ReportFormat::Json) {
+                addWith<tool::RunOptions>("run in format " + number, tool::run, [this, format](auto& options) {
+                    options.rules = rules;
+                    options.events = events;
+                    options.format = format;
+                    options.explain = true;
+                    options.whyNot = "configs[0].payload.data.transitions[1]";
+                });
+            }
+            addWith<tool::FleetOptions>("run of several in format " + number, tool::fleet,
+                                        [this, format](auto& options) {
+                                            options.rules = rules;
+                                            options.devices = {events, events};
+                                            options.format = format;
+                                        });
+        }
+        for (const auto format : {tool::FindingFormat::Text, tool::FindingFormat::Json, tool::FindingFormat::Sarif}) {
+            addWith<tool::CheckOptions>("check", tool::check, [this, format](auto& options) {
                 options.rules = {rules, refused};
                 options.format = format;
             });
@@ -111,26 +124,6 @@ class EveryVerb : public testing::Test {
         set(options);
         verbs.emplace_back(
             name, [this, verb, options](const Console& console) { return verb(options, console, interruption); });
-    }
-
-    void add(const std::string& name, int (*verb)(const tool::RunOptions&, const Console&, const tool::Interruption&),
-             ReportFormat format) {
-        addWith<tool::RunOptions>(name, verb, [this, format](auto& options) {
-            options.rules = rules;
-            options.events = events;
-            options.format = format;
-            options.explain = true;
-            options.whyNot = "configs[0].payload.data.transitions[1]";
-        });
-    }
-
-    void add(const std::string& name, int (*verb)(const tool::FleetOptions&, const Console&, const tool::Interruption&),
-             ReportFormat format) {
-        addWith<tool::FleetOptions>(name, verb, [this, format](auto& options) {
-            options.rules = rules;
-            options.devices = {events, events};
-            options.format = format;
-        });
     }
 
     const support::TemporaryFolder folder;

@@ -16,7 +16,6 @@ namespace {
 using Brenta::OS::RulesEngine::EventType;
 using Brenta::OS::RulesEngine::FiniteStateMachine;
 using Brenta::OS::VIG::PseudoRandomGenerator;
-using Brenta::OS::VIG::VIGConfig;
 using Brenta::OS::VIG::VIGManager;
 using support::LogLine;
 using support::TestEvent;
@@ -24,27 +23,20 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 // The way of a rule document: device configuration, manager, callback, machine, trigger service.
-class EndToEnd : public testing::Test {
-  protected:
-    FiniteStateMachine& deliver(std::string_view document) {
-        config.setResponse(std::string(document));
+TEST(EndToEnd, TheCompleteDocumentLogsZramAndSamplesTheProcessesOverBudget) {
+    fakes::FakeDeviceConfig config;
+    config.setResponse(std::string(support::kCompleteDocument));
+    const support::FakeTriggerService service;
+    const support::LogCapture log;
+    support::Receiver receiver;
+    {
         VIGManager manager;
-        support::Receiver receiver;
         manager.registerCallback(receiver.callback());
         receiver.waitFor(1);
-        configs = receiver.takeLatest();
-        // The configurations outlive the manager.
-        return *configs.at(0)->getConfigPayload()->getFiniteStateMachine();
     }
-
-    fakes::FakeDeviceConfig config;
-    support::FakeTriggerService service;
-    support::LogCapture log;
-    std::vector<std::unique_ptr<VIGConfig>> configs;
-};
-
-TEST_F(EndToEnd, TheCompleteDocumentLogsZramAndSamplesTheProcessesOverBudget) {
-    auto& machine = deliver(support::kCompleteDocument);
+    // The configurations outlive the manager.
+    const auto configs = receiver.takeLatest();
+    FiniteStateMachine& machine = *configs.at(0)->getConfigPayload()->getFiniteStateMachine();
     EXPECT_EQ(configs.at(0)->getConfigId(), 7);
     machine.start();
     log.takeLines();
