@@ -23,7 +23,6 @@ namespace {
 using Brenta::OS::RulesEngine::Event;
 using Brenta::OS::RulesEngine::EventType;
 using support::MemoryFile;
-using tool::AttributeSet;
 using tool::EventReader;
 using tool::EventRecord;
 using Names = std::vector<std::string_view>;

@@ -7,7 +7,6 @@
 #include <filesystem>
 #include <functional>
 #include <string>
-#include <string_view>
 #include <utility>
 #include <vector>
 

@@ -12,7 +12,6 @@
 #include <string_view>
 #include <thread>
 #include <utility>
-#include <vector>
 
 #include "tests/support/Documents.h"
 #include "tests/support/TemporaryFolder.h"

@@ -4,7 +4,6 @@
 #include <host/LogSink.h>
 
 #include <algorithm>
-#include <fstream>
 #include <iostream>
 #include <sstream>
 #include <string>

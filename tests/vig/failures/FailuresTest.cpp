@@ -4,7 +4,6 @@
 #include <host/DeviceConfigFiles.h>
 #include <sys/stat.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <cstdint>
 #include <filesystem>
