@@ -46,13 +46,13 @@ class Library {
     // With the first events, so many. Whether there were machines.
     bool run(const naive::World& world, const std::string& document, const std::vector<naive::Event>& events,
              std::size_t count) {
-        trace.clear();
         Brenta::OS::VIG::PseudoRandomGenerator::ofProcess().seed(world.seed);
         service.reset();
         if (world.hasTriggerService) {
             service.emplace();
         }
         const auto configs = manager.parseResponse(document);
+        trace.clear();
         const auto forEachMachine = [&](const auto& use) {
             for (const auto& config : configs) {
                 const auto& payload = *config->getConfigPayload();

@@ -7,7 +7,6 @@
 #include <cstddef>
 #include <cstdio>
 #include <cstdlib>
-#include <string_view>
 
 #include "fuzz/JsonMutator.h"
 

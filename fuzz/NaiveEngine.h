@@ -37,8 +37,8 @@ struct World {
     unsigned seed;
 };
 
-// What an engine lets one see, one entry each: log lines with the state that the machine was in, triggers, and where a
-// machine is after each event.
+// What the machines let one see, one entry each: log lines with the state that the machine was in, triggers, and where
+// a machine is after each event.
 using Trace = std::vector<std::string>;
 
 std::string logEntry(const std::string& state, bool isError, const std::string& message);

@@ -1,4 +1,3 @@
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <host/DeviceConfigFiles.h>
 
@@ -21,8 +20,7 @@ using Brenta::OS::VIG::VIGManager;
 using testing::ExitedWithCode;
 
 std::string document() {
-    return support::document(
-        {support::config(7, {support::transition("start", "end", "Test", "[]", R"([{"name":"LogZramHeartBeat"}])")})});
+    return support::documentOf({support::transition("start", "end", "Test", "[]", R"([{"name":"LogZramHeartBeat"}])")});
 }
 
 FiniteStateMachine& machineOf(const std::vector<std::unique_ptr<Brenta::OS::VIG::VIGConfig>>& configs) {

@@ -24,12 +24,9 @@ bool isLoaded() {
 // This executable is not linked with the library.
 TEST(Unloading, LibraryComesAndGoesAndLeavesNothingBehind) {
     const support::TemporaryFolder folder;
-    const std::string filter = support::filter("<", "double", support::operand("function", "PseudoRandomDouble"),
-                                               support::operand("constant", "1"));
-    host::bindProperty(
-        "korvel_vig", "vig_response",
-        folder.write("rules.json", support::document({support::config(
-                                       1, {support::transition("start", "end", "Test", "[" + filter + "]")})})));
+    const std::string draw = support::filters({"double PseudoRandomDouble() < =1"});
+    const std::string rules = support::documentOf({support::transition("start", "end", "Test", draw)});
+    host::bindProperty("korvel_vig", "vig_response", folder.write("rules.json", rules));
     const support::LogCapture log;
     const auto threads = entriesOf("/proc/self/task");
     const auto files = entriesOf("/proc/self/fd");

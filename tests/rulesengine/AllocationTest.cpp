@@ -47,15 +47,11 @@ void expectNoAllocation(const Source& source, const T& constant, const Event& ev
     EXPECT_EQ(allocations - before, 0U);
 }
 
-// Half of the operators let the event pass.
+// One of the operators lets the event pass.
 template <template <typename, typename> class Comparator, typename T, typename Source>
-void expectNoAllocationByAnyOperator(const Source& source, const T& constant, const Event& event) {
+void expectNoAllocationPassingOrNot(const Source& source, const T& constant, const Event& event) {
     expectNoAllocation<Comparator<T, std::equal_to<>>>(source, constant, event);
     expectNoAllocation<Comparator<T, std::not_equal_to<>>>(source, constant, event);
-    expectNoAllocation<Comparator<T, std::greater<>>>(source, constant, event);
-    expectNoAllocation<Comparator<T, std::less<>>>(source, constant, event);
-    expectNoAllocation<Comparator<T, std::greater_equal<>>>(source, constant, event);
-    expectNoAllocation<Comparator<T, std::less_equal<>>>(source, constant, event);
 }
 
 TEST(DeliveringAnEvent, AllocatesNothing) {
@@ -63,11 +59,11 @@ TEST(DeliveringAnEvent, AllocatesNothing) {
     const TestEvent without({});
     const TestEvent otherType({}, EventType::ForegroundAppsStats);
     for (const Event* event : {&with, &without, &otherType}) {
-        expectNoAllocationByAnyOperator<EvtAndContextComparator, std::int64_t>(kName, 1, *event);
-        expectNoAllocationByAnyOperator<EvtAndContextComparator, double>(kName, 1.5, *event);
-        expectNoAllocationByAnyOperator<EvtAndContextComparator, std::string>(kName, kName, *event);
-        expectNoAllocationByAnyOperator<ReturnValueComparator, std::int64_t>([] { return 1; }, 1, *event);
-        expectNoAllocationByAnyOperator<ReturnValueComparator, double>([] { return 1.5; }, 1.5, *event);
+        expectNoAllocationPassingOrNot<EvtAndContextComparator, std::int64_t>(kName, 1, *event);
+        expectNoAllocationPassingOrNot<EvtAndContextComparator, double>(kName, 1.5, *event);
+        expectNoAllocationPassingOrNot<EvtAndContextComparator, std::string>(kName, kName, *event);
+        expectNoAllocationPassingOrNot<ReturnValueComparator, std::int64_t>([] { return 1; }, 1, *event);
+        expectNoAllocationPassingOrNot<ReturnValueComparator, double>([] { return 1.5; }, 1.5, *event);
     }
     const std::size_t before = allocations;
     operator delete(operator new(1));

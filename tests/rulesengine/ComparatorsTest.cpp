@@ -111,19 +111,4 @@ TEST(Comparators, MissingNumberIsFalseForEveryOperatorAndMissingStringIsEmpty) {
     }
 }
 
-TEST(Comparators, ReadNoAttributeOfAnotherKindOrName) {
-    const Attributes others = {.uint64 = {{"x", 1}}, .boolean = {{"x", true}}, .string = {{"x", "1"}, {"X", "1"}}};
-    EXPECT_EQ(compare<std::int64_t>(1, others, others), kNever);
-    EXPECT_EQ(compare(1.0, others, others), kNever);
-    EXPECT_EQ(compare<std::string>("", {.string = {{"X", "1"}, {"x ", "1"}}}, x(1.0)), kEqual);
-}
-
-TEST(Comparators, CallTheirFunctionOnEveryEvaluation) {
-    double next = 0.0;
-    const ReturnValueComparator<double, std::greater<>> comparator([&next] { return next += 1.0; }, 1.5);
-    EXPECT_FALSE(comparator(TestContext({}), TestEvent({})));
-    EXPECT_TRUE(comparator(TestContext({}), TestEvent({})));
-    EXPECT_EQ(next, 2.0);
-}
-
 }  // namespace

@@ -18,16 +18,8 @@ using support::slotOf;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr EventType kTypes[] = {EventType::EnteringState,
-                                EventType::Timeout,
-                                EventType::Test,
-                                EventType::TelemetryEventBegin,
-                                EventType::ProcessMemoryHeartBeat,
-                                EventType::SystemMemoryHeartBeat,
-                                EventType::ZramHeartBeat,
-                                EventType::ProcessCpuHeartBeat,
-                                EventType::ForegroundAppsStats,
-                                EventType::TelemetryEventEnd};
+constexpr EventType kTypes[] = {EventType{0},    EventType{1},    EventType{2},    EventType{1000}, EventType{1001},
+                                EventType{1002}, EventType{1003}, EventType{1004}, EventType{1005}, EventType{2000}};
 
 template <typename Source>
 void expectNoAttributes(const Source& source) {
@@ -60,16 +52,6 @@ TEST(Event, WithoutOverridesHasNoAttributesAndMatchesItsOwnTypeOnly) {
 }
 
 // What clients are compiled against.
-
-TEST(EventType, HasFixedValuesWhichAreTheHashes) {
-    std::vector<std::size_t> hashes;
-    for (const EventType type : kTypes) {
-        hashes.push_back(std::hash<EventType>()(type));
-    }
-    EXPECT_THAT(hashes, ElementsAre(0, 1, 2, 1000, 1001, 1002, 1003, 1004, 1005, 2000));
-    EXPECT_EQ(std::hash<EventType>()(static_cast<EventType>(0xFFFFFFFF)), 0xFFFFFFFF);
-}
-
 TEST(Interfaces, HaveTheirVirtualOperationsInAFixedOrder) {
     EXPECT_THAT((std::vector{slotOf(&Event::matches), slotOf(&Event::getUint64Attr), slotOf(&Event::getInt64Attr),
                              slotOf(&Event::getDoubleAttr), slotOf(&Event::getBoolAttr), slotOf(&Event::getStringAttr),
@@ -82,6 +64,11 @@ TEST(Interfaces, HaveTheirVirtualOperationsInAFixedOrder) {
     EXPECT_THAT((std::vector{slotOf(&Filter::operator()), slotOf(&Action::operator())}), ElementsAre(2, 2));
 }
 
+static_assert(kTypes[0] == EventType::EnteringState && kTypes[1] == EventType::Timeout &&
+              kTypes[2] == EventType::Test && kTypes[3] == EventType::TelemetryEventBegin &&
+              kTypes[4] == EventType::ProcessMemoryHeartBeat && kTypes[5] == EventType::SystemMemoryHeartBeat &&
+              kTypes[6] == EventType::ZramHeartBeat && kTypes[7] == EventType::ProcessCpuHeartBeat &&
+              kTypes[8] == EventType::ForegroundAppsStats && kTypes[9] == EventType::TelemetryEventEnd);
 static_assert(std::is_same_v<std::underlying_type_t<EventType>, std::uint32_t>);
 static_assert(Event::ValueType::Uint64 == Event::ValueType{0} && Event::ValueType::Int64 == Event::ValueType{1} &&
               Event::ValueType::Double == Event::ValueType{2} && Event::ValueType::Bool == Event::ValueType{3} &&

@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <memory>
-#include <utility>
 #include <vector>
 
 #include "examples/minimal_platform/MinimalPlatform.h"
@@ -36,9 +35,8 @@ TEST(Seam, TheLibraryLivesOnAnotherPlatform) {
         manager.registerCallback(receiver.callback());
         receiver.waitFor(1);
         minimal::waitForListener();
-        minimal::setResponse(
-            support::document({support::config(7, {support::transition("start", "end", "ProcessMemoryHeartBeat", "[]",
-                                                                       R"([{"name":"TriggerVelora"}])")})}));
+        minimal::setResponse(support::documentOf(
+            {support::transition("start", "end", "ProcessMemoryHeartBeat", "[]", R"([{"name":"TriggerVelora"}])")}));
         receiver.waitFor(2);
     }
     EXPECT_THAT(receiver.sizes(), testing::ElementsAre(0, 1));

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <map>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -13,6 +14,8 @@ namespace support {
 // Draws documents of the right shape, and parts of them, in which once in so many places a member is missing, misspelt
 // or something else.
 class DocumentGenerator {
+    using Keys = std::vector<std::string>;
+
   public:
     DocumentGenerator(Mutator& source, std::size_t placesForAnError) : mutator(source), places(placesForAnError) {}
 
@@ -23,53 +26,42 @@ class DocumentGenerator {
         if (const auto element = elementOf(key); !element.empty()) {
             return list(key, element);
         }
-        if (key == "id") {
-            return pick({"7", "7", "-1", "2.9", "2147483647"});
-        }
-        if (key == "payload") {
-            return objectOf({"id", "data"});
-        }
-        if (key == "data") {
-            return objectOf({"transitions"});
-        }
-        if (key == "from_state" || key == "to_state") {
-            return pick({R"("start")", R"("start")", R"("end")", R"("a")", R"("")"});
-        }
-        if (key == "event") {
-            return pick({R"("Test")", R"("Timeout")", R"("EnteringState")", R"("ProcessMemoryHeartBeat")",
-                         R"("ProcessCpuHeartBeat")", R"("ZramHeartBeat")"});
-        }
-        if (key == "operator") {
-            return pick({R"("==")", R"("!=")", R"(">")", R"("<")", R"(">=")", R"("<=")"});
-        }
-        if (key == "value_type") {
-            return pick({R"("string")", R"("double")", R"("double")", R"("integer")"});
+        if (key == "payload" || key == "data") {
+            return objectOf(key == "data" ? Keys{"transitions"} : Keys{"id", "data"});
         }
         if (key == "operand1" || key == "operand2") {
             return operand();
         }
-        if (key == "type") {
-            return pick({R"("constant")", R"("envvar")", R"("function")", R"("integer")", R"("string")"});
-        }
         if (key == "value") {
             return pick({constant(), oddConstant(), R"("vmRssKB")", R"("processName")", R"("PseudoRandomDouble")"});
         }
-        if (key == "name") {
-            return pick({R"("Test")", R"("TriggerVelora")", R"("TriggerVeloraCpu")", R"("LogZramHeartBeat")"});
+        static const std::map<std::string_view, std::vector<std::string>> kTexts = {
+            {"id", {"7", "7", "-1", "2.9", "2147483647"}},
+            {"from_state", {R"("start")", R"("start")", R"("end")", R"("a")", R"("")"}},
+            {"to_state", {R"("start")", R"("start")", R"("end")", R"("a")", R"("")"}},
+            {"event",
+             {R"("Test")", R"("Timeout")", R"("EnteringState")", R"("ProcessMemoryHeartBeat")",
+              R"("ProcessCpuHeartBeat")", R"("ZramHeartBeat")"}},
+            {"operator", {R"("==")", R"("!=")", R"(">")", R"("<")", R"(">=")", R"("<=")"}},
+            {"value_type", {R"("string")", R"("double")", R"("double")", R"("integer")"}},
+            {"type", {R"("constant")", R"("envvar")", R"("function")", R"("integer")", R"("string")"}},
+            {"name", {R"("Test")", R"("TriggerVelora")", R"("TriggerVeloraCpu")", R"("LogZramHeartBeat")"}},
+        };
+        if (const auto texts = kTexts.find(key); texts != kTexts.end()) {
+            return pick(texts->second);
         }
         return somethingElse();
     }
 
     // An element of the list under the key; empty if there is no list of that name.
     std::string elementOf(std::string_view key) {
-        if (key == "configs") {
-            return objectOf({"id", "payload"});
-        }
-        if (key == "transitions") {
-            return objectOf({"from_state", "to_state", "event", "filters", "actions"});
-        }
-        if (key == "filters") {
-            return objectOf({"operator", "value_type", "operand1", "operand2"});
+        static const std::map<std::string_view, Keys> kObjects = {
+            {"configs", {"id", "payload"}},
+            {"transitions", {"from_state", "to_state", "event", "filters", "actions"}},
+            {"filters", {"operator", "value_type", "operand1", "operand2"}},
+        };
+        if (const auto keys = kObjects.find(key); keys != kObjects.end()) {
+            return objectOf(keys->second);
         }
         if (key == "actions") {
             return mutator.draw(20) == 0 ? objectOf({"name", "parameters"}) : objectOf({"name"});
@@ -94,7 +86,7 @@ class DocumentGenerator {
 
     std::string valueOr(const std::string& value) { return errs() ? somethingElse() : value; }
 
-    std::string objectOf(const std::vector<std::string>& keys) {
+    std::string objectOf(const Keys& keys) {
         Members members;
         for (const std::string& key : keys) {
             members.emplace_back(key, valueOf(key));

@@ -1,15 +1,16 @@
 #pragma once
 
 #include <cstdint>
-#include <initializer_list>
+#include <sstream>
 #include <string>
+#include <vector>
 
 namespace support {
 
 // Rule documents as text, built from the inside out:
 // document({config(7, {transition("start", "end", "Test")})}).
 
-inline std::string joined(std::initializer_list<std::string> elements) {
+inline std::string joined(const std::vector<std::string>& elements) {
     std::string text;
     for (const std::string& element : elements) {
         text += (text.empty() ? "" : ",") + element;
@@ -27,6 +28,25 @@ inline std::string filter(const std::string& op, const std::string& valueType, c
            R"(,"operand2":)" + operand2 + "}";
 }
 
+// A JSON array of filters such as "integer vmRssKB > =10": "name()" is a function, "=text" a constant, and all else an
+// attribute.
+inline std::string filters(const std::vector<std::string>& conditions) {
+    const auto operandOf = [](const std::string& term) {
+        return term.starts_with('=')  ? operand("constant", term.substr(1))
+               : term.ends_with("()") ? operand("function", term.substr(0, term.size() - 2))
+                                      : operand("envvar", term);
+    };
+    std::vector<std::string> all;
+    for (const std::string& condition : conditions) {
+        std::istringstream words(condition);
+        std::string type, left, op, right;
+        words >> type >> left >> op;
+        std::getline(words.ignore(), right);
+        all.push_back(filter(op, type, operandOf(left), operandOf(right)));
+    }
+    return "[" + joined(all) + "]";
+}
+
 // `filters` and `actions` are JSON arrays.
 inline std::string transition(const std::string& from, const std::string& to, const std::string& event,
                               const std::string& filters = "[]", const std::string& actions = "[]") {
@@ -35,27 +55,30 @@ inline std::string transition(const std::string& from, const std::string& to, co
 }
 
 // The state-machine object alone.
-inline std::string machine(std::initializer_list<std::string> transitions) {
+inline std::string machine(const std::vector<std::string>& transitions) {
     return R"({"transitions":[)" + joined(transitions) + "]}";
 }
 
 // Its payload has the id 1.
-inline std::string config(std::int64_t id, std::initializer_list<std::string> transitions) {
+inline std::string config(std::int64_t id, const std::vector<std::string>& transitions) {
     return R"({"id":)" + std::to_string(id) + R"(,"payload":{"id":1,"data":)" + machine(transitions) + "}}";
 }
 
-inline std::string document(std::initializer_list<std::string> configs) {
+inline std::string document(const std::vector<std::string>& configs) {
     return R"({"configs":[)" + joined(configs) + "]}";
+}
+
+// A document with one configuration, of the id 7.
+inline std::string documentOf(const std::vector<std::string>& transitions) {
+    return document({config(7, transitions)});
 }
 
 // Logs every zram heartbeat and, the first time that a process has more than 2 GiB resident on a draw below
 // 0.1, asks for a trigger and ends.
-inline const std::string kCompleteDocument = document({config(
-    7,
-    {transition("start", "start", "ZramHeartBeat", "[]", R"([{"name":"LogZramHeartBeat"}])"),
-     transition("start", "end", "ProcessMemoryHeartBeat",
-                "[" + filter(">", "integer", operand("envvar", "vmRssKB"), operand("constant", "2097152")) + "," +
-                    filter("<", "double", operand("function", "PseudoRandomDouble"), operand("constant", "0.1")) + "]",
-                R"([{"name":"TriggerVelora"}])")})});
+inline const std::string kCompleteDocument =
+    documentOf({transition("start", "start", "ZramHeartBeat", "[]", R"([{"name":"LogZramHeartBeat"}])"),
+                transition("start", "end", "ProcessMemoryHeartBeat",
+                           filters({"integer vmRssKB > =2097152", "double PseudoRandomDouble() < =0.1"}),
+                           R"([{"name":"TriggerVelora"}])")});
 
 }  // namespace support

@@ -50,41 +50,24 @@ TEST(Text, JsonStringIsValidWhateverTheText) {
     EXPECT_EQ(tool::quoted(""), "\"\"");
 }
 
-// Sets a variable as long as it lives.
-class Variable {
-  public:
-    Variable(const char* variable, const char* value) : name(variable) { setenv(name, value, 1); }
-    Variable(const Variable&) = delete;
-    Variable& operator=(const Variable&) = delete;
-    ~Variable() { unsetenv(name); }
-
-  private:
-    const char* const name;
-};
-
 TEST(Console, ColoursAreForTerminalsWhoseUserWantsThem) {
     const int controller = posix_openpt(O_RDWR | O_NOCTTY);
     ASSERT_TRUE(controller >= 0 && grantpt(controller) == 0 && unlockpt(controller) == 0);
     const int terminal = open(ptsname(controller), O_RDWR | O_NOCTTY);
     ASSERT_GE(terminal, 0);
     const tool::Console console{STDIN_FILENO, terminal, STDERR_FILENO};
-    const Variable capable("TERM", "xterm");
+    setenv("TERM", "dumb", 1);
+    EXPECT_FALSE(console.wantsColours());
+    setenv("TERM", "xterm", 1);
     EXPECT_TRUE(console.wantsColours());
-    {
-        const Variable unwanted("NO_COLOR", "1");
-        EXPECT_FALSE(console.wantsColours());
-    }
-    {
-        const Variable incapable("TERM", "dumb");
-        EXPECT_FALSE(console.wantsColours());
-    }
+    setenv("NO_COLOR", "1", 1);
+    EXPECT_FALSE(console.wantsColours());
+    unsetenv("NO_COLOR");
     EXPECT_FALSE((tool::Console{STDIN_FILENO, support::MemoryFile().descriptor, STDERR_FILENO}.wantsColours()));
 
     const support::TemporaryFolder folder;
-    const Variable again("TERM", "xterm");
     tool::RunOptions options;
-    options.rules = folder.write(
-        "rules.json", support::document({support::config(7, {support::transition("start", "end", "Test")})}));
+    options.rules = folder.write("rules.json", support::documentOf({support::transition("start", "end", "Test")}));
     options.events = folder.write("events.jsonl", "{\"event\":\"Test\"}\n");
     const tool::Interruption interruption;
     EXPECT_EQ(tool::run(options, {STDIN_FILENO, terminal, terminal}, interruption), 0);
@@ -92,6 +75,7 @@ TEST(Console, ColoursAreForTerminalsWhoseUserWantsThem) {
     shown.resize(static_cast<std::size_t>(read(controller, shown.data(), shown.size())));
     EXPECT_NE(shown.find("        1  \x1B[36mmove   \x1B[0m  0 (id 7)       start -> end\r\n"), std::string::npos)
         << shown;
+    unsetenv("TERM");
     close(terminal);
     close(controller);
 }

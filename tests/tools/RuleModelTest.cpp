@@ -41,20 +41,4 @@ TEST(RuleModel, KnowsThePlaceOfEachPiece) {
     }
 }
 
-TEST(RuleModel, ShowsFiltersAsConditions) {
-    const std::pair<std::string, std::string> filters[] = {
-        {support::filter(">", "integer", support::operand("envvar", "vmRssKB"), support::operand("constant", "12")),
-         "vmRssKB > 12"},
-        {support::filter("<=", "double", support::operand("constant", "0.5"), support::operand("function", "F")),
-         "0.5 <= F()"},
-        {support::filter("!=", "string", support::operand("envvar", "a"), support::operand("constant", "b\\\"")),
-         R"(a != "b\"")"},
-    };
-    for (const auto& [json, expected] : filters) {
-        const DocumentText document(
-            "", support::document({support::config(1, {support::transition("", "", "Test", "[" + json + "]")})}));
-        EXPECT_EQ(conditionOf(modelOf(document, 0).transitions[0].filters[0]), expected);
-    }
-}
-
 }  // namespace

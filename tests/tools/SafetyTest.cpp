@@ -7,7 +7,6 @@
 #include <filesystem>
 #include <functional>
 #include <string>
-#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -44,28 +43,37 @@ class EveryVerb : public testing::Test {
 
     EveryVerb() {
         const std::string trigger = R"([{"name":"TriggerVelora"}])";
-        const std::string filters =
-            "[" +
-            support::filter(">", "integer", support::operand("envvar", kHostile), support::operand("constant", "0")) +
-            "]";
-        rules =
-            write("rules", support::document({support::config(
-                               7, {support::transition("start", kHostile, "ProcessMemoryHeartBeat", filters, trigger),
-                                   support::transition(kHostile, "end", "Test")})}));
-        refused = write("refused", support::document({support::config(7, {support::transition("a", "b", kHostile)})}));
+        const std::string filters = support::filters({"integer " + kHostile + " > =0"});
+        rules = write("rules", support::documentOf(
+                                   {support::transition("start", kHostile, "ProcessMemoryHeartBeat", filters, trigger),
+                                    support::transition(kHostile, "end", "Test")}));
+        refused = write("refused", support::documentOf({support::transition("a", "b", kHostile)}));
         events = write("events", R"({"event":"ProcessMemoryHeartBeat","int64":{"vmRssKB":1,"vmSwapKB":2,")" + kHostile +
                                      R"(":1},"string":{"processName":")" + kHostile + "\"}}\n");
         tests = write("tests", R"({"rules":")" + fs::path(rules).filename().string().replace(5, 1, "\\u001b") +
                                    R"(","tests":[{"name":")" + kHostile + R"(","events":[],"expect":{"states":{"7":")" +
                                    kHostile + R"("},"log":[")" + kHostile + R"("]}}]})");
         support::writeMachine(folder, kHostileName);
-        add("run", tool::run, ReportFormat::Text);
-        add("run --format jsonl", tool::run, ReportFormat::Jsonl);
-        add("run of several", tool::fleet, ReportFormat::Text);
-        add("run of several, as json", tool::fleet, ReportFormat::Json);
-        addWith<tool::CheckOptions>("check", tool::check, [this](auto& options) { options.rules = {rules, refused}; });
-        for (const auto format : {tool::FindingFormat::Json, tool::FindingFormat::Sarif}) {
-            addWith<tool::CheckOptions>("check as JSON", tool::check, [this, format](auto& options) {
+        for (const auto format : {ReportFormat::Text, ReportFormat::Jsonl, ReportFormat::Json}) {
+            const std::string number = std::to_string(static_cast<int>(format));
+            if (format != ReportFormat::Json) {
+                addWith<tool::RunOptions>("run in format " + number, tool::run, [this, format](auto& options) {
+                    options.rules = rules;
+                    options.events = events;
+                    options.format = format;
+                    options.explain = true;
+                    options.whyNot = "configs[0].payload.data.transitions[1]";
+                });
+            }
+            addWith<tool::FleetOptions>("run of several in format " + number, tool::fleet,
+                                        [this, format](auto& options) {
+                                            options.rules = rules;
+                                            options.devices = {events, events};
+                                            options.format = format;
+                                        });
+        }
+        for (const auto format : {tool::FindingFormat::Text, tool::FindingFormat::Json, tool::FindingFormat::Sarif}) {
+            addWith<tool::CheckOptions>("check", tool::check, [this, format](auto& options) {
                 options.rules = {rules, refused};
                 options.format = format;
             });
@@ -115,26 +123,6 @@ class EveryVerb : public testing::Test {
         set(options);
         verbs.emplace_back(
             name, [this, verb, options](const Console& console) { return verb(options, console, interruption); });
-    }
-
-    void add(const std::string& name, int (*verb)(const tool::RunOptions&, const Console&, const tool::Interruption&),
-             ReportFormat format) {
-        addWith<tool::RunOptions>(name, verb, [this, format](auto& options) {
-            options.rules = rules;
-            options.events = events;
-            options.format = format;
-            options.explain = true;
-            options.whyNot = "configs[0].payload.data.transitions[1]";
-        });
-    }
-
-    void add(const std::string& name, int (*verb)(const tool::FleetOptions&, const Console&, const tool::Interruption&),
-             ReportFormat format) {
-        addWith<tool::FleetOptions>(name, verb, [this, format](auto& options) {
-            options.rules = rules;
-            options.devices = {events, events};
-            options.format = format;
-        });
     }
 
     const support::TemporaryFolder folder;

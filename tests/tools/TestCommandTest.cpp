@@ -5,6 +5,7 @@
 #include <sys/resource.h>
 
 #include <new>
+#include <numeric>
 #include <string>
 #include <utility>
 #include <vector>
@@ -17,19 +18,19 @@
 
 namespace {
 
-using support::filter;
+using support::documentOf;
+using support::filters;
 using support::linesWith;
-using support::operand;
 using support::runVerb;
 using support::ToolResult;
 using support::transition;
 
-const std::string kTooMuch = filter(">", "integer", operand("envvar", "vmRssKB"), operand("constant", "9"));
+const std::string kLog = R"([{"name":"LogZramHeartBeat"}])";
+const std::string kTrigger = R"([{"name":"TriggerVelora"}])";
 
-const std::string kRules = support::document({support::config(
-    7, {transition("start", "hot", "ProcessMemoryHeartBeat", "[" + kTooMuch + "]", R"([{"name":"TriggerVelora"}])"),
-        transition("hot", "start", "Test"),
-        transition("start", "start", "ZramHeartBeat", "[]", R"([{"name":"LogZramHeartBeat"}])")})});
+const std::string kRules =
+    documentOf({transition("start", "hot", "ProcessMemoryHeartBeat", filters({"integer vmRssKB > =9"}), kTrigger),
+                transition("hot", "start", "Test"), transition("start", "start", "ZramHeartBeat", "[]", kLog)});
 
 const std::string kCamera =
     R"({"event":"ProcessMemoryHeartBeat","string":{"processName":"camera"},"int64":{"vmRssKB":10,"vmSwapKB":1}})";
@@ -132,23 +133,20 @@ FAIL  )" + file + R"(: 1 of 3 passed
 
 // Expects other log lines than those with the numbers in `actual`.
 std::string logCase(const std::vector<int>& expected, const std::vector<int>& actual) {
-    std::string events, lines;
+    std::vector<std::string> events, lines;
     for (const int each : actual) {
-        events += fmt::format(R"({}{{"event":"ZramHeartBeat","uint64":{{"memUsedMaxBytes":{}}}}})",
-                              events.empty() ? "" : ",", each);
+        events.push_back(fmt::format(R"({{"event":"ZramHeartBeat","uint64":{{"memUsedMaxBytes":{}}}}})", each));
     }
     for (const int each : expected) {
-        lines += fmt::format(R"({}"Received VIG zram heart beat. memUsedMaxBytes: {}, numCompressedDataBytes: 0")",
-                             lines.empty() ? "" : ",", each);
+        lines.push_back(
+            fmt::format(R"("Received VIG zram heart beat. memUsedMaxBytes: {}, numCompressedDataBytes: 0")", each));
     }
-    return testCase("t", events, R"("log":[)" + lines + "]");
+    return testCase("t", support::joined(events), R"("log":[)" + support::joined(lines) + "]");
 }
 
 std::vector<int> numbers(int begin, int end) {
-    std::vector<int> all;
-    for (int each = begin; each < end; ++each) {
-        all.push_back(each);
-    }
+    std::vector<int> all(static_cast<std::size_t>(end - begin));
+    std::iota(all.begin(), all.end(), begin);
     return all;
 }
 
@@ -159,19 +157,13 @@ std::vector<int> joined(std::vector<int> numbers, const std::vector<int>& more) 
 
 // Of several machines, that one is explained which did what was not expected or did not do what was.
 TEST_F(TestCommand, FailureIsExplainedByTheMachineInQuestion) {
-    const auto above = [](const std::string& limit) {
-        return "[" + filter(">", "integer", operand("envvar", "vmRssKB"), operand("constant", limit)) + "]";
-    };
-    const std::string trigger = R"([{"name":"TriggerVelora"}])";
-    const std::string memoryEvent = "ProcessMemoryHeartBeat";
+    const std::string hot =
+        transition("start", "hot", "ProcessMemoryHeartBeat", filters({"integer vmRssKB > =9"}), kTrigger);
     const std::string path = ".payload.data.transitions";
     folder.write("two.json",
-                 support::document({support::config(7, {transition("start", "hot", memoryEvent, above("9"), trigger),
-                                                        transition("start", "start", "ZramHeartBeat", "[]",
-                                                                   R"([{"name":"LogZramHeartBeat"}])"),
+                 support::document({support::config(7, {hot, transition("start", "start", "ZramHeartBeat", "[]", kLog),
                                                         transition("hot", "hot", "Test")}),
-                                    support::config(8, {transition("start", "hot", memoryEvent, above("9"), trigger),
-                                                        transition("hot", "start", "Test")})}));
+                                    support::config(8, {hot, transition("hot", "start", "Test")})}));
     const struct {
         std::string events;
         std::string expect;
@@ -204,11 +196,8 @@ TEST_F(TestCommand, FailureIsExplainedByTheMachineInQuestion) {
 }
 
 TEST_F(TestCommand, ExplanationDrawsAsTheTestDid) {
-    const std::string half =
-        "[" + filter("<", "double", operand("function", "PseudoRandomDouble"), operand("constant", "0.5")) + "]";
-    folder.write("random.json",
-                 support::document({support::config(
-                     7, {transition("start", "start", "ZramHeartBeat", half, R"([{"name":"LogZramHeartBeat"}])")})}));
+    const std::string half = filters({"double PseudoRandomDouble() < =0.5"});
+    folder.write("random.json", documentOf({transition("start", "start", "ZramHeartBeat", half, kLog)}));
     int failed = 0;
     for (int seed = 0; seed < 12; ++seed) {
         const ToolResult result = runText(
@@ -258,19 +247,15 @@ TEST_F(TestCommand, LongListsTakeLittleMemory) {
     if (support::kHasSanitizer) {
         GTEST_SKIP() << "the sanitizer takes memory of its own";
     }
-    const std::string log = R"([{"name":"LogZramHeartBeat"}])";
     folder.write("rules.json",
-                 support::document({support::config(7, {support::transition("start", "a", "Test", "[]", log),
-                                                        support::transition("a", "a", "Test", "[]", log),
-                                                        support::transition("a", "a", "EnteringState", "[]", log)})}));
+                 documentOf({transition("start", "a", "Test", "[]", kLog), transition("a", "a", "Test", "[]", kLog),
+                             transition("a", "a", "EnteringState", "[]", kLog)}));
     // The machine goes round a thousand times at each event.
-    std::string events, lines;
-    for (int each = 0; each < 2000; ++each) {
-        events += each < 40 ? (each == 0 ? "" : ",") + std::string(R"({"event":"Test"})") : "";
-        lines += (each == 0 ? "\"" : ",\"") + std::to_string(each) + "\"";
-    }
+    const std::vector<std::string> events(40, R"({"event":"Test"})");
+    const std::vector<std::string> lines(2000, "\"0\"");
     const std::string rules = R"({"rules":"rules.json","tests":[)";
-    folder.write("cycle.json", rules + testCase("t", events, R"("log":[)" + lines + "]") + "]}");
+    folder.write("cycle.json",
+                 rules + testCase("t", support::joined(events), R"("log":[)" + support::joined(lines) + "]") + "]}");
     folder.write("small.json", rules + testCase("t", "", "") + "]}");
     const auto memoryFor = [&](const char* file) {
         return support::peakMemory([&] {
@@ -344,12 +329,8 @@ TEST_F(TestCommand, WhatIsNotPartOfATestFileIsAnErrorAtItsPlace) {
         return R"({"rules":"rules.json","tests":[{"name":"a","events":[],"expect":{},)" + members + "}]}";
     };
     const std::pair<std::string, std::string> cases[] = {
-        {"{", ":1:2: error: Missing '}' or object member name"},
         {R"({"rules":"a","rules":"b","tests":[]})", ":1:14: error: Duplicate key: 'rules'"},
         {"{} x", ":1:4: error: Extra non-whitespace after JSON value."},
-        {"[]", ":1:1: error: expected an object, got an array"},
-        {"{\n \"rulez\":\"\",\n \"rules\":\"\", \"tests\":[]}",
-         R"(:2:10: error: unknown key "rulez"; did you mean "rules"?)"},
         {R"({"tests":[]})", R"(:1:1: error: "rules" is missing)"},
         {R"({"rules":"","tests":[]})", ":1:21: error: tests: there is no test"},
         {R"({"rules":1,"tests":{}})", ":1:10: error: rules: expected a string, got a number"},
@@ -383,11 +364,9 @@ TEST_F(TestCommand, WhatIsNotPartOfATestFileIsAnErrorAtItsPlace) {
 
 TEST_F(TestCommand, OfAFileThatIsAllMistakesAHundredAreShown) {
     folder.write("bad.jsonl", "{");
-    std::string tests = "0";
-    for (int each = 1; each < 200; ++each) {
-        tests += each == 100 ? R"(,{"name":"a","events":"bad.jsonl","expect":{}})" : "," + std::to_string(each);
-    }
-    const ToolResult result = runText(R"({"rules":"","tests":[)" + tests + "]}");
+    std::vector<std::string> tests(200, "0");
+    tests[100] = R"({"name":"a","events":"bad.jsonl","expect":{}})";
+    const ToolResult result = runText(R"({"rules":"","tests":[)" + support::joined(tests) + "]}");
     EXPECT_EQ(result.status, 2);
     EXPECT_EQ(std::ranges::count(result.err, '\n'), 101);
     EXPECT_NE(result.err.find(": tests[99]: "), std::string::npos);
@@ -397,7 +376,7 @@ TEST_F(TestCommand, OfAFileThatIsAllMistakesAHundredAreShown) {
 
 TEST_F(TestCommand, RulesThatAreRefusedOrAbsentAreTold) {
     const std::string tests = R"(","tests":[{"name":"a","events":[],"expect":{}}]})";
-    folder.write("bad.json", support::document({support::config(1, {transition("a", "b", "test")})}));
+    folder.write("bad.json", documentOf({transition("a", "b", "test")}));
     options.junitFile = folder.path("report.xml");
     const ToolResult refused = runText(R"({"rules":"bad.json)" + tests.substr(0, tests.size() - 2) +
                                        R"(,{"name":"b","events":[],"expect":{}}]})");

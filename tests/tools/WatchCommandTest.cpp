@@ -12,7 +12,6 @@
 #include <string_view>
 #include <thread>
 #include <utility>
-#include <vector>
 
 #include "tests/support/Documents.h"
 #include "tests/support/TemporaryFolder.h"
@@ -51,9 +50,7 @@ class WatchCommand : public testing::Test {
 
     // Asks for a trigger for about half of the processes, and moves with the first sample.
     static std::string sampling(const std::string& reached) {
-        const std::string half = R"([{"operator":"<","value_type":"double","operand1":)"
-                                 R"({"type":"function","value":"PseudoRandomDouble"},)"
-                                 R"("operand2":{"type":"constant","value":"0.5"}}])";
+        const std::string half = support::filters({"double PseudoRandomDouble() < =0.5"});
         return document({
             config(1, {transition("start", "start", "ProcessMemoryHeartBeat", half, R"([{"name":"TriggerVelora"}])")}),
             config(2, {transition("start", reached, "SystemMemoryHeartBeat")}),
@@ -172,80 +169,49 @@ TEST_F(WatchCommand, DurationIsFilledWithSamplesAtItsIntervals) {
     EXPECT_EQ(result.out.find(R"("samples":4)"), std::string::npos);
 }
 
-// Follows a running watch through its output.
-class Follower {
-  public:
-    Follower(const WatchOptions& options, const std::string& errorFile)
-        : err(creat(errorFile.c_str(), 0600)), thread([this, &options] {
-              status = tool::watch(options, {STDIN_FILENO, ends[1], err}, interruption);
-              close(ends[1]);
-          }) {}
-    Follower(const Follower&) = delete;
-    Follower& operator=(const Follower&) = delete;
-    ~Follower() {
-        close(ends[0]);
-        close(err);
-    }
-
-    // The next line with that text.
-    std::string waitFor(std::string_view part) {
-        std::string_view line;
-        while (reader.next(line) == tool::LineReader::Status::Line) {
-            if (line.find(part) != std::string_view::npos) {
-                return std::string(line);
-            }
-        }
-        ADD_FAILURE() << "no line with " << part;
-        return {};
-    }
-
-    int stop() {
-        interruption.request();
-        std::string_view line;
-        while (reader.next(line) == tool::LineReader::Status::Line) {
-            last = line;
-        }
-        thread.join();
-        return status;
-    }
-
-    std::string last;
-
-  private:
-    static std::array<int, 2> makePipe() {
-        std::array<int, 2> made{};
-        EXPECT_EQ(pipe(made.data()), 0);
-        return made;
-    }
-
-    const std::array<int, 2> ends = makePipe();
-    const int err;
-    int status = -1;
-    tool::Interruption interruption;
-    const tool::Interruption never;
-    tool::LineReader reader{ends[0], "the watch", never, [] {}};
-    std::thread thread;
-};
-
 TEST_F(WatchCommand, SavedDocumentTakesThePlaceOfTheOneBefore) {
     options.duration = std::chrono::minutes(1);  // only a watch that fails the test lasts so long
     options.interval = std::chrono::milliseconds(5);
-    Follower watch(options, folder.path("err"));
-    watch.waitFor(R"("from":"start","to":"end")");
+    std::array<int, 2> ends{};
+    ASSERT_EQ(pipe(ends.data()), 0);
+    const support::MemoryFile err;
+    tool::Interruption interruption;
+    std::thread watch([&] {
+        EXPECT_EQ(tool::watch(options, {STDIN_FILENO, ends[1], err.descriptor}, interruption), 0);
+        close(ends[1]);
+    });
+    const tool::Interruption never;
+    tool::LineReader reader(ends[0], "the watch", never, [] {});
+    std::string_view line;
+    const auto waitFor = [&](std::string_view part) {
+        while (reader.next(line) == tool::LineReader::Status::Line) {
+            if (line.find(part) != std::string_view::npos) {
+                return;
+            }
+        }
+        ADD_FAILURE() << "no line with " << part;
+    };
+    waitFor(R"("from":"start","to":"end")");
     folder.write("new.json", sampling("elsewhere"));
     fs::rename(folder.path("new.json"), options.rules);
-    watch.waitFor(R"("configurations":2)");
-    watch.waitFor(R"("from":"start","to":"elsewhere")");
+    waitFor(R"("configurations":2)");
+    waitFor(R"("from":"start","to":"elsewhere")");
 
     folder.write("rules.json", R"({"configs":[7]})");
-    watch.waitFor("Invalid VIG Config JSON");
-    watch.waitFor(R"("error":"refused (InvalidConfig)");
+    waitFor("Invalid VIG Config JSON");
+    waitFor(R"("error":"refused (InvalidConfig)");
     folder.write("new.json", sampling("mended"));
     fs::rename(folder.path("new.json"), options.rules);
-    watch.waitFor(R"("to":"mended")");
-    EXPECT_EQ(watch.stop(), 0);
-    EXPECT_TRUE(watch.last.starts_with(R"({"type":"end")")) << watch.last;
-    EXPECT_EQ(linesWith(folder.read("err"), options.rules + ": error: refused (InvalidConfig)").size(), 1u);
+    waitFor(R"("to":"mended")");
+    interruption.request();
+    std::string last;
+    while (reader.next(line) == tool::LineReader::Status::Line) {
+        last = line;
+    }
+    watch.join();
+    close(ends[0]);
+    EXPECT_TRUE(last.starts_with(R"({"type":"end")")) << last;
+    EXPECT_EQ(linesWith(err.content(), options.rules + ": error: refused (InvalidConfig)").size(), 1u);
 }
 
 }  // namespace

@@ -16,7 +16,6 @@ namespace {
 using Brenta::OS::RulesEngine::EventType;
 using Brenta::OS::RulesEngine::FiniteStateMachine;
 using Brenta::OS::VIG::PseudoRandomGenerator;
-using Brenta::OS::VIG::VIGConfig;
 using Brenta::OS::VIG::VIGManager;
 using support::LogLine;
 using support::TestEvent;
@@ -24,43 +23,20 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 // The way of a rule document: device configuration, manager, callback, machine, trigger service.
-class EndToEnd : public testing::Test {
-  protected:
-    FiniteStateMachine& deliver(std::string_view document) {
-        config.setResponse(std::string(document));
+TEST(EndToEnd, TheCompleteDocumentLogsZramAndSamplesTheProcessesOverBudget) {
+    fakes::FakeDeviceConfig config;
+    config.setResponse(std::string(support::kCompleteDocument));
+    const support::FakeTriggerService service;
+    const support::LogCapture log;
+    support::Receiver receiver;
+    {
         VIGManager manager;
-        support::Receiver receiver;
         manager.registerCallback(receiver.callback());
         receiver.waitFor(1);
-        configs = receiver.takeLatest();
-        // The configurations outlive the manager.
-        return *configs.at(0)->getConfigPayload()->getFiniteStateMachine();
     }
-
-    fakes::FakeDeviceConfig config;
-    support::FakeTriggerService service;
-    support::LogCapture log;
-    std::vector<std::unique_ptr<VIGConfig>> configs;
-};
-
-TEST_F(EndToEnd, AProcessOverItsMemoryBudgetTriggersOneCollection) {
-    auto& machine = deliver(support::document({support::config(
-        7, {support::transition("start", "end", "ProcessMemoryHeartBeat", "[]", R"([{"name":"TriggerVelora"}])")})}));
-    machine.start();
-    const TestEvent event({.int64 = {{"vmRssKB", 1000}, {"vmSwapKB", 24}}, .string = {{"processName", "camera"}}},
-                          EventType::ProcessMemoryHeartBeat);
-    machine.onEvent(event);
-    machine.onEvent(event);
-    EXPECT_THAT(service.triggers(),
-                ElementsAre(support::Trigger{"vig:memory_heartbeat_over_budget:camera",
-                                             "camera",
-                                             {"threshold_current_value:1024", "threshold_units:RSS_anon_plus_swap_KB",
-                                              "vmRssKB:1000", "vmSwapKB:24", "processName:camera"}}));
-    EXPECT_EQ(machine.getCurrentState()->getName(), "end");
-}
-
-TEST_F(EndToEnd, TheCompleteDocumentLogsZramAndSamplesTheProcessesOverBudget) {
-    auto& machine = deliver(support::kCompleteDocument);
+    // The configurations outlive the manager.
+    const auto configs = receiver.takeLatest();
+    FiniteStateMachine& machine = *configs.at(0)->getConfigPayload()->getFiniteStateMachine();
     EXPECT_EQ(configs.at(0)->getConfigId(), 7);
     machine.start();
     log.takeLines();
@@ -82,6 +58,7 @@ TEST_F(EndToEnd, TheCompleteDocumentLogsZramAndSamplesTheProcessesOverBudget) {
         machine.onEvent(process(2097153));
         ASSERT_THAT(service.triggers(), IsEmpty());
     }
+    machine.onEvent(process(2097153));
     machine.onEvent(process(2097153));
     EXPECT_EQ(service.triggers().size(), 1U);
     EXPECT_EQ(machine.getCurrentState()->getName(), "end");

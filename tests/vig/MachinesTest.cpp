@@ -1,4 +1,3 @@
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <future>
@@ -25,19 +24,12 @@ using support::TestEvent;
 
 const std::string kTrigger = R"([{"name":"TriggerVelora"}])";
 
-std::string documentOf(int machines) {
-    const std::string draw = "[" +
-                             support::filter("<", "double", support::operand("function", "PseudoRandomDouble"),
-                                             support::operand("constant", "0.5")) +
-                             "]";
+std::string documentOf(std::size_t machines) {
     const std::string config =
-        support::config(1, {support::transition("start", "start", "ProcessMemoryHeartBeat", draw, kTrigger),
+        support::config(1, {support::transition("start", "start", "ProcessMemoryHeartBeat",
+                                                support::filters({"double PseudoRandomDouble() < =0.5"}), kTrigger),
                             support::transition("start", "end", "Test", "[]", R"([{"name":"LogZramHeartBeat"}])")});
-    std::string configs = config;
-    for (int machine = 1; machine < machines; ++machine) {
-        configs += "," + config;
-    }
-    return support::document({configs});
+    return support::document(std::vector<std::string>(machines, config));
 }
 
 TestEvent overBudget() {
@@ -105,7 +97,7 @@ TEST(Machines, ATriggerServiceThatBlocksHoldsUpOnlyTheMachineThatCallsIt) {
     android::defaultServiceManager()->addService(name, service);
     const support::LogCapture log;
     const std::string calling = support::transition("start", "end", "ProcessMemoryHeartBeat", "[]", kTrigger);
-    const auto blocked = VIGManager().parseResponse(support::document({support::config(1, {calling})}));
+    const auto blocked = VIGManager().parseResponse(support::documentOf({calling}));
     FiniteStateMachine& machine = *blocked.at(0)->getConfigPayload()->getFiniteStateMachine();
     machine.start();
     std::thread caller([&] { machine.onEvent(overBudget()); });

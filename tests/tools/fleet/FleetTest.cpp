@@ -28,15 +28,11 @@ using tool::FleetSummary;
 using tool::ReportFormat;
 
 // A device logs and triggers on a share of its events, and moves on what the context has.
-const std::string kRules = document(
-    {config(7, {transition(
-                    "start", "start", "ProcessMemoryHeartBeat",
-                    "[" + filter("<", "double", operand("function", "PseudoRandomDouble"), operand("constant", "0.3")) +
-                        "]",
-                    R"([{"name":"TriggerVelora"}])"),
-                transition("start", "end", "Test",
-                           "[" + filter("==", "integer", operand("envvar", "limit"), operand("constant", "5")) + "]")}),
-     config(8, {transition("start", "start", "Timeout", "[]", R"([{"name":"TriggerVelora"}])")})});
+const std::string kTrigger = R"([{"name":"TriggerVelora"}])";
+const std::string kRules = document({config(7, {transition("start", "start", "ProcessMemoryHeartBeat",
+                                                           filters({"double PseudoRandomDouble() < =0.3"}), kTrigger),
+                                                transition("start", "end", "Test", filters({"integer limit == =5"}))}),
+                                     config(8, {transition("start", "start", "Timeout", "[]", kTrigger)})});
 
 std::string records(std::size_t count, bool withTest) {
     const auto attributes = [](std::size_t swap) {

@@ -180,6 +180,7 @@ TEST(GraphCommand, DrawsTheDocumentOrSaysWhyNot) {
         {good, GraphFormat::Mermaid, VIG_SOURCE_DIR "/examples/trace.jsonl", 0,
          "→ LogZramHeartBeat<br/>5 of 5 tried\n"},
         {good, GraphFormat::Svg, folder.path("none"), 2, "none: No such file or directory\n"},
+        {good, GraphFormat::Dot, folder.write("events", "{}\n"), 2, "events:1: error: event: missing\n"},
         {bad, GraphFormat::Dot, "", 1, bad + ": error: refused; `vig check " + bad + "` tells what is wrong\n"},
         {folder.path("none"), GraphFormat::Dot, "", 2, "none: No such file or directory\n"},
     };
@@ -188,6 +189,7 @@ TEST(GraphCommand, DrawsTheDocumentOrSaysWhyNot) {
         EXPECT_EQ(result.status, each.status) << result.err;
         EXPECT_THAT(each.status == 0 ? result.out : result.err, HasSubstr(each.written));
         EXPECT_EQ(each.status == 0 ? result.err : result.out, "");
+        EXPECT_TRUE(each.status != 0 || result.out.starts_with("digraph") || result.out.starts_with("stateDiagram"));
     }
 }
 

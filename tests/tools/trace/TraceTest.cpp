@@ -10,41 +10,32 @@
 #include "tests/support/TemporaryFolder.h"
 #include "tests/tools/ToolRun.h"
 #include "tools/vig/RunCommand.h"
-#include "tools/vig/trace/TransitionCounts.h"
 
 namespace {
 
 using support::config;
 using support::document;
-using support::filter;
+using support::filters;
 using support::linesWith;
-using support::operand;
 using support::runVerb;
 using support::TemporaryFolder;
 using support::ToolResult;
 using support::transition;
 using tool::RunOptions;
-using tool::TransitionCounts;
 
 const std::string kTrigger = R"([{"name":"TriggerVelora"},{"name":"LogZramHeartBeat"}])";
 
-const std::string kDraw = operand("function", "PseudoRandomDouble");
-
-std::string half(const std::string& other) {
-    return "[" + filter("<", "double", kDraw, other) + "," + filter(">", "double", other, operand("constant", "0.2")) +
-           "," + filter("!=", "integer", operand("envvar", "pid"), operand("envvar", "absent")) + "]";
-}
+const std::string kHalf = filters({"double PseudoRandomDouble() < PseudoRandomDouble()",
+                                   "double PseudoRandomDouble() > =0.2", "integer pid != absent"});
 
 // Draws on events and on entering states, in both kinds of filter, with functions that the registry does not have.
 const std::string kRandomDocument = document({
-    config(1, {transition("start", "a", "EnteringState", half(kDraw)),
+    config(1, {transition("start", "a", "EnteringState", kHalf),
                transition("start", "a", "ProcessMemoryHeartBeat",
-                          "[" + filter(">", "double", operand("constant", "0.5"), kDraw) + "," +
-                              filter("!=", "string", operand("function", "F"), operand("envvar", "processName")) + "]",
-                          kTrigger),
-               transition("a", "start", "ProcessMemoryHeartBeat", half(operand("function", "PseudoRandomDouble")))}),
-    config(2, {transition("start", "start", "ProcessMemoryHeartBeat", "[" + filter("<=", "double", kDraw, kDraw) + "]",
-                          kTrigger),
+                          filters({"double =0.5 > PseudoRandomDouble()", "string F() != processName"}), kTrigger),
+               transition("a", "start", "ProcessMemoryHeartBeat", kHalf)}),
+    config(2, {transition("start", "start", "ProcessMemoryHeartBeat",
+                          filters({"double PseudoRandomDouble() <= PseudoRandomDouble()"}), kTrigger),
                transition("start", "b", "Timeout"), transition("b", "b", "EnteringState"),
                transition("start", "start", "ZramHeartBeat", "[]", kTrigger)}),
 });
@@ -79,8 +70,7 @@ TEST(Trace, ChangesNothingOfWhatHappens) {
 
 // Runs two events of type Test with a context and returns the report.
 ToolResult explained(const TemporaryFolder& folder, const std::string& transitions, RunOptions options) {
-    options.rules = folder.write(
-        "rules.json", R"({"configs":[{"id":7,"payload":{"id":1,"data":{"transitions":[)" + transitions + "]}}}]}");
+    options.rules = folder.write("rules.json", support::documentOf({transitions}));
     options.events = folder.write("events.jsonl", R"({"event":"Test","int64":{"pid":3}})"
                                                   "\n"
                                                   R"({"event":"Test","time_ms":9,"int64":{"pid":8,"limit":4}})"
@@ -90,15 +80,12 @@ ToolResult explained(const TemporaryFolder& folder, const std::string& transitio
 }
 
 TEST(Explain, ShowsEachFilterWithTheValuesThatItCompared) {
-    const std::string filters = "[" + filter("<", "integer", operand("constant", " 4kB"), operand("envvar", "limit")) +
-                                "," + filter("!=", "string", operand("envvar", "name"), operand("constant", "x")) +
-                                "," + filter("<=", "integer", operand("envvar", "absent"), operand("envvar", "pid")) +
-                                "," + filter("<", "double", kDraw, operand("constant", "1")) + "," +
-                                filter(">", "double", operand("envvar", "pid"), operand("constant", "0")) + "]";
+    const std::string five = filters({"integer =4kB < limit", "string name != =x", "integer absent <= pid",
+                                      "double PseudoRandomDouble() < =1", "double pid > =0"});
     RunOptions options;
     options.explain = true;
     const TemporaryFolder folder;
-    const std::string transitions = transition("start", "end", "Test", filters) + "," +
+    const std::string transitions = transition("start", "end", "Test", five) + "," +
                                     transition("start", "a", "Test", "[]", R"([{"name":"Test"}])") + "," +
                                     transition("a", "b", "EnteringState");
     const std::string text = explained(folder, transitions, options).out;
@@ -107,7 +94,7 @@ TEST(Explain, ShowsEachFilterWithTheValuesThatItCompared) {
         0  log      error          VIGManager: ViG device config is available now.
         1  explain  0 (id 7)       Test in state start
                                      configs[0].payload.data.transitions[0] -> end: stopped by filter 5 of 5
-                                       yes    4kB < limit              4 < 5
+                                       yes   4kB < limit               4 < 5
                                        yes   name != "x"               "" (missing) != "x"
                                        yes   absent <= pid             0 (missing) <= 3
                                        yes   PseudoRandomDouble() < 1  0.1354770042967805 < 1
@@ -120,18 +107,18 @@ TEST(Explain, ShowsEachFilterWithTheValuesThatItCompared) {
         2  explain  0 (id 7)       Test in state b: no transition listens
 )");
     options.format = tool::ReportFormat::Jsonl;
-    EXPECT_EQ(linesWith(explained(folder, transition("start", "end", "Test", filters), options).out,
+    EXPECT_EQ(linesWith(explained(folder, transition("start", "end", "Test", five), options).out,
                         R"({"type":"explain","event":2)")[0],
               R"({"type":"explain","event":2,"machine":0,"config_id":7,"event_type":"Test","state":"start",)"
               R"("transitions":[{"path":"configs[0].payload.data.transitions[0]","to":"end","fired":false,"filters":[)"
-              R"({"condition":" 4kB < limit","left":4,"right":4,"verdict":false}],"actions":[]}]})");
+              R"({"condition":"4kB < limit","left":4,"right":4,"verdict":false}],"actions":[]}]})");
 }
 
 TEST(WhyNot, TellsWhatKeptATransitionFromFiring) {
-    const std::string filters = "[" + filter(">", "integer", operand("envvar", "pid"), operand("constant", "9")) + "]";
-    const std::string transitions = transition("start", "end", "Test", filters) + "," +
+    const std::string above = filters({"integer pid > =9"});
+    const std::string transitions = transition("start", "end", "Test", above) + "," +
                                     transition("start", "a", "Test", "[]") + "," + transition("a", "b", "Test") + "," +
-                                    transition("b", "c", "EnteringState", filters) + "," +
+                                    transition("b", "c", "EnteringState", above) + "," +
                                     transition("c", "b", "EnteringState");
     const struct {
         std::string path;
@@ -177,43 +164,19 @@ TEST(WhyNot, TellsWhatKeptATransitionFromFiring) {
     }
     options.format = tool::ReportFormat::Jsonl;
     options.whyNot = cases[0].path;
-    EXPECT_EQ(linesWith(explained(folder, transition("start", "end", "Test", filters), options).out,
-                        R"({"type":"why_not")")[0],
-              R"({"type":"why_not","path":"configs[0].payload.data.transitions[0]","machine":0,"config_id":7,)"
-              R"("from":"start","to":"end","event_type":"Test","events":2,"other_types":0,"other_states":[],)"
-              R"("earlier_fired":0,"tried":2,"fired":0,"filters":[{"condition":"pid > 9","stopped":2,)"
-              R"("nearest":{"distance":2,"left":8,"right":9,"event":2,"time_ms":9}}]})");
+    EXPECT_EQ(
+        linesWith(explained(folder, transition("start", "end", "Test", above), options).out, R"({"type":"why_not")")[0],
+        R"({"type":"why_not","path":"configs[0].payload.data.transitions[0]","machine":0,"config_id":7,)"
+        R"("from":"start","to":"end","event_type":"Test","events":2,"other_types":0,"other_states":[],)"
+        R"("earlier_fired":0,"tried":2,"fired":0,"filters":[{"condition":"pid > 9","stopped":2,)"
+        R"("nearest":{"distance":2,"left":8,"right":9,"event":2,"time_ms":9}}]})");
     options.whyNot = "configs[0].payload.data.transition[0]";
-    const ToolResult unknown = explained(folder, transition("start", "end", "Test", filters), options);
+    const ToolResult unknown = explained(folder, transition("start", "end", "Test", above), options);
     EXPECT_EQ(unknown.status, 2);
     EXPECT_EQ(unknown.err, folder.path("rules.json").string() +
                                ": error: no transition has the path \"configs[0].payload.data.transition[0]\"; did you "
                                "mean \"configs[0].payload.data.transitions[0]\"?; there are "
                                "configs[0].payload.data.transitions[0]\n");
-}
-
-TEST(TransitionCounts, CountsTriesAndMovesWithoutAReport) {
-    const TemporaryFolder folder;
-    RunOptions options;
-    options.rules = VIG_SOURCE_DIR "/examples/cpu-budget.json";
-    options.events = VIG_SOURCE_DIR "/examples/trace.jsonl";
-    const support::MemoryFile out;
-    const support::MemoryFile err;
-    const tool::Console console{-1, out.descriptor, err.descriptor};
-    const tool::Interruption interruption;
-    TransitionCounts counts;
-    EXPECT_EQ(countTransitions(options, console, interruption, counts), 0);
-    ASSERT_EQ(counts.byConfig().size(), 1u);
-    std::string text;
-    for (const auto& count : counts.byConfig()[0]) {
-        text += std::to_string(count.tried) + "/" + std::to_string(count.fired) + " ";
-    }
-    EXPECT_EQ(text, "4/1 3/1 2/0 ");
-    EXPECT_EQ(out.content() + err.content(), "");
-
-    options.events = folder.write("events.jsonl", "{}\n");
-    EXPECT_EQ(countTransitions(options, console, interruption, counts), 2);
-    EXPECT_EQ(err.content(), options.events + ":1: error: event: missing\n");
 }
 
 }  // namespace

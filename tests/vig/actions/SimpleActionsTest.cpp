@@ -39,15 +39,6 @@ TEST(ActionFactories, AcceptNoParametersAndSaySo) {
         "VIGTriggerVeloraCpuFuncActionFactoryImpl should not have any parameters.");
 }
 
-TEST(TestAction, DoesNothing) {
-    support::TestContext context({});
-    context.timeoutIds = {1};
-    const LogCapture log;
-    (*TestActionFunctionFactory().get({}))(context, TestEvent({}));
-    EXPECT_THAT(context.timeoutIds, ElementsAre(1));
-    EXPECT_THAT(log.lines(), IsEmpty());
-}
-
 TEST(LogZramHeartBeatAction, LogsTheFiguresOrZero) {
     const std::pair<support::Attributes, std::string> cases[] = {
         {{.uint64 = {{"memUsedMaxBytes", 7}, {"numCompressedDataBytes", 3}}},

@@ -4,7 +4,6 @@
 #include <host/DeviceConfigFiles.h>
 #include <sys/stat.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <cstdint>
 #include <filesystem>
@@ -13,6 +12,7 @@
 #include <string>
 #include <thread>
 
+#include "tests/support/Documents.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/Receiver.h"
 #include "tests/support/TemporaryFolder.h"
@@ -27,49 +27,30 @@ namespace fs = std::filesystem;
 using testing::ExitedWithCode;
 
 // Each in a process of its own, which has not drawn yet.
-TEST(RandomDevice, NumbersAreDrawnWhateverBecomesOfIt) {
-    const support::TemporaryFolder folder;
-    const faults::Opening cases[] = {
-        {"", ENOENT},
-        {"", EMFILE},
-        {folder.write("short", "12"), 0},
-        {folder.path(), 0},  // can be opened, but not read
-    };
-    const auto drawAndExit = [](const faults::Opening& fault) {
-        faults::openings["/dev/urandom"] = fault;
-        const auto draw = Brenta::OS::VIG::PseudoRandomDoublePureFunctionImpl::get();
-        bool spread = false;
-        for (int i = 0; i < 100; ++i) {
-            const double drawn = draw();
-            spread = spread || (drawn > 0.4 && drawn < 0.6);
-            if (drawn < 0 || drawn >= 1) {
-                std::exit(1);
-            }
-        }
-        std::exit(spread ? 0 : 2);
-    };
-    for (const faults::Opening& fault : cases) {
-        EXPECT_EXIT(drawAndExit(fault), ExitedWithCode(0), "");
-    }
-}
-
-TEST(RandomDevice, GivesTheSeed) {
+TEST(RandomDevice, GivesTheSeedAndNumbersAreDrawnWhateverBecomesOfIt) {
     const support::TemporaryFolder folder;
     const std::uint32_t seed = 5489;
-    const auto bytes = std::string(reinterpret_cast<const char*>(&seed), sizeof seed);
-    const auto drawAndExit = [&] {
-        faults::openings["/dev/urandom"] = {folder.write("seed", bytes), 0};
-        std::exit(Brenta::OS::VIG::PseudoRandomDoublePureFunctionImpl::get()() == 0.1354770042967805 ? 0 : 1);
+    const struct {
+        faults::Opening opening;
+        bool givesSeed;
+    } cases[] = {
+        {{folder.write("seed", std::string(reinterpret_cast<const char*>(&seed), sizeof seed)), 0}, true},
+        {{"", ENOENT}, false},
+        {{folder.write("short", "12"), 0}, false},
     };
-    EXPECT_EXIT(drawAndExit(), ExitedWithCode(0), "");
+    const auto drawAndExit = [](const faults::Opening& opening, bool givesSeed) {
+        faults::openings["/dev/urandom"] = opening;
+        const auto draw = Brenta::OS::VIG::PseudoRandomDoublePureFunctionImpl::get();
+        const double first = draw();
+        std::exit((first == 0.1354770042967805) == givesSeed && first >= 0 && first < 1 && draw() != first ? 0 : 1);
+    };
+    for (const auto& [opening, givesSeed] : cases) {
+        EXPECT_EXIT(drawAndExit(opening, givesSeed), ExitedWithCode(0), "") << opening.instead << opening.error;
+    }
 }
 
 std::string documentNumber(std::size_t number) {
-    std::string configs;
-    for (std::size_t id = 0; id < number; ++id) {
-        configs += (id == 0 ? "" : ",") + std::string(R"({"id":1,"payload":{"id":1,"data":{"transitions":[]}}})");
-    }
-    return R"({"configs":[)" + configs + "]}";
+    return support::document(std::vector<std::string>(number, support::config(1, {})));
 }
 
 // A manager with the host's own device configuration, and the file that it follows.

@@ -10,9 +10,6 @@ namespace {
 
 using namespace Brenta::OS::VIG;
 using Brenta::OS::RulesEngine::EventType;
-using testing::ElementsAre;
-using testing::Key;
-using testing::UnorderedElementsAre;
 
 const VIGParserConfig kRegistry({{"Test", EventType::Test}}, {{"Test", std::make_shared<TestActionFunctionFactory>()}},
                                 {{"f", [] { return 1; }}, {"integer", [] { return 1; }}},
@@ -60,20 +57,6 @@ TEST(ParserConfig, LeavesTheActionAloneWhereTheNameIsUnknownOrTheParametersAreRe
     EXPECT_TRUE(kRegistry.getActionFunction("Test", {}, action));
     action(context, support::TestEvent({}));
     EXPECT_EQ(calls, 1);
-}
-
-TEST(ParserConfig, ListsTheNamesOfEachKind) {
-    EXPECT_THAT(kRegistry.getEventTypes(), ElementsAre(Key("Test")));
-    EXPECT_THAT(kRegistry.getActionFunctionFactories(), ElementsAre(Key("Test")));
-    EXPECT_THAT(kRegistry.getInt64PureFunctions(), UnorderedElementsAre(Key("f"), Key("integer")));
-    EXPECT_THAT(kRegistry.getDoublePureFunctions(), UnorderedElementsAre(Key("f"), Key("double")));
-    EXPECT_THAT(kRegistry.getStringPureFunctions(), UnorderedElementsAre(Key("f"), Key("string")));
-}
-
-TEST(ParserConfig, CreatesANewContextOnEveryCall) {
-    const auto first = kRegistry.createEvaluationContext();
-    const auto second = kRegistry.createEvaluationContext();
-    EXPECT_TRUE(first && second && first != second);
 }
 
 }  // namespace

@@ -128,12 +128,6 @@ TEST(ResponseParser, TruncatesIdsTowardZeroInEveryLocale) {
     support::inCommaLocales(expectIds);
 }
 
-TEST(ResponseParser, ShowsNumbersInEveryLocaleAlike) {
-    const Strings messages = shown({"Invalid VIG Config JSON: {}."}, json(R"({"id":2.5})"));
-    support::inCommaLocales(
-        [&] { expectRefused(document({R"({"id":2.5})"}), VIGParseError::InvalidConfig, messages); });
-}
-
 TEST(ResponseParser, ReportsTextThatIsNoJsonAsTheReaderDoes) {
     for (const std::string& text :
          {std::string(), std::string(" "), std::string(R"({"configs":[}])"), std::string("{'configs':[]}"),
