@@ -142,21 +142,26 @@ void VIGManager::stop() {
 }
 
 void VIGManager::configureDeviceConfigService() {
-    const std::lock_guard lock(mutex);
-    // A registration may have been ended before its thread came here.
-    if (stopping || registrationState == RegistrationState::Deregistered) {
-        return;
-    }
-    if (!watching) {
-        // Deciding to end is the last thing that a watcher does, so this does not wait.
-        if (deviceConfigThread.joinable()) {
-            deviceConfigThread.join();
+    std::thread ended;
+    {
+        const std::lock_guard lock(mutex);
+        // A registration may have been ended before its thread came here.
+        if (stopping || registrationState == RegistrationState::Deregistered) {
+            return;
         }
-        deviceConfigThread = std::thread(&VIGManager::watch, this);
-        watching = true;
+        if (!watching) {
+            std::thread watcher(&VIGManager::watch, this);
+            ended = std::exchange(deviceConfigThread, std::move(watcher));
+            watching = true;
+        }
+        watchRequest = gate->latestRegistration();
+        watchRequested.notify_all();
     }
-    watchRequest = gate->latestRegistration();
-    watchRequested.notify_all();
+    // Deciding to end is the last thing that a watcher does with the manager. What a callback has left to the end of
+    // its thread may still use it, so the mutex is free.
+    if (ended.joinable()) {
+        ended.join();
+    }
 }
 
 void VIGManager::watch() {

@@ -72,8 +72,9 @@ class VIG_EXPORT VIGManager {
     // An earlier registration ends as with deregisterCallback, but without waiting for the service.
     // If the thread cannot be created, there is no registration afterwards.
     // REQUIRES: the copy constructors and destructors of what a callback owns do not use the manager, since callbacks
-    // are copied, replaced and cleared under its mutex; and the caller holds no lock that the callback takes, since
-    // the service may wait for a notification under way.
+    // are copied, replaced and cleared under its mutex; the caller holds no lock that the callback takes, since the
+    // service may wait for a notification under way; and it is not called at the end of a thread that ran the callback,
+    // by the destructor of a thread_local.
     void registerCallback(Callback newCallback);
 
     // Ends the registration. No delivery for it begins after the return, but one under way may still call the copy of

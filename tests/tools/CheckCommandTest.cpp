@@ -182,6 +182,7 @@ TEST_F(CheckCommand, ExitStatusTellsErrorsFromWarnings) {
         {kFaulty, {.allowed = {"unknown-key"}}, 1, "2 errors in 1 file\n"},
         {"", {}, 1, "1 error in 1 file\n"},
         {kWarned, {.rules = {"/missing"}}, 2, "1 warning in 1 file\n"},
+        {kFaulty, {.rules = {"/missing"}, .allowed = {"unknown-key"}}, 2, "2 errors in 1 file\n"},
     };
     for (const auto& [text, options, status, lastLine] : cases) {
         const auto result = check(text, options);

@@ -91,6 +91,13 @@ TEST(CommandLine, WrongArgumentsAreUsageErrors) {
         {"check"},
         {"check", "r", "--format", "jsonl"},
         {"check", "r", "--allow", "no-way"},
+        {"check", "r", "--catalogue", ""},
+        {"check", "r", "--events", ""},
+        {"run", "r", "--context", ""},
+        {"run", "r", "--why-not", ""},
+        {"watch", "r", "--record", ""},
+        {"test", "a", "--junit", ""},
+        {"graph", "r", "--events", ""},
     };
     for (const auto& arguments : cases) {
         const auto answer = std::get<Answer>(parse(arguments));

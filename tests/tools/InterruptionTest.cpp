@@ -62,6 +62,7 @@ TEST(InterruptionDeathTest, WhatWasIgnoredStaysSoAndAllIsAsBeforeAfterwards) {
             const InterruptOnSignals signals(interruption);
             raise(SIGINT);
             raise(SIGPIPE);
+            raise(SIGXFSZ);
             const bool early = interruption.requested();
             raise(SIGTERM);
             if (early || !interruption.requested()) {

@@ -324,11 +324,35 @@ TEST_F(ManagerTest, DeregistrationDoesNotWaitForAServiceThatDoesNotAnswer) {
     };
     manager->registerCallback(receiver.callback());
     adding.get_future().wait();
+    const auto begin = std::chrono::steady_clock::now();
     manager->deregisterCallback();
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(10));
     mayAdd.set_value();
     destroy();
     EXPECT_EQ(config.mostListeners(), 1U);
     EXPECT_THAT(config.listeners(), IsEmpty());
+}
+
+TEST_F(ManagerTest, WhatACallbackLeavesToTheEndOfItsThreadMayUseTheManager) {
+    struct AtTheEnd {
+        std::function<void()> act = [] {};
+        ~AtTheEnd() { act(); }
+    };
+    std::promise<void> ending;
+    std::promise<void> mayEnd;
+    manager->registerCallback([&](auto&&) {
+        thread_local AtTheEnd atTheEnd;
+        atTheEnd.act = [&] {
+            ending.set_value();
+            mayEnd.get_future().wait();
+            manager->deregisterCallback();
+        };
+    });
+    ending.get_future().wait();
+    auto registration = std::async(std::launch::async, [&] { manager->registerCallback(receiver.callback()); });
+    receiver.waitFor(1);  // the new watcher does not wait for the end of the old one
+    mayEnd.set_value();
+    registration.get();
 }
 
 TEST_F(ManagerTest, ACallbackMayRegisterAndDeregister) {
@@ -381,16 +405,13 @@ TEST_F(ManagerTest, ANotificationWithinADeliveryDoesNotWaitForItsEnd) {
 }
 
 TEST_F(ManagerTest, DeregistrationWithinTheRegistrationOfTheListenerDoesNotWaitForIt) {
-    int deliveries = 0;
     std::promise<std::chrono::steady_clock::duration> taken;
-    config.onAdded = [&](const auto& listener) { config.notify(listener); };
-    manager->registerCallback([&](auto&&) {
-        if (++deliveries == 2) {
-            const auto begin = std::chrono::steady_clock::now();
-            manager->deregisterCallback();
-            taken.set_value(std::chrono::steady_clock::now() - begin);
-        }
-    });
+    config.onAdded = [&](const auto&) {
+        const auto begin = std::chrono::steady_clock::now();
+        manager->deregisterCallback();
+        taken.set_value(std::chrono::steady_clock::now() - begin);
+    };
+    manager->registerCallback(receiver.callback());
     EXPECT_LT(taken.get_future().get(), std::chrono::seconds(2));
     destroy();
     EXPECT_THAT(config.listeners(), IsEmpty());

@@ -72,6 +72,9 @@ int check(const CheckOptions& options, const Console& console, const Interruptio
         }
         const DocumentText document(path, std::move(*text));
         std::vector<Diagnostic> findings = check(document, registry, catalogue);
+        if (interruption.requested()) {
+            return kExitInterrupted;
+        }
         std::erase_if(findings, [&](const Diagnostic& each) {
             return std::ranges::find(options.allowed, each.name) != options.allowed.end();
         });

@@ -31,7 +31,7 @@ constexpr const char* kRunHint = "Try: vig run --help";
 
 constexpr const char* kGeneralFooter =
     "Exit status: 0 done, 1 the rules were refused or a test failed, 2 bad arguments or input, or the output cannot\n"
-    "be written, 130 interrupted.\n"
+    "be written, 130 interrupted (but for watch, which Ctrl-C ends with its summary).\n"
     "`vig VERB --help` has an example.";
 
 constexpr const char* kCheckFooter =
@@ -139,6 +139,11 @@ void addChoice(CLI::App& verb, const std::string& name, Value& value,
         ->type_name(words);
 }
 
+// An empty name is a variable of a script that has no value, rather than an option that was not given.
+std::string whyNoName(const std::string& name) {
+    return name.empty() ? "expected a name, got nothing" : "";
+}
+
 void addRules(CLI::App& verb, std::string& rules) {
     verb.add_option("RULES", rules, "The rule document")->required();
 }
@@ -150,6 +155,7 @@ void addSurroundings(CLI::App& verb, std::uint32_t& seed, std::string& contextFi
                         std::to_string(seed) + ")")
         ->type_name("N");
     verb.add_option("--context", contextFile, "A file with one event record: the attributes of every machine's context")
+        ->check(whyNoName)
         ->type_name("FILE");
 }
 
@@ -208,9 +214,11 @@ void addCheck(CLI::App& app, CheckOptions& options) {
     verb.add_option("--catalogue", options.catalogueFile,
                     "The attributes of events and contexts, as `vig catalogue` prints them (default: what `vig watch`\n"
                     "produces)")
+        ->check(whyNoName)
         ->type_name("FILE");
     verb.add_option("--events", options.eventsFile,
                     "Event records: their attributes stand in the place of those that the tool knows, or add to FILE's")
+        ->check(whyNoName)
         ->type_name("EVENTS");
     verb.footer(checkFooter());
 }
@@ -227,6 +235,7 @@ void addRun(CLI::App& app, RunOptions& options, FleetOptions& fleet) {
     verb.add_flag("--explain", options.explain, "Tells what every machine decides on every event, and why");
     verb.add_option("--why-not", options.whyNot,
                     "Tells at the end what kept the transition at that path of the document from firing")
+        ->check(whyNoName)
         ->type_name("PATH");
     fleet.threads = std::max(std::thread::hardware_concurrency(), 1u);
     verb.add_option("-j,--jobs", fleet.threads, "How many devices run at once (default: as many as there are cores)")
@@ -276,6 +285,7 @@ void addWatch(CLI::App& app, WatchOptions& options) {
     addDuration(verb, "--duration", options.duration, std::chrono::milliseconds(0),
                 "The time after which to stop (default: 30s)");
     verb.add_option("--record", options.recordFile, "Writes the events there, as records that `vig run` reads")
+        ->check(whyNoName)
         ->type_name("FILE");
     verb.add_flag("--force", options.overwrite, "Lets --record overwrite a file");
     verb.footer(kWatchFooter);
@@ -302,7 +312,9 @@ void addTest(CLI::App& app, TestOptions& options) {
     verb.add_option("--coverage-min", options.coverageMin, "Fails if less of any rule document is reached")
         ->check(percentage)
         ->type_name("PERCENT");
-    verb.add_option("--junit", options.junitFile, "Writes the results there, as JUnit XML")->type_name("FILE");
+    verb.add_option("--junit", options.junitFile, "Writes the results there, as JUnit XML")
+        ->check(whyNoName)
+        ->type_name("FILE");
     verb.footer(kTestFooter);
 }
 
@@ -316,6 +328,7 @@ void addGraph(CLI::App& app, GraphOptions& options) {
                                 {"mermaid", GraphFormat::Mermaid}}},
                               "dot for Graphviz; svg and png, which call it; mermaid for a README");
     verb.add_option("--events", options.events, "Event records to replay: shows how often each transition fired")
+        ->check(whyNoName)
         ->type_name("FILE");
     addSurroundings(verb, options.seed, options.contextFile);
     verb.footer(kGraphFooter);

@@ -128,6 +128,9 @@ int graph(const GraphOptions& options, const Console& console, const Interruptio
     }
     const std::vector<ConfigModel> models = modelsOf(document);
     const std::vector<Diagnostic> findings = check(document, libraryRegistry(), Catalogue::builtIn());
+    if (interruption.requested()) {
+        return kExitInterrupted;
+    }
     int status = kExitDone;
     const auto traffic = trafficOf(options, models, console, interruption, status);
     return status == kExitDone ? draw(graphsOf(models, findings, traffic), options, console, interruption) : status;

@@ -52,7 +52,8 @@ InterruptOnSignals::InterruptOnSignals(Interruption& interruption) {
     for (std::size_t i = 0; i < kSignals.size(); ++i) {
         sigaction(kSignals[i], nullptr, &previous[i]);
         if (previous[i].sa_handler != SIG_IGN) {
-            handle(kSignals[i], kSignals[i] == SIGPIPE ? SIG_IGN : onSignal);
+            const bool isRequest = kSignals[i] == SIGINT || kSignals[i] == SIGTERM;
+            handle(kSignals[i], isRequest ? onSignal : SIG_IGN);
         }
     }
 }

@@ -29,7 +29,8 @@ class Interruption {
 
 // While it lives, the first SIGINT or SIGTERM requests the end; a second one, of either kind, ends the process at once,
 // should it be stuck. One that was ignored before stays so: that is how a script starts a program in its background.
-// Writing to a closed pipe fails instead of ending the process. Afterwards all is as it was. One object at a time.
+// Writing to a closed pipe, or more than a file may have, fails instead of ending the process. Afterwards all is as it
+// was. One object at a time.
 class InterruptOnSignals {
   public:
     explicit InterruptOnSignals(Interruption& interruption);
@@ -38,7 +39,7 @@ class InterruptOnSignals {
     ~InterruptOnSignals();
 
   private:
-    static constexpr std::array<int, 3> kSignals = {SIGINT, SIGTERM, SIGPIPE};
+    static constexpr std::array<int, 4> kSignals = {SIGINT, SIGTERM, SIGPIPE, SIGXFSZ};
 
     std::array<struct sigaction, kSignals.size()> previous{};
 };

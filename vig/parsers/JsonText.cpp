@@ -160,8 +160,9 @@ std::string respellForLocale(std::string_view text) {
     if (std::use_facet<std::numpunct<char>>(std::locale()).decimal_point() == '.') {
         return {};
     }
+    // The mark stays, or a second one would be taken for it.
     const std::string_view json = withoutByteOrderMark(text);
-    std::string respelled;
+    std::string respelled(text.substr(0, text.size() - json.size()));
     std::size_t copied = 0;
     for (JsonTokens tokens(json); tokens.next(); copied = tokens.offset() + tokens.token().size()) {
         respelled += json.substr(copied, tokens.offset() - copied);

@@ -76,6 +76,7 @@ TEST(RuleWarnings, FindsWhatIsWrongWithTheStates) {
 
         {{memory({}), memory({big})}, {"shadowed-transition [1]"}},
         {{memory({big}), memory({"integer =010 < vmRssKB", big})}, {"shadowed-transition [1]"}},
+        {{memory({"integer vmRssKB > vmSwapKB"}), memory({"integer vmSwapKB < vmRssKB"})}, {"shadowed-transition [1]"}},
         {{memory({big}), memory({"string processName == =a", big}), memory({})}, {"shadowed-transition [1]"}},
         {{memory({"double =1 == =1"}), memory({})}, {"always-true [0].filters[0]", "shadowed-transition [1]"}},
         {{memory({big}), memory({"integer vmRssKB >= =10"}), memory({"integer vmSwapKB > =10"})}},
@@ -198,7 +199,7 @@ TEST(RuleWarnings, FindsNumbersThatAreReadAsOthers) {
     for (const std::string whole :
          {"integer x > = +7", "double x > =0x10", "double x > =-00.10", "double x > =.5", "double x > =12.",
           "double x > =0", "double x > =1e-310", "double x > =-inf", "double x > =9007199254740992", "double x > =007",
-          "integer x < =12 ", "string x == =12kB"}) {
+          "integer x < =12 ", "integer x < =12\n", "string x == =12kB"}) {
         EXPECT_EQ(namesOf(warningsOf({transition("start end Test", {whole})})), Strings()) << whole;
     }
     expectNames({{{transition("start end Test", {"integer =abc == =99999999999999999999"})},
