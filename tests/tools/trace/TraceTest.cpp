@@ -1,5 +1,6 @@
 #include "tools/vig/trace/Trace.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <string>
@@ -112,6 +113,12 @@ TEST(Explain, ShowsEachFilterWithTheValuesThatItCompared) {
               R"({"type":"explain","event":2,"machine":0,"config_id":7,"event_type":"Test","state":"start",)"
               R"("transitions":[{"path":"configs[0].payload.data.transitions[0]","to":"end","fired":false,"filters":[)"
               R"({"condition":"4kB < limit","left":4,"right":4,"verdict":false}],"actions":[]}]})");
+    // A program gets whole what a person sees the beginning of.
+    const std::string name(100, 'n');
+    const std::string longName = transition("start", "end", "Test", filters({"integer " + name + " > =9"}));
+    EXPECT_THAT(explained(folder, longName, options).out, testing::HasSubstr("\"condition\":\"" + name + " > 9\""));
+    options.format = tool::ReportFormat::Text;
+    EXPECT_THAT(explained(folder, longName, options).out, testing::HasSubstr("no    " + name.substr(0, 64) + "… > 9"));
 }
 
 TEST(WhyNot, TellsWhatKeptATransitionFromFiring) {
