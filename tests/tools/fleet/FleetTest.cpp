@@ -33,8 +33,8 @@ const std::string kRules = document(
     {config(7, {transition("start", "start", "ProcessMemoryHeartBeat", filters({"double PseudoRandomDouble() < =0.3"}),
                            kTrigger),
                 transition("start", "end", "Test", filters({"integer limit == =5"}))}),
-     config(8, {transition("start", "start", "Timeout", "[]", kTrigger),
-                transition("start", "drawn", "EnteringState", filters({"double PseudoRandomDouble() < =0.1"}))})});
+     config(8, {transition("start", "start", "Timeout", "[]", kTrigger)}),
+     config(9, {transition("start", "drawn", "EnteringState", filters({"double PseudoRandomDouble() < =0.1"}))})});
 
 std::string records(std::size_t count, bool withTest) {
     const auto attributes = [](std::size_t swap) {

@@ -140,8 +140,8 @@ TEST(RespelledJson, ReadsInACommaLocaleAsTheOriginalReadsInTheCLocale) {
     numbers.insert(numbers.end(), {"0.1", "123456789012345678901234567890.5", "1.5e400", "1.5e-400", "1.5E+3", "-0.0",
                                    "4.9e-324", "9223372036854775808.0", "1.5e-9223372036854775808", "1.5e+-5",
                                    "1.5e99999999999999999999", "1.5e-99999999999999999999", "1.5x", "1.5e5.5"});
-    std::vector<std::string> texts = {R"({"1.5":"2.5"} 3.5)", R"([1.5/*2.5*/,3.5,"4.5\"5.5"])", "\xEF\xBB\xBF[1.5]", "\xEF\xBB\xBF\xEF\xBB\xBF[1.5]",
-                                      "[1 2.5]"};
+    std::vector<std::string> texts = {R"({"1.5":"2.5"} 3.5)", R"([1.5/*2.5*/,3.5,"4.5\"5.5"])", "\xEF\xBB\xBF[1.5]",
+                                      "\xEF\xBB\xBF\xEF\xBB\xBF[1.5]", "[1 2.5]"};
     for (const std::string& number : numbers) {
         texts.push_back("[" + number + ", 1]");
     }
