@@ -57,7 +57,7 @@ std::size_t countDigits(std::string_view text) {
     return std::min(text.find_first_not_of(kDigits), text.size());
 }
 
-// Whether the text is a number as JSON writes one.
+// Tells whether the text is a number as JSON writes one.
 bool isJsonNumber(std::string_view text) {
     text.remove_prefix(text.starts_with('-') ? 1 : 0);
     const std::size_t whole = text.starts_with('0') ? 1 : countDigits(text);
@@ -78,7 +78,7 @@ bool isJsonNumber(std::string_view text) {
     return isComplete && text.empty();
 }
 
-// Whether the text is a number of the kind, which can only be out of its range then.
+// Tells whether the text is a number of the kind, which can only be out of its range then.
 template <typename T>
 bool isNumber(std::string_view token) {
     constexpr bool isInteger = std::is_integral_v<T> && !std::is_same_v<T, bool>;

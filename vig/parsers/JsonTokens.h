@@ -107,7 +107,7 @@ class JsonTokens {
         } while (position < text.size() && isEscaped(position - 1, content));
     }
 
-    // Whether an odd number of backslashes stands before the place.
+    // Tells whether an odd number of backslashes stands before the place.
     bool isEscaped(std::size_t place, std::size_t content) const {
         std::size_t first = place;
         while (first > content && text[first - 1] == '\\') {

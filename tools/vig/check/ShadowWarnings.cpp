@@ -83,7 +83,7 @@ class Precedence {
         std::vector<std::size_t> filters;  // all of them
     };
 
-    // Whether the transition in question has all these filters. Takes as many from `rest` as it looks at.
+    // Tells whether the transition in question has all these filters. Takes as many from `rest` as it looks at.
     bool hasAll(const std::vector<std::size_t>& filters, std::size_t& rest) const {
         return std::ranges::all_of(filters, [&](std::size_t filter) {
             if (rest == 0) {
