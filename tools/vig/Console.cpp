@@ -11,7 +11,7 @@ namespace tool {
 namespace {
 
 // Several paths have room. A name in a file may have any length.
-constexpr std::size_t kMostShownOfLine = 16 * 1024;
+constexpr std::size_t kMostShownOfLine = std::size_t{16} * 1024;
 
 std::string_view variable(const char* name) {
     const char* const value = std::getenv(name);
