@@ -214,11 +214,10 @@ class Lifecycle {
                     case Library::CallsWhatWasRemoved:
                         config.notify(listener);
                         break;
-                    case Library::HoldsALockWhileItNotifies: {
-                        const std::lock_guard lock(notifying);
-                        config.notify(listener);
+                    case Library::HoldsALockWhileItNotifies:
+                        notifyWithTheLock(listener);
+                        std::this_thread::yield();  // or the clients hardly ever get it
                         break;
-                    }
                     case Library::WaitsInARemoval:
                         notifyUnlessRemoved(listener);
                         break;
@@ -233,6 +232,11 @@ class Lifecycle {
             ++rounds;
             happened.notify_all();
         }
+    }
+
+    void notifyWithTheLock(const fakes::Listener& listener) {
+        const std::lock_guard lock(notifying);
+        config.notify(listener);
     }
 
     void notifyUnlessRemoved(const fakes::Listener& listener) {
