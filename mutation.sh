@@ -35,7 +35,7 @@ use() {
     else
         TARGET=vig_tool
         TESTS=(tools_test fleet_test)
-        FILES=('tools/vig/RecordParser.*' 'tools/vig/LineReader.*' 'tools/vig/Decoder.*' 'tools/vig/test/Expectation.*'
+        FILES=('tools/vig/events/RecordParser.*' 'tools/vig/events/LineReader.*' 'tools/vig/events/Decoder.*' 'tools/vig/test/Expectation.*'
             'tools/vig/fleet/FleetSummary.*' 'tools/vig/fleet/FleetSummaryReader.*')
     fi
 }
@@ -45,7 +45,7 @@ tests_of() {
     local own
     case $1 in
         vig/WatcherSleep.cpp) own=realtime_test ;; # the others have another in its place
-        vig/actions/*) own=actions_test ;;
+        vig/base/* | vig/actions/*) own=actions_test ;;
         vig/parsers/*) own=parsers_test ;;
         vig/*) own=manager_test ;;
         tools/vig/fleet/*) own=fleet_test ;;

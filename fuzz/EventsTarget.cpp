@@ -10,17 +10,19 @@
 #include <vector>
 
 #include "fuzz/Limits.h"
-#include "tools/vig/Decoder.h"
-#include "tools/vig/EventReader.h"
-#include "tools/vig/EventWriter.h"
+#include "tools/vig/events/Decoder.h"
+#include "tools/vig/events/EventReader.h"
+#include "tools/vig/events/EventWriter.h"
 
 // A file of event records, plain or compressed. Read in small pieces it must give the same as in large ones, and each
 // record written and read again must be the same one.
 
+namespace Tool = Brenta::OS::VIG::Tool;
+
 namespace {
 
-using tool::EventReader;
-using tool::EventRecord;
+using Tool::EventReader;
+using Tool::EventRecord;
 
 struct Reading {
     std::vector<EventRecord> records = {};
@@ -36,7 +38,7 @@ struct Reading {
 
 // Through a pipe, in pieces of that size.
 Reading readEvents(std::string_view text, std::size_t size) {
-    static const tool::Interruption never;
+    static const Tool::Interruption never;
     std::array<int, 2> ends{};
     if (pipe(ends.data()) != 0) {
         fail("there is no pipe");
@@ -64,15 +66,15 @@ Reading readEvents(std::string_view text, std::size_t size) {
 
 void writeAndReadAgain(const EventRecord& record) {
     std::string line;
-    tool::Output output([&](std::string_view text) {
+    Tool::Output output([&](std::string_view text) {
         line += text;
         return 0;
     });
     writeEvent(output, record);
     output.flush();
     const std::size_t size = line.size() - 1;
-    line.append(tool::LineReader::PADDING, ' ');
-    static tool::RecordParser parser;
+    line.append(Tool::LineReader::PADDING, ' ');
+    static Tool::RecordParser parser;
     EventRecord again;
     if (!parser.parse(std::string_view(line).substr(0, size), again) || !(again == record)) {
         fail("read again otherwise: " + line + parser.error());
@@ -86,7 +88,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     constexpr std::size_t kOneIn = 8;  // most of the time goes into making a reader
     const std::string text(reinterpret_cast<const char*>(data), size);
     // A small compressed file may ask for a large window, and holds lines that are larger than it.
-    const std::size_t always = (tool::mayBeCompressed(text.substr(0, tool::kMagicSize)) ? 200 : 4) * fuzz::kMegabyte;
+    const std::size_t always = (Tool::mayBeCompressed(text.substr(0, Tool::kMagicSize)) ? 200 : 4) * fuzz::kMegabyte;
     Reading reading;
     fuzz::useWithinLimits(text, always, [&](const std::string& events) { reading = readEvents(events, kLargePiece); });
     if (size % kOneIn == 0 && readEvents(text, std::min(1 + size / 3, kLargePiece)) != reading) {

@@ -14,10 +14,12 @@
 
 // A catalogue, or a file of tests. A catalogue written and read again must be the same one.
 
+namespace Tool = Brenta::OS::VIG::Tool;
+
 namespace {
 
-using tool::Catalogue;
-using tool::DocumentText;
+using Tool::Catalogue;
+using Tool::DocumentText;
 
 void readCatalogue(const std::string& text) {
     std::string problem;
@@ -46,7 +48,7 @@ void readTests(const std::string& text) {
         std::abort();
     }
     std::vector<std::string> errors;
-    if (tool::readTestFile(file, tool::Interruption(), errors).has_value() != errors.empty()) {
+    if (Tool::readTestFile(file, Tool::Interruption(), errors).has_value() != errors.empty()) {
         std::abort();
     }
 }

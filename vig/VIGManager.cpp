@@ -8,7 +8,6 @@
 
 #include "vig/DeliveryGate.h"
 #include "vig/EventTypeNames.h"
-#include "vig/Log.h"
 #include "vig/ResponseListener.h"
 #include "vig/WatcherSleep.h"
 #include "vig/actions/LogZramHeartBeatActionFunctionFactory.h"
@@ -16,6 +15,7 @@
 #include "vig/actions/TestActionFunctionFactory.h"
 #include "vig/actions/VIGTriggerVeloraCpuFuncActionFactoryImpl.h"
 #include "vig/actions/VIGTriggerVeloraFuncActionFactoryImpl.h"
+#include "vig/base/Log.h"
 #include "vig/parsers/VIGResponseParser.h"
 
 namespace Brenta::OS::VIG {

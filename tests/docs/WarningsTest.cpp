@@ -7,9 +7,11 @@
 
 #include "tests/docs/Fragments.h"
 #include "tests/support/Examples.h"
-#include "tools/vig/Registry.h"
 #include "tools/vig/check/Checker.h"
 #include "tools/vig/check/WarningNames.h"
+#include "tools/vig/document/Registry.h"
+
+namespace Tool = Brenta::OS::VIG::Tool;
 
 namespace {
 
@@ -18,22 +20,22 @@ using Strings = std::vector<std::string>;
 const std::string kWarnings = docs::read(VIG_SOURCE_DIR "/docs/warnings.md");
 
 Strings namesRaisedBy(const std::string& text) {
-    const auto found = check(tool::DocumentText("", text), tool::libraryRegistry(), tool::Catalogue::builtIn());
+    const auto found = check(Tool::DocumentText("", text), Tool::libraryRegistry(), Tool::Catalogue::builtIn());
     Strings names;
-    std::ranges::transform(found, std::back_inserter(names), &tool::Diagnostic::name);
+    std::ranges::transform(found, std::back_inserter(names), &Tool::Diagnostic::name);
     return names;
 }
 
 TEST(Warnings, AreDocumentedEachUnderItsName) {
     Strings names;
-    for (const tool::WarningName& each : tool::kWarningNames) {
+    for (const Tool::WarningName& each : Tool::kWarningNames) {
         names.emplace_back(each.name);
     }
     EXPECT_THAT(docs::allOf(kWarnings, "\n## ([a-z-]+)\n"), testing::UnorderedElementsAreArray(names));
 }
 
 TEST(Warnings, ExamplesRaiseExactlyTheirOwn) {
-    for (const tool::WarningName& each : tool::kWarningNames) {
+    for (const Tool::WarningName& each : Tool::kWarningNames) {
         const std::string name(each.name);
         const std::string section = kWarnings.substr(kWarnings.find("\n## " + name + "\n"));
         const Strings blocks = docs::allOf(section.substr(0, section.find("\n## ", 1)), docs::kJsonBlock);

@@ -7,42 +7,39 @@
 #include <variant>
 #include <vector>
 
+namespace Brenta::OS::VIG::Tool {
+
 namespace {
 
 using std::chrono::milliseconds;
-using tool::Answer;
-using tool::CheckOptions;
-using tool::RunOptions;
-using tool::TestOptions;
-using tool::WatchOptions;
 
-tool::Command parse(std::vector<const char*> arguments) {
+Command parse(std::vector<const char*> arguments) {
     arguments.insert(arguments.begin(), "vig");
-    return tool::parseCommandLine(static_cast<int>(arguments.size()), arguments.data());
+    return parseCommandLine(static_cast<int>(arguments.size()), arguments.data());
 }
 
 TEST(CommandLine, VerbsHaveTheirDefaultsAndOptions) {
     const auto plain = std::get<RunOptions>(parse({"run", "r.json"}));
     EXPECT_EQ(plain.rules, "r.json");
     EXPECT_EQ(plain.events, "-");
-    EXPECT_EQ(plain.format, tool::ReportFormat::Text);
+    EXPECT_EQ(plain.format, ReportFormat::Text);
     EXPECT_EQ(plain.seed, 5489u);
     const auto full = std::get<RunOptions>(
         parse({"run", "r.json", "--format", "jsonl", "e.jsonl", "--seed=4294967295", "--context", "c"}));
     EXPECT_EQ(full.events, "e.jsonl");
-    EXPECT_EQ(full.format, tool::ReportFormat::Jsonl);
+    EXPECT_EQ(full.format, ReportFormat::Jsonl);
     EXPECT_EQ(full.seed, 4294967295u);
     EXPECT_EQ(full.contextFile, "c");
     EXPECT_FALSE(full.explain);
-    const auto fleet = std::get<tool::FleetOptions>(parse({"run", "r", "a", "-", "-j", "3", "--seed", "7"}));
+    const auto fleet = std::get<FleetOptions>(parse({"run", "r", "a", "-", "-j", "3", "--seed", "7"}));
     EXPECT_EQ(fleet.rules, "r");
     EXPECT_EQ(fleet.devices, (std::vector<std::string>{"a", "-"}));
     EXPECT_EQ(fleet.threads, 3u);
     EXPECT_EQ(fleet.seed, 7u);
     EXPECT_FALSE(fleet.summaryOnly);
-    EXPECT_EQ(std::get<tool::FleetOptions>(parse({"run", "r", "--format", "json"})).devices.front(), "-");
-    EXPECT_TRUE(std::get<tool::FleetOptions>(parse({"run", "r", "a", "--summary-only"})).summaryOnly);
-    EXPECT_EQ(std::get<tool::SummaryOptions>(parse({"summary", "a", "b"})).files.size(), 2u);
+    EXPECT_EQ(std::get<FleetOptions>(parse({"run", "r", "--format", "json"})).devices.front(), "-");
+    EXPECT_TRUE(std::get<FleetOptions>(parse({"run", "r", "a", "--summary-only"})).summaryOnly);
+    EXPECT_EQ(std::get<SummaryOptions>(parse({"summary", "a", "b"})).files.size(), 2u);
     const auto explained = std::get<RunOptions>(parse({"run", "r.json", "--explain", "--why-not", "p"}));
     EXPECT_TRUE(explained.explain);
     EXPECT_EQ(explained.whyNot, "p");
@@ -58,12 +55,12 @@ TEST(CommandLine, VerbsHaveTheirDefaultsAndOptions) {
     EXPECT_EQ(watch.duration, milliseconds(120'000));
     EXPECT_EQ(watch.recordFile, "f");
     EXPECT_TRUE(watch.overwrite);
-    EXPECT_EQ(std::get<tool::CatalogueOptions>(parse({"catalogue", "e.jsonl"})).events, "e.jsonl");
+    EXPECT_EQ(std::get<CatalogueOptions>(parse({"catalogue", "e.jsonl"})).events, "e.jsonl");
     const auto check = std::get<CheckOptions>(
         parse({"check", "--format=sarif", "--allow", "no-way-out", "a", "b", "--strict", "--allow", "duplicate-id"}));
     EXPECT_EQ(check.rules, (std::vector<std::string>{"a", "b"}));
     EXPECT_EQ(check.allowed, (std::vector<std::string>{"no-way-out", "duplicate-id"}));
-    EXPECT_EQ(check.format, tool::FindingFormat::Sarif);
+    EXPECT_EQ(check.format, FindingFormat::Sarif);
     EXPECT_TRUE(check.strict);
 }
 
@@ -137,8 +134,10 @@ TEST(CommandLine, DurationsAreReadWithTheirUnit) {
         {"99999999h", std::nullopt},
     };
     for (const auto& each : cases) {
-        EXPECT_EQ(tool::parseDuration(each.text), each.expected) << each.text;
+        EXPECT_EQ(parseDuration(each.text), each.expected) << each.text;
     }
 }
 
 }  // namespace
+
+}  // namespace Brenta::OS::VIG::Tool

@@ -13,24 +13,24 @@
 #include "tests/support/Documents.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/tools/ToolRun.h"
-#include "tools/vig/CatalogueCommand.h"
-#include "tools/vig/CheckCommand.h"
-#include "tools/vig/Descriptor.h"
-#include "tools/vig/FleetCommand.h"
-#include "tools/vig/GraphCommand.h"
-#include "tools/vig/RunCommand.h"
-#include "tools/vig/SummaryCommand.h"
-#include "tools/vig/TestCommand.h"
-#include "tools/vig/Text.h"
-#include "tools/vig/WatchCommand.h"
+#include "tools/vig/check/CatalogueCommand.h"
+#include "tools/vig/check/CheckCommand.h"
+#include "tools/vig/fleet/FleetCommand.h"
+#include "tools/vig/fleet/SummaryCommand.h"
+#include "tools/vig/graph/GraphCommand.h"
+#include "tools/vig/io/Descriptor.h"
+#include "tools/vig/run/RunCommand.h"
+#include "tools/vig/test/TestCommand.h"
+#include "tools/vig/watch/WatchCommand.h"
+#include "tools/vig/words/Text.h"
+
+namespace Brenta::OS::VIG::Tool {
 
 namespace {
 
 namespace fs = std::filesystem;
 
 using support::MemoryFile;
-using tool::Console;
-using tool::ReportFormat;
 
 // In JSON: a title for the terminal, an erasure begun by one character, and text written backwards.
 const std::string kHostile = "\\u001b]0;\\u0007\xC2\x9B\x32J\x7F\xE2\x80\xAE";
@@ -57,7 +57,7 @@ class EveryVerb : public testing::Test {
         for (const auto format : {ReportFormat::Text, ReportFormat::Jsonl, ReportFormat::Json}) {
             const std::string number = std::to_string(static_cast<int>(format));
             if (format != ReportFormat::Json) {
-                addWith<tool::RunOptions>("run in format " + number, tool::run, [this, format](auto& options) {
+                addWith<RunOptions>("run in format " + number, run, [this, format](auto& options) {
                     options.rules = rules;
                     options.events = events;
                     options.format = format;
@@ -65,41 +65,38 @@ class EveryVerb : public testing::Test {
                     options.whyNot = "configs[0].payload.data.transitions[1]";
                 });
             }
-            addWith<tool::FleetOptions>("run of several in format " + number, tool::fleet,
-                                        [this, format](auto& options) {
-                                            options.rules = rules;
-                                            options.devices = {events, events};
-                                            options.format = format;
-                                        });
+            addWith<FleetOptions>("run of several in format " + number, fleet, [this, format](auto& options) {
+                options.rules = rules;
+                options.devices = {events, events};
+                options.format = format;
+            });
         }
-        for (const auto format : {tool::FindingFormat::Text, tool::FindingFormat::Json, tool::FindingFormat::Sarif}) {
-            addWith<tool::CheckOptions>("check", tool::check, [this, format](auto& options) {
+        for (const auto format : {FindingFormat::Text, FindingFormat::Json, FindingFormat::Sarif}) {
+            addWith<CheckOptions>("check", check, [this, format](auto& options) {
                 options.rules = {rules, refused};
                 options.format = format;
             });
         }
-        for (const auto format : {tool::GraphFormat::Dot, tool::GraphFormat::Mermaid}) {
-            addWith<tool::GraphOptions>("graph", tool::graph, [this, format](auto& options) {
+        for (const auto format : {GraphFormat::Dot, GraphFormat::Mermaid}) {
+            addWith<GraphOptions>("graph", graph, [this, format](auto& options) {
                 options.rules = rules;
                 options.events = events;
                 options.format = format;
             });
         }
-        addWith<tool::TestOptions>("test", tool::test, [this](auto& options) {
+        addWith<TestOptions>("test", test, [this](auto& options) {
             options.files = {tests};
             options.coverage = true;
             options.junitFile = folder.path("junit.xml");
         });
-        addWith<tool::CatalogueOptions>("catalogue", tool::catalogue,
-                                        [this](auto& options) { options.events = events; });
-        addWith<tool::WatchOptions>("watch", tool::watch, [this](auto& options) {
+        addWith<CatalogueOptions>("catalogue", catalogue, [this](auto& options) { options.events = events; });
+        addWith<WatchOptions>("watch", watch, [this](auto& options) {
             options.rules = rules;
             options.interval = options.duration = std::chrono::milliseconds(1);
             options.procFolder = folder.path("proc");
             options.sysFolder = folder.path("sys");
         });
-        addWith<tool::SummaryOptions>("summary", tool::summary,
-                                      [this](auto& options) { options.files = {summaryOfDevices()}; });
+        addWith<SummaryOptions>("summary", summary, [this](auto& options) { options.files = {summaryOfDevices()}; });
     }
 
     std::string write(const std::string& name, const std::string& text) {
@@ -107,17 +104,17 @@ class EveryVerb : public testing::Test {
     }
 
     std::string summaryOfDevices() {
-        tool::FleetOptions options;
+        FleetOptions options;
         options.rules = rules;
         options.devices = {events, events};
         options.format = ReportFormat::Json;
         const MemoryFile out;
-        tool::fleet(options, {STDIN_FILENO, out.descriptor, out.descriptor}, interruption);
+        fleet(options, {STDIN_FILENO, out.descriptor, out.descriptor}, interruption);
         return write("summary", out.content());
     }
 
     template <typename Options>
-    void addWith(const std::string& name, int (*verb)(const Options&, const Console&, const tool::Interruption&),
+    void addWith(const std::string& name, int (*verb)(const Options&, const Console&, const Interruption&),
                  const std::function<void(Options&)>& set) {
         Options options;
         set(options);
@@ -126,8 +123,8 @@ class EveryVerb : public testing::Test {
     }
 
     const support::TemporaryFolder folder;
-    tool::Interruption interruption;
-    const tool::InterruptOnSignals signals{interruption};
+    Interruption interruption;
+    const InterruptOnSignals signals{interruption};
     std::string rules;
     std::string refused;
     std::string events;
@@ -138,7 +135,7 @@ class EveryVerb : public testing::Test {
 TEST_F(EveryVerb, SendsNothingToATerminalThatItWouldActOn) {
     const auto expectHarmless = [](const std::string& text) {
         for (const std::string& line : support::linesWith(text, "")) {
-            EXPECT_EQ(line, tool::printable(line));
+            EXPECT_EQ(line, printable(line));
         }
     };
     for (const auto& [name, verb] : verbs) {
@@ -155,11 +152,11 @@ TEST_F(EveryVerb, SendsNothingToATerminalThatItWouldActOn) {
 }
 
 TEST_F(EveryVerb, SaysThatTheDiskIsFullAndNothingOfAReaderThatHasGone) {
-    const tool::Descriptor full(open("/dev/full", O_WRONLY | O_CLOEXEC));
+    const Descriptor full(open("/dev/full", O_WRONLY | O_CLOEXEC));
     int ends[2];
     ASSERT_EQ(pipe2(ends, O_CLOEXEC), 0);
     close(ends[0]);
-    const tool::Descriptor abandoned(ends[1]);
+    const Descriptor abandoned(ends[1]);
     for (const auto& [name, verb] : verbs) {
         SCOPED_TRACE(name);
         const MemoryFile err;
@@ -179,21 +176,23 @@ TEST(Links, OutOfAFolderThatOthersCanWriteAreNotFollowed) {
     fs::create_symlink("../secret.json", folder.path("open/rules.json"));
     fs::create_symlink(folder.path(), folder.path("open/out"));
     const std::string problem = ": a symbolic link leads to it out of a folder that others can write\n";
-    tool::WatchOptions options;
+    WatchOptions options;
     options.duration = std::chrono::milliseconds(0);
     options.procFolder = options.sysFolder = folder.path("none");
 
     options.rules = folder.path("open/rules.json");
-    EXPECT_EQ(support::runVerb(tool::watch, options).err, "vig: error: " + options.rules + problem);
+    EXPECT_EQ(support::runVerb(watch, options).err, "vig: error: " + options.rules + problem);
     options.rules = secret;
     options.contextFile = folder.path("open/rules.json");
-    EXPECT_EQ(support::runVerb(tool::watch, options).err, "vig: error: " + options.contextFile + problem);
+    EXPECT_EQ(support::runVerb(watch, options).err, "vig: error: " + options.contextFile + problem);
     options.contextFile.clear();
     options.recordFile = folder.path("open/out/record.jsonl");
-    EXPECT_EQ(support::runVerb(tool::watch, options).err, "vig: error: " + options.recordFile + problem);
+    EXPECT_EQ(support::runVerb(watch, options).err, "vig: error: " + options.recordFile + problem);
     EXPECT_FALSE(fs::exists(folder.path("record.jsonl")));
     options.recordFile.clear();
-    EXPECT_EQ(support::runVerb(tool::watch, options).status, 0);
+    EXPECT_EQ(support::runVerb(watch, options).status, 0);
 }
 
 }  // namespace
+
+}  // namespace Brenta::OS::VIG::Tool

@@ -14,14 +14,16 @@
 #include "tests/support/LogCapture.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/tools/ToolRun.h"
-#include "tools/vig/DocumentText.h"
-#include "tools/vig/FileText.h"
-#include "tools/vig/LineReader.h"
-#include "tools/vig/RecordParser.h"
-#include "tools/vig/Registry.h"
+#include "tools/vig/document/DocumentText.h"
+#include "tools/vig/document/Registry.h"
+#include "tools/vig/events/LineReader.h"
+#include "tools/vig/events/RecordParser.h"
+#include "tools/vig/io/FileText.h"
 #include "tools/vig/test/TestFile.h"
 #include "vig/parsers/FilterParser.h"
 #include "vig/parsers/VIGResponseParser.h"
+
+namespace Brenta::OS::VIG::Tool {
 
 namespace {
 
@@ -29,12 +31,12 @@ using support::filter;
 using support::operand;
 
 Json::Value parsed(const std::string& text) {
-    return tool::DocumentText("", text).root();
+    return DocumentText("", text).root();
 }
 
 std::string contentOf(const std::filesystem::path& path) {
     std::string problem;
-    return tool::readFile(VIG_SOURCE_DIR / path, tool::Interruption(), problem).value_or("");
+    return readFile(VIG_SOURCE_DIR / path, Interruption(), problem).value_or("");
 }
 
 class Schema {
@@ -73,18 +75,18 @@ class Schema {
 };
 
 bool libraryAccepts(const Json::Value& document) {
-    static const auto registry = tool::libraryRegistry();
+    static const auto registry = libraryRegistry();
     const support::LogCapture log;
-    return Brenta::OS::VIG::VIGResponseParser().parse(document, registry).error == Brenta::OS::VIG::VIGParseError::Ok;
+    return VIGResponseParser().parse(document, registry).error == VIGParseError::Ok;
 }
 
 bool toolAccepts(const Json::Value& record) {
     Json::StreamWriterBuilder builder;
     builder["indentation"] = "";
     const std::string text = Json::writeString(builder, record);
-    const std::string padded = text + std::string(tool::LineReader::PADDING, '\n');
-    tool::EventRecord ignored;
-    return tool::RecordParser().parse(std::string_view(padded).substr(0, text.size()), ignored);
+    const std::string padded = text + std::string(LineReader::PADDING, '\n');
+    EventRecord ignored;
+    return RecordParser().parse(std::string_view(padded).substr(0, text.size()), ignored);
 }
 
 void collect(Json::Value& value, std::vector<Json::Value*>& all) {
@@ -176,8 +178,7 @@ TEST(Schemas, RuleTestsAcceptWhatTheToolReads) {
         std::vector<std::string> ignored;
         // A file that is cut and written again goes to the disk at once.
         std::filesystem::remove(folder.path("test.json"));
-        return tool::readTestFile(folder.write("test.json", tests.toStyledString()), tool::Interruption(), ignored)
-            .has_value();
+        return readTestFile(folder.write("test.json", tests.toStyledString()), Interruption(), ignored).has_value();
     };
     compare(
         "rule-test.schema.json", accepts,
@@ -223,16 +224,18 @@ TEST(Schemas, HaveTheNamesOfTheLibrary) {
     const auto valuesOf = [&](const auto& table) {
         return namesOf(table.pairs, [](const auto& pair) { return pair.second; });
     };
-    const auto registry = tool::libraryRegistry();
+    const auto registry = libraryRegistry();
     const Schema schema("rule-document.schema.json");
     const std::string filterPath = ".definitions.filter.properties.";
     EXPECT_EQ(schema.words(".definitions.eventName"), keysOf(registry.getEventTypes()));
-    EXPECT_EQ(schema.words(filterPath + "operator"), valuesOf(Brenta::OS::VIG::kFilterOperatorTable));
-    EXPECT_EQ(schema.words(filterPath + "value_type"), valuesOf(Brenta::OS::VIG::kFilterValueTypeTable));
-    EXPECT_EQ(schema.words(".definitions.operand.properties.type"), valuesOf(Brenta::OS::VIG::kFilterOperandTypeTable));
+    EXPECT_EQ(schema.words(filterPath + "operator"), valuesOf(kFilterOperatorTable));
+    EXPECT_EQ(schema.words(filterPath + "value_type"), valuesOf(kFilterValueTypeTable));
+    EXPECT_EQ(schema.words(".definitions.operand.properties.type"), valuesOf(kFilterOperandTypeTable));
     EXPECT_EQ(schema.words(".definitions.knownFunction.properties.value"), keysOf(registry.getDoublePureFunctions()));
     EXPECT_EQ(schema.words(".definitions.action.properties.name"), keysOf(registry.getActionFunctionFactories()));
     EXPECT_EQ(Schema("event-record.schema.json").words(".properties.event"), keysOf(registry.getEventTypes()));
 }
 
 }  // namespace
+
+}  // namespace Brenta::OS::VIG::Tool

@@ -14,10 +14,12 @@
 #include <vector>
 
 #include "tests/support/TemporaryFolder.h"
-#include "tools/vig/Console.h"
-#include "tools/vig/Interruption.h"
+#include "tools/vig/io/Console.h"
+#include "tools/vig/io/Interruption.h"
 
 namespace support {
+
+namespace Tool = Brenta::OS::VIG::Tool;
 
 // A file in memory, as one of the streams of a verb.
 class MemoryFile {
@@ -47,12 +49,12 @@ struct ToolResult {
 };
 
 template <typename Options>
-ToolResult runVerb(int (*verb)(const Options&, const tool::Console&, const tool::Interruption&), const Options& options,
+ToolResult runVerb(int (*verb)(const Options&, const Tool::Console&, const Tool::Interruption&), const Options& options,
                    std::string_view input = {}) {
     const MemoryFile in(input);
     const MemoryFile out;
     const MemoryFile err;
-    const tool::Interruption interruption;
+    const Tool::Interruption interruption;
     const int status = verb(options, {in.descriptor, out.descriptor, err.descriptor}, interruption);
     return {status, out.content(), err.content()};
 }

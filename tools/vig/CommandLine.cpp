@@ -16,13 +16,13 @@
 #include <utility>
 #include <vector>
 
-#include "tools/vig/NearestName.h"
-#include "tools/vig/Text.h"
 #include "tools/vig/check/WarningNames.h"
 #include "tools/vig/fleet/FleetSummary.h"
 #include "tools/vig/help/ProgramHelp.h"
+#include "tools/vig/words/NearestName.h"
+#include "tools/vig/words/Text.h"
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
 namespace {
 
@@ -202,7 +202,7 @@ void addCheck(CLI::App& app, CheckOptions& options) {
         for (const std::string& name : names) {
             if (std::ranges::find(known, name) == known.end()) {
                 throw CLI::ValidationError("--allow",
-                                           "there is no warning " + tool::quoted(name) + suggestion(name, known));
+                                           "there is no warning " + Tool::quoted(name) + suggestion(name, known));
             }
         }
         options.allowed = names;
@@ -455,4 +455,4 @@ std::optional<std::chrono::milliseconds> parseDuration(std::string_view text) {
     return std::nullopt;
 }
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

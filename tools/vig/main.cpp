@@ -8,18 +8,20 @@
 #include <typeinfo>
 #include <variant>
 
-#include "tools/vig/CatalogueCommand.h"
-#include "tools/vig/CheckCommand.h"
 #include "tools/vig/CommandLine.h"
-#include "tools/vig/Console.h"
-#include "tools/vig/FleetCommand.h"
-#include "tools/vig/GraphCommand.h"
-#include "tools/vig/Interruption.h"
-#include "tools/vig/Output.h"
-#include "tools/vig/RunCommand.h"
-#include "tools/vig/SummaryCommand.h"
-#include "tools/vig/TestCommand.h"
-#include "tools/vig/WatchCommand.h"
+#include "tools/vig/check/CatalogueCommand.h"
+#include "tools/vig/check/CheckCommand.h"
+#include "tools/vig/fleet/FleetCommand.h"
+#include "tools/vig/fleet/SummaryCommand.h"
+#include "tools/vig/graph/GraphCommand.h"
+#include "tools/vig/io/Console.h"
+#include "tools/vig/io/Interruption.h"
+#include "tools/vig/io/Output.h"
+#include "tools/vig/run/RunCommand.h"
+#include "tools/vig/test/TestCommand.h"
+#include "tools/vig/watch/WatchCommand.h"
+
+namespace Tool = Brenta::OS::VIG::Tool;
 
 namespace {
 
@@ -41,20 +43,20 @@ void occupyStandardStreams() {
     if (name == "St12system_error" || name == "St9bad_alloc") {
         constexpr std::string_view kMessage = "vig: error: the system refuses a thread, or memory\n";
         [[maybe_unused]] const ssize_t written = write(STDERR_FILENO, kMessage.data(), kMessage.size());
-        _exit(tool::kExitUnusable);
+        _exit(Tool::kExitUnusable);
     }
     std::abort();
 }
 
-int answer(const tool::Answer& given, const tool::Console& console) {
-    if (given.status != tool::kExitDone) {
+int answer(const Tool::Answer& given, const Tool::Console& console) {
+    if (given.status != Tool::kExitDone) {
         console.complain(given.text);
         console.say(given.hint);
         return given.status;
     }
-    tool::Output output(console.out);
+    Tool::Output output(console.out);
     output.write(given.text);
-    return console.finish(output, tool::kExitDone);
+    return console.finish(output, Tool::kExitDone);
 }
 
 }  // namespace
@@ -62,33 +64,33 @@ int answer(const tool::Answer& given, const tool::Console& console) {
 int main(int count, char** arguments) {
     occupyStandardStreams();
     std::set_terminate(giveUp);
-    const tool::Command command = tool::parseCommandLine(count, arguments);
-    const tool::Console console;
-    tool::Interruption interruption;
-    const tool::InterruptOnSignals signals(interruption);
-    if (const auto* const options = std::get_if<tool::CheckOptions>(&command)) {
-        return tool::check(*options, console, interruption);
+    const Tool::Command command = Tool::parseCommandLine(count, arguments);
+    const Tool::Console console;
+    Tool::Interruption interruption;
+    const Tool::InterruptOnSignals signals(interruption);
+    if (const auto* const options = std::get_if<Tool::CheckOptions>(&command)) {
+        return Tool::check(*options, console, interruption);
     }
-    if (const auto* const options = std::get_if<tool::RunOptions>(&command)) {
-        return tool::run(*options, console, interruption);
+    if (const auto* const options = std::get_if<Tool::RunOptions>(&command)) {
+        return Tool::run(*options, console, interruption);
     }
-    if (const auto* const options = std::get_if<tool::FleetOptions>(&command)) {
-        return tool::fleet(*options, console, interruption);
+    if (const auto* const options = std::get_if<Tool::FleetOptions>(&command)) {
+        return Tool::fleet(*options, console, interruption);
     }
-    if (const auto* const options = std::get_if<tool::SummaryOptions>(&command)) {
-        return tool::summary(*options, console, interruption);
+    if (const auto* const options = std::get_if<Tool::SummaryOptions>(&command)) {
+        return Tool::summary(*options, console, interruption);
     }
-    if (const auto* const options = std::get_if<tool::WatchOptions>(&command)) {
-        return tool::watch(*options, console, interruption);
+    if (const auto* const options = std::get_if<Tool::WatchOptions>(&command)) {
+        return Tool::watch(*options, console, interruption);
     }
-    if (const auto* const options = std::get_if<tool::CatalogueOptions>(&command)) {
-        return tool::catalogue(*options, console, interruption);
+    if (const auto* const options = std::get_if<Tool::CatalogueOptions>(&command)) {
+        return Tool::catalogue(*options, console, interruption);
     }
-    if (const auto* const options = std::get_if<tool::TestOptions>(&command)) {
-        return tool::test(*options, console, interruption);
+    if (const auto* const options = std::get_if<Tool::TestOptions>(&command)) {
+        return Tool::test(*options, console, interruption);
     }
-    if (const auto* const options = std::get_if<tool::GraphOptions>(&command)) {
-        return tool::graph(*options, console, interruption);
+    if (const auto* const options = std::get_if<Tool::GraphOptions>(&command)) {
+        return Tool::graph(*options, console, interruption);
     }
-    return answer(*std::get_if<tool::Answer>(&command), console);
+    return answer(*std::get_if<Tool::Answer>(&command), console);
 }

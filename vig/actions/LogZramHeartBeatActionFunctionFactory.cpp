@@ -1,6 +1,6 @@
 #include "vig/actions/LogZramHeartBeatActionFunctionFactory.h"
 
-#include "vig/Log.h"
+#include "vig/base/Log.h"
 
 namespace Brenta::OS::VIG {
 

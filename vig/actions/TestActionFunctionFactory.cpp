@@ -1,6 +1,6 @@
 #include "vig/actions/TestActionFunctionFactory.h"
 
-#include "vig/Log.h"
+#include "vig/base/Log.h"
 
 namespace Brenta::OS::VIG {
 

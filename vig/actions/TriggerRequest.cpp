@@ -10,8 +10,8 @@
 #include <string>
 #include <utility>
 
-#include "vig/Log.h"
-#include "vig/actions/Utf8.h"
+#include "vig/base/Log.h"
+#include "vig/base/Utf8.h"
 
 namespace Brenta::OS::VIG {
 

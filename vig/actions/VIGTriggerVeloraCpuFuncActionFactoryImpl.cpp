@@ -2,8 +2,8 @@
 
 #include <fmt/format.h>
 
-#include "vig/Log.h"
 #include "vig/actions/TriggerRequest.h"
+#include "vig/base/Log.h"
 
 namespace Brenta::OS::VIG {
 

@@ -4,8 +4,8 @@
 
 #include <cstdint>
 
-#include "vig/Log.h"
 #include "vig/actions/TriggerRequest.h"
+#include "vig/base/Log.h"
 
 namespace Brenta::OS::VIG {
 

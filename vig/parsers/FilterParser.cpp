@@ -7,7 +7,7 @@
 
 #include "rulesengine/Comparators.h"
 #include "rulesengine/FuncFilter.h"
-#include "vig/Log.h"
+#include "vig/base/Log.h"
 #include "vig/parsers/JsonValues.h"
 #include "vig/parsers/NumberText.h"
 

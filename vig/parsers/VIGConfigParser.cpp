@@ -5,7 +5,7 @@
 #include <optional>
 #include <utility>
 
-#include "vig/Log.h"
+#include "vig/base/Log.h"
 #include "vig/parsers/JsonValues.h"
 #include "vig/parsers/VIGConfigPayloadParser.h"
 

@@ -9,7 +9,7 @@
 
 #include "os/LookupTable.h"
 #include "rulesengine/FuncAction.h"
-#include "vig/Log.h"
+#include "vig/base/Log.h"
 #include "vig/parsers/FilterParser.h"
 #include "vig/parsers/JsonValues.h"
 #include "vig/parsers/NumberText.h"

@@ -4,7 +4,7 @@
 #include <optional>
 #include <utility>
 
-#include "vig/Log.h"
+#include "vig/base/Log.h"
 
 namespace Brenta::OS::VIG {
 

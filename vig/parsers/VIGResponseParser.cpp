@@ -4,7 +4,7 @@
 
 #include <utility>
 
-#include "vig/Log.h"
+#include "vig/base/Log.h"
 #include "vig/parsers/JsonText.h"
 #include "vig/parsers/VIGConfigParser.h"
 

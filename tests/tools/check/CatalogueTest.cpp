@@ -7,13 +7,15 @@
 
 #include "tests/support/TemporaryFolder.h"
 #include "tests/tools/ToolRun.h"
-#include "tools/vig/CatalogueCommand.h"
-#include "tools/vig/SystemSampler.h"
 #include "tools/vig/check/ActionNeeds.h"
+#include "tools/vig/check/CatalogueCommand.h"
+#include "tools/vig/watch/SystemSampler.h"
+
+namespace Brenta::OS::VIG::Tool {
 
 namespace {
 
-using namespace tool;
+using namespace Brenta::OS::VIG::Tool;
 
 std::optional<Catalogue> readText(const std::string& text, std::string& problem) {
     return Catalogue::read(DocumentText("c.json", text), problem);
@@ -75,7 +77,7 @@ TEST(Catalogue, SaysWhereAFileIsWrong) {
         EXPECT_EQ(problem, expected);
     }
     std::string problem;
-    EXPECT_FALSE(Catalogue::readFrom("missing.json", tool::Interruption(), problem));
+    EXPECT_FALSE(Catalogue::readFrom("missing.json", Interruption(), problem));
     EXPECT_EQ(problem, "vig: error: missing.json: No such file or directory");
 }
 
@@ -87,3 +89,5 @@ TEST(CatalogueCommand, BadRecordIsAnErrorWithItsLine) {
 }
 
 }  // namespace
+
+}  // namespace Brenta::OS::VIG::Tool

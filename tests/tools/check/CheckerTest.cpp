@@ -11,13 +11,12 @@
 #include <vector>
 
 #include "tests/support/DocumentGenerator.h"
-#include "tools/vig/Registry.h"
+#include "tools/vig/document/Registry.h"
 #include "vig/parsers/VIGResponseParser.h"
 
-namespace {
+namespace Brenta::OS::VIG::Tool {
 
-using tool::Diagnostic;
-using tool::DocumentText;
+namespace {
 
 const std::string kClean = R"({
   "configs": [
@@ -69,7 +68,7 @@ Planted plant(const std::vector<std::pair<std::string, std::string>>& edits) {
 std::vector<std::string> findingsIn(const std::string& text) {
     const DocumentText document("rules.json", text);
     std::vector<std::string> lines;
-    for (const Diagnostic& each : check(document, tool::libraryRegistry(), tool::Catalogue::builtIn())) {
+    for (const Diagnostic& each : check(document, libraryRegistry(), Catalogue::builtIn())) {
         const auto [line, column] = document.source().positionOf(each.place.begin);
         const auto [endLine, endColumn] = document.source().positionOf(each.place.end);
         std::ostringstream shown;
@@ -180,7 +179,7 @@ TEST(Checker, HintsSayWhatWouldMendIt) {
     };
     for (const auto& [edit, expected] : cases) {
         const auto findings =
-            check(DocumentText("rules.json", plant({edit}).text), tool::libraryRegistry(), tool::Catalogue::builtIn());
+            check(DocumentText("rules.json", plant({edit}).text), libraryRegistry(), Catalogue::builtIn());
         ASSERT_EQ(findings.size(), 1U) << expected;
         EXPECT_EQ(findings[0].hint, expected);
     }
@@ -188,10 +187,10 @@ TEST(Checker, HintsSayWhatWouldMendIt) {
 
 TEST(Checker, FindsErrorsExactlyInWhatTheLibraryRefuses) {
     const host::LogSink previous = host::setLogSink([](int, std::string_view, std::string_view) {});
-    const auto registry = tool::libraryRegistry();
-    const auto catalogue = tool::Catalogue::builtIn();
+    const auto registry = libraryRegistry();
+    const auto catalogue = Catalogue::builtIn();
     const auto isRefusal = [](const Diagnostic& each) {
-        return each.severity == tool::Severity::Error && each.name != "endless-entering";
+        return each.severity == Severity::Error && each.name != "endless-entering";
     };
     support::Mutator mutator;
     support::DocumentGenerator generator(mutator, 60);
@@ -199,8 +198,8 @@ TEST(Checker, FindsErrorsExactlyInWhatTheLibraryRefuses) {
     constexpr int kDocuments = 100'000;
     for (int round = 0; round < kDocuments; ++round) {
         const std::string text = round % 2 == 0 ? generator.document() : mutator.mutated();
-        const bool isAccepted = Brenta::OS::VIG::VIGResponseParser().parseFromString(text, registry).value != nullptr;
-        const auto findings = tool::check(DocumentText("rules.json", text), registry, catalogue);
+        const bool isAccepted = VIGResponseParser().parseFromString(text, registry).value != nullptr;
+        const auto findings = check(DocumentText("rules.json", text), registry, catalogue);
         ASSERT_EQ(std::ranges::none_of(findings, isRefusal), isAccepted) << text;
         accepted += isAccepted ? 1 : 0;
     }
@@ -211,3 +210,5 @@ TEST(Checker, FindsErrorsExactlyInWhatTheLibraryRefuses) {
 }
 
 }  // namespace
+
+}  // namespace Brenta::OS::VIG::Tool

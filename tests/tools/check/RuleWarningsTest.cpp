@@ -10,11 +10,13 @@
 #include <vector>
 
 #include "tests/support/Documents.h"
-#include "tools/vig/Registry.h"
+#include "tools/vig/document/Registry.h"
+
+namespace Brenta::OS::VIG::Tool {
 
 namespace {
 
-using namespace tool;
+using namespace Brenta::OS::VIG::Tool;
 using Strings = std::vector<std::string>;
 
 // "start end Test"
@@ -460,3 +462,5 @@ TEST(RuleWarnings, OfLargeDocumentsTakeTimeInProportion) {
 }
 
 }  // namespace
+
+}  // namespace Brenta::OS::VIG::Tool

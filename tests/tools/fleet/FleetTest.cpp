@@ -14,18 +14,18 @@
 #include "tests/support/Documents.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/tools/ToolRun.h"
-#include "tools/vig/FleetCommand.h"
-#include "tools/vig/RunCommand.h"
-#include "tools/vig/SummaryCommand.h"
 #include "tools/vig/fleet/DeviceRun.h"
+#include "tools/vig/fleet/FleetCommand.h"
 #include "tools/vig/fleet/FleetSummary.h"
+#include "tools/vig/fleet/SummaryCommand.h"
+#include "tools/vig/run/RunCommand.h"
+
+namespace Brenta::OS::VIG::Tool {
 
 namespace {
 
 using namespace support;
 using testing::HasSubstr;
-using tool::FleetSummary;
-using tool::ReportFormat;
 
 // A device logs and triggers on a share of its events, and moves on what the context has.
 const std::string kTrigger = R"([{"name":"TriggerVelora"}])";
@@ -76,11 +76,11 @@ class Fleet : public testing::Test {
 
     ToolResult run(unsigned threads) {
         options.threads = threads;
-        return runVerb(tool::fleet, options);
+        return runVerb(fleet, options);
     }
 
     const TemporaryFolder folder;
-    tool::FleetOptions options;
+    FleetOptions options;
 };
 
 TEST_F(Fleet, OutputIsThatOfTheDevicesAloneInTheirOrderWhateverTheNumberOfThreads) {
@@ -88,11 +88,11 @@ TEST_F(Fleet, OutputIsThatOfTheDevicesAloneInTheirOrderWhateverTheNumberOfThread
     EXPECT_EQ(one.status, 0);
     std::vector<std::string> expected;
     for (const std::string& device : options.devices) {
-        tool::RunOptions alone;
-        static_cast<tool::RuleOptions&>(alone) = options;
+        RunOptions alone;
+        static_cast<RuleOptions&>(alone) = options;
         alone.events = device;
-        alone.seed = tool::deviceSeed(options.seed, device);
-        for (std::string& line : linesWith(runVerb(tool::run, alone).out, "")) {
+        alone.seed = deviceSeed(options.seed, device);
+        for (std::string& line : linesWith(runVerb(Tool::run, alone).out, "")) {
             // The delivery of the document is told once.
             if (!line.starts_with(R"({"type":"log","event":0)") || expected.empty()) {
                 line.insert(line.size() - 1, expected.empty() ? "" : R"(,"device":")" + device + "\"");
@@ -117,25 +117,25 @@ TEST_F(Fleet, OutputIsThatOfTheDevicesAloneInTheirOrderWhateverTheNumberOfThread
 TEST_F(Fleet, StandardInputHasOneNameInLinesAndSummary) {
     options.devices = {"-"};
     const std::string input = triggering(12);
-    const ToolResult result = runVerb(tool::fleet, options, input);
+    const ToolResult result = runVerb(fleet, options, input);
     EXPECT_THAT(linesWith(result.out, R"({"type":"trigger")").at(0), HasSubstr(R"("device":"<stdin>"})"));
     EXPECT_THAT(result.out, HasSubstr(R"("worst":[{"device":"<stdin>","triggers":12,"events":12}])"));
     options.format = ReportFormat::Text;
-    EXPECT_THAT(runVerb(tool::fleet, options, input).out, HasSubstr("\n== <stdin>\n"));
+    EXPECT_THAT(runVerb(fleet, options, input).out, HasSubstr("\n== <stdin>\n"));
 }
 
 TEST(DeviceSeed, IsAFixedMixOfTheSeedAndTheName) {
     // The hashes are published test vectors of FNV-1a: 0xCBF29CE484222325, 0xAF63DC4C8601EC8C and 0x85944171F73967E8.
-    EXPECT_EQ(tool::deviceSeed(0, ""), 0xCBF29CE4 ^ 0x84222325);
-    EXPECT_EQ(tool::deviceSeed(7, "a"), 0xAF63DC4C ^ 0x8601EC8C ^ 7);
-    EXPECT_EQ(tool::deviceSeed(5489, "foobar"), 0x85944171 ^ 0xF73967E8 ^ 5489);
+    EXPECT_EQ(deviceSeed(0, ""), 0xCBF29CE4 ^ 0x84222325);
+    EXPECT_EQ(deviceSeed(7, "a"), 0xAF63DC4C ^ 0x8601EC8C ^ 7);
+    EXPECT_EQ(deviceSeed(5489, "foobar"), 0x85944171 ^ 0xF73967E8 ^ 5489);
 }
 
 TEST_F(Fleet, MergedPartsEqualTheWholeByteForByte) {
     options.format = ReportFormat::Json;
     const ToolResult whole = run(2);
     const std::vector<std::string> devices = options.devices;
-    tool::SummaryOptions parts;
+    SummaryOptions parts;
     parts.files.clear();
     parts.format = ReportFormat::Json;
     for (std::size_t begin = 0; begin < 90; begin += 30) {
@@ -143,11 +143,11 @@ TEST_F(Fleet, MergedPartsEqualTheWholeByteForByte) {
                                devices.begin() + static_cast<std::ptrdiff_t>(begin + 30));
         parts.files.push_back(folder.write("part" + std::to_string(begin), run(1).out));
     }
-    const ToolResult merged = runVerb(tool::summary, parts);
+    const ToolResult merged = runVerb(summary, parts);
     EXPECT_EQ(merged.err, "");
     EXPECT_EQ(merged.out, whole.out);
     parts.files = {"-"};
-    EXPECT_EQ(runVerb(tool::summary, parts, "\n \r\n" + whole.out + "\n").out, whole.out);
+    EXPECT_EQ(runVerb(summary, parts, "\n \r\n" + whole.out + "\n").out, whole.out);
 }
 
 TEST_F(Fleet, FailingDevicesAreToldInTheirOrderAndTheOthersGoOn) {
@@ -182,7 +182,7 @@ TEST_F(Fleet, InterruptionEndsWithTheSummaryOfWhatWasDone) {
     options.format = ReportFormat::Json;
     options.devices = {options.devices[0], "-", options.devices[2]};
     const MemoryFile out;
-    tool::Interruption interruption;
+    Interruption interruption;
     int ends[2];
     ASSERT_EQ(pipe(ends), 0);
     ASSERT_EQ(write(ends[1], "{\"event\":\"Test\"}\n", 17), 17);
@@ -194,7 +194,7 @@ TEST_F(Fleet, InterruptionEndsWithTheSummaryOfWhatWasDone) {
             }
             interruption.request();
         });
-        EXPECT_EQ(tool::fleet(options, {ends[0], out.descriptor, STDERR_FILENO}, interruption), 130);
+        EXPECT_EQ(fleet(options, {ends[0], out.descriptor, STDERR_FILENO}, interruption), 130);
     }
     EXPECT_THAT(out.content(), HasSubstr(R"("devices":2,"failed":0,"unfinished":2,)"));
     close(ends[0]);
@@ -214,9 +214,9 @@ TEST_F(Fleet, WhateverNamesDevicesHaveTheirSummaryIsReadAndMerged) {
         parts += run(1).out;
     }
     for (const std::string& summaries : {whole, parts}) {
-        tool::SummaryOptions again;
+        SummaryOptions again;
         again.format = ReportFormat::Json;
-        const ToolResult result = runVerb(tool::summary, again, summaries);
+        const ToolResult result = runVerb(summary, again, summaries);
         EXPECT_EQ(result.err, "");
         EXPECT_EQ(result.out, whole);
     }
@@ -233,7 +233,7 @@ TEST_F(Fleet, SummaryShowsNothingThatATerminalActsOn) {
         ASSERT_NE(text.find(from), std::string::npos);
         text = changed(text, from, to);
     }
-    const ToolResult result = runVerb(tool::summary, tool::SummaryOptions(), text);
+    const ToolResult result = runVerb(summary, SummaryOptions(), text);
     EXPECT_THAT(result.out, HasSubstr(R"(  \x1b[2J\n9 on 9 (id -9223372036854775808))"));
     EXPECT_THAT(result.out, HasSubstr(R"(data.\u061c  start -> start)"));
     EXPECT_THAT(result.out, HasSubstr(R"(start -> end on \r\x9b)"));
@@ -244,12 +244,10 @@ TEST_F(Fleet, MergeBeyondTheLargestNumberIsRefusedWithItsPlace) {
     options.devices = {folder.write("d", "")};
     const std::string none = run(1).out;
     const std::string most = changed(none, "\"events\":0", "\"events\":9007199254740992");
-    EXPECT_THAT(runVerb(tool::summary, tool::SummaryOptions(), none + most + none).out,
-                HasSubstr(" 9007199254740992\n"));
+    EXPECT_THAT(runVerb(summary, SummaryOptions(), none + most + none).out, HasSubstr(" 9007199254740992\n"));
     const std::string broken = changed(none, R"("failed":0,"unfinished":0)", R"("failed":1,"unfinished":2)");
-    EXPECT_THAT(runVerb(tool::summary, tool::SummaryOptions(), broken + broken).out,
-                HasSubstr("  failed    2\n  unfinished 4\n"));
-    const ToolResult result = runVerb(tool::summary, tool::SummaryOptions(), most + "\n" + most);
+    EXPECT_THAT(runVerb(summary, SummaryOptions(), broken + broken).out, HasSubstr("  failed    2\n  unfinished 4\n"));
+    const ToolResult result = runVerb(summary, SummaryOptions(), most + "\n" + most);
     EXPECT_EQ(result.status, 2);
     EXPECT_EQ(result.err, "<stdin>:3: error: events: more than 9007199254740992 with the summaries before\n");
 }
@@ -280,7 +278,7 @@ TEST_F(Fleet, SummaryThatDoesNotFitIsRefusedWithItsPlace) {
     const std::string often = triggering(12);
     options.devices = {folder.write("x", often), folder.write("y", often), folder.write("z", records(0, true))};
     const std::string good = run(1).out;
-    EXPECT_EQ(runVerb(tool::summary, tool::SummaryOptions(), "\xEF\xBB\xBF" + good).err, "");
+    EXPECT_EQ(runVerb(summary, SummaryOptions(), "\xEF\xBB\xBF" + good).err, "");
     const std::string kMost = "9007199254740992";
     // So many firings wrap to none.
     std::string wrapped;
@@ -347,12 +345,12 @@ TEST_F(Fleet, SummaryThatDoesNotFitIsRefusedWithItsPlace) {
         {good, "", "there is no summary to merge"},
     };
     for (const auto& each : cases) {
-        const ToolResult result = runVerb(tool::summary, tool::SummaryOptions(), changed(good, each.from, each.to));
+        const ToolResult result = runVerb(summary, SummaryOptions(), changed(good, each.from, each.to));
         EXPECT_EQ(result.status, 2) << each.to;
         EXPECT_THAT(result.err, HasSubstr(each.message));
     }
     options.devices = {folder.path("none")};
-    EXPECT_THAT(runVerb(tool::summary, tool::SummaryOptions(), changed(run(1).out, "\"events\":0", "\"events\":1")).err,
+    EXPECT_THAT(runVerb(summary, SummaryOptions(), changed(run(1).out, "\"events\":0", "\"events\":1")).err,
                 HasSubstr(": events: expected an integer from 0 to 0"));
 }
 
@@ -402,3 +400,5 @@ TEST(FleetSummary, StormIsManyTriggersForFewEventsAndTheWorstComeFirst) {
 }
 
 }  // namespace
+
+}  // namespace Brenta::OS::VIG::Tool

@@ -11,14 +11,16 @@
 #include "tests/support/Documents.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/tools/ToolRun.h"
-#include "tools/vig/Descriptor.h"
-#include "tools/vig/FileText.h"
-#include "tools/vig/GraphCommand.h"
 #include "tools/vig/graph/DotWriter.h"
+#include "tools/vig/graph/GraphCommand.h"
 #include "tools/vig/graph/GraphText.h"
 #include "tools/vig/graph/Graphviz.h"
 #include "tools/vig/graph/MermaidWriter.h"
 #include "tools/vig/graph/RuleGraph.h"
+#include "tools/vig/io/Descriptor.h"
+#include "tools/vig/io/FileText.h"
+
+namespace Brenta::OS::VIG::Tool {
 
 namespace {
 
@@ -26,23 +28,20 @@ using support::operand;
 using support::transition;
 using testing::ElementsAre;
 using testing::HasSubstr;
-using tool::GraphFormat;
-using tool::RuleGraph;
-using tool::Traffic;
 
 const std::string kTransitions = "configs[0].payload.data.transitions";
 
 // Of the configuration 7 with those transitions.
-RuleGraph graphOf(std::initializer_list<std::string> transitions, const std::vector<tool::Diagnostic>& findings = {},
+RuleGraph graphOf(std::initializer_list<std::string> transitions, const std::vector<Diagnostic>& findings = {},
                   const std::vector<Traffic>& traffic = {}) {
-    const tool::DocumentText document("", support::document({support::config(7, transitions)}));
+    const DocumentText document("", support::document({support::config(7, transitions)}));
     const auto all =
         traffic.empty() ? std::vector<std::vector<Traffic>>() : std::vector<std::vector<Traffic>>(1, traffic);
-    return tool::graphsOf({modelOf(document, 0)}, findings, all)[0];
+    return graphsOf({modelOf(document, 0)}, findings, all)[0];
 }
 
-tool::Diagnostic finding(const std::string& name, const std::string& path) {
-    return {tool::Severity::Warning, name, {0, 0, path}, "what is \"wrong\"", ""};
+Diagnostic finding(const std::string& name, const std::string& path) {
+    return {Severity::Warning, name, {0, 0, path}, "what is \"wrong\"", ""};
 }
 
 // As long as it lives, the shell script is all that there is of Graphviz; nothing, if it is empty.
@@ -63,8 +62,8 @@ class FakeGraphviz {
     const std::string path = getenv("PATH");
 };
 
-tool::GraphOptions optionsOf(const std::string& rules, GraphFormat format, const std::string& events = {}) {
-    tool::GraphOptions options;
+GraphOptions optionsOf(const std::string& rules, GraphFormat format, const std::string& events = {}) {
+    GraphOptions options;
     options.rules = rules;
     options.format = format;
     options.events = events;
@@ -75,27 +74,27 @@ TEST(RuleGraph, OrdersTransitionsWithinTheirStateAndKnowsWhatIsUnreachable) {
     const RuleGraph graph = graphOf({transition("a", "start", "Timeout"), transition("start", "a", "Test"),
                                      transition("lost", "a", "Test"), transition("a", "a", "Test")});
     std::string text;
-    for (const tool::GraphState& state : graph.states) {
+    for (const GraphState& state : graph.states) {
         text += state.name + (state.reachable ? ": " : "(unreachable): ");
-        for (const tool::GraphArrow& arrow : state.arrows) {
-            text += tool::orderOf(arrow) + " " + arrow.title + " to " + graph.states[arrow.target].name + "; ";
+        for (const GraphArrow& arrow : state.arrows) {
+            text += orderOf(arrow) + " " + arrow.title + " to " + graph.states[arrow.target].name + "; ";
         }
     }
     EXPECT_EQ(text, "start: 1 Test to a; a: 1 Timeout to start; 2 Test to a; lost(unreachable): 1 Test to a; ");
 }
 
 TEST(RuleGraph, MarksWhatAFindingIsAbout) {
-    const std::vector<tool::Diagnostic> findings = {finding("number-text", kTransitions + "[1].filters[0].operand2"),
-                                                    finding("no-way-out", kTransitions + "[1].to_state"),
-                                                    finding("duplicate-id", "configs[0].id"),
-                                                    finding("elsewhere", "configs[1].id"), finding("odd", "")};
+    const std::vector<Diagnostic> findings = {finding("number-text", kTransitions + "[1].filters[0].operand2"),
+                                              finding("no-way-out", kTransitions + "[1].to_state"),
+                                              finding("duplicate-id", "configs[0].id"),
+                                              finding("elsewhere", "configs[1].id"), finding("odd", "")};
     const RuleGraph graph = graphOf({transition("start", "a", "Test"), transition("start", "b", "Test")}, findings);
     EXPECT_THAT(graph.states[0].arrows[0].marks, testing::IsEmpty());
-    EXPECT_THAT(tool::markLinesOf(graph.states[0].arrows[1].marks), ElementsAre("⚠ number-text"));
-    EXPECT_THAT(tool::markLinesOf(graph.states[2].marks), ElementsAre("⚠ no-way-out"));
-    EXPECT_THAT(tool::markLinesOf(graph.marks), ElementsAre("⚠ duplicate-id"));
+    EXPECT_THAT(markLinesOf(graph.states[0].arrows[1].marks), ElementsAre("⚠ number-text"));
+    EXPECT_THAT(markLinesOf(graph.states[2].marks), ElementsAre("⚠ no-way-out"));
+    EXPECT_THAT(markLinesOf(graph.marks), ElementsAre("⚠ duplicate-id"));
     const std::string said = R"(what is &quot;wrong&quot;", label=<)";
-    EXPECT_THAT(tool::dotOf({graph}, ""), HasSubstr("c0s0 [tooltip=\"2: number-text: " + said));
+    EXPECT_THAT(dotOf({graph}, ""), HasSubstr("c0s0 [tooltip=\"2: number-text: " + said));
 }
 
 TEST(RuleGraph, OneArrowStandsForTheRestOfManyWithTheSameEnds) {
@@ -108,7 +107,7 @@ TEST(RuleGraph, OneArrowStandsForTheRestOfManyWithTheSameEnds) {
     const RuleGraph graph = graphOf({transitions}, {finding("always-true", kTransitions + "[40]")}, traffic);
     std::string text;
     for (const auto& arrow : graph.states[0].arrows) {
-        text += tool::orderOf(arrow) + ": " + tool::trafficLineOf(arrow) + ", ";
+        text += orderOf(arrow) + ": " + trafficLineOf(arrow) + ", ";
     }
     EXPECT_EQ(text,
               "1: 1 of 10 tried, 2: 1 of 10 tried, 3: 1 of 10 tried, 4…5: 2 of 20 tried, 6: 0 of 10 tried, "
@@ -116,14 +115,14 @@ TEST(RuleGraph, OneArrowStandsForTheRestOfManyWithTheSameEnds) {
     const auto& sum = graph.states[0].arrows.back();
     EXPECT_EQ(sum.title, "32 more");
     EXPECT_THAT(sum.conditions, ElementsAre("Test ×16", "Timeout ×16"));
-    EXPECT_THAT(tool::markLinesOf(sum.marks), ElementsAre("⚠ always-true"));
+    EXPECT_THAT(markLinesOf(sum.marks), ElementsAre("⚠ always-true"));
 }
 
 TEST(GraphText, IsCutBetweenCharacters) {
     const std::pair<std::string, std::string> cases[] = {
         {"abc", "abc"}, {"abcd", "ab…"}, {"äöüß", "äö…"}, {"\n", "\\n"}, {"\n\n", "\\n…"}, {"", ""}, {"😀😀😀😀", "😀😀…"}};
     for (const auto& [text, expected] : cases) {
-        EXPECT_EQ(tool::pictureText(text, 3), expected) << text;
+        EXPECT_EQ(pictureText(text, 3), expected) << text;
     }
 }
 
@@ -149,8 +148,8 @@ std::vector<RuleGraph> graphsOfEveryName() {
 }
 
 TEST(Pictures, SurviveEveryName) {
-    const auto rendered = tool::renderGraph(tool::dotOf(graphsOfEveryName(), "<a&b>\n"), "svg", tool::Interruption());
-    EXPECT_EQ(rendered.status, tool::Rendering::Status::Done);
+    const auto rendered = renderGraph(dotOf(graphsOfEveryName(), "<a&b>\n"), "svg", Interruption());
+    EXPECT_EQ(rendered.status, Rendering::Status::Done);
     EXPECT_EQ(rendered.messages, "");
     EXPECT_THAT(rendered.image, HasSubstr(R"(&gt;x&lt;/b&gt;&amp;amp;\N\G{}|[] ==)"));
 }
@@ -159,7 +158,7 @@ TEST(MermaidWriter, SurvivesEveryName) {
     const std::string text = R"(([-A-Za-z0-9 .,()=!+*/_'>\x80-\xFF]|#[0-9]+;|<br/>)*)";
     const std::regex line(" *(stateDiagram-v2|classDef .*|class \\w+ \\w+|state \"" + text +
                           "\" as \\w+( \\{)?|(\\[\\*\\]|\\w+) --> \\w+( : " + text + ")?|\\})");
-    for (const std::string& each : support::linesWith(tool::mermaidOf(graphsOfEveryName()), "")) {
+    for (const std::string& each : support::linesWith(mermaidOf(graphsOfEveryName()), "")) {
         EXPECT_TRUE(std::regex_match(each, line)) << each;
     }
 }
@@ -185,7 +184,7 @@ TEST(GraphCommand, DrawsTheDocumentOrSaysWhyNot) {
         {folder.path("none"), GraphFormat::Dot, "", 2, "none: No such file or directory\n"},
     };
     for (const auto& each : cases) {
-        const auto result = support::runVerb(tool::graph, optionsOf(each.rules, each.format, each.events));
+        const auto result = support::runVerb(graph, optionsOf(each.rules, each.format, each.events));
         EXPECT_EQ(result.status, each.status) << result.err;
         EXPECT_THAT(each.status == 0 ? result.out : result.err, HasSubstr(each.written));
         EXPECT_EQ(each.status == 0 ? result.err : result.out, "");
@@ -199,15 +198,15 @@ TEST(Pictures, InTheDocumentationAreCurrent) {
         const auto options = optionsOf(root + "/examples/escalation.json", GraphFormat::Svg,
                                        *events == '\0' ? "" : root + "/examples/" + events);
         std::string problem;
-        EXPECT_TRUE(tool::readFile(root + "/docs/" + picture + ".svg", tool::Interruption(), problem) ==
-                    support::runVerb(tool::graph, options).out)
+        EXPECT_TRUE(readFile(root + "/docs/" + picture + ".svg", Interruption(), problem) ==
+                    support::runVerb(graph, options).out)
             << "docs/" << picture << ".svg is not what `vig graph` draws of examples/escalation.json " << events;
     }
 }
 
 TEST(Pictures, AreAlsoWrittenAsPng) {
     const auto options = optionsOf(VIG_SOURCE_DIR "/examples/escalation.json", GraphFormat::Png);
-    EXPECT_THAT(support::runVerb(tool::graph, options).out, testing::StartsWith("\x89PNG\r\n"));
+    EXPECT_THAT(support::runVerb(graph, options).out, testing::StartsWith("\x89PNG\r\n"));
 }
 
 TEST(GraphCommand, SaysThatGraphvizIsMissingOrWhatItComplainsOf) {
@@ -217,7 +216,7 @@ TEST(GraphCommand, SaysThatGraphvizIsMissingOrWhatItComplainsOf) {
          {std::pair("", "--format svg needs the program dot of Graphviz, which is not installed\n"),
           std::pair("echo 'no \033[1mfonts' >&2; exit 3", "vig: error: Graphviz failed: no \\x1b[1mfonts")}) {
         const FakeGraphviz fake(script);
-        const auto result = support::runVerb(tool::graph, options);
+        const auto result = support::runVerb(graph, options);
         EXPECT_EQ(result.status, 2);
         EXPECT_EQ(result.out, "");
         EXPECT_THAT(result.err, HasSubstr(complaint));
@@ -227,25 +226,27 @@ TEST(GraphCommand, SaysThatGraphvizIsMissingOrWhatItComplainsOf) {
 TEST(GraphCommand, DoesNotWriteAPictureToATerminal) {
     const int controller = posix_openpt(O_RDWR | O_NOCTTY);
     ASSERT_TRUE(controller >= 0 && grantpt(controller) == 0 && unlockpt(controller) == 0);
-    const tool::Descriptor closed(controller);
-    const tool::Descriptor terminal(open(ptsname(controller), O_RDWR | O_NOCTTY));
+    const Descriptor closed(controller);
+    const Descriptor terminal(open(ptsname(controller), O_RDWR | O_NOCTTY));
     const support::MemoryFile err;
     const auto options = optionsOf("rules.json", GraphFormat::Png);
-    EXPECT_EQ(tool::graph(options, {STDIN_FILENO, terminal.get(), err.descriptor}, tool::Interruption()), 2);
+    EXPECT_EQ(graph(options, {STDIN_FILENO, terminal.get(), err.descriptor}, Interruption()), 2);
     EXPECT_THAT(err.content(), HasSubstr("redirect it to a file"));
 }
 
 TEST(Graphviz, NeitherSideWaitsForTheOther) {
     const std::string big(3'000'000, 'x');
-    tool::Interruption interruption;
+    Interruption interruption;
     for (const auto& [script, image] :
          {std::pair("exec /bin/cat", big), std::pair("echo $1", std::string("-Tsvg\n"))}) {
         const FakeGraphviz fake(script);
-        EXPECT_EQ(tool::renderGraph(big, "svg", interruption).image, image);
+        EXPECT_EQ(renderGraph(big, "svg", interruption).image, image);
     }
     interruption.request();
     const FakeGraphviz slow("exec /bin/sleep 1000");
-    EXPECT_EQ(tool::renderGraph(big, "svg", interruption).status, tool::Rendering::Status::Interrupted);
+    EXPECT_EQ(renderGraph(big, "svg", interruption).status, Rendering::Status::Interrupted);
 }
 
 }  // namespace
+
+}  // namespace Brenta::OS::VIG::Tool

@@ -4,8 +4,11 @@
 
 #include "tests/support/TemporaryFolder.h"
 #include "tests/tools/ToolRun.h"
+#include "tools/vig/CommandLine.h"
 #include "tools/vig/help/Completion.h"
 #include "tools/vig/help/ManPage.h"
+
+namespace Brenta::OS::VIG::Tool {
 
 namespace {
 
@@ -13,8 +16,8 @@ using support::outputOf;
 using testing::HasSubstr;
 
 // Also with what nothing has yet: marks of each language in descriptions, a long list of words.
-tool::ProgramHelp helpWithOddities() {
-    tool::ProgramHelp help = tool::programHelp();
+ProgramHelp helpWithOddities() {
+    ProgramHelp help = programHelp();
     help.verbs.push_back(
         {"odd", ".it's [a: \\b] `c` -- d", {{{"--allow"}, false, false, true, "NAME", "'e' \\n [f]:"}}, ".g\n'h"});
     return help;
@@ -22,7 +25,7 @@ tool::ProgramHelp helpWithOddities() {
 
 TEST(ManPage, HasEveryVerbAndSatisfiesTheFormatter) {
     const support::TemporaryFolder folder;
-    const std::string page = folder.write("vig.1", tool::manPageOf(helpWithOddities()));
+    const std::string page = folder.write("vig.1", manPageOf(helpWithOddities()));
     EXPECT_EQ(outputOf("groff -man -Tutf8 -ww -z " + page), "");
     const std::string text = outputOf("groff -man -Tascii -P-cbou -rLL=200n " + page);
     for (const char* const part : {"--interval TIME", "vig graph RULES", "vig test FILE... [options]",
@@ -33,7 +36,7 @@ TEST(ManPage, HasEveryVerbAndSatisfiesTheFormatter) {
 
 TEST(BashCompletion, CompletesVerbsOptionsWordsAndFiles) {
     const support::TemporaryFolder folder;
-    folder.write("vig.bash", tool::bashCompletionOf(helpWithOddities()));
+    folder.write("vig.bash", bashCompletionOf(helpWithOddities()));
     folder.write("rules file.json", "");
     const struct {
         const char* words;
@@ -63,7 +66,7 @@ TEST(BashCompletion, CompletesVerbsOptionsWordsAndFiles) {
 
 TEST(ZshCompletion, IsReadByZsh) {
     const support::TemporaryFolder folder;
-    const std::string script = folder.write("_vig", tool::zshCompletionOf(helpWithOddities()));
+    const std::string script = folder.write("_vig", zshCompletionOf(helpWithOddities()));
     if (outputOf("command -v zsh").empty()) {
         GTEST_SKIP() << "there is no zsh";
     }
@@ -77,3 +80,5 @@ TEST(ZshCompletion, IsReadByZsh) {
 }
 
 }  // namespace
+
+}  // namespace Brenta::OS::VIG::Tool

@@ -10,7 +10,9 @@
 #include "tests/support/Documents.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/tools/ToolRun.h"
-#include "tools/vig/RunCommand.h"
+#include "tools/vig/run/RunCommand.h"
+
+namespace Brenta::OS::VIG::Tool {
 
 namespace {
 
@@ -22,7 +24,6 @@ using support::runVerb;
 using support::TemporaryFolder;
 using support::ToolResult;
 using support::transition;
-using tool::RunOptions;
 
 const std::string kTrigger = R"([{"name":"TriggerVelora"},{"name":"LogZramHeartBeat"}])";
 
@@ -58,10 +59,10 @@ TEST(Trace, ChangesNothingOfWhatHappens) {
             options.rules = rules;
             options.seed = seed;
             options.events = examples + "trace.jsonl";
-            options.format = tool::ReportFormat::Jsonl;
-            const ToolResult plain = runVerb(tool::run, options);
+            options.format = ReportFormat::Jsonl;
+            const ToolResult plain = runVerb(run, options);
             options.explain = true;
-            const ToolResult traced = runVerb(tool::run, options);
+            const ToolResult traced = runVerb(run, options);
             EXPECT_EQ(traced.status, plain.status);
             EXPECT_EQ(linesWithout(traced.out, R"({"type":"explain")"), linesWith(plain.out, ""));
             EXPECT_EQ(traced.err, plain.err);
@@ -77,7 +78,7 @@ ToolResult explained(const TemporaryFolder& folder, const std::string& transitio
                                                   R"({"event":"Test","time_ms":9,"int64":{"pid":8,"limit":4}})"
                                                   "\n");
     options.contextFile = folder.write("context.jsonl", R"({"event":"Test","int64":{"limit":5}})");
-    return runVerb(tool::run, options);
+    return runVerb(run, options);
 }
 
 TEST(Explain, ShowsEachFilterWithTheValuesThatItCompared) {
@@ -107,7 +108,7 @@ TEST(Explain, ShowsEachFilterWithTheValuesThatItCompared) {
         1  move     0 (id 7)       start -> b
         2  explain  0 (id 7)       Test in state b: no transition listens
 )");
-    options.format = tool::ReportFormat::Jsonl;
+    options.format = ReportFormat::Jsonl;
     EXPECT_EQ(linesWith(explained(folder, transition("start", "end", "Test", five), options).out,
                         R"({"type":"explain","event":2)")[0],
               R"({"type":"explain","event":2,"machine":0,"config_id":7,"event_type":"Test","state":"start",)"
@@ -117,7 +118,7 @@ TEST(Explain, ShowsEachFilterWithTheValuesThatItCompared) {
     const std::string name(100, 'n');
     const std::string longName = transition("start", "end", "Test", filters({"integer " + name + " > =9"}));
     EXPECT_THAT(explained(folder, longName, options).out, testing::HasSubstr("\"condition\":\"" + name + " > 9\""));
-    options.format = tool::ReportFormat::Text;
+    options.format = ReportFormat::Text;
     EXPECT_THAT(explained(folder, longName, options).out, testing::HasSubstr("no    " + name.substr(0, 64) + "… > 9"));
 }
 
@@ -169,7 +170,7 @@ TEST(WhyNot, TellsWhatKeptATransitionFromFiring) {
         const std::size_t begin = text.find("why not");
         EXPECT_EQ(text.substr(begin, text.find("\nsummary") - begin), each.expected);
     }
-    options.format = tool::ReportFormat::Jsonl;
+    options.format = ReportFormat::Jsonl;
     options.whyNot = cases[0].path;
     EXPECT_EQ(
         linesWith(explained(folder, transition("start", "end", "Test", above), options).out, R"({"type":"why_not")")[0],
@@ -187,3 +188,5 @@ TEST(WhyNot, TellsWhatKeptATransitionFromFiring) {
 }
 
 }  // namespace
+
+}  // namespace Brenta::OS::VIG::Tool

@@ -10,8 +10,8 @@
 #include "tests/support/Slots.h"
 #include "tests/support/TestEvent.h"
 #include "tests/vig/parsers/Json.h"
-#include "vig/Log.h"
 #include "vig/actions/TestActionFunctionFactory.h"
+#include "vig/base/Log.h"
 #include "vig/parsers/VIGParserConfig.h"
 
 namespace {

@@ -4,7 +4,7 @@
 
 #include "tools/vig/check/Catalogue.h"
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
 // What the library's actions read from the event, and never from the context. This is the one place that says so.
 struct ActionNeed {
@@ -28,4 +28,4 @@ inline bool startsCollection(std::string_view action) {
     return action == "TriggerVelora" || action == "TriggerVeloraCpu";
 }
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

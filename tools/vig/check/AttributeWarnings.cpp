@@ -3,19 +3,16 @@
 #include <functional>
 #include <string_view>
 
-#include "tools/vig/EventNames.h"
-#include "tools/vig/NearestName.h"
-#include "tools/vig/Text.h"
 #include "tools/vig/check/ActionNeeds.h"
 #include "tools/vig/check/NormalFilter.h"
 #include "tools/vig/check/Warn.h"
+#include "tools/vig/events/EventNames.h"
+#include "tools/vig/words/NearestName.h"
+#include "tools/vig/words/Text.h"
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
-using Brenta::OS::RulesEngine::EventType;
-using Brenta::OS::VIG::FilterValueType;
-using Brenta::OS::VIG::kFilterValueTypeTable;
-using Brenta::OS::VIG::VIGParserConfig;
+using RulesEngine::EventType;
 
 namespace {
 
@@ -165,7 +162,7 @@ class OperandCheck {
             }
         }
         std::string hint = asHint(suggestion(name, names));
-        for (const auto& [type, text] : Brenta::OS::VIG::kEventTypeNames.pairs) {
+        for (const auto& [type, text] : kEventTypeNames.pairs) {
             const CataloguedAttributes* const others = catalogue.find(type);
             if (hint.empty() && others != nullptr && others->contains(name)) {
                 hint = std::string(text) + " events have it";
@@ -216,4 +213,4 @@ void appendAttributeWarnings(const TransitionModel& transition, const Catalogue&
     }
 }
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

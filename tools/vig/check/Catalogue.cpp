@@ -5,16 +5,15 @@
 #include <utility>
 #include <vector>
 
-#include "tools/vig/EventNames.h"
-#include "tools/vig/FileText.h"
-#include "tools/vig/StrictJson.h"
-#include "tools/vig/Text.h"
+#include "tools/vig/document/StrictJson.h"
+#include "tools/vig/events/EventNames.h"
+#include "tools/vig/io/FileText.h"
+#include "tools/vig/words/Text.h"
 #include "vig/EventTypeNames.h"
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
-using Brenta::OS::RulesEngine::EventType;
-using Brenta::OS::VIG::kEventTypeNames;
+using RulesEngine::EventType;
 
 namespace {
 
@@ -190,4 +189,4 @@ EventReader::Status learnFrom(EventReader& reader, Catalogue& catalogue) {
     return status;
 }
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

@@ -10,14 +10,14 @@
 
 #include "rulesengine/Event.h"
 #include "rulesengine/EventType.h"
-#include "tools/vig/DocumentText.h"
-#include "tools/vig/EventReader.h"
-#include "tools/vig/EventRecord.h"
-#include "tools/vig/Interruption.h"
+#include "tools/vig/document/DocumentText.h"
+#include "tools/vig/events/EventReader.h"
+#include "tools/vig/events/EventRecord.h"
+#include "tools/vig/io/Interruption.h"
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
-using AttributeKind = Brenta::OS::RulesEngine::Event::ValueType;
+using AttributeKind = RulesEngine::Event::ValueType;
 
 // The kinds as event records and catalogues name them, by their value.
 inline constexpr std::array<std::string_view, 5> kKindNames = {"uint64", "int64", "double", "bool", "string"};
@@ -61,7 +61,7 @@ class Catalogue {
     void learn(const EventRecord& record);
 
     // Null if nothing is known about events of the type. EnteringState events are known to have none.
-    const CataloguedAttributes* find(Brenta::OS::RulesEngine::EventType type) const;
+    const CataloguedAttributes* find(RulesEngine::EventType type) const;
 
     const CataloguedAttributes& context() const { return contextAttributes; }
 
@@ -72,11 +72,11 @@ class Catalogue {
   private:
     class Filling;
 
-    std::map<Brenta::OS::RulesEngine::EventType, CataloguedAttributes> events;
+    std::map<RulesEngine::EventType, CataloguedAttributes> events;
     CataloguedAttributes contextAttributes;
 };
 
 // Learns from all records that come. Returns the status of the last read.
 EventReader::Status learnFrom(EventReader& reader, Catalogue& catalogue);
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

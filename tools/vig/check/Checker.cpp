@@ -4,16 +4,14 @@
 #include <string>
 #include <tuple>
 
-#include "tools/vig/RuleModel.h"
 #include "tools/vig/check/IdWarnings.h"
 #include "tools/vig/check/KeyWarnings.h"
 #include "tools/vig/check/ReaderErrors.h"
 #include "tools/vig/check/RefusalSearch.h"
 #include "tools/vig/check/RuleWarnings.h"
+#include "tools/vig/document/RuleModel.h"
 
-namespace tool {
-
-using Brenta::OS::VIG::VIGParserConfig;
+namespace Brenta::OS::VIG::Tool {
 
 namespace {
 
@@ -49,4 +47,4 @@ std::vector<Diagnostic> check(const DocumentText& document, const VIGParserConfi
     return found;
 }
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

@@ -2,17 +2,17 @@
 
 #include <vector>
 
-#include "tools/vig/DocumentText.h"
 #include "tools/vig/check/Catalogue.h"
 #include "tools/vig/check/Diagnostic.h"
+#include "tools/vig/document/DocumentText.h"
 #include "vig/parsers/VIGParserConfig.h"
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
 // Everything that is wrong with a rule document, by place: errors for what the library refuses with these names, and
 // what `vig check` warns of, with these attributes in mind. There is an error under the name of a code of the library
 // exactly when the library refuses the document. The platform log is not available meanwhile; used on one thread.
-std::vector<Diagnostic> check(const DocumentText& document, const Brenta::OS::VIG::VIGParserConfig& registry,
+std::vector<Diagnostic> check(const DocumentText& document, const VIGParserConfig& registry,
                               const Catalogue& catalogue);
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

@@ -2,9 +2,9 @@
 
 #include <string>
 
-#include "tools/vig/DocumentText.h"
+#include "tools/vig/document/DocumentText.h"
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
 enum class Severity { Error, Warning };
 
@@ -17,4 +17,4 @@ struct Diagnostic {
     std::string hint;  // what would mend it; may be empty
 };
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

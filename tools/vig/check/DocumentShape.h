@@ -3,7 +3,7 @@
 #include <span>
 #include <string_view>
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
 enum class Layer { Response, Config, Payload, Machine, Transition, Filter, Operand, Action, Parameter };
 
@@ -68,4 +68,4 @@ inline constexpr Shape kConfigShape{Layer::Config, kConfigMembers,
 inline constexpr Shape::Member kResponseMembers[] = {{"configs", Shape::Kind::List, &kConfigShape}};
 inline constexpr Shape kResponseShape{Layer::Response, kResponseMembers, R"({"configs":[]})"};
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

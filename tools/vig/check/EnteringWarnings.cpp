@@ -5,12 +5,12 @@
 #include <span>
 #include <string>
 
-#include "tools/vig/Text.h"
 #include "tools/vig/check/Warn.h"
+#include "tools/vig/words/Text.h"
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
-using Brenta::OS::RulesEngine::EventType;
+using RulesEngine::EventType;
 
 namespace {
 
@@ -110,4 +110,4 @@ void appendEnteringWarnings(const StateGraph& graph, const std::vector<bool>& re
     }
 }
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

@@ -5,11 +5,11 @@
 #include "tools/vig/check/Diagnostic.h"
 #include "tools/vig/check/StateGraph.h"
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
 // Warns of cycles of EnteringState transitions; one that nothing can stop is an error. REQUIRES: shadowed transitions
 // are marked.
 void appendEnteringWarnings(const StateGraph& graph, const std::vector<bool>& reachable,
                             std::vector<Diagnostic>& found);
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

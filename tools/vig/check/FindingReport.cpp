@@ -4,7 +4,7 @@
 #include "tools/vig/check/SarifFindings.h"
 #include "tools/vig/check/TextFindings.h"
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
 std::unique_ptr<FindingReport> makeFindingReport(FindingFormat format, Output& output, bool coloured) {
     switch (format) {
@@ -18,4 +18,4 @@ std::unique_ptr<FindingReport> makeFindingReport(FindingFormat format, Output& o
     return std::make_unique<TextFindings>(output, coloured);
 }
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

@@ -4,11 +4,11 @@
 #include <memory>
 #include <span>
 
-#include "tools/vig/Output.h"
-#include "tools/vig/SourceText.h"
 #include "tools/vig/check/Diagnostic.h"
+#include "tools/vig/io/Output.h"
+#include "tools/vig/words/SourceText.h"
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
 enum class FindingFormat { Text, Json, Sarif };
 
@@ -31,4 +31,4 @@ class FindingReport {
 // `output` must outlive the report. The text is `coloured` or not, as a terminal shows it.
 std::unique_ptr<FindingReport> makeFindingReport(FindingFormat format, Output& output, bool coloured);
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

@@ -8,10 +8,10 @@
 #include <string>
 #include <unordered_map>
 
-#include "tools/vig/Text.h"
+#include "tools/vig/words/Text.h"
 #include "vig/parsers/JsonValues.h"
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
 namespace {
 
@@ -21,7 +21,7 @@ constexpr std::size_t kMostShownOfId = 40;
 std::optional<std::int64_t> checkId(const DocumentText& document, const Json::Value& object, const std::string& path,
                                     std::vector<Diagnostic>& found) {
     const Json::Value& json = object["id"];
-    const auto id = Brenta::OS::VIG::toInt64(json);
+    const auto id = toInt64(json);
     if (id && json.type() == Json::realValue && json.asDouble() != std::trunc(json.asDouble())) {
         Place place = document.placeOf(json, path + ".id");
         const std::string text = excerpt(
@@ -61,4 +61,4 @@ void appendIdWarnings(const DocumentText& document, std::vector<Diagnostic>& fou
     }
 }
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

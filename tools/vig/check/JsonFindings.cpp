@@ -4,9 +4,9 @@
 
 #include <utility>
 
-#include "tools/vig/Text.h"
+#include "tools/vig/words/Text.h"
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
 JsonFindings::JsonFindings(Output& target) : output(target) {
     output.write(R"({"findings":[)");
@@ -31,4 +31,4 @@ void JsonFindings::end(const FindingCounts& counts) {
                              counts.files));
 }
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

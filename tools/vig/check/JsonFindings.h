@@ -4,7 +4,7 @@
 
 #include "tools/vig/check/FindingReport.h"
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
 // Findings for programs: one object with a list of them. Columns count bytes.
 class JsonFindings final : public FindingReport {
@@ -19,4 +19,4 @@ class JsonFindings final : public FindingReport {
     std::string_view separator;  // from the finding before
 };
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

@@ -7,16 +7,13 @@
 #include <string_view>
 #include <tuple>
 
-#include "tools/vig/NearestName.h"
-#include "tools/vig/Text.h"
 #include "tools/vig/check/DocumentShape.h"
+#include "tools/vig/words/NearestName.h"
+#include "tools/vig/words/Text.h"
 #include "vig/parsers/JsonText.h"
 #include "vig/parsers/JsonTokens.h"
 
-namespace tool {
-
-using Brenta::OS::VIG::JsonTokens;
-using Brenta::OS::VIG::withoutByteOrderMark;
+namespace Brenta::OS::VIG::Tool {
 
 namespace {
 
@@ -30,7 +27,7 @@ std::string decoded(std::string_view token) {
         return std::string(token.substr(1, token.size() - 2));
     }
     Json::Value text;
-    const auto report = Brenta::OS::VIG::readJson(std::string(token), text);
+    const auto report = readJson(std::string(token), text);
     return report ? std::string() : text.asString();
 }
 
@@ -211,4 +208,4 @@ void appendKeyWarnings(const DocumentText& document, std::vector<Diagnostic>& fo
     KeyScan(document, found).run();
 }
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

@@ -6,20 +6,17 @@
 #include <string>
 #include <utility>
 
-#include "tools/vig/Text.h"
 #include "tools/vig/check/NormalFilter.h"
 #include "tools/vig/check/ValueRange.h"
 #include "tools/vig/check/Warn.h"
+#include "tools/vig/words/Text.h"
 #include "vig/parsers/NumberText.h"
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
-using Brenta::OS::RulesEngine::EvaluationContext;
-using Brenta::OS::RulesEngine::Event;
-using Brenta::OS::RulesEngine::EventType;
-using Brenta::OS::VIG::FilterOperator;
-using Brenta::OS::VIG::FilterValueType;
-using Brenta::OS::VIG::VIGParserConfig;
+using RulesEngine::EvaluationContext;
+using RulesEngine::Event;
+using RulesEngine::EventType;
 
 namespace {
 
@@ -48,9 +45,9 @@ T constantOf(const OperandModel& operand) {
     if constexpr (std::is_same_v<T, std::string>) {
         return operand.operand.value;
     } else if constexpr (std::is_same_v<T, double>) {
-        return Brenta::OS::VIG::readNearestDouble(operand.operand.value);
+        return readNearestDouble(operand.operand.value);
     } else {
-        return Brenta::OS::VIG::readNearestInt64(operand.operand.value);
+        return readNearestInt64(operand.operand.value);
     }
 }
 
@@ -237,4 +234,4 @@ FilterLogic appendLogicWarnings(const TransitionModel& transition, const VIGPars
     return logic;
 }
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

@@ -2,11 +2,11 @@
 
 #include <vector>
 
-#include "tools/vig/RuleModel.h"
 #include "tools/vig/check/Diagnostic.h"
+#include "tools/vig/document/RuleModel.h"
 #include "vig/parsers/VIGParserConfig.h"
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
 // What the filters of a transition come to, whatever the events.
 struct FilterLogic {
@@ -15,7 +15,7 @@ struct FilterLogic {
 };
 
 // Warns of filters that are always or never true and of those that contradict each other.
-FilterLogic appendLogicWarnings(const TransitionModel& transition, const Brenta::OS::VIG::VIGParserConfig& registry,
+FilterLogic appendLogicWarnings(const TransitionModel& transition, const VIGParserConfig& registry,
                                 std::vector<Diagnostic>& found);
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

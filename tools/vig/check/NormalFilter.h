@@ -1,27 +1,27 @@
 #pragma once
 
-#include "tools/vig/RuleModel.h"
 #include "tools/vig/check/Catalogue.h"
+#include "tools/vig/document/RuleModel.h"
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
 // A filter as the library builds it: turned round if only its left operand is a constant.
 struct NormalFilter {
-    Brenta::OS::VIG::FilterOperator op;
+    FilterOperator op;
     const OperandModel& left;
     const OperandModel& right;
 };
 
 inline bool isConstant(const OperandModel& operand) {
-    return operand.operand.type == Brenta::OS::VIG::FilterOperand::Type::Constant;
+    return operand.operand.type == FilterOperand::Type::Constant;
 }
 
 inline bool isFunction(const OperandModel& operand) {
-    return operand.operand.type == Brenta::OS::VIG::FilterOperand::Type::Function;
+    return operand.operand.type == FilterOperand::Type::Function;
 }
 
 inline bool isAttribute(const OperandModel& operand) {
-    return operand.operand.type == Brenta::OS::VIG::FilterOperand::Type::Envvar;
+    return operand.operand.type == FilterOperand::Type::Envvar;
 }
 
 inline bool usesFunction(const FilterModel& filter) {
@@ -45,16 +45,16 @@ inline NormalFilter normalFormOf(const FilterModel& filter) {
 }
 
 // The kind of the attributes that the filter reads.
-inline AttributeKind kindOf(Brenta::OS::VIG::FilterValueType type) {
+inline AttributeKind kindOf(FilterValueType type) {
     switch (type) {
-        case Brenta::OS::VIG::FilterValueType::Integer:
+        case FilterValueType::Integer:
             return AttributeKind::Int64;
-        case Brenta::OS::VIG::FilterValueType::Double:
+        case FilterValueType::Double:
             return AttributeKind::Double;
-        case Brenta::OS::VIG::FilterValueType::String:
+        case FilterValueType::String:
             break;
     }
     return AttributeKind::String;
 }
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

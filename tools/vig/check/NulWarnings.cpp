@@ -6,13 +6,11 @@
 #include <string_view>
 #include <utility>
 
-#include "tools/vig/Text.h"
 #include "tools/vig/check/NormalFilter.h"
 #include "tools/vig/check/Warn.h"
+#include "tools/vig/words/Text.h"
 
-namespace tool {
-
-using Brenta::OS::VIG::FilterValueType;
+namespace Brenta::OS::VIG::Tool {
 
 namespace {
 
@@ -54,4 +52,4 @@ void appendNulWarnings(const TransitionModel& transition, std::vector<Diagnostic
     }
 }
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

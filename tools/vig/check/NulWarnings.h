@@ -2,13 +2,13 @@
 
 #include <vector>
 
-#include "tools/vig/RuleModel.h"
 #include "tools/vig/check/Diagnostic.h"
+#include "tools/vig/document/RuleModel.h"
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
 // Warns of a NUL in what the library accepts with it: an operator, which it reads up to there, the names of states and
 // attributes, and texts that are compared.
 void appendNulWarnings(const TransitionModel& transition, std::vector<Diagnostic>& found);
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

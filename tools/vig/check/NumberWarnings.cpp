@@ -8,16 +8,13 @@
 #include <string>
 #include <string_view>
 
-#include "tools/vig/Text.h"
 #include "tools/vig/check/NormalFilter.h"
 #include "tools/vig/check/Warn.h"
+#include "tools/vig/words/Text.h"
 #include "vig/parsers/CLocale.h"
 #include "vig/parsers/NumberText.h"
 
-namespace tool {
-
-using Brenta::OS::VIG::cLocale;
-using Brenta::OS::VIG::FilterValueType;
+namespace Brenta::OS::VIG::Tool {
 
 namespace {
 
@@ -34,10 +31,10 @@ Reading readingOf(const std::string& text, FilterValueType type) {
     bool inRange = false;
     if (type == FilterValueType::Integer) {
         number = std::to_string(strtoll_l(text.c_str(), &end, 10, cLocale()));
-        inRange = Brenta::OS::VIG::readInt64(text).has_value();
+        inRange = readInt64(text).has_value();
     } else {
         number = fmt::format("{}", strtod_l(text.c_str(), &end, cLocale()));
-        inRange = Brenta::OS::VIG::readDouble(text).has_value();
+        inRange = readDouble(text).has_value();
     }
     std::string_view rest = std::string_view(text).substr(static_cast<std::size_t>(end - text.c_str()));
     rest = rest.substr(0, rest.find_last_not_of(" \t\r\n") + 1);
@@ -62,7 +59,7 @@ std::optional<Decimal> decimalOf(std::string_view text) {
     const std::string_view decimals = text.substr(std::min(whole.size() + 1, text.size()));
     return Decimal{
         sign + (whole.empty() ? "0" : std::string(whole)) + (decimals.empty() ? "" : "." + std::string(decimals)),
-        sign + fmt::format("{:.{}f}", Brenta::OS::VIG::readNearestDouble(std::string(text)), decimals.size())};
+        sign + fmt::format("{:.{}f}", readNearestDouble(std::string(text)), decimals.size())};
 }
 
 void appendUnread(const Place& place, const std::string& text, const Reading& reading, std::vector<Diagnostic>& found) {
@@ -108,4 +105,4 @@ void appendNumberWarnings(const FilterModel& filter, std::vector<Diagnostic>& fo
     }
 }
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-#include "tools/vig/ParseErrorText.h"
+#include "tools/vig/document/ParseErrorText.h"
 #include "vig/parsers/FilterParser.h"
 #include "vig/parsers/JsonText.h"
 #include "vig/parsers/VIGConfigParser.h"
@@ -13,21 +13,11 @@
 #include "vig/parsers/VIGFiniteStateMachineParser.h"
 #include "vig/parsers/VIGResponseParser.h"
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
-using Brenta::OS::RulesEngine::EvaluationContext;
-using Brenta::OS::RulesEngine::Event;
-using Brenta::OS::RulesEngine::EventType;
-using Brenta::OS::VIG::FilterOperand;
-using Brenta::OS::VIG::VIGActionFunction;
-using Brenta::OS::VIG::VIGActionFunctionFactory;
-using Brenta::OS::VIG::VIGActionParameter;
-using Brenta::OS::VIG::VIGConfigParser;
-using Brenta::OS::VIG::VIGConfigPayloadParser;
-using Brenta::OS::VIG::VIGFiniteStateMachineParser;
-using Brenta::OS::VIG::VIGParseError;
-using Brenta::OS::VIG::VIGParserConfig;
-using Brenta::OS::VIG::VIGResponseParser;
+using RulesEngine::EvaluationContext;
+using RulesEngine::Event;
+using RulesEngine::EventType;
 
 namespace {
 
@@ -52,7 +42,7 @@ Factories acceptedActions() {
 }
 
 void collectAccepted(const Shape& shape, std::map<Layer, Json::Value>& pieces) {
-    Brenta::OS::VIG::readJson(std::string(shape.accepted), pieces[shape.layer]);
+    readJson(std::string(shape.accepted), pieces[shape.layer]);
     for (const Shape::Member& member : shape.members) {
         if (member.inside != nullptr) {
             collectAccepted(*member.inside, pieces);
@@ -129,4 +119,4 @@ Json::Value PieceParser::actionWith(const Json::Value& parameter) const {
     return action;
 }
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

@@ -11,11 +11,11 @@
 #include "vig/parsers/VIGParseError.h"
 #include "vig/parsers/VIGParserConfig.h"
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
 // Why the library refuses something.
 struct Refusal {
-    Brenta::OS::VIG::VIGParseError error;
+    VIGParseError error;
     std::string message;  // its first line in the log, or the meaning of the error where it logs nothing
 };
 
@@ -29,7 +29,7 @@ class PieceParser {
     };
 
     // The registry must outlive it.
-    explicit PieceParser(const Brenta::OS::VIG::VIGParserConfig& names);
+    explicit PieceParser(const VIGParserConfig& names);
     PieceParser(const PieceParser&) = delete;
     PieceParser& operator=(const PieceParser&) = delete;
     ~PieceParser();
@@ -42,18 +42,17 @@ class PieceParser {
     const Json::Value& accepted(const Shape& shape) const { return acceptedPieces.at(shape.layer); }
 
   private:
-    Brenta::OS::VIG::VIGParseError parse(const Shape& shape, const Json::Value& piece,
-                                         const Brenta::OS::VIG::VIGParserConfig& config) const;
+    VIGParseError parse(const Shape& shape, const Json::Value& piece, const VIGParserConfig& config) const;
     Json::Value machineWith(const Json::Value& transition) const;
     Json::Value transitionWith(const Json::Value& action) const;
     Json::Value actionWith(const Json::Value& parameter) const;
 
-    const Brenta::OS::VIG::VIGParserConfig& registered;
-    const Brenta::OS::VIG::VIGParserConfig registeredActions;  // in a transition on the accepted event
-    const Brenta::OS::VIG::VIGParserConfig anything;           // of the accepted names
+    const VIGParserConfig& registered;
+    const VIGParserConfig registeredActions;  // in a transition on the accepted event
+    const VIGParserConfig anything;           // of the accepted names
     std::map<Layer, Json::Value> acceptedPieces;
     std::optional<std::string> firstLine;  // since the last piece
     const host::LogSink previousSink;
 };
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

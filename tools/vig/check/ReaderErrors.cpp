@@ -6,12 +6,10 @@
 #include <string>
 #include <string_view>
 
-#include "tools/vig/ParseErrorText.h"
-#include "tools/vig/Text.h"
+#include "tools/vig/document/ParseErrorText.h"
+#include "tools/vig/words/Text.h"
 
-namespace tool {
-
-using Brenta::OS::VIG::VIGParseError;
+namespace Brenta::OS::VIG::Tool {
 
 namespace {
 
@@ -61,4 +59,4 @@ void appendReaderErrors(const DocumentText& document, std::vector<Diagnostic>& f
     }
 }
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

@@ -2,12 +2,12 @@
 
 #include <vector>
 
-#include "tools/vig/DocumentText.h"
 #include "tools/vig/check/Diagnostic.h"
+#include "tools/vig/document/DocumentText.h"
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
 // Appends an error for every mistake in the reader's report. REQUIRES: there is one.
 void appendReaderErrors(const DocumentText& document, std::vector<Diagnostic>& found);
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

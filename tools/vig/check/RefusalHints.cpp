@@ -5,17 +5,12 @@
 #include <span>
 #include <utility>
 
-#include "tools/vig/NearestName.h"
-#include "tools/vig/Text.h"
+#include "tools/vig/words/NearestName.h"
+#include "tools/vig/words/Text.h"
 #include "vig/parsers/FilterParser.h"
 #include "vig/parsers/JsonValues.h"
 
-namespace tool {
-
-using Brenta::OS::VIG::kFilterOperandTypeTable;
-using Brenta::OS::VIG::kFilterOperatorTable;
-using Brenta::OS::VIG::kFilterValueTypeTable;
-using Brenta::OS::VIG::VIGParserConfig;
+namespace Brenta::OS::VIG::Tool {
 
 namespace {
 
@@ -67,7 +62,7 @@ std::string unknownName(std::string_view what, std::string_view given, const std
 
 // The number or boolean as a string.
 std::string asString(const Json::Value& value) {
-    const std::string text = Brenta::OS::VIG::toText(value).value_or("");
+    const std::string text = toText(value).value_or("");
     return "a string: write " + quoted(text) + " for " + text;
 }
 
@@ -162,4 +157,4 @@ std::string numberHint(std::string_view type) {
                              : "a number within the range is needed, such as \"0.5\"";
 }
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

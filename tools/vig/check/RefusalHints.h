@@ -9,7 +9,7 @@
 #include "tools/vig/check/DocumentShape.h"
 #include "vig/parsers/VIGParserConfig.h"
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
 // What would mend what the library refuses.
 
@@ -21,15 +21,14 @@ std::string_view typeName(const Json::Value& value);
 std::string memberHint(const Shape& shape, std::string_view key, const Json::Value* given, const Json::Value& accepted);
 
 // For names that the registry does not have.
-std::string eventHint(const Brenta::OS::VIG::VIGParserConfig& registry, std::string_view name);
-std::string actionHint(const Brenta::OS::VIG::VIGParserConfig& registry, std::string_view name);
-std::string functionHint(const Brenta::OS::VIG::VIGParserConfig& registry, std::string_view name);
+std::string eventHint(const VIGParserConfig& registry, std::string_view name);
+std::string actionHint(const VIGParserConfig& registry, std::string_view name);
+std::string functionHint(const VIGParserConfig& registry, std::string_view name);
 
 // Under which an action of that name is registered with parameters: "Notify(integer)".
-std::vector<std::string_view> keysWithParameters(const Brenta::OS::VIG::VIGParserConfig& registry,
-                                                 std::string_view name);
+std::vector<std::string_view> keysWithParameters(const VIGParserConfig& registry, std::string_view name);
 
 // For a text that is no number of the type.
 std::string numberHint(std::string_view type);
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

@@ -3,13 +3,12 @@
 #include <algorithm>
 #include <utility>
 
-#include "tools/vig/ParseErrorText.h"
-#include "tools/vig/Text.h"
 #include "tools/vig/check/RefusalHints.h"
+#include "tools/vig/document/ParseErrorText.h"
+#include "tools/vig/words/Text.h"
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
-using Brenta::OS::VIG::VIGParserConfig;
 using Names = PieceParser::Names;
 
 namespace {
@@ -235,4 +234,4 @@ std::string RefusalSearch::shortMessage(const std::string& message, const Place&
            excerpt(text.substr(piece.begin, piece.end - piece.begin), kMostShownOfPiece);
 }
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

@@ -6,19 +6,18 @@
 #include <string_view>
 #include <vector>
 
-#include "tools/vig/DocumentText.h"
 #include "tools/vig/check/Diagnostic.h"
 #include "tools/vig/check/PieceParser.h"
+#include "tools/vig/document/DocumentText.h"
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
 // Finds every place for which the library refuses a document. It judges nothing by itself: a member is at fault if the
 // library refuses an object that it accepts otherwise once that member has been put in.
 class RefusalSearch {
   public:
     // All of them must outlive it; errors are appended to `errors`. REQUIRES: the text of the document is JSON.
-    RefusalSearch(const DocumentText& text, const Brenta::OS::VIG::VIGParserConfig& names,
-                  std::vector<Diagnostic>& errors);
+    RefusalSearch(const DocumentText& text, const VIGParserConfig& names, std::vector<Diagnostic>& errors);
 
     // Whether the library accepts the root, but for the elements of "configs".
     bool acceptsResponse();
@@ -52,9 +51,9 @@ class RefusalSearch {
     std::string shortMessage(const std::string& message, const Place& piece) const;
 
     const DocumentText& document;
-    const Brenta::OS::VIG::VIGParserConfig& registry;
+    const VIGParserConfig& registry;
     PieceParser library;
     std::vector<Diagnostic>& found;
 };
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

@@ -14,10 +14,10 @@
 #include "tools/vig/check/StateGraph.h"
 #include "tools/vig/check/StateWarnings.h"
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
-void appendWarnings(const ConfigModel& config, const Catalogue& catalogue,
-                    const Brenta::OS::VIG::VIGParserConfig& registry, std::vector<Diagnostic>& found) {
+void appendWarnings(const ConfigModel& config, const Catalogue& catalogue, const VIGParserConfig& registry,
+                    std::vector<Diagnostic>& found) {
     const auto before = static_cast<std::ptrdiff_t>(found.size());
     std::vector<FilterLogic> logics;
     logics.reserve(config.transitions.size());
@@ -39,4 +39,4 @@ void appendWarnings(const ConfigModel& config, const Catalogue& catalogue,
     });
 }
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

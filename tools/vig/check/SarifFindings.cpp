@@ -8,11 +8,11 @@
 #include <utility>
 #include <vector>
 
-#include "tools/vig/ParseErrorText.h"
-#include "tools/vig/Text.h"
 #include "tools/vig/check/WarningNames.h"
+#include "tools/vig/document/ParseErrorText.h"
+#include "tools/vig/words/Text.h"
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
 namespace {
 
@@ -112,4 +112,4 @@ void SarifFindings::end(const FindingCounts&) {
     output.write("\n]}]}\n");
 }
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

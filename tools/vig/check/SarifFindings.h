@@ -4,7 +4,7 @@
 
 #include "tools/vig/check/FindingReport.h"
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
 // Findings as a SARIF 2.1.0 log, for tools that show them beside the text. Columns count characters.
 class SarifFindings final : public FindingReport {
@@ -19,4 +19,4 @@ class SarifFindings final : public FindingReport {
     std::string_view separator;  // from the finding before
 };
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

@@ -9,15 +9,13 @@
 #include <unordered_map>
 #include <utility>
 
-#include "tools/vig/EventNames.h"
-#include "tools/vig/Text.h"
 #include "tools/vig/check/NormalFilter.h"
 #include "tools/vig/check/Warn.h"
+#include "tools/vig/events/EventNames.h"
+#include "tools/vig/words/Text.h"
 #include "vig/parsers/NumberText.h"
 
-namespace tool {
-
-using Brenta::OS::VIG::FilterValueType;
+namespace Brenta::OS::VIG::Tool {
 
 namespace {
 
@@ -27,9 +25,9 @@ constexpr std::size_t kMostCompared = 64;
 std::string constantText(const OperandModel& operand, FilterValueType type) {
     switch (type) {
         case FilterValueType::Integer:
-            return std::to_string(Brenta::OS::VIG::readNearestInt64(operand.operand.value));
+            return std::to_string(readNearestInt64(operand.operand.value));
         case FilterValueType::Double:
-            return fmt::format("{}", Brenta::OS::VIG::readNearestDouble(operand.operand.value));
+            return fmt::format("{}", readNearestDouble(operand.operand.value));
         case FilterValueType::String:
             break;
     }
@@ -149,7 +147,7 @@ void appendShadowWarnings(StateGraph& graph, std::span<const std::size_t> sameEv
         const std::string why = always ? ", which always fires" : ", which fires whenever this one could";
         warn(found, "shadowed-transition", edge.transition->place,
              "this never fires: before it in " + shownQuoted(edge.transition->from) + " comes " + nameOf(*shadow) +
-                 " on " + std::string(tool::nameOf(edge.transition->event)) + why,
+                 " on " + std::string(Tool::nameOf(edge.transition->event)) + why,
              always ? "put this one before it" : "put this one before it, or give that one another filter");
     }
 }
@@ -169,4 +167,4 @@ void appendShadowWarnings(StateGraph& graph, std::vector<Diagnostic>& found) {
     }
 }
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

@@ -5,9 +5,9 @@
 #include "tools/vig/check/Diagnostic.h"
 #include "tools/vig/check/StateGraph.h"
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
 // Warns of transitions that never fire because an earlier one always does instead, and marks them.
 void appendShadowWarnings(StateGraph& graph, std::vector<Diagnostic>& found);
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

@@ -5,9 +5,9 @@
 
 #include "rulesengine/State.h"
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
-using Brenta::OS::RulesEngine::State;
+using RulesEngine::State;
 
 StateGraph::StateGraph(const ConfigModel& config, std::vector<FilterLogic> logics) {
     std::unordered_map<std::string_view, std::size_t> numbers;
@@ -50,4 +50,4 @@ std::vector<bool> StateGraph::reachable() const {
     return reached;
 }
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

@@ -4,10 +4,10 @@
 #include <string_view>
 #include <vector>
 
-#include "tools/vig/RuleModel.h"
 #include "tools/vig/check/LogicWarnings.h"
+#include "tools/vig/document/RuleModel.h"
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
 // A transition of a machine, with its states as numbers.
 struct Edge {
@@ -38,4 +38,4 @@ struct StateGraph {
     std::vector<std::vector<std::size_t>> outgoing;  // of each state, the edges in document order
 };
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

@@ -4,17 +4,17 @@
 #include <cstddef>
 #include <string>
 
-#include "tools/vig/EventNames.h"
-#include "tools/vig/NearestName.h"
-#include "tools/vig/Text.h"
 #include "tools/vig/check/ActionNeeds.h"
 #include "tools/vig/check/AttributeWarnings.h"
 #include "tools/vig/check/NormalFilter.h"
 #include "tools/vig/check/Warn.h"
+#include "tools/vig/events/EventNames.h"
+#include "tools/vig/words/NearestName.h"
+#include "tools/vig/words/Text.h"
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
-using Brenta::OS::RulesEngine::EventType;
+using RulesEngine::EventType;
 
 namespace {
 
@@ -128,4 +128,4 @@ void appendStateWarnings(const StateGraph& graph, const std::vector<bool>& reach
     }
 }
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

@@ -5,9 +5,9 @@
 #include <algorithm>
 #include <utility>
 
-#include "tools/vig/Text.h"
+#include "tools/vig/words/Text.h"
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
 namespace {
 
@@ -118,4 +118,4 @@ std::string TextFindings::inColour(std::string_view colour, std::string_view tex
     return coloured ? fmt::format("{}{}{}", colour, text, kReset) : std::string(text);
 }
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

@@ -5,7 +5,7 @@
 
 #include "tools/vig/check/FindingReport.h"
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
 // Findings for people, as compilers print them: the place, the message, the line with a mark under the
 // place; then the place as a JSON path and what would mend it.
@@ -24,4 +24,4 @@ class TextFindings final : public FindingReport {
     const bool coloured;
 };
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

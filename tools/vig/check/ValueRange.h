@@ -10,7 +10,7 @@
 
 #include "vig/parsers/FilterParser.h"
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
 // The least value that is greater, if any. Strings are ordered as byte strings, so that only a zero byte comes between.
 inline std::optional<std::int64_t> successorOf(std::int64_t value) {
@@ -49,8 +49,7 @@ template <typename T>
 class ValueRange {
   public:
     // Keeps the values for which `value op constant` holds.
-    void narrow(Brenta::OS::VIG::FilterOperator op, const T& constant) {
-        using Brenta::OS::VIG::FilterOperator;
+    void narrow(FilterOperator op, const T& constant) {
         if (isNan(constant)) {
             empty = empty || op != FilterOperator::NotEqual;
             return;
@@ -110,4 +109,4 @@ class ValueRange {
     std::set<T> excluded;
 };
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

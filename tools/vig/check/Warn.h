@@ -8,10 +8,10 @@
 #include <utility>
 #include <vector>
 
-#include "tools/vig/RuleModel.h"
 #include "tools/vig/check/Diagnostic.h"
+#include "tools/vig/document/RuleModel.h"
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
 // `name` is one of kWarningNames.
 inline void warn(std::vector<Diagnostic>& found, std::string_view name, Place place, std::string message,
@@ -34,4 +34,4 @@ Place placeOf(const auto& object, const char* member) {
     return {offsetOf(value.getOffsetStart()), offsetOf(value.getOffsetLimit()), object.place.path + "." + member};
 }
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

@@ -2,7 +2,7 @@
 
 #include <string_view>
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
 // What `vig check` can warn of. This is the one list of the names: the help, the documentation and the tests are held
 // against it.
@@ -34,4 +34,4 @@ inline constexpr WarningName kWarningNames[] = {
     {"no-way-out", "a state that cannot be left and is not \"end\""},
 };
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
 namespace {
 constexpr std::size_t kMostText = std::size_t{1} << 18;  // of a device before its turn
@@ -53,4 +53,4 @@ void DeviceOrder::passOn() {
     }
 }
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

@@ -9,10 +9,10 @@
 #include <string>
 #include <string_view>
 
-#include "tools/vig/Output.h"
 #include "tools/vig/fleet/FleetSummary.h"
+#include "tools/vig/io/Output.h"
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
 // Puts what devices do at the same time into the order of their numbers, which count from 0. What comes before its turn
 // is kept; who has too much of it waits. The device whose turn it is never waits, so that all come to their end as long
@@ -50,4 +50,4 @@ class DeviceOrder {
     const std::function<void(const DeviceResult&)> onEnd;
 };
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

@@ -7,22 +7,19 @@
 #include <utility>
 
 #include "rulesengine/Filter.h"
-#include "tools/vig/EventInput.h"
-#include "tools/vig/EventReader.h"
-#include "tools/vig/PlatformServices.h"
-#include "tools/vig/Text.h"
+#include "tools/vig/events/EventInput.h"
+#include "tools/vig/events/EventReader.h"
+#include "tools/vig/run/PlatformServices.h"
 #include "tools/vig/trace/RebuiltMachines.h"
+#include "tools/vig/words/Text.h"
 #include "vig/parsers/VIGResponseParser.h"
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
-using Brenta::OS::RulesEngine::EvaluationContext;
-using Brenta::OS::RulesEngine::Event;
-using Brenta::OS::RulesEngine::Filter;
-using Brenta::OS::RulesEngine::Transition;
-using Brenta::OS::VIG::PseudoRandomGenerator;
-using Brenta::OS::VIG::VIGParserConfig;
-using Brenta::OS::VIG::VIGResponseParser;
+using RulesEngine::EvaluationContext;
+using RulesEngine::Event;
+using RulesEngine::Filter;
+using RulesEngine::Transition;
 
 namespace {
 
@@ -141,4 +138,4 @@ DeviceResult DeviceRunner::run(const std::string& device, Output& output) {
     return result;
 }
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

@@ -4,23 +4,23 @@
 #include <string>
 #include <string_view>
 
-#include "tools/vig/AttributeSet.h"
-#include "tools/vig/Console.h"
-#include "tools/vig/Interruption.h"
-#include "tools/vig/MachineGroup.h"
-#include "tools/vig/Output.h"
-#include "tools/vig/RuleRun.h"
+#include "tools/vig/events/AttributeSet.h"
 #include "tools/vig/fleet/FleetSummary.h"
+#include "tools/vig/io/Console.h"
+#include "tools/vig/io/Interruption.h"
+#include "tools/vig/io/Output.h"
+#include "tools/vig/run/MachineGroup.h"
+#include "tools/vig/run/RuleRun.h"
 #include "tools/vig/trace/Trace.h"
 #include "vig/actions/PseudoRandomGenerator.h"
 #include "vig/parsers/VIGParserConfig.h"
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
 // What all devices of a fleet have in common. Used by several threads at once, none of which changes it.
 struct FleetPlan {
     const TracedDocument& document;
-    const Brenta::OS::VIG::VIGParserConfig registry;  // the library's own
+    const VIGParserConfig registry;  // the library's own
     const AttributeSet& context;
     const std::uint32_t seed;
     const ReportFormat format;
@@ -51,8 +51,8 @@ class DeviceRunner {
     MachineGroup::Configs newMachines(FiredCounts& fired) const;
 
     const FleetPlan& plan;
-    Brenta::OS::VIG::PseudoRandomGenerator generator;
+    PseudoRandomGenerator generator;
     const MachineGroup::Configs parsed;
 };
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

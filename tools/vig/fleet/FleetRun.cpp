@@ -7,11 +7,11 @@
 #include <thread>
 #include <utility>
 
-#include "tools/vig/EventInput.h"
-#include "tools/vig/Text.h"
+#include "tools/vig/events/EventInput.h"
 #include "tools/vig/fleet/DeviceOrder.h"
+#include "tools/vig/words/Text.h"
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
 namespace {
 
@@ -82,4 +82,4 @@ FleetSummary runFleet(const FleetPlan& plan, const std::vector<std::string>& dev
     return Fleet(plan, devices, output).run(threads);
 }
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

@@ -7,11 +7,11 @@
 #include <tuple>
 #include <utility>
 
-#include "tools/vig/EventNames.h"
-#include "tools/vig/Text.h"
-#include "vig/actions/Utf8.h"
+#include "tools/vig/events/EventNames.h"
+#include "tools/vig/words/Text.h"
+#include "vig/base/Utf8.h"
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
 namespace {
 
@@ -72,7 +72,7 @@ void FleetSummary::add(const DeviceResult& result) {
     if (isStorm(result.triggers, result.events)) {
         ++storms;
         // A name has its place by the bytes that are written and read again.
-        worst.push_back({Brenta::OS::VIG::replaceInvalidUtf8(result.device), result.triggers, result.events});
+        worst.push_back({replaceInvalidUtf8(result.device), result.triggers, result.events});
         keepWorst();
     }
 }
@@ -153,4 +153,4 @@ void FleetSummary::keepWorst() {
     }
 }
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

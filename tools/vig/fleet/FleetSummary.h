@@ -8,7 +8,7 @@
 
 #include "tools/vig/trace/Trace.h"
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
 // How often each transition of a device fired, by the indices of the configuration and of the transition.
 using FiredCounts = std::vector<std::vector<std::uint64_t>>;
@@ -105,4 +105,4 @@ struct FleetSummary {
     void keepWorst();
 };
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

@@ -6,11 +6,11 @@
 #include <limits>
 #include <utility>
 
-#include "tools/vig/DocumentText.h"
-#include "tools/vig/StrictJson.h"
+#include "tools/vig/document/DocumentText.h"
+#include "tools/vig/document/StrictJson.h"
 #include "vig/parsers/JsonTokens.h"
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
 namespace {
 
@@ -199,7 +199,7 @@ std::optional<FleetSummary> read(const DocumentText& document, std::vector<std::
 std::optional<FleetSummary> readFleetSummary(const std::string& file, std::size_t lineNumber, std::string_view line,
                                              std::vector<std::string>& errors) {
     // The reader would skip it.
-    if (Brenta::OS::VIG::withoutByteOrderMark(line).size() != line.size()) {
+    if (withoutByteOrderMark(line).size() != line.size()) {
         errors.push_back(fmt::format("{}:{}:1: error: a byte order mark", file, lineNumber));
         return std::nullopt;
     }
@@ -212,4 +212,4 @@ std::optional<FleetSummary> readFleetSummary(const std::string& file, std::size_
     return summary;
 }
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

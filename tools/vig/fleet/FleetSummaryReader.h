@@ -8,7 +8,7 @@
 
 #include "tools/vig/fleet/FleetSummary.h"
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
 // Reads a summary that `vig run --format json` has written, which is the line of that number of the file. Nothing is
 // ignored: what is not part of a summary, or does not fit the rest of it, is an error. Empty if there is one; `errors`
@@ -16,4 +16,4 @@ namespace tool {
 std::optional<FleetSummary> readFleetSummary(const std::string& file, std::size_t lineNumber, std::string_view line,
                                              std::vector<std::string>& errors);
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

@@ -2,9 +2,9 @@
 
 #include <fmt/format.h>
 
-#include "tools/vig/Text.h"
+#include "tools/vig/words/Text.h"
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
 namespace {
 
@@ -89,4 +89,4 @@ std::string jsonOf(const FleetSummary& summary, const std::string& first) {
                        listOf(summary.configs, [](const auto& each) { return jsonOf(each); }));
 }
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

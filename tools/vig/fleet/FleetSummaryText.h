@@ -4,7 +4,7 @@
 
 #include "tools/vig/fleet/FleetSummary.h"
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
 // Aligned lines for a person, without what a terminal would act on.
 std::string textOf(const FleetSummary& summary);
@@ -13,4 +13,4 @@ std::string textOf(const FleetSummary& summary);
 // its keys.
 std::string jsonOf(const FleetSummary& summary, const std::string& first);
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

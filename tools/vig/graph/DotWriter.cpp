@@ -12,9 +12,9 @@
 #include "rulesengine/FiniteStateMachine.h"
 #include "tools/vig/graph/GraphText.h"
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
-using Brenta::OS::RulesEngine::FiniteStateMachine;
+using RulesEngine::FiniteStateMachine;
 
 namespace {
 
@@ -104,7 +104,7 @@ class DotWriter {
     void writeGraph(const RuleGraph& graph, const std::string& name) {
         out += fmt::format(
             "  subgraph cluster_{} {{\n    graph [color=\"#ffffff00\", {}label=<configuration <b>{}</b>{}>]\n", name,
-            tooltip(tool::messagesOf(graph.marks)), graph.id, marksOf(graph.marks, "  "));
+            tooltip(Tool::messagesOf(graph.marks)), graph.id, marksOf(graph.marks, "  "));
         out += fmt::format(
             "    {0} [shape=circle, style=filled, fillcolor=\"{1}\", label=\"\", width=0.13]\n"
             "    {0} -> {0}s0:name\n",
@@ -198,9 +198,9 @@ class DotWriter {
 
     // All that is wrong with a state and with the transitions that leave it: a row cannot have a tooltip of its own.
     static std::string messagesOf(const GraphState& state) {
-        std::string messages = tool::messagesOf(state.marks);
+        std::string messages = Tool::messagesOf(state.marks);
         for (const GraphArrow& arrow : state.arrows) {
-            const std::string ofArrow = tool::messagesOf(arrow.marks);
+            const std::string ofArrow = Tool::messagesOf(arrow.marks);
             if (!ofArrow.empty()) {
                 messages += (messages.empty() ? "" : " · ") + orderOf(arrow) + ": " + ofArrow;
             }
@@ -222,4 +222,4 @@ std::string dotOf(const std::vector<RuleGraph>& graphs, const std::string& repla
     return DotWriter().write(graphs, replay);
 }
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

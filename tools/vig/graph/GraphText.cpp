@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
-#include "tools/vig/Text.h"
+#include "tools/vig/words/Text.h"
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
 namespace {
 
@@ -94,4 +94,4 @@ std::string messagesOf(const std::vector<GraphMark>& marks) {
     return pictureText(messages, kLongestMessage);
 }
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

@@ -7,7 +7,7 @@
 
 #include "tools/vig/graph/RuleGraph.h"
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
 // What the pictures of a machine say, whatever their format. All of it is printable, and cut where it would be too
 // long for a picture; none of it is escaped for the format.
@@ -36,4 +36,4 @@ std::vector<std::string> markLinesOf(const std::vector<GraphMark>& marks);
 // All of the marks' messages, on one line.
 std::string messagesOf(const std::vector<GraphMark>& marks);
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

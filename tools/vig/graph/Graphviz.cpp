@@ -12,10 +12,10 @@
 #include <iterator>
 #include <optional>
 
-#include "tools/vig/Descriptor.h"
-#include "tools/vig/Text.h"
+#include "tools/vig/io/Descriptor.h"
+#include "tools/vig/words/Text.h"
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
 namespace {
 
@@ -159,4 +159,4 @@ Rendering renderGraph(std::string_view dot, const std::string& format, const Int
     return rendering;
 }
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

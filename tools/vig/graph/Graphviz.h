@@ -3,9 +3,9 @@
 #include <string>
 #include <string_view>
 
-#include "tools/vig/Interruption.h"
+#include "tools/vig/io/Interruption.h"
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
 // What came of a run of Graphviz' program `dot`.
 struct Rendering {
@@ -20,4 +20,4 @@ struct Rendering {
 // is ended when the interruption is requested.
 Rendering renderGraph(std::string_view dot, const std::string& format, const Interruption& interruption);
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

@@ -8,9 +8,9 @@
 #include "rulesengine/FiniteStateMachine.h"
 #include "tools/vig/graph/GraphText.h"
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
-using Brenta::OS::RulesEngine::FiniteStateMachine;
+using RulesEngine::FiniteStateMachine;
 
 namespace {
 
@@ -56,7 +56,7 @@ void writeStates(std::string& out, const RuleGraph& graph, const std::string& na
     out += fmt::format("    [*] --> {}s0\n", name);
     for (std::size_t index = 0; index < graph.states.size(); ++index) {
         const GraphState& state = graph.states[index];
-        out += fmt::format("    state \"{}{}\" as {}s{}\n", escaped(tool::labelOf(state)), marksOf(state.marks), name,
+        out += fmt::format("    state \"{}{}\" as {}s{}\n", escaped(Tool::labelOf(state)), marksOf(state.marks), name,
                            index);
     }
     for (std::size_t index = 0; index < graph.states.size(); ++index) {
@@ -96,4 +96,4 @@ std::string mermaidOf(const std::vector<RuleGraph>& graphs) {
     return out;
 }
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

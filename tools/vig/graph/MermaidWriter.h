@@ -5,10 +5,10 @@
 
 #include "tools/vig/graph/RuleGraph.h"
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
 // The graphs as one Mermaid state diagram, for a README. Its lines have no widths and colours: a replay shows as
 // counts.
 std::string mermaidOf(const std::vector<RuleGraph>& graphs);
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

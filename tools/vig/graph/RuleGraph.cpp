@@ -8,11 +8,11 @@
 #include <utility>
 
 #include "rulesengine/FiniteStateMachine.h"
-#include "tools/vig/EventNames.h"
+#include "tools/vig/events/EventNames.h"
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
-using Brenta::OS::RulesEngine::FiniteStateMachine;
+using RulesEngine::FiniteStateMachine;
 
 namespace {
 
@@ -202,4 +202,4 @@ std::vector<RuleGraph> graphsOf(const std::vector<ConfigModel>& configs, const s
     return graphs;
 }
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

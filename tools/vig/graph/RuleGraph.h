@@ -6,11 +6,11 @@
 #include <string>
 #include <vector>
 
-#include "tools/vig/RuleModel.h"
 #include "tools/vig/check/Diagnostic.h"
-#include "tools/vig/trace/TransitionCounts.h"
+#include "tools/vig/document/RuleModel.h"
+#include "tools/vig/graph/TransitionCounts.h"
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
 // A machine of a rule document as a picture shows it. All texts are as the document has them: whoever draws cuts and
 // escapes them.
@@ -62,4 +62,4 @@ inline constexpr std::size_t kMostParallelArrows = 4;
 std::vector<RuleGraph> graphsOf(const std::vector<ConfigModel>& configs, const std::vector<Diagnostic>& findings,
                                 const std::vector<std::vector<Traffic>>& traffic);
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

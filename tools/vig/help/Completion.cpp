@@ -7,7 +7,7 @@
 
 #include "tools/vig/check/WarningNames.h"
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
 namespace {
 
@@ -159,4 +159,4 @@ std::string zshCompletionOf(const ProgramHelp& help) {
     return script + "    esac\n}\n\n_vig \"$@\"\n";
 }
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

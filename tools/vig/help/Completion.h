@@ -4,10 +4,10 @@
 
 #include "tools/vig/help/ProgramHelp.h"
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
 // Scripts that complete the command line in a shell: verbs, options, the words that an option chooses from, files.
 std::string bashCompletionOf(const ProgramHelp& help);
 std::string zshCompletionOf(const ProgramHelp& help);
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

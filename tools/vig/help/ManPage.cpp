@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <string_view>
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
 namespace {
 
@@ -86,4 +86,4 @@ std::string manPageOf(const ProgramHelp& help) {
     return page;
 }
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

@@ -4,9 +4,9 @@
 
 #include "tools/vig/help/ProgramHelp.h"
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
 // The manual page, vig(1), in the language of man(7).
 std::string manPageOf(const ProgramHelp& help);
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

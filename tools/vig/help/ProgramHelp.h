@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
 // What the command line is, as its parser knows it: the manual page and the shell completions are made of this, so that
 // they never differ from --help.
@@ -30,7 +30,4 @@ struct ProgramHelp {
     std::vector<VerbHelp> verbs;
 };
 
-// In CommandLine.cpp, with the parser.
-ProgramHelp programHelp();
-
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

@@ -2,10 +2,10 @@
 
 #include <fmt/format.h>
 
-#include "tools/vig/EventNames.h"
-#include "tools/vig/Text.h"
+#include "tools/vig/events/EventNames.h"
+#include "tools/vig/words/Text.h"
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
 namespace {
 
@@ -101,4 +101,4 @@ void Coverage::step(const Step& step) {
     }
 }
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

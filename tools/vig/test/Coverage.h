@@ -6,7 +6,7 @@
 
 #include "tools/vig/trace/Trace.h"
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
 // What of a rule document any run has reached: transitions that fired, filters that were true and that were false.
 class Coverage final : public Trace {
@@ -56,4 +56,4 @@ class Coverage final : public Trace {
     std::vector<std::vector<Transition>> configs;
 };
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

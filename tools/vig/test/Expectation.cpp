@@ -7,10 +7,10 @@
 #include <unordered_map>
 #include <utility>
 
-#include "tools/vig/PriorityName.h"
-#include "tools/vig/Text.h"
+#include "tools/vig/words/PriorityName.h"
+#include "tools/vig/words/Text.h"
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
 namespace {
 
@@ -350,4 +350,4 @@ Mismatch compare(const Expectation& expected, const Observed& actual) {
     return mismatch;
 }
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

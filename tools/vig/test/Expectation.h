@@ -6,10 +6,10 @@
 #include <string>
 #include <vector>
 
-#include "tools/vig/Report.h"
 #include "tools/vig/test/TestFile.h"
+#include "tools/vig/trace/Report.h"
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
 // Keeps what a run of a test has to tell. A cycle of EnteringState transitions makes a thousand lines of each event, so
 // that of each list no more is kept than a failure can show, beside as many as are expected.
@@ -74,4 +74,4 @@ struct Mismatch {
 
 Mismatch compare(const Expectation& expected, const Observed& actual);
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

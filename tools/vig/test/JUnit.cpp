@@ -6,9 +6,9 @@
 #include <cstddef>
 #include <string_view>
 
-#include "vig/actions/Utf8.h"
+#include "vig/base/Utf8.h"
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
 namespace {
 
@@ -20,7 +20,7 @@ bool isNoCharacter(std::string_view text) {
 }
 
 std::string xml(std::string_view text) {
-    const std::string valid = Brenta::OS::VIG::replaceInvalidUtf8(std::string(text));
+    const std::string valid = replaceInvalidUtf8(std::string(text));
     std::string escaped;
     for (std::size_t place = 0; place < valid.size(); ++place) {
         const char each = valid[place];
@@ -69,4 +69,4 @@ std::string junitXml(const std::vector<TestVerdict>& verdicts) {
     return text + "</testsuites>\n";
 }
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
 // How one test of a file went.
 struct TestVerdict {
@@ -15,4 +15,4 @@ struct TestVerdict {
 // The verdicts as a JUnit report. Text that XML cannot hold is shown as replacement characters.
 std::string junitXml(const std::vector<TestVerdict>& verdicts);
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

@@ -13,19 +13,19 @@
 #include <string_view>
 #include <utility>
 
-#include "tools/vig/Descriptor.h"
-#include "tools/vig/DocumentText.h"
-#include "tools/vig/EventReader.h"
-#include "tools/vig/FileText.h"
-#include "tools/vig/LineReader.h"
-#include "tools/vig/NearestName.h"
-#include "tools/vig/PriorityName.h"
-#include "tools/vig/RecordParser.h"
-#include "tools/vig/RuleDocument.h"
-#include "tools/vig/StrictJson.h"
-#include "tools/vig/Text.h"
+#include "tools/vig/document/DocumentText.h"
+#include "tools/vig/document/StrictJson.h"
+#include "tools/vig/events/EventReader.h"
+#include "tools/vig/events/LineReader.h"
+#include "tools/vig/events/RecordParser.h"
+#include "tools/vig/io/Descriptor.h"
+#include "tools/vig/io/FileText.h"
+#include "tools/vig/run/RuleDocument.h"
+#include "tools/vig/words/NearestName.h"
+#include "tools/vig/words/PriorityName.h"
+#include "tools/vig/words/Text.h"
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
 namespace {
 
@@ -119,7 +119,7 @@ class TestFileReader {
             return known->second;
         }
         const auto events = std::make_shared<std::vector<EventRecord>>();
-        const std::string problem = RuleDocument::whyUnreadable(name);
+        const std::string problem = whyUnreadable(name);
         const Descriptor file(problem.empty() ? open(name.c_str(), O_RDONLY | O_CLOEXEC) : -1);
         if (!file.isOpen()) {
             check.complain(json, path, name + ": " + (problem.empty() ? systemError(errno) : problem));
@@ -271,4 +271,4 @@ std::optional<TestFile> readTestFile(const std::string& path, const Interruption
     return problems.empty() ? std::optional(std::move(file)) : std::nullopt;
 }
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

@@ -6,11 +6,11 @@
 #include <string>
 #include <vector>
 
-#include "tools/vig/AttributeSet.h"
-#include "tools/vig/EventRecord.h"
-#include "tools/vig/Interruption.h"
+#include "tools/vig/events/AttributeSet.h"
+#include "tools/vig/events/EventRecord.h"
+#include "tools/vig/io/Interruption.h"
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
 // A trigger that a test expects. What is not given may be anything.
 struct ExpectedTrigger {
@@ -65,4 +65,4 @@ struct TestFile {
 std::optional<TestFile> readTestFile(const std::string& path, const Interruption& interruption,
                                      std::vector<std::string>& errors);
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

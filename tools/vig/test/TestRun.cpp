@@ -8,7 +8,7 @@
 #include "tools/vig/trace/ExplainText.h"
 #include "tools/vig/trace/WhyNot.h"
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
 namespace {
 
@@ -143,4 +143,4 @@ TestOutcome runTest(const std::string& rules, const TestCase& test, Trace& trace
     return outcome;
 }
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

@@ -3,12 +3,12 @@
 #include <string>
 #include <vector>
 
-#include "tools/vig/Interruption.h"
-#include "tools/vig/RuleSession.h"
+#include "tools/vig/io/Interruption.h"
+#include "tools/vig/run/RuleSession.h"
 #include "tools/vig/test/TestFile.h"
 #include "tools/vig/trace/Trace.h"
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
 // How a test went.
 struct TestOutcome {
@@ -20,4 +20,4 @@ struct TestOutcome {
 // Runs a test of the rules. The trace sees the whole run. A test that fails is run once more for the explanation.
 TestOutcome runTest(const std::string& rules, const TestCase& test, Trace& trace, const Interruption& interruption);
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

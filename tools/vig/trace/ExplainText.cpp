@@ -6,10 +6,10 @@
 #include <cmath>
 #include <cstddef>
 
-#include "tools/vig/EventNames.h"
-#include "tools/vig/Text.h"
+#include "tools/vig/events/EventNames.h"
+#include "tools/vig/words/Text.h"
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
 namespace {
 
@@ -177,4 +177,4 @@ std::string whyNotJson(const WhyNot& answer) {
         jsonArray(answer.stops(), filterJson));
 }
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

@@ -6,7 +6,7 @@
 #include "tools/vig/trace/Trace.h"
 #include "tools/vig/trace/WhyNot.h"
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
 // A step as a tree, one line an element, without what a terminal would act on. The first line is the root; a step
 // that concerns no transition has no other.
@@ -19,4 +19,4 @@ std::vector<std::string> whyNotLines(const WhyNot& answer);
 std::string explainJson(const Step& step);
 std::string whyNotJson(const WhyNot& answer);
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

@@ -10,16 +10,16 @@
 #include "rulesengine/FiniteStateMachine.h"
 #include "rulesengine/State.h"
 #include "rulesengine/Transition.h"
-#include "tools/vig/RuleModel.h"
+#include "tools/vig/document/RuleModel.h"
 #include "vig/parsers/VIGConfig.h"
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
 // A machine in its start state like the one that the library made of the model, but for the filters:
 // `filtersOf(transition, index)` gives those of each transition. Actions are shared.
-std::unique_ptr<Brenta::OS::RulesEngine::FiniteStateMachine> rebuilt(
-    Brenta::OS::RulesEngine::FiniteStateMachine& original, const ConfigModel& model, const auto& filtersOf) {
-    auto machine = std::make_unique<Brenta::OS::RulesEngine::FiniteStateMachine>();
+std::unique_ptr<RulesEngine::FiniteStateMachine> rebuilt(RulesEngine::FiniteStateMachine& original,
+                                                         const ConfigModel& model, const auto& filtersOf) {
+    auto machine = std::make_unique<RulesEngine::FiniteStateMachine>();
     std::map<std::string_view, std::size_t> taken;  // of each state's transitions
     for (std::size_t index = 0; index < model.transitions.size(); ++index) {
         const TransitionModel& each = model.transitions[index];
@@ -31,11 +31,8 @@ std::unique_ptr<Brenta::OS::RulesEngine::FiniteStateMachine> rebuilt(
 }
 
 // The same for all configurations of a document: `filtersOf(transition, config, index)`.
-std::vector<std::unique_ptr<Brenta::OS::VIG::VIGConfig>> rebuilt(
-    const std::vector<std::unique_ptr<Brenta::OS::VIG::VIGConfig>>& configs, const std::vector<ConfigModel>& models,
-    const auto& filtersOf) {
-    using Brenta::OS::VIG::VIGConfig;
-    using Brenta::OS::VIG::VIGConfigPayload;
+std::vector<std::unique_ptr<VIGConfig>> rebuilt(const std::vector<std::unique_ptr<VIGConfig>>& configs,
+                                                const std::vector<ConfigModel>& models, const auto& filtersOf) {
     std::vector<std::unique_ptr<VIGConfig>> result;
     for (std::size_t config = 0; config < configs.size(); ++config) {
         const VIGConfigPayload& payload = *configs[config]->getConfigPayload();
@@ -49,4 +46,4 @@ std::vector<std::unique_ptr<Brenta::OS::VIG::VIGConfig>> rebuilt(
     return result;
 }
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

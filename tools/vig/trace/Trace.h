@@ -9,11 +9,11 @@
 #include <vector>
 
 #include "rulesengine/EventType.h"
-#include "tools/vig/DocumentText.h"
-#include "tools/vig/Report.h"
-#include "tools/vig/RuleModel.h"
+#include "tools/vig/document/DocumentText.h"
+#include "tools/vig/document/RuleModel.h"
+#include "tools/vig/trace/Report.h"
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
 // What one side of a filter was when it was compared.
 struct ComparedValue {
@@ -44,7 +44,7 @@ struct Step {
     std::optional<std::int64_t> timeMs;  // of its record
     MachineName machine;
     std::string_view state;
-    Brenta::OS::RulesEngine::EventType type;
+    RulesEngine::EventType type;
     bool raised;                    // by the machine itself
     std::vector<Attempt> attempts;  // only the last one can have fired
 
@@ -76,4 +76,4 @@ class Trace {
     virtual void step(const Step& step) = 0;
 };
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

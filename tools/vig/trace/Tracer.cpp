@@ -11,18 +11,14 @@
 #include "tools/vig/trace/RebuiltMachines.h"
 #include "vig/parsers/NumberText.h"
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
-using Brenta::OS::RulesEngine::EvaluationContext;
-using Brenta::OS::RulesEngine::Event;
-using Brenta::OS::RulesEngine::EventType;
-using Brenta::OS::RulesEngine::Filter;
-using Brenta::OS::RulesEngine::FuncFilter;
-using Brenta::OS::RulesEngine::Transition;
-using Brenta::OS::VIG::FilterOperand;
-using Brenta::OS::VIG::FilterValueType;
-using Brenta::OS::VIG::VIGConfig;
-using Brenta::OS::VIG::VIGParserConfig;
+using RulesEngine::EvaluationContext;
+using RulesEngine::Event;
+using RulesEngine::EventType;
+using RulesEngine::Filter;
+using RulesEngine::FuncFilter;
+using RulesEngine::Transition;
 
 TracedDocument::TracedDocument(std::string fileName, std::string content)
     : text(std::move(fileName), std::move(content)) {
@@ -91,11 +87,11 @@ std::string constantOf(const std::string& text) {
 }
 template <>
 std::int64_t constantOf(const std::string& text) {
-    return Brenta::OS::VIG::readNearestInt64(text);
+    return readNearestInt64(text);
 }
 template <>
 double constantOf(const std::string& text) {
-    return Brenta::OS::VIG::readNearestDouble(text);
+    return readNearestDouble(text);
 }
 
 // Of an event or a context.
@@ -254,4 +250,4 @@ void Tracer::end() {
     recorder->end();
 }
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

@@ -12,7 +12,7 @@
 #include "vig/parsers/VIGConfig.h"
 #include "vig/parsers/VIGParserConfig.h"
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
 class StepRecorder;
 
@@ -27,15 +27,14 @@ class Tracer {
     ~Tracer();
 
     // The same registry, whose functions tell what they return. A document has to be parsed with it. Any thread.
-    Brenta::OS::VIG::VIGParserConfig registryFrom(const Brenta::OS::VIG::VIGParserConfig& library) const;
+    VIGParserConfig registryFrom(const VIGParserConfig& library) const;
 
     // Watched configurations in place of those that the library made of the text.
-    std::vector<std::unique_ptr<Brenta::OS::VIG::VIGConfig>> watch(
-        std::string fileName, std::string text,
-        const std::vector<std::unique_ptr<Brenta::OS::VIG::VIGConfig>>& configs);
+    std::vector<std::unique_ptr<VIGConfig>> watch(std::string fileName, std::string text,
+                                                  const std::vector<std::unique_ptr<VIGConfig>>& configs);
 
     // To be called around each call that drives a machine. `raised` is whether the machine makes the event itself.
-    void begin(std::uint64_t event, Brenta::OS::RulesEngine::EventType type, std::optional<std::int64_t> timeMs,
+    void begin(std::uint64_t event, RulesEngine::EventType type, std::optional<std::int64_t> timeMs,
                MachineName machine, std::string_view state, bool raised);
     void end();
 
@@ -44,4 +43,4 @@ class Tracer {
     std::unique_ptr<TracedDocument> document;
 };
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

@@ -4,12 +4,10 @@
 #include <cmath>
 #include <string_view>
 
-#include "tools/vig/NearestName.h"
-#include "tools/vig/Text.h"
+#include "tools/vig/words/NearestName.h"
+#include "tools/vig/words/Text.h"
 
-namespace tool {
-
-using Brenta::OS::VIG::FilterOperator;
+namespace Brenta::OS::VIG::Tool {
 
 namespace {
 
@@ -120,4 +118,4 @@ void WhyNot::count(const Step& step, const Attempt& attempt) {
     }
 }
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

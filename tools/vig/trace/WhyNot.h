@@ -9,7 +9,7 @@
 
 #include "tools/vig/trace/Trace.h"
 
-namespace tool {
+namespace Brenta::OS::VIG::Tool {
 
 // Counts over a whole run what became of one transition, and what kept it from firing.
 class WhyNot final : public Trace {
@@ -73,4 +73,4 @@ class WhyNot final : public Trace {
     std::vector<Stops> stopsByFilter;
 };
 
-}  // namespace tool
+}  // namespace Brenta::OS::VIG::Tool

@@ -1,0 +1,407 @@
+#include "tools/vig/events/EventReader.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+#include <zlib.h>
+#include <zstd.h>
+
+#include <algorithm>
+#include <bit>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "rulesengine/EvaluationContext.h"
+#include "tests/tools/ToolRun.h"
+#include "tools/vig/events/RecordedEvents.h"
+
+namespace Brenta::OS::VIG::Tool {
+
+namespace {
+
+using RulesEngine::Event;
+using RulesEngine::EventType;
+using support::MemoryFile;
+using Names = std::vector<std::string_view>;
+
+// The records up to the end or the error, which is in `error`.
+struct ReadAll {
+    explicit ReadAll(std::string_view text) {
+        const MemoryFile file(text);
+        const Interruption interruption;
+        EventReader reader(file.descriptor, "events.jsonl", interruption, [] {});
+        EventRecord record;
+        EventReader::Status status;
+        while ((status = reader.next(record)) == EventReader::Status::Record) {
+            records.push_back(record);
+        }
+        error = status == EventReader::Status::Failed ? reader.error() : "";
+        bytes = reader.bytesRead();
+    }
+
+    std::vector<EventRecord> records;
+    std::string error;
+    std::uint64_t bytes;
+};
+
+TEST(EventReader, RecordBecomesAnEventWithTheAttributesOfEachKind) {
+    const ReadAll all(
+        R"( {"int64" : {"vmSwapKB":24,"vmRssKB":-9223372036854775808},"event":"ProcessMemoryHeartBeat",)"
+        R"("uint64":{"most":18446744073709551615},"double":{"whole":90,"half":-0.5},"time_ms":1200,)"
+        R"("bool":{"yes":true,"no":false},"string":{"processName":"c\u0061m\n\ud83d\ude00","empty":"","\u00e9":"","":""}})");
+    ASSERT_EQ(all.error, "");
+    ASSERT_EQ(all.records.size(), 1u);
+    const EventRecord& record = all.records[0];
+    EXPECT_EQ(record.timeMs, 1200);
+    const RecordedEvent event(record.attributes, record.type);
+    EXPECT_EQ(event.type, EventType::ProcessMemoryHeartBeat);
+    EXPECT_EQ(event.getUint64Attr("most"), 18446744073709551615u);
+    EXPECT_EQ(event.getInt64Attr("vmRssKB"), INT64_MIN);
+    EXPECT_EQ(event.getInt64Attr("vmSwapKB"), 24);
+    EXPECT_EQ(event.getDoubleAttr("whole"), 90.0);
+    EXPECT_EQ(event.getDoubleAttr("half"), -0.5);
+    EXPECT_EQ(event.getBoolAttr("yes"), true);
+    EXPECT_EQ(event.getBoolAttr("no"), false);
+    EXPECT_EQ(event.getStringAttr("processName"), "cam\n\xF0\x9F\x98\x80");
+    EXPECT_EQ(event.getStringAttr("empty"), "");
+    EXPECT_EQ(event.keys(Event::ValueType::String), (Names{"", "empty", "processName", "\xC3\xA9"}));
+
+    // Each kind stands for itself.
+    EXPECT_FALSE(event.getDoubleAttr("vmRssKB"));
+    EXPECT_FALSE(event.getInt64Attr("whole"));
+    EXPECT_FALSE(event.getUint64Attr("vmRssK"));
+    EXPECT_FALSE(event.getBoolAttr("vmRssKBs"));
+}
+
+TEST(EventReader, NothingOfARecordIsLeftInTheNext) {
+    const ReadAll all(R"({"event":"Timeout","timeout_id":3,"time_ms":1,"uint64":{"a":1},"int64":{"a":1},)"
+                      R"("double":{"a":1},"bool":{"a":true},"string":{"a":""}})"
+                      "\n{\"event\":\"Test\"}");
+    ASSERT_EQ(all.records.size(), 2u) << all.error;
+    EXPECT_EQ(all.records[0].timeoutId, 3);
+    EXPECT_TRUE(all.records[1] == EventRecord{.type = EventType::Test});
+}
+
+TEST(EventReader, BadLineIsReportedWithItsPlaceAndTheKeyAtFault) {
+    const std::string syntax = "invalid JSON: a brace, comma, colon, key or value is missing or too many";
+    const struct {
+        std::string_view line;
+        std::string message;
+    } cases[] = {
+        {R"({"event":"Test","int64":{"vmRssKB":"abc"}})",
+         R"(int64.vmRssKB: expected a signed 64-bit integer, got "abc")"},
+        {R"({"event":"Test","int64":{"a":1.5}})", "int64.a: expected a signed 64-bit integer, got 1.5"},
+        {R"({"event":"Test","int64":{"a":null , "b":1}})", "int64.a: expected a signed 64-bit integer, got null"},
+        {R"({"event":"Test","int64":{"a":{}}})", "int64.a: expected a signed 64-bit integer, got an object"},
+        {R"({"event":"Test","int64":{"a":}})", "int64.a: expected a signed 64-bit integer, got nothing"},
+        {R"({"event":"Test","int64":{"a":01}})", "int64.a: expected a signed 64-bit integer, got 01"},
+        {R"({"event":"Test","int64":{"a":9223372036854775808}})",
+         "int64.a: expected a signed 64-bit integer, got 9223372036854775808, which is out of its range"},
+        {R"({"event":"Test","uint64":{"a":-1}})",
+         "uint64.a: expected an unsigned 64-bit integer, got -1, which is out of its range"},
+        {R"({"event":"Test","double":{"a":"1"}})", R"(double.a: expected a number, got "1")"},
+        {R"({"event":"Test","double":{"a":1e999}})",
+         "double.a: expected a number, got 1e999, which is out of its range"},
+        {R"({"event":"Test","double":{"a":NaN}})", "double.a: expected a number, got NaN"},
+        {R"({"event":"Test","bool":{"a":1}})", "bool.a: expected true or false, got 1"},
+        {R"({"event":"Test","string":{"a b":5}})", R"(string."a b": expected a string, got 5)"},
+        {R"({"event":"Test","string":{"a.b":5}})", R"(string."a.b": expected a string, got 5)"},
+        {R"({"event":"Test","string":{"a:b":5}})", R"(string."a:b": expected a string, got 5)"},
+        {R"({"event":"Test","string":{"a":"\ud800"}})", "string.a: a string has an invalid escape"},
+        {R"({"event":"Test","string":["a"]})", "string: expected an object, got an array"},
+        {R"({"event":"Test","uint64":{"a":-00}})", "uint64.a: expected an unsigned 64-bit integer, got -00"},
+        {R"({"event":"Test","double":{"a":0.754118209207529815453E309}})",
+         "double.a: expected a number, got 0.754118209207529815453E309, which is out of its range"},
+        {R"({"event":"Test","double":{"a":-4e-326}})",
+         "double.a: expected a number, got -4e-326, which is out of its range"},
+        {R"({"event":"Test","double":{"a":.5}})", "double.a: expected a number, got .5"},
+        {R"({"event":"Test","double":{"a":1.}})", "double.a: expected a number, got 1."},
+        {R"({"event":"Test","double":{"a":1e+}})", "double.a: expected a number, got 1e+"},
+        {R"({"event":"Test","double":{"a":00}})", "double.a: expected a number, got 00"},
+        {R"({"event":"Test","uint64":{"b":1,"a":1,"\u0062":1}})", "uint64.b: given twice"},
+        {R"({"event":"Test","int64":{"b":1,"a":1,"b":2}})", "int64.b: given twice"},
+        {R"({"event":"Test","double":{"b":1,"b":1}})", "double.b: given twice"},
+        {R"({"event":"Test","bool":{"b":true,"a":true,"b":false}})", "bool.b: given twice"},
+        {R"({"event":"Test","string":{"":"","a":"","":""}})", "string.\"\": given twice"},
+        {R"({"event":"Test","uint64":{},"int64":{},"uint64":{}})", "uint64: given twice"},
+        {R"({"event":"Test","int64":{},"\u0069nt64":{}})", "int64: given twice"},
+        {R"({"event":"Test","double":{"a":1},"double":{}})", "double: given twice"},
+        {R"({"bool":{},"event":"Test","bool":{}})", "bool: given twice"},
+        {R"({"event":"Test","string":{},"string":{"a":""}})", "string: given twice"},
+        {R"({"event":"Test","event":"Test"})", "event: given twice"},
+        {R"({"event":"Test","time_ms":1,"time_ms":1})", "time_ms: given twice"},
+        {R"({"event":"Timeout","timeout_id":1,"timeout_id":1})", "timeout_id: given twice"},
+        {"\xEF\xBB\xBF{\"event\":\"Test\"}", "expected a JSON object, got \xEF\xBB\xBF{\"event\":\"Test\"}"},
+        {R"({"event":"ProcessMemoryHeartbeat"})",
+         R"(event: unknown event "ProcessMemoryHeartbeat"; did you mean "ProcessMemoryHeartBeat"?)"},
+        {R"({"event":"Xyzzy"})", R"(event: unknown event "Xyzzy")"},
+        {R"({"event":7})", "event: expected a string, got 7"},
+        {R"({"int64":{"a":1}})", "event: missing"},
+        {R"({"event":"Timeout"})", "timeout_id: missing, which a Timeout event needs"},
+        {R"({"event":"Test","timeout_id":3})", "timeout_id: only a Timeout event has one"},
+        {R"({"event":"Test","time_ms":"1"})", R"(time_ms: expected a signed 64-bit integer, got "1")"},
+        {R"({"event":"Test","int":{"a":1}})", R"(int: unknown key; did you mean "int64"?)"},
+        {R"({"event":"Test","vmRssKB":1})", "vmRssKB: unknown key"},
+        {R"(["event"])", "expected a JSON object, got an array"},
+        {R"("event")", R"(expected a JSON object, got "event")"},
+        {R"({"event":"Test"} {"event":"Test"})", "something follows after the object"},
+        {R"({"event":"Test")", syntax},
+        {R"({"event":"Test","int64":{"a":1})", syntax},
+        {R"({"event":"Test","int64":{"a":1,}})", "int64: " + syntax},
+        {R"({"event":"Te)", "a string is not closed"},
+        {"{\"event\":\"Test\",\"string\":{\"a\":\"\xFF\"}}", "invalid UTF-8"},
+        {"{\"event\":\"Test\",\"string\":{\"a\":\"\t\"}}", "a control character in a string has to be escaped"},
+    };
+    for (const auto& each : cases) {
+        // What follows a line does not repair it.
+        const ReadAll all("{\"event\":\"Test\"}\n\n" + std::string(each.line) + "\n}}}\n");
+        EXPECT_EQ(all.records.size(), 1u) << each.line;
+        EXPECT_EQ(all.error, "events.jsonl:3: error: " + each.message) << each.line;
+    }
+}
+
+TEST(EventReader, TextOfAnyLengthIsShownByItsBeginning) {
+    const std::string name(1000, 'n');
+    const std::string digits(70, '9');
+    const std::pair<std::string, std::string> cases[] = {
+        {'"' + name + "\":1", name.substr(0, 64) + "…: unknown key"},
+        {R"("int64":{")" + name + "\":\"\"}",
+         "int64." + name.substr(0, 64) + "…: expected a signed 64-bit integer, got \"\""},
+        {R"("int64":{"a":)" + digits + "}",
+         "int64.a: expected a signed 64-bit integer, got " + digits.substr(0, 64) + "…, which is out of its range"},
+        {R"("event":")" + name + "\"", "event: unknown event \"" + name.substr(0, 64) + "…\""},
+    };
+    for (const auto& [member, message] : cases) {
+        EXPECT_EQ(ReadAll("{" + member + "}").error, "events.jsonl:1: error: " + message);
+    }
+}
+
+TEST(EventReader, NumbersHaveTheValueThatIsNearest) {
+    const std::pair<std::string, double> cases[] = {
+        {"0.12345678901234567890", 0.12345678901234567890},  // 22 characters
+        {"-0.99999999999999999999", -1.0},
+        {"0.00000000000000000000000000123456789012345678901", 1.23456789012345678901e-27},
+        {"0.51730597866512478594", 0.51730597866512478594},
+        {"94.07325221745E-0309", 94.07325221745E-309},
+        {"5e-324", 5e-324},
+        {"1.7976931348623157e308", 1.7976931348623157e308},
+        {"17976931348623157081452742373170435679807056752584e259", 1.7976931348623157e308},
+        {"0E100000000000000000000", 0.0},
+        {"0.000e-99999999999999999999", 0.0},
+        {"-0", -0.0},
+        {"1e0000000000000000000000005", 1e5},
+    };
+    for (const auto& [text, value] : cases) {
+        const ReadAll all(R"({"event":"Test","double":{"a": )" + text + " }}");
+        ASSERT_EQ(all.error, "");
+        EXPECT_EQ(std::bit_cast<std::uint64_t>(all.records.at(0).attributes.find<double>("a").value()),
+                  std::bit_cast<std::uint64_t>(value))
+            << text;
+    }
+    const ReadAll zeros(R"({"event":"Test","uint64":{"a":-0 ,"b":0},"int64":{"a":-0}})");
+    ASSERT_EQ(zeros.error, "");
+    EXPECT_EQ(zeros.records.at(0).attributes.find<std::uint64_t>("a"), 0u);
+    EXPECT_EQ(zeros.records.at(0).attributes.find<std::int64_t>("a"), 0);
+}
+
+TEST(EventReader, LinesMayEndInAnyWayAndBeLongerThanTheBuffer) {
+    const std::string longName(700'000, 'n');
+    std::string text = "\xEF\xBB\xBF{\"event\":\"Test\"}\r\n \t\r\n\n";
+    text += R"({"event":"Test","string":{"a":")" + longName + "\"}}\n";
+    for (int i = 0; i < 20'000; ++i) {
+        text += R"({"event":"Test","int64":{"i":)" + std::to_string(i) + "}}\n";
+    }
+    text.pop_back();
+    const ReadAll all(text);
+    ASSERT_EQ(all.error, "");
+    ASSERT_EQ(all.records.size(), 20'002u);
+    EXPECT_EQ(all.bytes, text.size());
+    EXPECT_EQ(all.records[1].attributes.find<std::string_view>("a"), longName);
+    for (int i = 0; i < 20'000; ++i) {
+        ASSERT_EQ(all.records[static_cast<std::size_t>(i) + 2].attributes.find<std::int64_t>("i"), i);
+    }
+}
+
+TEST(EventReader, WhatHasArrivedFromAPipeIsHandedOutBeforeWaitingForMore) {
+    int ends[2];
+    ASSERT_EQ(pipe(ends), 0);
+    const auto send = [&](std::string_view text) {
+        ASSERT_EQ(write(ends[1], text.data(), text.size()), static_cast<ssize_t>(text.size()));
+    };
+    Interruption interruption;
+    int waits = 0;
+    EventReader reader(ends[0], "<stdin>", interruption, [&] {
+        if (++waits == 1) {
+            send("\"Test\"}\n");
+        } else {
+            interruption.request();
+        }
+    });
+    EventRecord record;
+    send("{\"event\":\"ZramHeartBeat\"}\n{\"event\":");
+    EXPECT_EQ(reader.next(record), EventReader::Status::Record);
+    EXPECT_EQ(record.type, EventType::ZramHeartBeat);
+    EXPECT_EQ(waits, 0);
+    EXPECT_EQ(reader.next(record), EventReader::Status::Record);
+    EXPECT_EQ(record.type, EventType::Test);
+    EXPECT_EQ(waits, 1);
+    EXPECT_EQ(reader.next(record), EventReader::Status::Interrupted);
+    close(ends[0]);
+    close(ends[1]);
+    const MemoryFile file("{\"event\":\"Test\"}\n");
+    EXPECT_EQ(EventReader(file.descriptor, "file", interruption, [] {}).next(record), EventReader::Status::Interrupted);
+}
+
+TEST(EventReader, ShortestLinesOfAPipeAreNotKeptWaiting) {
+    for (const std::string_view line : {"{}\n", "x\n", "\x28\n"}) {
+        int ends[2];
+        ASSERT_EQ(pipe(ends), 0);
+        ASSERT_EQ(write(ends[1], line.data(), line.size()), static_cast<ssize_t>(line.size()));
+        const Interruption interruption;
+        EventReader reader(ends[0], "pipe", interruption, [&] {
+            ADD_FAILURE() << "waits after " << line;
+            close(ends[1]);
+        });
+        EventRecord record;
+        EXPECT_EQ(reader.next(record), EventReader::Status::Failed);
+        close(ends[0]);
+        close(ends[1]);
+    }
+}
+
+TEST(EventReader, WhatCannotBeReadIsNamed) {
+    const int folder = open("/", O_RDONLY | O_DIRECTORY);
+    const Interruption interruption;
+    EventReader reader(folder, "here", interruption, [] {});
+    EventRecord record;
+    EXPECT_EQ(reader.next(record), EventReader::Status::Failed);
+    EXPECT_EQ(reader.error(), "vig: error: here: Is a directory");
+    close(folder);
+}
+
+// Of deflate or zstd, by the library that made the format.
+std::string gzipped(std::string_view text) {
+    std::string result(text.size() + 1000, '\0');
+    z_stream stream = {};
+    deflateInit2(&stream, 9, Z_DEFLATED, MAX_WBITS + 16, 8, Z_DEFAULT_STRATEGY);
+    stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(text.data()));
+    stream.avail_in = static_cast<uInt>(text.size());
+    stream.next_out = reinterpret_cast<Bytef*>(result.data());
+    stream.avail_out = static_cast<uInt>(result.size());
+    EXPECT_EQ(deflate(&stream, Z_FINISH), Z_STREAM_END);
+    result.resize(stream.total_out);
+    deflateEnd(&stream);
+    return result;
+}
+
+std::string zstandard(std::string_view text) {
+    std::string result(ZSTD_compressBound(text.size()), '\0');
+    ZSTD_CCtx* const context = ZSTD_createCCtx();
+    ZSTD_CCtx_setParameter(context, ZSTD_c_checksumFlag, 1);
+    result.resize(ZSTD_compress2(context, result.data(), result.size(), text.data(), text.size()));
+    ZSTD_freeCCtx(context);
+    return result;
+}
+
+TEST(EventReader, CompressedDataIsReadInAllItsPartsAndWhatIsNoneIsAnError) {
+    std::string many;
+    for (int i = 0; i < 20'000; ++i) {
+        many += "{\"event\":\"Test\",\"time_ms\":" + std::to_string(i) + "}\n";
+    }
+    const std::string skippable("\x5F\x2A\x4D\x18\x03\0\0\0abc", 11);
+    const std::string longest = "{\"event\":\"Test\"}\n" + std::string(std::size_t{1} << 24, ' ');
+    const std::string tooLong =
+        "events.jsonl:2: error: the line has more than 16777216 bytes, the most that is read of compressed data";
+    // Frames of an empty block, which ask for 128 and for 256 MiB.
+    const std::string largestWindow("\x28\xB5\x2F\xFD\x00\x88\x01\x00\x00", 9);
+    const std::string largerWindow("\x28\xB5\x2F\xFD\x00\x90\x01\x00\x00", 9);
+    const auto cut = [](const std::string& data) { return data.substr(0, data.size() - 9); };
+    const auto flipped = [](std::string data) {
+        data[data.size() - 2] = static_cast<char>(data[data.size() - 2] ^ 1);
+        return data;
+    };
+    const struct {
+        std::string data;
+        std::size_t records;  // at least, where the data ends too early, since zlib gives what it has in parts
+        std::string error;
+    } cases[] = {
+        {gzipped(many), 20'000, ""},
+        {zstandard(many), 20'000, ""},
+        {gzipped("{\"event\":\"Te") + gzipped("") + gzipped("st\"}\n"), 1, ""},
+        {skippable + zstandard("{\"event\":\"Te") + skippable + zstandard("st\"}"), 1, ""},
+        {gzipped(many) + std::string(200'000, '\0'), 20'000, ""},
+        {gzipped(many) + std::string(9, '\0') + gzipped(many), 20'000, "the gzip data is corrupt (data error)"},
+        {gzipped(many).substr(0, 20'000), 0, "the gzip data is truncated"},
+        {zstandard(many).substr(0, 1000), 0, "the zstd data is truncated"},
+        {largestWindow, 0, ""},
+        {largerWindow, 0, "the zstd data is corrupt (Frame requires too much memory for decoding)"},
+        {"\x1F\x8B", 0, "the gzip data is truncated"},
+        {flipped(gzipped(many)), 20'000, "the gzip data is corrupt (incorrect length check)"},
+        {flipped(zstandard(many)), 20'000, "the zstd data is corrupt (Restored data doesn't match checksum)"},
+        {flipped(zstandard("{\"event\":\"Test\"}\n")), 1,
+         "the zstd data is corrupt (Restored data doesn't match checksum)"},
+        {gzipped(many) + "more", 20'000, "the gzip data is corrupt (incorrect header check)"},
+        {zstandard(many) + "more", 20'000, "the zstd data is corrupt (Unknown frame descriptor)"},
+        {gzipped(longest), 1, ""},
+        {zstandard(longest + "\n{\"event\":\"Test\"}"), 2, ""},
+        {gzipped(longest + " "), 1, tooLong},
+        {cut(gzipped(longest + std::string(std::size_t{1} << 26, ' '))), 1, tooLong},  // not read to its end
+        {zstandard(longest + " \n{\"event\":\"Test\"}"), 1, tooLong},
+        {longest + " \n{\"event\":\"Test\"}", 2, ""},
+        {"\x28\xB5\x2F", 0, "events.jsonl:1: error: "},
+    };
+    for (const auto& each : cases) {
+        const ReadAll all(each.data);
+        EXPECT_TRUE(all.error.find(each.error) != std::string::npos && all.error.empty() == each.error.empty())
+            << all.error << " instead of " << each.error;
+        EXPECT_GE(all.records.size(), each.records) << each.error;
+    }
+}
+
+TEST(EventReader, CompressedRecordsArriveOverAPipeAsSoonAsTheirBytes) {
+    std::string text;
+    for (int i = 0; i < 10'000; ++i) {
+        text += "{\"event\":\"Test\"}\n";
+    }
+    const struct {
+        std::string data;
+        std::size_t piece;
+        int records;
+    } cases[] = {
+        {gzipped("{\"event\":\"Test\"}\n"), 1, 1},
+        {zstandard("{\"event\":\"Test\"}\n"), 1, 1},
+        {gzipped(text), text.size(), 10'000},
+        {zstandard(text), text.size(), 10'000},
+    };
+    for (const auto& each : cases) {
+        int ends[2];
+        ASSERT_EQ(pipe(ends), 0);
+        const Interruption interruption;
+        std::string_view rest = each.data;
+        int read = 0;
+        EventReader reader(ends[0], "events.jsonl", interruption, [&] {
+            if (rest.empty()) {
+                EXPECT_EQ(read, each.records);
+                close(ends[1]);
+            } else {
+                const ssize_t sent = write(ends[1], rest.data(), std::min(each.piece, rest.size()));
+                ASSERT_GT(sent, 0);
+                rest.remove_prefix(static_cast<std::size_t>(sent));
+            }
+        });
+        EventRecord record;
+        while (reader.next(record) == EventReader::Status::Record) {
+            ++read;
+        }
+        EXPECT_EQ(read, each.records);
+        EXPECT_EQ(reader.error(), "");
+        close(ends[0]);
+    }
+}
+
+}  // namespace
+
+}  // namespace Brenta::OS::VIG::Tool

@@ -1,0 +1,169 @@
+#include "tools/vig/watch/SystemSampler.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "tests/support/TemporaryFolder.h"
+#include "tests/tools/ToolRun.h"
+#include "tools/vig/events/EventWriter.h"
+
+namespace Brenta::OS::VIG::Tool {
+
+namespace {
+
+namespace fs = std::filesystem;
+using Strings = std::vector<std::string>;
+
+// A made-up machine, sampled once a second on a clock of its own.
+class SystemSamplerTest : public testing::Test {
+  protected:
+    void write(const std::string& path, const std::string& text) {
+        fs::create_directories(machine.path(path).parent_path());
+        machine.write(path, text);
+    }
+
+    void addProcess(int pid, const std::string& name, const std::string& rest, long ticks, int startTime = 5) {
+        const std::string folder = "proc/" + std::to_string(pid);
+        write(folder + "/status", "Name:\t" + name + "\nPid:\t" + std::to_string(pid) + "\n" + rest);
+        write(folder + "/stat", std::to_string(pid) + " (" + name + ") S 1 1 1 0 -1 0 0 0 0 0 " +
+                                    std::to_string(ticks) + " 0 0 0 20 0 1 0 " + std::to_string(startTime) + " 1 1\n");
+    }
+
+    // The events as records, without what is the same in all of them.
+    Strings sample() {
+        const support::MemoryFile file;
+        Output output(file.descriptor);
+        sampler.sample(1200, [&](const EventRecord& record) { writeEvent(output, record); });
+        output.flush();
+        now += std::chrono::seconds(1);
+        Strings records;
+        for (std::string& line : support::linesWith(file.content(), "")) {
+            const std::string time = ",\"time_ms\":1200";
+            records.push_back(line.erase(line.find(time), time.size()).substr(10));
+        }
+        return records;
+    }
+
+    static std::string memory(int pid, const std::string& name) {
+        return R"(ProcessMemoryHeartBeat","int64":{"pid":)" + std::to_string(pid) +
+               R"(,"vmRssKB":100,"vmSwapKB":0},"string":{"processName":")" + name + "\"}}";
+    }
+
+    static std::string cpu(int pid, const std::string& name, const std::string& percent) {
+        return R"(ProcessCpuHeartBeat","int64":{"pid":)" + std::to_string(pid) + R"(},"double":{"cpuAvgUtilization":)" +
+               percent + R"(},"string":{"processName":")" + name + "\"}}";
+    }
+
+    const support::TemporaryFolder machine;
+    const long second = sysconf(_SC_CLK_TCK);
+    std::chrono::nanoseconds now{0};
+    Strings notes;
+    SystemSampler sampler{machine.path("proc"), machine.path("sys"), [this] { return now; },
+                          [this](std::string_view note) { notes.emplace_back(note); }};
+};
+
+TEST_F(SystemSamplerTest, SystemMemoryComesBeforeZramDevicesAndProcessesByPid) {
+    write("proc/meminfo", "MemTotal:       4000 kB\nMemFree:  3000 kB\nHugePages_Total:  7\nCached: 20 kB\n");
+    write("proc/pressure/memory",
+          "some avg10=1.50 avg60=0.25 avg300=0.00 total=12\nfull avg10=0.50 avg60=0.00 avg300=0.00 total=1\n");
+    write("sys/block/zram10/mm_stat", "1 2 3 4 5 6 7 8 9 10\n");
+    write("sys/block/zram2/mm_stat", " 8192   74 12288  0 16384  0  0\n");
+    write("sys/block/sda/mm_stat", "1 2 3\n");
+    addProcess(12, "late", "VmRSS:\t     100 kB\nVmSwap:\t       0 kB\n", 0);
+    addProcess(9, "early", "VmRSS:\t     100 kB\n", 0);
+    addProcess(10, "kthread", "Kthread:\t1\n", 0);
+    write("proc/self/status", "Name:\tself\nVmRSS:\t1 kB\n");
+    EXPECT_EQ(
+        sample(),
+        (Strings{R"(SystemMemoryHeartBeat","int64":{"cachedKB":20,"memFreeKB":3000,"memTotalKB":4000},"double":)"
+                 R"({"psiFullAvg10":0.5,"psiFullAvg300":0,"psiFullAvg60":0,)"
+                 R"("psiSomeAvg10":1.5,"psiSomeAvg300":0,"psiSomeAvg60":0.25}})",
+                 R"(ZramHeartBeat","uint64":{"memLimitBytes":0,"memUsedMaxBytes":16384,"memUsedTotalBytes":12288,)"
+                 R"("numCompressedDataBytes":74,"origDataBytes":8192,"pagesCompacted":0,"samePages":0},)"
+                 R"("string":{"device":"zram2"}})",
+                 R"(ZramHeartBeat","uint64":{"hugePages":8,"hugePagesSinceBoot":9,"memLimitBytes":4,)"
+                 R"("memUsedMaxBytes":5,"memUsedTotalBytes":3,"numCompressedDataBytes":2,"origDataBytes":1,)"
+                 R"("pagesCompacted":7,"samePages":6},"string":{"device":"zram10"}})",
+                 memory(9, "early"), memory(12, "late")}));
+    EXPECT_EQ(notes, Strings());
+}
+
+TEST_F(SystemSamplerTest, CpuShareIsThatSinceTheLastSampleOfTheSameProcess) {
+    const std::string status = "VmRSS:\t100 kB\nVmSwap:\t0 kB\n";
+    addProcess(7, "busy", status, 0);
+    addProcess(8, "reused", status, 50 * second, 5);
+    EXPECT_EQ(sample().size(), 2u);
+    addProcess(7, "busy", status, 2 * second);
+    addProcess(8, "another", status, 60 * second, 6);
+    EXPECT_EQ(sample(), (Strings{memory(7, "busy"), cpu(7, "busy", "200"), memory(8, "another")}));
+    now += std::chrono::seconds(2);
+    addProcess(7, "busy", status, 3 * second);
+    addProcess(8, "another", status, 59 * second, 6);  // the kernel's sum may go back a little
+    EXPECT_EQ(sample(),
+              (Strings{memory(7, "busy"), cpu(7, "busy", "33.33"), memory(8, "another"), cpu(8, "another", "0")}));
+}
+
+TEST_F(SystemSamplerTest, ProcessThatVanishesIsSkipped) {
+    const std::string status = "VmRSS:\t100 kB\nVmSwap:\t0 kB\n";
+    addProcess(7, "goes", status, 0);
+    addProcess(8, "halfGone", status, 0);
+    addProcess(9, "stays", status, 0);
+    sample();
+    notes.clear();
+    fs::remove(machine.path("proc/7/status"));
+    fs::remove(machine.path("proc/8/stat"));
+    EXPECT_EQ(sample(), (Strings{memory(8, "halfGone"), memory(9, "stays"), cpu(9, "stays", "0")}));
+    EXPECT_EQ(notes, Strings());
+}
+
+TEST_F(SystemSamplerTest, AnyNameIsReadAsItIsOrMadeValid) {
+    const struct {
+        std::string kernel;    // as in status
+        std::string expected;  // in JSON
+    } cases[] = {
+        {"a) R 1 (b", "a) R 1 (b"},
+        {"with space", "with space"},
+        {R"(line\nfeed)", R"(line\nfeed)"},
+        {R"(back\\n)", R"(back\\n)"},
+        {"\x1B[31m", R"(\u001b[31m)"},
+        {"\xFF\xC3", "\xEF\xBF\xBD\xEF\xBF\xBD"},
+        {"", ""},
+    };
+    for (const auto& each : cases) {
+        addProcess(7, each.kernel, "VmRSS:\t100 kB\n", 0);
+        sample();
+        EXPECT_EQ(sample(), (Strings{memory(7, each.expected), cpu(7, each.expected, "0")})) << each.kernel;
+    }
+}
+
+TEST_F(SystemSamplerTest, MissingSourceIsToldOnce) {
+    EXPECT_EQ(sample(), Strings());
+    EXPECT_EQ(sample(), Strings());
+    const std::string proc = machine.path("proc");
+    EXPECT_EQ(notes, (Strings{
+                         proc + "/meminfo: No such file or directory: no amounts in SystemMemoryHeartBeat",
+                         proc + "/pressure/memory: No such file or directory: no pressure in SystemMemoryHeartBeat",
+                         machine.path("sys").string() + "/block/zram*: No such file or directory: no ZramHeartBeat",
+                         proc + ": No such file or directory: no events of processes",
+                     }));
+}
+
+TEST(SystemSampler, ThisMachineHasAtLeastThisProcess) {
+    bool found = false;
+    SystemSampler sampler(
+        "/proc", "/sys", [] { return std::chrono::nanoseconds(0); }, [](std::string_view) {});
+    sampler.sample(0, [&](const EventRecord& record) {
+        found = found || (record.attributes.find<std::int64_t>("pid") == getpid() &&
+                          record.attributes.find<std::int64_t>("vmRssKB") > 1000);
+    });
+    EXPECT_TRUE(found);
+}
+
+}  // namespace
+
+}  // namespace Brenta::OS::VIG::Tool

@@ -1,0 +1,218 @@
+#include "tools/vig/watch/WatchCommand.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include <array>
+#include <chrono>
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <thread>
+#include <utility>
+
+#include "tests/support/Documents.h"
+#include "tests/support/TemporaryFolder.h"
+#include "tests/tools/ToolRun.h"
+#include "tools/vig/events/LineReader.h"
+#include "tools/vig/run/RunCommand.h"
+
+namespace Brenta::OS::VIG::Tool {
+
+namespace {
+
+namespace fs = std::filesystem;
+using support::config;
+using support::document;
+using support::linesWith;
+using support::runVerb;
+using support::ToolResult;
+using support::transition;
+
+// Watches a made-up machine with forty processes.
+class WatchCommand : public testing::Test {
+  protected:
+    WatchCommand() {
+        for (int pid = 1; pid <= 40; ++pid) {
+            const std::string process = "proc/" + std::to_string(pid);
+            fs::create_directories(folder.path(process));
+            folder.write(process + "/status", "Name:\tp\xFF" + std::to_string(pid) + "\nVmRSS:\t100 kB\n");
+        }
+        folder.write("proc/meminfo", "MemTotal: 4000 kB\n");
+        options.rules = folder.write("rules.json", sampling("end"));
+        options.format = ReportFormat::Jsonl;
+        options.duration = std::chrono::milliseconds(0);
+        options.procFolder = folder.path("proc");
+        options.sysFolder = folder.path("sys");
+    }
+
+    // Asks for a trigger for about half of the processes, and moves with the first sample.
+    static std::string sampling(const std::string& reached) {
+        const std::string half = support::filters({"double PseudoRandomDouble() < =0.5"});
+        return document({
+            config(1, {transition("start", "start", "ProcessMemoryHeartBeat", half, R"([{"name":"TriggerVelora"}])")}),
+            config(2, {transition("start", reached, "SystemMemoryHeartBeat")}),
+        });
+    }
+
+    const support::TemporaryFolder folder;
+    WatchOptions options;
+};
+
+TEST_F(WatchCommand, RecordReplaysToTheSameTriggersAndMoves) {
+    options.recordFile = folder.path("record.jsonl");
+    const ToolResult watched = runVerb(watch, options);
+    ASSERT_EQ(watched.status, 0) << watched.err;
+    RunOptions replay;
+    replay.rules = options.rules;
+    replay.events = options.recordFile;
+    replay.format = ReportFormat::Jsonl;
+    const ToolResult replayed = runVerb(run, replay);
+    EXPECT_EQ(replayed.status, 0) << replayed.err;
+    const auto triggers = linesWith(watched.out, R"({"type":"trigger")");
+    EXPECT_GT(triggers.size(), 5u);
+    EXPECT_EQ(triggers, linesWith(replayed.out, R"({"type":"trigger")"));
+    EXPECT_EQ(linesWith(watched.out, R"({"type":"move")"), linesWith(replayed.out, R"({"type":"move")"));
+    const auto end = linesWith(watched.out, R"({"type":"end","events":41,)");
+    ASSERT_EQ(end.size(), 1u);
+    EXPECT_TRUE(
+        end[0].ends_with(R"("samples":1,"events_by_type":{"ProcessMemoryHeartBeat":40,"SystemMemoryHeartBeat":1}})"))
+        << end[0];
+}
+
+TEST_F(WatchCommand, RecordNeitherOverwritesNorFollowsALinkUnlessItMay) {
+    const std::string precious(100'000, 'p');
+    const std::string path = folder.write("record.jsonl", precious);
+    options.recordFile = path;
+    EXPECT_EQ(runVerb(watch, options).err, "vig: error: " + path + ": it exists already; --force overwrites it\n");
+    options.overwrite = true;
+    options.rules = folder.write("bad.json", "{");
+    EXPECT_EQ(runVerb(watch, options).status, 1);
+    EXPECT_EQ(folder.read("record.jsonl"), precious);
+
+    options.rules = folder.path("rules.json");
+    fs::create_symlink(path, folder.path("link"));
+    options.recordFile = folder.path("link");
+    const ToolResult linked = runVerb(watch, options);
+    EXPECT_EQ(linked.status, 2);
+    EXPECT_EQ(linked.err, "vig: error: " + options.recordFile + ": it is a symbolic link\n");
+
+    options.recordFile = path;
+    EXPECT_EQ(runVerb(watch, options).status, 0);
+    EXPECT_EQ(linesWith(folder.read("record.jsonl"), R"({"event":")").size(), 41u);
+    EXPECT_EQ(linesWith(folder.read("record.jsonl"), "").size(), 41u);
+}
+
+TEST_F(WatchCommand, RecordNeverTakesThePlaceOfAnInput) {
+    options.overwrite = true;
+    options.contextFile = folder.write("context.jsonl", R"({"event":"Test"})");
+    const std::pair<std::string, std::string> inputs[] = {{options.rules, folder.read("rules.json")},
+                                                          {options.contextFile, folder.read("context.jsonl")}};
+    for (const auto& [input, text] : inputs) {
+        const std::string linked = folder.path("linked");
+        fs::create_hard_link(input, linked);
+        for (const std::string& name :
+             {input, linked, (folder.path("proc") / ".." / fs::path(input).filename()).string()}) {
+            options.recordFile = name;
+            const ToolResult result = runVerb(watch, options);
+            EXPECT_EQ(result.status, 2);
+            EXPECT_EQ(result.err, "vig: error: " + name + ": it is an input of this very run\n");
+            EXPECT_EQ(folder.read(fs::path(input).filename().string()), text);
+        }
+        fs::remove(linked);
+    }
+}
+
+TEST_F(WatchCommand, RefusedDocumentLeavesNoRecordAndNothingElseIsTakenAway) {
+    int ends[2];
+    ASSERT_EQ(pipe(ends), 0);
+    ASSERT_EQ(write(ends[1], "{", 1), 1);
+    options.rules = "/dev/fd/" + std::to_string(ends[0]);
+    fs::create_directory(folder.path("now"));
+    options.recordFile = folder.path("now/record.jsonl");
+    {
+        // Once the watch reads its rules, its folder is exchanged.
+        const std::jthread other([&] {
+            for (int unread = 1; unread > 0; ioctl(ends[0], FIONREAD, &unread)) {
+                std::this_thread::yield();
+            }
+            fs::rename(folder.path("now"), folder.path("before"));
+            fs::create_directory(folder.path("now"));
+            folder.write("now/record.jsonl", "precious");
+            close(ends[1]);
+        });
+        EXPECT_EQ(runVerb(watch, options).status, 1);
+    }
+    EXPECT_EQ(folder.read("now/record.jsonl"), "precious");
+    EXPECT_FALSE(fs::exists(folder.path("before/record.jsonl")));
+    close(ends[0]);
+}
+
+TEST_F(WatchCommand, RecordThatCannotBeWrittenEndsTheWatch) {
+    options.recordFile = "/dev/full";
+    options.overwrite = true;
+    options.duration = std::chrono::hours(1);
+    const ToolResult result = runVerb(watch, options);
+    EXPECT_EQ(result.status, 2);
+    EXPECT_NE(result.err.find("vig: error: /dev/full: No space left on device\n"), std::string::npos);
+}
+
+TEST_F(WatchCommand, DurationIsFilledWithSamplesAtItsIntervals) {
+    options.duration = std::chrono::milliseconds(25);
+    options.interval = std::chrono::milliseconds(10);
+    const ToolResult result = runVerb(watch, options);
+    EXPECT_NE(result.out.find(R"("samples":)"), std::string::npos);
+    // A busy machine may miss one; none is made up.
+    EXPECT_EQ(result.out.find(R"("samples":4)"), std::string::npos);
+}
+
+TEST_F(WatchCommand, SavedDocumentTakesThePlaceOfTheOneBefore) {
+    options.duration = std::chrono::minutes(1);  // only a watch that fails the test lasts so long
+    options.interval = std::chrono::milliseconds(5);
+    std::array<int, 2> ends{};
+    ASSERT_EQ(pipe(ends.data()), 0);
+    const support::MemoryFile err;
+    Interruption interruption;
+    std::thread watch([&] {
+        EXPECT_EQ(Tool::watch(options, {STDIN_FILENO, ends[1], err.descriptor}, interruption), 0);
+        close(ends[1]);
+    });
+    const Interruption never;
+    LineReader reader(ends[0], "the watch", never, [] {});
+    std::string_view line;
+    const auto waitFor = [&](std::string_view part) {
+        while (reader.next(line) == LineReader::Status::Line) {
+            if (line.find(part) != std::string_view::npos) {
+                return;
+            }
+        }
+        ADD_FAILURE() << "no line with " << part;
+    };
+    waitFor(R"("from":"start","to":"end")");
+    folder.write("new.json", sampling("elsewhere"));
+    fs::rename(folder.path("new.json"), options.rules);
+    waitFor(R"("configurations":2)");
+    waitFor(R"("from":"start","to":"elsewhere")");
+
+    folder.write("rules.json", R"({"configs":[7]})");
+    waitFor("Invalid VIG Config JSON");
+    waitFor(R"("error":"refused (InvalidConfig)");
+    folder.write("new.json", sampling("mended"));
+    fs::rename(folder.path("new.json"), options.rules);
+    waitFor(R"("to":"mended")");
+    interruption.request();
+    std::string last;
+    while (reader.next(line) == LineReader::Status::Line) {
+        last = line;
+    }
+    watch.join();
+    close(ends[0]);
+    EXPECT_TRUE(last.starts_with(R"({"type":"end")")) << last;
+    EXPECT_EQ(linesWith(err.content(), options.rules + ": error: refused (InvalidConfig)").size(), 1u);
+}
+
+}  // namespace
+
+}  // namespace Brenta::OS::VIG::Tool

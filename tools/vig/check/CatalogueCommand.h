@@ -1,0 +1,23 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "tools/vig/check/Catalogue.h"
+#include "tools/vig/io/Console.h"
+#include "tools/vig/io/Interruption.h"
+
+namespace Brenta::OS::VIG::Tool {
+
+struct CatalogueOptions {
+    std::string events = "-";  // a file of event records, or "-" for standard input
+};
+
+// Adds what the events of a recording have. If it cannot be read, says why and returns the exit status.
+std::optional<int> learnFrom(const std::string& events, const Console& console, const Interruption& interruption,
+                             Catalogue& catalogue);
+
+// `vig catalogue`: prints which attributes the events of a recording have. Returns the exit status.
+int catalogue(const CatalogueOptions& options, const Console& console, const Interruption& interruption);
+
+}  // namespace Brenta::OS::VIG::Tool

@@ -1,0 +1,89 @@
+#include "tools/vig/check/CheckCommand.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <optional>
+#include <utility>
+
+#include "tools/vig/check/Catalogue.h"
+#include "tools/vig/check/CatalogueCommand.h"
+#include "tools/vig/check/Checker.h"
+#include "tools/vig/document/Registry.h"
+#include "tools/vig/io/FileText.h"
+#include "tools/vig/io/Output.h"
+
+namespace Brenta::OS::VIG::Tool {
+
+namespace {
+
+// If it cannot be read, says why and returns the exit status.
+std::optional<int> loadCatalogue(const CheckOptions& options, const Console& console, const Interruption& interruption,
+                                 Catalogue& catalogue) {
+    if (!options.catalogueFile.empty()) {
+        std::string problem;
+        auto read = Catalogue::readFrom(options.catalogueFile, interruption, problem);
+        if (interruption.requested()) {
+            return kExitInterrupted;
+        }
+        if (!read) {
+            console.say(problem);
+            return kExitUnusable;
+        }
+        catalogue = std::move(*read);
+    } else if (options.eventsFile.empty()) {
+        catalogue = Catalogue::builtIn();
+    }
+    if (options.eventsFile.empty()) {
+        return std::nullopt;
+    }
+    return learnFrom(options.eventsFile, console, interruption, catalogue);
+}
+
+void count(const std::vector<Diagnostic>& findings, FindingCounts& counts) {
+    const auto errors = std::ranges::count(findings, Severity::Error, &Diagnostic::severity);
+    counts.errors += static_cast<std::size_t>(errors);
+    counts.warnings += findings.size() - static_cast<std::size_t>(errors);
+    ++counts.files;
+}
+
+}  // namespace
+
+int check(const CheckOptions& options, const Console& console, const Interruption& interruption) {
+    Catalogue catalogue;
+    if (const auto status = loadCatalogue(options, console, interruption, catalogue)) {
+        return *status;
+    }
+    const VIGParserConfig registry = libraryRegistry();
+    Output output(console.out);
+    const auto report = makeFindingReport(options.format, output, console.wantsColours());
+    FindingCounts counts;
+    bool areReadable = true;
+    for (const std::string& path : options.rules) {
+        std::string problem;
+        auto text = readFile(path, interruption, problem);
+        if (interruption.requested()) {
+            return kExitInterrupted;
+        }
+        if (!text) {
+            console.complain(fmt::format("{}: {}", path, problem));
+            areReadable = false;
+            continue;
+        }
+        const DocumentText document(path, std::move(*text));
+        std::vector<Diagnostic> findings = check(document, registry, catalogue);
+        if (interruption.requested()) {
+            return kExitInterrupted;
+        }
+        std::erase_if(findings, [&](const Diagnostic& each) {
+            return std::ranges::find(options.allowed, each.name) != options.allowed.end();
+        });
+        report->file(document.source(), findings);
+        count(findings, counts);
+    }
+    report->end(counts);
+    const bool areRefused = counts.errors > 0 || (options.strict && counts.warnings > 0);
+    return console.finish(output, !areReadable ? kExitUnusable : areRefused ? kExitRefused : kExitDone);
+}
+
+}  // namespace Brenta::OS::VIG::Tool

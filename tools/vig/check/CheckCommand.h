@@ -1,0 +1,24 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "tools/vig/check/FindingReport.h"
+#include "tools/vig/io/Console.h"
+#include "tools/vig/io/Interruption.h"
+
+namespace Brenta::OS::VIG::Tool {
+
+struct CheckOptions {
+    std::vector<std::string> rules = {};  // files with rule documents
+    FindingFormat format = FindingFormat::Text;
+    bool strict = false;                    // warnings count as errors for the exit status
+    std::vector<std::string> allowed = {};  // names of kWarningNames that are not reported
+    std::string catalogueFile = {};         // the attributes of events; empty for those that the tool knows
+    std::string eventsFile = {};            // a recording whose attributes stand in their place, or add to that file's
+};
+
+// `vig check`: says what is wrong with rule documents. Returns the exit status.
+int check(const CheckOptions& options, const Console& console, const Interruption& interruption);
+
+}  // namespace Brenta::OS::VIG::Tool

@@ -1,0 +1,24 @@
+#include "tools/vig/document/DocumentText.h"
+
+#include <utility>
+
+#include "vig/parsers/JsonText.h"
+#include "vig/parsers/JsonTokens.h"
+
+namespace Brenta::OS::VIG::Tool {
+
+DocumentText::DocumentText(std::string fileName, std::string content)
+    : text(std::move(fileName), std::move(content)),
+      firstByte(text.text().size() - withoutByteOrderMark(text.text()).size()),
+      unreadable(readJson(text.text(), json)) {
+    if (unreadable) {
+        json = Json::Value();
+    }
+}
+
+Place DocumentText::placeOf(const Json::Value& value, std::string path) const {
+    return {firstByte + static_cast<std::size_t>(value.getOffsetStart()),
+            firstByte + static_cast<std::size_t>(value.getOffsetLimit()), std::move(path)};
+}
+
+}  // namespace Brenta::OS::VIG::Tool

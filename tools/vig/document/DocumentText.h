@@ -1,0 +1,44 @@
+#pragma once
+
+#include <json/value.h>
+
+#include <cstddef>
+#include <optional>
+#include <string>
+
+#include "tools/vig/words/SourceText.h"
+
+namespace Brenta::OS::VIG::Tool {
+
+// A value in a text, by its bytes and its JSON path ("configs[0].payload.id").
+struct Place {
+    std::size_t begin;
+    std::size_t end;
+    std::string path;
+};
+
+// A rule document as text, and as the JSON that the library reads from it.
+class DocumentText {
+  public:
+    // `fileName` is what messages call it.
+    DocumentText(std::string fileName, std::string text);
+
+    const SourceText& source() const { return text; }
+
+    // Null if the text is not JSON.
+    const Json::Value& root() const { return json; }
+
+    // The reader's report if the text is not JSON: for each mistake its line and column, and what is wrong.
+    const std::optional<std::string>& report() const { return unreadable; }
+
+    // The place of a value of root(), or of a copy of one; `path` is its JSON path.
+    Place placeOf(const Json::Value& value, std::string path) const;
+
+  private:
+    const SourceText text;
+    const std::size_t firstByte;  // of the text that the reader counts
+    Json::Value json;
+    std::optional<std::string> unreadable;
+};
+
+}  // namespace Brenta::OS::VIG::Tool

@@ -1,0 +1,10 @@
+#pragma once
+
+#include "vig/parsers/VIGParserConfig.h"
+
+namespace Brenta::OS::VIG::Tool {
+
+// The names that the library knows, as it parses with them.
+VIGParserConfig libraryRegistry();
+
+}  // namespace Brenta::OS::VIG::Tool

@@ -1,0 +1,121 @@
+#include "tools/vig/document/RuleModel.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "tools/vig/words/Text.h"
+#include "vig/EventTypeNames.h"
+#include "vig/parsers/JsonValues.h"
+
+namespace Brenta::OS::VIG::Tool {
+
+using RulesEngine::EventType;
+
+namespace {
+
+// Builds the models of one document, whose values all count their offsets from the same byte.
+class Modeller {
+  public:
+    explicit Modeller(const DocumentText& text) : document(text) {}
+
+    ConfigModel config(const Json::Value& json, const std::string& path) const {
+        ConfigModel model{document.placeOf(json, path), toInt64(json["id"]).value_or(0), {}};
+        forEach(json["payload"]["data"]["transitions"], path + ".payload.data.transitions",
+                [&](const Json::Value& each, const std::string& place) {
+                    model.transitions.push_back(transition(each, place));
+                });
+        return model;
+    }
+
+  private:
+    static void forEach(const Json::Value& array, const std::string& path, const auto& visit) {
+        for (Json::ArrayIndex index = 0; index < array.size(); ++index) {
+            visit(array[index], path + "[" + std::to_string(index) + "]");
+        }
+    }
+
+    TransitionModel transition(const Json::Value& json, const std::string& path) const {
+        TransitionModel model{document.placeOf(json, path),
+                              json["from_state"].asString(),
+                              json["to_state"].asString(),
+                              kEventTypeNames.reverseLookup(json["event"].asCString()).value_or(EventType{}),
+                              {},
+                              {},
+                              &json};
+        forEach(json["filters"], path + ".filters", [&](const Json::Value& each, const std::string& place) {
+            model.filters.push_back(filter(each, place));
+        });
+        forEach(json["actions"], path + ".actions", [&](const Json::Value& each, const std::string& place) {
+            model.actions.push_back(action(each, place));
+        });
+        return model;
+    }
+
+    FilterModel filter(const Json::Value& json, const std::string& path) const {
+        const std::string op = json["operator"].asString();
+        return {document.placeOf(json, path),
+                kFilterOperatorTable.reverseLookup(op.c_str()).value_or(FilterOperator::Equal),
+                kFilterValueTypeTable.reverseLookup(json["value_type"].asString()).value_or(FilterValueType::String),
+                operand(json["operand1"], path + ".operand1"),
+                operand(json["operand2"], path + ".operand2"),
+                &json};
+    }
+
+    OperandModel operand(const Json::Value& json, const std::string& path) const {
+        return {document.placeOf(json["value"], path + ".value"),
+                FilterOperand::fromJson(json).value_or(FilterOperand{FilterOperand::Type::Constant, ""})};
+    }
+
+    ActionModel action(const Json::Value& json, const std::string& path) const {
+        std::string name = json["name"].asString();
+        std::string key = name;
+        if (json["parameters"].isArray()) {
+            std::string types;
+            for (const Json::Value& parameter : json["parameters"]) {
+                types += (types.empty() ? "" : ",") + parameter["type"].asString();
+            }
+            key += "(" + types + ")";
+        }
+        return {document.placeOf(json, path), std::move(name), std::move(key)};
+    }
+
+    const DocumentText& document;
+};
+
+std::string termOf(const OperandModel& model, FilterValueType valueType) {
+    const std::string& text = model.operand.value;
+    switch (model.operand.type) {
+        case FilterOperand::Type::Function:
+            return text + "()";
+        case FilterOperand::Type::Envvar:
+            return text;
+        case FilterOperand::Type::Constant:
+            break;
+    }
+    return valueType == FilterValueType::String ? quoted(text) : text;
+}
+
+}  // namespace
+
+ConfigModel modelOf(const DocumentText& document, Json::ArrayIndex index) {
+    return Modeller(document).config(document.root()["configs"][index], "configs[" + std::to_string(index) + "]");
+}
+
+std::string_view textOf(FilterOperator op) {
+    const auto& pairs = kFilterOperatorTable.pairs;
+    return std::ranges::find(pairs, op, [](const auto& pair) { return pair.first; })->second;
+}
+
+std::string conditionOf(const FilterModel& filter) {
+    return termOf(filter.operand1, filter.valueType) + " " + std::string(textOf(filter.op)) + " " +
+           termOf(filter.operand2, filter.valueType);
+}
+
+std::string shownCondition(FilterModel filter) {
+    for (OperandModel* const each : {&filter.operand1, &filter.operand2}) {
+        each->operand.value = shortened(each->operand.value, kMostShownOfName);
+    }
+    return conditionOf(filter);
+}
+
+}  // namespace Brenta::OS::VIG::Tool

@@ -1,0 +1,68 @@
+#pragma once
+
+#include <json/value.h>
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "rulesengine/EventType.h"
+#include "tools/vig/document/DocumentText.h"
+#include "vig/parsers/FilterParser.h"
+
+namespace Brenta::OS::VIG::Tool {
+
+// What a rule document says, piece by piece with its place in the text, for the verbs that talk about documents.
+// The machines themselves come from the library.
+
+struct OperandModel {
+    Place place;  // of its value
+    FilterOperand operand;
+};
+
+// As written: a constant may stand on the left.
+struct FilterModel {
+    Place place;
+    FilterOperator op;
+    FilterValueType valueType;
+    OperandModel operand1;
+    OperandModel operand2;
+    const Json::Value* json;
+};
+
+struct ActionModel {
+    Place place;
+    std::string name;
+    std::string key;  // under which the registry is asked for it: "Test", "Test()", "Notify(integer,string)"
+};
+
+struct TransitionModel {
+    Place place;
+    std::string from;
+    std::string to;
+    RulesEngine::EventType event;
+    std::vector<FilterModel> filters;
+    std::vector<ActionModel> actions;
+    const Json::Value* json;
+};
+
+struct ConfigModel {
+    Place place;
+    std::int64_t id;
+    std::vector<TransitionModel> transitions;  // in document order
+};
+
+// The element of "configs" at that index. REQUIRES: the library accepts it. The model refers to the document's JSON.
+ConfigModel modelOf(const DocumentText& document, Json::ArrayIndex index);
+
+// The operator as documents write it.
+std::string_view textOf(FilterOperator op);
+
+// The filter as a condition for people to read: `vmRssKB > 2097152`, `PseudoRandomDouble() < 0.1`, `"a" == name`.
+std::string conditionOf(const FilterModel& filter);
+
+// The same, with the beginning of each long name and text.
+std::string shownCondition(FilterModel filter);
+
+}  // namespace Brenta::OS::VIG::Tool

@@ -1,0 +1,173 @@
+#include "tools/vig/document/StrictJson.h"
+
+#include <fmt/format.h>
+#include <json/reader.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <memory>
+
+#include "tools/vig/words/NearestName.h"
+#include "tools/vig/words/Text.h"
+#include "vig/base/Utf8.h"
+#include "vig/parsers/JsonTokens.h"
+
+namespace Brenta::OS::VIG::Tool {
+
+namespace {
+
+constexpr std::size_t kMostShownOfMessage = 500;
+
+std::string_view kindOf(const Json::Value& json) {
+    switch (json.type()) {
+        case Json::nullValue:
+            return "null";
+        case Json::stringValue:
+            return "a string";
+        case Json::booleanValue:
+            return "true or false";
+        case Json::arrayValue:
+            return "an array";
+        case Json::objectValue:
+            return "an object";
+        default:
+            return "a number";
+    }
+}
+
+// Empty if the strict reader finds nothing.
+std::string reportOf(const std::string& text) {
+    Json::CharReaderBuilder builder;
+    Json::CharReaderBuilder::strictMode(&builder.settings_);
+    const std::unique_ptr<Json::CharReader> reader(builder.newCharReader());
+    const std::string_view json = withoutByteOrderMark(text);
+    Json::Value root;
+    std::string report;
+    reader->parse(json.data(), json.data() + json.size(), &root, &report);
+    return report;
+}
+
+// Turns the first entry of a report, "* Line 1, Column 2\n  message\n", into a message of the tool.
+std::string messageOf(const std::string& file, const std::string& report) {
+    unsigned line = 1;
+    unsigned column = 1;
+    int begin = 0;
+    [[maybe_unused]] const int read = std::sscanf(report.c_str(), "* Line %u, Column %u %n", &line, &column, &begin);
+    const std::string_view rest = std::string_view(report).substr(static_cast<std::size_t>(begin));
+    return fmt::format("{}:{}:{}: error: {}", file, line, column,
+                       shortened(rest.substr(0, rest.find('\n')), kMostShownOfMessage));
+}
+
+}  // namespace
+
+std::string StrictJson::mistakeIn(const DocumentText& document) {
+    const SourceText& source = document.source();
+    // The strict reader must not be given what the other one refuses, such as text that is nested too deep.
+    const std::string report = document.report() ? *document.report() : reportOf(source.text());
+    return report.empty() ? std::string() : messageOf(source.name(), report);
+}
+
+bool StrictJson::hasMember(const Json::Value& object, const std::string& key, const std::string& path) {
+    if (!object.isMember(key)) {
+        complain(object, path, quoted(key) + " is missing");
+    }
+    return object.isMember(key);
+}
+
+void StrictJson::complain(const Json::Value& at, const std::string& path, const std::string& what) {
+    if (errors.size() > kMostShown) {
+        return;
+    }
+    const auto place = document.source().positionOf(document.placeOf(at, path).begin);
+    add(fmt::format("{}:{}:{}: error: {}{}{}", document.source().name(), place.line, place.column,
+                    shortened(path, kMostShownOfMessage), path.empty() ? "" : ": ",
+                    shortened(what, kMostShownOfMessage)));
+}
+
+void StrictJson::add(std::string mistake) {
+    if (errors.size() == kMostShown) {
+        mistake = fmt::format("{}: error: has more mistakes than the {} shown", document.source().name(), kMostShown);
+    }
+    if (errors.size() <= kMostShown) {
+        errors.push_back(std::move(mistake));
+    }
+}
+
+void StrictJson::complainOfKind(const Json::Value& json, const std::string& path, std::string_view expected) {
+    complain(json, path, fmt::format("expected {}, got {}", expected, kindOf(json)));
+}
+
+bool StrictJson::isArray(const Json::Value& json, const std::string& path) {
+    if (!json.isArray()) {
+        complainOfKind(json, path, "an array");
+    }
+    return json.isArray();
+}
+
+bool StrictJson::isObject(const Json::Value& json, const std::string& path, const Keys& known) {
+    if (!json.isObject()) {
+        complainOfKind(json, path, "an object");
+        return false;
+    }
+    bool onlyKnown = true;
+    for (const std::string& key : json.getMemberNames()) {
+        if (std::ranges::find(known, key) == known.end()) {
+            complain(json[key], path, "unknown key " + shownQuoted(key) + suggestion(key, known));
+            onlyKnown = false;
+        }
+    }
+    return onlyKnown;
+}
+
+std::string StrictJson::member(const std::string& path, const std::string& key) {
+    return path.empty() ? key : path + "." + key;
+}
+
+std::optional<std::string> StrictJson::text(const Json::Value& json, const std::string& path) {
+    if (!json.isString()) {
+        complainOfKind(json, path, "a string");
+        return std::nullopt;
+    }
+    std::string value = json.asString();
+    if (replaceInvalidUtf8(value) != value) {
+        complain(json, path, "invalid UTF-8");
+        return std::nullopt;
+    }
+    return value;
+}
+
+std::optional<std::string> StrictJson::optionalText(const Json::Value& object, const std::string& key,
+                                                    const std::string& path) {
+    return object.isMember(key) ? text(object[key], member(path, key)) : std::nullopt;
+}
+
+std::optional<std::string> StrictJson::requiredText(const Json::Value& object, const std::string& key,
+                                                    const std::string& path) {
+    return hasMember(object, key, path) ? optionalText(object, key, path) : std::nullopt;
+}
+
+std::optional<std::int64_t> StrictJson::optionalInteger(const Json::Value& object, const std::string& key,
+                                                        const std::string& path, std::int64_t least,
+                                                        std::int64_t most) {
+    if (!object.isMember(key)) {
+        return std::nullopt;
+    }
+    const Json::Value& json = object[key];
+    if (json.isIntegral() && json.isInt64() && json.asInt64() >= least && json.asInt64() <= most) {
+        return json.asInt64();
+    }
+    complain(json, member(path, key), fmt::format("expected an integer from {} to {}", least, most));
+    return std::nullopt;
+}
+
+std::vector<std::string> StrictJson::texts(const Json::Value& json, const std::string& path) {
+    std::vector<std::string> result;
+    if (isArray(json, path)) {
+        forEach(json, path, [&](const Json::Value& each, const std::string& place) {
+            result.push_back(text(each, place).value_or(""));
+        });
+    }
+    return result;
+}
+
+}  // namespace Brenta::OS::VIG::Tool

@@ -1,0 +1,70 @@
+#pragma once
+
+#include <json/value.h>
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "tools/vig/document/DocumentText.h"
+
+namespace Brenta::OS::VIG::Tool {
+
+// Reads values of a JSON text of which nothing may be ignored. What is wrong is collected as
+// "file:line:column: error: tests[0].seed: …", up to a hundred mistakes and a line that there are more. Nothing throws,
+// whatever a value is. `path` is always the JSON path of the value given.
+class StrictJson {
+  public:
+    using Keys = std::vector<std::string_view>;
+
+    // What a strict reader finds wrong with the text, where the library's own reader is lenient; empty if nothing.
+    static std::string mistakeIn(const DocumentText& document);
+
+    // Both must outlive it. The values are those of the document.
+    StrictJson(const DocumentText& text, std::vector<std::string>& problems) : document(text), errors(problems) {}
+
+    void complain(const Json::Value& at, const std::string& path, const std::string& what);
+
+    // A mistake in another file that belongs to this one, with its place.
+    void add(std::string mistake);
+
+    void complainOfKind(const Json::Value& json, const std::string& path, std::string_view expected);
+
+    bool isArray(const Json::Value& json, const std::string& path);
+
+    // Also complains of keys that are not among those known, of which it is false too.
+    bool isObject(const Json::Value& json, const std::string& path, const Keys& known);
+
+    std::optional<std::string> text(const Json::Value& json, const std::string& path);
+    std::vector<std::string> texts(const Json::Value& json, const std::string& path);
+
+    // Of a member of an object. Empty if there is none, of which only the second one complains.
+    std::optional<std::string> optionalText(const Json::Value& object, const std::string& key, const std::string& path);
+    std::optional<std::string> requiredText(const Json::Value& object, const std::string& key, const std::string& path);
+    std::optional<std::int64_t> optionalInteger(const Json::Value& object, const std::string& key,
+                                                const std::string& path, std::int64_t least, std::int64_t most);
+
+    // Complains if the object does not have the key.
+    bool hasMember(const Json::Value& object, const std::string& key, const std::string& path);
+
+    // The path of a member of an object.
+    static std::string member(const std::string& path, const std::string& key);
+
+    // Calls `visit` with each element of an array and its path.
+    static void forEach(const Json::Value& array, const std::string& path, const auto& visit) {
+        for (Json::ArrayIndex index = 0; index < array.size(); ++index) {
+            visit(array[index], path + "[" + std::to_string(index) + "]");
+        }
+    }
+
+  private:
+    // A file that is not meant for the reader has as many mistakes as it has values.
+    static constexpr std::size_t kMostShown = 100;
+
+    const DocumentText& document;
+    std::vector<std::string>& errors;
+};
+
+}  // namespace Brenta::OS::VIG::Tool

@@ -1,0 +1,36 @@
+#include "tools/vig/events/EventReader.h"
+
+#include <string_view>
+#include <utility>
+
+#include "tools/vig/words/Text.h"
+
+namespace Brenta::OS::VIG::Tool {
+
+EventReader::EventReader(int source, std::string sourceName, const Interruption& interruptedBy,
+                         std::function<void()> waiting)
+    : name(std::move(sourceName)), lines(source, name, interruptedBy, std::move(waiting)) {}
+
+EventReader::Status EventReader::next(EventRecord& record) {
+    std::string_view line;
+    do {
+        switch (lines.next(line)) {
+            case LineReader::Status::Line:
+                break;
+            case LineReader::Status::End:
+                return Status::End;
+            case LineReader::Status::Interrupted:
+                return Status::Interrupted;
+            case LineReader::Status::Failed:
+                message = lines.problem();
+                return Status::Failed;
+        }
+    } while (isBlank(line));
+    if (parser.parse(line, record)) {
+        return Status::Record;
+    }
+    message = name + ":" + std::to_string(lines.lineNumber()) + ": error: " + parser.error();
+    return Status::Failed;
+}
+
+}  // namespace Brenta::OS::VIG::Tool

@@ -1,0 +1,57 @@
+#include "tools/vig/events/EventWriter.h"
+
+#include <fmt/format.h>
+
+#include <iterator>
+#include <string>
+#include <string_view>
+#include <type_traits>
+
+#include "tools/vig/events/EventNames.h"
+#include "tools/vig/words/Text.h"
+
+namespace Brenta::OS::VIG::Tool {
+
+namespace {
+
+template <typename T>
+void appendKind(std::string& line, std::string_view kind, const AttributeSet& attributes) {
+    if (attributes.isEmpty<T>()) {
+        return;
+    }
+    fmt::format_to(std::back_inserter(line), ",\"{}\":", kind);
+    char separator = '{';
+    attributes.forEach<T>([&](std::string_view name, T value) {
+        line += std::exchange(separator, ',');
+        appendJsonString(line, name);
+        line += ':';
+        if constexpr (std::is_same_v<T, std::string_view>) {
+            appendJsonString(line, value);
+        } else {
+            // Of a double, the shortest text that reads back as the same.
+            fmt::format_to(std::back_inserter(line), "{}", value);
+        }
+    });
+    line += '}';
+}
+
+}  // namespace
+
+void writeEvent(Output& output, const EventRecord& record) {
+    std::string line = fmt::format("{{\"event\":\"{}\"", nameOf(record.type));
+    if (record.timeMs) {
+        fmt::format_to(std::back_inserter(line), ",\"time_ms\":{}", *record.timeMs);
+    }
+    if (record.timeoutId) {
+        fmt::format_to(std::back_inserter(line), ",\"timeout_id\":{}", *record.timeoutId);
+    }
+    appendKind<std::uint64_t>(line, "uint64", record.attributes);
+    appendKind<std::int64_t>(line, "int64", record.attributes);
+    appendKind<double>(line, "double", record.attributes);
+    appendKind<bool>(line, "bool", record.attributes);
+    appendKind<std::string_view>(line, "string", record.attributes);
+    line += "}\n";
+    output.write(line);
+}
+
+}  // namespace Brenta::OS::VIG::Tool

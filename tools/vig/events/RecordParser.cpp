@@ -1,0 +1,340 @@
+#include "tools/vig/events/RecordParser.h"
+
+#include <simdjson.h>
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <charconv>
+#include <cstddef>
+#include <cstdint>
+#include <utility>
+
+#include "tools/vig/events/EventNames.h"
+#include "tools/vig/events/LineReader.h"
+#include "tools/vig/words/NearestName.h"
+#include "tools/vig/words/Text.h"
+
+namespace Brenta::OS::VIG::Tool {
+
+using RulesEngine::EventType;
+namespace ondemand = simdjson::ondemand;
+
+static_assert(LineReader::PADDING >= simdjson::SIMDJSON_PADDING);
+
+namespace {
+
+constexpr std::array<std::string_view, 8> kMembers = {"event", "time_ms", "timeout_id", "uint64",
+                                                      "int64", "double",  "bool",       "string"};
+
+template <typename T>
+constexpr std::string_view kExpected;
+template <>
+constexpr std::string_view kExpected<std::uint64_t> = "an unsigned 64-bit integer";
+template <>
+constexpr std::string_view kExpected<std::int64_t> = "a signed 64-bit integer";
+template <>
+constexpr std::string_view kExpected<double> = "a number";
+template <>
+constexpr std::string_view kExpected<bool> = "true or false";
+template <>
+constexpr std::string_view kExpected<std::string_view> = "a string";
+template <>
+constexpr std::string_view kExpected<ondemand::object> = "an object";
+
+// A key as it stands in a message.
+std::string named(std::string_view key) {
+    const bool plain = !key.empty() && std::all_of(key.begin(), key.end(), [](char each) {
+        return each > ' ' && each < '\x7F' && each != '"' && each != '\\' && each != '.' && each != ':';
+    });
+    return plain ? shownName(key) : shownQuoted(key);
+}
+
+constexpr std::string_view kDigits = "0123456789";
+
+std::size_t countDigits(std::string_view text) {
+    return std::min(text.find_first_not_of(kDigits), text.size());
+}
+
+// Tells whether the text is a number as JSON writes one.
+bool isJsonNumber(std::string_view text) {
+    text.remove_prefix(text.starts_with('-') ? 1 : 0);
+    const std::size_t whole = text.starts_with('0') ? 1 : countDigits(text);
+    text.remove_prefix(whole);
+    bool isComplete = whole > 0;
+    if (text.starts_with('.')) {
+        const std::size_t fraction = countDigits(text.substr(1));
+        isComplete = isComplete && fraction > 0;
+        text.remove_prefix(1 + fraction);
+    }
+    if (text.starts_with('e') || text.starts_with('E')) {
+        text.remove_prefix(1);
+        text.remove_prefix(text.starts_with('+') || text.starts_with('-') ? 1 : 0);
+        const std::size_t exponent = countDigits(text);
+        isComplete = isComplete && exponent > 0;
+        text.remove_prefix(exponent);
+    }
+    return isComplete && text.empty();
+}
+
+// Tells whether the text is a number of the kind, which can only be out of its range then.
+template <typename T>
+bool isNumber(std::string_view token) {
+    constexpr bool isInteger = std::is_integral_v<T> && !std::is_same_v<T, bool>;
+    if constexpr (std::is_same_v<T, double> || isInteger) {
+        return isJsonNumber(token) && (!isInteger || token.find_first_of(".eE") == std::string_view::npos);
+    } else {
+        return false;
+    }
+}
+
+// The token of a value without the white space around it.
+std::string_view trimmed(std::string_view token) {
+    constexpr std::string_view kSpace = " \t\r\n";
+    token.remove_prefix(std::min(token.find_first_not_of(kSpace), token.size()));
+    return token.substr(0, token.find_last_not_of(kSpace) + 1);
+}
+
+// The value as it stands in a message.
+std::string shown(std::string_view token) {
+    token = trimmed(token);
+    switch (token.empty() ? '\0' : token.front()) {
+        case '{':
+            return "an object";
+        case '[':
+            return "an array";
+        case '\0':
+        case '}':
+        case ']':
+        case ',':
+        case ':':
+            return "nothing";
+        default:
+            return shortened(token, kMostShownOfName);
+    }
+}
+
+template <typename T>
+simdjson::error_code convert(ondemand::value value, T& converted) {
+    return value.get(converted);
+}
+
+// The library refuses the one number that is unsigned with a sign.
+template <>
+simdjson::error_code convert(ondemand::value value, std::uint64_t& converted) {
+    const auto code = value.get(converted);
+    if (code && trimmed(value.raw_json_token()) == "-0") {
+        converted = 0;
+        return simdjson::SUCCESS;
+    }
+    return code;
+}
+
+// The library misreads many fractions of more than 19 digits, takes some that are too large for a double, and refuses
+// zeros with a long exponent, so that it is not asked at all.
+template <>
+simdjson::error_code convert(ondemand::value value, double& converted) {
+    const std::string_view token = trimmed(value.raw_json_token());
+    if (!isNumber<double>(token)) {
+        return simdjson::INCORRECT_TYPE;
+    }
+    const auto error = std::from_chars(token.data(), token.data() + token.size(), converted).ec;
+    return error == std::errc() ? simdjson::SUCCESS : simdjson::NUMBER_ERROR;
+}
+
+std::string_view describe(simdjson::error_code code) {
+    switch (code) {
+        case simdjson::UTF8_ERROR:
+            return "invalid UTF-8";
+        case simdjson::UNESCAPED_CHARS:
+            return "a control character in a string has to be escaped";
+        case simdjson::UNCLOSED_STRING:
+            return "a string is not closed";
+        case simdjson::STRING_ERROR:
+            return "a string has an invalid escape";
+        default:
+            return "invalid JSON: a brace, comma, colon, key or value is missing or too many";
+    }
+}
+
+}  // namespace
+
+class RecordParser::Impl {
+  public:
+    bool parse(std::string_view text, EventRecord& record);
+
+    std::string error;
+
+  private:
+    bool readMember(std::string_view key, ondemand::value value, EventRecord& record);
+    bool readEventType(ondemand::value value, EventType& type);
+    bool readInteger(std::string_view key, ondemand::value value, std::optional<std::int64_t>& integer);
+    template <typename T>
+    bool readKind(std::string_view kind, ondemand::value value, AttributeSet& attributes);
+    bool checkWhole(const EventRecord& record);
+
+    template <typename T>
+    bool wrongValue(const std::string& key, ondemand::value value, simdjson::error_code code);
+    bool fail(std::string message) {
+        error = std::move(message);
+        return false;
+    }
+    bool malformed(simdjson::error_code code) { return fail(std::string(describe(code))); }
+    bool malformed(std::string_view kind, simdjson::error_code code) {
+        return fail(std::string(kind) + ": " + std::string(describe(code)));
+    }
+
+    ondemand::parser parser;
+    unsigned seen = 0;  // which of kMembers the record has, one bit each
+};
+
+bool RecordParser::Impl::parse(std::string_view text, EventRecord& record) {
+    record.timeMs.reset();
+    record.timeoutId.reset();
+    record.attributes.clear();
+    seen = 0;
+    if (text.size() > parser.capacity()) {
+        if (const auto code = parser.allocate(std::bit_ceil(text.size()))) {
+            return malformed(code);
+        }
+    }
+    const simdjson::padded_string_view padded(text.data(), text.size(), text.size() + simdjson::SIMDJSON_PADDING);
+    ondemand::document document;
+    if (const auto code = parser.iterate(padded).get(document)) {
+        return malformed(code);
+    }
+    ondemand::object object;
+    if (const auto code = document.get_object().get(object)) {
+        return code == simdjson::INCORRECT_TYPE ? fail("expected a JSON object, got " + shown(text)) : malformed(code);
+    }
+    for (auto member : object) {
+        std::string_view key;
+        ondemand::value value;
+        if (const auto code = member.unescaped_key().get(key)) {
+            return malformed(code);
+        }
+        if (const auto code = member.value().get(value)) {
+            return malformed(code);
+        }
+        if (!readMember(key, value, record)) {
+            return false;
+        }
+    }
+    const bool atEnd = document.current_location().error() == simdjson::OUT_OF_BOUNDS;
+    return atEnd ? checkWhole(record) : fail("something follows after the object");
+}
+
+bool RecordParser::Impl::readMember(std::string_view key, ondemand::value value, EventRecord& record) {
+    const auto place = std::ranges::find(kMembers, key);
+    if (place == kMembers.end()) {
+        return fail(named(key) + ": unknown key" + suggestion(key, kMembers));
+    }
+    const auto member = place - kMembers.begin();
+    const unsigned bit = 1U << member;
+    if ((seen & bit) != 0) {
+        return fail(std::string(key) + ": given twice");
+    }
+    seen |= bit;
+    switch (member) {
+        case 0:
+            return readEventType(value, record.type);
+        case 1:
+            return readInteger(key, value, record.timeMs);
+        case 2:
+            return readInteger(key, value, record.timeoutId);
+        case 3:
+            return readKind<std::uint64_t>(key, value, record.attributes);
+        case 4:
+            return readKind<std::int64_t>(key, value, record.attributes);
+        case 5:
+            return readKind<double>(key, value, record.attributes);
+        case 6:
+            return readKind<bool>(key, value, record.attributes);
+        default:
+            return readKind<std::string_view>(key, value, record.attributes);
+    }
+}
+
+bool RecordParser::Impl::readEventType(ondemand::value value, EventType& type) {
+    std::string_view name;
+    if (const auto code = value.get(name)) {
+        return wrongValue<std::string_view>("event", value, code);
+    }
+    const auto place = std::ranges::find(kEventNames, name);
+    if (place == kEventNames.end()) {
+        return fail("event: unknown event " + shownQuoted(name) + suggestion(name, kEventNames));
+    }
+    type = kEventTypeNames.pairs[static_cast<std::size_t>(place - kEventNames.begin())].first;
+    return true;
+}
+
+bool RecordParser::Impl::readInteger(std::string_view key, ondemand::value value,
+                                     std::optional<std::int64_t>& integer) {
+    const auto code = value.get(integer.emplace());
+    return !code || wrongValue<std::int64_t>(std::string(key), value, code);
+}
+
+template <typename T>
+bool RecordParser::Impl::readKind(std::string_view kind, ondemand::value value, AttributeSet& attributes) {
+    ondemand::object object;
+    if (const auto code = value.get(object)) {
+        return wrongValue<ondemand::object>(std::string(kind), value, code);
+    }
+    for (auto attribute : object) {
+        std::string_view name;
+        ondemand::value content;
+        T converted;
+        if (const auto code = attribute.unescaped_key().get(name)) {
+            return malformed(kind, code);
+        }
+        if (const auto code = attribute.value().get(content)) {
+            return malformed(kind, code);
+        }
+        if (const auto code = convert(content, converted)) {
+            return wrongValue<T>(std::string(kind) + "." + named(name), content, code);
+        }
+        attributes.add<T>(name, converted);
+    }
+    const auto twice = attributes.sort<T>();
+    return !twice || fail(std::string(kind) + "." + named(*twice) + ": given twice");
+}
+
+bool RecordParser::Impl::checkWhole(const EventRecord& record) {
+    if ((seen & 1U) == 0) {
+        return fail("event: missing");
+    }
+    if (record.type == EventType::Timeout && !record.timeoutId) {
+        return fail("timeout_id: missing, which a Timeout event needs");
+    }
+    if (record.type != EventType::Timeout && record.timeoutId) {
+        return fail("timeout_id: only a Timeout event has one");
+    }
+    return true;
+}
+
+template <typename T>
+bool RecordParser::Impl::wrongValue(const std::string& key, ondemand::value value, simdjson::error_code code) {
+    if (code == simdjson::STRING_ERROR) {
+        return fail(key + ": " + std::string(describe(code)));
+    }
+    const std::string_view token = trimmed(value.raw_json_token());
+    std::string message = key + ": expected " + std::string(kExpected<T>) + ", got " + shown(token);
+    if (isNumber<T>(token)) {
+        message += ", which is out of its range";
+    }
+    return fail(std::move(message));
+}
+
+RecordParser::RecordParser() : impl(std::make_unique<Impl>()) {}
+
+RecordParser::~RecordParser() = default;
+
+bool RecordParser::parse(std::string_view text, EventRecord& record) {
+    return impl->parse(text, record);
+}
+
+const std::string& RecordParser::error() const {
+    return impl->error;
+}
+
+}  // namespace Brenta::OS::VIG::Tool

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "tools/vig/io/Console.h"
+#include "tools/vig/io/Interruption.h"
+#include "tools/vig/run/RuleRun.h"
+
+namespace Brenta::OS::VIG::Tool {
+
+struct FleetOptions : RuleOptions {
+    std::vector<std::string> devices;  // files of event records, "-" for standard input; at least one
+    unsigned threads = 1;
+    bool summaryOnly = false;  // no line for what happens
+};
+
+// `vig run` over the recordings of several devices, or for a summary. Returns the exit status.
+int fleet(const FleetOptions& options, const Console& console, const Interruption& interruption);
+
+}  // namespace Brenta::OS::VIG::Tool

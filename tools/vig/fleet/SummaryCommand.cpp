@@ -1,0 +1,104 @@
+#include "tools/vig/fleet/SummaryCommand.h"
+
+#include <fmt/format.h>
+
+#include <cerrno>
+#include <optional>
+#include <string_view>
+
+#include "tools/vig/events/EventInput.h"
+#include "tools/vig/events/LineReader.h"
+#include "tools/vig/fleet/FleetSummaryReader.h"
+#include "tools/vig/fleet/FleetSummaryText.h"
+#include "tools/vig/io/Output.h"
+#include "tools/vig/words/Text.h"
+
+namespace Brenta::OS::VIG::Tool {
+
+namespace {
+
+// Merges one summary after the other.
+class Merger {
+  public:
+    Merger(const Console& streams, const Interruption& interruptedBy) : console(streams), interruption(interruptedBy) {}
+
+    // Merges all of the file. If that fails, says why and returns the exit status.
+    std::optional<int> add(const std::string& file) {
+        const Descriptor input = openEvents(file, console);
+        const std::string name = nameOfEvents(file);
+        if (!input.isOpen()) {
+            console.complain(name + ": " + systemError(errno));
+            return kExitUnusable;
+        }
+        LineReader lines(input.get(), name, interruption, [] {});
+        std::string_view line;
+        auto status = lines.next(line);
+        for (; status == LineReader::Status::Line; status = lines.next(line)) {
+            if (!isBlank(line) && !add(name, lines.lineNumber(), line)) {
+                return kExitUnusable;
+            }
+        }
+        if (status == LineReader::Status::Failed) {
+            console.say(lines.problem());
+            return kExitUnusable;
+        }
+        return status == LineReader::Status::Interrupted ? std::optional(kExitInterrupted) : std::nullopt;
+    }
+
+    // Empty if there was none.
+    const std::optional<FleetSummary>& result() const { return merged; }
+
+  private:
+    bool add(const std::string& file, std::size_t number, std::string_view line) {
+        std::vector<std::string> errors;
+        const auto summary = readFleetSummary(file, number, line, errors);
+        const std::string place = file + ":" + std::to_string(number);
+        if (!summary) {
+            for (const std::string& error : errors) {
+                console.say(error);
+            }
+            return false;
+        }
+        if (!merged) {
+            merged = summary;
+            first = place;
+            return true;
+        }
+        if (!merged->isOfSameDocument(*summary)) {
+            console.say(place + ": error: it summarises a run of another rule document than " + first);
+            return false;
+        }
+        merged->merge(*summary);
+        const std::string tooLarge = merged->tooLarge();
+        if (!tooLarge.empty()) {
+            console.say(fmt::format("{}: error: {}: more than {} with the summaries before", place, tooLarge,
+                                    FleetSummary::MOST));
+        }
+        return tooLarge.empty();
+    }
+
+    const Console& console;
+    const Interruption& interruption;
+    std::optional<FleetSummary> merged;
+    std::string first;  // the place of the first one
+};
+
+}  // namespace
+
+int summary(const SummaryOptions& options, const Console& console, const Interruption& interruption) {
+    Merger merger(console, interruption);
+    for (const std::string& file : options.files) {
+        if (const auto status = merger.add(file)) {
+            return *status;
+        }
+    }
+    if (!merger.result()) {
+        console.complain("there is no summary to merge");
+        return kExitUnusable;
+    }
+    Output output(console.out);
+    output.write(options.format == ReportFormat::Json ? jsonOf(*merger.result(), "") : textOf(*merger.result()));
+    return console.finish(output, kExitDone);
+}
+
+}  // namespace Brenta::OS::VIG::Tool

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "tools/vig/io/Console.h"
+#include "tools/vig/io/Interruption.h"
+#include "tools/vig/run/RuleRun.h"
+
+namespace Brenta::OS::VIG::Tool {
+
+struct SummaryOptions {
+    std::vector<std::string> files = {"-"};  // "-" for standard input
+    ReportFormat format = ReportFormat::Text;
+};
+
+// `vig summary`: merges the summaries of several runs, one a line of the files. Returns the exit status.
+int summary(const SummaryOptions& options, const Console& console, const Interruption& interruption);
+
+}  // namespace Brenta::OS::VIG::Tool

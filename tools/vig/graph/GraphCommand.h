@@ -1,0 +1,25 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "tools/vig/io/Console.h"
+#include "tools/vig/io/Interruption.h"
+#include "tools/vig/run/RuleRun.h"
+
+namespace Brenta::OS::VIG::Tool {
+
+enum class GraphFormat { Dot, Svg, Png, Mermaid };
+
+struct GraphOptions {
+    std::string rules;
+    GraphFormat format = GraphFormat::Dot;
+    std::string events;  // a file of event records to replay, empty for none
+    std::uint32_t seed = RuleOptions().seed;
+    std::string contextFile;  // of the replay; empty if there is none
+};
+
+// `vig graph`: draws the machines of a rule document. Returns the exit status.
+int graph(const GraphOptions& options, const Console& console, const Interruption& interruption);
+
+}  // namespace Brenta::OS::VIG::Tool

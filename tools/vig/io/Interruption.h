@@ -1,0 +1,47 @@
+#pragma once
+
+#include <signal.h>
+
+#include <array>
+#include <atomic>
+
+namespace Brenta::OS::VIG::Tool {
+
+// A request to come to an end: asked for once, from a signal handler or any thread, seen at the next event and by
+// whoever waits on the descriptor.
+class Interruption {
+  public:
+    Interruption();
+    Interruption(const Interruption&) = delete;
+    Interruption& operator=(const Interruption&) = delete;
+    ~Interruption();
+
+    void request();
+    bool requested() const { return flag.load(std::memory_order_relaxed); }
+
+    // Readable once the end has been requested.
+    int descriptor() const { return event; }
+
+  private:
+    std::atomic<bool> flag = false;
+    const int event;
+};
+
+// While it lives, the first SIGINT or SIGTERM requests the end; a second one, of either kind, ends the process at once,
+// should it be stuck. One that was ignored before stays so: that is how a script starts a program in its background.
+// Writing to a closed pipe, or more than a file may have, fails instead of ending the process. Afterwards all is as it
+// was. One object at a time.
+class InterruptOnSignals {
+  public:
+    explicit InterruptOnSignals(Interruption& interruption);
+    InterruptOnSignals(const InterruptOnSignals&) = delete;
+    InterruptOnSignals& operator=(const InterruptOnSignals&) = delete;
+    ~InterruptOnSignals();
+
+  private:
+    static constexpr std::array<int, 4> kSignals = {SIGINT, SIGTERM, SIGPIPE, SIGXFSZ};
+
+    std::array<struct sigaction, kSignals.size()> previous{};
+};
+
+}  // namespace Brenta::OS::VIG::Tool

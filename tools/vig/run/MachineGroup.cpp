@@ -1,0 +1,105 @@
+#include "tools/vig/run/MachineGroup.h"
+
+#include <host/Utf8.h>
+
+#include <utility>
+
+#include "tools/vig/events/RecordedEvents.h"
+
+namespace Brenta::OS::VIG::Tool {
+
+using RulesEngine::Event;
+using RulesEngine::EventType;
+using RulesEngine::State;
+
+MachineGroup::MachineGroup(const AttributeSet& contextAttributes, Report& target, Tracer* watcher)
+    : context(contextAttributes), report(target), tracer(watcher) {}
+
+void MachineGroup::adopt(Configs delivered) {
+    machines.clear();
+    configs = std::move(delivered);
+    for (const auto& config : configs) {
+        auto* const payload = config->getConfigPayload();
+        auto* const machine = payload->getFiniteStateMachine();
+        machine->setContext(std::make_unique<RecordedContext>(context));
+        const MachineName name{machines.size(), config->getConfigId()};
+        machines.push_back({machine, name, payload->getConfigPayloadId(), machine->getCurrentState()});
+    }
+}
+
+void MachineGroup::start() {
+    current = 0;
+    for (const Machine& each : machines) {
+        driven = &each;
+        if (tracer != nullptr) {
+            tracer->begin(current, EventType::EnteringState, std::nullopt, each.name, each.state->getName(), true);
+        }
+        each.machine->start();
+        if (tracer != nullptr) {
+            tracer->end();
+        }
+    }
+    reportMoves();
+}
+
+void MachineGroup::offer(const EventRecord& record) {
+    current = ++events;
+    if (record.type == EventType::Timeout) {
+        drive(RecordedTimeoutEvent(record.attributes, *record.timeoutId), record.timeMs);
+    } else {
+        drive(RecordedEvent(record.attributes, record.type), record.timeMs);
+    }
+}
+
+void MachineGroup::drive(const Event& event, std::optional<std::int64_t> timeMs) {
+    for (const Machine& each : machines) {
+        driven = &each;
+        if (tracer != nullptr) {
+            tracer->begin(current, event.type, timeMs, each.name, each.state->getName(), false);
+        }
+        each.machine->onEvent(event);
+        if (tracer != nullptr) {
+            tracer->end();
+        }
+    }
+    reportMoves();
+}
+
+// After all that the event has caused: the report lists moves last.
+void MachineGroup::reportMoves() {
+    for (Machine& each : machines) {
+        State* const reached = each.machine->getCurrentState();
+        if (reached != each.state) {
+            report.move({current, each.name, each.state->getName(), reached->getName()});
+            each.state = reached;
+        }
+    }
+}
+
+Summary MachineGroup::summary() const {
+    Summary result{events, triggers, {}, std::nullopt};
+    for (const Machine& each : machines) {
+        result.machines.push_back({each.name, each.payloadId, each.state->getName()});
+    }
+    return result;
+}
+
+void MachineGroup::onLog(int priority, std::string_view tag, std::string_view message) {
+    report.log({current, priority, tag, message});
+}
+
+void MachineGroup::onTrigger(const vendor::orlan::velora::TriggerContext& request) {
+    ++triggers;
+    TriggerLine line{current, driven->name, host::toUtf8(request.triggerName), std::nullopt, {}};
+    if (request.processName) {
+        line.processName = host::toUtf8(*request.processName);
+    }
+    if (request.metadata) {
+        for (const auto& entry : *request.metadata) {
+            line.metadata.push_back(entry ? host::toUtf8(*entry) : std::string());
+        }
+    }
+    report.trigger(line);
+}
+
+}  // namespace Brenta::OS::VIG::Tool

@@ -1,0 +1,109 @@
+#include "tools/vig/run/RuleRun.h"
+
+#include <fcntl.h>
+#include <host/TrustedFile.h>
+
+#include <cerrno>
+#include <utility>
+
+#include "tools/vig/events/EventReader.h"
+#include "tools/vig/io/Descriptor.h"
+#include "tools/vig/io/FileText.h"
+#include "tools/vig/run/JsonlReport.h"
+#include "tools/vig/run/TextReport.h"
+#include "tools/vig/words/Text.h"
+
+namespace Brenta::OS::VIG::Tool {
+
+std::unique_ptr<Report> reportOf(ReportFormat format, Output& output, bool coloured, const std::string& device) {
+    switch (format) {
+        case ReportFormat::Text:
+            return std::make_unique<TextReport>(output, coloured);
+        case ReportFormat::Jsonl:
+            return std::make_unique<JsonlReport>(output, device);
+        case ReportFormat::Json:
+        case ReportFormat::None:
+            break;
+    }
+    return std::make_unique<NoReport>();
+}
+
+RuleRun::RuleRun(const RuleOptions& ruleOptions, const Console& streams, const Interruption& interruptedBy)
+    : options(ruleOptions),
+      console(streams),
+      interruption(interruptedBy),
+      out(streams.out),
+      report(reportOf(options.format, out, console.wantsColours(), "")) {}
+
+std::optional<int> RuleRun::begin(RuleSession::Changes later) {
+    return begin(&RuleSession::load, later);
+}
+
+std::optional<int> RuleRun::receive(RuleSession::Changes later) {
+    return begin(&RuleSession::receive, later);
+}
+
+std::optional<int> RuleRun::begin(Load load, RuleSession::Changes later) {
+    AttributeSet context;
+    if (const auto status = options.contextFile.empty() ? std::nullopt : readContext(context)) {
+        return status;
+    }
+    rules.emplace(options.rules, options.seed, std::move(context), *report, trace);
+    switch (((*rules).*load)(later, interruption)) {
+        case RuleSession::Loading::Done:
+            return std::nullopt;
+        case RuleSession::Loading::Refused:
+            complainAfterOutput(options.rules + ": error: " + rules->problem());
+            return abandon(kExitRefused);
+        case RuleSession::Loading::Unreadable:
+            console.complain(options.rules + ": " + rules->problem());
+            return kExitUnusable;
+        case RuleSession::Loading::Interrupted:
+            break;
+    }
+    return kExitInterrupted;
+}
+
+std::optional<int> RuleRun::readContext(AttributeSet& attributes) {
+    const std::string& path = options.contextFile;
+    // The opening of a pipe would wait for somebody who writes to it; the reader does that, until it is interrupted.
+    const Descriptor file(host::openTrusted(path, O_RDONLY | O_NONBLOCK, 0));
+    if (!file.isOpen()) {
+        console.complain(path + ": " + whyNotOpened(errno));
+        return kExitUnusable;
+    }
+    EventReader reader(file.get(), path, interruption, [] {});
+    EventRecord record;
+    EventRecord second;
+    auto status = reader.next(record);
+    if (status == EventReader::Status::Record) {
+        status = reader.next(second);
+        if (status == EventReader::Status::End) {
+            attributes = std::move(record.attributes);
+            return std::nullopt;
+        }
+    }
+    if (status == EventReader::Status::Interrupted) {
+        return kExitInterrupted;
+    }
+    console.say(status == EventReader::Status::Failed ? reader.error() : path + ": error: expected exactly one record");
+    return kExitUnusable;
+}
+
+void RuleRun::complainAfterOutput(std::string_view line) {
+    out.flush();
+    console.say(line);
+}
+
+int RuleRun::finish(int status, std::optional<Summary::Sampling> sampling) {
+    Summary summary = rules->summary();
+    summary.sampling = std::move(sampling);
+    report->end(summary);
+    return abandon(status);
+}
+
+int RuleRun::abandon(int status) {
+    return console.finish(out, status);
+}
+
+}  // namespace Brenta::OS::VIG::Tool

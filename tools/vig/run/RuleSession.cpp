@@ -1,0 +1,136 @@
+#include "tools/vig/run/RuleSession.h"
+
+#include <poll.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <chrono>
+#include <memory>
+#include <utility>
+
+#include "tools/vig/document/ParseErrorText.h"
+#include "tools/vig/io/FileText.h"
+#include "tools/vig/io/Output.h"
+#include "tools/vig/words/Text.h"
+#include "vig/actions/PseudoRandomGenerator.h"
+
+namespace Brenta::OS::VIG::Tool {
+
+namespace {
+
+// Longer than the manager looks for the device configuration.
+constexpr int kLongestWaitMs = 40'000;
+constexpr std::chrono::seconds kLongestSubscription{2};
+
+bool isPipe(const std::string& path) {
+    struct stat status = {};
+    return stat(path.c_str(), &status) == 0 && S_ISFIFO(status.st_mode);
+}
+
+std::string explain(VIGParseError error) {
+    if (error == VIGParseError::Ok) {
+        return {};
+    }
+    const ParseErrorText& text = textOf(error);
+    return "refused (" + std::string(text.name) + "): " + std::string(text.meaning);
+}
+
+}  // namespace
+
+RuleSession::RuleSession(std::string rulesPath, std::uint32_t seed, AttributeSet contextAttributes, Report& target,
+                         Trace* trace)
+    : path(std::move(rulesPath)),
+      context(std::move(contextAttributes)),
+      report(target),
+      tracer(trace != nullptr ? std::make_unique<Tracer>(*trace) : nullptr),
+      group(context, report, tracer.get()),
+      services(group) {
+    PseudoRandomGenerator::ofProcess().seed(seed);
+}
+
+RuleSession::Loading RuleSession::load(Changes later, const Interruption& interruption) {
+    const Loading loading = receive(later, interruption);
+    if (loading == Loading::Done) {
+        group.start();
+    }
+    return loading;
+}
+
+RuleSession::Loading RuleSession::receive(Changes later, const Interruption& interruption) {
+    reason = whyUnreadable(path);
+    if (!reason.empty()) {
+        return Loading::Unreadable;
+    }
+    if (isPipe(path) && !copyPipe(interruption)) {
+        return interruption.requested() ? Loading::Interrupted : Loading::Unreadable;
+    }
+    document.emplace(pipeCopy ? "/proc/self/fd/" + std::to_string(pipeCopy->get()) : path, tracer.get());
+    pollfd sources[] = {{document->descriptor(), POLLIN, 0}, {interruption.descriptor(), POLLIN, 0}};
+    while (poll(sources, 2, kLongestWaitMs) < 0 && !interruption.requested()) {
+    }
+    if (interruption.requested()) {
+        return Loading::Interrupted;
+    }
+    auto delivery = document->take();
+    if (!delivery) {
+        reason = "the device configuration did not deliver it";
+        return Loading::Unreadable;
+    }
+    if (later == Changes::Ignore || delivery->error != VIGParseError::Ok) {
+        document->close();
+    } else {
+        // The manager listens for changes only after it has delivered: until then a saved document goes unnoticed.
+        services.awaitLine("ViG device config is available now.", kLongestSubscription);
+    }
+    services.passOnLines();
+    adopt(std::move(*delivery));
+    if (isGone) {
+        return Loading::Unreadable;
+    }
+    return reason.empty() ? Loading::Done : Loading::Refused;
+}
+
+// The manager's thread would read the pipe to its end, whatever happens meanwhile.
+bool RuleSession::copyPipe(const Interruption& interruption) {
+    const auto text = readFile(path, interruption, reason);
+    if (!text) {
+        return false;
+    }
+    pipeCopy.emplace(memfd_create("rules", MFD_CLOEXEC));
+    if (!pipeCopy->isOpen()) {
+        reason = systemError(errno);
+        return false;
+    }
+    Output copy(pipeCopy->get());
+    copy.write(*text);
+    copy.flush();
+    reason = copy.failed() ? systemError(copy.failure()) : "";
+    return !copy.failed();
+}
+
+bool RuleSession::update() {
+    auto delivery = document->take();
+    group.leaveEvent();
+    services.passOnLines();
+    if (!delivery) {
+        return false;
+    }
+    adopt(std::move(*delivery));
+    report.delivery({group.eventCount(), path, group.size(), reason});
+    group.start();
+    return true;
+}
+
+void RuleSession::adopt(Delivery delivery) {
+    reason = explain(delivery.error);
+    // The device configuration reads a file that is not there as a document without configurations.
+    isGone = reason.empty() && delivery.configs.empty() && !whyUnreadable(path).empty();
+    if (isGone) {
+        reason = whyUnreadable(path);
+    }
+    group.adopt(tracer && reason.empty() ? tracer->watch(path, std::move(delivery.text), delivery.configs)
+                                         : std::move(delivery.configs));
+}
+
+}  // namespace Brenta::OS::VIG::Tool

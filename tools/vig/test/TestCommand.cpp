@@ -1,0 +1,223 @@
+#include "tools/vig/test/TestCommand.h"
+
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <fnmatch.h>
+#include <host/TrustedFile.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cmath>
+#include <filesystem>
+#include <map>
+#include <system_error>
+
+#include "tools/vig/io/Descriptor.h"
+#include "tools/vig/io/FileText.h"
+#include "tools/vig/io/Output.h"
+#include "tools/vig/test/Coverage.h"
+#include "tools/vig/test/JUnit.h"
+#include "tools/vig/test/TestFile.h"
+#include "tools/vig/test/TestRun.h"
+#include "tools/vig/words/Text.h"
+
+namespace Brenta::OS::VIG::Tool {
+
+namespace {
+
+class TestSuite {
+  public:
+    TestSuite(const TestOptions& testOptions, const Console& streams, const Interruption& interruptedBy)
+        : options(testOptions), console(streams), interruption(interruptedBy), out(streams.out) {}
+
+    int run() {
+        if (!read()) {
+            return interruption.requested() ? kExitInterrupted : kExitUnusable;
+        }
+        for (const TestFile& file : files) {
+            if (const auto status = runFile(file)) {
+                return console.finish(out, *status);
+            }
+        }
+        if (interruption.requested()) {
+            return console.finish(out, kExitInterrupted);
+        }
+        const auto failed = std::ranges::count_if(verdicts, [](const auto& each) { return !each.failure.empty(); });
+        const bool covered = reportCoverage();
+        out.write(fmt::format("{} test{}: {} passed, {} failed\n", verdicts.size(), verdicts.size() == 1 ? "" : "s",
+                              verdicts.size() - static_cast<std::size_t>(failed), failed));
+        if (!options.junitFile.empty() && !writeJUnit()) {
+            return console.finish(out, interruption.requested() ? kExitInterrupted : kExitUnusable);
+        }
+        return console.finish(out, failed > 0 || !covered ? kExitRefused : kExitDone);
+    }
+
+  private:
+    // Reads all files before the first test runs.
+    bool read() {
+        std::vector<std::string> errors;
+        for (const std::string& path : options.files) {
+            auto file = readTestFile(path, interruption, errors);
+            if (interruption.requested()) {
+                return false;
+            }
+            if (!file) {
+                continue;
+            }
+            std::erase_if(file->tests, [&](const TestCase& each) { return !isSelected(each.name); });
+            if (options.filter.empty() || !file->tests.empty()) {
+                files.push_back(std::move(*file));
+            }
+        }
+        for (const std::string& error : errors) {
+            console.say(error);
+        }
+        if (errors.empty() && files.empty()) {
+            console.complain("no test is called like " + Tool::quoted(options.filter));
+            return false;
+        }
+        return errors.empty() && !wouldDestroyAnInput();
+    }
+
+    bool isSelected(const std::string& name) const {
+        std::string pattern = "*";
+        for (const char each : options.filter) {
+            // Names may have brackets and backslashes, which are no wildcards here.
+            pattern += each == '[' || each == '\\' ? "\\" : "";
+            pattern += each;
+        }
+        return fnmatch((pattern + "*").c_str(), name.c_str(), 0) == 0;
+    }
+
+    bool wouldDestroyAnInput() const {
+        const auto isReport = [&](const std::string& path) {
+            std::error_code ignored;
+            return !options.junitFile.empty() && std::filesystem::equivalent(path, options.junitFile, ignored);
+        };
+        const bool would =
+            std::ranges::any_of(options.files, isReport) || std::ranges::any_of(files, [&](const TestFile& each) {
+                return isReport(each.rules) || std::ranges::any_of(each.eventFiles, isReport);
+            });
+        if (would) {
+            console.complain("--junit would overwrite " + options.junitFile);
+        }
+        return would;
+    }
+
+    // Empty if the run is to go on.
+    std::optional<int> runFile(const TestFile& file) {
+        const std::string rules = std::filesystem::path(file.rules).lexically_normal().string();
+        Coverage& coverage = coverageByRules[rules];
+        std::size_t failed = 0;
+        for (const TestCase& each : file.tests) {
+            const TestOutcome outcome = runTest(file.rules, each, coverage, interruption);
+            switch (outcome.loading) {
+                case RuleSession::Loading::Done:
+                    break;
+                case RuleSession::Loading::Refused:
+                    refuse(file, outcome.problem);
+                    coverageByRules.erase(rules);
+                    return std::nullopt;
+                case RuleSession::Loading::Unreadable:
+                    out.flush();
+                    console.complain(file.rules + ": " + outcome.problem);
+                    return kExitUnusable;
+                case RuleSession::Loading::Interrupted:
+                    return kExitInterrupted;
+            }
+            verdicts.push_back({file.path, each.name, outcome.failure});
+            failed += outcome.failure.empty() ? 0 : 1;
+            if (!outcome.failure.empty()) {
+                show(file, each, outcome.failure);
+            }
+        }
+        out.write(fmt::format("{}  {}: {} of {} passed\n", failed == 0 ? "ok  " : "FAIL", printable(file.path),
+                              file.tests.size() - failed, file.tests.size()));
+        // Whatever becomes of the next file, this one's verdict is told.
+        out.flush();
+        return std::nullopt;
+    }
+
+    void show(const TestFile& file, const TestCase& failed, const std::vector<std::string>& failure) {
+        out.write(fmt::format("FAIL  {}:{}: {}\n", printable(file.path), failed.line, shownName(failed.name)));
+        for (const std::string& line : failure) {
+            out.write("    " + line + "\n");
+        }
+    }
+
+    // None of the tests of refused rules can pass.
+    void refuse(const TestFile& file, const std::string& problem) {
+        std::vector<std::string> lines = printableLines(problem);
+        std::for_each(lines.begin() + 1, lines.end(), [](std::string& line) { line.insert(0, "  "); });
+        lines.front().insert(0, file.rules + ": error: ");
+        std::erase_if(verdicts, [&](const TestVerdict& each) { return each.file == file.path; });
+        for (const TestCase& each : file.tests) {
+            // Once for the file: a large document has many lines, and may have many tests.
+            const bool isFirst = &each == &file.tests.front();
+            verdicts.push_back({file.path, each.name, isFirst ? lines : std::vector(1, lines.front())});
+        }
+        out.write(fmt::format("FAIL  {}: the rules cannot be tested\n", printable(file.path)));
+        out.flush();
+        for (const std::string& line : lines) {
+            console.say(line);
+        }
+    }
+
+    // Whether it is enough.
+    bool reportCoverage() {
+        if (!options.coverage && !options.coverageMin) {
+            return true;
+        }
+        bool enough = true;
+        for (const auto& [rules, coverage] : coverageByRules) {
+            for (const std::string& gap : coverage.gaps()) {
+                out.write(printable(gap) + "\n");
+            }
+            const auto transitions = coverage.transitions();
+            const auto outcomes = coverage.filterOutcomes();
+            const double percent = coverage.total().percent();
+            // Rounded down: 100 % is everything.
+            out.write(fmt::format("coverage  {}: {:.1f} % (transitions fired {}/{}, filter outcomes seen {}/{})\n",
+                                  printable(rules), std::floor(percent * 10) / 10, transitions.reached, transitions.all,
+                                  outcomes.reached, outcomes.all));
+            enough = enough && percent >= options.coverageMin.value_or(0);
+        }
+        if (!enough) {
+            out.write(fmt::format("coverage is below {} %\n", *options.coverageMin));
+        }
+        return enough;
+    }
+
+    bool writeJUnit() {
+        const std::string& path = options.junitFile;
+        const Descriptor file(host::openTrusted(path, O_WRONLY | O_CREAT | O_TRUNC, 0644));
+        int error = errno;
+        if (file.isOpen()) {
+            Output report(file.get());
+            report.write(junitXml(verdicts));
+            report.flush();
+            error = report.failure();
+        }
+        if (error != 0 && !interruption.requested()) {
+            out.flush();
+            console.complain(path + ": " + whyNotOpened(error));
+        }
+        return error == 0;
+    }
+
+    const TestOptions& options;
+    const Console& console;
+    const Interruption& interruption;
+    Output out;
+    std::vector<TestFile> files;
+    std::map<std::string, Coverage> coverageByRules;
+    std::vector<TestVerdict> verdicts;
+};
+
+}  // namespace
+
+int test(const TestOptions& options, const Console& console, const Interruption& interruption) {
+    return TestSuite(options, console, interruption).run();
+}
+
+}  // namespace Brenta::OS::VIG::Tool

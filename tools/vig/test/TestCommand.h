@@ -1,0 +1,23 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "tools/vig/io/Console.h"
+#include "tools/vig/io/Interruption.h"
+
+namespace Brenta::OS::VIG::Tool {
+
+struct TestOptions {
+    std::vector<std::string> files;
+    std::string filter;                 // a part of the names of the tests to run, which may have wildcards
+    bool coverage = false;              // tells what the tests have not reached
+    std::optional<double> coverageMin;  // in percent; less of any rule document is a failure
+    std::string junitFile;              // empty if no JUnit report is wanted
+};
+
+// `vig test`: runs the tests of rule documents. Returns the exit status.
+int test(const TestOptions& options, const Console& console, const Interruption& interruption);
+
+}  // namespace Brenta::OS::VIG::Tool

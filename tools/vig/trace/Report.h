@@ -1,0 +1,102 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "rulesengine/EventType.h"
+
+namespace Brenta::OS::VIG::Tool {
+
+struct Step;
+class WhyNot;
+
+// A machine by its place in the document, and the id of its configuration.
+struct MachineName {
+    std::size_t index;
+    std::int64_t configId;
+};
+
+// What happened, in the words of the report. "event" is the number of the event, counted from 1, and 0 while a
+// document is loaded and its machines are started.
+
+struct TriggerLine {
+    std::uint64_t event;
+    MachineName machine;
+    std::string name;
+    std::optional<std::string> processName;
+    std::vector<std::string> metadata;
+};
+
+struct LogLine {
+    std::uint64_t event;
+    int priority;  // one of android_LogPriority
+    std::string_view tag;
+    std::string_view message;
+};
+
+struct MoveLine {
+    std::uint64_t event;
+    MachineName machine;
+    std::string_view from;
+    std::string_view to;
+};
+
+// A document that was delivered again while its events went on.
+struct DeliveryLine {
+    std::uint64_t event;  // the last one before
+    std::string_view document;
+    std::size_t configurations;
+    std::string_view refusal;  // empty if it was accepted
+};
+
+struct Summary {
+    struct Machine {
+        MachineName name;
+        std::int64_t payloadId;
+        std::string_view state;
+    };
+
+    // What only a live run has.
+    struct Sampling {
+        std::uint64_t samples;
+        std::map<RulesEngine::EventType, std::uint64_t> eventsByType;
+    };
+
+    std::uint64_t events;
+    std::uint64_t triggers;
+    std::vector<Machine> machines;
+    std::optional<Sampling> sampling;
+};
+
+// Where everything goes that a run has to tell, in the order in which it happened.
+class Report {
+  public:
+    virtual ~Report() = default;
+
+    virtual void trigger(const TriggerLine& line) = 0;
+    virtual void log(const LogLine& line) = 0;
+    virtual void move(const MoveLine& line) = 0;
+    virtual void delivery(const DeliveryLine& line) = 0;
+    virtual void explain(const Step& step) = 0;
+    virtual void whyNot(const WhyNot& answer) = 0;
+    virtual void end(const Summary& summary) = 0;
+};
+
+// For runs of which only something else is wanted.
+class NoReport final : public Report {
+  public:
+    void trigger(const TriggerLine& /*line*/) override {}
+    void log(const LogLine& /*line*/) override {}
+    void move(const MoveLine& /*line*/) override {}
+    void delivery(const DeliveryLine& /*line*/) override {}
+    void explain(const Step& /*step*/) override {}
+    void whyNot(const WhyNot& /*answer*/) override {}
+    void end(const Summary& /*summary*/) override {}
+};
+
+}  // namespace Brenta::OS::VIG::Tool

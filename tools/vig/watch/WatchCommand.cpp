@@ -1,0 +1,165 @@
+#include "tools/vig/watch/WatchCommand.h"
+
+#include <fcntl.h>
+#include <host/TrustedFile.h>
+#include <poll.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <system_error>
+
+#include "tools/vig/events/EventWriter.h"
+#include "tools/vig/io/Descriptor.h"
+#include "tools/vig/io/FileText.h"
+#include "tools/vig/io/Output.h"
+#include "tools/vig/watch/SystemSampler.h"
+#include "tools/vig/words/Text.h"
+
+namespace Brenta::OS::VIG::Tool {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+// Opens the file for the recording, which is a new one or, if that is wanted, is emptied. Returns -1, with errno set,
+// if that fails.
+int openRecord(const WatchOptions& options) {
+    constexpr int kHow = O_WRONLY | O_NOFOLLOW;
+    const int created = host::openTrusted(options.recordFile, kHow | O_CREAT | O_EXCL, 0666);
+    return created >= 0 || errno != EEXIST || !options.overwrite
+               ? created
+               : host::openTrusted(options.recordFile, kHow | O_TRUNC, 0);
+}
+
+// What is recorded must not take the place of what is read, under whatever name.
+bool isInput(const WatchOptions& options) {
+    std::error_code ignored;
+    return std::filesystem::equivalent(options.recordFile, options.rules, ignored) ||
+           std::filesystem::equivalent(options.recordFile, options.contextFile, ignored);
+}
+
+std::string whyNotRecorded(int error) {
+    switch (error) {
+        case EEXIST:
+            return "it exists already; --force overwrites it";
+        case ELOOP:
+            return "it is a symbolic link";
+        default:
+            return whyNotOpened(error);
+    }
+}
+
+timespec untilThen(Clock::time_point deadline) {
+    const auto left = std::max<std::chrono::nanoseconds>(deadline - Clock::now(), std::chrono::nanoseconds(0));
+    const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(left);
+    return {static_cast<time_t>(seconds.count()), static_cast<long>((left - seconds).count())};
+}
+
+class Watch {
+  public:
+    // `recordOutput` is null if nothing is recorded.
+    Watch(const WatchOptions& watchOptions, const Interruption& interruptedBy, RuleRun& rules, Output* recordOutput)
+        : options(watchOptions),
+          interruption(interruptedBy),
+          ruleRun(rules),
+          record(recordOutput),
+          sampler(
+              options.procFolder, options.sysFolder, [] { return Clock::now().time_since_epoch(); },
+              [this](std::string_view note) { ruleRun.complainAfterOutput("vig: note: " + std::string(note)); }) {}
+
+    int run() {
+        const Clock::time_point start = Clock::now();
+        const Clock::time_point end = start + options.duration;
+        Clock::time_point next = start;
+        do {
+            takeSample(std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start));
+            // Samples that are overdue already are left out.
+            next += options.interval * (1 + std::max<Clock::rep>(0, (Clock::now() - next) / options.interval));
+        } while (waitUntil(std::min(next, end)) && next <= end);
+        if (record != nullptr && record->failed()) {
+            ruleRun.complainAfterOutput("vig: error: " + options.recordFile + ": " + systemError(record->failure()));
+            return kExitUnusable;
+        }
+        return ruleRun.finish(kExitDone, std::move(sampling));
+    }
+
+  private:
+    void takeSample(std::chrono::milliseconds time) {
+        followDocument();
+        ++sampling.samples;
+        sampler.sample(time.count(), [this](const EventRecord& event) {
+            ++sampling.eventsByType[event.type];
+            if (record != nullptr) {
+                writeEvent(*record, event);
+            }
+            ruleRun.session().offer(event);
+        });
+        if (record != nullptr) {
+            record->flush();
+        }
+        ruleRun.output().flush();
+    }
+
+    // Meanwhile follows the document. False if the watch is to end.
+    bool waitUntil(Clock::time_point deadline) {
+        pollfd sources[] = {{interruption.descriptor(), POLLIN, 0}, {ruleRun.session().changesDescriptor(), POLLIN, 0}};
+        while (!mustStop()) {
+            const timespec left = untilThen(deadline);
+            if (ppoll(sources, 2, &left, nullptr) == 0) {
+                return true;
+            }
+            followDocument();
+        }
+        return false;
+    }
+
+    void followDocument() {
+        RuleSession& session = ruleRun.session();
+        if (session.update() && !session.problem().empty()) {
+            ruleRun.complainAfterOutput(options.rules + ": error: " + session.problem() +
+                                        "; no rules run until it is mended");
+        }
+        ruleRun.output().flush();
+    }
+
+    bool mustStop() const { return ruleRun.mustStop() || (record != nullptr && record->failed()); }
+
+    const WatchOptions& options;
+    const Interruption& interruption;
+    RuleRun& ruleRun;
+    Output* const record;
+    SystemSampler sampler;
+    Summary::Sampling sampling{};
+};
+
+}  // namespace
+
+int watch(const WatchOptions& options, const Console& console, const Interruption& interruption) {
+    const bool recording = !options.recordFile.empty();
+    if (recording && isInput(options)) {
+        console.complain(options.recordFile + ": it is an input of this very run");
+        return kExitUnusable;
+    }
+    RuleRun ruleRun(options, console, interruption);
+    if (const auto status = ruleRun.begin(RuleSession::Changes::Follow)) {
+        return *status;
+    }
+    // Not before the rules are known to run: the earlier recording may be all that there is, and a new file would have
+    // to be taken away again, which by its name can be another one by then.
+    const Descriptor file(recording ? openRecord(options) : -1);
+    if (recording && !file.isOpen()) {
+        if (interruption.requested()) {
+            return kExitInterrupted;
+        }
+        console.complain(options.recordFile + ": " + whyNotRecorded(errno));
+        return kExitUnusable;
+    }
+    Output record(file.get());
+    return Watch(options, interruption, ruleRun, recording ? &record : nullptr).run();
+}
+
+}  // namespace Brenta::OS::VIG::Tool

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace Brenta::OS::VIG::Tool {
+
+// `; did you mean "…"?` with the name that a typing mistake most likely made `given` of; empty if none is near.
+std::string suggestion(std::string_view given, std::span<const std::string_view> names);
+
+}  // namespace Brenta::OS::VIG::Tool
