@@ -4,7 +4,6 @@
 #include <utility>
 
 #include "rulesengine/Event.h"
-#include "rulesengine/Transition.h"
 
 namespace Brenta::OS::RulesEngine {
 
@@ -56,7 +55,7 @@ void FiniteStateMachine::offer(const Event& event, int maxMoves) {
     const Event* offered = &event;
     // The bound keeps a cycle of EnteringState transitions from hanging the thread that delivers events.
     for (int moves = 0; moves < maxMoves; ++moves) {
-        State* const next = offerTo(*currentState, *offered);
+        State* const next = currentState->offer(*context, *offered);
         if (next == nullptr) {
             return;
         }

@@ -14,7 +14,6 @@
 #include "rulesengine/EventType.h"
 #include "rulesengine/Filter.h"
 #include "rulesengine/State.h"
-#include "rulesengine/Transition.h"
 
 namespace Brenta::OS::RulesEngine {
 
@@ -87,18 +86,6 @@ class VIG_EXPORT FiniteStateMachine {
     void setContext(std::unique_ptr<EvaluationContext> newContext);
 
   private:
-    friend class State;
-
-    // Offers the event to the transitions of one state. Returns the target of the first that fires, or null.
-    State* offerTo(const State& state, const Event& event) const {
-        for (const auto& transition : state.getTransitions()) {
-            if (State* const next = transition->tryToFire(*context, event)) {
-                return next;
-            }
-        }
-        return nullptr;
-    }
-
     // Offers the event to the current state and, after each move, the event of entering to the state reached.
     void offer(const Event& event, int maxMoves);
 

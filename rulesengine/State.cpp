@@ -3,7 +3,6 @@
 #include <utility>
 
 #include "rulesengine/FiniteStateMachine.h"
-#include "rulesengine/Transition.h"
 
 namespace Brenta::OS::RulesEngine {
 
@@ -20,7 +19,7 @@ void State::addTransition(State* to, EventType eventType, std::vector<std::share
 }
 
 State* State::onEvent(const Event& event) {
-    return machine.offerTo(*this, event);
+    return offer(*machine.getContext(), event);
 }
 
 void State::getListeningEventTypes(std::unordered_set<EventType>& eventTypes) const {

@@ -10,12 +10,11 @@
 #include "rulesengine/Action.h"
 #include "rulesengine/EventType.h"
 #include "rulesengine/Filter.h"
+#include "rulesengine/Transition.h"
 
 namespace Brenta::OS::RulesEngine {
 
-class Event;
 class FiniteStateMachine;
-class Transition;
 
 // One state of a machine, which owns it; a state owns the transitions that leave it.
 class VIG_EXPORT State {
@@ -36,7 +35,8 @@ class VIG_EXPORT State {
     void addTransition(State* to, EventType eventType, std::vector<std::shared_ptr<Filter>> filters,
                        std::vector<std::shared_ptr<Action>> actions);
 
-    // Offers the event to the transitions. Returns the target of the first that fires, null if none does.
+    // Offers the event to the transitions, with the machine's context. Returns the target of the first that fires, null
+    // if none does.
     State* onEvent(const Event& event);
 
     // Adds the event type of each transition to `eventTypes`.
@@ -49,6 +49,18 @@ class VIG_EXPORT State {
     const std::vector<std::unique_ptr<Transition>>& getTransitions() const { return transitions; }
 
   private:
+    friend class FiniteStateMachine;
+
+    // Does what onEvent() does; it stands here so that a machine offers an event without a call.
+    State* offer(EvaluationContext& context, const Event& event) const {
+        for (const auto& transition : transitions) {
+            if (State* const next = transition->tryToFire(context, event)) {
+                return next;
+            }
+        }
+        return nullptr;
+    }
+
     const std::string name;
     FiniteStateMachine& machine;
     std::vector<std::unique_ptr<Transition>> transitions;

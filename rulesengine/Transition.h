@@ -12,7 +12,6 @@
 namespace Brenta::OS::RulesEngine {
 
 class EvaluationContext;
-class FiniteStateMachine;
 class State;
 
 // One edge between two states of a machine; owned by the state that it leaves, and never changed.
@@ -40,9 +39,9 @@ class VIG_EXPORT Transition {
     State* onEvent(EvaluationContext& context, const Event& event) const;
 
   private:
-    friend class FiniteStateMachine;
+    friend class State;
 
-    // What onEvent() does; here, so that a machine tries its transitions without a call for each of them.
+    // Does what onEvent() does; it stands here so that a state tries its transitions without a call for each of them.
     State* tryToFire(EvaluationContext& context, const Event& event) const {
         if (!event.matches(eventType, context)) {
             return nullptr;
