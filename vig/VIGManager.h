@@ -39,6 +39,7 @@ class VIGTriggerVeloraFuncActionFactoryImpl;
 //
 // All operations may be called from any thread, and all but the destructor from within the callback.
 // Nothing throws, but for the std::system_error of a thread that cannot be created.
+// REQUIRES: the C++ locale of the process has the decimal point ".", since the JSON library reads numbers in it.
 // The order of the virtual operations and of the members is part of the binary interface.
 class VIG_EXPORT VIGManager {
   public:

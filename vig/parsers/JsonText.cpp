@@ -4,12 +4,8 @@
 #include <json/value.h>
 
 #include <algorithm>
-#include <charconv>
 #include <cstddef>
-#include <cstdint>
-#include <locale>
 #include <memory>
-#include <system_error>
 
 #include "vig/parsers/JsonTokens.h"
 
@@ -48,59 +44,6 @@ bool moveToValueBelow(unsigned levels, JsonTokens& tokens) {
     return false;
 }
 
-// How far the token reaches that the reader takes for a number, in text that begins with one.
-std::size_t numberLength(std::string_view text) {
-    const auto skip = [&](std::size_t place, std::string_view characters) {
-        return std::min(text.find_first_not_of(characters, place), text.size());
-    };
-    constexpr std::string_view kDigits = "0123456789";
-    std::size_t end = skip(1, kDigits);
-    if (text.substr(end, 1) == ".") {
-        end = skip(end + 1, kDigits);
-    }
-    if (text.substr(end, 1) == "e" || text.substr(end, 1) == "E") {
-        ++end;
-        end = skip(text.substr(end, 1) == "+" || text.substr(end, 1) == "-" ? end + 1 : end, kDigits);
-    }
-    return end;
-}
-
-// The exponent written in `digits`, a sign included; empty if it is none. One so large that the number is 0 or
-// beyond the range of any double, however many digits it has, is made smaller.
-std::optional<std::int64_t> readExponent(std::string_view digits) {
-    constexpr std::int64_t kBeyondAnyNumber = 1'000'000'000'000;
-    if (digits.starts_with('+')) {
-        digits.remove_prefix(1);
-    }
-    std::int64_t exponent = 0;
-    const char* const end = digits.data() + digits.size();
-    const auto [read, failure] = std::from_chars(digits.data(), end, exponent);
-    if (read != end || failure == std::errc::invalid_argument) {
-        return std::nullopt;
-    }
-    if (failure == std::errc::result_out_of_range) {
-        return digits.starts_with('-') ? -kBeyondAnyNumber : kBeyondAnyNumber;
-    }
-    return std::clamp(exponent, -kBeyondAnyNumber, kBeyondAnyNumber);
-}
-
-// The number without its decimal point. A number with an exponent that is none stays as wrong as it was.
-std::string respellNumber(std::string_view number) {
-    const std::size_t point = number.find('.');
-    if (point == std::string_view::npos) {
-        return std::string(number);
-    }
-    const std::size_t mantissaEnd = std::min(number.find_first_of("eE", point), number.size());
-    const std::string mantissa =
-        std::string(number.substr(0, point)) + std::string(number.substr(point + 1, mantissaEnd - point - 1));
-    const auto exponent = mantissaEnd < number.size() ? readExponent(number.substr(mantissaEnd + 1)) : 0;
-    if (!exponent) {
-        return mantissa + std::string(number.substr(mantissaEnd));
-    }
-    const auto decimals = static_cast<std::int64_t>(mantissaEnd - point - 1);
-    return mantissa + "e" + std::to_string(*exponent - decimals);
-}
-
 Json::CharReaderBuilder readerBuilder() {
     Json::CharReaderBuilder builder;
     // Comments are accepted and mean nothing. To keep them, the reader searches the text before each one again.
@@ -110,11 +53,9 @@ Json::CharReaderBuilder readerBuilder() {
 
 // The reader's report if it finds an error. REQUIRES: the reader does not throw.
 std::optional<std::string> read(const std::string& text, const Json::CharReaderBuilder& builder, Json::Value& root) {
-    const std::string respelled = respellForLocale(text);
-    const std::string& readable = respelled.empty() ? text : respelled;
     std::string errors;
     const std::unique_ptr<Json::CharReader> reader(builder.newCharReader());
-    if (!reader->parse(readable.data(), readable.data() + readable.size(), &root, &errors)) {
+    if (!reader->parse(text.data(), text.data() + text.size(), &root, &errors)) {
         return errors;
     }
     return std::nullopt;
@@ -154,26 +95,6 @@ std::optional<std::string> reportOfUnreadable(std::string_view text, unsigned le
     }
     tokens.next();
     return report(json, tokens.offset(), "Nested deeper than the limit of " + std::to_string(levels) + " levels.");
-}
-
-std::string respellForLocale(std::string_view text) {
-    if (std::use_facet<std::numpunct<char>>(std::locale()).decimal_point() == '.') {
-        return {};
-    }
-    // The mark stays, or a second one would be taken for it.
-    const std::string_view json = withoutByteOrderMark(text);
-    std::string respelled(text.substr(0, text.size() - json.size()));
-    std::size_t copied = 0;
-    for (JsonTokens tokens(json); tokens.next(); copied = tokens.offset() + tokens.token().size()) {
-        respelled += json.substr(copied, tokens.offset() - copied);
-        const std::string_view token = tokens.token();
-        const bool isNumber = std::string_view("+-0123456789").find(token[0]) != std::string_view::npos;
-        const std::size_t length = isNumber ? numberLength(token) : 0;
-        respelled += respellNumber(token.substr(0, length));
-        respelled += token.substr(length);
-    }
-    respelled += json.substr(copied);
-    return respelled;
 }
 
 }  // namespace Brenta::OS::VIG

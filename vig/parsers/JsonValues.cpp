@@ -6,8 +6,6 @@
 #include <algorithm>
 #include <limits>
 
-#include "vig/parsers/CLocale.h"
-
 namespace Brenta::OS::VIG {
 
 namespace {
@@ -53,12 +51,10 @@ std::optional<std::string> toText(const Json::Value& value) {
     if (value.isObject() || value.isArray()) {
         return std::nullopt;
     }
-    const ScopedCLocale scopedCLocale;
     return value.asString();
 }
 
 std::string styledText(const Json::Value& value) {
-    const ScopedCLocale scopedCLocale;
     if (!nestedDeeperThan(kMostStyledLevels, value)) {
         return value.toStyledString();
     }

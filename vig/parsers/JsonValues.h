@@ -10,8 +10,7 @@ class Value;
 
 namespace Brenta::OS::VIG {
 
-// What the JSON library's own conversions give, without the cases in which they do not return normally, and
-// whatever decimal point the process has set.
+// What the JSON library's own conversions give, without the cases in which they do not return normally.
 
 // A number truncated toward zero; empty if it does not fit, or is not a number at all.
 std::optional<std::int64_t> toInt64(const Json::Value& value);

@@ -5,7 +5,6 @@
 #include <cstdlib>
 #include <iostream>
 
-#include "tests/support/Locales.h"
 #include "tests/support/PeakMemory.h"
 #include "tests/vig/parsers/Json.h"
 
@@ -13,7 +12,6 @@ namespace {
 
 using namespace std::string_literals;
 using Brenta::OS::VIG::reportOfUnreadable;
-using Brenta::OS::VIG::respellForLocale;
 
 // All texts of one piece to `most` pieces.
 std::vector<std::string> textsOf(const std::vector<std::string>& pieces, int most) {
@@ -133,34 +131,6 @@ TEST(UnreadableJson, IsReportedWithItsPlaceAndTheLimit) {
     // Only its length is looked at.
     EXPECT_EQ(reportOfUnreadable(std::string_view("", std::size_t{1} << 30), 1000),
               "* Line 1, Column 1\n  Longer than the limit of 1073741823 bytes.\n");
-}
-
-TEST(RespelledJson, ReadsInACommaLocaleAsTheOriginalReadsInTheCLocale) {
-    std::vector<std::string> numbers = textsOf({"1", ".", "e", "-", "+"}, 5);
-    numbers.insert(numbers.end(), {"0.1", "123456789012345678901234567890.5", "1.5e400", "1.5e-400", "1.5E+3", "-0.0",
-                                   "4.9e-324", "9223372036854775808.0", "1.5e-9223372036854775808", "1.5e+-5",
-                                   "1.5e99999999999999999999", "1.5e-99999999999999999999", "1.5x", "1.5e5.5"});
-    std::vector<std::string> texts = {R"({"1.5":"2.5"} 3.5)", R"([1.5/*2.5*/,3.5,"4.5\"5.5"])", "\xEF\xBB\xBF[1.5]",
-                                      "\xEF\xBB\xBF\xEF\xBB\xBF[1.5]", "[1 2.5]"};
-    for (const std::string& number : numbers) {
-        texts.push_back("[" + number + ", 1]");
-    }
-    for (const std::string& text : textsOf(kTokens, 3)) {
-        texts.push_back("{\"k\":2.5" + text + "\"k\":1.5}");
-    }
-    std::vector<Reading> expected;
-    for (const std::string& text : texts) {
-        expected.push_back(readJson(text));
-        EXPECT_EQ(respellForLocale(text), "");
-    }
-    support::inCommaLocales([&] {
-        for (std::size_t i = 0; i < texts.size(); ++i) {
-            const std::string respelled = respellForLocale(texts[i]);
-            const Reading reading = readJson(respelled.empty() ? texts[i] : respelled);
-            EXPECT_EQ(reading.accepted, expected[i].accepted) << texts[i];
-            EXPECT_TRUE(!reading.accepted || reading.value == expected[i].value) << texts[i];
-        }
-    });
 }
 
 }  // namespace
