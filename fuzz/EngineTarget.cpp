@@ -80,8 +80,7 @@ class Library {
 
   private:
     static void deliver(FiniteStateMachine& machine, const naive::Event& event) {
-        const auto& types = Brenta::OS::VIG::kEventTypeNames.pairs;
-        const auto type = std::ranges::find(types, event.type, [](const auto& each) { return each.second; })->first;
+        const EventType type = *Brenta::OS::VIG::kEventTypeNames.reverseLookup(event.type);
         if (type == EventType::Timeout) {
             machine.onEvent(support::TestTimeoutEvent(toSupport(event.attributes), event.timeoutId));
         } else {

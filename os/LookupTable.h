@@ -15,7 +15,7 @@ template <std::size_t Size, typename Key, typename Value>
 struct LookupTable {
     std::array<std::pair<Key, Value>, Size> pairs;
 
-    // The key of the first pair, in table order, whose value equals `value`; empty if there is none.
+    // Returns the key of the first pair, in table order, whose value equals `value`; empty if there is none.
     // C strings are compared by content, up to the terminating NUL, and must not be null.
     constexpr std::optional<Key> reverseLookup(const Value& value) const {
         for (const auto& [key, candidate] : pairs) {
@@ -24,6 +24,24 @@ struct LookupTable {
             }
         }
         return std::nullopt;
+    }
+
+    // Returns the value of the first pair with that key. REQUIRES: there is one.
+    constexpr const Value& lookup(const Key& key) const {
+        std::size_t place = 0;
+        while (pairs[place].first != key) {
+            ++place;
+        }
+        return pairs[place].second;
+    }
+
+    // Returns the values, which are texts, in table order.
+    constexpr std::array<std::string_view, Size> texts() const {
+        std::array<std::string_view, Size> all;
+        for (std::size_t place = 0; place < Size; ++place) {
+            all[place] = pairs[place].second;
+        }
+        return all;
     }
 
   private:
@@ -35,5 +53,11 @@ struct LookupTable {
         }
     }
 };
+
+// Makes a table of as many pairs as are written, so that none can be left empty.
+template <typename Key, typename Value, std::size_t Size>
+constexpr LookupTable<Size, Key, Value> makeLookupTable(const std::pair<Key, Value> (&pairs)[Size]) {
+    return {std::to_array(pairs)};
+}
 
 }  // namespace Brenta::OS

@@ -1,12 +1,14 @@
 #pragma once
 
+#include <string_view>
+
 #include "os/LookupTable.h"
 #include "rulesengine/EventType.h"
 
 namespace Brenta::OS::VIG {
 
 // The names by which documents, and the tool's event records, refer to the event types.
-inline constexpr LookupTable<10, RulesEngine::EventType, const char*> kEventTypeNames{{{
+inline constexpr auto kEventTypeNames = makeLookupTable<RulesEngine::EventType, std::string_view>({
     {RulesEngine::EventType::EnteringState, "EnteringState"},
     {RulesEngine::EventType::Timeout, "Timeout"},
     {RulesEngine::EventType::Test, "Test"},
@@ -17,6 +19,6 @@ inline constexpr LookupTable<10, RulesEngine::EventType, const char*> kEventType
     {RulesEngine::EventType::ProcessCpuHeartBeat, "ProcessCpuHeartBeat"},
     {RulesEngine::EventType::ForegroundAppsStats, "ForegroundAppsStats"},
     {RulesEngine::EventType::TelemetryEventEnd, "TelemetryEventEnd"},
-}}};
+});
 
 }  // namespace Brenta::OS::VIG

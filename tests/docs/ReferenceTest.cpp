@@ -22,11 +22,11 @@ std::set<std::string> setOf(const std::string& text, const std::string& pattern)
 }
 
 TEST(Reference, NamesEveryEventTypeAndOperator) {
-    for (const auto& named : kEventTypeNames.pairs) {
-        EXPECT_THAT(kReference, testing::HasSubstr(std::string("\n| `") + named.second + "` | "));
+    for (const std::string_view name : kEventTypeNames.texts()) {
+        EXPECT_THAT(kReference, testing::HasSubstr("\n| `" + std::string(name) + "` | "));
     }
-    for (const auto& written : kFilterOperatorTable.pairs) {
-        EXPECT_THAT(kReference, testing::HasSubstr(std::string("`") + written.second + "` ("));
+    for (const std::string_view text : kFilterOperatorTable.texts()) {
+        EXPECT_THAT(kReference, testing::HasSubstr("`" + std::string(text) + "` ("));
     }
 }
 

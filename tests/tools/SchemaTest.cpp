@@ -222,7 +222,8 @@ TEST(Schemas, HaveTheNamesOfTheLibrary) {
     };
     const auto keysOf = [&](const auto& map) { return namesOf(map, [](const auto& pair) { return pair.first; }); };
     const auto valuesOf = [&](const auto& table) {
-        return namesOf(table.pairs, [](const auto& pair) { return pair.second; });
+        const auto texts = table.texts();
+        return std::set<std::string>(texts.begin(), texts.end());
     };
     const auto registry = libraryRegistry();
     const Schema schema("rule-document.schema.json");

@@ -3,6 +3,7 @@
 #include <json/value.h>
 
 #include <string_view>
+#include <type_traits>
 #include <utility>
 
 #include "rulesengine/Comparators.h"
@@ -22,77 +23,43 @@ using RulesEngine::ReturnValueComparator;
 
 namespace {
 
-template <typename T>
-bool compare(FilterOperator op, const T& lhs, const T& rhs) {
+// Hands the comparison that the operator stands for to `use`, and returns what that returns.
+auto withComparison(FilterOperator op, const auto& use) {
     switch (op) {
         case FilterOperator::Equal:
-            return lhs == rhs;
+            return use(std::equal_to<>());
         case FilterOperator::NotEqual:
-            return lhs != rhs;
+            return use(std::not_equal_to<>());
         case FilterOperator::Greater:
-            return lhs > rhs;
+            return use(std::greater<>());
         case FilterOperator::Less:
-            return lhs < rhs;
+            return use(std::less<>());
         case FilterOperator::GreaterEqual:
-            return lhs >= rhs;
+            return use(std::greater_equal<>());
         case FilterOperator::LessEqual:
             break;
     }
-    return lhs <= rhs;
+    return use(std::less_equal<>());
 }
 
 template <template <typename, typename> class Comparator, typename T, typename Source>
 std::shared_ptr<Filter> createComparator(FilterOperator op, Source source, T constant) {
-    const auto create = [&]<typename Op>(Op) -> std::shared_ptr<Filter> {
+    return withComparison(op, [&]<typename Op>(Op) -> std::shared_ptr<Filter> {
         return std::make_shared<Comparator<T, Op>>(std::move(source), std::move(constant));
-    };
-    switch (op) {
-        case FilterOperator::Equal:
-            return create(std::equal_to<>());
-        case FilterOperator::NotEqual:
-            return create(std::not_equal_to<>());
-        case FilterOperator::Greater:
-            return create(std::greater<>());
-        case FilterOperator::Less:
-            return create(std::less<>());
-        case FilterOperator::GreaterEqual:
-            return create(std::greater_equal<>());
-        case FilterOperator::LessEqual:
-            break;
-    }
-    return create(std::less_equal<>());
+    });
 }
 
-// What the value types differ in.
+// An attribute that the event lacks reads as "" or 0.
 template <typename T>
-struct ValueTraits;
-
-template <>
-struct ValueTraits<std::string> {
-    static std::optional<std::string> read(const std::string& text) { return text; }
-    static std::string readNearest(const std::string& text) { return text; }
-    static std::string attribute(const Event& event, std::string_view name) {
+T attributeOf(const Event& event, std::string_view name) {
+    if constexpr (std::is_same_v<T, std::string>) {
         return std::string(event.getStringAttr(name));
-    }
-};
-
-template <>
-struct ValueTraits<std::int64_t> {
-    static std::optional<std::int64_t> read(const std::string& text) { return readInt64(text); }
-    static std::int64_t readNearest(const std::string& text) { return readNearestInt64(text); }
-    static std::int64_t attribute(const Event& event, std::string_view name) {
+    } else if constexpr (std::is_same_v<T, double>) {
+        return event.getDoubleAttr(name).value_or(0.0);
+    } else {
         return event.getInt64Attr(name).value_or(0);
     }
-};
-
-template <>
-struct ValueTraits<double> {
-    static std::optional<double> read(const std::string& text) { return readDouble(text); }
-    static double readNearest(const std::string& text) { return readNearestDouble(text); }
-    static double attribute(const Event& event, std::string_view name) {
-        return event.getDoubleAttr(name).value_or(0.0);
-    }
-};
+}
 
 template <typename T>
 OperandFunction<T> constantFunction(T value) {
@@ -104,10 +71,10 @@ OperandFunction<T> createOperandFunction(const FilterOperand& operand, const VIG
                                          const T& fallback) {
     switch (operand.type) {
         case FilterOperand::Type::Constant:
-            return constantFunction(ValueTraits<T>::readNearest(operand.value));
+            return constantFunction(readNearest<T>(operand.value));
         case FilterOperand::Type::Envvar:
             return [name = operand.value](const EvaluationContext&, const Event& event) {
-                return ValueTraits<T>::attribute(event, name);
+                return attributeOf<T>(event, name);
             };
         case FilterOperand::Type::Function:
             break;
@@ -137,7 +104,7 @@ std::shared_ptr<Filter> createConstantFilter(Comparison comparison, const VIGPar
         return nullptr;
     }
     // Garbage must not ship as 0.
-    auto constant = ValueTraits<T>::read(comparison.rhs.value);
+    auto constant = readConstant<T>(comparison.rhs.value);
     if (!constant) {
         VIG_LOG_ERROR("Invalid constant of value type %s: %s.", comparison.valueType, comparison.rhs.value.c_str());
         return nullptr;
@@ -233,7 +200,7 @@ void _createFilter(FilterOperator op, OperandFunction<T> lhs, OperandFunction<T>
         [op, lhs = std::move(lhs), rhs = std::move(rhs)](const EvaluationContext& context, const Event& event) {
             const T left = lhs(context, event);
             const T right = rhs(context, event);
-            return compare(op, left, right);
+            return withComparison(op, [&](auto comparison) { return comparison(left, right); });
         });
 }
 

@@ -31,24 +31,24 @@ enum class FilterOperator : std::int32_t {
 };
 
 // The operators as documents write them.
-inline constexpr LookupTable<6, FilterOperator, const char*> kFilterOperatorTable{{{
+inline constexpr auto kFilterOperatorTable = makeLookupTable<FilterOperator, const char*>({
     {FilterOperator::Equal, "=="},
     {FilterOperator::NotEqual, "!="},
     {FilterOperator::Greater, ">"},
     {FilterOperator::Less, "<"},
     {FilterOperator::GreaterEqual, ">="},
     {FilterOperator::LessEqual, "<="},
-}}};
+});
 
 // The type in which a filter compares.
 enum class FilterValueType : std::int32_t { String = 0, Integer = 1, Double = 2 };
 
 // The value types as documents write them.
-inline constexpr LookupTable<3, FilterValueType, std::string_view> kFilterValueTypeTable{{{
+inline constexpr auto kFilterValueTypeTable = makeLookupTable<FilterValueType, std::string_view>({
     {FilterValueType::String, "string"},
     {FilterValueType::Integer, "integer"},
     {FilterValueType::Double, "double"},
-}}};
+});
 
 // One side of a comparison, as parsed.
 struct VIG_EXPORT FilterOperand {
@@ -66,11 +66,11 @@ struct VIG_EXPORT FilterOperand {
 };
 
 // The operand types as documents write them.
-inline constexpr LookupTable<3, FilterOperand::Type, std::string_view> kFilterOperandTypeTable{{{
+inline constexpr auto kFilterOperandTypeTable = makeLookupTable<FilterOperand::Type, std::string_view>({
     {FilterOperand::Type::Constant, "constant"},
     {FilterOperand::Type::Function, "function"},
     {FilterOperand::Type::Envvar, "envvar"},
-}}};
+});
 
 // The operator that keeps the meaning when the operands change places.
 FilterOperator mirrored(FilterOperator op);

@@ -4,7 +4,8 @@
 #include <json/writer.h>
 
 #include <algorithm>
-#include <limits>
+
+#include "vig/parsers/NumberText.h"
 
 namespace Brenta::OS::VIG {
 
@@ -40,11 +41,7 @@ std::optional<std::int64_t> toInt64(const Json::Value& value) {
 }
 
 std::optional<std::int32_t> toInt32(const Json::Value& value) {
-    const std::optional<std::int64_t> wide = toInt64(value);
-    if (!wide || *wide < std::numeric_limits<std::int32_t>::min() || *wide > std::numeric_limits<std::int32_t>::max()) {
-        return std::nullopt;
-    }
-    return static_cast<std::int32_t>(*wide);
+    return toInt32(toInt64(value));
 }
 
 std::optional<std::string> toText(const Json::Value& value) {

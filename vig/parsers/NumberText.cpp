@@ -1,44 +1,47 @@
 #include "vig/parsers/NumberText.h"
 
+#include <locale.h>
+
 #include <cerrno>
 #include <cmath>
 #include <cstdlib>
-#include <limits>
-
-#include "vig/parsers/CLocale.h"
+#include <utility>
 
 namespace Brenta::OS::VIG {
 
-std::optional<std::int32_t> readInt32(const std::string& text) {
-    const std::optional<std::int64_t> wide = readInt64(text);
-    if (!wide || *wide < std::numeric_limits<std::int32_t>::min() || *wide > std::numeric_limits<std::int32_t>::max()) {
-        return std::nullopt;
+namespace {
+
+// Documents mean the same whatever locale the process has set.
+locale_t cLocale() {
+    static const locale_t locale = newlocale(LC_ALL_MASK, "C", nullptr);
+    return locale;
+}
+
+}  // namespace
+
+template <typename T>
+NumberText<T> readNumber(const std::string& text) {
+    char* end = nullptr;
+    errno = 0;
+    T value;
+    bool isInRange;
+    if constexpr (std::is_same_v<T, double>) {
+        value = strtod_l(text.c_str(), &end, cLocale());
+        // A number that a double holds with fewer digits, since it is so close to 0, is ERANGE as well.
+        isInRange = errno != ERANGE || (value != 0.0 && !std::isinf(value));
+    } else {
+        value = strtoll_l(text.c_str(), &end, 10, cLocale());
+        isInRange = errno != ERANGE;
     }
-    return static_cast<std::int32_t>(*wide);
+    const auto length = static_cast<std::size_t>(end - text.c_str());
+    return {value, isInRange && length > 0, length};
 }
 
-std::optional<std::int64_t> readInt64(const std::string& text) {
-    char* end = nullptr;
-    errno = 0;
-    const std::int64_t value = strtoll_l(text.c_str(), &end, 10, cLocale());
-    return end == text.c_str() || errno == ERANGE ? std::nullopt : std::optional(value);
-}
+template NumberText<std::int64_t> readNumber(const std::string&);
+template NumberText<double> readNumber(const std::string&);
 
-std::optional<double> readDouble(const std::string& text) {
-    char* end = nullptr;
-    errno = 0;
-    const double value = strtod_l(text.c_str(), &end, cLocale());
-    // A number that a double holds with fewer digits, since it is so close to 0, is ERANGE as well.
-    const bool isOutOfRange = errno == ERANGE && (value == 0.0 || std::isinf(value));
-    return end == text.c_str() || isOutOfRange ? std::nullopt : std::optional(value);
-}
-
-std::int64_t readNearestInt64(const std::string& text) {
-    return strtoll_l(text.c_str(), nullptr, 10, cLocale());
-}
-
-double readNearestDouble(const std::string& text) {
-    return strtod_l(text.c_str(), nullptr, cLocale());
+std::optional<std::int32_t> toInt32(std::optional<std::int64_t> wide) {
+    return wide && std::in_range<std::int32_t>(*wide) ? std::optional(static_cast<std::int32_t>(*wide)) : std::nullopt;
 }
 
 }  // namespace Brenta::OS::VIG

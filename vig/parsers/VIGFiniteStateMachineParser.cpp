@@ -25,19 +25,19 @@ using RulesEngine::FiniteStateMachine;
 
 enum class ParameterType { Integer, Double, String };
 
-constexpr LookupTable<3, ParameterType, std::string_view> kParameterTypes{{{
+constexpr auto kParameterTypes = makeLookupTable<ParameterType, std::string_view>({
     {ParameterType::Integer, "integer"},
     {ParameterType::Double, "double"},
     {ParameterType::String, "string"},
-}}};
+});
 
 // Empty if the text is not a number of the type or is beyond its range.
 std::optional<VIGActionParameter> convertParameter(ParameterType type, const std::string& text) {
     switch (type) {
         case ParameterType::Integer:
-            return readInt32(text);
+            return toInt32(readConstant<std::int64_t>(text));
         case ParameterType::Double:
-            return readDouble(text);
+            return readConstant<double>(text);
         case ParameterType::String:
             break;
     }

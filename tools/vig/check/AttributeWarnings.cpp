@@ -21,11 +21,6 @@ KindSet kindsOf(const CataloguedAttributes& attributes, std::string_view name) {
     return place == attributes.end() ? KindSet() : place->second;
 }
 
-std::string_view textOf(FilterValueType type) {
-    const auto& pairs = kFilterValueTypeTable.pairs;
-    return std::ranges::find(pairs, type, [](const auto& pair) { return pair.first; })->second;
-}
-
 // The value type as which an attribute of these kinds can be compared; empty if there is none.
 std::string_view comparableAs(KindSet kinds) {
     for (const auto& [type, text] : kFilterValueTypeTable.pairs) {
@@ -125,7 +120,7 @@ class OperandCheck {
         const std::string_view better = comparableAs(known);
         warn(found, "wrong-kind", operand.place,
              shownQuoted(operand.operand.value) + " is known as " + known.text() + ", which a comparison as " +
-                 quoted(textOf(type)) + " never finds",
+                 quoted(kFilterValueTypeTable.lookup(type)) + " never finds",
              better.empty() ? "attributes of the kinds uint64 and bool cannot be compared at all"
                             : "write \"value_type\": " + quoted(better));
     }
@@ -133,8 +128,8 @@ class OperandCheck {
     void warnOfFallback(const OperandModel& operand, FilterValueType type) {
         const std::string& name = operand.operand.value;
         warn(found, "function-fallback", operand.place,
-             "there is no function " + shownQuoted(name) + " that gives the type " + quoted(textOf(type)) +
-                 ": it reads as " + fallbackOf(type),
+             "there is no function " + shownQuoted(name) + " that gives the type " +
+                 quoted(kFilterValueTypeTable.lookup(type)) + ": it reads as " + fallbackOf(type),
              hintForFunction(name, type));
     }
 

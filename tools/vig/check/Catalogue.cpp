@@ -93,7 +93,7 @@ class Catalogue::Filling {
             return;
         }
         for (const std::string& name : types.getMemberNames()) {
-            const EventType type = kEventTypeNames.reverseLookup(name.c_str()).value_or(EventType{});
+            const EventType type = kEventTypeNames.reverseLookup(name).value_or(EventType{});
             readKinds(types[name], StrictJson::member("events", name), catalogue.events[type]);
         }
     }

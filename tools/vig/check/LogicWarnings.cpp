@@ -40,17 +40,6 @@ FilterOperator negated(FilterOperator op) {
     return FilterOperator::Greater;
 }
 
-template <typename T>
-T constantOf(const OperandModel& operand) {
-    if constexpr (std::is_same_v<T, std::string>) {
-        return operand.operand.value;
-    } else if constexpr (std::is_same_v<T, double>) {
-        return readNearestDouble(operand.operand.value);
-    } else {
-        return readNearestInt64(operand.operand.value);
-    }
-}
-
 // All values that a comparison with a constant can meet.
 template <typename T>
 ValueRange<T> domainOf(const OperandModel& operand) {
@@ -67,7 +56,7 @@ ValueRange<T> domainOf(const OperandModel& operand) {
 template <typename T>
 bool isImpossible(FilterOperator op, const NormalFilter& normal) {
     ValueRange<T> range = domainOf<T>(normal.left);
-    range.narrow(op, constantOf<T>(normal.right));
+    range.narrow(op, readNearest<T>(normal.right.operand.value));
     return range.isEmpty();
 }
 
@@ -142,7 +131,7 @@ class Contradictions {
         }
         auto& [range, filters, contradictory] = place->second;
         if (!contradictory) {
-            range.narrow(normal.op, constantOf<T>(normal.right));
+            range.narrow(normal.op, readNearest<T>(normal.right.operand.value));
             contradictory = range.isEmpty();
             if (contradictory) {
                 report(filter, filters);
@@ -164,7 +153,7 @@ class Contradictions {
             ValueRange<T> range;
             for (const FilterModel* const each : {other, &filter}) {
                 const NormalFilter normal = normalFormOf(*each);
-                range.narrow(normal.op, constantOf<T>(normal.right));
+                range.narrow(normal.op, readNearest<T>(normal.right.operand.value));
             }
             return range.isEmpty();
         };

@@ -31,8 +31,9 @@ void check(const FilterModel& filter, std::vector<Diagnostic>& found) {
     const std::string op = (*filter.json)["operator"].asString();
     if (hasNul(op)) {
         warn(found, kName, placeOf(filter, "operator"),
-             shownQuoted(op) + " is read as " + shownQuoted(textOf(filter.op)) + ": what follows the NUL is ignored",
-             "write " + shownQuoted(textOf(filter.op)) + " if that is meant");
+             shownQuoted(op) + " is read as " + shownQuoted(kFilterOperatorTable.lookup(filter.op)) +
+                 ": what follows the NUL is ignored",
+             "write " + shownQuoted(kFilterOperatorTable.lookup(filter.op)) + " if that is meant");
     }
     for (const OperandModel* const operand : {&filter.operand1, &filter.operand2}) {
         // Of a number and of a function that is not there, others warn.

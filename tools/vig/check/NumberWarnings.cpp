@@ -3,7 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cstdlib>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -11,7 +11,6 @@
 #include "tools/vig/check/NormalFilter.h"
 #include "tools/vig/check/Warn.h"
 #include "tools/vig/words/Text.h"
-#include "vig/parsers/CLocale.h"
 #include "vig/parsers/NumberText.h"
 
 namespace Brenta::OS::VIG::Tool {
@@ -25,20 +24,12 @@ struct Reading {
     std::string_view rest;  // from where it stopped, without white space at the end
 };
 
-Reading readingOf(const std::string& text, FilterValueType type) {
-    char* end = nullptr;
-    std::string number;
-    bool inRange = false;
-    if (type == FilterValueType::Integer) {
-        number = std::to_string(strtoll_l(text.c_str(), &end, 10, cLocale()));
-        inRange = readInt64(text).has_value();
-    } else {
-        number = fmt::format("{}", strtod_l(text.c_str(), &end, cLocale()));
-        inRange = readDouble(text).has_value();
-    }
-    std::string_view rest = std::string_view(text).substr(static_cast<std::size_t>(end - text.c_str()));
+template <typename T>
+Reading readingOf(const std::string& text) {
+    const auto [nearest, isInRange, length] = readNumber<T>(text);
+    std::string_view rest = std::string_view(text).substr(length);
     rest = rest.substr(0, rest.find_last_not_of(" \t\r\n") + 1);
-    return {std::move(number), inRange, rest};
+    return {fmt::format("{}", nearest), isInRange, rest};
 }
 
 // A decimal number as it is written and as a double holds it, both with the same decimals.
@@ -59,7 +50,7 @@ std::optional<Decimal> decimalOf(std::string_view text) {
     const std::string_view decimals = text.substr(std::min(whole.size() + 1, text.size()));
     return Decimal{
         sign + (whole.empty() ? "0" : std::string(whole)) + (decimals.empty() ? "" : "." + std::string(decimals)),
-        sign + fmt::format("{:.{}f}", readNearestDouble(std::string(text)), decimals.size())};
+        sign + fmt::format("{:.{}f}", readNearest<double>(std::string(text)), decimals.size())};
 }
 
 void appendUnread(const Place& place, const std::string& text, const Reading& reading, std::vector<Diagnostic>& found) {
@@ -81,7 +72,7 @@ void appendImprecise(const OperandModel& operand, std::vector<Diagnostic>& found
 
 void appendNumberWarning(const OperandModel& operand, FilterValueType type, std::vector<Diagnostic>& found) {
     const std::string& text = operand.operand.value;
-    const Reading reading = readingOf(text, type);
+    const Reading reading = type == FilterValueType::Integer ? readingOf<std::int64_t>(text) : readingOf<double>(text);
     if (!reading.rest.empty()) {
         appendUnread(operand.place, text, reading, found);
     } else if (!reading.inRange) {

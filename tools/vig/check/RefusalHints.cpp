@@ -28,15 +28,6 @@ std::string oneOf(std::string_view given, std::span<const std::string_view> name
     return "one of " + listOf(names) + (given.empty() ? "" : suggestion(given, names));
 }
 
-template <std::size_t Size, typename Key, typename Value>
-std::string oneOf(std::string_view given, const Brenta::OS::LookupTable<Size, Key, Value>& table) {
-    std::vector<std::string_view> names;
-    for (const auto& [key, name] : table.pairs) {
-        names.emplace_back(name);
-    }
-    return oneOf(given, names);
-}
-
 // The names of tables of the registry, in alphabetical order.
 template <typename... Tables>
 std::vector<std::string_view> namesIn(const Tables&... tables) {
@@ -106,13 +97,13 @@ std::string memberHint(const Shape& shape, std::string_view key, const Json::Val
     const bool isString = given != nullptr && given->isString();
     const std::string text = isString ? given->asString() : std::string();
     if (key == "operator") {
-        return oneOf("", kFilterOperatorTable);  // for texts that short, every one is near
+        return oneOf("", kFilterOperatorTable.texts());  // for texts that short, every one is near
     }
     if (key == "value_type" || (key == "type" && shape.layer == Layer::Parameter)) {
-        return oneOf(text, kFilterValueTypeTable);  // parameters have the same types
+        return oneOf(text, kFilterValueTypeTable.texts());  // parameters have the same types
     }
     if (key == "type") {
-        return oneOf(text, kFilterOperandTypeTable);
+        return oneOf(text, kFilterOperandTypeTable.texts());
     }
     if (key == "id" && given != nullptr && given->isNumeric()) {
         return shape.layer == Layer::Config ? "a number within the signed 64-bit range is needed"

@@ -25,9 +25,9 @@ constexpr std::size_t kMostCompared = 64;
 std::string constantText(const OperandModel& operand, FilterValueType type) {
     switch (type) {
         case FilterValueType::Integer:
-            return std::to_string(readNearestInt64(operand.operand.value));
+            return std::to_string(readNearest<std::int64_t>(operand.operand.value));
         case FilterValueType::Double:
-            return fmt::format("{}", readNearestDouble(operand.operand.value));
+            return fmt::format("{}", readNearest<double>(operand.operand.value));
         case FilterValueType::String:
             break;
     }

@@ -1,6 +1,5 @@
 #include "tools/vig/document/RuleModel.h"
 
-#include <algorithm>
 #include <utility>
 
 #include "tools/vig/words/Text.h"
@@ -101,13 +100,8 @@ ConfigModel modelOf(const DocumentText& document, Json::ArrayIndex index) {
     return Modeller(document).config(document.root()["configs"][index], "configs[" + std::to_string(index) + "]");
 }
 
-std::string_view textOf(FilterOperator op) {
-    const auto& pairs = kFilterOperatorTable.pairs;
-    return std::ranges::find(pairs, op, [](const auto& pair) { return pair.first; })->second;
-}
-
 std::string conditionOf(const FilterModel& filter) {
-    return termOf(filter.operand1, filter.valueType) + " " + std::string(textOf(filter.op)) + " " +
+    return termOf(filter.operand1, filter.valueType) + " " + kFilterOperatorTable.lookup(filter.op) + " " +
            termOf(filter.operand2, filter.valueType);
 }
 

@@ -56,9 +56,6 @@ struct ConfigModel {
 // The element of "configs" at that index. REQUIRES: the library accepts it. The model refers to the document's JSON.
 ConfigModel modelOf(const DocumentText& document, Json::ArrayIndex index);
 
-// The operator as documents write it.
-std::string_view textOf(FilterOperator op);
-
 // The filter as a condition for people to read: `vmRssKB > 2097152`, `PseudoRandomDouble() < 0.1`, `"a" == name`.
 std::string conditionOf(const FilterModel& filter);
 

@@ -260,11 +260,11 @@ bool RecordParser::Impl::readEventType(ondemand::value value, EventType& type) {
     if (const auto code = value.get(name)) {
         return wrongValue<std::string_view>("event", value, code);
     }
-    const auto place = std::ranges::find(kEventNames, name);
-    if (place == kEventNames.end()) {
+    const auto known = kEventTypeNames.reverseLookup(name);
+    if (!known) {
         return fail("event: unknown event " + shownQuoted(name) + suggestion(name, kEventNames));
     }
-    type = kEventTypeNames.pairs[static_cast<std::size_t>(place - kEventNames.begin())].first;
+    type = *known;
     return true;
 }
 

@@ -29,7 +29,7 @@ std::string shown(const ComparedValue& compared) {
 }
 
 std::string shown(const FilterModel& filter, const ComparedValue& left, const ComparedValue& right) {
-    return shown(left) + " " + std::string(textOf(filter.op)) + " " + shown(right);
+    return shown(left) + " " + std::string(kFilterOperatorTable.lookup(filter.op)) + " " + shown(right);
 }
 
 void addAttempt(std::vector<std::string>& lines, const Attempt& attempt) {

@@ -79,21 +79,6 @@ class StepRecorder {
 
 namespace {
 
-template <typename T>
-T constantOf(const std::string& text);
-template <>
-std::string constantOf(const std::string& text) {
-    return text;
-}
-template <>
-std::int64_t constantOf(const std::string& text) {
-    return readNearestInt64(text);
-}
-template <>
-double constantOf(const std::string& text) {
-    return readNearestDouble(text);
-}
-
 // Of an event or a context.
 template <typename T>
 std::optional<T> attributeOf(const auto& source, const std::string& name) {
@@ -132,7 +117,7 @@ class OperandReader {
     ComparedValue readAs(const FilterOperand& operand) {
         switch (operand.type) {
             case FilterOperand::Type::Constant:
-                return {constantOf<T>(operand.value)};
+                return {readNearest<T>(operand.value)};
             case FilterOperand::Type::Envvar:
                 return readAttribute<T>(operand.value);
             case FilterOperand::Type::Function:
