@@ -9,6 +9,7 @@
 #include "vig/DeliveryGate.h"
 #include "vig/EventTypeNames.h"
 #include "vig/ResponseListener.h"
+#include "vig/ResponseProperty.h"
 #include "vig/WatcherSleep.h"
 #include "vig/actions/LogZramHeartBeatActionFunctionFactory.h"
 #include "vig/actions/PseudoRandomDoublePureFunctionImpl.h"
@@ -25,8 +26,6 @@ using com::korvel::deviceconfig::Properties;
 
 namespace {
 
-const std::string kNamespace = "korvel_vig";
-const std::string kResponseKey = "vig_response";
 constexpr const char* kDefaultResponse = "\n    { \"configs\": [] }\n  ";
 
 constexpr std::int32_t kLongestDelay = 31;  // seconds; the watcher gives up rather than sleep longer

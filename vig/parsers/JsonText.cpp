@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <memory>
 
+#include "vig/base/Utf8.h"
 #include "vig/parsers/JsonTokens.h"
 
 namespace Brenta::OS::VIG {

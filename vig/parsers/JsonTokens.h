@@ -7,12 +7,6 @@
 
 namespace Brenta::OS::VIG {
 
-// The text that the reader's offsets count in.
-inline std::string_view withoutByteOrderMark(std::string_view text) {
-    constexpr std::string_view kMark = "\xEF\xBB\xBF";
-    return text.starts_with(kMark) ? text.substr(kMark.size()) : text;
-}
-
 // Splits text into tokens, and follows which arrays and objects are open, as the reader does up to the first error
 // that it reports; from there on it goes no deeper. White space and comments separate tokens, a token is a bracket, a
 // comma, a colon, a string or a run of anything else.

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace Json {
 class Value;
@@ -15,6 +16,9 @@ namespace Brenta::OS::VIG {
 // A number truncated toward zero; empty if it does not fit, or is not a number at all.
 std::optional<std::int64_t> toInt64(const Json::Value& value);
 std::optional<std::int32_t> toInt32(const Json::Value& value);
+
+// Returns the kind of the value as messages call it: "null", "a number", "an array" and so on.
+std::string_view kindName(const Json::Value& value);
 
 // A string, number or boolean as text, null as the empty text; empty for an object or array.
 std::optional<std::string> toText(const Json::Value& value);

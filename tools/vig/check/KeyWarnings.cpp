@@ -10,6 +10,7 @@
 #include "tools/vig/check/DocumentShape.h"
 #include "tools/vig/words/NearestName.h"
 #include "tools/vig/words/Text.h"
+#include "vig/base/Utf8.h"
 #include "vig/parsers/JsonText.h"
 #include "vig/parsers/JsonTokens.h"
 

@@ -74,24 +74,6 @@ std::string typeHint(const Json::Value* given, const Json::Value& accepted) {
 
 }  // namespace
 
-std::string_view typeName(const Json::Value& value) {
-    switch (value.type()) {
-        case Json::nullValue:
-            return "null";
-        case Json::stringValue:
-            return "a string";
-        case Json::booleanValue:
-            return "a boolean";
-        case Json::arrayValue:
-            return "an array";
-        case Json::objectValue:
-            return "an object";
-        default:
-            break;
-    }
-    return "a number";
-}
-
 std::string memberHint(const Shape& shape, std::string_view key, const Json::Value* given,
                        const Json::Value& accepted) {
     const bool isString = given != nullptr && given->isString();

@@ -13,9 +13,6 @@ namespace Brenta::OS::VIG::Tool {
 
 // What would mend what the library refuses.
 
-// "a number", "an array" and so on.
-std::string_view typeName(const Json::Value& value);
-
 // For a member that is missing (`given` is null) or that the library does not accept where it accepts `accepted`; with
 // an empty key, for what stands where an object of that shape should.
 std::string memberHint(const Shape& shape, std::string_view key, const Json::Value* given, const Json::Value& accepted);

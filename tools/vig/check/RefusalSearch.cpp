@@ -6,6 +6,7 @@
 #include "tools/vig/check/RefusalHints.h"
 #include "tools/vig/document/ParseErrorText.h"
 #include "tools/vig/words/Text.h"
+#include "vig/parsers/JsonValues.h"
 
 namespace Brenta::OS::VIG::Tool {
 
@@ -50,8 +51,8 @@ std::string faultOf(std::string_view key, const Json::Value* value, const Json::
     if (value == nullptr) {
         return quoted(key) + " is missing";
     }
-    const std::string_view type = typeName(*value);
-    return type == typeName(accepted) ? std::string() : quoted(key) + " is " + std::string(type);
+    const std::string_view type = kindName(*value);
+    return type == kindName(accepted) ? std::string() : quoted(key) + " is " + std::string(type);
 }
 
 }  // namespace

@@ -2,8 +2,8 @@
 
 #include <utility>
 
+#include "vig/base/Utf8.h"
 #include "vig/parsers/JsonText.h"
-#include "vig/parsers/JsonTokens.h"
 
 namespace Brenta::OS::VIG::Tool {
 

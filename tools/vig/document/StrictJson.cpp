@@ -10,30 +10,13 @@
 #include "tools/vig/words/NearestName.h"
 #include "tools/vig/words/Text.h"
 #include "vig/base/Utf8.h"
-#include "vig/parsers/JsonTokens.h"
+#include "vig/parsers/JsonValues.h"
 
 namespace Brenta::OS::VIG::Tool {
 
 namespace {
 
 constexpr std::size_t kMostShownOfMessage = 500;
-
-std::string_view kindOf(const Json::Value& json) {
-    switch (json.type()) {
-        case Json::nullValue:
-            return "null";
-        case Json::stringValue:
-            return "a string";
-        case Json::booleanValue:
-            return "true or false";
-        case Json::arrayValue:
-            return "an array";
-        case Json::objectValue:
-            return "an object";
-        default:
-            return "a number";
-    }
-}
 
 // Empty if the strict reader finds nothing.
 std::string reportOf(const std::string& text) {
@@ -94,7 +77,7 @@ void StrictJson::add(std::string mistake) {
 }
 
 void StrictJson::complainOfKind(const Json::Value& json, const std::string& path, std::string_view expected) {
-    complain(json, path, fmt::format("expected {}, got {}", expected, kindOf(json)));
+    complain(json, path, fmt::format("expected {}, got {}", expected, kindName(json)));
 }
 
 bool StrictJson::isArray(const Json::Value& json, const std::string& path) {

@@ -8,7 +8,7 @@
 
 #include "tools/vig/document/DocumentText.h"
 #include "tools/vig/document/StrictJson.h"
-#include "vig/parsers/JsonTokens.h"
+#include "vig/base/Utf8.h"
 
 namespace Brenta::OS::VIG::Tool {
 

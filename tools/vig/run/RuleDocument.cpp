@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "tools/vig/trace/Tracer.h"
+#include "vig/ResponseProperty.h"
 #include "vig/VIGManager.h"
 #include "vig/parsers/VIGResponseParser.h"
 
@@ -72,7 +73,7 @@ class RuleDocument::Manager : public VIGManager {
 };
 
 RuleDocument::RuleDocument(const std::string& path, const Tracer* tracer) : slot(std::make_unique<Slot>()) {
-    host::bindProperty("korvel_vig", "vig_response", path);
+    host::bindProperty(kNamespace, kResponseKey, path);
     manager = std::make_unique<Manager>(tracer);
     manager->registerCallback([&to = *slot, &from = *manager](std::vector<std::unique_ptr<VIGConfig>>&& configs) {
         to.put(from.delivery(std::move(configs)));

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "vig/parsers/JsonTokens.h"
+#include "vig/base/Utf8.h"
 
 namespace Brenta::OS::VIG::Tool {
 
