@@ -3,10 +3,30 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <atomic>
 #include <cmath>
+#include <cstdlib>
 #include <limits>
 
+#include "rulesengine/FiniteStateMachine.h"
 #include "tests/support/TestEvent.h"
+
+namespace {
+std::atomic<std::size_t> allocations = 0;
+}  // namespace
+
+// In place of the library's, for the whole executable. Not inlined, lest the compiler takes them for mismatched.
+[[gnu::noinline]] void* operator new(std::size_t size) {
+    ++allocations;
+    void* const memory = std::malloc(size);
+    return memory != nullptr ? memory : (std::abort(), nullptr);
+}
+[[gnu::noinline]] void operator delete(void* memory) noexcept {
+    std::free(memory);
+}
+[[gnu::noinline]] void operator delete(void* memory, std::size_t /*size*/) noexcept {
+    std::free(memory);
+}
 
 namespace {
 
@@ -95,20 +115,49 @@ TEST(Comparators, CompareIntegersSignedDoublesExactlyAndStringsByUnsignedBytes) 
                                        {"same", "same", kEqual}});
 }
 
-TEST(Comparators, PreferTheEventToTheContext) {
+TEST(Comparators, PreferTheEventToTheContextAndFailWithoutANumber) {
     EXPECT_EQ(compare<std::int64_t>(5, x(std::int64_t{1}), x(std::int64_t{9})), kLess);
     EXPECT_EQ(compare(5.0, x(1.0), x(9.0)), kLess);
     EXPECT_EQ(compare<std::string>("b", x("a"), x("c")), kLess);
     EXPECT_EQ(compare<std::string>("b", x(""), x("c")), kGreater);
-}
-
-TEST(Comparators, MissingNumberIsFalseForEveryOperatorAndMissingStringIsEmpty) {
     EXPECT_EQ(compare<std::int64_t>(0, {}, {}), kNever);
     EXPECT_EQ(compare(0.0, {}, {}), kNever);
-    for (const Attributes& attributes : {Attributes{}, x("")}) {
-        EXPECT_EQ(compare<std::string>("", attributes, attributes), kEqual);
-        EXPECT_EQ(compare<std::string>("a", attributes, attributes), kLess);
+    EXPECT_EQ(compare<std::string>("", {}, {}), kEqual);
+    EXPECT_EQ(compare<std::string>("a", {}, {}), kLess);
+}
+
+template <template <typename, typename> class Comparator, typename T, typename Source>
+void addTo(std::vector<std::shared_ptr<Filter>>& passing, FiniteStateMachine& machine, const Source& source,
+           T constant) {
+    machine.addTransition("start", "end", EventType::Test,
+                          {std::make_shared<Comparator<T, std::not_equal_to<>>>(source, constant)}, {});
+    passing.push_back(std::make_shared<Comparator<T, std::equal_to<>>>(source, constant));
+}
+
+TEST(DeliveringAnEvent, AllocatesNothing) {
+    const std::string name = "an attribute name too long for the string object itself";
+    FiniteStateMachine machine;
+    std::vector<std::shared_ptr<Filter>> passing;
+    addTo<EvtAndContextComparator, std::int64_t>(passing, machine, name, 1);
+    addTo<EvtAndContextComparator, double>(passing, machine, name, 1.5);
+    addTo<EvtAndContextComparator, std::string>(passing, machine, name, name);
+    addTo<ReturnValueComparator, std::int64_t>(
+        passing, machine, [] { return 1; }, 1);
+    addTo<ReturnValueComparator, double>(
+        passing, machine, [] { return 1.5; }, 1.5);
+    machine.addTransition("start", "end", EventType::Test, passing, {});
+    machine.addTransition("end", "start", EventType::EnteringState, {passing.back()}, {});
+    const TestEvent with({.int64 = {{name, 1}}, .real = {{name, 1.5}}, .string = {{name, name}}});
+    const TestEvent without({});
+    const TestEvent otherType({}, EventType::ForegroundAppsStats);
+    const std::size_t before = allocations;
+    machine.start();
+    for (const Event* event : {&with, &without, &otherType}) {
+        machine.onEvent(*event);
     }
+    EXPECT_EQ(allocations - before, 0U);
+    operator delete(operator new(1));
+    EXPECT_EQ(allocations - before, 1U) << "nothing is counted";
 }
 
 }  // namespace

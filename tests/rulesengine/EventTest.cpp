@@ -18,8 +18,16 @@ using support::slotOf;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr EventType kTypes[] = {EventType{0},    EventType{1},    EventType{2},    EventType{1000}, EventType{1001},
-                                EventType{1002}, EventType{1003}, EventType{1004}, EventType{1005}, EventType{2000}};
+constexpr std::pair<EventType, std::uint32_t> kTypes[] = {{EventType::EnteringState, 0},
+                                                          {EventType::Timeout, 1},
+                                                          {EventType::Test, 2},
+                                                          {EventType::TelemetryEventBegin, 1000},
+                                                          {EventType::ProcessMemoryHeartBeat, 1001},
+                                                          {EventType::SystemMemoryHeartBeat, 1002},
+                                                          {EventType::ZramHeartBeat, 1003},
+                                                          {EventType::ProcessCpuHeartBeat, 1004},
+                                                          {EventType::ForegroundAppsStats, 1005},
+                                                          {EventType::TelemetryEventEnd, 2000}};
 
 template <typename Source>
 void expectNoAttributes(const Source& source) {
@@ -39,11 +47,12 @@ TEST(Event, WithoutOverridesHasNoAttributesAndMatchesItsOwnTypeOnly) {
         for (int kind = 0; kind < 5; ++kind) {
             EXPECT_THAT(event.keys(static_cast<Event::ValueType>(kind)), IsEmpty());
         }
-        for (const EventType type : kTypes) {
+        for (const auto& [type, value] : kTypes) {
             EXPECT_EQ(event.matches(type, context), type == own);
         }
     };
-    for (const EventType type : kTypes) {
+    for (const auto& [type, value] : kTypes) {
+        EXPECT_EQ(static_cast<std::uint32_t>(type), value);
         expectBare(Event(type), type);
     }
     expectBare(Event::ENTERING_STATE, EventType::EnteringState);
@@ -64,11 +73,6 @@ TEST(Interfaces, HaveTheirVirtualOperationsInAFixedOrder) {
     EXPECT_THAT((std::vector{slotOf(&Filter::operator()), slotOf(&Action::operator())}), ElementsAre(2, 2));
 }
 
-static_assert(kTypes[0] == EventType::EnteringState && kTypes[1] == EventType::Timeout &&
-              kTypes[2] == EventType::Test && kTypes[3] == EventType::TelemetryEventBegin &&
-              kTypes[4] == EventType::ProcessMemoryHeartBeat && kTypes[5] == EventType::SystemMemoryHeartBeat &&
-              kTypes[6] == EventType::ZramHeartBeat && kTypes[7] == EventType::ProcessCpuHeartBeat &&
-              kTypes[8] == EventType::ForegroundAppsStats && kTypes[9] == EventType::TelemetryEventEnd);
 static_assert(std::is_same_v<std::underlying_type_t<EventType>, std::uint32_t>);
 static_assert(Event::ValueType::Uint64 == Event::ValueType{0} && Event::ValueType::Int64 == Event::ValueType{1} &&
               Event::ValueType::Double == Event::ValueType{2} && Event::ValueType::Bool == Event::ValueType{3} &&

@@ -2,10 +2,11 @@
 
 #include <gmock/gmock.h>
 
+#include <sstream>
+
 #include "rulesengine/FuncAction.h"
 #include "rulesengine/FuncFilter.h"
 #include "rulesengine/TimeoutEvent.h"
-#include "tests/support/LogCapture.h"
 #include "tests/support/TestEvent.h"
 
 namespace {
@@ -14,7 +15,6 @@ using namespace Brenta::OS::RulesEngine;
 using support::TestEvent;
 using testing::ElementsAre;
 using testing::IsEmpty;
-using testing::UnorderedElementsAre;
 
 const TestEvent kTest({});
 const TestEvent kZram({}, EventType::ZramHeartBeat);
@@ -22,28 +22,41 @@ const TestEvent kZram({}, EventType::ZramHeartBeat);
 // A machine whose filters and actions write down that they were called, actions with the state they ran in.
 class FiniteStateMachineTest : public testing::Test {
   protected:
-    std::shared_ptr<Filter> filter(const std::string& name, bool result) {
-        return std::make_shared<FuncFilter>([this, name, result](auto&, auto&) {
-            trace.push_back(name);
-            return result;
-        });
-    }
-
-    std::shared_ptr<Action> action(const std::string& name) {
-        return std::make_shared<FuncAction>([this, name](auto&, auto&) { trace.push_back(name + "@" + current()); });
+    // `pieces` names filters that pass ("F+") or do not ("F-"), and actions ("A").
+    void add(std::string_view from, std::string_view to, EventType type, const std::string& pieces = "") {
+        std::vector<std::shared_ptr<Filter>> filters;
+        std::vector<std::shared_ptr<Action>> actions;
+        std::istringstream words(pieces);
+        for (std::string word; words >> word;) {
+            if (word.back() == '+' || word.back() == '-') {
+                filters.push_back(std::make_shared<FuncFilter>([this, word](auto&, auto&) {
+                    trace += word + " ";
+                    return word.back() == '+';
+                }));
+            } else {
+                actions.push_back(std::make_shared<FuncAction>(
+                    [this, word](auto&, auto&) { trace += word + "@" + current() + " "; }));
+            }
+        }
+        machine.addTransition(from, to, type, filters, actions);
     }
 
     std::string current() { return std::string(machine.getCurrentState()->getName()); }
 
-    // The engine logs nothing, whatever happens.
-    void TearDown() override { EXPECT_THAT(log.lines(), IsEmpty()); }
+    // What was called since the last time, and the state that is current now.
+    std::string told() { return std::exchange(trace, "") + "-> " + current(); }
 
-    std::vector<std::string> trace;
-    const support::LogCapture log;
+    std::string after(const Event& event) {
+        machine.onEvent(event);
+        return told();
+    }
+
+    std::string trace;
     FiniteStateMachine machine;
 };
 
-TEST_F(FiniteStateMachineTest, BeginsWithTheStatesStartAndEndOnly) {
+TEST_F(FiniteStateMachineTest, BeginsWithTwoStatesAndAddsThoseOfATransitionUnderTheirExactNames) {
+    constexpr std::string_view kWithNul("a\0b", 3);
     EXPECT_EQ(current(), "start");
     EXPECT_EQ(machine.getOrCreateStateByName("start"), machine.getCurrentState());
     EXPECT_NE(machine.getStateByName("end"), nullptr);
@@ -53,96 +66,71 @@ TEST_F(FiniteStateMachineTest, BeginsWithTheStatesStartAndEndOnly) {
     EXPECT_THAT((std::vector{State::START_STATE, State::END_STATE, FiniteStateMachine::STATE_START,
                              FiniteStateMachine::STATE_END}),
                 ElementsAre("start", "end", "start", "end"));
-}
-
-TEST_F(FiniteStateMachineTest, AddsTheStatesOfATransitionUnderTheirExactNames) {
-    constexpr std::string_view kWithNul("a\0b", 3);
-    machine.addTransition("", "Start", EventType::Test, {}, {});
-    machine.addTransition("start", "end", EventType::Timeout, {}, {});
-    machine.addTransition("end", kWithNul, EventType::Test, {}, {});
-    EXPECT_EQ(machine.getStateByName("")->getName(), "");
-    EXPECT_EQ(machine.getStateByName(kWithNul)->getName(), kWithNul);
-    EXPECT_NE(machine.getStateByName("Start"), machine.getStateByName("start"));
+    add("", "Start", EventType::Test);
+    add("start", "end", EventType::Timeout);
+    add("end", kWithNul, EventType::Test);
+    for (const std::string_view name : {std::string_view(), std::string_view("Start"), kWithNul}) {
+        EXPECT_EQ(machine.getStateByName(name)->getName(), name);
+    }
     EXPECT_EQ(machine.getStateByName("a"), nullptr);
-    EXPECT_THAT(machine.getAllListeningEventTypes(), UnorderedElementsAre(EventType::Test, EventType::Timeout));
+    EXPECT_THAT(machine.getAllListeningEventTypes(),
+                testing::UnorderedElementsAre(EventType::Test, EventType::Timeout));
 }
 
-TEST_F(FiniteStateMachineTest, AsksFiltersInOrderThenRunsEveryActionThenMoves) {
-    machine.addTransition("start", "end", EventType::Test, {filter("F1", true), filter("F2", true)},
-                          {action("A1"), action("A2")});
+TEST_F(FiniteStateMachineTest, FiresTheFirstAddedTransitionThatPassesRunsEveryActionThenMoves) {
+    add("start", "a", EventType::Test, "F- G+ A");
+    add("start", "b", EventType::Test, "F+ G+ A B");
+    add("start", "c", EventType::Test, "H+ C");
+    add("start", "end", EventType::EnteringState, "F-");
     machine.start();
-    machine.onEvent(kTest);
-    machine.onEvent(kTest);
-    EXPECT_THAT(trace, ElementsAre("F1", "F2", "A1@start", "A2@start"));
-    EXPECT_EQ(current(), "end");
+    EXPECT_EQ(told(), "F- -> start");
+    EXPECT_EQ(after(kZram), "-> start");
+    EXPECT_EQ(after(kTest), "F- F+ G+ A@start B@start -> b");
+    EXPECT_EQ(after(kTest), "-> b");
 }
 
 TEST_F(FiniteStateMachineTest, AStateOrATransitionThatIsOfferedAnEventDoesNotMoveTheMachine) {
-    machine.addTransition("start", "a", EventType::Test, {filter("F", false)}, {});
-    machine.addTransition("start", "end", EventType::Test, {}, {action("A")});
+    add("start", "a", EventType::Test, "F-");
+    add("start", "end", EventType::Test, "A");
     State& start = *machine.getCurrentState();
     EXPECT_EQ(start.onEvent(kTest), machine.getStateByName("end"));
     EXPECT_EQ(start.onEvent(kZram), nullptr);
     EXPECT_EQ(start.getTransitions()[0]->onEvent(*machine.getContext(), kTest), nullptr);
     EXPECT_EQ(start.getTransitions()[1]->onEvent(*machine.getContext(), kTest), machine.getStateByName("end"));
-    EXPECT_THAT(trace, ElementsAre("F", "A@start", "F", "A@start"));
-    EXPECT_EQ(current(), "start");
-}
-
-TEST_F(FiniteStateMachineTest, StaysWithoutEnteringItsStateAgainWhereNothingFires) {
-    machine.addTransition("start", "end", EventType::Test, {filter("F1", false), filter("F2", true)}, {action("A")});
-    machine.addTransition("start", "end", EventType::EnteringState, {filter("entering", true)}, {});
-    machine.onEvent(kTest);
-    machine.onEvent(kZram);
-    EXPECT_THAT(trace, ElementsAre("F1"));
-    EXPECT_EQ(current(), "start");
-}
-
-TEST_F(FiniteStateMachineTest, FiresTheFirstAddedTransitionThatPasses) {
-    const auto shared = filter("F", false);
-    machine.addTransition("start", "a", EventType::Test, {shared}, {action("A")});
-    machine.addTransition("start", "b", EventType::Test, {shared}, {action("B")});
-    machine.addTransition("start", "c", EventType::Test, {}, {action("C")});
-    machine.addTransition("start", "d", EventType::Test, {filter("G", true)}, {action("D")});
-    machine.onEvent(kTest);
-    EXPECT_THAT(trace, ElementsAre("F", "F", "C@start"));
-    EXPECT_EQ(current(), "c");
+    EXPECT_EQ(told(), "F- A@start F- A@start -> start");
 }
 
 TEST_F(FiniteStateMachineTest, FollowsEnteringStateTransitionsFromTheStartAndAfterEveryMove) {
-    machine.addTransition("start", "a", EventType::EnteringState, {}, {action("A")});
-    machine.addTransition("a", "b", EventType::EnteringState, {}, {action("B")});
-    machine.addTransition("end", "a", EventType::Test, {}, {action("C")});
-    machine.addTransition("b", "b", EventType::Test, {}, {});
+    add("start", "a", EventType::EnteringState, "A");
+    add("a", "b", EventType::EnteringState, "B");
+    add("end", "a", EventType::Test, "C");
+    add("b", "b", EventType::Test);
     machine.start();
-    EXPECT_THAT(trace, ElementsAre("A@start", "B@a"));
+    EXPECT_EQ(told(), "A@start B@a -> b");
     machine.enterState(machine.getStateByName("end"));
-    EXPECT_EQ(current(), "end");
-    machine.onEvent(kTest);
-    EXPECT_THAT(trace, ElementsAre("A@start", "B@a", "C@end", "B@a"));
+    EXPECT_EQ(told(), "-> end");
+    EXPECT_EQ(after(kTest), "C@end B@a -> b");
     machine.enterState(machine.getStateByName("start"));
-    EXPECT_EQ(trace.size(), 6U);
+    EXPECT_EQ(told(), "A@start B@a -> b");
     // A move to the state itself is an entry, too.
-    machine.addTransition("b", "end", EventType::EnteringState, {}, {});
-    machine.onEvent(kTest);
-    EXPECT_EQ(current(), "end");
+    add("b", "end", EventType::EnteringState);
+    EXPECT_EQ(after(kTest), "-> end");
 }
 
 TEST_F(FiniteStateMachineTest, StaysWhereItIsWhenAnEnteringStateChainDoesNotEnd) {
     static_assert(FiniteStateMachine::MAX_ENTERING_STATE_MOVES >= 1000);
     int moves = 0;
     const auto count = std::make_shared<FuncAction>([&moves](auto&, auto&) { ++moves; });
-    machine.addTransition("start", "a", EventType::Test, {}, {});
+    add("start", "a", EventType::Test);
     machine.addTransition("a", "b", EventType::EnteringState, {}, {count});
     machine.addTransition("b", "a", EventType::EnteringState, {}, {count});
-    machine.addTransition("a", "end", EventType::Test, {}, {});
+    add("a", "end", EventType::Test);
     machine.onEvent(kTest);
     EXPECT_EQ(moves, FiniteStateMachine::MAX_ENTERING_STATE_MOVES);
     EXPECT_EQ(current(), moves % 2 == 0 ? "a" : "b");
     machine.enterState(machine.getStateByName("a"));
     EXPECT_EQ(moves, 2 * FiniteStateMachine::MAX_ENTERING_STATE_MOVES);
-    machine.onEvent(kTest);
-    EXPECT_EQ(current(), "end");
+    EXPECT_EQ(after(kTest), "-> end");
 }
 
 TEST_F(FiniteStateMachineTest, DisarmsTheTimeoutOfATransitionAfterItsActions) {
@@ -150,63 +138,51 @@ TEST_F(FiniteStateMachineTest, DisarmsTheTimeoutOfATransitionAfterItsActions) {
     armed = {1, 2};
     bool passes = false;
     const auto gate = std::make_shared<FuncFilter>([&](auto&, auto&) { return passes; });
-    const auto look = std::make_shared<FuncAction>([&](EvaluationContext& context, auto&) {
-        trace.push_back(context.timeoutIds.contains(1) ? "armed" : "disarmed");
-    });
+    const auto look = std::make_shared<FuncAction>(
+        [&](EvaluationContext& context, auto&) { trace += context.timeoutIds.contains(1) ? "armed " : "disarmed "; });
     machine.addTransition("start", "start", EventType::Timeout, {gate}, {look});
     machine.onEvent(TimeoutEvent(1));
     EXPECT_THAT(armed, ElementsAre(1, 2));
     passes = true;
     machine.onEvent(TimeoutEvent(1));
-    machine.onEvent(TimeoutEvent(-7));
+    EXPECT_EQ(after(TimeoutEvent(-7)), "armed disarmed -> start");
     EXPECT_THAT(armed, ElementsAre(2));
-    EXPECT_THAT(trace, ElementsAre("armed", "disarmed"));
     // An event of another type has no timeout, whatever lies where a TimeoutEvent has its.
     struct LookAlike : Event {
         using Event::Event;
         std::int64_t value = 2;
     };
-    machine.addTransition("start", "end", EventType::Test, {}, {});
-    machine.onEvent(LookAlike(EventType::Test));
-    EXPECT_EQ(current(), "end");
+    add("start", "end", EventType::Test);
+    EXPECT_EQ(after(LookAlike(EventType::Test)), "-> end");
     EXPECT_THAT(armed, ElementsAre(2));
 }
 
-TEST_F(FiniteStateMachineTest, GivesFiltersAndActionsItsContextAndTheEvent) {
+TEST_F(FiniteStateMachineTest, GivesEventsFiltersAndActionsItsContextAndTheEvent) {
+    struct PickyEvent : TestEvent {
+        using TestEvent::TestEvent;
+        bool matches(EventType eventType, const EvaluationContext& context) const override {
+            return eventType == (context.timeoutIds.empty() ? EventType::Test : EventType::Timeout);
+        }
+    };
     const auto isArmed = std::make_shared<FuncFilter>([](const EvaluationContext& context, const Event& event) {
         return context.timeoutIds.contains(*event.getInt64Attr("id"));
     });
     const auto arm = std::make_shared<FuncAction>(
         [](EvaluationContext& context, const Event& event) { context.timeoutIds.insert(*event.getInt64Attr("id")); });
+    const PickyEvent event({.int64 = {{"id", 5}}}, EventType::ZramHeartBeat);
+    add("start", "end", EventType::ZramHeartBeat);
     machine.addTransition("start", "end", EventType::Test, {isArmed}, {});
-    machine.addTransition("start", "start", EventType::Test, {}, {arm});
-    machine.onEvent(TestEvent({.int64 = {{"id", 5}}}));
+    machine.addTransition("start", "a", EventType::Test, {}, {arm});
+    EXPECT_EQ(after(event), "-> a");
     EXPECT_THAT(machine.getContext()->timeoutIds, ElementsAre(5));
-    EXPECT_EQ(current(), "start");
-    machine.onEvent(TestEvent({.int64 = {{"id", 5}}}));
-    EXPECT_EQ(current(), "end");
-}
-
-TEST_F(FiniteStateMachineTest, LetsAnEventDecideWithTheContextWhatItMatches) {
-    struct PickyEvent : Event {
-        using Event::Event;
-        bool matches(EventType eventType, const EvaluationContext& context) const override {
-            return eventType == EventType::Test && !context.timeoutIds.empty();
-        }
-    };
-    machine.addTransition("start", "end", EventType::ZramHeartBeat, {}, {});
-    machine.addTransition("start", "a", EventType::Test, {}, {});
-    machine.onEvent(PickyEvent(EventType::ZramHeartBeat));
-    EXPECT_EQ(current(), "start");
-    machine.getContext()->timeoutIds = {1};
-    machine.onEvent(PickyEvent(EventType::ZramHeartBeat));
-    EXPECT_EQ(current(), "a");
+    add("a", "end", EventType::Test);
+    EXPECT_EQ(after(event), "-> a");
 }
 
 TEST_F(FiniteStateMachineTest, DestroysAReplacedContextAtOnceAndItsOwnBeforeTheStates) {
     struct Witness {
-        ~Witness() { trace.push_back(name); }
-        std::vector<std::string>& trace;
+        ~Witness() { trace += name; }
+        std::string& trace;
         const std::string name;
     };
     struct WitnessContext : EvaluationContext {
@@ -214,14 +190,14 @@ TEST_F(FiniteStateMachineTest, DestroysAReplacedContextAtOnceAndItsOwnBeforeTheS
         const std::unique_ptr<Witness> witness;
     };
     {
-        FiniteStateMachine mortal(std::make_unique<WitnessContext>(new Witness{trace, "first context"}));
+        FiniteStateMachine mortal(std::make_unique<WitnessContext>(new Witness{trace, "first context "}));
+        std::shared_ptr<Witness> witness(new Witness{trace, "action "});
         mortal.addTransition("start", "end", EventType::Test, {},
-                             {std::make_shared<FuncAction>(
-                                 [witness = std::shared_ptr<Witness>(new Witness{trace, "action"})](auto&, auto&) {})});
-        mortal.setContext(std::make_unique<WitnessContext>(new Witness{trace, "second context"}));
-        EXPECT_THAT(trace, ElementsAre("first context"));
+                             {std::make_shared<FuncAction>([own = std::move(witness)](auto&, auto&) {})});
+        mortal.setContext(std::make_unique<WitnessContext>(new Witness{trace, "second context "}));
+        EXPECT_EQ(trace, "first context ");
     }
-    EXPECT_THAT(trace, ElementsAre("first context", "second context", "action"));
+    EXPECT_EQ(trace, "first context second context action ");
 }
 
 }  // namespace

@@ -3,10 +3,8 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include <cerrno>
 #include <chrono>
 #include <cmath>
-#include <cstddef>
 
 namespace Brenta::OS::VIG {
 
@@ -44,24 +42,16 @@ double PseudoRandomGenerator::toDouble(std::uint32_t first, std::uint32_t second
     return quotient < 1.0 ? quotient : std::nextafter(1.0, 0.0);
 }
 
-// Not std::random_device, which throws where the device is missing.
+// Not std::random_device, which throws where the device is missing. The device yields so few bytes at once.
 std::optional<std::uint32_t> PseudoRandomGenerator::readSeed(const char* devicePath) {
     const int device = open(devicePath, O_RDONLY | O_CLOEXEC);
     if (device < 0) {
         return std::nullopt;
     }
     std::uint32_t value = 0;
-    std::size_t filled = 0;
-    while (filled < sizeof value) {
-        const ssize_t got = read(device, reinterpret_cast<char*>(&value) + filled, sizeof value - filled);
-        if (got > 0) {
-            filled += static_cast<std::size_t>(got);
-        } else if (got == 0 || errno != EINTR) {
-            break;
-        }
-    }
+    const ssize_t got = read(device, &value, sizeof value);
     close(device);
-    return filled == sizeof value ? std::optional(value) : std::nullopt;
+    return got == ssize_t{sizeof value} ? std::optional(value) : std::nullopt;
 }
 
 std::uint32_t PseudoRandomGenerator::seedFrom(std::uint64_t time, std::int32_t process) {

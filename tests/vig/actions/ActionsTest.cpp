@@ -1,8 +1,11 @@
+#include <android/log.h>
 #include <gmock/gmock.h>
 
 #include "tests/support/FakeTriggerService.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/TestEvent.h"
+#include "vig/actions/LogZramHeartBeatActionFunctionFactory.h"
+#include "vig/actions/TestActionFunctionFactory.h"
 #include "vig/actions/VIGTriggerVeloraCpuFuncActionFactoryImpl.h"
 #include "vig/actions/VIGTriggerVeloraFuncActionFactoryImpl.h"
 
@@ -25,6 +28,8 @@ void fire(const VIGActionFunctionFactory& factory, const TestEvent& event) {
 
 const VIGTriggerVeloraFuncActionFactoryImpl kMemory;
 const VIGTriggerVeloraCpuFuncActionFactoryImpl kCpu;
+const LogZramHeartBeatActionFunctionFactory kLogZram;
+const TestActionFunctionFactory kNothing;
 
 const Attributes kCamera = {.int64 = {{"vmRssKB", 1000}, {"vmSwapKB", 24}}, .string = {{"processName", "camera"}}};
 const Trigger kCameraTrigger = {"vig:memory_heartbeat_over_budget:camera",
@@ -39,6 +44,38 @@ void expectTrigger(const VIGActionFunctionFactory& factory, const Attributes& at
     fire(factory, TestEvent(attributes));
     EXPECT_THAT(service.triggers(), ElementsAre(expected));
     EXPECT_THAT(log.lines(), IsEmpty());
+}
+
+TEST(ActionFactories, AcceptNoParametersAndSaySo) {
+    const std::pair<const VIGActionFunctionFactory&, const char*> cases[] = {
+        {kNothing, "Test Action"},
+        {kLogZram, "LogZramHeartBeatActionFunctionFactory"},
+        {kMemory, "VIGTriggerVeloraFuncActionFactoryImpl"},
+        {kCpu, "VIGTriggerVeloraCpuFuncActionFactoryImpl"}};
+    for (const auto& [factory, name] : cases) {
+        const LogCapture log;
+        for (const VIGActionParameter& parameter : std::vector<VIGActionParameter>{0, 0.0, ""}) {
+            EXPECT_FALSE(factory.get({parameter}).has_value());
+            EXPECT_EQ(log.takeLines(), errorLines({name + std::string(" should not have any parameters.")}));
+        }
+        EXPECT_NE(factory.get({}).value_or(nullptr), nullptr);
+        EXPECT_THAT(log.lines(), IsEmpty());
+    }
+}
+
+TEST(LogZramHeartBeatAction, LogsTheFiguresOrZero) {
+    const std::pair<Attributes, std::string> cases[] = {
+        {{.uint64 = {{"memUsedMaxBytes", 7}, {"numCompressedDataBytes", 3}}},
+         "memUsedMaxBytes: 7, numCompressedDataBytes: 3"},
+        {{.uint64 = {{"numCompressedDataBytes", UINT64_MAX}}, .int64 = {{"memUsedMaxBytes", 7}}},
+         "memUsedMaxBytes: 0, numCompressedDataBytes: 18446744073709551615"},
+        {{}, "memUsedMaxBytes: 0, numCompressedDataBytes: 0"}};
+    for (const auto& [attributes, figures] : cases) {
+        const LogCapture log;
+        fire(kLogZram, TestEvent(attributes));
+        const std::string message = "Received VIG zram heart beat. " + figures;
+        EXPECT_THAT(log.lines(), ElementsAre(support::LogLine{ANDROID_LOG_INFO, "VIGManager", message}));
+    }
 }
 
 TEST(TriggerActions, DescribeTheBreachAndEveryAttributeByKind) {
@@ -69,29 +106,20 @@ TEST(TriggerActions, WrapASumThatIsBeyondTheRange) {
                     "vmSwapKB:1", "vmRssKB:9223372036854775807", "processName:p"}});
 }
 
-TEST(TriggerActions, ReplaceWhatIsNotUtf8AndKeepWhatIsBeyondTheFirstPlane) {
-    expectTrigger(kCpu,
-                  {.real = {{"cpuAvgUtilization", 1.5}},
-                   .string = {{"processName", "\xF0\x9F\x8E\xB5\xFF!"}, {"\xC0", "\xE2\x82"}}},
-                  {"vig:cpu_over_budget:\xF0\x9F\x8E\xB5\xEF\xBF\xBD!",
-                   "\xF0\x9F\x8E\xB5\xEF\xBF\xBD!",
-                   {"threshold_current_value:1.5", "threshold_units:CPU_credits", "cpuAvgUtilization:1.5",
-                    "processName:\xF0\x9F\x8E\xB5\xEF\xBF\xBD!", "\xEF\xBF\xBD:\xEF\xBF\xBD"}});
-}
-
-TEST(TriggerActions, ReplaceANulWhichWouldCutTheText) {
-    const auto expectProcess = [](const std::string& sent, const std::string& arrives) {
+TEST(TriggerActions, ReplaceWhatIsNotUtf8AndANulWhichWouldCutTheText) {
+    const std::pair<std::string, std::string> cases[] = {{"\xF0\x9F\x8E\xB5\xFF!", "\xF0\x9F\x8E\xB5\uFFFD!"},
+                                                         {std::string("camera\0evil", 11), "camera\uFFFDevil"},
+                                                         {std::string("\0evil", 5), "\uFFFDevil"},
+                                                         {std::string(1, '\0'), "\uFFFD"}};
+    for (const auto& [sent, arrives] : cases) {
         expectTrigger(kCpu,
                       {.real = {{"cpuAvgUtilization", 1.5}},
-                       .string = {{"processName", sent}, {std::string("k\0y", 3), std::string("v\0\xFF", 3)}}},
+                       .string = {{"processName", sent}, {std::string("\xC0\0y", 3), std::string("v\0\xE2\x82", 4)}}},
                       {"vig:cpu_over_budget:" + arrives,
                        arrives,
                        {"threshold_current_value:1.5", "threshold_units:CPU_credits", "cpuAvgUtilization:1.5",
-                        "processName:" + arrives, "k\uFFFDy:v\uFFFD\uFFFD"}});
-    };
-    expectProcess(std::string("camera\0evil", 11), "camera\uFFFDevil");
-    expectProcess(std::string("\0evil", 5), "\uFFFDevil");
-    expectProcess(std::string(1, '\0'), "\uFFFD");
+                        "processName:" + arrives, "\uFFFD\uFFFDy:v\uFFFD\uFFFD"}});
+    }
 }
 
 TEST(TriggerActions, SendNothingWithoutTheAttributesThatTheyNeed) {
@@ -138,16 +166,7 @@ TEST(TriggerActions, AskForBothFiguresOfTheMemoryBeforeEitherIsTested) {
     EXPECT_THAT(event.asked, ElementsAre("vmRssKB", "vmSwapKB"));
 }
 
-TEST(TriggerActions, LookTheServiceUpOnEveryCall) {
-    const LogCapture log;
-    fire(kMemory, TestEvent(kCamera));
-    EXPECT_EQ(log.takeLines(), errorLines({kNoService}));
-    expectTrigger(kMemory, kCamera, kCameraTrigger);
-    fire(kCpu, TestEvent({.string = {{"processName", "p"}}}));
-    EXPECT_EQ(log.takeLines(), errorLines({kNoService}));
-}
-
-TEST(TriggerActions, CallAServiceThatDiesAfterItWasFoundAndIgnoreTheAnswer) {
+TEST(TriggerActions, LookTheServiceUpOnEveryCallAndIgnoreItsAnswer) {
     constexpr std::int32_t kDead = -129;  // how the binder answers for it
     struct DeathBringer : TestEvent {
         using TestEvent::TestEvent;
@@ -156,12 +175,14 @@ TEST(TriggerActions, CallAServiceThatDiesAfterItWasFoundAndIgnoreTheAnswer) {
             return TestEvent::keys(kind);
         }
     };
+    const LogCapture log;
+    fire(kMemory, TestEvent(kCamera));
+    EXPECT_EQ(log.takeLines(), errorLines({kNoService}));
     FakeTriggerService service;
     service.answer(android::binder::Status::fromExceptionCode(kDead));
-    const LogCapture log;
     fire(kMemory, DeathBringer(kCamera));
     EXPECT_THAT(log.lines(), IsEmpty());
-    fire(kMemory, TestEvent(kCamera));
+    fire(kCpu, TestEvent({.string = {{"processName", "p"}}}));
     EXPECT_EQ(log.lines(), errorLines({kNoService}));
     EXPECT_THAT(service.triggers(), ElementsAre(kCameraTrigger));
 }
