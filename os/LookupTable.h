@@ -9,7 +9,7 @@
 
 namespace Brenta::OS {
 
-// A fixed table of key and value pairs, kept in the order in which they are written.
+// A table holds pairs of key and value in the order in which they are written.
 // It is an aggregate, so that a table can be a compile-time constant.
 template <std::size_t Size, typename Key, typename Value>
 struct LookupTable {

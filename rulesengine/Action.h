@@ -7,8 +7,8 @@ namespace Brenta::OS::RulesEngine {
 class EvaluationContext;
 class Event;
 
-// What a transition does when it fires. Transitions share actions; they run synchronously on the thread that
-// drives the machine.
+// An action is what a transition does when it fires. Transitions share actions; they run synchronously on the thread
+// that drives the machine.
 class VIG_EXPORT Action {
   public:
     Action() = default;

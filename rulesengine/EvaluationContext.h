@@ -9,8 +9,8 @@
 
 namespace Brenta::OS::RulesEngine {
 
-// What a machine knows besides the event: attributes that filters consult when the event lacks them, and the
-// armed timeouts. A client derives from it to expose machine-wide attributes; the base has none.
+// A context is what a machine knows besides the event: attributes that filters consult when the event lacks them, and
+// the armed timeouts. A client derives from it to expose machine-wide attributes; the base has none.
 //
 // Each machine owns its context exclusively. Filters read it and actions may change it, always on the thread
 // that drives the machine. The order of the virtual operations is part of the binary interface.

@@ -6,7 +6,7 @@ namespace {
 constexpr EnteringStateEvent enteringState;
 }  // namespace
 
-// A reference to a constant: neither a constructor at load time nor a destructor at exit has to run.
+// It refers to a constant, so that neither a constructor at load time nor a destructor at exit has to run.
 constinit const EnteringStateEvent& Event::ENTERING_STATE = enteringState;
 
 bool Event::matches(EventType eventType, const EvaluationContext& /*context*/) const {

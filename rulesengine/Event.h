@@ -13,8 +13,8 @@ namespace Brenta::OS::RulesEngine {
 class EnteringStateEvent;
 class EvaluationContext;
 
-// One observation: a type and named attributes of five kinds. A client derives its own events and overrides
-// the getters of the kinds that it has; the base reports every attribute as absent.
+// An event is one observation: it has a type and named attributes of five kinds. A client derives its own events and
+// overrides the getters of the kinds that it has; the base reports every attribute as absent.
 //
 // An event is owned by whoever delivers it, is read only on the delivering thread, and is not kept by the
 // engine after the call that delivered it. No operation reports an error: what is not there is absent.
@@ -32,7 +32,7 @@ class VIG_EXPORT Event {
     Event(const Event&) = default;
     Event& operator=(const Event&) = delete;
 
-    // Whether a transition that listens for `eventType` is concerned. An override may consult `context`,
+    // Returns whether a transition that listens for `eventType` is concerned. An override may consult `context`,
     // which is the context of the machine that handles the event; the base compares the types.
     virtual bool matches(EventType eventType, const EvaluationContext& context) const;
 
@@ -47,7 +47,7 @@ class VIG_EXPORT Event {
     // The view must stay valid as long as the event.
     virtual std::string_view getStringAttr(std::string_view key) const;
 
-    // The names of the attributes of that kind. The views must stay valid as long as the event.
+    // Returns the names of the attributes of that kind. The views must stay valid as long as the event.
     virtual std::vector<std::string_view> keys(ValueType valueType) const;
 
     const EventType type;

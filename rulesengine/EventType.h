@@ -4,7 +4,7 @@
 
 namespace Brenta::OS::RulesEngine {
 
-// What an event reports, and what a transition listens for. The values are fixed and not contiguous:
+// The type is what an event reports, and what a transition listens for. The values are fixed and not contiguous:
 // 0 to 2 are the engine's own kinds, a client's observations start at 1000.
 enum class EventType : std::uint32_t {
     EnteringState = 0,  // raised by a machine on itself whenever it enters a state

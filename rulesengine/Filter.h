@@ -7,7 +7,7 @@ namespace Brenta::OS::RulesEngine {
 class EvaluationContext;
 class Event;
 
-// A condition of a transition. Transitions share filters, which must not change once they are in use; they
+// A filter is a condition of a transition. Transitions share filters, which must not change once they are in use; they
 // are evaluated on the thread that drives the machine.
 class VIG_EXPORT Filter {
   public:
@@ -17,7 +17,7 @@ class VIG_EXPORT Filter {
 
     virtual ~Filter() = default;
 
-    // Whether the transition may fire on `event`.
+    // Returns whether the transition may fire on `event`.
     virtual bool operator()(const EvaluationContext& context, const Event& event) const = 0;
 };
 

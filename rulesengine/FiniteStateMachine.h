@@ -19,7 +19,7 @@ namespace Brenta::OS::RulesEngine {
 
 class Event;
 
-// A machine of named states that moves along transitions as events are delivered to it. Every machine has the
+// A machine has named states and moves along transitions as events are delivered to it. Every machine has the
 // states "start", where it begins, and "end"; reaching "end" does not stop it.
 //
 // A machine takes no lock: the client serialises all calls on one machine and all use of its context, while
@@ -31,12 +31,12 @@ class VIG_EXPORT FiniteStateMachine {
     static const std::string STATE_START;
     static const std::string STATE_END;
 
-    // How many moves along EnteringState transitions one call of onEvent, start or enterState makes at most.
+    // One call of onEvent, start or enterState makes at most so many moves along EnteringState transitions.
     // A document can describe a cycle of such transitions that never ends; the machine then stays in the
     // state that it has reached after this many moves, and the next event goes on from there.
     static constexpr int MAX_ENTERING_STATE_MOVES = 1000;
 
-    // A machine with a plain context, whose getters report nothing.
+    // Gives the machine a plain context, whose getters report nothing.
     FiniteStateMachine();
 
     // Takes ownership of `initialContext`. REQUIRES: it is not null (asserted in debug builds).
@@ -46,11 +46,11 @@ class VIG_EXPORT FiniteStateMachine {
     FiniteStateMachine& operator=(const FiniteStateMachine&) = delete;
     ~FiniteStateMachine();
 
-    // The state of that name, created without transitions if there is none. Any name is accepted, the empty
-    // one too; names are compared byte by byte. States are valid as long as the machine.
+    // Returns the state of that name, and creates it without transitions if there is none. Any name is accepted, the
+    // empty one too; names are compared byte by byte. States are valid as long as the machine.
     State* getOrCreateStateByName(std::string_view name);
 
-    // The state of that name, or null.
+    // Returns the state of that name, or null.
     State* getStateByName(std::string_view name);
 
     // Appends a transition to the source state, creating the source and then the target state if they are
@@ -72,13 +72,13 @@ class VIG_EXPORT FiniteStateMachine {
     // REQUIRES: `state` belongs to this machine (asserted in debug builds).
     void enterState(State* state);
 
-    // Never null. While the actions of a transition run, this is still the state that it leaves.
+    // The result is never null. While the actions of a transition run, this is still the state that it leaves.
     State* getCurrentState();
 
-    // The event types that the transitions of all states listen for.
+    // Returns the event types that the transitions of all states listen for.
     std::unordered_set<EventType> getAllListeningEventTypes();
 
-    // The context, which stays owned by the machine and is valid until it is replaced.
+    // Returns the context, which stays owned by the machine and is valid until it is replaced.
     EvaluationContext* getContext();
 
     // Takes ownership of `newContext` and destroys the previous one.

@@ -16,10 +16,10 @@ namespace Brenta::OS::RulesEngine {
 
 class FiniteStateMachine;
 
-// One state of a machine, which owns it; a state owns the transitions that leave it.
+// A state belongs to its machine, and owns the transitions that leave it.
 class VIG_EXPORT State {
   public:
-    // The names of the two states that every machine has.
+    // Every machine has the two states of these names.
     static const std::string START_STATE;
     static const std::string END_STATE;
 
@@ -42,10 +42,10 @@ class VIG_EXPORT State {
     // Adds the event type of each transition to `eventTypes`.
     void getListeningEventTypes(std::unordered_set<EventType>& eventTypes) const;
 
-    // Valid as long as the state.
+    // The view is valid as long as the state.
     std::string_view getName() const;
 
-    // In the order in which they are tried; valid until one is added.
+    // They stand in the order in which they are tried. The list is valid until one is added.
     const std::vector<std::unique_ptr<Transition>>& getTransitions() const { return transitions; }
 
   private:

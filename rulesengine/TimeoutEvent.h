@@ -7,9 +7,9 @@
 
 namespace Brenta::OS::RulesEngine {
 
-// A timer that ran out. Who arms the timer puts its identifier into the context's `timeoutIds`; the engine
-// takes it out again when a transition consumes the event. Events that match a transition on
-// EventType::Timeout must be of this class, since the engine reads `timeoutId` from them directly.
+// The event says that a timer ran out. Who arms the timer puts its identifier into the context's `timeoutIds`; the
+// engine takes it out again when a transition consumes the event. Events that match a transition on EventType::Timeout
+// must be of this class, since the engine reads `timeoutId` from them directly.
 class VIG_EXPORT TimeoutEvent : public Event {
   public:
     explicit TimeoutEvent(std::int64_t id) : Event(EventType::Timeout), timeoutId(id) {}

@@ -14,7 +14,7 @@ namespace Brenta::OS::RulesEngine {
 class EvaluationContext;
 class State;
 
-// One edge between two states of a machine; owned by the state that it leaves, and never changed.
+// A transition leads from one state of a machine to another. The state that it leaves owns it, and it never changes.
 class VIG_EXPORT Transition {
   public:
     // Both states stay owned by their machine and may be the same.
@@ -24,11 +24,10 @@ class VIG_EXPORT Transition {
 
     EventType getEventType() const;
 
-    // The state that it leads to.
     const State& getTarget() const { return *to; }
 
-    // In the order in which they are asked, and run; valid as long as the transition. A tool builds a machine of the
-    // same ones to watch them at work.
+    // They stand in the order in which they are asked, and run, and are valid as long as the transition. A tool builds
+    // a machine of the same ones to watch them at work.
     const std::vector<std::shared_ptr<Filter>>& getFilters() const { return filters; }
     const std::vector<std::shared_ptr<Action>>& getActions() const { return actions; }
 

@@ -7,7 +7,7 @@
 
 namespace Brenta::OS::VIG {
 
-// The names by which documents, and the tool's event records, refer to the event types.
+// Documents, and the tool's event records, refer to the event types by these names.
 inline constexpr auto kEventTypeNames = makeLookupTable<RulesEngine::EventType, std::string_view>({
     {RulesEngine::EventType::EnteringState, "EnteringState"},
     {RulesEngine::EventType::Timeout, "Timeout"},

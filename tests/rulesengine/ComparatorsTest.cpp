@@ -15,7 +15,8 @@ namespace {
 std::atomic<std::size_t> allocations = 0;
 }  // namespace
 
-// In place of the library's, for the whole executable. Not inlined, lest the compiler takes them for mismatched.
+// These take the place of the library's in the whole executable. They are not inlined, lest the compiler takes them for
+// mismatched.
 [[gnu::noinline]] void* operator new(std::size_t size) {
     ++allocations;
     void* const memory = std::malloc(size);
@@ -35,7 +36,7 @@ using support::Attributes;
 using support::TestContext;
 using support::TestEvent;
 
-// What the six operators give, in the order ==, !=, >, <, >=, <=.
+// The six operators give these, in the order ==, !=, >, <, >=, <=.
 using Outcomes = std::array<bool, 6>;
 
 constexpr Outcomes kLess = {false, true, false, true, false, true};

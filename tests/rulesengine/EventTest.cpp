@@ -60,7 +60,7 @@ TEST(Event, WithoutOverridesHasNoAttributesAndMatchesItsOwnTypeOnly) {
     expectBare(TimeoutEvent(3), EventType::Timeout);
 }
 
-// What clients are compiled against.
+// Clients are compiled against this order.
 TEST(Interfaces, HaveTheirVirtualOperationsInAFixedOrder) {
     EXPECT_THAT((std::vector{slotOf(&Event::matches), slotOf(&Event::getUint64Attr), slotOf(&Event::getInt64Attr),
                              slotOf(&Event::getDoubleAttr), slotOf(&Event::getBoolAttr), slotOf(&Event::getStringAttr),

@@ -43,7 +43,7 @@ class FiniteStateMachineTest : public testing::Test {
 
     std::string current() { return std::string(machine.getCurrentState()->getName()); }
 
-    // What was called since the last time, and the state that is current now.
+    // Tells what was called since the last time, and the state that is current now.
     std::string told() { return std::exchange(trace, "") + "-> " + current(); }
 
     std::string after(const Event& event) {

@@ -9,7 +9,7 @@ namespace Brenta::OS::VIG {
 // "PseudoRandomDouble": draws from the one generator of the process.
 class VIG_EXPORT PseudoRandomDoublePureFunctionImpl {
   public:
-    // A function that returns the next number, evenly distributed over [0, 1), on every call. It may be
+    // Returns a function that gives the next number, evenly distributed over [0, 1), on every call. It may be
     // called from any thread and never fails. All functions obtained here draw from one common sequence,
     // which starts anywhere.
     static std::function<double()> get();

@@ -42,7 +42,7 @@ double PseudoRandomGenerator::toDouble(std::uint32_t first, std::uint32_t second
     return quotient < 1.0 ? quotient : std::nextafter(1.0, 0.0);
 }
 
-// Not std::random_device, which throws where the device is missing. The device yields so few bytes at once.
+// std::random_device would throw where the device is missing. The device yields so few bytes at once.
 std::optional<std::uint32_t> PseudoRandomGenerator::readSeed(const char* devicePath) {
     const int device = open(devicePath, O_RDONLY | O_CLOEXEC);
     if (device < 0) {

@@ -42,7 +42,7 @@ void appendAttributesOf(Event::ValueType kind, Getter getter, TriggerMetadata& m
     }
 }
 
-// Null if there is no service, with a line in the log.
+// Returns null, with a line in the log, if there is no service.
 android::sp<ITrigger> findTriggerService() {
     android::sp<ITrigger> service;
     const android::status_t status = android::getService(android::String16(kServiceName), &service);

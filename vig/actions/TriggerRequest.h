@@ -10,7 +10,7 @@
 
 namespace Brenta::OS::VIG {
 
-// What the trigger actions have in common. All of it runs on the thread that drives the machine.
+// The trigger actions have this in common. All of it runs on the thread that drives the machine.
 
 using TriggerMetadata = std::vector<std::optional<android::String16>>;
 

@@ -10,10 +10,10 @@
 
 namespace Brenta::OS::VIG {
 
-// One parameter of an action, as written in a document.
+// A parameter of an action has one of the types that a document can write.
 using VIGActionParameter = std::variant<std::int32_t, double, std::string>;
 
-// What an action does each time its transition fires. It runs on the thread that drives the machine.
+// The function does what the action does each time its transition fires. It runs on the thread that drives the machine.
 using VIGActionFunction = std::function<void(RulesEngine::EvaluationContext&, const RulesEngine::Event&)>;
 
 }  // namespace Brenta::OS::VIG

@@ -14,7 +14,7 @@ class VIG_EXPORT VIGActionFunctionFactory {
   public:
     virtual ~VIGActionFunctionFactory() = default;
 
-    // A new, independent action for these parameters, in document order. Empty if the factory does not
+    // Returns a new, independent action for these parameters, in document order; nothing if the factory does not
     // accept them; the reason is logged.
     virtual std::optional<VIGActionFunction> get(const std::vector<VIGActionParameter>& parameters) const = 0;
 };

@@ -14,7 +14,7 @@ class VIG_EXPORT VIGTriggerVeloraFuncActionFactoryImpl : public VIGActionFunctio
   public:
     std::optional<VIGActionFunction> get(const std::vector<VIGActionParameter>& parameters) const override;
 
-    // The measured value, its unit, and every attribute of the event. Empty, with a line in the log, if the
+    // Returns the measured value, its unit, and every attribute of the event; nothing, with a line in the log, if the
     // event lacks the measured value.
     static std::vector<std::optional<android::String16>> synthesizeMetadata(const RulesEngine::Event& event);
 };

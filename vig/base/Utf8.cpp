@@ -11,8 +11,8 @@ struct Sequence {
     bool wellFormed;
 };
 
-// The sequence at the beginning of `text`, which is not empty and does not begin with ASCII. The second byte has a
-// narrower range after some lead bytes, which rules out overlong forms, surrogates and what is beyond U+10FFFF.
+// Returns the sequence at the beginning of `text`, which is not empty and does not begin with ASCII. The second byte
+// has a narrower range after some lead bytes, which rules out overlong forms, surrogates and what is beyond U+10FFFF.
 Sequence firstSequence(std::string_view text) {
     const auto lead = static_cast<unsigned char>(text[0]);
     if (lead < 0xC2 || lead > 0xF4) {
@@ -32,7 +32,7 @@ Sequence firstSequence(std::string_view text) {
     return {length, true};
 }
 
-// The length of the well-formed text at the beginning. Most text is ASCII.
+// Returns the length of the well-formed text at the beginning. Most text is ASCII.
 std::size_t wellFormedLength(std::string_view text) {
     std::size_t length = 0;
     while (length < text.size()) {

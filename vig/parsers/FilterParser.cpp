@@ -87,7 +87,7 @@ OperandFunction<T> createOperandFunction(const FilterOperand& operand, const VIG
     return [function = std::move(function)](const EvaluationContext&, const Event&) { return function(); };
 }
 
-// A comparison as parsed, with a constant on the left only if both operands are constants.
+// A comparison as parsed has a constant on the left only if both operands are constants.
 struct Comparison {
     FilterOperator op;
     const char* valueType;

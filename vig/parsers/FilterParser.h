@@ -20,7 +20,7 @@ class Value;
 
 namespace Brenta::OS::VIG {
 
-// How a filter compares its two operands. The values are fixed.
+// The operator is how a filter compares its two operands. The values are fixed.
 enum class FilterOperator : std::int32_t {
     Equal = 0,
     NotEqual = 1,
@@ -30,7 +30,7 @@ enum class FilterOperator : std::int32_t {
     LessEqual = 5,
 };
 
-// The operators as documents write them.
+// Documents write the operators like this.
 inline constexpr auto kFilterOperatorTable = makeLookupTable<FilterOperator, const char*>({
     {FilterOperator::Equal, "=="},
     {FilterOperator::NotEqual, "!="},
@@ -40,17 +40,17 @@ inline constexpr auto kFilterOperatorTable = makeLookupTable<FilterOperator, con
     {FilterOperator::LessEqual, "<="},
 });
 
-// The type in which a filter compares.
+// A filter compares in one of these types.
 enum class FilterValueType : std::int32_t { String = 0, Integer = 1, Double = 2 };
 
-// The value types as documents write them.
+// Documents write the value types like this.
 inline constexpr auto kFilterValueTypeTable = makeLookupTable<FilterValueType, std::string_view>({
     {FilterValueType::String, "string"},
     {FilterValueType::Integer, "integer"},
     {FilterValueType::Double, "double"},
 });
 
-// One side of a comparison, as parsed.
+// An operand is one side of a comparison, as parsed.
 struct VIG_EXPORT FilterOperand {
     enum class Type : std::int32_t {
         Constant = 0,  // `value` is a literal, converted once when the filter is built
@@ -58,28 +58,28 @@ struct VIG_EXPORT FilterOperand {
         Envvar = 2,    // `value` names an attribute of the event
     };
 
-    // Empty, with a line in the log that says why, if `json` is not a valid operand.
+    // Returns nothing, with a line in the log that says why, if `json` is not a valid operand.
     static std::optional<FilterOperand> fromJson(const Json::Value& json);
 
     Type type;
     std::string value;
 };
 
-// The operand types as documents write them.
+// Documents write the operand types like this.
 inline constexpr auto kFilterOperandTypeTable = makeLookupTable<FilterOperand::Type, std::string_view>({
     {FilterOperand::Type::Constant, "constant"},
     {FilterOperand::Type::Function, "function"},
     {FilterOperand::Type::Envvar, "envvar"},
 });
 
-// The operator that keeps the meaning when the operands change places.
+// Returns the operator that keeps the meaning when the operands change places.
 FilterOperator mirrored(FilterOperator op);
 
 // Computes one side of a generic filter. It owns what it needs, so it outlives the registry.
 template <typename T>
 using OperandFunction = std::function<T(const RulesEngine::EvaluationContext&, const RulesEngine::Event&)>;
 
-// The operand as a function, never empty. An attribute is read from the event alone and never from the
+// Each returns the operand as a function, never empty. An attribute is read from the event alone and never from the
 // context; one that is missing reads as "" or 0. A constant that is no number reads as 0, one beyond the
 // range as the nearest limit. A function that the registry does not have for this type is logged and
 // yields `fallback`.
@@ -90,27 +90,28 @@ OperandFunction<std::int64_t> _createIntegerOperandFunction(const FilterOperand&
 OperandFunction<double> _createDoubleOperandFunction(const FilterOperand& operand, const VIGParserConfig& config,
                                                      double fallback);
 
-// For T one of std::string, std::int64_t and double:
+// T is one of std::string, std::int64_t and double in all of these.
 
 // Sets `out` to a filter that computes lhs, then rhs, always both, and compares them.
 template <typename T>
 void _createFilter(FilterOperator op, OperandFunction<T> lhs, OperandFunction<T> rhs,
                    std::shared_ptr<RulesEngine::Filter>& out);
 
-// An EvtAndContextComparator of T with the comparison that the operator stands for.
+// Returns an EvtAndContextComparator of T with the comparison that the operator stands for.
 template <typename T>
 VIG_EXPORT std::shared_ptr<RulesEngine::Filter> _createTypedEvtAndContextComparator(const FilterOperator& op,
                                                                                     std::string attributeName,
                                                                                     T constant);
 
-// A ReturnValueComparator of T with the comparison that the operator stands for.
+// Returns a ReturnValueComparator of T with the comparison that the operator stands for.
 // REQUIRES: `function` is not empty.
 template <typename T>
 VIG_EXPORT std::shared_ptr<RulesEngine::Filter> _createTypedPureFuncReturnValueComparator(const FilterOperator& op,
                                                                                           std::function<T()> function,
                                                                                           T constant);
 
-// One filter object of a document as a filter. Null, with a line in the log that says why, if it is invalid.
+// Makes a filter of one filter object of a document. Returns null, with a line in the log that says why, if it is
+// invalid.
 std::shared_ptr<RulesEngine::Filter> _parseFilter(const Json::Value& filter, const VIGParserConfig& config);
 
 }  // namespace Brenta::OS::VIG

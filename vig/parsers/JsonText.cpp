@@ -1,3 +1,18 @@
+// The JSON library throws where it would begin a value inside of too many arrays and objects, and where a key is too
+// long. Nothing may throw here, so a text is looked at before the library gets it, and exactly: what the library reads
+// is not refused, and what it throws at does not reach it. The nesting is looked at in three steps.
+//
+// A text with fewer opening brackets than the limit cannot be nested too deep. Nearly every text ends here.
+//
+// JsonTokens follows the brackets as the library does in a text without an error, and finds the first place where a
+// value would begin too deep.
+//
+// If there is an error before, the library never comes to that place, since after an error it goes no deeper. We need
+// not know what it takes for an error: it reads what stands before the place, with a value put there and all brackets
+// closed, under a limit that is one level higher. What it reports then is the report; if it reports nothing, ours is
+// that the text is nested too deep.
+//
+// That it behaves so is tried in the tests against the library itself, with every short text.
 #include "vig/parsers/JsonText.h"
 
 #include <json/reader.h>
@@ -52,7 +67,7 @@ Json::CharReaderBuilder readerBuilder() {
     return builder;
 }
 
-// The reader's report if it finds an error. REQUIRES: the reader does not throw.
+// Returns the reader's report if it finds an error. REQUIRES: the reader does not throw.
 std::optional<std::string> read(const std::string& text, const Json::CharReaderBuilder& builder, Json::Value& root) {
     std::string errors;
     const std::unique_ptr<Json::CharReader> reader(builder.newCharReader());

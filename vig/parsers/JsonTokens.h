@@ -31,18 +31,18 @@ class JsonTokens {
         return true;
     }
 
-    // The kind of token: its first character, or a comma if the reader takes it for one.
+    // The kind of a token is its first character, or a comma if the reader takes it for one.
     char kind() const { return role; }
     std::string_view token() const { return text.substr(begin, position - begin); }
     std::size_t offset() const { return begin; }
 
-    // How many arrays and objects are open after the token.
+    // Returns how many arrays and objects are open after the token.
     std::size_t depth() const { return open.size(); }
 
-    // The brackets that close what is open.
+    // Returns the brackets that close what is open.
     std::string closingBrackets() const { return {open.rbegin(), open.rend()}; }
 
-    // Whether the next character that is not white space is `character`; comments are not skipped.
+    // Returns whether the next character that is not white space is `character`; comments are not skipped.
     bool isFollowedBy(char character) const {
         const std::size_t place = text.find_first_not_of(kWhiteSpace, position);
         return place != std::string_view::npos && text[place] == character;
@@ -92,7 +92,7 @@ class JsonTokens {
         }
     }
 
-    // From behind the first quote.
+    // It begins behind the first quote.
     void skipString() {
         const std::size_t content = position;
         do {

@@ -11,19 +11,19 @@ class Value;
 
 namespace Brenta::OS::VIG {
 
-// What the JSON library's own conversions give, without the cases in which they do not return normally.
+// These give what the JSON library's own conversions give, without the cases in which those do not return normally.
 
-// A number truncated toward zero; empty if it does not fit, or is not a number at all.
+// Both return a number truncated toward zero; nothing if it does not fit, or is not a number at all.
 std::optional<std::int64_t> toInt64(const Json::Value& value);
 std::optional<std::int32_t> toInt32(const Json::Value& value);
 
 // Returns the kind of the value as messages call it: "null", "a number", "an array" and so on.
 std::string_view kindName(const Json::Value& value);
 
-// A string, number or boolean as text, null as the empty text; empty for an object or array.
+// Returns a string, number or boolean as text, null as the empty text, and nothing for an object or array.
 std::optional<std::string> toText(const Json::Value& value);
 
-// The value rendered for a log line, indented. A value nested far deeper than any rule is rendered on one line
+// Renders the value for a log line, indented. A value nested far deeper than any rule is rendered on one line
 // instead, since its indentation could take a thousand times the memory of the document.
 std::string styledText(const Json::Value& value);
 

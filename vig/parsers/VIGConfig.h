@@ -8,7 +8,7 @@
 
 namespace Brenta::OS::VIG {
 
-// One configuration of a rule document. It owns its payload, and so the machine; it may be used on any
+// This is one configuration of a rule document. It owns its payload, and so the machine; it may be used on any
 // thread, one at a time.
 class VIG_EXPORT VIGConfig {
   public:
@@ -16,10 +16,10 @@ class VIG_EXPORT VIGConfig {
     VIGConfig(const VIGConfig&) = delete;
     VIGConfig& operator=(const VIGConfig&) = delete;
 
-    // As the document gives it; ids need not be unique.
+    // It is as the document gives it; ids need not be unique.
     std::int64_t getConfigId() const;
 
-    // Owned by the configuration.
+    // The payload stays owned by the configuration.
     VIGConfigPayload* getConfigPayload() const;
 
   private:

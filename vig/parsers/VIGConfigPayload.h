@@ -8,17 +8,17 @@
 
 namespace Brenta::OS::VIG {
 
-// The payload of a configuration. It owns the state machine, which the client starts and feeds.
+// The payload of a configuration owns the state machine, which the client starts and feeds.
 class VIG_EXPORT VIGConfigPayload {
   public:
     VIGConfigPayload(std::int64_t id, std::unique_ptr<RulesEngine::FiniteStateMachine> fsm);
     VIGConfigPayload(const VIGConfigPayload&) = delete;
     VIGConfigPayload& operator=(const VIGConfigPayload&) = delete;
 
-    // Within 32 bits when it comes from a document.
+    // It is within 32 bits when it comes from a document.
     std::int64_t getConfigPayloadId() const;
 
-    // Owned by the payload. Built in its start state and not started.
+    // The machine stays owned by the payload. It is built in its start state and not started.
     RulesEngine::FiniteStateMachine* getFiniteStateMachine() const;
 
   private:

@@ -31,7 +31,7 @@ constexpr auto kParameterTypes = makeLookupTable<ParameterType, std::string_view
     {ParameterType::String, "string"},
 });
 
-// Empty if the text is not a number of the type or is beyond its range.
+// Returns nothing if the text is not a number of the type or is beyond its range.
 std::optional<VIGActionParameter> convertParameter(ParameterType type, const std::string& text) {
     switch (type) {
         case ParameterType::Integer:
@@ -68,7 +68,7 @@ bool parseParameter(const Json::Value& json, std::vector<VIGActionParameter>& pa
     return true;
 }
 
-// Null on failure.
+// Returns null on failure.
 std::shared_ptr<Action> parseAction(const Json::Value& json, const VIGParserConfig& config) {
     if (!json.isObject() || !json["name"].isString()) {
         VIG_LOG_ERROR("Invalid action JSON: %s.", styledText(json).c_str());

@@ -11,7 +11,7 @@ namespace Brenta::OS::VIG {
 
 class VIGParserConfig;
 
-// A parser of one layer of the rule document. Parsers hold no data, so that any number of parses may run at
+// A parser reads one layer of the rule document. Parsers hold no data, so that any number of parses may run at
 // once on different threads.
 template <typename T>
 class VIG_EXPORT VIGIParser {

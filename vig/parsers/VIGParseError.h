@@ -4,8 +4,8 @@
 
 namespace Brenta::OS::VIG {
 
-// What a parser found: Ok, or the innermost layer of the document that is wrong. The values are fixed; 1 is
-// not assigned.
+// The error is what a parser found: Ok, or the innermost layer of the document that is wrong. The values are fixed; 1
+// is not assigned.
 enum class VIGParseError : std::int32_t {
     Ok = 0,
     InvalidJson = 2,           // the text is not JSON

@@ -6,7 +6,7 @@
 
 namespace Brenta::OS::VIG {
 
-// What a parser returns: `value` is set exactly when `error` is Ok. The receiver owns the value.
+// A parser returns this: `value` is set exactly when `error` is Ok. The receiver owns the value.
 template <typename T>
 struct VIGParseResult {
     std::unique_ptr<T> value;

@@ -15,7 +15,7 @@
 
 namespace Brenta::OS::VIG {
 
-// The registry of the names that a rule document may use. Names are matched exactly. It never changes after
+// The registry holds the names that a rule document may use. Names are matched exactly. It never changes after
 // construction, so several threads may use one registry at once; what it hands out may outlive it.
 class VIG_EXPORT VIGParserConfig {
   public:
@@ -50,7 +50,7 @@ class VIG_EXPORT VIGParserConfig {
     bool getPureFunction(const std::string& name, StringPureFunction& out) const;
     bool getPureFunction(const std::string& name, BoolPureFunction& out) const;
 
-    // The tables themselves, for tools that list the names.
+    // Tools list the names of the tables.
     const std::unordered_map<std::string, RulesEngine::EventType>& getEventTypes() const { return eventTypes; }
     const std::unordered_map<std::string, std::shared_ptr<VIGActionFunctionFactory>>& getActionFunctionFactories()
         const {
@@ -66,7 +66,7 @@ class VIG_EXPORT VIGParserConfig {
         return stringPureFunctions;
     }
 
-    // A new context for a new machine; the caller owns it.
+    // Makes a context for a new machine; the caller owns it.
     std::unique_ptr<RulesEngine::EvaluationContext> createEvaluationContext() const;
 
   private:
