@@ -163,15 +163,29 @@ report() {
         }' mutation/equivalent.txt "$WORK/$1.verdicts"
 }
 
-mkdir -p "$WORK"
-g++ -std=c++20 -O1 mutation/Mutants.cpp -o "$WORK/mutants"
-status=0
-for part in "${PARTS[@]}"; do
-    use "$part"
+# faults: all that could be made in the files of the part in use, each in a line.
+faults() {
+    local file
     git ls-files "${FILES[@]}" |
         while read -r file; do
             "$WORK/mutants" "$file" | sed "s|^|$file\t|"
-        done >"$WORK/all"
+        done
+}
+
+mkdir -p "$WORK"
+g++ -std=c++20 -O1 mutation/Mutants.cpp -o "$WORK/mutants"
+# What is explained must be there to be explained: its line may have been changed, or its file moved.
+for part in library tool; do
+    use "$part"
+    faults
+done | awk -F '\t' '
+    FNR == NR { possible[$1 ": " $4 ": " $5] = 1; next }
+    !/^( |#|$)/ && !($0 in possible) { print "mutation/equivalent.txt explains a fault that cannot be made: " $0; stale = 1 }
+    END { exit stale }' - mutation/equivalent.txt >&2
+status=0
+for part in "${PARTS[@]}"; do
+    use "$part"
+    faults >"$WORK/all"
     awk -v most="$MOST" -v all="$(wc -l <"$WORK/all")" 'int(NR * most / all) > int((NR - 1) * most / all)' \
         "$WORK/all" >"$WORK/faults"
     for ((worker = 0; worker < WORKERS; ++worker)); do

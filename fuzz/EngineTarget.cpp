@@ -1,37 +1,140 @@
 #include <android/log.h>
+#include <fuzzer/FuzzedDataProvider.h>
 #include <host/LogSink.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <limits>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <vector>
 
 #include "fuzz/JsonMutator.h"
+#include "fuzz/Limits.h"
 #include "fuzz/NaiveEngine.h"
-#include "fuzz/Script.h"
 #include "rulesengine/FiniteStateMachine.h"
 #include "tests/support/FakeTriggerService.h"
 #include "tests/support/TestEvent.h"
-#include "vig/EventTypeNames.h"
+#include "tools/vig/document/Registry.h"
 #include "vig/VIGManager.h"
 #include "vig/actions/PseudoRandomGenerator.h"
 
-// A rule document and, after a NUL, the events for its machines, of which Script.h tells the form. The library and the
-// naive engine must do the same with them.
+// A rule document and, after the first NUL, bytes that stand for what its machines are given. The library and the naive
+// engine must do the same with them.
 
 namespace {
 
 using Brenta::OS::RulesEngine::EventType;
 using Brenta::OS::RulesEngine::FiniteStateMachine;
-using Brenta::OS::VIG::VIGManager;
+using Strings = std::vector<std::string>;
 
-support::Attributes toSupport(const naive::Attributes& from) {
-    return {from.uint64, from.int64, from.real, from.boolean, from.string};
+const auto& registry() {
+    static const auto registry = Brenta::OS::VIG::Tool::libraryRegistry();
+    return registry;
 }
+
+// Every script stands for something. Most attributes have names and values that the document compares.
+class Script {
+  public:
+    Script(const std::string& document, std::string_view script)
+        : bytes(reinterpret_cast<const std::uint8_t*>(script.data()), script.size()) {
+        for (const auto& [name, type] : registry().getEventTypes()) {
+            world.eventTypes.insert(name);
+        }
+        types.assign(world.eventTypes.begin(), world.eventTypes.end());
+        constexpr std::size_t kWeight = 20;  // most events are of types that the document listens for
+        for (const fuzz::Value& value : fuzz::valuesIn(document)) {
+            const std::string text = document.substr(value.begin, value.end - value.begin);
+            const std::string content = text.size() < 2 ? "" : text.substr(1, text.size() - 2);
+            if (value.key == "event" && world.eventTypes.contains(content)) {
+                types.insert(types.end(), kWeight, content);
+            } else if (value.key == "value" && isPlain(content)) {
+                texts.push_back(content);
+            }
+        }
+        constexpr std::size_t kMostEvents = 24;
+        world.functions = {registry().getDoublePureFunctions().begin(), registry().getDoublePureFunctions().end()};
+        world.context = attributes();
+        world.timeoutIds = {0, 1, 2};
+        world.hasTriggerService = bytes.ConsumeBool();
+        seed = bytes.ConsumeIntegral<std::uint8_t>();
+        while (bytes.remaining_bytes() > 0 && events.size() < kMostEvents) {
+            events.push_back({pick(types), upTo(3), attributes()});
+        }
+    }
+
+    naive::World world;
+    unsigned seed;
+    std::vector<naive::Event> events;
+
+  private:
+    // JSON and UTF-8 make nothing else of it.
+    static bool isPlain(const std::string& text) {
+        return std::ranges::all_of(text, [](char each) { return each >= ' ' && each < '\x7f' && each != '\\'; });
+    }
+
+    int upTo(int most) { return bytes.ConsumeIntegralInRange(0, most); }
+
+    const std::string& pick(const Strings& list) {
+        return list[static_cast<std::size_t>(upTo(static_cast<int>(list.size()) - 1))];
+    }
+
+    support::Attributes attributes() {
+        support::Attributes result;
+        const int kinds = upTo(63);
+        const auto add = [&]<typename T>(int kind, support::NamedValues<T>& values) {
+            if ((kinds & kind) != 0) {
+                const std::string& name = pick(texts);
+                values.emplace_back(name, value<T>());
+            }
+        };
+        add(1, result.uint64);
+        add(2, result.int64);
+        add(4, result.real);
+        add(8, result.boolean);
+        add(16, result.string);
+        if ((kinds & 32) != 0) {  // so that triggers succeed
+            result.int64.emplace_back("vmRssKB", value<std::int64_t>());
+            result.int64.emplace_back("vmSwapKB", 1);
+            result.real.emplace_back("cpuAvgUtilization", value<double>());
+            result.string.emplace_back("processName", pick(texts));
+        }
+        return result;
+    }
+
+    // Returns one in or near a value of the document, or an extreme one.
+    template <typename T>
+    T value() {
+        if constexpr (std::is_same_v<T, std::string>) {
+            return pick(texts);
+        } else {
+            constexpr auto kLimits = std::numeric_limits<T>();
+            constexpr double kExact = 1e15;  // so far a double is an integer
+            const int kind = upTo(7);
+            const T limits[] = {kLimits.max(), kLimits.lowest(), kLimits.quiet_NaN()};
+            const double number = std::strtod(pick(texts).c_str(), nullptr) + (kind - 5);
+            return kind < 3 ? limits[kind]
+                            : static_cast<T>(std::fmax(std::fmin(number, kExact), std::is_signed_v<T> ? -kExact : 0));
+        }
+    }
+
+    FuzzedDataProvider bytes;
+    Strings types;
+    Strings texts = {"",
+                     "7",
+                     "processName",
+                     "vmRssKB",
+                     "vmSwapKB",
+                     "cpuAvgUtilization",
+                     "memUsedMaxBytes",
+                     "numCompressedDataBytes",
+                     std::string("camera\0evil", 11)};
+};
 
 // The library, seen as the naive engine shows itself.
 class Library {
@@ -43,12 +146,10 @@ class Library {
         });
     }
 
-    // With the first events, so many. Whether there were machines.
-    bool run(const naive::World& world, const std::string& document, const std::vector<naive::Event>& events,
-             std::size_t count) {
-        Brenta::OS::VIG::PseudoRandomGenerator::ofProcess().seed(world.seed);
+    // Gives the machines the first events, so many. Returns true if there were machines.
+    bool run(const std::string& document, const Script& script, std::size_t count) {
         service.reset();
-        if (world.hasTriggerService) {
+        if (script.world.hasTriggerService) {
             service.emplace();
         }
         const auto configs = manager.parseResponse(document);
@@ -64,13 +165,21 @@ class Library {
             }
         };
         forEachMachine([&](FiniteStateMachine& machine) {
-            auto context = std::make_unique<support::TestContext>(toSupport(world.context));
-            context->timeoutIds = world.timeoutIds;
+            auto context = std::make_unique<support::TestContext>(script.world.context);
+            context->timeoutIds = script.world.timeoutIds;
             machine.setContext(std::move(context));
             machine.start();
         });
         for (std::size_t i = 0; i < count; ++i) {
-            forEachMachine([&](FiniteStateMachine& machine) { deliver(machine, events[i]); });
+            const auto& [name, timeoutId, attributes] = script.events[i];
+            const EventType type = registry().getEventTypes().at(name);
+            if (type == EventType::Timeout) {
+                const support::TestTimeoutEvent event(attributes, timeoutId);
+                forEachMachine([&](FiniteStateMachine& machine) { machine.onEvent(event); });
+            } else {
+                const support::TestEvent event(attributes, type);
+                forEachMachine([&](FiniteStateMachine& machine) { machine.onEvent(event); });
+            }
         }
         running = nullptr;
         return !configs.empty();
@@ -79,16 +188,6 @@ class Library {
     naive::Trace trace;
 
   private:
-    static void deliver(FiniteStateMachine& machine, const naive::Event& event) {
-        const EventType type = *Brenta::OS::VIG::kEventTypeNames.reverseLookup(event.type);
-        if (type == EventType::Timeout) {
-            machine.onEvent(support::TestTimeoutEvent(toSupport(event.attributes), event.timeoutId));
-        } else {
-            machine.onEvent(support::TestEvent(toSupport(event.attributes), type));
-        }
-    }
-
-    // Those since the last entry.
     void noteTriggers() {
         for (const support::Trigger& each : service ? service->takeTriggers() : std::vector<support::Trigger>()) {
             trace.push_back(naive::triggerEntry(each.triggerName, each.processName.value(), each.metadata));
@@ -98,11 +197,11 @@ class Library {
     std::string state() const { return running == nullptr ? "" : std::string(running->getCurrentState()->getName()); }
 
     std::optional<support::FakeTriggerService> service;
-    const VIGManager manager;
+    const Brenta::OS::VIG::VIGManager manager;
     FiniteStateMachine* running = nullptr;
 };
 
-// What the inputs did, told at the end of the run.
+// Tells at the end of the run what the inputs did.
 struct Shares {
     unsigned long inputs = 0;
     unsigned long accepted = 0;
@@ -116,36 +215,37 @@ struct Shares {
 
 }  // namespace
 
+extern "C" int LLVMFuzzerInitialize(int* /*count*/, char*** /*arguments*/) {
+    for (const auto& [name, factory] : registry().getActionFunctionFactories()) {
+        if (!naive::kActions.contains(name)) {
+            fuzz::fail("the naive engine lacks the action " + name);
+        }
+    }
+    return 0;
+}
+
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static Library& library = *new Library;
     static Shares shares;
     constexpr std::ptrdiff_t kMostBrackets = 999;
-    const fuzz::Input input(std::string_view(reinterpret_cast<const char*>(data), size));
-    if (std::ranges::count_if(input.document, [](char each) { return each == '[' || each == '{'; }) > kMostBrackets) {
+    const std::string_view input(reinterpret_cast<const char*>(data), size);
+    const std::string document(input.substr(0, input.find('\0')));
+    if (std::ranges::count_if(document, [](char each) { return each == '[' || each == '{'; }) > kMostBrackets) {
         return -1;
     }
-    const fuzz::Script script = fuzz::scriptOf(input);
-    const naive::Outcome expected = naive::run(script.world, input.document, script.events);
-    const bool hasMachines = library.run(script.world, input.document, script.events, expected.delivered);
+    const Script script(document, input.substr(std::min(size, document.size() + 1)));
+    auto& random = Brenta::OS::VIG::PseudoRandomGenerator::ofProcess();
+    random.seed(script.seed);
+    const naive::Outcome expected = naive::run(script.world, document, script.events);
+    random.seed(script.seed);
+    const bool hasMachines = library.run(document, script, expected.delivered);
     if (hasMachines != expected.hasMachines || library.trace != expected.trace) {
         const auto [left, right] = std::ranges::mismatch(expected.trace, library.trace);
-        std::fprintf(stderr, "naive:   %s\nlibrary: %s\n", left == expected.trace.end() ? "(end)" : left->c_str(),
-                     right == library.trace.end() ? "(end)" : right->c_str());
-        std::abort();
+        fuzz::fail("naive:   " + (left == expected.trace.end() ? "(end)" : *left) +
+                   "\nlibrary: " + (right == library.trace.end() ? "(end)" : *right));
     }
     ++shares.inputs;
     shares.accepted += expected.hasMachines ? 1 : 0;
     shares.fired += expected.fired > 0 ? 1 : 0;
     return 0;
-}
-
-extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t size, std::size_t most, unsigned seed) {
-    const fuzz::Input input(std::string_view(reinterpret_cast<const char*>(data), size));
-    constexpr std::size_t kMostScript = 256;
-    if (seed % 3 == 0) {
-        const std::size_t room = std::min(kMostScript, most - std::min(most, input.document.size() + 1));
-        return fuzz::putInput(data, input.document + '\0' + fuzz::mutatedBytes(std::string(input.script), room), most);
-    }
-    const std::size_t room = most - std::min(most, input.script.size() + 1);
-    return fuzz::putInput(data, fuzz::mutatedJson(input.document, room, seed) + '\0' + std::string(input.script), most);
 }

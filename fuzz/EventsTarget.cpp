@@ -2,8 +2,7 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdio>
-#include <cstdlib>
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -31,24 +30,19 @@ struct Reading {
     bool operator==(const Reading&) const = default;
 };
 
-[[noreturn]] void fail(const std::string& what) {
-    std::fprintf(stderr, "%s\n", what.c_str());
-    std::abort();
-}
-
-// Through a pipe, in pieces of that size.
+// Reads the events through a pipe, in pieces of that size.
 Reading readEvents(std::string_view text, std::size_t size) {
     static const Tool::Interruption never;
     std::array<int, 2> ends{};
     if (pipe(ends.data()) != 0) {
-        fail("there is no pipe");
+        fuzz::fail("there is no pipe");
     }
     EventReader reader(ends[0], "events", never, [&] {
         const std::string_view piece = text.substr(0, size);
         if (piece.empty()) {
             close(std::exchange(ends[1], -1));
         } else if (write(ends[1], piece.data(), piece.size()) != static_cast<ssize_t>(piece.size())) {
-            fail("the pipe is full");
+            fuzz::fail("the pipe is full");
         }
         text.remove_prefix(piece.size());
     });
@@ -77,7 +71,7 @@ void writeAndReadAgain(const EventRecord& record) {
     static Tool::RecordParser parser;
     EventRecord again;
     if (!parser.parse(std::string_view(line).substr(0, size), again) || !(again == record)) {
-        fail("read again otherwise: " + line + parser.error());
+        fuzz::fail("read again otherwise: " + line + parser.error());
     }
 }
 
@@ -92,7 +86,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     Reading reading;
     fuzz::useWithinLimits(text, always, [&](const std::string& events) { reading = readEvents(events, kLargePiece); });
     if (size % kOneIn == 0 && readEvents(text, std::min(1 + size / 3, kLargePiece)) != reading) {
-        fail("small pieces give something else");
+        fuzz::fail("small pieces give something else");
     }
     std::ranges::for_each(reading.records, writeAndReadAgain);
     return 0;

@@ -1,10 +1,8 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include <cstdio>
-#include <cstdlib>
+#include <cstdint>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "fuzz/Limits.h"
@@ -25,15 +23,14 @@ void readCatalogue(const std::string& text) {
     std::string problem;
     const auto catalogue = Catalogue::read(DocumentText("catalogue", text), problem);
     if (catalogue.has_value() != problem.empty()) {
-        std::abort();
+        fuzz::fail("a catalogue, or a problem: " + problem);
     }
     if (!catalogue) {
         return;
     }
     const auto again = Catalogue::read(DocumentText("catalogue", catalogue->text()), problem);
     if (!again || again->text() != catalogue->text()) {
-        std::fprintf(stderr, "%s\n%s\n", problem.c_str(), catalogue->text().c_str());
-        std::abort();
+        fuzz::fail(problem + catalogue->text());
     }
 }
 
@@ -45,16 +42,12 @@ void readTests(const std::string& text) {
     static const int descriptor = open(file.c_str(), O_WRONLY);
     const ssize_t written = pwrite(descriptor, text.data(), text.size(), 0);
     if (written != static_cast<ssize_t>(text.size()) || ftruncate(descriptor, written) != 0) {
-        std::abort();
+        fuzz::fail("the file cannot be written");
     }
     std::vector<std::string> errors;
     if (Tool::readTestFile(file, Tool::Interruption(), errors).has_value() != errors.empty()) {
-        std::abort();
+        fuzz::fail("tests, or errors");
     }
-}
-
-bool leadsElsewhere(std::string_view text) {
-    return text.find('/') != text.npos || text.find("u002") != text.npos;
 }
 
 }  // namespace
@@ -62,7 +55,8 @@ bool leadsElsewhere(std::string_view text) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string text(reinterpret_cast<const char*>(data), size);
     fuzz::useWithinLimits(text, fuzz::kMegabyte, readCatalogue);
-    if (!leadsElsewhere(text)) {
+    const bool leadsElsewhere = text.find('/') != text.npos || text.find("u002") != text.npos;
+    if (!leadsElsewhere) {
         fuzz::useWithinLimits(text, fuzz::kMegabyte, readTests);
     }
     return 0;

@@ -1,6 +1,9 @@
 #include "fuzz/JsonMutator.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <string>
+#include <utility>
 
 #include "tests/support/DocumentGenerator.h"
 #include "vig/parsers/JsonTokens.h"
@@ -16,31 +19,38 @@ support::Mutator& mutator() {
     return mutator;
 }
 
-constexpr std::size_t kPlacesForAnError = 1000;
-constexpr std::size_t kLong = 700;  // bytes, from which on a text shrinks as often as it grows
+support::DocumentGenerator& generator() {
+    constexpr std::size_t kPlacesForAnError = 1000;
+    static support::DocumentGenerator generator(mutator(), kPlacesForAnError);
+    return generator;
+}
 
 std::size_t draw(std::size_t bound) {
     return mutator().draw(bound);
 }
 
-std::string generated(const Value& value) {
-    support::DocumentGenerator generator(mutator(), kPlacesForAnError);
-    const std::string element = value.isElement ? generator.elementOf(value.key) : generator.valueOf(value.key);
-    return element.empty() ? generator.somethingElse() : element;
+std::string mutatedBytes(std::string text, std::size_t most) {
+    const std::size_t size = std::min(text.size(), most);
+    text.resize(most);
+    text.resize(most == 0 ? 0 : LLVMFuzzerMutate(reinterpret_cast<std::uint8_t*>(text.data()), size, most));
+    return text;
 }
 
-// With one of the commas at its sides.
+std::string generated(const Value& value) {
+    const std::string text = value.isElement ? generator().elementOf(value.key) : generator().valueOf(value.key);
+    return text.empty() ? generator().somethingElse() : text;
+}
+
+// Removes one of the commas at its sides, too.
 void remove(std::string& text, const Value& value) {
     const std::size_t comma = text.find_first_not_of(" \n", value.end);
-    if (comma < text.size() && text[comma] == ',') {
-        text.erase(value.memberBegin, comma + 1 - value.memberBegin);
-    } else {
-        const std::size_t begin = value.memberBegin > 0 && text[value.memberBegin - 1] == ',' ? 1 : 0;
-        text.erase(value.memberBegin - begin, value.end - value.memberBegin + begin);
-    }
+    const bool isBeforeComma = comma < text.size() && text[comma] == ',';
+    const bool isAfterComma = !isBeforeComma && value.memberBegin > 0 && text[value.memberBegin - 1] == ',';
+    const std::size_t begin = value.memberBegin - (isAfterComma ? 1 : 0);
+    text.erase(begin, (isBeforeComma ? comma + 1 : value.end) - begin);
 }
 
-// Between its quotes, if it is a string.
+// Changes what stands between the quotes, if it is a string.
 void mutateLeaf(std::string& text, const Value& value) {
     constexpr std::size_t kMoreBytes = 32;
     const std::size_t quote = text[value.begin] == '"' && value.end - value.begin >= 2 ? 1 : 0;
@@ -50,18 +60,15 @@ void mutateLeaf(std::string& text, const Value& value) {
 }
 
 void changeValue(std::string& text) {
-    const std::string before = text;  // which the values point into
+    constexpr std::size_t kLong = 700;  // bytes, from which on a text shrinks as often as it grows
+    const std::string before = text;    // which the values point into
     const std::vector<Value> values = valuesIn(before);
     if (values.empty()) {
         return;
     }
     const Value& value = values[draw(values.size())];
     const Value& other = values[draw(values.size())];
-    if (text.size() > kLong && draw(2) == 0) {
-        remove(text, value);
-        return;
-    }
-    switch (draw(6)) {
+    switch (text.size() > kLong && draw(2) == 0 ? 1 : draw(6)) {
         case 0:
             text.insert(value.end, "," + before.substr(value.memberBegin, value.end - value.memberBegin));
             break;
@@ -81,47 +88,33 @@ void changeValue(std::string& text) {
     }
 }
 
-std::vector<std::string_view> tokensIn(std::string_view text) {
-    std::vector<std::string_view> found;
-    for (Brenta::OS::VIG::JsonTokens tokens(text); tokens.next();) {
-        found.push_back(tokens.token());
-    }
-    return found;
-}
-
-// What leads from the beginning of an array or object to one of its values, or an empty piece.
+// Returns what leads from the beginning of an array or object to one of its values; nothing if there is none.
 std::string wayIn(const std::string& text) {
     const std::vector<Value> values = valuesIn(text);
     if (values.empty()) {
         return "";
     }
     const Value& inner = values[draw(values.size())];
-    const Value* outer = &inner;
-    for (const Value& value : values) {
-        if (value.begin < inner.begin && value.end >= inner.end) {
-            outer = &value;
-        }
-    }
-    return text.substr(outer->begin, inner.begin - outer->begin);
+    const auto isAround = [&](const Value& each) { return each.begin < inner.begin && each.end >= inner.end; };
+    const auto outer = std::find_if(values.rbegin(), values.rend(), isAround);
+    return outer == values.rend() ? "" : text.substr(outer->begin, inner.begin - outer->begin);
 }
 
-// Such a piece, often with a token replaced by another one, before which a comment may stand, as many times as no
-// document may be nested. The text itself where that is too long.
+// Repeats such a piece, often with a token replaced by another one, before which a comment may stand, as many times as
+// no document may be nested. Returns the text itself where that is too long.
 std::string repeatedWayIn(const std::string& text, std::size_t most) {
-    constexpr std::string_view kComments[] = {"", "/**/", "//\n"};
-    constexpr std::string_view kOthers[] = {"[", "]", "{", "}", ",", ":", "0", "\"\"", "null", "\n"};
     constexpr std::size_t kTimes = 1100;
-    constexpr int kTries = 8;
     std::string piece;
-    for (int tries = 0; tries < kTries && (piece.empty() || piece.size() * kTimes > most); ++tries) {
+    for (int tries = 8; tries > 0 && (piece.empty() || piece.size() * kTimes > most); --tries) {
         piece = wayIn(text);
     }
-    const std::vector<std::string_view> tokens = tokensIn(piece);
-    if (!tokens.empty() && draw(4) > 0) {
-        const std::string_view token = tokens[draw(tokens.size())];
-        const std::string other =
-            std::string(kComments[draw(std::size(kComments))]) + std::string(kOthers[draw(std::size(kOthers))]);
-        piece.replace(static_cast<std::size_t>(token.data() - piece.data()), token.size(), other);
+    Brenta::OS::VIG::JsonTokens tokens(piece);
+    for (auto count = draw(8); count > 0 && tokens.next(); --count) {
+    }
+    if (!piece.empty() && draw(4) > 0) {
+        const std::string other = mutator().pick({"", "/**/", "//\n"}) +
+                                  mutator().pick({"[", "]", "{", "}", ",", ":", "0", "\"\"", "null", "\n"});
+        piece.replace(tokens.offset(), tokens.token().size(), other);
     }
     std::string repeated;
     for (std::size_t count = kTimes; count > 0 && repeated.size() <= most; --count) {
@@ -130,52 +123,11 @@ std::string repeatedWayIn(const std::string& text, std::size_t most) {
     return repeated.size() <= most ? repeated : text;
 }
 
-}  // namespace
-
-std::vector<Value> valuesIn(std::string_view text) {
-    std::vector<Value> values;
-    std::vector<std::size_t> open;  // which of them contain the place
-    std::string_view key;
-    std::size_t keyBegin = 0;
-    Brenta::OS::VIG::JsonTokens tokens(text);
-    while (tokens.next()) {
-        const std::size_t end = tokens.offset() + tokens.token().size();
-        switch (tokens.kind()) {
-            case ',':
-            case ':':
-                continue;
-            case '}':
-            case ']':
-                if (!open.empty()) {
-                    values[open.back()].end = end;
-                    open.pop_back();
-                }
-                continue;
-            default:
-                break;
-        }
-        if (tokens.kind() == '"' && tokens.isFollowedBy(':')) {
-            key = tokens.token().substr(1, tokens.token().size() - 2);
-            keyBegin = tokens.offset();
-            continue;
-        }
-        const bool isMember = !open.empty() && text[values[open.back()].begin] == '{';
-        const std::string_view listKey = open.empty() ? std::string_view() : values[open.back()].key;
-        values.push_back({isMember ? std::min(keyBegin, tokens.offset()) : tokens.offset(), tokens.offset(), end,
-                          isMember ? key : listKey, !isMember});
-        if (tokens.kind() == '{' || tokens.kind() == '[') {
-            open.push_back(values.size() - 1);
-        }
-    }
-    return values;
-}
-
-std::string mutatedJson(const std::string& text, std::size_t most, unsigned seed) {
-    mutator().seed(seed);
+std::string mutatedJson(const std::string& text, std::size_t most) {
     std::string changed = text;
     switch (draw(32)) {
         case 0:
-            changed = support::DocumentGenerator(mutator(), kPlacesForAnError).document();
+            changed = generator().document();
             break;
         case 1:
             changed = mutatedBytes(std::move(changed), most);
@@ -195,15 +147,49 @@ std::string mutatedJson(const std::string& text, std::size_t most, unsigned seed
     return changed.size() <= most ? changed : text.substr(0, most);
 }
 
-std::string mutatedBytes(std::string text, std::size_t most) {
-    const std::size_t size = std::min(text.size(), most);
-    text.resize(most);
-    text.resize(LLVMFuzzerMutate(reinterpret_cast<std::uint8_t*>(text.data()), size, most));
-    return text;
-}
+}  // namespace
 
-std::size_t putInput(std::uint8_t* data, const std::string& text, std::size_t most) {
-    return text.copy(reinterpret_cast<char*>(data), most);
+std::vector<Value> valuesIn(std::string_view text) {
+    std::vector<Value> values;
+    std::vector<std::size_t> open;  // which of them contain the place
+    std::string_view key;
+    std::size_t keyBegin = 0;
+    for (Brenta::OS::VIG::JsonTokens tokens(text); tokens.next();) {
+        const char kind = tokens.kind();
+        const std::size_t end = tokens.offset() + tokens.token().size();
+        if (kind == '}' || kind == ']') {
+            if (!open.empty()) {
+                values[open.back()].end = end;
+                open.pop_back();
+            }
+        } else if (kind == '"' && tokens.isFollowedBy(':')) {
+            key = tokens.token().substr(1, tokens.token().size() - 2);
+            keyBegin = tokens.offset();
+        } else if (kind != ',' && kind != ':') {
+            const bool isMember = !open.empty() && text[values[open.back()].begin] == '{';
+            const std::string_view listKey = open.empty() ? std::string_view() : values[open.back()].key;
+            values.push_back({isMember ? std::min(keyBegin, tokens.offset()) : tokens.offset(), tokens.offset(), end,
+                              isMember ? key : listKey, !isMember});
+            if (kind == '{' || kind == '[') {
+                open.push_back(values.size() - 1);
+            }
+        }
+    }
+    return values;
 }
 
 }  // namespace fuzz
+
+extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t size, std::size_t most, unsigned seed) {
+    const std::string_view input(reinterpret_cast<const char*>(data), size);
+    std::string text(input.substr(0, input.find('\0')));
+    std::string rest(input.substr(text.size()));
+    fuzz::mutator().seed(seed);
+    if (rest.empty() || seed % 3 != 0) {
+        text = fuzz::mutatedJson(text, most - rest.size());
+    } else {
+        constexpr std::size_t kMoreBytes = 64;
+        rest = '\0' + fuzz::mutatedBytes(rest.substr(1), std::min(rest.size() + kMoreBytes, most - text.size()) - 1);
+    }
+    return (text + rest).copy(reinterpret_cast<char*>(data), most);
+}

@@ -1,10 +1,10 @@
 #include "fuzz/Limits.h"
 
+#include <fmt/format.h>
 #include <sanitizer/allocator_interface.h>
 #include <time.h>
 
 #include <algorithm>
-#include <cstddef>
 #include <cstdio>
 #include <cstdlib>
 
@@ -18,7 +18,7 @@ constexpr std::size_t kOneIn = 8192;
 constexpr std::size_t kSmall = std::size_t{32} << 10;
 constexpr std::size_t kLarge = 4 * kSmall;
 
-// What is asked for, without what the sanitizer adds. The targets have one thread.
+// These count what is asked for, without what the sanitizer adds. The targets have one thread.
 std::size_t inUse = 0;
 std::size_t mostInUse = 0;
 
@@ -39,7 +39,7 @@ double secondsOfThread() {
     return static_cast<double>(now.tv_sec) + 1e-9 * static_cast<double>(now.tv_nsec);
 }
 
-// How long it took.
+// Returns the seconds that it took.
 double useWithinMemory(const std::string& text, std::size_t always,
                        const std::function<void(const std::string&)>& use) {
     constexpr std::size_t kForAByte = 256;
@@ -48,8 +48,7 @@ double useWithinMemory(const std::string& text, std::size_t always,
     mostInUse = inUse;
     use(text);
     if (mostInUse - before > always + kForAByte * text.size()) {
-        std::fprintf(stderr, "%zu bytes in use for a text of %zu bytes\n", mostInUse - before, text.size());
-        std::abort();
+        fail(fmt::format("{} bytes in use for a text of {} bytes", mostInUse - before, text.size()));
     }
     return secondsOfThread() - begin;
 }
@@ -64,7 +63,7 @@ std::string repeated(const std::string& text, std::size_t place, const std::stri
 
 void useLarge(const std::string& text, std::size_t always, std::size_t random,
               const std::function<void(const std::string&)>& use) {
-    // Another value of a list, or any piece of the text.
+    // The piece is a value that stands once more, or any piece of the text.
     const std::vector<Value> values = valuesIn(text);
     std::size_t place = random % text.size();
     std::string piece = text.substr(place, 1 + random / text.size() % 64);
@@ -75,6 +74,7 @@ void useLarge(const std::string& text, std::size_t always, std::size_t random,
     }
     const std::string small = repeated(text, place, piece, kSmall);
     const std::string large = repeated(text, place, piece, kLarge);
+    std::string times;
     constexpr int kTries = 3;  // the machine may have done something else
     for (int tries = 0; tries < kTries; ++tries) {
         const double forSmall = useWithinMemory(small, always, use);
@@ -82,13 +82,17 @@ void useLarge(const std::string& text, std::size_t always, std::size_t random,
         if (forLarge < 0.02 + 10 * forSmall) {  // 16 times as long if it were quadratic
             return;
         }
-        std::fprintf(stderr, "%f s for %zu bytes, %f s for %zu bytes\n", forSmall, small.size(), forLarge,
-                     large.size());
+        times += fmt::format("{} s for {} bytes, {} s for {} bytes\n", forSmall, small.size(), forLarge, large.size());
     }
-    std::abort();
+    fail(times);
 }
 
 }  // namespace
+
+void fail(const std::string& what) {
+    std::fprintf(stderr, "%s\n", what.c_str());
+    std::abort();
+}
 
 void useWithinLimits(const std::string& text, std::size_t always, const std::function<void(const std::string&)>& use) {
     const std::size_t random = std::hash<std::string>()(text);

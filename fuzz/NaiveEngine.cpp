@@ -11,29 +11,17 @@
 #include <limits>
 #include <memory>
 #include <optional>
-#include <random>
 #include <variant>
 
 namespace naive {
 
+const Names kActions = {"Test", "LogZramHeartBeat", "TriggerVelora", "TriggerVeloraCpu"};
+
 namespace {
 
-using Texts = std::set<std::string>;
-
-const Texts kEvents = {"EnteringState",
-                       "Timeout",
-                       "Test",
-                       "TelemetryEventBegin",
-                       "ProcessMemoryHeartBeat",
-                       "SystemMemoryHeartBeat",
-                       "ZramHeartBeat",
-                       "ProcessCpuHeartBeat",
-                       "ForegroundAppsStats",
-                       "TelemetryEventEnd"};
-const Texts kActions = {"Test", "LogZramHeartBeat", "TriggerVelora", "TriggerVeloraCpu"};
-const Texts kOperators = {"==", "!=", ">", "<", ">=", "<="};
-const Texts kTypes = {"string", "integer", "double"};
-const Texts kOperandTypes = {"constant", "function", "envvar"};
+const Names kOperators = {"==", "!=", ">", "<", ">=", "<="};
+const Names kTypes = {"string", "integer", "double"};
+const Names kOperandTypes = {"constant", "function", "envvar"};
 
 // An operator ends at a NUL.
 std::string upToNul(const std::string& text) {
@@ -49,8 +37,8 @@ std::string withoutNul(const std::string& text) {
     return sent;
 }
 
-bool isOneOf(const Texts& texts, const Json::Value& json) {
-    return json.isString() && texts.contains(json.asString());
+bool isOneOf(const Names& names, const Json::Value& json) {
+    return json.isString() && names.contains(json.asString());
 }
 
 // The id without its fraction, if it fits in so many bits.
@@ -59,10 +47,6 @@ std::optional<std::int64_t> idOf(Json::Value json, int bits) {
         json = std::trunc(json.asDouble());
     }
     return (bits == 64 ? json.isInt64() : json.isInt()) ? std::optional(json.asInt64()) : std::nullopt;
-}
-
-bool isFunction(const std::string& name, const std::string& type) {
-    return name == "PseudoRandomDouble" && type == "double";
 }
 
 bool isNumber(const std::string& text, const std::string& type) {
@@ -86,16 +70,17 @@ bool compare(const std::string& op, const auto& left, const auto& right) {
 }
 
 template <typename T>
-std::optional<T> find(const Named<T>& attributes, const std::string& name) {
+std::optional<T> find(const support::NamedValues<T>& attributes, const std::string& name) {
     const auto found = std::ranges::find(attributes, name, [](const auto& each) { return each.first; });
     return found == attributes.end() ? std::nullopt : std::optional(found->second);
 }
 
-// A number as one side of a filter.
+using Scalar = std::variant<std::string, std::int64_t, double>;
+
+// Returns a number as one side of a filter.
 template <typename T>
-std::optional<std::variant<std::string, std::int64_t, double>> numberOf(const Named<T>& event, const Named<T>& context,
-                                                                        const std::string& name,
-                                                                        bool isAgainstConstant) {
+std::optional<Scalar> numberOf(const support::NamedValues<T>& event, const support::NamedValues<T>& context,
+                               const std::string& name, bool isAgainstConstant) {
     const auto own = find(event, name);
     return own || !isAgainstConstant ? own.value_or(0) : find(context, name);
 }
@@ -105,15 +90,9 @@ bool hasOneConstant(const Json::Value& filter) {
     return (filter["operand1"]["type"] == "constant") != (filter["operand2"]["type"] == "constant");
 }
 
-void describe(const auto& attributes, std::vector<std::string>& metadata) {
-    for (const auto& [name, value] : attributes) {
-        metadata.push_back(withoutNul(fmt::format("{}:{}", name, *find(attributes, name))));
-    }
-}
-
 class Engine {
   public:
-    explicit Engine(const World& where) : world(where), random(where.seed) {}
+    explicit Engine(const World& where) : world(where) {}
 
     void load(const std::string& text) {
         Json::CharReaderBuilder builder;
@@ -151,8 +130,6 @@ class Engine {
     Outcome outcome;
 
   private:
-    using Scalar = std::variant<std::string, std::int64_t, double>;
-
     struct Machine {
         std::int64_t id;
         std::int64_t payloadId;
@@ -163,23 +140,27 @@ class Engine {
 
     void complain(const std::string& message) { outcome.trace.push_back(logEntry(current->state, true, message)); }
 
-    static bool areAll(const Json::Value& list, bool (*accepts)(const Json::Value&)) {
-        return list.isArray() && std::all_of(list.begin(), list.end(), accepts);
+    bool isFunction(const std::string& name, const std::string& type) const {
+        return type == "double" && world.functions.contains(name);
     }
 
-    static bool acceptsConfig(const Json::Value& config) {
+    bool areAll(const Json::Value& list, bool (Engine::*accepts)(const Json::Value&) const) const {
+        return list.isArray() && std::ranges::all_of(list, [&](const auto& each) { return (this->*accepts)(each); });
+    }
+
+    bool acceptsConfig(const Json::Value& config) const {
         return config.isObject() && idOf(config["id"], 64) && config["payload"].isObject() &&
                idOf(config["payload"]["id"], 32) && config["payload"]["data"].isObject() &&
-               areAll(config["payload"]["data"]["transitions"], acceptsTransition);
+               areAll(config["payload"]["data"]["transitions"], &Engine::acceptsTransition);
     }
 
-    static bool acceptsTransition(const Json::Value& json) {
+    bool acceptsTransition(const Json::Value& json) const {
         return json.isObject() && json["from_state"].isString() && json["to_state"].isString() &&
-               json["event"].isString() && areAll(json["filters"], acceptsFilter) &&
-               areAll(json["actions"], acceptsAction) && kEvents.contains(json["event"].asString());
+               isOneOf(world.eventTypes, json["event"]) && areAll(json["filters"], &Engine::acceptsFilter) &&
+               areAll(json["actions"], &Engine::acceptsAction);
     }
 
-    static bool acceptsFilter(const Json::Value& filter) {
+    bool acceptsFilter(const Json::Value& filter) const {
         return filter.isObject() && filter["operator"].isString() &&
                kOperators.contains(upToNul(filter["operator"].asString())) && isOneOf(kTypes, filter["value_type"]) &&
                acceptsOperand(filter["operand1"]) && acceptsOperand(filter["operand2"]) &&
@@ -190,20 +171,17 @@ class Engine {
         return operand.isObject() && isOneOf(kOperandTypes, operand["type"]) && operand["value"].isString();
     }
 
-    // With one constant. Otherwise unknown functions and texts that are no numbers count as 0.
-    static bool acceptsComparison(const Json::Value& filter, const std::string& type) {
+    // There is one constant. Otherwise unknown functions and texts that are no numbers count as 0.
+    bool acceptsComparison(const Json::Value& filter, const std::string& type) const {
         const bool isFirst = filter["operand1"]["type"] == "constant";
         const Json::Value& other = filter[isFirst ? "operand2" : "operand1"];
         return (type == "string" || isNumber(filter[isFirst ? "operand1" : "operand2"]["value"].asString(), type)) &&
                (other["type"] != "function" || isFunction(other["value"].asString(), type));
     }
 
-    static bool acceptsAction(const Json::Value& action) {
-        if (!action.isObject() || !action["name"].isString()) {
-            return false;
-        }
-        // None takes parameters.
-        return !action["parameters"].isArray() && kActions.contains(action["name"].asString());
+    // None takes parameters.
+    bool acceptsAction(const Json::Value& action) const {
+        return action.isObject() && isOneOf(kActions, action["name"]) && !action["parameters"].isArray();
     }
 
     void enter() {
@@ -250,10 +228,10 @@ class Engine {
                                        : Scalar(std::strtod(text.c_str(), nullptr));
         }
         if (operand["type"] == "function" && isFunction(text, type)) {
-            return std::uniform_real_distribution<double>(0, 1)(random);
+            return world.functions.at(text)();
         }
-        const Attributes nothing;
-        const Attributes& own = operand["type"] == "envvar" ? event.attributes : nothing;
+        const support::Attributes nothing;
+        const support::Attributes& own = operand["type"] == "envvar" ? event.attributes : nothing;
         if (type == "string") {
             const std::string found = find(own.string, text).value_or("");
             return isAgainstConstant && found.empty() ? find(world.context.string, text).value_or("") : found;
@@ -275,48 +253,40 @@ class Engine {
     }
 
     void trigger(bool isMemory, const Event& event) {
-        const std::string process = find(event.attributes.string, "processName").value_or("");
-        if (process.empty()) {
-            complain("Missing required attribute processName in event.");
+        const auto& [uint64, int64, real, boolean, string] = event.attributes;
+        const std::string process = find(string, "processName").value_or("");
+        if (process.empty() || !world.hasTriggerService) {
+            complain(process.empty() ? "Missing required attribute processName in event."
+                                     : "Error while getting the service proxy: -2 , triggerService is null!");
             return;
         }
-        if (!world.hasTriggerService) {
-            complain("Error while getting the service proxy: -2 , triggerService is null!");
-            return;
-        }
-        std::vector<std::string> metadata = measured(isMemory, event);
-        if (metadata.empty()) {
+        std::vector<std::string> metadata;
+        const auto utilization = find(real, "cpuAvgUtilization");
+        const auto rss = find(int64, "vmRssKB");
+        const auto swap = find(int64, "vmSwapKB");
+        if (isMemory && rss && swap) {
+            const auto sum = static_cast<std::uint64_t>(*rss) + static_cast<std::uint64_t>(*swap);
+            metadata = {fmt::format("threshold_current_value:{}", static_cast<std::int64_t>(sum)),
+                        "threshold_units:RSS_anon_plus_swap_KB"};
+        } else if (!isMemory && utilization) {
+            metadata = {fmt::format("threshold_current_value:{}", *utilization), "threshold_units:CPU_credits"};
+        } else {
+            complain(isMemory ? fmt::format("Missing required attributes {} in event.", rss ? "vmSwapKB" : "vmRssKB")
+                              : "Missing required attribute cpuAvgUtilization in event.");
             complain("synthesizeMetadata from event failed!");
             return;
         }
-        describe(event.attributes.uint64, metadata);
-        describe(event.attributes.int64, metadata);
-        describe(event.attributes.real, metadata);
-        describe(event.attributes.boolean, metadata);
-        describe(event.attributes.string, metadata);
+        const auto describe = [&](const auto& attributes) {
+            for (const auto& [name, value] : attributes) {
+                metadata.push_back(withoutNul(fmt::format("{}:{}", name, *find(attributes, name))));
+            }
+        };
+        describe(uint64), describe(int64), describe(real), describe(boolean), describe(string);
         const std::string prefix = isMemory ? "vig:memory_heartbeat_over_budget:" : "vig:cpu_over_budget:";
         outcome.trace.push_back(triggerEntry(prefix + withoutNul(process), withoutNul(process), metadata));
     }
 
-    std::vector<std::string> measured(bool isMemory, const Event& event) {
-        const auto utilization = find(event.attributes.real, "cpuAvgUtilization");
-        const auto rss = find(event.attributes.int64, "vmRssKB");
-        const auto swap = find(event.attributes.int64, "vmSwapKB");
-        if (!isMemory && utilization) {
-            return {fmt::format("threshold_current_value:{}", *utilization), "threshold_units:CPU_credits"};
-        }
-        if (isMemory && rss && swap) {
-            const auto sum = static_cast<std::uint64_t>(*rss) + static_cast<std::uint64_t>(*swap);
-            return {fmt::format("threshold_current_value:{}", static_cast<std::int64_t>(sum)),
-                    "threshold_units:RSS_anon_plus_swap_KB"};
-        }
-        complain(isMemory ? fmt::format("Missing required attributes {} in event.", rss ? "vmSwapKB" : "vmRssKB")
-                          : "Missing required attribute cpuAvgUtilization in event.");
-        return {};
-    }
-
     const World& world;
-    std::mt19937 random;
     std::vector<Machine> machines;
     Machine* current = nullptr;  // while it runs
 };

@@ -2,42 +2,40 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
+#include <map>
 #include <set>
 #include <string>
-#include <utility>
 #include <vector>
+
+#include "tests/support/TestEvent.h"
 
 // A second engine for rule documents, to compare the library with. It shares nothing with it. It builds nothing either:
 // the rules stay JSON, which is read again on every event. Slow, and short enough to be checked by eye against
 // docs/rule-documents.md.
 namespace naive {
 
-template <typename T>
-using Named = std::vector<std::pair<std::string, T>>;
+using Names = std::set<std::string>;
 
-struct Attributes {
-    Named<std::uint64_t> uint64;
-    Named<std::int64_t> int64;
-    Named<double> real;
-    Named<bool> boolean;
-    Named<std::string> string;
-};
+// The actions that it can do.
+extern const Names kActions;
 
 struct Event {
     std::string type;
     std::int64_t timeoutId;  // of a Timeout
-    Attributes attributes;
+    support::Attributes attributes;
 };
 
 // Where the machines run.
 struct World {
-    Attributes context;  // of each machine
+    Names eventTypes;                                          // that documents may name
+    std::map<std::string, std::function<double()>> functions;  // those too, of the value type "double"
+    support::Attributes context;                               // of each machine
     std::set<std::int64_t> timeoutIds;
     bool hasTriggerService;
-    unsigned seed;
 };
 
-// What the machines let one see, one entry each: log lines with the state that the machine was in, triggers, and where
+// The machines let one see this, one entry each: log lines with the state that the machine was in, triggers, and where
 // a machine is after each event.
 using Trace = std::vector<std::string>;
 

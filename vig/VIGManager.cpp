@@ -7,12 +7,12 @@
 #include <utility>
 
 #include "vig/DeliveryGate.h"
+#include "vig/DoubleFunctions.h"
 #include "vig/EventTypeNames.h"
 #include "vig/ResponseListener.h"
 #include "vig/ResponseProperty.h"
 #include "vig/WatcherSleep.h"
 #include "vig/actions/LogZramHeartBeatActionFunctionFactory.h"
-#include "vig/actions/PseudoRandomDoublePureFunctionImpl.h"
 #include "vig/actions/TestActionFunctionFactory.h"
 #include "vig/actions/VIGTriggerVeloraCpuFuncActionFactoryImpl.h"
 #include "vig/actions/VIGTriggerVeloraFuncActionFactoryImpl.h"
@@ -62,6 +62,10 @@ VIGParserConfig VIGManager::createParserConfig() const {
     for (const auto& [eventType, name] : kEventTypeNames.pairs) {
         eventTypes.emplace(name, eventType);
     }
+    std::unordered_map<std::string, VIGParserConfig::DoublePureFunction> doubleFunctions;
+    for (const DoubleFunction& each : kDoubleFunctions) {
+        doubleFunctions.emplace(each.name, each.get());
+    }
     return VIGParserConfig(std::move(eventTypes),
                            {
                                {"Test", testActionFunctionFactory},
@@ -69,7 +73,7 @@ VIGParserConfig VIGManager::createParserConfig() const {
                                {"TriggerVelora", triggerVeloraFuncActionFactory},
                                {"TriggerVeloraCpu", triggerVeloraCpuFuncActionFactory},
                            },
-                           {}, {{"PseudoRandomDouble", PseudoRandomDoublePureFunctionImpl::get()}}, {}, {});
+                           {}, std::move(doubleFunctions), {}, {});
 }
 
 void VIGManager::registerCallback(Callback newCallback) {

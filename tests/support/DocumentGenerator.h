@@ -2,133 +2,121 @@
 
 #include <cstddef>
 #include <map>
+#include <set>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
+#include "tests/support/Documents.h"
 #include "tests/support/Mutator.h"
+#include "tools/vig/document/Registry.h"
 
 namespace support {
 
 // Draws documents of the right shape, and parts of them, in which once in so many places a member is missing, misspelt
 // or something else.
 class DocumentGenerator {
-    using Keys = std::vector<std::string>;
+    using Texts = std::vector<std::string>;
+    using Table = std::map<std::string, Texts, std::less<>>;
 
   public:
     DocumentGenerator(Mutator& source, std::size_t placesForAnError) : mutator(source), places(placesForAnError) {}
 
     std::string document() { return objectOf({"configs"}); }
 
-    // What may stand under the key, which may be any.
+    // Draws what may stand under the key, which may be any.
     std::string valueOf(std::string_view key) {
-        if (const auto element = elementOf(key); !element.empty()) {
-            return list(key, element);
+        if (kElements.contains(key)) {
+            Texts elements;
+            for (std::size_t count = mutator.draw(3); count > 0; --count) {
+                elements.push_back(errs() ? somethingElse() : elementOf(key));
+            }
+            return "[" + joined(elements) + "]";
         }
         if (key == "payload" || key == "data") {
-            return objectOf(key == "data" ? Keys{"transitions"} : Keys{"id", "data"});
+            return objectOf(key == "data" ? Texts{"transitions"} : Texts{"id", "data"});
         }
-        if (key == "operand1" || key == "operand2") {
-            return operand();
+        if (key.starts_with("operand")) {
+            const std::string type = mutator.pick({"function", "constant", "envvar", "envvar"});
+            return object({"type", "value"}, {quoted(type), textFor(type == "constant" && errs() ? "odd" : type)});
         }
-        if (key == "value") {
-            return pick({constant(), oddConstant(), R"("vmRssKB")", R"("processName")", R"("PseudoRandomDouble")"});
-        }
-        static const std::map<std::string_view, std::vector<std::string>> kTexts = {
-            {"id", {"7", "7", "-1", "2.9", "2147483647"}},
-            {"from_state", {R"("start")", R"("start")", R"("end")", R"("a")", R"("")"}},
-            {"to_state", {R"("start")", R"("start")", R"("end")", R"("a")", R"("")"}},
-            {"event",
-             {R"("Test")", R"("Timeout")", R"("EnteringState")", R"("ProcessMemoryHeartBeat")",
-              R"("ProcessCpuHeartBeat")", R"("ZramHeartBeat")"}},
-            {"operator", {R"("==")", R"("!=")", R"(">")", R"("<")", R"(">=")", R"("<=")"}},
-            {"value_type", {R"("string")", R"("double")", R"("double")", R"("integer")"}},
-            {"type", {R"("constant")", R"("envvar")", R"("function")", R"("integer")", R"("string")"}},
-            {"name", {R"("Test")", R"("TriggerVelora")", R"("TriggerVeloraCpu")", R"("LogZramHeartBeat")"}},
-        };
-        if (const auto texts = kTexts.find(key); texts != kTexts.end()) {
-            return pick(texts->second);
-        }
-        return somethingElse();
+        return textFor(key == "value" ? mutator.pick({"constant", "odd", "envvar", "function"}) : std::string(key));
     }
 
-    // An element of the list under the key; empty if there is no list of that name.
+    // Draws an element of the list under the key. Returns nothing if there is no list of that name.
     std::string elementOf(std::string_view key) {
-        static const std::map<std::string_view, Keys> kObjects = {
-            {"configs", {"id", "payload"}},
-            {"transitions", {"from_state", "to_state", "event", "filters", "actions"}},
-            {"filters", {"operator", "value_type", "operand1", "operand2"}},
-        };
-        if (const auto keys = kObjects.find(key); keys != kObjects.end()) {
-            return objectOf(keys->second);
-        }
-        if (key == "actions") {
-            return mutator.draw(20) == 0 ? objectOf({"name", "parameters"}) : objectOf({"name"});
-        }
-        if (key == "parameters") {
-            return object({{"type", pick({R"("integer")", R"("string")"})}, {"value", pick({"1", R"("x")", "2.5"})}});
-        }
-        return {};
+        const auto keys = kElements.find(key);
+        const bool hasParameters = key == "actions" && mutator.draw(20) == 0;
+        return keys == kElements.end() ? "" : objectOf(hasParameters ? Texts{"name", "parameters"} : keys->second);
     }
 
-    // A value that hardly belongs anywhere.
+    // Draws a value that hardly belongs anywhere.
     std::string somethingElse() {
-        return pick({"null", "1", "-2.5", "1e99", "true", R"("")", R"("end")", "[]", "{}", "[{}]", "[[1]]"});
+        return mutator.pick({"null", "1", "-2.5", "1e99", "true", R"("")", R"("end")", "[]", "{}", "[{}]", "[[1]]"});
     }
 
   private:
-    using Members = std::vector<std::pair<std::string, std::string>>;
+    inline static const Table kElements = {
+        {"configs", {"id", "payload"}},
+        {"transitions", {"from_state", "to_state", "event", "filters", "actions"}},
+        {"filters", {"operator", "value_type", "operand1", "operand2"}},
+        {"actions", {"name"}},
+        {"parameters", {"type", "value"}},
+    };
 
-    std::string pick(const std::vector<std::string>& texts) { return texts[mutator.draw(texts.size())]; }
+    static std::string quoted(const std::string& text) { return "\"" + text + "\""; }
+
+    static Texts namesIn(const auto& registered) {
+        std::set<std::string> names;  // in the same order with every standard library
+        for (const auto& [name, value] : registered) {
+            names.insert(name);
+        }
+        return {names.begin(), names.end()};
+    }
+
+    std::string textFor(const std::string& key) {
+        static const auto kRegistry = Brenta::OS::VIG::Tool::libraryRegistry();
+        static const Texts kStates = {"start", "start", "end", "a", ""};
+        static const Table kTexts = {
+            {"from_state", kStates},
+            {"to_state", kStates},
+            {"event", namesIn(kRegistry.getEventTypes())},
+            {"operator", {"==", "!=", ">", "<", ">=", "<="}},
+            {"value_type", {"string", "double", "double", "integer"}},
+            {"type", {"constant", "envvar", "function", "integer", "string"}},
+            {"name", namesIn(kRegistry.getActionFunctionFactories())},
+            {"function", namesIn(kRegistry.getDoublePureFunctions())},
+            {"envvar", {"vmRssKB", "processName", "cpuAvgUtilization"}},
+            {"constant", {"1", "2.5", "-7", "300000"}},
+            // No number, out of range, or only partly a number.
+            {"odd",
+             {"abc", "", "9223372036854775808", "-9223372036854775809", "1e400", "1e-400", "nan", "-inf", "0x10",
+              " +7kB"}},
+        };
+        if (key == "id") {
+            return mutator.pick({"7", "7", "-1", "2.9", "2147483647"});
+        }
+        const auto texts = kTexts.find(key);
+        return texts == kTexts.end() ? somethingElse() : quoted(mutator.pick(texts->second));
+    }
 
     bool errs() { return mutator.draw(places) == 0; }
 
-    std::string valueOr(const std::string& value) { return errs() ? somethingElse() : value; }
-
-    std::string objectOf(const Keys& keys) {
-        Members members;
+    std::string objectOf(const Texts& keys) {
+        Texts values;
         for (const std::string& key : keys) {
-            members.emplace_back(key, valueOf(key));
+            values.push_back(valueOf(key));
         }
-        return object(members);
+        return object(keys, values);
     }
 
-    std::string object(const Members& members) {
-        std::string text;
-        for (const auto& [key, value] : members) {
-            text += text.empty() ? "" : ",";
-            text += "\"" + (errs() ? pick({"id", "x", "value", "type", key}) : key) + "\":" + valueOr(value);
+    std::string object(const Texts& keys, const Texts& values) {
+        Texts members;
+        for (std::size_t i = 0; i < keys.size(); ++i) {
+            members.push_back(quoted(errs() ? mutator.pick({"id", "x", "value", "type"}) : keys[i]) + ":" +
+                              (errs() ? somethingElse() : values[i]));
         }
-        return "{" + text + (errs() ? ",}" : "}");
-    }
-
-    std::string list(std::string_view key, const std::string& first) {
-        std::string text;
-        for (std::size_t count = mutator.draw(3); count > 0; --count) {
-            text += (text.empty() ? "" : ",") + valueOr(text.empty() ? first : elementOf(key));
-        }
-        return "[" + text + "]";
-    }
-
-    std::string operand() {
-        switch (mutator.draw(4)) {
-            case 0:
-                return object({{"type", R"("function")"}, {"value", R"("PseudoRandomDouble")"}});
-            case 1:
-                return object({{"type", R"("constant")"}, {"value", errs() ? oddConstant() : constant()}});
-            default:
-                return object({{"type", R"("envvar")"},
-                               {"value", pick({R"("vmRssKB")", R"("processName")", R"("cpuAvgUtilization")"})}});
-        }
-    }
-
-    std::string constant() { return pick({R"("1")", R"("2.5")", R"("-7")", R"("300000")"}); }
-
-    // No number, out of range, or only partly a number.
-    std::string oddConstant() {
-        return pick({R"("abc")", R"("")", R"("9223372036854775808")", R"("-9223372036854775809")", R"("1e400")",
-                     R"("1e-400")", R"("nan")", R"("-inf")", R"("0x10")", R"(" +7kB")"});
+        return "{" + joined(members) + (errs() ? ",}" : "}");
     }
 
     Mutator& mutator;

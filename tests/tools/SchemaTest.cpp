@@ -2,7 +2,6 @@
 #include <json/json.h>
 
 #include <algorithm>
-#include <filesystem>
 #include <functional>
 #include <random>
 #include <set>
@@ -11,15 +10,18 @@
 #include <vector>
 
 #include "tests/support/Documents.h"
+#include "tests/support/Examples.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/tools/ToolRun.h"
+#include "tools/vig/check/ActionNeeds.h"
 #include "tools/vig/document/DocumentText.h"
 #include "tools/vig/document/Registry.h"
 #include "tools/vig/events/LineReader.h"
 #include "tools/vig/events/RecordParser.h"
-#include "tools/vig/io/FileText.h"
 #include "tools/vig/test/TestFile.h"
+#include "vig/DoubleFunctions.h"
+#include "vig/EventTypeNames.h"
 #include "vig/parsers/FilterParser.h"
 #include "vig/parsers/VIGResponseParser.h"
 
@@ -27,66 +29,38 @@ namespace Brenta::OS::VIG::Tool {
 
 namespace {
 
-using support::filter;
-using support::operand;
+using Strings = std::vector<std::string>;
+using Accepts = std::function<bool(const std::string&)>;
+
+const std::string kSchemas = VIG_SOURCE_DIR "/docs/schema/";
 
 Json::Value parsed(const std::string& text) {
     return DocumentText("", text).root();
 }
 
-std::string contentOf(const std::filesystem::path& path) {
-    std::string problem;
-    return readFile(VIG_SOURCE_DIR / path, Interruption(), problem).value_or("");
-}
-
-class Schema {
-  public:
-    explicit Schema(const std::string& name) : path("docs/schema/" + name), json(parsed(contentOf(path))) {}
-
-    // Expects that the schema accepts exactly those of the values whose place in `accepted` is true.
-    void expectAccepts(const std::vector<Json::Value>& values, const std::vector<bool>& accepted) const {
-        Json::StreamWriterBuilder oneLine;
-        oneLine["indentation"] = "";
-        std::string lines;
-        for (const Json::Value& value : values) {
-            lines += Json::writeString(oneLine, value) + "\n";
-        }
-        const support::TemporaryFolder folder;
-        const std::string source = VIG_SOURCE_DIR "/";
-        const std::string output = support::outputOf("'" + source + "tests/tools/schema_verdicts.py' '" + source +
-                                                     path + "' <'" + folder.write("values", lines).string() + "'");
-        ASSERT_EQ(output.size(), 2 * values.size()) << output;
-        for (std::size_t index = 0; index < values.size(); ++index) {
-            EXPECT_EQ(output[2 * index] == '1', accepted[index]) << values[index].toStyledString();
-        }
-    }
-
-    // Of the "enum" that stands there.
-    std::set<std::string> words(const std::string& place) const {
-        std::set<std::string> found;
-        for (const Json::Value& each : Json::Path(place + ".enum").resolve(json)) {
-            found.insert(each.asString());
-        }
-        return found;
-    }
-
-    const std::string path;  // from the project's folder
-    const Json::Value json;
-};
-
-bool libraryAccepts(const Json::Value& document) {
-    static const auto registry = libraryRegistry();
-    const support::LogCapture log;
-    return VIGResponseParser().parse(document, registry).error == VIGParseError::Ok;
-}
-
-bool toolAccepts(const Json::Value& record) {
+std::string oneLine(const Json::Value& value) {
     Json::StreamWriterBuilder builder;
     builder["indentation"] = "";
-    const std::string text = Json::writeString(builder, record);
-    const std::string padded = text + std::string(LineReader::PADDING, '\n');
-    EventRecord ignored;
-    return RecordParser().parse(std::string_view(padded).substr(0, text.size()), ignored);
+    return Json::writeString(builder, value);
+}
+
+Json::Value schema(const std::string& name) {
+    return parsed(support::outputOf("cat " + kSchemas + name));
+}
+
+// Expects that the schema accepts exactly those of the texts whose place in `accepted` is true.
+void expectAccepts(const std::string& name, const Strings& texts, const std::vector<bool>& accepted) {
+    std::string lines;
+    for (const std::string& text : texts) {
+        lines += text + "\n";
+    }
+    const support::TemporaryFolder folder;
+    const std::string output = support::outputOf(VIG_SOURCE_DIR "/tests/tools/schema_verdicts.py " + kSchemas + name +
+                                                 " <" + folder.write("texts", lines).string());
+    ASSERT_EQ(output.size(), 2 * texts.size()) << output;
+    for (std::size_t index = 0; index < texts.size(); ++index) {
+        EXPECT_EQ(output[2 * index] == '1', accepted[index]) << texts[index];
+    }
 }
 
 void collect(Json::Value& value, std::vector<Json::Value*>& all) {
@@ -98,15 +72,16 @@ void collect(Json::Value& value, std::vector<Json::Value*>& all) {
     }
 }
 
-// Mutates the seeds, at up to two places, and holds each result against the schema. `replacements` is a JSON array.
-void compare(const std::string& name, const std::function<bool(const Json::Value&)>& accepts,
-             const std::vector<std::string>& seeds, const std::string& replacements) {
+// Changes the seeds at up to two places, and expects that the schema accepts of the results what `accepts` does, and
+// its own examples and these besides. `replacements` is a JSON array.
+void compare(const std::string& name, const Accepts& accepts, const Strings& seeds, const std::string& replacements,
+             const Strings& examples) {
     std::mt19937 random(1);
     const auto anyOf = [&](const auto& several) -> auto& {
         return several[static_cast<unsigned>(random() % several.size())];
     };
     const Json::Value others = parsed(replacements);
-    std::vector<Json::Value> values;
+    Strings texts;
     std::vector<bool> accepted;
     constexpr int kRounds = 6000;
     for (int round = 0; round < kRounds; ++round) {
@@ -122,51 +97,62 @@ void compare(const std::string& name, const std::function<bool(const Json::Value
                 place = anyOf(others);
             }
         }
-        accepted.push_back(accepts(value));
-        values.push_back(std::move(value));
+        texts.push_back(oneLine(value));
+        accepted.push_back(accepts(texts.back()));
     }
-    Schema(name).expectAccepts(values, accepted);
     const auto count = std::count(accepted.begin(), accepted.end(), true);
     EXPECT_GT(count, kRounds / 5);
     EXPECT_LT(count, kRounds * 4 / 5);
-}
-
-std::string documentWith(const std::string& someFilter) {
-    return support::document(
-        {support::config(1, {support::transition("start", "", "Test", "[" + someFilter + "]",
-                                                 R"([{"name":"Test"},{"name":"TriggerVelora"}])")})});
+    for (const Json::Value& each : schema(name)["examples"]) {
+        texts.push_back(oneLine(each));
+    }
+    for (const std::string& each : examples) {
+        texts.push_back(oneLine(parsed(each)));
+    }
+    accepted.resize(texts.size(), true);
+    expectAccepts(name, texts, accepted);
 }
 
 TEST(Schemas, RuleDocumentAcceptsWhatTheLibraryAccepts) {
-    std::vector<std::string> seeds = {support::kCompleteDocument};
-    for (const std::string& each :
-         {filter(">", "integer", operand("envvar", "a"), operand("constant", " +12kB")),
-          filter("<=", "double", operand("constant", "-.5"), operand("envvar", "a")),
-          filter("<", "double", operand("function", "PseudoRandomDouble"), operand("constant", "inf")),
-          filter("!=", "double", operand("constant", "0x1p3"), operand("function", "PseudoRandomDouble")),
-          filter("==", "string", operand("envvar", "a"), operand("constant", "b")),
-          filter(">=", "integer", operand("function", "f"), operand("envvar", "a")),
-          filter("==", "double", operand("constant", "x"), operand("constant", ""))}) {
-        seeds.push_back(documentWith(each));
+    const auto documentWith = [](const std::string& filters) {
+        return support::documentOf(
+            {support::transition("start", "", "Test", filters, R"([{"name":"Test"},{"name":"TriggerVelora"}])")});
+    };
+    Strings seeds = {support::kCompleteDocument};
+    for (const char* const each :
+         {"integer a > = +12kB", "double =-.5 <= a", "double PseudoRandomDouble() < =inf",
+          "double =0x1p3 != PseudoRandomDouble()", "string a == =b", "integer f() >= a", "double =x == ="}) {
+        seeds.push_back(documentWith(support::filters({each})));
+    }
+    const auto registry = libraryRegistry();
+    const support::LogCapture log;
+    const auto accepts = [&](const std::string& text) {
+        return VIGResponseParser().parseFromString(text, registry).error == VIGParseError::Ok;
+    };
+    Strings examples = support::exampleDocuments();
+    for (const char* const outOfRange : {"double a < =1e400", "integer a < =99999999999999999999"}) {
+        examples.push_back(documentWith(support::filters({outOfRange})));
+        EXPECT_FALSE(accepts(examples.back())) << outOfRange;
     }
     compare(
-        "rule-document.schema.json", libraryAccepts, seeds,
-        R"([null, 0, -1.5, 2147483648.5, -2147483649.0, 1e300, true, "", "x", [], {}, "9e9", "integer", "double",)"
-        R"("string", "nan", "\u000b7", "\u00a07", "function", "constant", "envvar", ">=", "Test", "PseudoRandomDouble"])");
-    std::vector<Json::Value> lax;
-    for (const auto& [type, tooLarge] : {std::pair("double", "1e400"), std::pair("integer", "99999999999999999999")}) {
-        lax.push_back(parsed(documentWith(filter("<", type, operand("envvar", "a"), operand("constant", tooLarge)))));
-        EXPECT_FALSE(libraryAccepts(lax.back())) << tooLarge;
-    }
-    Schema("rule-document.schema.json").expectAccepts(lax, {true, true});
+        "rule-document.schema.json", accepts, seeds,
+        R"([null, 0, -1.5, 2147483648.5, -2147483649.0, 1e300, true, "", "x", [], {}, "9e9", "integer", "double", " +7",)"
+        R"("string", "nan", "\u000b7", "\u00a07", "function", "constant", "envvar", ">=", "Test", "PseudoRandomDouble"])",
+        examples);
 }
 
 TEST(Schemas, EventRecordAcceptsWhatTheToolReads) {
-    compare("event-record.schema.json", toolAccepts,
+    const auto accepts = [](const std::string& text) {
+        const std::string padded = text + std::string(LineReader::PADDING, '\n');
+        EventRecord ignored;
+        return RecordParser().parse(std::string_view(padded).substr(0, text.size()), ignored);
+    };
+    compare("event-record.schema.json", accepts,
             {R"({"event":"Timeout","timeout_id":3})", R"({"event":"Test","string":{"a":"b"},"int64":{"c":1,"d":0}})",
              R"({"event":"Test","time_ms":-1,"uint64":{"a":18446744073709551615},"bool":{"b":true},"string":{},)"
              R"("int64":{"":-9223372036854775808},"double":{"c":1e300,"d":2}})"},
-            R"([null, 1, -1, 1.5, true, "", "Timeout", "Test", "x", [], {}, 18446744073709551615])");
+            R"([null, 1, -1, 1.5, true, "", "Timeout", "Test", "x", [], {}, 18446744073709551615])",
+            support::linesWith(support::outputOf("cat " VIG_SOURCE_DIR "/examples/trace.jsonl"), "{"));
 }
 
 TEST(Schemas, RuleTestsAcceptWhatTheToolReads) {
@@ -174,11 +160,11 @@ TEST(Schemas, RuleTestsAcceptWhatTheToolReads) {
     for (const char* const events : {"x", "7", "info", "Test"}) {
         folder.write(events, R"({"event":"Test"})");
     }
-    const auto accepts = [&](const Json::Value& tests) {
-        std::vector<std::string> ignored;
+    const auto accepts = [&](const std::string& text) {
+        Strings ignored;
         // A file that is cut and written again goes to the disk at once.
         std::filesystem::remove(folder.path("test.json"));
-        return readTestFile(folder.write("test.json", tests.toStyledString()), Interruption(), ignored).has_value();
+        return readTestFile(folder.write("test.json", text), Interruption(), ignored).has_value();
     };
     compare(
         "rule-test.schema.json", accepts,
@@ -186,55 +172,45 @@ TEST(Schemas, RuleTestsAcceptWhatTheToolReads) {
          R"({"rules":"x","tests":[{"name":"a","seed":4294967295,"context":{"int64":{"b":1}},"events":[{"event":"Test"}],)"
          R"("expect":{"log":["x",{"message":"x","priority":"info"}],"states":{"7":"a"},"moves":0,"triggers":[{"event":0,)"
          R"("name":"x","process":"x","config":-1,"metadata":[],"metadata_contains":["x"]}]}}]})"},
-        R"([null, 0, -1, 1.5, 4294967296, true, "x", "7", "info", "Test", [], {}])");
+        R"([null, 0, -1, 1.5, 4294967296, true, "x", "7", "info", "Test", [], {}])",
+        support::linesWith(
+            support::outputOf("cd " VIG_SOURCE_DIR
+                              "/examples && for each in *.test.json; do tr '\\n' ' ' <$each; echo; done"),
+            "{"));
 }
 
-TEST(Schemas, AcceptTheExamples) {
-    std::vector<Json::Value> rules;
-    std::vector<Json::Value> tests;
-    std::vector<Json::Value> records;
-    for (const auto& entry : std::filesystem::directory_iterator(VIG_SOURCE_DIR "/examples")) {
-        if (entry.path().extension() == ".json") {
-            const Json::Value json = parsed(contentOf(entry.path()));
-            (json.isMember("tests") ? tests : rules).push_back(json);
-        }
-    }
-    for (const std::string& line : support::linesWith(contentOf("examples/trace.jsonl"), "")) {
-        records.push_back(parsed(line));
-    }
-    for (auto& [name, values] :
-         {std::pair("rule-document.schema.json", &rules), std::pair("rule-test.schema.json", &tests),
-          std::pair("event-record.schema.json", &records)}) {
-        const Schema schema(name);
-        EXPECT_FALSE(values->empty());
-        values->insert(values->end(), schema.json["examples"].begin(), schema.json["examples"].end());
-        schema.expectAccepts(*values, std::vector<bool>(values->size(), true));
-    }
-}
-
-TEST(Schemas, HaveTheNamesOfTheLibrary) {
-    const auto namesOf = [](const auto& pairs, const auto& nameOf) {
-        std::set<std::string> names;
-        for (const auto& pair : pairs) {
-            names.emplace(nameOf(pair));
+// Whoever adds a name to the library is told here where else it must stand.
+TEST(Schemas, AndTablesHaveTheNamesOfTheLibrary) {
+    using Names = std::set<std::string>;
+    const auto namesIn = [](const auto& several, auto name) {
+        Names names;
+        for (const auto& each : several) {
+            names.emplace(std::invoke(name, each));
         }
         return names;
     };
-    const auto keysOf = [&](const auto& map) { return namesOf(map, [](const auto& pair) { return pair.first; }); };
+    const auto keysOf = [&](const auto& map) { return namesIn(map, [](const auto& each) { return each.first; }); };
     const auto valuesOf = [&](const auto& table) {
         const auto texts = table.texts();
-        return std::set<std::string>(texts.begin(), texts.end());
+        return Names(texts.begin(), texts.end());
+    };
+    const auto enumeration = [&, rules = schema("rule-document.schema.json")](const std::string& place) {
+        return namesIn(Json::Path(".definitions." + place + ".enum").resolve(rules), &Json::Value::asString);
     };
     const auto registry = libraryRegistry();
-    const Schema schema("rule-document.schema.json");
-    const std::string filterPath = ".definitions.filter.properties.";
-    EXPECT_EQ(schema.words(".definitions.eventName"), keysOf(registry.getEventTypes()));
-    EXPECT_EQ(schema.words(filterPath + "operator"), valuesOf(kFilterOperatorTable));
-    EXPECT_EQ(schema.words(filterPath + "value_type"), valuesOf(kFilterValueTypeTable));
-    EXPECT_EQ(schema.words(".definitions.operand.properties.type"), valuesOf(kFilterOperandTypeTable));
-    EXPECT_EQ(schema.words(".definitions.knownFunction.properties.value"), keysOf(registry.getDoublePureFunctions()));
-    EXPECT_EQ(schema.words(".definitions.action.properties.name"), keysOf(registry.getActionFunctionFactories()));
-    EXPECT_EQ(Schema("event-record.schema.json").words(".properties.event"), keysOf(registry.getEventTypes()));
+    const Names actions = keysOf(registry.getActionFunctionFactories());
+    const Names functions = keysOf(registry.getDoublePureFunctions());
+    EXPECT_EQ(namesIn(kActions, &KnownAction::name), actions);
+    EXPECT_EQ(namesIn(kDoubleFunctions, &DoubleFunction::name), functions);
+    EXPECT_TRUE(registry.getInt64PureFunctions().empty() && registry.getStringPureFunctions().empty());
+    EXPECT_EQ(enumeration("action.properties.name"), actions);
+    EXPECT_EQ(enumeration("knownFunction.properties.value"), functions);
+    EXPECT_EQ(enumeration("filter.properties.operator"), valuesOf(kFilterOperatorTable));
+    EXPECT_EQ(enumeration("filter.properties.value_type"), valuesOf(kFilterValueTypeTable));
+    EXPECT_EQ(enumeration("operand.properties.type"), valuesOf(kFilterOperandTypeTable));
+    EXPECT_EQ(keysOf(registry.getEventTypes()), valuesOf(kEventTypeNames));
+    EXPECT_EQ(namesIn(schema("event-record.schema.json")["properties"]["event"]["enum"], &Json::Value::asString),
+              valuesOf(kEventTypeNames));
 }
 
 }  // namespace

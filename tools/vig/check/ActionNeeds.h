@@ -1,31 +1,50 @@
 #pragma once
 
+#include <algorithm>
+#include <iterator>
+#include <span>
 #include <string_view>
 
 #include "tools/vig/check/Catalogue.h"
 
 namespace Brenta::OS::VIG::Tool {
 
-// What the library's actions read from the event, and never from the context. This is the one place that says so.
+// An attribute that an action reads from the event, and never from the context.
 struct ActionNeed {
-    std::string_view action;
     std::string_view attribute;
     AttributeKind kind;
 };
 
-inline constexpr ActionNeed kActionNeeds[] = {
-    {"TriggerVelora", "processName", AttributeKind::String},
-    {"TriggerVelora", "vmRssKB", AttributeKind::Int64},
-    {"TriggerVelora", "vmSwapKB", AttributeKind::Int64},
-    {"TriggerVeloraCpu", "processName", AttributeKind::String},
-    {"TriggerVeloraCpu", "cpuAvgUtilization", AttributeKind::Double},
-    {"LogZramHeartBeat", "memUsedMaxBytes", AttributeKind::Uint64},
-    {"LogZramHeartBeat", "numCompressedDataBytes", AttributeKind::Uint64},
+struct KnownAction {
+    std::string_view name;
+    bool startsCollection;  // asks the trigger service for one
+    std::span<const ActionNeed> needs;
 };
 
-// Whether the action asks the trigger service for a collection.
-inline bool startsCollection(std::string_view action) {
-    return action == "TriggerVelora" || action == "TriggerVeloraCpu";
+inline constexpr ActionNeed kZramNeeds[] = {{"memUsedMaxBytes", AttributeKind::Uint64},
+                                            {"numCompressedDataBytes", AttributeKind::Uint64}};
+inline constexpr ActionNeed kMemoryNeeds[] = {
+    {"processName", AttributeKind::String}, {"vmRssKB", AttributeKind::Int64}, {"vmSwapKB", AttributeKind::Int64}};
+inline constexpr ActionNeed kCpuNeeds[] = {{"processName", AttributeKind::String},
+                                           {"cpuAvgUtilization", AttributeKind::Double}};
+
+// The library's actions, by the names under which documents ask for them.
+inline constexpr KnownAction kActions[] = {
+    {"Test", false, {}},
+    {"LogZramHeartBeat", false, kZramNeeds},
+    {"TriggerVelora", true, kMemoryNeeds},
+    {"TriggerVeloraCpu", true, kCpuNeeds},
+};
+
+// Returns the action with the lookup key, or null if the library has none.
+inline const KnownAction* findAction(std::string_view key) {
+    const auto* const found = std::ranges::find(kActions, key, &KnownAction::name);
+    return found == std::end(kActions) ? nullptr : found;
+}
+
+inline bool startsCollection(std::string_view key) {
+    const KnownAction* const action = findAction(key);
+    return action != nullptr && action->startsCollection;
 }
 
 }  // namespace Brenta::OS::VIG::Tool

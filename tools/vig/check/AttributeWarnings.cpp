@@ -180,9 +180,13 @@ std::string missingFor(const ActionModel& action, EventType event, const Catalog
     const CataloguedAttributes* known = catalogue.find(event);
     // The library's own event for a timeout that has run out has none.
     known = known == nullptr && event == EventType::Timeout ? &kNone : known;
+    const KnownAction* const asked = findAction(action.key);
+    if (known == nullptr || asked == nullptr) {
+        return {};
+    }
     std::string missing;
-    for (const ActionNeed& need : kActionNeeds) {
-        if (known != nullptr && need.action == action.key && !kindsOf(*known, need.attribute).has(need.kind)) {
+    for (const ActionNeed& need : asked->needs) {
+        if (!kindsOf(*known, need.attribute).has(need.kind)) {
             missing += (missing.empty() ? "" : ", ") + std::string(need.attribute) + " (" +
                        std::string(nameOf(need.kind)) + ")";
         }

@@ -45,9 +45,9 @@ template <typename T>
 ValueRange<T> domainOf(const OperandModel& operand) {
     ValueRange<T> domain;
     if constexpr (std::is_same_v<T, double>) {
-        if (isFunction(operand) && operand.operand.value == "PseudoRandomDouble") {
-            domain.narrow(FilterOperator::GreaterEqual, 0);
-            domain.narrow(FilterOperator::Less, 1);
+        if (const DoubleFunction* const function = doubleFunctionOf(operand)) {
+            domain.narrow(FilterOperator::GreaterEqual, function->least);
+            domain.narrow(FilterOperator::Less, function->limit);
         }
     }
     return domain;
@@ -89,8 +89,8 @@ Truth truthOfConstants(const FilterModel& filter, const VIGParserConfig& registr
     return built && (*built)(EvaluationContext(), Event(EventType::Test)) ? Truth::Always : Truth::Never;
 }
 
-// An attribute against itself. NaN differs from itself.
-Truth truthOfOneAttribute(const FilterModel& filter) {
+// The filter compares an attribute or a function with itself. NaN differs from itself.
+Truth truthOfOneValue(const FilterModel& filter) {
     const bool exact = filter.valueType != FilterValueType::Double;
     switch (filter.op) {
         case FilterOperator::Greater:
@@ -110,12 +110,13 @@ Truth truthOf(const FilterModel& filter, const VIGParserConfig& registry) {
     if (hasConstant(filter)) {
         return truthAgainstConstant(filter);
     }
-    const bool isOneAttribute = isAttribute(filter.operand1) && isAttribute(filter.operand2) &&
-                                filter.operand1.operand.value == filter.operand2.operand.value;
-    return isOneAttribute ? truthOfOneAttribute(filter) : Truth::Depends;
+    const FilterOperand& left = filter.operand1.operand;
+    const FilterOperand& right = filter.operand2.operand;
+    const bool isOneValue = left.type == right.type && left.value == right.value && !draws(filter);
+    return isOneValue ? truthOfOneValue(filter) : Truth::Depends;
 }
 
-// The comparisons of one attribute with constants, under one value type.
+// Holds the comparisons of each attribute and function with constants, under one value type.
 template <typename T>
 class Contradictions {
   public:
@@ -124,12 +125,7 @@ class Contradictions {
     // True if no value fulfils this filter and those before. Says so once.
     bool add(const FilterModel& filter) {
         const NormalFilter normal = normalFormOf(filter);
-        const std::string_view name = normal.left.operand.value;
-        auto place = attributes.find(name);
-        if (place == attributes.end()) {
-            place = attributes.emplace(name, Attribute()).first;
-        }
-        auto& [range, filters, contradictory] = place->second;
+        auto& [range, filters, contradictory] = compared[{isFunction(normal.left), normal.left.operand.value}];
         if (!contradictory) {
             range.narrow(normal.op, readNearest<T>(normal.right.operand.value));
             contradictory = range.isEmpty();
@@ -142,7 +138,7 @@ class Contradictions {
     }
 
   private:
-    struct Attribute {
+    struct Compared {
         ValueRange<T> range = {};
         std::vector<const FilterModel*> filters = {};
         bool contradictory = false;
@@ -166,7 +162,7 @@ class Contradictions {
     }
 
     std::vector<Diagnostic>& found;
-    std::map<std::string_view, Attribute> attributes;
+    std::map<std::pair<bool, std::string_view>, Compared> compared;
 };
 
 // Finds filters of one transition that cannot hold together.
@@ -215,9 +211,8 @@ FilterLogic appendLogicWarnings(const TransitionModel& transition, const VIGPars
         if (truth != Truth::Always) {
             logic.conditions.push_back(&filter);
         }
-        // A function gives another value to each filter.
-        const bool comparesAttribute = hasConstant(filter) && !usesFunction(filter);
-        const bool contradictory = truth == Truth::Depends && comparesAttribute && contradictions.add(filter);
+        const bool comparesOneValue = hasConstant(filter) && !draws(filter);
+        const bool contradictory = truth == Truth::Depends && comparesOneValue && contradictions.add(filter);
         logic.neverHolds = logic.neverHolds || truth == Truth::Never || contradictory;
     }
     return logic;

@@ -1,7 +1,11 @@
 #pragma once
 
+#include <algorithm>
+#include <iterator>
+
 #include "tools/vig/check/Catalogue.h"
 #include "tools/vig/document/RuleModel.h"
+#include "vig/DoubleFunctions.h"
 
 namespace Brenta::OS::VIG::Tool {
 
@@ -24,8 +28,24 @@ inline bool isAttribute(const OperandModel& operand) {
     return operand.operand.type == FilterOperand::Type::Envvar;
 }
 
+// Returns what is known of the function, or null if the operand is none that gives doubles.
+inline const DoubleFunction* doubleFunctionOf(const OperandModel& operand) {
+    const auto* const found = std::ranges::find(kDoubleFunctions, operand.operand.value, &DoubleFunction::name);
+    return isFunction(operand) && found != std::end(kDoubleFunctions) ? found : nullptr;
+}
+
+// Returns true if the next filter of the same event may get another value. An unknown function is taken for one.
+inline bool isDraw(const OperandModel& operand) {
+    const DoubleFunction* const function = doubleFunctionOf(operand);
+    return isFunction(operand) && (function == nullptr || function->isRandom);
+}
+
 inline bool usesFunction(const FilterModel& filter) {
     return isFunction(filter.operand1) || isFunction(filter.operand2);
+}
+
+inline bool draws(const FilterModel& filter) {
+    return isDraw(filter.operand1) || isDraw(filter.operand2);
 }
 
 inline bool isOfConstants(const FilterModel& filter) {

@@ -111,8 +111,7 @@ class Precedence {
             unconditional = &edge;
             return;
         }
-        const auto isRandom = [](const FilterModel* filter) { return usesFunction(*filter); };
-        if (std::ranges::none_of(edge.logic.conditions, isRandom)) {
+        if (std::ranges::none_of(edge.logic.conditions, [](const FilterModel* filter) { return draws(*filter); })) {
             const std::size_t rarest =
                 *std::ranges::min_element(filters, {}, [&](std::size_t filter) { return earlier[filter].size(); });
             earlier[rarest].push_back({&edge, std::move(filters)});

@@ -78,7 +78,7 @@ void appendNoWayOut(const StateGraph& graph, const std::vector<bool>& reachable,
 
 // A draw that every number fulfils limits nothing.
 bool isSampled(const Edge& edge) {
-    return std::ranges::any_of(edge.logic.conditions, [](const FilterModel* each) { return usesFunction(*each); });
+    return std::ranges::any_of(edge.logic.conditions, [](const FilterModel* each) { return draws(*each); });
 }
 
 // Whether entering the state can lead on to another one at once.

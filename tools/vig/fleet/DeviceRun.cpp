@@ -12,6 +12,7 @@
 #include "tools/vig/run/PlatformServices.h"
 #include "tools/vig/trace/RebuiltMachines.h"
 #include "tools/vig/words/Text.h"
+#include "vig/DoubleFunctions.h"
 #include "vig/parsers/VIGResponseParser.h"
 
 namespace Brenta::OS::VIG::Tool {
@@ -47,7 +48,13 @@ class NoReceiver final : public PlatformServices::Receiver {
 // The same registry with a generator in the place of that of the process. It must outlive what is parsed.
 VIGParserConfig registryWith(PseudoRandomGenerator& generator, const VIGParserConfig& library) {
     auto doubleFunctions = library.getDoublePureFunctions();
-    doubleFunctions.insert_or_assign("PseudoRandomDouble", [&generator] { return generator.draw(); });
+    for (const DoubleFunction& each : kDoubleFunctions) {
+        if (each.isRandom) {
+            doubleFunctions.insert_or_assign(each.name, [&generator, least = each.least, limit = each.limit] {
+                return least + (limit - least) * generator.draw();
+            });
+        }
+    }
     // Filters have no use for functions that return bool.
     return VIGParserConfig(library.getEventTypes(), library.getActionFunctionFactories(),
                            library.getInt64PureFunctions(), std::move(doubleFunctions),
