@@ -10,7 +10,6 @@ namespace {
 
 using Brenta::OS::VIG::DeliveryGate;
 
-// What a waiter finds when the delivery that it waits for has ended, and whether the gate had to be left for that.
 TEST(DeliveryGateTest, WhoWaitsIsLetThroughUnlessItsRegistrationIsOverOrTheGateIsClosed) {
     struct {
         const char* what;

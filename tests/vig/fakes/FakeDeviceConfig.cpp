@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <utility>
-
 #include "vig/WatcherSleep.h"
 
 // Definitions in an executable take precedence over those of the shared platform library.
@@ -43,14 +41,9 @@ void sleepBetweenChecks(std::unique_lock<std::mutex>& lock, std::condition_varia
     lock.unlock();
     config.sleep(static_cast<int>(delay.count()));
     lock.lock();
-    if (config.onlyRequestsWake) {
-        woken.wait(lock, [&, isAsleep = false]() mutable {
-            if (!std::exchange(isAsleep, true)) {
-                config.asleep.set_value();
-                return false;
-            }
-            return isRequested();
-        });
+    if (config.asleep) {
+        config.asleep->set_value();  // whoever then gets the lock finds the watcher waiting
+        woken.wait(lock, isRequested);
     }
 }
 
