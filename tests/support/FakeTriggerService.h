@@ -5,7 +5,10 @@
 #include <host/Utf8.h>
 #include <vendor/orlan/velora/BnTrigger.h>
 
+#include <algorithm>
 #include <cstdint>
+#include <functional>
+#include <iterator>
 #include <mutex>
 #include <optional>
 #include <ostream>
@@ -15,7 +18,7 @@
 
 namespace support {
 
-// What the service was asked for, in UTF-8.
+// The service was asked for this; the texts are UTF-8.
 struct Trigger {
     std::string triggerName;
     std::optional<std::string> processName;
@@ -25,7 +28,7 @@ struct Trigger {
     bool operator==(const Trigger&) const = default;
 };
 
-// How a failed assertion shows it.
+// Failed assertions show a trigger like this.
 inline void PrintTo(const Trigger& trigger, std::ostream* out) {
     *out << trigger.triggerName << " for " << trigger.processName.value_or("(none)") << " [" << trigger.reserved << "]";
     for (const std::string& entry : trigger.metadata) {
@@ -41,10 +44,10 @@ class FakeTriggerService {
     FakeTriggerService& operator=(const FakeTriggerService&) = delete;
     ~FakeTriggerService() { host::removeService(instanceName()); }
 
-    // What the calls from now on are answered; ok at first.
-    void answer(const android::binder::Status& status) {
+    // Every call from now on is answered by the function, ok at first.
+    void answer(std::function<android::binder::Status()> answer) {
         const std::lock_guard lock(service->mutex);
-        service->status = status;
+        service->answer = std::move(answer);
     }
 
     std::vector<Trigger> triggers() const {
@@ -52,7 +55,7 @@ class FakeTriggerService {
         return service->triggers;
     }
 
-    // Those since the last call.
+    // Returns those since the last call.
     std::vector<Trigger> takeTriggers() const {
         const std::lock_guard lock(service->mutex);
         return std::exchange(service->triggers, {});
@@ -61,24 +64,27 @@ class FakeTriggerService {
   private:
     struct Service : vendor::orlan::velora::BnTrigger {
         android::binder::Status trigger(const vendor::orlan::velora::TriggerContext& context) override {
-            const std::lock_guard lock(mutex);
+            const auto text = [](const auto& from) { return from ? host::toUtf8(*from) : "(none)"; };
+            std::unique_lock lock(mutex);
             Trigger& added = triggers.emplace_back();
             added.triggerName = host::toUtf8(context.triggerName);
             if (context.processName) {
                 added.processName = host::toUtf8(*context.processName);
             }
             if (context.metadata) {
-                for (const auto& entry : *context.metadata) {
-                    added.metadata.push_back(entry ? host::toUtf8(*entry) : "(none)");
-                }
+                std::ranges::transform(*context.metadata, std::back_inserter(added.metadata), text);
             }
             added.reserved = context.reserved;
-            return status;
+            const auto answerThis = answer;
+            lock.unlock();
+            return answerThis();
         }
 
         std::mutex mutex;
-        android::binder::Status status = android::binder::Status::ok();  // guarded by mutex
-        std::vector<Trigger> triggers;                                   // guarded by mutex
+        std::function<android::binder::Status()> answer = [] {
+            return android::binder::Status::ok();
+        };                              // guarded by mutex
+        std::vector<Trigger> triggers;  // guarded by mutex
     };
 
     static android::String16 instanceName() { return android::String16("vendor.orlan.velora.ITrigger/default"); }

@@ -157,7 +157,7 @@ TEST(TriggerActions, CallAServiceThatDiesAfterItWasFoundAndIgnoreTheAnswer) {
         }
     };
     FakeTriggerService service;
-    service.answer(android::binder::Status::fromExceptionCode(kDead));
+    service.answer([] { return android::binder::Status::fromExceptionCode(kDead); });
     const LogCapture log;
     fire(kMemory, DeathBringer(kCamera));
     EXPECT_THAT(log.lines(), IsEmpty());

@@ -2,7 +2,6 @@
 
 #include <deviceconfig/DeviceConfig.h>
 
-#include <algorithm>
 #include <cstddef>
 #include <functional>
 #include <future>
@@ -61,15 +60,6 @@ class FakeDeviceConfig {
     int checks() const { return valueOf(checkCount); }
     std::vector<int> sleeps() const { return valueOf(slept); }  // in seconds
 
-    // What the clients do.
-
-    bool check() {
-        std::unique_lock lock(mutex);
-        const int count = ++checkCount;
-        lock.unlock();
-        return availability(count);
-    }
-
     void sleep(int seconds) {
         std::unique_lock lock(mutex);
         slept.push_back(seconds);
@@ -78,32 +68,9 @@ class FakeDeviceConfig {
         duringSleep(count);
     }
 
-    com::korvel::deviceconfig::Properties read() {
-        auto values = properties();
-        afterReading();
-        return values;
-    }
-
-    void add(const Listener& listener) {
-        beforeAdding(listener);
-        {
-            const std::lock_guard lock(mutex);
-            registered.push_back(listener);
-            most = std::max(most, registered.size());
-        }
-        onAdded(listener);
-    }
-
-    void remove(const Listener& listener) {
-        beforeRemoving(listener);
-        {
-            const std::lock_guard lock(mutex);
-            std::erase(registered, listener);
-        }
-        onRemoved(listener);
-    }
-
   private:
+    friend com::korvel::deviceconfig::DeviceConfig;
+
     template <typename Value>
     Value valueOf(const Value& member) const {
         const std::lock_guard lock(mutex);
