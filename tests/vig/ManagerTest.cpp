@@ -96,8 +96,8 @@ TEST_F(ManagerTest, ReadsAnAbsentOrBrokenDocumentAsNoConfigurations) {
 TEST(ManagerBackOff, EndsWithADeliveryAndThenAListenerOrAfterFiveChecksAndBeginsAnewForEachRegistration) {
     constexpr int kNever = 100;
     const struct {
-        int firstAvailable;    // check
-        int registersAtSleep;  // anew; none if 0
+        int firstAvailable;    // the check that finds the service
+        int registersAtSleep;  // the sleep with another registration, 0 for none
         std::vector<int> sleeps;
     } cases[] = {
         {1, 0, {}},
@@ -204,7 +204,7 @@ TEST_F(ManagerTest, ListensWithoutACallbackButReadsNothing) {
     EXPECT_EQ(config.mostListeners(), 1U);
 }
 
-// What a registration goes through.
+// A registration goes through these.
 enum class Moment { Asked, Checked, Read, Parsed, Delivered, Adding, Added };
 
 // Tells when the operations that may be overridden are used.

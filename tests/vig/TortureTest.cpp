@@ -87,14 +87,14 @@ class Lifecycle {
                 heldByTheLibrary->reset();
             }
             EXPECT_NE(phase, Phase::Destroyed) << "a delivery after the destruction";
-            const unsigned servedBefore = latestServed.exchange(number);
-            EXPECT_GE(number, servedBefore) << "a delivery for an earlier registration";
+            const unsigned calledBefore = latestCalled.exchange(number);
+            EXPECT_GE(number, calledBefore) << "a delivery for an earlier registration";
             EXPECT_GT(number, overBefore) << "a delivery that began when its registration was over";
             EXPECT_FALSE(delivering.exchange(true)) << "two deliveries at once";
             EXPECT_EQ(configs.size(), 1U);
             if (number % 7 == 0 && number < 40) {
                 registerAgain(std::unique_lock(registering, std::try_to_lock));  // a callback waits for nobody
-            } else if (number % 5 == 0 || (number % 2 == 0 && number == servedBefore)) {
+            } else if (number % 5 == 0 || (number % 2 == 0 && number == calledBefore)) {
                 if (library == Library::WaitsInARemoval) {
                     letBothNotifiersIn();
                 }
@@ -242,7 +242,7 @@ class Lifecycle {
     unsigned registrations = 0;  // guarded by registering
     std::atomic<Phase> phase{Phase::Used};
     std::atomic<unsigned> over{0};  // up to this one all registrations are
-    std::atomic<unsigned> latestServed{0};
+    std::atomic<unsigned> latestCalled{0};
     std::atomic<unsigned> calls{0};
     std::atomic<bool> delivering{false};
     std::unique_ptr<VIGManager> manager = std::make_unique<VIGManager>();
@@ -252,7 +252,7 @@ class Lifecycle {
 class Torture : public testing::TestWithParam<std::pair<const char*, Library>> {};
 
 TEST_P(Torture, RegisteringDeregisteringNotifyingAndDestroyingAtOnceKeepsEveryPromise) {
-    // As many lifecycles as the environment asks for, or what takes seconds.
+    // The environment may ask for more, or fewer, than what takes seconds.
     const char* const wanted = std::getenv("VIG_LIFECYCLES");
     const unsigned lifecycles = wanted != nullptr ? static_cast<unsigned>(std::stoul(wanted)) : 100;
     for (unsigned seed = 1; seed <= lifecycles && !HasFailure(); ++seed) {
