@@ -61,7 +61,7 @@ TEST(DeliveryGateTest, ClosesWhenTheDeliveryUnderWayHasEnded) {
         gate.beginRegistration();
         std::promise<void> entered;
         bool delivered = false;
-        std::thread delivery([&] {
+        const auto delivery = std::async(std::launch::async, [&] {
             const DeliveryGate::Passage passage(gate, 1);
             entered.set_value();
             while (DeliveryGate::Passage(gate, 1)) {
@@ -72,7 +72,6 @@ TEST(DeliveryGateTest, ClosesWhenTheDeliveryUnderWayHasEnded) {
         entered.get_future().wait();
         gate.close();
         EXPECT_TRUE(delivered);
-        delivery.join();
     }
 }
 

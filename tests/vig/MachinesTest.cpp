@@ -86,8 +86,7 @@ TEST(Machines, SixtyFourOnFourThreadsShareOnlyTheirSequenceOfRandomNumbers) {
 
 TEST(Machines, ATriggerServiceThatBlocksHoldsUpOnlyTheMachineThatCallsIt) {
     support::FakeTriggerService service;
-    std::promise<void> called;
-    std::promise<void> mayAnswer;
+    std::promise<void> called, mayAnswer;
     service.answer([&] {
         if (service.triggers().size() == 1) {
             called.set_value();

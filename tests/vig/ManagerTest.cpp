@@ -61,8 +61,7 @@ class ManagerTest : public testing::Test {
     fakes::FakeDeviceConfig config;
     support::LogCapture log;
     std::unique_ptr<VIGManager> manager = std::make_unique<VIGManager>();
-    support::Receiver receiver;
-    support::Receiver second;
+    support::Receiver receiver, second;
 };
 
 TEST_F(ManagerTest, ParsesWithTheNamesOfTheLibraryAndNoOthers) {
@@ -110,8 +109,7 @@ TEST(ManagerBackOff, EndsWithADeliveryAndThenAListenerOrAfterFiveChecksAndBegins
         SCOPED_TRACE(firstAvailable);
         fakes::FakeDeviceConfig config;
         const support::LogCapture log;
-        support::Receiver first;
-        support::Receiver second;
+        support::Receiver first, second;
         {
             VIGManager manager;
             config.availability = [&, from = firstAvailable](int check) { return check >= from; };
@@ -170,16 +168,14 @@ TEST_F(ManagerTest, DeliversTheResponseOfEachNotificationUntilTheRegistrationIsO
         const auto listeners = config.listeners();
         earlier.insert(earlier.end(), listeners.begin(), listeners.end());
         end();
-        const std::size_t logged = log.messages().size();
+        log.takeLines();
         for (const fakes::Listener& listener : earlier) {
             for (const std::string& response : {documentNumber(5), std::string(kBroken)}) {
                 config.setResponse(response);
                 config.notify(listener);
             }
         }
-        const auto messages = log.messages();
-        EXPECT_THAT(std::vector(messages.begin() + static_cast<std::ptrdiff_t>(logged), messages.end()),
-                    Each(kUpdated));
+        EXPECT_THAT(log.messages(), Each(kUpdated));
     }
     EXPECT_THAT(receiver.sizes(), ElementsAre(0, 3, 0, 0));
     EXPECT_THAT(second.sizes(), ElementsAre(0));
@@ -235,12 +231,11 @@ TEST(ManagerRegistration, MayEndAtAnyMomentOnTheThreadThatBringsIt) {
             fakes::FakeDeviceConfig config;
             config.setResponse(documentNumber(1));
             const support::LogCapture log;
-            support::Receiver first;
-            support::Receiver second;
+            support::Receiver first, second;
+            bool hasCome = false;
+            std::promise<void> over;
             {
                 OverridingManager manager;
-                bool hasCome = false;
-                std::promise<void> over;
                 manager.reached = [&](Moment now) {
                     if (now == moment && !std::exchange(hasCome, true)) {
                         config.setResponse(documentNumber(2));
@@ -278,8 +273,7 @@ TEST(ManagerRegistration, MayEndAtAnyMomentOnTheThreadThatBringsIt) {
 
 // There are more clients than calls of the service that end meanwhile, so that each end has to wake them all.
 TEST_F(ManagerTest, DeregistrationsDuringTheRegistrationOfTheListenerWaitUntilItIsGone) {
-    std::promise<void> added;
-    std::promise<void> mayReturn;
+    std::promise<void> added, mayReturn;
     config.onAdded = [&](const auto&) {
         added.set_value();
         mayReturn.get_future().wait();
@@ -306,8 +300,7 @@ TEST_F(ManagerTest, DeregistrationsDuringTheRegistrationOfTheListenerWaitUntilIt
 }
 
 TEST_F(ManagerTest, DeregistrationDoesNotWaitForAServiceThatDoesNotAnswer) {
-    std::promise<void> adding;
-    std::promise<void> mayAdd;
+    std::promise<void> adding, mayAdd;
     config.beforeAdding = [&](const auto&) {
         adding.set_value();
         mayAdd.get_future().wait();
@@ -326,8 +319,7 @@ TEST_F(ManagerTest, WhatACallbackLeavesToTheEndOfItsThreadMayUseTheManager) {
         std::function<void()> act = [] {};
         ~AtTheEnd() { act(); }
     };
-    std::promise<void> ending;
-    std::promise<void> mayEnd;
+    std::promise<void> ending, mayEnd;
     manager->registerCallback([&](auto&&) {
         thread_local AtTheEnd atTheEnd;
         atTheEnd.act = [&] {
@@ -361,8 +353,7 @@ TEST_F(ManagerTest, AServiceThatNotifiesWithinItsOwnCallsDoesNoHarm) {
 
 TEST_F(ManagerTest, ADeliveryMayUseTheManagerThoughARemovalWaitsForItsEnd) {
     int deliveries = 0;
-    std::promise<void> delivering;
-    std::promise<void> removing;
+    std::promise<void> delivering, removing;
     registerAndListen([&](auto&&) {
         if (++deliveries == 2) {
             delivering.set_value();
@@ -413,8 +404,7 @@ TEST(ResponseListener, LivesUntilTheEndOfACallThoughItIsLetGoOfMeanwhile) {
 }
 
 TEST_F(ManagerTest, AListenerIsAddedOnlyWhenTheEarlierOneIsRemoved) {
-    std::promise<void> removing;
-    std::promise<void> added;
+    std::promise<void> removing, added;
     registerAndListen(receiver.callback());
     config.beforeAdding = [&](const auto&) { added.set_value(); };
     config.beforeRemoving = [&, removals = 0](const auto&) mutable {
