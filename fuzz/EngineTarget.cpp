@@ -92,7 +92,7 @@ class Library {
     // Those since the last entry.
     void noteTriggers() {
         for (const support::Trigger& each : service ? service->takeTriggers() : std::vector<support::Trigger>()) {
-            trace.push_back(naive::triggerEntry(each.triggerName, each.processName.value(), each.metadata));
+            trace.push_back(naive::triggerEntry(each.triggerName, each.processName, each.metadata));
         }
     }
 

@@ -10,7 +10,6 @@
 #include <functional>
 #include <iterator>
 #include <mutex>
-#include <optional>
 #include <ostream>
 #include <string>
 #include <utility>
@@ -18,10 +17,12 @@
 
 namespace support {
 
-// The service was asked for this; the texts are UTF-8.
+using android::binder::Status;
+
+// The service was asked for this, in UTF-8; a text that was left out is "(none)".
 struct Trigger {
     std::string triggerName;
-    std::optional<std::string> processName;
+    std::string processName;
     std::vector<std::string> metadata;
     std::int64_t reserved = 0;
 
@@ -30,7 +31,7 @@ struct Trigger {
 
 // Failed assertions show a trigger like this.
 inline void PrintTo(const Trigger& trigger, std::ostream* out) {
-    *out << trigger.triggerName << " for " << trigger.processName.value_or("(none)") << " [" << trigger.reserved << "]";
+    *out << trigger.triggerName << " for " << trigger.processName << " [" << trigger.reserved << "]";
     for (const std::string& entry : trigger.metadata) {
         *out << "\n  " << entry;
     }
@@ -45,7 +46,7 @@ class FakeTriggerService {
     ~FakeTriggerService() { host::removeService(instanceName()); }
 
     // Every call from now on is answered by the function, ok at first.
-    void answer(std::function<android::binder::Status()> answer) {
+    void answer(std::function<Status()> answer) {
         const std::lock_guard lock(service->mutex);
         service->answer = std::move(answer);
     }
@@ -63,28 +64,22 @@ class FakeTriggerService {
 
   private:
     struct Service : vendor::orlan::velora::BnTrigger {
-        android::binder::Status trigger(const vendor::orlan::velora::TriggerContext& context) override {
+        Status trigger(const vendor::orlan::velora::TriggerContext& context) override {
             const auto text = [](const auto& from) { return from ? host::toUtf8(*from) : "(none)"; };
-            std::unique_lock lock(mutex);
-            Trigger& added = triggers.emplace_back();
-            added.triggerName = host::toUtf8(context.triggerName);
-            if (context.processName) {
-                added.processName = host::toUtf8(*context.processName);
-            }
+            Trigger asked{host::toUtf8(context.triggerName), text(context.processName), {}, context.reserved};
             if (context.metadata) {
-                std::ranges::transform(*context.metadata, std::back_inserter(added.metadata), text);
+                std::ranges::transform(*context.metadata, std::back_inserter(asked.metadata), text);
             }
-            added.reserved = context.reserved;
+            std::unique_lock lock(mutex);
+            triggers.push_back(std::move(asked));
             const auto answerThis = answer;
             lock.unlock();
             return answerThis();
         }
 
         std::mutex mutex;
-        std::function<android::binder::Status()> answer = [] {
-            return android::binder::Status::ok();
-        };                              // guarded by mutex
-        std::vector<Trigger> triggers;  // guarded by mutex
+        std::function<Status()> answer = [] { return Status::ok(); };  // guarded by mutex
+        std::vector<Trigger> triggers;                                 // guarded by mutex
     };
 
     static android::String16 instanceName() { return android::String16("vendor.orlan.velora.ITrigger/default"); }

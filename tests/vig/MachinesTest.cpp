@@ -52,24 +52,21 @@ TEST(Machines, SixtyFourOnFourThreadsShareOnlyTheirSequenceOfRandomNumbers) {
     ASSERT_EQ(configs.size(), kMachines);
     PseudoRandomGenerator::ofProcess().seed(5489);
     std::latch ready(kThreads);
-    std::vector<std::thread> threads;
+    std::vector<std::jthread> threads;
     for (std::size_t first = 0; first < kThreads; ++first) {
         threads.emplace_back([&, first] {
             ready.arrive_and_wait();
-            for (std::size_t event = 0; event <= kEvents; ++event) {
-                for (std::size_t index = first; index < kMachines; index += kThreads) {
-                    FiniteStateMachine& machine = machineOf(configs[index]);
-                    event == 0 ? machine.start() : machine.onEvent(overBudget());
-                }
-            }
             for (std::size_t index = first; index < kMachines; index += kThreads) {
-                machineOf(configs[index]).onEvent(TestEvent({}));
+                FiniteStateMachine& machine = machineOf(configs[index]);
+                machine.start();
+                for (std::size_t event = 0; event < kEvents; ++event) {
+                    machine.onEvent(overBudget());
+                }
+                machine.onEvent(TestEvent({}));
             }
         });
     }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
+    threads.clear();
     // Each event takes one number, whichever machine gets which.
     PseudoRandomGenerator generator(5489);
     std::size_t expected = 0;
@@ -101,12 +98,11 @@ TEST(Machines, ATriggerServiceThatBlocksHoldsUpOnlyTheMachineThatCallsIt) {
         machineOf(configs[index]).onEvent(overBudget());
         EXPECT_EQ(machineOf(configs[index]).getCurrentState()->getName(), "end");
     };
-    std::thread blocked(move, 0);
+    std::jthread blocked(move, 0);
     called.get_future().wait();
     move(1);
     EXPECT_EQ(service.triggers().size(), 2U);
     mayAnswer.set_value();
-    blocked.join();
 }
 
 }  // namespace

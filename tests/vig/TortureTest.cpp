@@ -53,20 +53,16 @@ class Lifecycle {
 
     void run() {
         const std::uint_fast32_t clientSeeds[] = {random(), random()};
-        std::thread notifiers[] = {std::thread([this] { notify(); }), std::thread([this] { notify(); })};
-        std::thread clients[] = {std::thread([&] { useAsClient(clientSeeds[0]); }),
-                                 std::thread([&] { useAsClient(clientSeeds[1]); })};
-        for (std::thread& client : clients) {
-            client.join();
+        const std::jthread notifiers[] = {std::jthread([this] { notify(); }), std::jthread([this] { notify(); })};
+        {
+            const std::jthread clients[] = {std::jthread([&] { useAsClient(clientSeeds[0]); }),
+                                            std::jthread([&] { useAsClient(clientSeeds[1]); })};
         }
         enter(Phase::Destroying);
         manager.reset();
         EXPECT_TRUE(config.listeners().empty());
         EXPECT_LE(config.mostListeners(), 1U);
         enter(Phase::Destroyed);
-        for (std::thread& notifier : notifiers) {
-            notifier.join();
-        }
     }
 
   private:
