@@ -190,7 +190,7 @@ class Library {
   private:
     void noteTriggers() {
         for (const support::Trigger& each : service ? service->takeTriggers() : std::vector<support::Trigger>()) {
-            trace.push_back(naive::triggerEntry(each.triggerName, each.processName.value(), each.metadata));
+            trace.push_back(naive::triggerEntry(each.triggerName, each.processName, each.metadata));
         }
     }
 

@@ -15,7 +15,7 @@ namespace Brenta::OS::VIG {
 // call a listener that was removed, which then finds the gate closed.
 class DeliveryGate {
   public:
-    // The passage of the calling thread for as long as the object lives. Construction waits for the end of the
+    // The calling thread is in a delivery for as long as the object lives. Construction waits for the end of the
     // delivery under way; a delivery that begins within another one on the same thread does not wait for it.
     class Passage {
       public:
@@ -24,7 +24,7 @@ class DeliveryGate {
         Passage& operator=(const Passage&) = delete;
         ~Passage();
 
-        // False if the registration is over or the gate is closed: then nothing may be delivered.
+        // Returns false if the registration is over or the gate is closed: then nothing may be delivered.
         explicit operator bool() const { return open; }
 
       private:
@@ -36,10 +36,10 @@ class DeliveryGate {
     // Ends the latest registration and returns the number of the one that follows it, 1 at first.
     std::uint64_t beginRegistration();
 
-    // The number of the latest registration, 0 if there was none.
+    // Returns the number of the latest registration, 0 if there was none.
     std::uint64_t latestRegistration() const;
 
-    // Tells whether the calling thread is in a delivery.
+    // Returns true if the calling thread is in a delivery.
     bool isInside() const;
 
     // Lets no delivery begin any more, and returns when the one under way has ended.

@@ -1,3 +1,16 @@
+// A registration starts a watcher, a thread that asks for the service until it is there, makes the first delivery, adds
+// a change listener and ends. All later deliveries come on threads of the device-configuration library. Meanwhile any
+// thread may register anew, deregister or destroy the manager, the first two also from within a callback.
+//
+// So that nothing has to be stopped for that, each registration has a number, and what is done for it carries the
+// number: a request to the watcher, a listener, a delivery. Whoever finds that there is a later number has been
+// overtaken, drops what it was about to deliver and removes the listener that it has just added.
+//
+// The mutex is never held while the client or the service is called, because either may call back, or wait for a thread
+// that needs it. Instead `subscribingThread` keeps the calls that add and remove listeners apart, and the gate the
+// deliveries; whoever waits at the gate leaves it when its registration is over. Since the library may call a listener
+// that it has removed, listeners share the gate with the manager, which closes it before it goes.
+
 #include "vig/VIGManager.h"
 
 #include <deviceconfig/DeviceConfig.h>
@@ -173,7 +186,7 @@ void VIGManager::watch() {
     }
 }
 
-// Empty if the watcher is to end: from then on it touches nothing of the manager.
+// Returns nothing if the watcher is to end: from then on it touches nothing of the manager.
 std::optional<std::uint64_t> VIGManager::takeWatchRequest() {
     const std::lock_guard lock(mutex);
     if (!watchRequest) {

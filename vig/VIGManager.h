@@ -56,12 +56,11 @@ class VIG_EXPORT VIGManager {
     // REQUIRES: not called from within the callback (asserted in debug builds).
     virtual ~VIGManager();
 
-    // The text of the rule document, read anew from the device configuration; that of an empty document if
+    // Returns the text of the rule document, read anew from the device configuration, or that of an empty document if
     // there is none.
     virtual std::string getConfig() const;
 
-    // Parses a document with the names that the library knows. Empty if the document is invalid, with a line
-    // in the log.
+    // Parses a document with the names that the library knows. If it is invalid, logs why and returns an empty list.
     virtual std::vector<std::unique_ptr<VIGConfig>> parseResponse(const std::string& response) const;
 
     // Starts the watcher thread, or asks the one that still polls to begin again. Part of registerCallback. Does
@@ -85,7 +84,7 @@ class VIG_EXPORT VIGManager {
     void deregisterCallback();
 
   protected:
-    // The registry of the names that the library knows.
+    // Returns the registry of the names that the library knows.
     VIGParserConfig createParserConfig() const;
 
     // Does what the destructor does first. A derived class that overrides an operation calls it in its own
@@ -129,7 +128,8 @@ class VIG_EXPORT VIGManager {
     bool stopping{false};               // guarded by mutex; nothing new begins
     std::thread::id subscribingThread;  // guarded by mutex; adds or removes a listener at this moment, if any
     std::condition_variable subscriptionSettled;
-    std::optional<std::uint64_t> watchRequest;  // guarded by mutex; the registration that waits to be served
+    std::optional<std::uint64_t>
+        watchRequest;  // guarded by mutex; the registration that the watcher is to look for next
     std::condition_variable watchRequested;
     std::shared_ptr<DeliveryGate> gate;  // changes its registration under mutex only
 };

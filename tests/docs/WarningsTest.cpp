@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "tests/docs/Fragments.h"
-#include "tests/support/Examples.h"
+#include "tests/support/Documents.h"
 #include "tools/vig/check/Checker.h"
 #include "tools/vig/check/WarningNames.h"
 #include "tools/vig/document/Registry.h"

@@ -1,6 +1,9 @@
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -68,7 +71,7 @@ inline std::string document(const std::vector<std::string>& configs) {
     return R"({"configs":[)" + joined(configs) + "]}";
 }
 
-// A document with one configuration, of the id 7.
+// The document has one configuration, of the id 7.
 inline std::string documentOf(const std::vector<std::string>& transitions) {
     return document({config(7, transitions)});
 }
@@ -80,5 +83,17 @@ inline const std::string kCompleteDocument =
                 transition("start", "end", "ProcessMemoryHeartBeat",
                            filters({"integer vmRssKB > =2097152", "double PseudoRandomDouble() < =0.1"}),
                            R"([{"name":"TriggerVelora"}])")});
+
+// Returns the rule documents in examples/, without their tests.
+inline std::vector<std::string> exampleDocuments() {
+    std::vector<std::string> documents;
+    for (const auto& entry : std::filesystem::directory_iterator(VIG_SOURCE_DIR "/examples")) {
+        if (entry.path().extension() == ".json" && entry.path().stem().extension() != ".test") {
+            std::ifstream file(entry.path());
+            documents.emplace_back(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
+        }
+    }
+    return documents;
+}
 
 }  // namespace support

@@ -5,9 +5,11 @@
 #include <host/Utf8.h>
 #include <vendor/orlan/velora/BnTrigger.h>
 
+#include <algorithm>
 #include <cstdint>
+#include <functional>
+#include <iterator>
 #include <mutex>
-#include <optional>
 #include <ostream>
 #include <string>
 #include <utility>
@@ -15,19 +17,21 @@
 
 namespace support {
 
-// What the service was asked for, in UTF-8.
+using android::binder::Status;
+
+// The service was asked for this, in UTF-8; a text that was left out is "(none)".
 struct Trigger {
     std::string triggerName;
-    std::optional<std::string> processName;
+    std::string processName;
     std::vector<std::string> metadata;
     std::int64_t reserved = 0;
 
     bool operator==(const Trigger&) const = default;
 };
 
-// How a failed assertion shows it.
+// Failed assertions show a trigger like this.
 inline void PrintTo(const Trigger& trigger, std::ostream* out) {
-    *out << trigger.triggerName << " for " << trigger.processName.value_or("(none)") << " [" << trigger.reserved << "]";
+    *out << trigger.triggerName << " for " << trigger.processName << " [" << trigger.reserved << "]";
     for (const std::string& entry : trigger.metadata) {
         *out << "\n  " << entry;
     }
@@ -41,10 +45,10 @@ class FakeTriggerService {
     FakeTriggerService& operator=(const FakeTriggerService&) = delete;
     ~FakeTriggerService() { host::removeService(instanceName()); }
 
-    // What the calls from now on are answered; ok at first.
-    void answer(const android::binder::Status& status) {
+    // Every call from now on is answered by the function, ok at first.
+    void answer(std::function<Status()> answer) {
         const std::lock_guard lock(service->mutex);
-        service->status = status;
+        service->answer = std::move(answer);
     }
 
     std::vector<Trigger> triggers() const {
@@ -52,7 +56,7 @@ class FakeTriggerService {
         return service->triggers;
     }
 
-    // Those since the last call.
+    // Returns those since the last call.
     std::vector<Trigger> takeTriggers() const {
         const std::lock_guard lock(service->mutex);
         return std::exchange(service->triggers, {});
@@ -60,25 +64,22 @@ class FakeTriggerService {
 
   private:
     struct Service : vendor::orlan::velora::BnTrigger {
-        android::binder::Status trigger(const vendor::orlan::velora::TriggerContext& context) override {
-            const std::lock_guard lock(mutex);
-            Trigger& added = triggers.emplace_back();
-            added.triggerName = host::toUtf8(context.triggerName);
-            if (context.processName) {
-                added.processName = host::toUtf8(*context.processName);
-            }
+        Status trigger(const vendor::orlan::velora::TriggerContext& context) override {
+            const auto text = [](const auto& from) { return from ? host::toUtf8(*from) : "(none)"; };
+            Trigger asked{host::toUtf8(context.triggerName), text(context.processName), {}, context.reserved};
             if (context.metadata) {
-                for (const auto& entry : *context.metadata) {
-                    added.metadata.push_back(entry ? host::toUtf8(*entry) : "(none)");
-                }
+                std::ranges::transform(*context.metadata, std::back_inserter(asked.metadata), text);
             }
-            added.reserved = context.reserved;
-            return status;
+            std::unique_lock lock(mutex);
+            triggers.push_back(std::move(asked));
+            const auto answerThis = answer;
+            lock.unlock();
+            return answerThis();
         }
 
         std::mutex mutex;
-        android::binder::Status status = android::binder::Status::ok();  // guarded by mutex
-        std::vector<Trigger> triggers;                                   // guarded by mutex
+        std::function<Status()> answer = [] { return Status::ok(); };  // guarded by mutex
+        std::vector<Trigger> triggers;                                 // guarded by mutex
     };
 
     static android::String16 instanceName() { return android::String16("vendor.orlan.velora.ITrigger/default"); }

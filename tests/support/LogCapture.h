@@ -7,6 +7,7 @@
 #include <chrono>
 #include <condition_variable>
 #include <cstddef>
+#include <iterator>
 #include <memory>
 #include <mutex>
 #include <ostream>
@@ -25,7 +26,7 @@ struct LogLine {
     bool operator==(const LogLine&) const = default;
 };
 
-// How a failed assertion shows it.
+// Failed assertions show a line like this.
 inline void PrintTo(const LogLine& line, std::ostream* out) {
     *out << line.priority << "/" << line.tag << ": \"" << line.message << '"';
 }
@@ -57,7 +58,7 @@ class LogCapture {
         return captured->lines;
     }
 
-    // The lines since the last call.
+    // Returns the lines since the last call.
     std::vector<LogLine> takeLines() const {
         const std::lock_guard lock(captured->mutex);
         return std::exchange(captured->lines, {});
@@ -65,21 +66,17 @@ class LogCapture {
 
     std::vector<std::string> messages() const {
         std::vector<std::string> messages;
-        for (const LogLine& line : lines()) {
-            messages.push_back(line.message);
-        }
+        std::ranges::transform(lines(), std::back_inserter(messages), &LogLine::message);
         return messages;
     }
 
-    // Whether the message has been logged that often, now or soon.
-    bool sees(std::string_view message, std::ptrdiff_t times) const {
+    // Returns true if the message has been logged that often, now or soon.
+    bool sees(std::string_view message, std::ptrdiff_t times = 1) const {
         std::unique_lock lock(captured->mutex);
         return captured->logged.wait_for(lock, std::chrono::seconds(30), [&] {
             return std::ranges::count(captured->lines, message, &LogLine::message) >= times;
         });
     }
-
-    bool sees(std::string_view message) const { return sees(message, 1); }
 
   private:
     struct Captured {
@@ -88,7 +85,7 @@ class LogCapture {
         std::vector<LogLine> lines;  // guarded by mutex
     };
 
-    // Shared with the sink, in which a thread may still be when the capture has gone.
+    // It is shared with the sink, in which a thread may still be when the capture has gone.
     const std::shared_ptr<Captured> captured = std::make_shared<Captured>();
     const host::LogSink previous;
 };

@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "tests/support/Documents.h"
-#include "tests/support/Examples.h"
 
 namespace support {
 

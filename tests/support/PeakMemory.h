@@ -19,7 +19,7 @@ constexpr bool kHasSanitizer = __has_feature(address_sanitizer) || __has_feature
 constexpr bool kHasSanitizer = false;
 #endif
 
-// The most that a process like this one has had in memory, in bytes, when it has done the work.
+// Returns the most that a process like this one has had in memory, in bytes, when it has done the work.
 inline std::size_t peakMemory(const std::function<void()>& work) {
     const pid_t child = fork();
     if (child == 0) {

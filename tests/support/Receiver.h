@@ -7,7 +7,6 @@
 #include <cstddef>
 #include <memory>
 #include <mutex>
-#include <thread>
 #include <utility>
 #include <vector>
 
@@ -15,14 +14,13 @@
 
 namespace support {
 
-// Receives the deliveries of a manager and remembers how many configurations each had and its thread.
+// Receives the deliveries of a manager and remembers how many configurations each had.
 class Receiver {
   public:
     Brenta::OS::VIG::VIGManager::Callback callback() {
         return [this, held = token](std::vector<std::unique_ptr<Brenta::OS::VIG::VIGConfig>>&& configs) {
             const std::lock_guard lock(mutex);
             counts.push_back(configs.size());
-            callers.push_back(std::this_thread::get_id());
             latest = std::move(configs);
             received.notify_all();
         };
@@ -31,9 +29,8 @@ class Receiver {
     // Returns once there were that many deliveries.
     void waitFor(std::size_t deliveries) {
         std::unique_lock lock(mutex);
-        const bool came =
-            received.wait_for(lock, std::chrono::seconds(30), [&] { return counts.size() >= deliveries; });
-        ASSERT_TRUE(came) << "no delivery within 30 s";
+        const auto came = [&] { return counts.size() >= deliveries; };
+        ASSERT_TRUE(received.wait_for(lock, std::chrono::seconds(30), came)) << "no delivery within 30 s";
     }
 
     std::vector<std::size_t> sizes() const {
@@ -41,17 +38,12 @@ class Receiver {
         return counts;
     }
 
-    std::vector<std::thread::id> threads() const {
-        const std::lock_guard lock(mutex);
-        return callers;
-    }
-
     std::vector<std::unique_ptr<Brenta::OS::VIG::VIGConfig>> takeLatest() {
         const std::lock_guard lock(mutex);
         return std::move(latest);
     }
 
-    // How many copies of the callback are alive.
+    // Returns how many copies of the callback are alive.
     long uses() const { return token.use_count() - 1; }
 
   private:
@@ -59,7 +51,6 @@ class Receiver {
     mutable std::mutex mutex;
     std::condition_variable received;
     std::vector<std::size_t> counts;
-    std::vector<std::thread::id> callers;
     std::vector<std::unique_ptr<Brenta::OS::VIG::VIGConfig>> latest;
 };
 

@@ -4,7 +4,7 @@
 
 #include <filesystem>
 #include <fstream>
-#include <sstream>
+#include <iterator>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -34,11 +34,10 @@ class TemporaryFolder {
         return path(name);
     }
 
-    // The whole file, byte for byte.
+    // Returns the whole file, byte for byte.
     std::string read(std::string_view name) const {
-        std::ostringstream text;
-        text << std::ifstream(path(name), std::ios::binary).rdbuf();
-        return text.str();
+        std::ifstream file(path(name), std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), {}};
     }
 
   private:

@@ -1,9 +1,12 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <optional>
+#include <ranges>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -13,7 +16,7 @@
 
 namespace support {
 
-// In the order in which `keys` lists them.
+// `keys` lists them in this order.
 template <typename T>
 using NamedValues = std::vector<std::pair<std::string, T>>;
 
@@ -31,42 +34,28 @@ template <typename Base>
 class WithAttributes : public Base {
   public:
     template <typename... Arguments>
-    explicit WithAttributes(Attributes values, Arguments... arguments)
-        : Base(arguments...), attributes(std::move(values)) {}
+    explicit WithAttributes(Attributes values, Arguments... arguments) : Base(arguments...), all(std::move(values)) {}
 
-    std::optional<std::uint64_t> getUint64Attr(std::string_view key) const override {
-        return find<std::optional<std::uint64_t>>(attributes.uint64, key);
-    }
-    std::optional<std::int64_t> getInt64Attr(std::string_view key) const override {
-        return find<std::optional<std::int64_t>>(attributes.int64, key);
-    }
-    std::optional<double> getDoubleAttr(std::string_view key) const override {
-        return find<std::optional<double>>(attributes.real, key);
-    }
-    std::optional<bool> getBoolAttr(std::string_view key) const override {
-        return find<std::optional<bool>>(attributes.boolean, key);
-    }
-    std::string_view getStringAttr(std::string_view key) const override {
-        return find<std::string_view>(attributes.string, key);
-    }
+    std::optional<std::uint64_t> getUint64Attr(std::string_view key) const override { return find(all.uint64, key); }
+    std::optional<std::int64_t> getInt64Attr(std::string_view key) const override { return find(all.int64, key); }
+    std::optional<double> getDoubleAttr(std::string_view key) const override { return find(all.real, key); }
+    std::optional<bool> getBoolAttr(std::string_view key) const override { return find(all.boolean, key); }
+    std::string_view getStringAttr(std::string_view key) const override { return find(all.string, key).value_or(""); }
 
   protected:
-    template <typename Result>
-    static Result find(const auto& values, std::string_view key) {
-        for (const auto& [name, value] : values) {
-            if (name == key) {
-                return value;
-            }
-        }
-        return {};
+    template <typename Value>
+    static auto find(const NamedValues<Value>& values, std::string_view key) {
+        const auto found = std::ranges::find(values, key, &std::pair<std::string, Value>::first);
+        using Result = std::conditional_t<std::is_same_v<Value, std::string>, std::string_view, Value>;
+        return found == values.end() ? std::nullopt : std::optional<Result>(found->second);
     }
 
-    Attributes attributes;
+    Attributes all;
 };
 
 using TestContext = WithAttributes<Brenta::OS::RulesEngine::EvaluationContext>;
 
-// With their names too, as events have them.
+// Events have the names of their attributes, too.
 template <typename Base>
 class WithKeys : public WithAttributes<Base> {
   public:
@@ -75,18 +64,15 @@ class WithKeys : public WithAttributes<Base> {
 
     std::vector<std::string_view> keys(ValueType kind) const override {
         const auto namesOf = [](const auto& values) {
-            std::vector<std::string_view> names;
-            for (const auto& named : values) {
-                names.push_back(named.first);
-            }
-            return names;
+            const auto names = values | std::views::keys;
+            return std::vector<std::string_view>(names.begin(), names.end());
         };
-        const Attributes& all = this->attributes;
-        return kind == ValueType::Uint64   ? namesOf(all.uint64)
-               : kind == ValueType::Int64  ? namesOf(all.int64)
-               : kind == ValueType::Double ? namesOf(all.real)
-               : kind == ValueType::Bool   ? namesOf(all.boolean)
-                                           : namesOf(all.string);
+        const auto& [uint64, int64, real, boolean, string] = this->all;
+        return kind == ValueType::Uint64   ? namesOf(uint64)
+               : kind == ValueType::Int64  ? namesOf(int64)
+               : kind == ValueType::Double ? namesOf(real)
+               : kind == ValueType::Bool   ? namesOf(boolean)
+                                           : namesOf(string);
     }
 };
 

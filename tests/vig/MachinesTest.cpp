@@ -2,6 +2,7 @@
 
 #include <future>
 #include <latch>
+#include <memory>
 #include <string>
 #include <thread>
 #include <vector>
@@ -19,17 +20,17 @@ namespace {
 using Brenta::OS::RulesEngine::EventType;
 using Brenta::OS::RulesEngine::FiniteStateMachine;
 using Brenta::OS::VIG::PseudoRandomGenerator;
-using Brenta::OS::VIG::VIGManager;
 using support::TestEvent;
 
 const std::string kTrigger = R"([{"name":"TriggerVelora"}])";
 
-std::string documentOf(std::size_t machines) {
-    const std::string config =
-        support::config(1, {support::transition("start", "start", "ProcessMemoryHeartBeat",
-                                                support::filters({"double PseudoRandomDouble() < =0.5"}), kTrigger),
-                            support::transition("start", "end", "Test", "[]", R"([{"name":"LogZramHeartBeat"}])")});
-    return support::document(std::vector<std::string>(machines, config));
+// The machines of a document, which outlive the manager that has parsed it.
+std::vector<std::unique_ptr<Brenta::OS::VIG::VIGConfig>> parsed(const std::string& document) {
+    return Brenta::OS::VIG::VIGManager().parseResponse(document);
+}
+
+FiniteStateMachine& machineOf(const std::unique_ptr<Brenta::OS::VIG::VIGConfig>& config) {
+    return *config->getConfigPayload()->getFiniteStateMachine();
 }
 
 TestEvent overBudget() {
@@ -43,76 +44,65 @@ TEST(Machines, SixtyFourOnFourThreadsShareOnlyTheirSequenceOfRandomNumbers) {
     constexpr std::size_t kEvents = 50;
     const support::FakeTriggerService service;
     const support::LogCapture log;
-    const auto configs = VIGManager().parseResponse(documentOf(kMachines));
+    const std::string config =
+        support::config(1, {support::transition("start", "start", "ProcessMemoryHeartBeat",
+                                                support::filters({"double PseudoRandomDouble() < =0.5"}), kTrigger),
+                            support::transition("start", "end", "Test", "[]", R"([{"name":"LogZramHeartBeat"}])")});
+    const auto configs = parsed(support::document(std::vector(kMachines, config)));
     ASSERT_EQ(configs.size(), kMachines);
     PseudoRandomGenerator::ofProcess().seed(5489);
     std::latch ready(kThreads);
-    const auto drive = [&](std::size_t first) {
-        ready.arrive_and_wait();
-        for (std::size_t event = 0; event <= kEvents; ++event) {
-            for (std::size_t index = first; index < kMachines; index += kThreads) {
-                FiniteStateMachine& machine = *configs[index]->getConfigPayload()->getFiniteStateMachine();
-                event == 0 ? machine.start() : machine.onEvent(overBudget());
-            }
-        }
-        for (std::size_t index = first; index < kMachines; index += kThreads) {
-            configs[index]->getConfigPayload()->getFiniteStateMachine()->onEvent(TestEvent({}));
-        }
-    };
-    std::vector<std::thread> threads;
+    std::vector<std::jthread> threads;
     for (std::size_t first = 0; first < kThreads; ++first) {
-        threads.emplace_back(drive, first);
+        threads.emplace_back([&, first] {
+            ready.arrive_and_wait();
+            for (std::size_t index = first; index < kMachines; index += kThreads) {
+                FiniteStateMachine& machine = machineOf(configs[index]);
+                machine.start();
+                for (std::size_t event = 0; event < kEvents; ++event) {
+                    machine.onEvent(overBudget());
+                }
+                machine.onEvent(TestEvent({}));
+            }
+        });
     }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
+    threads.clear();
     // Each event takes one number, whichever machine gets which.
     PseudoRandomGenerator generator(5489);
     std::size_t expected = 0;
     for (std::size_t draw = 0; draw < kMachines * kEvents; ++draw) {
         expected += generator.draw() < 0.5 ? 1 : 0;
     }
-    EXPECT_EQ(service.triggers().size(), expected);
+    ASSERT_EQ(service.triggers().size(), expected);
+    EXPECT_EQ(service.triggers()[0].triggerName, "vig:memory_heartbeat_over_budget:camera");
     EXPECT_EQ(log.lines().size(), kMachines);
-    for (const auto& config : configs) {
-        EXPECT_EQ(config->getConfigPayload()->getFiniteStateMachine()->getCurrentState()->getName(), "end");
+    for (const auto& each : configs) {
+        EXPECT_EQ(machineOf(each).getCurrentState()->getName(), "end");
     }
 }
 
-// Waits within its call until it may answer.
-struct BlockingService : vendor::orlan::velora::BnTrigger {
-    android::binder::Status trigger(const vendor::orlan::velora::TriggerContext& /*context*/) override {
-        called.set_value();
-        mayAnswer.get_future().wait();
-        return android::binder::Status::ok();
-    }
-
-    std::promise<void> called;
-    std::promise<void> mayAnswer;
-};
-
 TEST(Machines, ATriggerServiceThatBlocksHoldsUpOnlyTheMachineThatCallsIt) {
-    const android::String16 name("vendor.orlan.velora.ITrigger/default");
-    const auto service = android::sp<BlockingService>::make();
-    android::defaultServiceManager()->addService(name, service);
-    const support::LogCapture log;
+    support::FakeTriggerService service;
+    std::promise<void> called, mayAnswer;
+    service.answer([&] {
+        if (service.triggers().size() == 1) {
+            called.set_value();
+            mayAnswer.get_future().wait();
+        }
+        return android::binder::Status::ok();
+    });
     const std::string calling = support::transition("start", "end", "ProcessMemoryHeartBeat", "[]", kTrigger);
-    const auto blocked = VIGManager().parseResponse(support::documentOf({calling}));
-    FiniteStateMachine& machine = *blocked.at(0)->getConfigPayload()->getFiniteStateMachine();
-    machine.start();
-    std::thread caller([&] { machine.onEvent(overBudget()); });
-    service->called.get_future().wait();
-
-    const auto others = VIGManager().parseResponse(documentOf(1));
-    FiniteStateMachine& other = *others.at(0)->getConfigPayload()->getFiniteStateMachine();
-    other.start();
-    other.onEvent(TestEvent({}));
-    EXPECT_EQ(other.getCurrentState()->getName(), "end");
-
-    service->mayAnswer.set_value();
-    caller.join();
-    EXPECT_EQ(machine.getCurrentState()->getName(), "end");
-    host::removeService(name);
+    const auto configs = parsed(support::document(std::vector(2, support::config(1, {calling}))));
+    const auto move = [&configs](std::size_t index) {
+        machineOf(configs[index]).start();
+        machineOf(configs[index]).onEvent(overBudget());
+        EXPECT_EQ(machineOf(configs[index]).getCurrentState()->getName(), "end");
+    };
+    std::jthread blocked(move, 0);
+    called.get_future().wait();
+    move(1);
+    EXPECT_EQ(service.triggers().size(), 2U);
+    mayAnswer.set_value();
 }
 
 }  // namespace

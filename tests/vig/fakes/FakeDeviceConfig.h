@@ -2,8 +2,6 @@
 
 #include <deviceconfig/DeviceConfig.h>
 
-#include <algorithm>
-#include <condition_variable>
 #include <cstddef>
 #include <functional>
 #include <future>
@@ -34,8 +32,7 @@ class FakeDeviceConfig {
     std::function<void(const Listener&)> onAdded = [](const Listener&) {};
     std::function<void(const Listener&)> beforeRemoving = [](const Listener&) {};
     std::function<void(const Listener&)> onRemoved = [](const Listener&) {};
-    bool onlyRequestsWake = false;
-    std::promise<void> asleep;  // with onlyRequestsWake: a request from now on finds the watcher waiting
+    std::optional<std::promise<void>> asleep;  // if there is one, it is kept in a sleep that only a request ends
 
     void setResponse(std::optional<std::string> value) {
         const std::lock_guard lock(mutex);
@@ -43,9 +40,9 @@ class FakeDeviceConfig {
     }
 
     com::korvel::deviceconfig::Properties properties() const {
-        const std::lock_guard lock(mutex);
-        return {"korvel_vig", response ? std::map<std::string, std::string>{{"vig_response", *response}}
-                                       : std::map<std::string, std::string>{}};
+        const auto value = valueOf(response);
+        return {"korvel_vig", value ? std::map<std::string, std::string>{{"vig_response", *value}}
+                                    : std::map<std::string, std::string>{}};
     }
 
     // Calls a listener, registered or not, on this thread: the library does not promise to stop at once.
@@ -58,42 +55,10 @@ class FakeDeviceConfig {
         }
     }
 
-    std::vector<Listener> listeners() const {
-        const std::lock_guard lock(mutex);
-        return registered;
-    }
-
-    // The most at any time.
-    std::size_t mostListeners() const {
-        const std::lock_guard lock(mutex);
-        return most;
-    }
-
-    // Returns once listeners have been added that often.
-    void waitForAdded(std::size_t count) {
-        std::unique_lock lock(mutex);
-        changed.wait(lock, [&] { return added >= count; });
-    }
-
-    int checks() const {
-        const std::lock_guard lock(mutex);
-        return checkCount;
-    }
-
-    // In seconds.
-    std::vector<int> sleeps() const {
-        const std::lock_guard lock(mutex);
-        return slept;
-    }
-
-    // What the clients do.
-
-    bool check() {
-        std::unique_lock lock(mutex);
-        const int count = ++checkCount;
-        lock.unlock();
-        return availability(count);
-    }
+    std::vector<Listener> listeners() const { return valueOf(registered); }
+    std::size_t mostListeners() const { return valueOf(most); }  // at any time
+    int checks() const { return valueOf(checkCount); }
+    std::vector<int> sleeps() const { return valueOf(slept); }  // in seconds
 
     void sleep(int seconds) {
         std::unique_lock lock(mutex);
@@ -103,41 +68,19 @@ class FakeDeviceConfig {
         duringSleep(count);
     }
 
-    com::korvel::deviceconfig::Properties read() {
-        auto values = properties();
-        afterReading();
-        return values;
-    }
-
-    void add(const Listener& listener) {
-        beforeAdding(listener);
-        {
-            const std::lock_guard lock(mutex);
-            registered.push_back(listener);
-            most = std::max(most, registered.size());
-        }
-        onAdded(listener);
-        const std::lock_guard lock(mutex);
-        ++added;
-        changed.notify_all();
-    }
-
-    void remove(const Listener& listener) {
-        beforeRemoving(listener);
-        {
-            const std::lock_guard lock(mutex);
-            std::erase(registered, listener);
-        }
-        onRemoved(listener);
-    }
-
   private:
+    friend com::korvel::deviceconfig::DeviceConfig;
+
+    template <typename Value>
+    Value valueOf(const Value& member) const {
+        const std::lock_guard lock(mutex);
+        return member;
+    }
+
     mutable std::mutex mutex;
     std::optional<std::string> response;
     std::vector<Listener> registered;
     std::vector<int> slept;
-    std::condition_variable changed;
-    std::size_t added = 0;
     std::size_t most = 0;
     int checkCount = 0;
 };

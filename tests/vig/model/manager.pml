@@ -397,7 +397,7 @@ proctype clientB() {
     useManager(CALLS_B)
 }
 
-/* All calls have returned and nobody works: the latest registration is served, or over. */
+/* All calls have returned and nobody works: the latest registration has its delivery, or is over. */
 inline expectServed() {
     atomic {
         !watching && calling == NONE && subscribing == NONE;

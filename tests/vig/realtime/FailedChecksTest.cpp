@@ -1,11 +1,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <host/DeviceConfigFiles.h>
-#include <host/LogSink.h>
 
 #include <chrono>
 #include <filesystem>
-#include <string>
 #include <vector>
 
 #include "tests/support/LogCapture.h"
@@ -15,24 +13,25 @@
 
 namespace {
 
+using std::chrono::steady_clock;
+constexpr const char* kNotAvailable = "ViG device config is not available yet.";
+
 TEST(FailedChecks, FiveInRealTimeTakeAboutThirtyOneSeconds) {
-    const auto start = std::chrono::steady_clock::now();
-    std::vector<std::string> messages;
-    std::vector<long> seconds;
-    const auto previous = host::setLogSink([&](int, std::string_view, std::string_view message) {
-        messages.emplace_back(message);
-        seconds.push_back(
-            std::chrono::duration_cast<std::chrono::seconds>(std::chrono::steady_clock::now() - start).count());
-    });
+    const auto start = steady_clock::now();
+    const support::LogCapture log;
     support::Receiver receiver;
+    std::vector<long> seconds;
     {
         Brenta::OS::VIG::VIGManager manager;  // nothing is bound, so the service is not there
         manager.registerCallback(receiver.callback());
+        for (int checks = 1; checks <= 5; ++checks) {
+            EXPECT_TRUE(log.sees(kNotAvailable, checks));
+            seconds.push_back(std::chrono::duration_cast<std::chrono::seconds>(steady_clock::now() - start).count());
+        }
     }
-    host::setLogSink(previous);
-    EXPECT_THAT(messages, testing::Each("ViG device config is not available yet."));
     const auto about = [](long value) { return testing::AllOf(testing::Ge(value), testing::Le(value + 2)); };
     EXPECT_THAT(seconds, testing::ElementsAre(about(1), about(3), about(7), about(15), about(31)));
+    EXPECT_THAT(log.messages(), testing::ElementsAreArray(std::vector(5, kNotAvailable)));
     EXPECT_THAT(receiver.sizes(), testing::IsEmpty());
 }
 
@@ -43,12 +42,12 @@ TEST(FailedChecks, ARegistrationInTheSleepOfEightSecondsIsServedAtOnce) {
     host::bindProperty("korvel_vig", "vig_response", folder.path("later/rules.json"));
     Brenta::OS::VIG::VIGManager manager;
     manager.registerCallback(nullptr);
-    EXPECT_TRUE(log.sees("ViG device config is not available yet.", 3));
+    EXPECT_TRUE(log.sees(kNotAvailable, 3));
     std::filesystem::create_directory(folder.path("later"));
-    const auto begin = std::chrono::steady_clock::now();
+    const auto begin = steady_clock::now();
     manager.registerCallback(receiver.callback());
     receiver.waitFor(1);
-    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(5));
+    EXPECT_LT(steady_clock::now() - begin, std::chrono::seconds(5));
 }
 
 }  // namespace

@@ -3,13 +3,14 @@
 #include <pthread.h>
 
 #include <ctime>
-#include <functional>
 #include <iostream>
 #include <string>
 #include <string_view>
+#include <thread>
 #include <utility>
 
 #include "rulesengine/FiniteStateMachine.h"
+#include "tests/support/Documents.h"
 #include "tests/support/Mutator.h"
 #include "tests/support/PeakMemory.h"
 #include "tests/support/TestEvent.h"
@@ -63,8 +64,9 @@ TEST_F(HostileText, TenMillionRandomBytesAreSurvived) {
 }
 
 TEST_F(HostileText, EveryTruncationOfTheExamplesIsRefused) {
-    ASSERT_GE(mutator.documents().size(), 4U);
-    for (const std::string& document : mutator.documents()) {
+    const auto documents = support::exampleDocuments();
+    ASSERT_GE(documents.size(), 4U);
+    for (const std::string& document : documents) {
         EXPECT_TRUE(survive(document));
         const std::size_t end = document.find_last_of('}');
         for (std::size_t length = 0; length <= end; ++length) {
@@ -73,22 +75,26 @@ TEST_F(HostileText, EveryTruncationOfTheExamplesIsRefused) {
     }
 }
 
-constexpr std::size_t kMegabyte = std::size_t{1} << 20;
-
-std::string repeated(std::string_view piece, std::size_t size) {
+std::string repeated(std::string_view piece, std::size_t times) {
     std::string text;
-    while (text.size() < size) {
+    for (; times > 0; --times) {
         text += piece;
     }
     return text;
 }
 
+std::string megabytesOf(std::string_view piece, std::size_t megabytes) {
+    return repeated(piece, (megabytes << 20) / piece.size() + 1);
+}
+
+const std::string kOpen = R"({"configs":[],"x":[1)";
+
 TEST_F(HostileText, LargeTextsOfOneKindTakeTimeInProportion) {
-    const std::string open = R"({"configs":[],"x":[1)";
-    const auto secondsFor = [&](const char* piece, std::size_t size) {
+    const auto secondsFor = [&](const char* piece, std::size_t megabytes) {
         const std::clock_t begin = std::clock();
-        survive(open + "/*" + repeated(" ", size) + "\n*/" + repeated(piece, size) + "]}");
-        survive(repeated(piece, size));
+        const std::string text = megabytesOf(piece, megabytes);
+        survive(kOpen + "/*" + megabytesOf(" ", megabytes) + "\n*/" + text + "]}");
+        survive(text);
         return static_cast<double>(std::clock() - begin) / CLOCKS_PER_SEC;
     };
     for (const char* piece : {"/**/", "//\n", ",[]", ",{}", ",\"\\u0041\"", " ", ",1.5", ",[[[[[[[[1]]]]]]]]", "["}) {
@@ -96,40 +102,27 @@ TEST_F(HostileText, LargeTextsOfOneKindTakeTimeInProportion) {
         constexpr double kAlways = 0.05;
         double ratio = 16;
         for (int tries = 0; tries < 3 && ratio > 10; ++tries) {
-            ratio = secondsFor(piece, 4 * kMegabyte) / (secondsFor(piece, kMegabyte) + kAlways);
+            ratio = secondsFor(piece, 4) / (secondsFor(piece, 1) + kAlways);
         }
         EXPECT_LE(ratio, 10) << piece;
     }
-}
-
-void onThreadWithStack(std::size_t bytes, const std::function<void()>& work) {
-    pthread_attr_t attributes;
-    pthread_attr_init(&attributes);
-    ASSERT_EQ(pthread_attr_setstacksize(&attributes, bytes), 0);
-    const auto run = [](void* argument) -> void* {
-        (*static_cast<const std::function<void()>*>(argument))();
-        return nullptr;
-    };
-    pthread_t thread{};
-    ASSERT_EQ(pthread_create(&thread, &attributes, run, const_cast<std::function<void()>*>(&work)), 0);
-    pthread_join(thread, nullptr);
 }
 
 TEST_F(HostileText, TheDeepestDocumentNeedsAStackOf640Kilobytes) {
     const std::pair<const char*, const char*> kinds[] = {{R"({"k":)", "}"}, {"[", "]"}, {R"([{"k":)", "}]"}};
     for (const auto& [open, close] : kinds) {
         const std::size_t levels = 996 / std::string_view(close).size();  // 1000 with those around it
-        std::string begin;
-        std::string end;
-        for (std::size_t level = 0; level < levels; ++level) {
-            begin += open;
-            end += close;
-        }
-        const std::string deep = begin + "1" + end;
+        const std::string begin = repeated(open, levels);
+        const std::string deep = begin + "1" + repeated(close, levels);
         for (const std::string& text : {R"({"x":)" + deep + R"(,"configs":[]})", R"({"configs":[{"x":)" + deep + "}]}",
                                         begin + begin + "1", begin + "x"}) {
-            support::peakMemory(
-                [&] { onThreadWithStack(std::size_t{640} << 10, [&] { manager.parseResponse(text); }); });
+            support::peakMemory([&] {
+                pthread_attr_t attributes;
+                pthread_getattr_default_np(&attributes);
+                pthread_attr_setstacksize(&attributes, std::size_t{640} << 10);
+                pthread_setattr_default_np(&attributes);
+                std::thread([&] { manager.parseResponse(text); }).join();
+            });
             EXPECT_FALSE(HasFailure()) << text;
         }
     }
@@ -140,18 +133,17 @@ TEST_F(HostileText, ADocumentNeedsAtMostAHundredAndFiftyTimesItsSize) {
         GTEST_SKIP() << "the sanitizer takes memory of its own";
     }
     // What is refused is shown in the log, indented, if it is not nested deeper than 32 levels.
-    const auto deep = [](const std::string& more) { return std::string(31, '[') + "1" + more + std::string(31, ']'); };
-    const std::string open = R"({"configs":[],"x":[1)";
+    const auto deep = [](const std::string& more) { return repeated("[", 31) + "1" + more + repeated("]", 31); };
     const std::string transition = R"({"from_state":"","to_state":"","event":"Test","filters":[],"actions":[]},)";
     const std::string texts[] = {
-        open + repeated(",1", kMegabyte) + "]}",
-        open + repeated(",[]", kMegabyte) + "]}",
-        open + repeated(",{}", kMegabyte) + "]}",
-        open + repeated(",[[[[[[[[1]]]]]]]]", kMegabyte) + "]}",
-        R"({"configs":[)" + deep(repeated(",1", kMegabyte)) + "]}",
-        R"({"configs":[)" + deep(repeated(",[]", kMegabyte)) + "]}",
-        R"({"configs":[)" + repeated("," + deep(""), kMegabyte).substr(1) + "]}",
-        R"({"configs":[{"id":1,"payload":{"id":1,"data":{"transitions":[)" + repeated(transition, kMegabyte) + "]}}}]}",
+        kOpen + megabytesOf(",1", 1) + "]}",
+        kOpen + megabytesOf(",[]", 1) + "]}",
+        kOpen + megabytesOf(",{}", 1) + "]}",
+        kOpen + megabytesOf(",[[[[[[[[1]]]]]]]]", 1) + "]}",
+        R"({"configs":[)" + deep(megabytesOf(",1", 1)) + "]}",
+        R"({"configs":[)" + deep(megabytesOf(",[]", 1)) + "]}",
+        R"({"configs":[)" + megabytesOf("," + deep(""), 1).substr(1) + "]}",
+        R"({"configs":[{"id":1,"payload":{"id":1,"data":{"transitions":[)" + megabytesOf(transition, 1) + "]}}}]}",
     };
     const std::size_t before = support::peakMemory([] {});
     for (const std::string& text : texts) {
