@@ -2,7 +2,7 @@
 
 #include <string_view>
 
-#include "tools/vig/CommandLine.h"
+#include "tools/vig/Verbs.h"
 #include "tools/vig/help/Completion.h"
 #include "tools/vig/help/ManPage.h"
 #include "tools/vig/io/Console.h"
@@ -13,7 +13,7 @@ namespace Tool = Brenta::OS::VIG::Tool;
 // Run by the build: writes the manual page ("man") or the completion of a shell ("bash", "zsh") to standard output.
 int main(int count, char** arguments) {
     const std::string_view wanted = count == 2 ? arguments[1] : "";
-    const Tool::ProgramHelp help = Tool::programHelp();
+    const Tool::ProgramHelp help = Tool::Verbs().commandLine.help();
     Tool::Output output(STDOUT_FILENO);
     output.write(wanted == "man"    ? Tool::manPageOf(help)
                  : wanted == "bash" ? Tool::bashCompletionOf(help)

@@ -6,20 +6,10 @@
 #include <exception>
 #include <string_view>
 #include <typeinfo>
-#include <variant>
 
-#include "tools/vig/CommandLine.h"
-#include "tools/vig/check/CatalogueCommand.h"
-#include "tools/vig/check/CheckCommand.h"
-#include "tools/vig/fleet/FleetCommand.h"
-#include "tools/vig/fleet/SummaryCommand.h"
-#include "tools/vig/graph/GraphCommand.h"
+#include "tools/vig/Verbs.h"
 #include "tools/vig/io/Console.h"
 #include "tools/vig/io/Interruption.h"
-#include "tools/vig/io/Output.h"
-#include "tools/vig/run/RunCommand.h"
-#include "tools/vig/test/TestCommand.h"
-#include "tools/vig/watch/WatchCommand.h"
 
 namespace Tool = Brenta::OS::VIG::Tool;
 
@@ -48,49 +38,17 @@ void occupyStandardStreams() {
     std::abort();
 }
 
-int answer(const Tool::Answer& given, const Tool::Console& console) {
-    if (given.status != Tool::kExitDone) {
-        console.complain(given.text);
-        console.say(given.hint);
-        return given.status;
-    }
-    Tool::Output output(console.out);
-    output.write(given.text);
-    return console.finish(output, Tool::kExitDone);
-}
-
 }  // namespace
 
 int main(int count, char** arguments) {
     occupyStandardStreams();
     std::set_terminate(giveUp);
-    const Tool::Command command = Tool::parseCommandLine(count, arguments);
     const Tool::Console console;
     Tool::Interruption interruption;
     const Tool::InterruptOnSignals signals(interruption);
-    if (const auto* const options = std::get_if<Tool::CheckOptions>(&command)) {
-        return Tool::check(*options, console, interruption);
+    Tool::Verbs verbs;
+    if (const auto status = verbs.commandLine.parse(count, arguments, console)) {
+        return *status;
     }
-    if (const auto* const options = std::get_if<Tool::RunOptions>(&command)) {
-        return Tool::run(*options, console, interruption);
-    }
-    if (const auto* const options = std::get_if<Tool::FleetOptions>(&command)) {
-        return Tool::fleet(*options, console, interruption);
-    }
-    if (const auto* const options = std::get_if<Tool::SummaryOptions>(&command)) {
-        return Tool::summary(*options, console, interruption);
-    }
-    if (const auto* const options = std::get_if<Tool::WatchOptions>(&command)) {
-        return Tool::watch(*options, console, interruption);
-    }
-    if (const auto* const options = std::get_if<Tool::CatalogueOptions>(&command)) {
-        return Tool::catalogue(*options, console, interruption);
-    }
-    if (const auto* const options = std::get_if<Tool::TestOptions>(&command)) {
-        return Tool::test(*options, console, interruption);
-    }
-    if (const auto* const options = std::get_if<Tool::GraphOptions>(&command)) {
-        return Tool::graph(*options, console, interruption);
-    }
-    return answer(*std::get_if<Tool::Answer>(&command), console);
+    return verbs.commandLine.run(console, interruption);
 }

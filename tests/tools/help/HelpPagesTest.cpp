@@ -4,7 +4,7 @@
 
 #include "tests/support/TemporaryFolder.h"
 #include "tests/tools/ToolRun.h"
-#include "tools/vig/CommandLine.h"
+#include "tools/vig/Verbs.h"
 #include "tools/vig/help/Completion.h"
 #include "tools/vig/help/ManPage.h"
 
@@ -17,7 +17,7 @@ using testing::HasSubstr;
 
 // Also with what nothing has yet: marks of each language in descriptions, a long list of words.
 ProgramHelp helpWithOddities() {
-    ProgramHelp help = programHelp();
+    ProgramHelp help = Verbs().commandLine.help();
     help.verbs.push_back(
         {"odd", ".it's [a: \\b] `c` -- d", {{{"--allow"}, false, false, true, "NAME", "'e' \\n [f]:"}}, ".g\n'h"});
     return help;

@@ -179,12 +179,7 @@ TEST(TriggerActions, LookTheServiceUpOnEveryCallAndIgnoreItsAnswer) {
     fire(kMemory, TestEvent(kCamera));
     EXPECT_EQ(log.takeLines(), errorLines({kNoService}));
     FakeTriggerService service;
-<<<<<<< HEAD:tests/vig/actions/ActionsTest.cpp
-    service.answer(android::binder::Status::fromExceptionCode(kDead));
-=======
     service.answer([] { return android::binder::Status::fromExceptionCode(kDead); });
-    const LogCapture log;
->>>>>>> manager:tests/vig/actions/TriggerActionsTest.cpp
     fire(kMemory, DeathBringer(kCamera));
     EXPECT_THAT(log.lines(), IsEmpty());
     fire(kCpu, TestEvent({.string = {{"processName", "p"}}}));

@@ -2,6 +2,7 @@
 
 #include <cerrno>
 
+#include "tools/vig/arguments/CommandLine.h"
 #include "tools/vig/check/Catalogue.h"
 #include "tools/vig/events/EventInput.h"
 #include "tools/vig/io/Output.h"
@@ -41,6 +42,27 @@ int catalogue(const CatalogueOptions& options, const Console& console, const Int
     Output output(console.out);
     output.write(learned.text());
     return console.finish(output, kExitDone);
+}
+
+namespace {
+
+constexpr const char* kHelp =
+    R"(A catalogue tells which attributes the events of each type have, grouped by kind as in event records, and which
+the machines' context has, which no recording shows. It is JSON to be edited by hand:
+  {"events":{"ProcessMemoryHeartBeat":{"int64":["vmRssKB"]}},"context":{"int64":["limitKB"]}}
+With "extends":"built-in" it adds to what the tool knows, else it stands in its place.
+
+Example: what do the events of this machine have?
+  vig watch rules.json --duration 10s --record trace.jsonl
+  vig catalogue trace.jsonl > catalogue.json)";
+
+}  // namespace
+
+void addCatalogue(CommandLine& commandLine, CatalogueOptions& options) {
+    Verb verb = commandLine.addVerb("catalogue", "Prints which attributes the events of a recording have.", kHelp,
+                                    catalogue, options);
+    verb.argument("EVENTS", options.events, Verb::Need::Optional,
+                  "The event records (default: -, which is standard input)");
 }
 
 }  // namespace Brenta::OS::VIG::Tool

@@ -9,6 +9,8 @@
 
 namespace Brenta::OS::VIG::Tool {
 
+class CommandLine;
+
 struct CatalogueOptions {
     std::string events = "-";  // a file of event records, or "-" for standard input
 };
@@ -19,5 +21,7 @@ std::optional<int> learnFrom(const std::string& events, const Console& console, 
 
 // `vig catalogue`: prints which attributes the events of a recording have. Returns the exit status.
 int catalogue(const CatalogueOptions& options, const Console& console, const Interruption& interruption);
+
+void addCatalogue(CommandLine& commandLine, CatalogueOptions& options);
 
 }  // namespace Brenta::OS::VIG::Tool

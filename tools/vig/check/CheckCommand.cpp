@@ -4,11 +4,16 @@
 
 #include <algorithm>
 #include <optional>
+#include <string>
+#include <string_view>
 #include <utility>
+#include <vector>
 
+#include "tools/vig/arguments/CommandLine.h"
 #include "tools/vig/check/Catalogue.h"
 #include "tools/vig/check/CatalogueCommand.h"
 #include "tools/vig/check/Checker.h"
+#include "tools/vig/check/WarningNames.h"
 #include "tools/vig/document/Registry.h"
 #include "tools/vig/io/FileText.h"
 #include "tools/vig/io/Output.h"
@@ -84,6 +89,40 @@ int check(const CheckOptions& options, const Console& console, const Interruptio
     report->end(counts);
     const bool areRefused = counts.errors > 0 || (options.strict && counts.warnings > 0);
     return console.finish(output, !areReadable ? kExitUnusable : areRefused ? kExitRefused : kExitDone);
+}
+
+namespace {
+
+constexpr const char* kHelp =
+    R"(Errors are what the library refuses, all of them, and cycles without end. Warnings, by name:
+{}
+Exit status: 0 nothing or only warnings, 1 errors, 2 a file cannot be read. Columns count bytes, in sarif characters.
+
+Example: check before a commit, as strictly as possible, for a service that arms timeouts:
+  vig check --strict --allow unused-timeout rules/*.json)";
+
+}  // namespace
+
+void addCheck(CommandLine& commandLine, CheckOptions& options) {
+    std::string meanings;
+    std::vector<std::string_view> names;
+    for (const auto& [name, meaning] : kWarningNames) {
+        meanings += fmt::format("  {:<21}{}\n", name, meaning);
+        names.push_back(name);
+    }
+    Verb verb = commandLine.addVerb("check", "Says what is wrong with rule documents, all at once.",
+                                    fmt::format(kHelp, meanings), check, options);
+    verb.argument("RULES", options.rules, Verb::Need::Required, "The rule documents");
+    verb.choice("--format", options.format,
+                {{"text", FindingFormat::Text}, {"json", FindingFormat::Json}, {"sarif", FindingFormat::Sarif}},
+                "text for people, json for programs, sarif for code reviews");
+    verb.flag("--strict", options.strict, "Lets warnings give the exit status 1");
+    verb.names("--allow", options.allowed, names, "warning", "Leaves the warnings of that name out; may be repeated");
+    verb.name("--catalogue", options.catalogueFile, "FILE",
+              "The attributes of events and contexts, as `vig catalogue` prints them (default: what `vig watch`\n"
+              "produces)");
+    verb.name("--events", options.eventsFile, "EVENTS",
+              "Event records: their attributes stand in the place of those that the tool knows, or add to FILE's");
 }
 
 }  // namespace Brenta::OS::VIG::Tool

@@ -9,6 +9,8 @@
 
 namespace Brenta::OS::VIG::Tool {
 
+class CommandLine;
+
 struct CheckOptions {
     std::vector<std::string> rules = {};  // files with rule documents
     FindingFormat format = FindingFormat::Text;
@@ -20,5 +22,8 @@ struct CheckOptions {
 
 // `vig check`: says what is wrong with rule documents. Returns the exit status.
 int check(const CheckOptions& options, const Console& console, const Interruption& interruption);
+
+// Adds the verb to the command line. It reads its options to `options`, which must outlive the command line.
+void addCheck(CommandLine& commandLine, CheckOptions& options);
 
 }  // namespace Brenta::OS::VIG::Tool

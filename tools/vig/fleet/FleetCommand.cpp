@@ -1,10 +1,17 @@
 #include "tools/vig/fleet/FleetCommand.h"
 
+#include "tools/vig/arguments/CommandLine.h"
 #include "tools/vig/document/Registry.h"
 #include "tools/vig/fleet/DeviceRun.h"
 #include "tools/vig/fleet/FleetRun.h"
+#include "tools/vig/fleet/FleetSummary.h"
 #include "tools/vig/fleet/FleetSummaryText.h"
 #include "tools/vig/trace/Trace.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <thread>
 
 namespace Brenta::OS::VIG::Tool {
 
@@ -62,6 +69,75 @@ int fleet(const FleetOptions& options, const Console& console, const Interruptio
     const FleetSummary summary = runFleet(plan, options.devices, options.threads, rules.output());
     rules.output().write(summaryOf(summary, options));
     return rules.abandon(statusOf(summary, interruption));
+}
+
+namespace {
+
+constexpr unsigned kMostThreads = 256;
+
+constexpr const char* kHelp = R"(An event record is one JSON object a line; attributes are grouped by their kind:
+  {{"event":"ProcessMemoryHeartBeat","string":{{"processName":"camera"}},"int64":{{"vmRssKB":1000,"vmSwapKB":24}}}}
+  {{"event":"Timeout","timeout_id":3}}
+Kinds are uint64, int64, double, bool and string; "time_ms" may tell when it was.
+
+Files of records may be compressed by gzip or zstd.
+
+--explain shows each transition that listens for the event, up to the one that fires, and each filter, up to the
+one that does not hold, with the values that it compared. What listens for other events is left out.
+
+With several files, each is the recording of a device with machines of its own, which neither the others nor -j
+change. A summary ends the run: of each transition how often it fired and on how many devices, and the triggers a
+device. A storm is a device with at least {} triggers, more than one for each {} of its events. A file that cannot be
+read to its end is told and the others go on. --format json gives the summary alone, which `vig summary` reads,
+jsonl gives it in the last line. --explain and --why-not are for one file.
+
+Example: which events of a recording fire a trigger? And why did the second transition not fire?
+  vig run rules.json trace.jsonl --format jsonl | grep '"type":"trigger"'
+  vig run rules.json trace.jsonl --why-not 'configs[0].payload.data.transitions[1]'
+Which transitions fire in a fleet?
+  vig run rules.json devices/*.jsonl.gz --summary-only)";
+
+int runOneOrMany(const FleetOptions& given, const Console& console, const Interruption& interruption) {
+    FleetOptions options = given;
+    if (options.devices.empty()) {
+        options.devices = {"-"};
+    }
+    if (options.devices.size() == 1 && !options.summaryOnly && options.format != ReportFormat::Json) {
+        options.events = options.devices.front();
+        return run(options, console, interruption);
+    }
+    if (options.explain || !options.whyNot.empty()) {
+        return refuseArguments(console, "--explain and --why-not tell of one device: give one file, and no summary",
+                               "run");
+    }
+    if (std::ranges::count(options.devices, "-") > 1) {
+        return refuseArguments(console, "standard input can be one device only", "run");
+    }
+    return fleet(options, console, interruption);
+}
+
+}  // namespace
+
+void addRun(CommandLine& commandLine, FleetOptions& options) {
+    Verb verb =
+        commandLine.addVerb("run", "Offers recorded events to the machines of a rule document.",
+                            fmt::format(kHelp, FleetSummary::Storm::LEAST_TRIGGERS, FleetSummary::Storm::MOST_EVENTS),
+                            runOneOrMany, options);
+    addRules(verb, options.rules);
+    verb.choice("--format", options.format,
+                {{"text", ReportFormat::Text}, {"jsonl", ReportFormat::Jsonl}, {"json", ReportFormat::Json}},
+                "text for people, jsonl for programs, json for a summary alone");
+    addSurroundings(verb, options.seed, options.contextFile,
+                    "; in a summary, each device draws by the seed and its name");
+    verb.argument("EVENTS", options.devices, Verb::Need::Optional,
+                  "The event records, a file for each device (default: -, which is standard input)");
+    verb.flag("--explain", options.explain, "Tells what every machine decides on every event, and why");
+    verb.name("--why-not", options.whyNot, "PATH",
+              "Tells at the end what kept the transition at that path of the document from firing");
+    options.threads = std::max(std::thread::hardware_concurrency(), 1u);
+    verb.wholeNumber("-j,--jobs", options.threads, 1, kMostThreads,
+                     "How many devices run at once (default: as many as there are cores)");
+    verb.flag("--summary-only", options.summaryOnly, "Tells only what all devices did together, also of one device");
 }
 
 }  // namespace Brenta::OS::VIG::Tool

@@ -5,11 +5,13 @@
 
 #include "tools/vig/io/Console.h"
 #include "tools/vig/io/Interruption.h"
-#include "tools/vig/run/RuleRun.h"
+#include "tools/vig/run/RunCommand.h"
 
 namespace Brenta::OS::VIG::Tool {
 
-struct FleetOptions : RuleOptions {
+class CommandLine;
+
+struct FleetOptions : RunOptions {
     std::vector<std::string> devices;  // files of event records, "-" for standard input; at least one
     unsigned threads = 1;
     bool summaryOnly = false;  // no line for what happens
@@ -17,5 +19,8 @@ struct FleetOptions : RuleOptions {
 
 // `vig run` over the recordings of several devices, or for a summary. Returns the exit status.
 int fleet(const FleetOptions& options, const Console& console, const Interruption& interruption);
+
+// The verb `vig run`: of one device if there is one and no summary is wanted, else of a fleet.
+void addRun(CommandLine& commandLine, FleetOptions& options);
 
 }  // namespace Brenta::OS::VIG::Tool

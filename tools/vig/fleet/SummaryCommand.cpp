@@ -6,6 +6,7 @@
 #include <optional>
 #include <string_view>
 
+#include "tools/vig/arguments/CommandLine.h"
 #include "tools/vig/events/EventInput.h"
 #include "tools/vig/events/LineReader.h"
 #include "tools/vig/fleet/FleetSummaryReader.h"
@@ -99,6 +100,28 @@ int summary(const SummaryOptions& options, const Console& console, const Interru
     Output output(console.out);
     output.write(options.format == ReportFormat::Json ? jsonOf(*merger.result(), "") : textOf(*merger.result()));
     return console.finish(output, kExitDone);
+}
+
+namespace {
+
+constexpr const char* kHelp =
+    R"(Each line of the files is a summary that `vig run --format json` has written; all are of one rule document. The parts
+of a fleet, merged, give the same as the whole.
+
+Example: two halves of a fleet, replayed apart
+  vig run rules.json a/*.jsonl.gz --format json > a.json
+  vig run rules.json b/*.jsonl.gz --format json > b.json
+  vig summary a.json b.json)";
+
+}  // namespace
+
+void addSummary(CommandLine& commandLine, SummaryOptions& options) {
+    Verb verb =
+        commandLine.addVerb("summary", "Merges the summaries of runs over parts of a fleet.", kHelp, summary, options);
+    verb.argument("FILE", options.files, Verb::Need::Optional,
+                  "Files of summaries (default: -, which is standard input)");
+    verb.choice("--format", options.format, {{"text", ReportFormat::Text}, {"json", ReportFormat::Json}},
+                "text for people, json for programs and to be merged again");
 }
 
 }  // namespace Brenta::OS::VIG::Tool

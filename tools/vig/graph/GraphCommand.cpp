@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "tools/vig/arguments/CommandLine.h"
 #include "tools/vig/check/Catalogue.h"
 #include "tools/vig/check/Checker.h"
 #include "tools/vig/document/DocumentText.h"
@@ -131,6 +132,31 @@ int graph(const GraphOptions& options, const Console& console, const Interruptio
     int status = kExitDone;
     const auto traffic = trafficOf(options, models, console, interruption, status);
     return status == kExitDone ? draw(graphsOf(models, findings, traffic), options, console, interruption) : status;
+}
+
+namespace {
+
+constexpr const char* kHelp =
+    R"(A box is a state; its rows are the transitions that leave it, in the order in which they are tried. What no chain of
+transitions reaches is grey. With --events, a line is the wider the more often its transition fired, red and dotted
+where it was tried and never fired, thin, grey and dashed where it was never tried.
+
+Example: where does the recording get stuck?
+  vig graph rules.json --events trace.jsonl --format svg > rules.svg)";
+
+}  // namespace
+
+void addGraph(CommandLine& commandLine, GraphOptions& options) {
+    Verb verb = commandLine.addVerb("graph", "Draws the machines of a rule document.", kHelp, graph, options);
+    addRules(verb, options.rules);
+    verb.choice("--format", options.format,
+                {{"dot", GraphFormat::Dot},
+                 {"svg", GraphFormat::Svg},
+                 {"png", GraphFormat::Png},
+                 {"mermaid", GraphFormat::Mermaid}},
+                "dot for Graphviz; svg and png, which call it; mermaid for a README");
+    verb.name("--events", options.events, "FILE", "Event records to replay: shows how often each transition fired");
+    addSurroundings(verb, options.seed, options.contextFile, "");
 }
 
 }  // namespace Brenta::OS::VIG::Tool

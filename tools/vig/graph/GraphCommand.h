@@ -9,6 +9,8 @@
 
 namespace Brenta::OS::VIG::Tool {
 
+class CommandLine;
+
 enum class GraphFormat { Dot, Svg, Png, Mermaid };
 
 struct GraphOptions {
@@ -21,5 +23,7 @@ struct GraphOptions {
 
 // `vig graph`: draws the machines of a rule document. Returns the exit status.
 int graph(const GraphOptions& options, const Console& console, const Interruption& interruption);
+
+void addGraph(CommandLine& commandLine, GraphOptions& options);
 
 }  // namespace Brenta::OS::VIG::Tool

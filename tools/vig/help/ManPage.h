@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "tools/vig/help/ProgramHelp.h"
+#include "tools/vig/arguments/ProgramHelp.h"
 
 namespace Brenta::OS::VIG::Tool {
 

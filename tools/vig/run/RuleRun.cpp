@@ -4,6 +4,7 @@
 #include <host/TrustedFile.h>
 
 #include <cerrno>
+#include <limits>
 #include <utility>
 
 #include "tools/vig/events/EventReader.h"
@@ -104,6 +105,18 @@ int RuleRun::finish(int status, std::optional<Summary::Sampling> sampling) {
 
 int RuleRun::abandon(int status) {
     return console.finish(out, status);
+}
+
+void addRules(Verb& verb, std::string& rules) {
+    verb.argument("RULES", rules, Verb::Need::Required, "The rule document");
+}
+
+void addSurroundings(Verb& verb, std::uint32_t& seed, std::string& contextFile, const std::string& moreOnSeed) {
+    verb.wholeNumber("--seed", seed, 0, std::numeric_limits<std::uint32_t>::max(),
+                     "Seed of the function PseudoRandomDouble, so that a run repeats exactly (default: " +
+                         std::to_string(seed) + ")" + moreOnSeed);
+    verb.name("--context", contextFile, "FILE",
+              "A file with one event record: the attributes of every machine's context");
 }
 
 }  // namespace Brenta::OS::VIG::Tool

@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include "tools/vig/arguments/CommandLine.h"
 #include "tools/vig/io/Console.h"
 #include "tools/vig/io/Interruption.h"
 #include "tools/vig/io/Output.h"
@@ -27,6 +28,10 @@ struct RuleOptions {
     std::uint32_t seed = 5489;  // the one with which the generator's own definition starts
     std::string contextFile;    // empty if there is none
 };
+
+// Adds what verbs take that let rules run. The values must outlive the command line.
+void addRules(Verb& verb, std::string& rules);
+void addSurroundings(Verb& verb, std::uint32_t& seed, std::string& contextFile, const std::string& moreOnSeed);
 
 // One run of a verb from the loading of the rules to the exit status, its report on the console.
 class RuleRun {

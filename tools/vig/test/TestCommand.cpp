@@ -12,6 +12,7 @@
 #include <map>
 #include <system_error>
 
+#include "tools/vig/arguments/CommandLine.h"
 #include "tools/vig/io/Descriptor.h"
 #include "tools/vig/io/FileText.h"
 #include "tools/vig/io/Output.h"
@@ -218,6 +219,40 @@ class TestSuite {
 
 int test(const TestOptions& options, const Console& console, const Interruption& interruption) {
     return TestSuite(options, console, interruption).run();
+}
+
+namespace {
+
+constexpr const char* kHelp =
+    R"(A test file names a rule document and what it should do; paths in it are relative to it:
+  { "rules": "rules.json",
+    "tests": [
+      { "name": "the camera is collected once",
+        "events": [ {"event":"ProcessMemoryHeartBeat","string":{"processName":"camera"},
+                     "int64":{"vmRssKB":400000,"vmSwapKB":0}} ],
+        "seed": 5489, "context": { "int64": { "limit": 5 } },
+        "expect": { "triggers": [ { "process": "camera", "event": 1, "metadata_contains": ["vmSwapKB:0"] } ],
+                    "log": [], "states": { "7": "end" }, "moves": 1 } } ] }
+"events" may also be the name of a file of event records. A trigger may be told by its "name", "process", "config"
+(id), "event" (number), "metadata" (all of it) and "metadata_contains"; a log line is its message, or an object with
+"message" and "priority". Triggers and log lines that are not expected fail the test, but for the line that the
+document was found. States and moves are checked where they are given. "seed" and "context" may be left out.
+
+Coverage counts the transitions that fired, and for each filter whether it was ever true and whether it was ever false.
+
+Example: all tests, with what they do not reach, and a report for the build server:
+  vig test rules/*.test.json --coverage-min 100 --junit results.xml)";
+
+}  // namespace
+
+void addTest(CommandLine& commandLine, TestOptions& options) {
+    Verb verb = commandLine.addVerb("test", "Runs the tests of rule documents.", kHelp, test, options);
+    verb.argument("FILE", options.files, Verb::Need::Required, "Files of tests");
+    verb.text("--filter", options.filter, "NAME",
+              "Runs only the tests whose name has this part; * and ? are wildcards");
+    verb.flag("--coverage", options.coverage, "Tells which transitions and filters the tests do not reach");
+    verb.percentage("--coverage-min", options.coverageMin, "Fails if less of any rule document is reached");
+    verb.name("--junit", options.junitFile, "FILE", "Writes the results there, as JUnit XML");
 }
 
 }  // namespace Brenta::OS::VIG::Tool

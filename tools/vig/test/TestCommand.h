@@ -9,6 +9,8 @@
 
 namespace Brenta::OS::VIG::Tool {
 
+class CommandLine;
+
 struct TestOptions {
     std::vector<std::string> files;
     std::string filter;                 // a part of the names of the tests to run, which may have wildcards
@@ -19,5 +21,7 @@ struct TestOptions {
 
 // `vig test`: runs the tests of rule documents. Returns the exit status.
 int test(const TestOptions& options, const Console& console, const Interruption& interruption);
+
+void addTest(CommandLine& commandLine, TestOptions& options);
 
 }  // namespace Brenta::OS::VIG::Tool

@@ -12,6 +12,7 @@
 #include <optional>
 #include <system_error>
 
+#include "tools/vig/arguments/CommandLine.h"
 #include "tools/vig/events/EventWriter.h"
 #include "tools/vig/io/Descriptor.h"
 #include "tools/vig/io/FileText.h"
@@ -160,6 +161,33 @@ int watch(const WatchOptions& options, const Console& console, const Interruptio
     }
     Output record(file.get());
     return Watch(options, interruption, ruleRun, recording ? &record : nullptr).run();
+}
+
+namespace {
+
+constexpr const char* kHelp =
+    R"(Events: ProcessMemoryHeartBeat and ProcessCpuHeartBeat of each process, SystemMemoryHeartBeat, and
+ZramHeartBeat of each zram device. Saving RULES meanwhile delivers it again; Ctrl-C ends with the summary.
+
+Example: watch for ten seconds, then play the recording to rules that were changed:
+  vig watch rules.json --duration 10s --record trace.jsonl
+  vig run changed.json trace.jsonl)";
+
+}  // namespace
+
+void addWatch(CommandLine& commandLine, WatchOptions& options) {
+    Verb verb = commandLine.addVerb("watch", "Offers live events of this machine to the machines of a rule document.",
+                                    kHelp, watch, options);
+    addRules(verb, options.rules);
+    verb.choice("--format", options.format, {{"text", ReportFormat::Text}, {"jsonl", ReportFormat::Jsonl}},
+                "text for people, jsonl for programs");
+    addSurroundings(verb, options.seed, options.contextFile, "");
+    verb.duration("--interval", options.interval, std::chrono::milliseconds(1),
+                  "The time from one sample to the next (default: 1s)");
+    verb.duration("--duration", options.duration, std::chrono::milliseconds(0),
+                  "The time after which to stop (default: 30s)");
+    verb.name("--record", options.recordFile, "FILE", "Writes the events there, as records that `vig run` reads");
+    verb.flag("--force", options.overwrite, "Lets --record overwrite a file");
 }
 
 }  // namespace Brenta::OS::VIG::Tool

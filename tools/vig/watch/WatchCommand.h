@@ -9,6 +9,8 @@
 
 namespace Brenta::OS::VIG::Tool {
 
+class CommandLine;
+
 struct WatchOptions : RuleOptions {
     std::chrono::milliseconds interval{1000};
     std::chrono::milliseconds duration{30'000};
@@ -21,5 +23,7 @@ struct WatchOptions : RuleOptions {
 // `vig watch`: offers events of this very machine to the machines of a rule document, which is followed when it
 // changes. Samples are taken at once and after each interval up to the duration. Returns the exit status.
 int watch(const WatchOptions& options, const Console& console, const Interruption& interruption);
+
+void addWatch(CommandLine& commandLine, WatchOptions& options);
 
 }  // namespace Brenta::OS::VIG::Tool

@@ -1,0 +1,15 @@
+#include "tools/vig/Verbs.h"
+
+namespace Brenta::OS::VIG::Tool {
+
+Verbs::Verbs() {
+    addCheck(commandLine, check);
+    addRun(commandLine, run);
+    addSummary(commandLine, summary);
+    addWatch(commandLine, watch);
+    addCatalogue(commandLine, catalogue);
+    addTest(commandLine, test);
+    addGraph(commandLine, graph);
+}
+
+}  // namespace Brenta::OS::VIG::Tool

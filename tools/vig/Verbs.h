@@ -1,0 +1,28 @@
+#pragma once
+
+#include "tools/vig/arguments/CommandLine.h"
+#include "tools/vig/check/CatalogueCommand.h"
+#include "tools/vig/check/CheckCommand.h"
+#include "tools/vig/fleet/FleetCommand.h"
+#include "tools/vig/fleet/SummaryCommand.h"
+#include "tools/vig/graph/GraphCommand.h"
+#include "tools/vig/test/TestCommand.h"
+#include "tools/vig/watch/WatchCommand.h"
+
+namespace Brenta::OS::VIG::Tool {
+
+// The command line with all verbs of vig, and what it reads their options to.
+struct Verbs {
+    Verbs();
+
+    CommandLine commandLine;
+    CheckOptions check;
+    FleetOptions run;
+    SummaryOptions summary;
+    WatchOptions watch;
+    CatalogueOptions catalogue;
+    TestOptions test;
+    GraphOptions graph;
+};
+
+}  // namespace Brenta::OS::VIG::Tool

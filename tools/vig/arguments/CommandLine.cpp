@@ -1,0 +1,208 @@
+#include "tools/vig/arguments/CommandLine.h"
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <limits>
+#include <system_error>
+
+#include "tools/vig/io/Output.h"
+#include "tools/vig/words/NearestName.h"
+#include "tools/vig/words/Text.h"
+
+namespace Brenta::OS::VIG::Tool {
+
+namespace {
+
+constexpr const char* kFooter =
+    "Exit status: 0 done, 1 the rules were refused or a test failed, 2 bad arguments or input, or the output cannot\n"
+    "be written, 130 interrupted (but for watch, which Ctrl-C ends with its summary).\n"
+    "`vig VERB --help` has an example.";
+
+OptionHelp helpOf(const CLI::Option& option) {
+    OptionHelp help{{}, !option.nonpositional(), option.get_required(), option.get_items_expected_max() > 1,
+                    {}, option.get_description()};
+    if (help.isPositional) {
+        help.names = {option.get_name(true)};
+        return help;
+    }
+    for (const std::string& name : option.get_snames()) {
+        help.names.push_back("-" + name);
+    }
+    for (const std::string& name : option.get_lnames()) {
+        help.names.push_back("--" + name);
+    }
+    help.argument = option.get_items_expected_max() > 0 ? option.get_type_name() : "";
+    return help;
+}
+
+VerbHelp helpOf(const CLI::App& app) {
+    VerbHelp help{app.get_name(), app.get_description(), {}, app.get_footer()};
+    for (const CLI::Option* const option : app.get_options()) {
+        help.options.push_back(helpOf(*option));
+    }
+    return help;
+}
+
+}  // namespace
+
+void Verb::argument(const std::string& name, std::string& value, Need need, const std::string& description) {
+    app.add_option(name, value, description)->required(need == Need::Required);
+}
+
+void Verb::argument(const std::string& name, std::vector<std::string>& values, Need need,
+                    const std::string& description) {
+    app.add_option(name, values, description)->required(need == Need::Required);
+}
+
+void Verb::flag(const std::string& name, bool& value, const std::string& description) {
+    app.add_flag(name, value, description);
+}
+
+void Verb::text(const std::string& name, std::string& value, const std::string& kind, const std::string& description) {
+    app.add_option(name, value, description)->type_name(kind);
+}
+
+void Verb::name(const std::string& name, std::string& value, const std::string& kind, const std::string& description) {
+    option(name, kind, description, [&value](const std::string& text) {
+        value = text;
+        return text.empty() ? "expected a name, got nothing" : "";
+    });
+}
+
+void Verb::names(const std::string& name, std::vector<std::string>& values, std::vector<std::string_view> known,
+                 const std::string& what, const std::string& description) {
+    const auto check = [known = std::move(known), what](const std::string& text) {
+        return std::ranges::find(known, text) != known.end()
+                   ? ""
+                   : "there is no " + what + " " + Tool::quoted(text) + suggestion(text, known);
+    };
+    app.add_option(name, values, description)->check(check)->type_name("NAME")->allow_extra_args(false);
+}
+
+void Verb::wholeNumber(const std::string& names, std::uint32_t& value, std::uint32_t least, std::uint32_t most,
+                       const std::string& description) {
+    CLI::Option& added = *app.add_option(names, value, description)->type_name("N");
+    if (least > 0 || most < std::numeric_limits<std::uint32_t>::max()) {
+        added.check(CLI::Range(least, most).description(""));
+    }
+}
+
+void Verb::percentage(const std::string& name, std::optional<double>& value, const std::string& description) {
+    option(name, "PERCENT", description, [&value](const std::string& text) {
+        double number = 0;
+        const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+        const bool isOne = error == std::errc() && end == text.data() + text.size() && number >= 0 && number <= 100;
+        value = number;
+        return isOne ? "" : "expected a number from 0 to 100, got " + text;
+    });
+}
+
+void Verb::duration(const std::string& name, std::chrono::milliseconds& value, std::chrono::milliseconds least,
+                    const std::string& description) {
+    option(name, "TIME", description, [&value, least](const std::string& text) {
+        const auto parsed = parseDuration(text);
+        value = parsed.value_or(value);
+        return parsed && *parsed >= least ? "" : "expected a time such as 500ms, 1s or 2m, got " + text;
+    });
+}
+
+void Verb::choice(const std::string& name, std::vector<std::string> words,
+                  const std::function<void(std::size_t)>& choose, const std::string& description) {
+    const std::string all = fmt::format("{}", fmt::join(words, "|"));
+    option(name, all, description + " (default: " + words.front() + ")", [=](const std::string& text) {
+        const auto chosen = std::ranges::find(words, text);
+        if (chosen == words.end()) {
+            return "expected " + all + ", got " + text;
+        }
+        choose(static_cast<std::size_t>(chosen - words.begin()));
+        return std::string();
+    });
+}
+
+void Verb::option(const std::string& name, const std::string& kind, const std::string& description,
+                  const std::function<std::string(const std::string& text)>& read) {
+    const auto take = [name, read](const std::string& text) {
+        if (const std::string problem = read(text); !problem.empty()) {
+            throw CLI::ValidationError(name, problem);
+        }
+    };
+    app.add_option_function<std::string>(name, take, description)->type_name(kind);
+}
+
+CommandLine::CommandLine()
+    : app(std::make_unique<CLI::App>("Runs rule documents at a desk, with the library that runs them on a device.",
+                                     "vig")) {
+    app->set_version_flag("--version", "vig " VIG_VERSION, "Prints the version and exits");
+    app->set_help_flag("-h,--help", "Prints this help and exits");
+    app->require_subcommand(1);
+    app->footer(kFooter);
+}
+
+CommandLine::~CommandLine() = default;
+
+Verb CommandLine::addVerb(const std::string& name, const std::string& description, const std::string& footer, Run run) {
+    CLI::App* const added = app->add_subcommand(name, description);
+    added->footer(footer);
+    verbs.emplace_back(added, std::move(run));
+    return Verb(*added);
+}
+
+std::optional<int> CommandLine::parse(int count, const char* const* arguments, const Console& console) {
+    std::string answer;
+    try {
+        app->parse(count, arguments);
+        return std::nullopt;
+    } catch (const CLI::CallForHelp&) {
+        answer = app->help();
+    } catch (const CLI::CallForVersion&) {
+        answer = app->version() + "\n";
+    } catch (const CLI::Error& error) {
+        const auto named = app->get_subcommands();
+        return refuseArguments(console, error.what(), named.empty() ? "" : named.front()->get_name());
+    }
+    Output output(console.out);
+    output.write(answer);
+    return console.finish(output, kExitDone);
+}
+
+int CommandLine::run(const Console& console, const Interruption& interruption) const {
+    const auto named = std::ranges::find_if(verbs, [](const auto& verb) { return verb.first->parsed(); });
+    return named->second(console, interruption);
+}
+
+ProgramHelp CommandLine::help() const {
+    ProgramHelp help{VIG_VERSION, helpOf(*app), {}};
+    for (const auto& [verb, run] : verbs) {
+        help.verbs.push_back(helpOf(*verb));
+    }
+    return help;
+}
+
+int refuseArguments(const Console& console, std::string_view what, const std::string& verb) {
+    console.complain(what);
+    console.say("Try: vig " + verb + (verb.empty() ? "--help" : " --help"));
+    return kExitUnusable;
+}
+
+std::optional<std::chrono::milliseconds> parseDuration(std::string_view text) {
+    constexpr std::pair<std::string_view, double> kUnits[] = {
+        {"ms", 1}, {"s", 1000}, {"m", 60'000}, {"h", 3'600'000}, {"", 1000}};
+    constexpr double kMost = 366.0 * 24 * 3'600'000;
+    double number = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number, std::chars_format::fixed);
+    const std::string_view unit = text.substr(static_cast<std::size_t>(end - text.data()));
+    for (const auto& [name, milliseconds] : kUnits) {
+        if (error == std::errc() && unit == name && number >= 0 && number * milliseconds <= kMost) {
+            return std::chrono::milliseconds(std::llround(number * milliseconds));
+        }
+    }
+    return std::nullopt;
+}
+
+}  // namespace Brenta::OS::VIG::Tool

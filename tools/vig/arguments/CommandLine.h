@@ -1,0 +1,125 @@
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "tools/vig/arguments/ProgramHelp.h"
+#include "tools/vig/io/Console.h"
+#include "tools/vig/io/Interruption.h"
+
+namespace CLI {
+class App;
+}
+
+namespace Brenta::OS::VIG::Tool {
+
+// Says what a verb takes. Each value must outlive the command line; one that is not given is left unchanged.
+class Verb {
+  public:
+    enum class Need { Required, Optional };
+
+    explicit Verb(CLI::App& parser) : app(parser) {}
+
+    // Words without an option: one, or as many as there are.
+    void argument(const std::string& name, std::string& value, Need need, const std::string& description);
+    void argument(const std::string& name, std::vector<std::string>& values, Need need, const std::string& description);
+
+    void flag(const std::string& name, bool& value, const std::string& description);
+
+    // `kind` is how the help calls what has to be given.
+    void text(const std::string& name, std::string& value, const std::string& kind, const std::string& description);
+
+    // Refuses an empty name, which is a variable of a script that has no value rather than an option that was not
+    // given.
+    void name(const std::string& name, std::string& value, const std::string& kind, const std::string& description);
+
+    // May be repeated. Each name is one of `known`, and `what` is how a message calls one of them.
+    void names(const std::string& name, std::vector<std::string>& values, std::vector<std::string_view> known,
+               const std::string& what, const std::string& description);
+
+    void wholeNumber(const std::string& names, std::uint32_t& value, std::uint32_t least, std::uint32_t most,
+                     const std::string& description);
+
+    void percentage(const std::string& name, std::optional<double>& value, const std::string& description);
+
+    void duration(const std::string& name, std::chrono::milliseconds& value, std::chrono::milliseconds least,
+                  const std::string& description);
+
+    // One of a few words: the first one unless it is given.
+    template <typename Value, std::size_t Count>
+    void choice(const std::string& name, Value& value, const std::pair<const char*, Value> (&choices)[Count],
+                const std::string& description) {
+        std::vector<std::string> words;
+        std::vector<Value> meanings;
+        for (const auto& [word, meaning] : choices) {
+            words.emplace_back(word);
+            meanings.push_back(meaning);
+        }
+        choice(
+            name, std::move(words), [&value, meanings](std::size_t chosen) { value = meanings[chosen]; }, description);
+    }
+
+  private:
+    void choice(const std::string& name, std::vector<std::string> words, const std::function<void(std::size_t)>& choose,
+                const std::string& description);
+
+    // `read` returns what is wrong with a text, or nothing.
+    void option(const std::string& name, const std::string& kind, const std::string& description,
+                const std::function<std::string(const std::string& text)>& read);
+
+    CLI::App& app;
+};
+
+// The arguments of the program, the verb that they name, and its help.
+class CommandLine {
+  public:
+    CommandLine();
+    CommandLine(const CommandLine&) = delete;
+    CommandLine& operator=(const CommandLine&) = delete;
+    ~CommandLine();
+
+    // The lines of `footer` keep their form. `run` does what the verb is for and returns the exit status.
+    template <typename Options>
+    Verb addVerb(const std::string& name, const std::string& description, const std::string& footer,
+                 int (*run)(const Options&, const Console&, const Interruption&), const Options& options) {
+        return addVerb(name, description, footer,
+                       [run, &options](const Console& console, const Interruption& interruption) {
+                           return run(options, console, interruption);
+                       });
+    }
+
+    // Reads the arguments, of which the first one is the program's name. If there is nothing to run, for they are wrong
+    // or ask for help, says so and returns the exit status.
+    std::optional<int> parse(int count, const char* const* arguments, const Console& console);
+
+    // Runs the verb that was named. REQUIRES: parse() has returned nothing.
+    int run(const Console& console, const Interruption& interruption) const;
+
+    // Returns what the manual page and the completions are made of.
+    ProgramHelp help() const;
+
+  private:
+    using Run = std::function<int(const Console&, const Interruption&)>;
+
+    Verb addVerb(const std::string& name, const std::string& description, const std::string& footer, Run run);
+
+    const std::unique_ptr<CLI::App> app;
+    std::vector<std::pair<CLI::App*, Run>> verbs;
+};
+
+// Says what is wrong with the arguments of the verb, and where its help is. Returns the exit status.
+int refuseArguments(const Console& console, std::string_view what, const std::string& verb);
+
+// Reads "500ms", "1s", "2m", "1h" or a number of seconds, which may have a fraction. Returns nothing for anything else,
+// also for more than a year.
+std::optional<std::chrono::milliseconds> parseDuration(std::string_view text);
+
+}  // namespace Brenta::OS::VIG::Tool
