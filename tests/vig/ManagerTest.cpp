@@ -65,7 +65,7 @@ class ManagerTest : public testing::Test {
 };
 
 TEST_F(ManagerTest, ParsesWithTheNamesOfTheLibraryAndNoOthers) {
-    const auto parse = [&](const std::string& event, const std::string& action) {
+    const auto parse = [&](std::string_view event, const std::string& action) {
         return manager->parseResponse(support::documentOf(
             {support::transition("start", "end", event, "[]", R"([{"name":")" + action + R"("}])")}));
     };
