@@ -20,29 +20,28 @@ struct Service : vendor::orlan::velora::BnTrigger {
 };
 
 TEST(TriggerRequest, LooksUpAfterTheProcessNameAndCallsOnlyWhatWasFoundWithoutAnError) {
-    const std::string noProxy = ", triggerService is null!";
-    const auto failed = [](const std::string& what) { return "Error while getting the service proxy: " + what; };
+    const std::string failed = "Error while getting the service proxy: ";
+    const std::string nothing = " , triggerService is null!";
     struct {
         const char* processName;
         android::status_t status;
         bool isFound;
-        int lookups;
-        std::vector<std::string> messages;
-    } const cases[] = {{"camera", 0, true, 1, {}},
-                       {"camera", -5, true, 1, {failed("-5 ")}},
-                       {"camera", 1, true, 1, {failed("1 ")}},
-                       {"camera", 0, false, 1, {failed("0 " + noProxy)}},
-                       {"camera", -5, false, 1, {failed("-5 " + noProxy)}},
-                       {"", -5, false, 0, {"Missing required attribute processName in event."}}};
+        std::string message;
+    } const cases[] = {{"camera", 0, true, ""},
+                       {"camera", -5, true, failed + "-5 "},
+                       {"camera", 1, true, failed + "1 "},
+                       {"camera", 0, false, failed + "0" + nothing},
+                       {"camera", -5, false, failed + "-5" + nothing},
+                       {"", -5, false, "Missing required attribute processName in event."}};
     const auto synthesize = [](const auto&) { return TriggerMetadata{android::String16("entry")}; };
-    for (const auto& [processName, status, isFound, lookups, messages] : cases) {
+    for (const auto& [processName, status, isFound, message] : cases) {
         const auto service = android::sp<Service>::make();
         android::lookup = {status, isFound ? service.get() : nullptr};
         const support::LogCapture log;
         requestTrigger("prefix:", synthesize, support::TestEvent({.string = {{"processName", processName}}}));
-        EXPECT_EQ(log.lines(), support::errorLines(messages));
-        EXPECT_EQ(android::lookup.count, lookups) << processName << status;
-        EXPECT_EQ(service->calls, messages.empty() ? 1 : 0) << status << isFound;
+        EXPECT_EQ(log.messages(), std::vector<std::string>(message.empty() ? 0 : 1, message));
+        EXPECT_EQ(android::lookup.count, *processName == '\0' ? 0 : 1) << status;
+        EXPECT_EQ(service->calls, message.empty() ? 1 : 0) << status << isFound;
     }
     android::lookup = {};
 }
