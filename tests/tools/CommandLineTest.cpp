@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "tests/tools/ToolRun.h"
-#include "tools/vig/Verbs.h"
 
 namespace Brenta::OS::VIG::Tool {
 
@@ -16,15 +15,11 @@ using std::chrono::milliseconds;
 using support::ToolResult;
 using Strings = std::vector<std::string>;
 
-// Runs the verb if there is one to run.
-ToolResult call(std::vector<const char*> arguments) {
-    arguments.insert(arguments.begin(), "vig");
+ToolResult call(const Strings& arguments) {
     const support::MemoryFile out;
     const support::MemoryFile err;
-    const Console console{STDIN_FILENO, out.descriptor, err.descriptor};
-    Verbs verbs;
-    const auto status = verbs.commandLine.parse(static_cast<int>(arguments.size()), arguments.data(), console);
-    return {status ? *status : verbs.commandLine.run(console, Interruption()), out.content(), err.content()};
+    const int status = support::runTool(arguments, {STDIN_FILENO, out.descriptor, err.descriptor}, Interruption());
+    return {status, out.content(), err.content()};
 }
 
 struct Parsed : Verbs {
@@ -86,7 +81,7 @@ TEST(CommandLine, WrongArgumentsAreUsageErrors) {
     const std::string noName = ": expected a name, got nothing";
     const std::string several = "--explain and --why-not tell of one device: give one file, and no summary";
     const struct {
-        std::vector<const char*> arguments;
+        Strings arguments;
         std::string complaint;
     } cases[] = {
         {{}, "A subcommand is required"},
@@ -125,16 +120,16 @@ TEST(CommandLine, WrongArgumentsAreUsageErrors) {
     };
     for (const auto& [arguments, complaint] : cases) {
         const ToolResult result = call(arguments);
-        const bool named = arguments.size() > 0 && arguments[0] != std::string("walk");
+        const bool named = !arguments.empty() && arguments[0] != "walk";
         EXPECT_EQ(result.status, 2);
-        EXPECT_EQ(result.err, "vig: error: " + complaint + "\nTry: vig " + (named ? arguments[0] : "") +
-                                  (named ? " " : "") + "--help\n");
+        EXPECT_EQ(result.err,
+                  "vig: error: " + complaint + "\nTry: vig " + (named ? arguments[0] + " " : "") + "--help\n");
     }
 }
 
 TEST(CommandLine, HelpOfEveryVerbHasAnExample) {
     for (const VerbHelp& verb : Verbs().commandLine.help().verbs) {
-        const ToolResult help = call({verb.name.c_str(), "--help"});
+        const ToolResult help = call({verb.name, "--help"});
         EXPECT_EQ(help.status, 0);
         EXPECT_NE(help.out.find("\nExample: "), std::string::npos) << verb.name;
     }
@@ -145,17 +140,17 @@ TEST(CommandLine, HelpOfEveryVerbHasAnExample) {
 TEST(CommandLine, DurationsAreReadWithTheirUnit) {
     const struct {
         const char* text;
-        std::optional<milliseconds> expected;
+        milliseconds expected;
     } cases[] = {
         {"500ms", milliseconds(500)},    {"1s", milliseconds(1000)}, {"2m", milliseconds(120'000)},
         {"1h", milliseconds(3'600'000)}, {"3", milliseconds(3000)},  {"0.25", milliseconds(250)},
-        {"0", milliseconds(0)},          {"", std::nullopt},         {"s", std::nullopt},
-        {"-1s", std::nullopt},           {"1 s", std::nullopt},      {"1e3", std::nullopt},
-        {"nan", std::nullopt},           {"inf", std::nullopt},      {"1sec", std::nullopt},
-        {"99999999h", std::nullopt},
+        {"0", milliseconds(0)},
     };
     for (const auto& each : cases) {
-        EXPECT_EQ(parseDuration(each.text), each.expected) << each.text;
+        EXPECT_EQ(Parsed({"watch", "r", "--duration", each.text}).watch.duration, each.expected);
+    }
+    for (const char* const text : {"", "s", "-1s", "1 s", "1e3", "nan", "inf", "1sec", "99999999h"}) {
+        EXPECT_EQ(call({"watch", "r", "--duration", text}).status, 2) << text;
     }
 }
 

@@ -3,25 +3,14 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <chrono>
 #include <filesystem>
-#include <functional>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "tests/support/Documents.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/tools/ToolRun.h"
-#include "tools/vig/check/CatalogueCommand.h"
-#include "tools/vig/check/CheckCommand.h"
-#include "tools/vig/fleet/FleetCommand.h"
-#include "tools/vig/fleet/SummaryCommand.h"
-#include "tools/vig/graph/GraphCommand.h"
 #include "tools/vig/io/Descriptor.h"
-#include "tools/vig/run/RunCommand.h"
-#include "tools/vig/test/TestCommand.h"
-#include "tools/vig/watch/WatchCommand.h"
 #include "tools/vig/words/Text.h"
 
 namespace Brenta::OS::VIG::Tool {
@@ -39,97 +28,61 @@ const std::string kHostileName = "\x1B[2J\xC2\x9B\x32J\xE2\x80\xAE";
 // Every verb, in every format that is text, on a document, events, tests and files whose names all are hostile.
 class EveryVerb : public testing::Test {
   protected:
-    using Verb = std::function<int(const Console&)>;
-
     EveryVerb() {
         const std::string trigger = R"([{"name":"TriggerVelora"}])";
         const std::string filters = support::filters({"integer " + kHostile + " > =0"});
-        rules = write("rules", support::documentOf(
-                                   {support::transition("start", kHostile, "ProcessMemoryHeartBeat", filters, trigger),
-                                    support::transition(kHostile, "end", "Test")}));
-        refused = write("refused", support::documentOf({support::transition("a", "b", kHostile)}));
-        events = write("events", R"({"event":"ProcessMemoryHeartBeat","int64":{"vmRssKB":1,"vmSwapKB":2,")" + kHostile +
-                                     R"(":1},"string":{"processName":")" + kHostile + "\"}}\n");
-        tests = write("tests", R"({"rules":")" + fs::path(rules).filename().string().replace(5, 1, "\\u001b") +
-                                   R"(","tests":[{"name":")" + kHostile + R"(","events":[],"expect":{"states":{"7":")" +
-                                   kHostile + R"("},"log":[")" + kHostile + R"("]}}]})");
+        const std::string rules = write(
+            "rules",
+            support::documentOf({support::transition("start", kHostile, "ProcessMemoryHeartBeat", filters, trigger),
+                                 support::transition(kHostile, "end", "Test")}));
+        const std::string refused = write("refused", support::documentOf({support::transition("a", "b", kHostile)}));
+        const std::string events =
+            write("events", R"({"event":"ProcessMemoryHeartBeat","int64":{"vmRssKB":1,"vmSwapKB":2,")" + kHostile +
+                                R"(":1},"string":{"processName":")" + kHostile + "\"}}\n");
+        const std::string tests =
+            write("tests", R"({"rules":")" + fs::path(rules).filename().string().replace(5, 1, "\\u001b") +
+                               R"(","tests":[{"name":")" + kHostile + R"(","events":[],"expect":{"states":{"7":")" +
+                               kHostile + R"("},"log":[")" + kHostile + R"("]}}]})");
         support::writeMachine(folder, kHostileName);
-        for (const auto format : {ReportFormat::Text, ReportFormat::Jsonl, ReportFormat::Json}) {
-            const std::string number = std::to_string(static_cast<int>(format));
-            if (format != ReportFormat::Json) {
-                addWith<RunOptions>("run in format " + number, run, [this, format](auto& options) {
-                    options.rules = rules;
-                    options.events = events;
-                    options.format = format;
-                    options.explain = true;
-                    options.whyNot = "configs[0].payload.data.transitions[1]";
-                });
-            }
-            addWith<FleetOptions>("run of several in format " + number, fleet, [this, format](auto& options) {
-                options.rules = rules;
-                options.devices = {events, events};
-                options.format = format;
-            });
+        const std::string junit = folder.path("junit.xml");
+        commands = {
+            {"test", tests, "--coverage", "--junit", junit},
+            {"catalogue", events},
+            {"watch", rules, "--interval", "1ms", "--duration", "1ms"},
+            {"summary", write("summary", resultOf({"run", rules, events, events, "--format", "json"}))},
+            {"run", rules, events, events, "--format", "json"},
+        };
+        for (const char* const format : {"text", "jsonl"}) {
+            commands.push_back({"run", rules, events, events, "--format", format});
+            commands.push_back({"run", rules, events, "--format", format, "--explain", "--why-not",
+                                "configs[0].payload.data.transitions[1]"});
         }
-        for (const auto format : {FindingFormat::Text, FindingFormat::Json, FindingFormat::Sarif}) {
-            addWith<CheckOptions>("check", check, [this, format](auto& options) {
-                options.rules = {rules, refused};
-                options.format = format;
-            });
+        for (const char* const format : {"text", "json", "sarif"}) {
+            commands.push_back({"check", rules, refused, "--format", format});
         }
-        for (const auto format : {GraphFormat::Dot, GraphFormat::Mermaid}) {
-            addWith<GraphOptions>("graph", graph, [this, format](auto& options) {
-                options.rules = rules;
-                options.events = events;
-                options.format = format;
-            });
+        for (const char* const format : {"dot", "mermaid"}) {
+            commands.push_back({"graph", rules, "--events", events, "--format", format});
         }
-        addWith<TestOptions>("test", test, [this](auto& options) {
-            options.files = {tests};
-            options.coverage = true;
-            options.junitFile = folder.path("junit.xml");
-        });
-        addWith<CatalogueOptions>("catalogue", catalogue, [this](auto& options) { options.events = events; });
-        addWith<WatchOptions>("watch", watch, [this](auto& options) {
-            options.rules = rules;
-            options.interval = options.duration = std::chrono::milliseconds(1);
-            options.procFolder = folder.path("proc");
-            options.sysFolder = folder.path("sys");
-        });
-        addWith<SummaryOptions>("summary", summary, [this](auto& options) { options.files = {summaryOfDevices()}; });
     }
 
     std::string write(const std::string& name, const std::string& text) {
         return folder.write(name + kHostileName, text);
     }
 
-    std::string summaryOfDevices() {
-        FleetOptions options;
-        options.rules = rules;
-        options.devices = {events, events};
-        options.format = ReportFormat::Json;
+    std::string resultOf(const std::vector<std::string>& arguments) {
         const MemoryFile out;
-        fleet(options, {STDIN_FILENO, out.descriptor, out.descriptor}, interruption);
-        return write("summary", out.content());
+        support::runTool(arguments, {STDIN_FILENO, out.descriptor, out.descriptor}, interruption);
+        return out.content();
     }
 
-    template <typename Options>
-    void addWith(const std::string& name, int (*verb)(const Options&, const Console&, const Interruption&),
-                 const std::function<void(Options&)>& set) {
-        Options options;
-        set(options);
-        verbs.emplace_back(
-            name, [this, verb, options](const Console& console) { return verb(options, console, interruption); });
+    int runWith(const std::vector<std::string>& command, int out, int err) {
+        return support::runTool(command, {STDIN_FILENO, out, err}, interruption, folder.path());
     }
 
     const support::TemporaryFolder folder;
     Interruption interruption;
     const InterruptOnSignals signals{interruption};
-    std::string rules;
-    std::string refused;
-    std::string events;
-    std::string tests;
-    std::vector<std::pair<std::string, Verb>> verbs;
+    std::vector<std::vector<std::string>> commands;
 };
 
 TEST_F(EveryVerb, SendsNothingToATerminalThatItWouldActOn) {
@@ -138,12 +91,12 @@ TEST_F(EveryVerb, SendsNothingToATerminalThatItWouldActOn) {
             EXPECT_EQ(line, printable(line));
         }
     };
-    for (const auto& [name, verb] : verbs) {
-        SCOPED_TRACE(name);
+    for (const auto& command : commands) {
+        SCOPED_TRACE(command[0]);
         const MemoryFile out;
         const MemoryFile err;
         testing::internal::CaptureStderr();
-        verb({STDIN_FILENO, out.descriptor, err.descriptor});
+        runWith(command, out.descriptor, err.descriptor);
         EXPECT_EQ(testing::internal::GetCapturedStderr(), "") << "past the console";
         EXPECT_NE(out.content(), "");
         expectHarmless(out.content());
@@ -157,13 +110,13 @@ TEST_F(EveryVerb, SaysThatTheDiskIsFullAndNothingOfAReaderThatHasGone) {
     ASSERT_EQ(pipe2(ends, O_CLOEXEC), 0);
     close(ends[0]);
     const Descriptor abandoned(ends[1]);
-    for (const auto& [name, verb] : verbs) {
-        SCOPED_TRACE(name);
+    for (const auto& command : commands) {
+        SCOPED_TRACE(command[0]);
         const MemoryFile err;
-        EXPECT_EQ(verb({STDIN_FILENO, full.get(), err.descriptor}), 2);
+        EXPECT_EQ(runWith(command, full.get(), err.descriptor), 2);
         EXPECT_NE(err.content().find("vig: error: standard output: No space left on device\n"), std::string::npos);
         const MemoryFile quiet;
-        EXPECT_NE(verb({STDIN_FILENO, abandoned.get(), quiet.descriptor}), 2);
+        EXPECT_NE(runWith(command, abandoned.get(), quiet.descriptor), 2);
         EXPECT_EQ(quiet.content(), "");
     }
 }
@@ -176,21 +129,20 @@ TEST(Links, OutOfAFolderThatOthersCanWriteAreNotFollowed) {
     fs::create_symlink("../secret.json", folder.path("open/rules.json"));
     fs::create_symlink(folder.path(), folder.path("open/out"));
     const std::string problem = ": a symbolic link leads to it out of a folder that others can write\n";
-    WatchOptions options;
-    options.duration = std::chrono::milliseconds(0);
-    options.procFolder = options.sysFolder = folder.path("none");
-
-    options.rules = folder.path("open/rules.json");
-    EXPECT_EQ(support::runVerb(watch, options).err, "vig: error: " + options.rules + problem);
-    options.rules = secret;
-    options.contextFile = folder.path("open/rules.json");
-    EXPECT_EQ(support::runVerb(watch, options).err, "vig: error: " + options.contextFile + problem);
-    options.contextFile.clear();
-    options.recordFile = folder.path("open/out/record.jsonl");
-    EXPECT_EQ(support::runVerb(watch, options).err, "vig: error: " + options.recordFile + problem);
+    const std::string link = folder.path("open/rules.json");
+    const std::string record = folder.path("open/out/record.jsonl");
+    const auto expectError = [&](const std::vector<std::string>& options, const std::string& error) {
+        const MemoryFile err;
+        std::vector<std::string> command = {"watch", "--duration", "0"};
+        command.insert(command.end(), options.begin(), options.end());
+        support::runTool(command, {STDIN_FILENO, MemoryFile().descriptor, err.descriptor}, Interruption(),
+                         folder.path("none"));
+        EXPECT_EQ(err.content().substr(0, err.content().find('\n') + 1), error);
+    };
+    expectError({link}, "vig: error: " + link + problem);
+    expectError({secret, "--context", link}, "vig: error: " + link + problem);
+    expectError({secret, "--record", record}, "vig: error: " + record + problem);
     EXPECT_FALSE(fs::exists(folder.path("record.jsonl")));
-    options.recordFile.clear();
-    EXPECT_EQ(support::runVerb(watch, options).status, 0);
 }
 
 }  // namespace

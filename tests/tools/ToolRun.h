@@ -9,13 +9,13 @@
 #include <cstddef>
 #include <cstdio>
 #include <filesystem>
+#include <iterator>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "tests/support/TemporaryFolder.h"
-#include "tools/vig/io/Console.h"
-#include "tools/vig/io/Interruption.h"
+#include "tools/vig/Verbs.h"
 
 namespace support {
 
@@ -57,6 +57,18 @@ ToolResult runVerb(int (*verb)(const Options&, const Tool::Console&, const Tool:
     const Tool::Interruption interruption;
     const int status = verb(options, {in.descriptor, out.descriptor, err.descriptor}, interruption);
     return {status, out.content(), err.content()};
+}
+
+// Runs the tool with these arguments, but observes the machine that writeMachine() has written to that folder.
+inline int runTool(const std::vector<std::string>& arguments, const Tool::Console& console,
+                   const Tool::Interruption& interruption, const std::filesystem::path& machine = {}) {
+    std::vector<const char*> all = {"vig"};
+    std::ranges::transform(arguments, std::back_inserter(all), &std::string::c_str);
+    Tool::Verbs verbs;
+    verbs.watch.procFolder = machine / "proc";
+    verbs.watch.sysFolder = machine / "sys";
+    const auto status = verbs.commandLine.parse(static_cast<int>(all.size()), all.data(), console);
+    return status ? *status : verbs.commandLine.run(console, interruption);
 }
 
 // What a shell command writes, errors included.

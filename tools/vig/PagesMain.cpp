@@ -3,8 +3,7 @@
 #include <string_view>
 
 #include "tools/vig/Verbs.h"
-#include "tools/vig/help/Completion.h"
-#include "tools/vig/help/ManPage.h"
+#include "tools/vig/help/HelpPages.h"
 #include "tools/vig/io/Console.h"
 #include "tools/vig/io/Output.h"
 

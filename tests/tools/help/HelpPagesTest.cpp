@@ -5,8 +5,7 @@
 #include "tests/support/TemporaryFolder.h"
 #include "tests/tools/ToolRun.h"
 #include "tools/vig/Verbs.h"
-#include "tools/vig/help/Completion.h"
-#include "tools/vig/help/ManPage.h"
+#include "tools/vig/help/HelpPages.h"
 
 namespace Brenta::OS::VIG::Tool {
 

@@ -10,6 +10,7 @@
 
 #include "tests/support/TemporaryFolder.h"
 #include "tests/tools/ToolRun.h"
+#include "tools/vig/check/Catalogue.h"
 #include "tools/vig/events/EventWriter.h"
 
 namespace Brenta::OS::VIG::Tool {
@@ -91,6 +92,22 @@ TEST_F(SystemSamplerTest, SystemMemoryComesBeforeZramDevicesAndProcessesByPid) {
                  R"("pagesCompacted":7,"samePages":6},"string":{"device":"zram10"}})",
                  memory(9, "early"), memory(12, "late")}));
     EXPECT_EQ(notes, Strings());
+}
+
+TEST_F(SystemSamplerTest, AttributesAreExactlyThoseOfTheBuiltInCatalogue) {
+    std::string memory;
+    for (const char* const name : {"MemTotal", "MemFree", "MemAvailable", "Buffers", "Cached", "SwapCached", "Active",
+                                   "SwapTotal", "SwapFree", "Dirty", "AnonPages", "Mapped", "Shmem", "Slab"}) {
+        memory += std::string(name) + ":  7 kB\n";
+    }
+    support::writeMachine(machine, "camera");
+    write("proc/meminfo", memory);
+    Catalogue seen;
+    for (int i = 0; i < 2; ++i) {
+        sampler.sample(0, [&](const EventRecord& record) { seen.learn(record); });
+        now += std::chrono::seconds(1);
+    }
+    EXPECT_EQ(seen.text(), Catalogue::builtIn().text());
 }
 
 TEST_F(SystemSamplerTest, CpuShareIsThatSinceTheLastSampleOfTheSameProcess) {

@@ -1,8 +1,5 @@
 #include "tools/vig/arguments/CommandLine.h"
 
-#include <fmt/format.h>
-#include <fmt/ranges.h>
-
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
@@ -23,6 +20,21 @@ constexpr const char* kFooter =
     "Exit status: 0 done, 1 the rules were refused or a test failed, 2 bad arguments or input, or the output cannot\n"
     "be written, 130 interrupted (but for watch, which Ctrl-C ends with its summary).\n"
     "`vig VERB --help` has an example.";
+
+std::optional<std::chrono::milliseconds> parseDuration(std::string_view text) {
+    constexpr std::pair<std::string_view, double> kUnits[] = {
+        {"ms", 1}, {"s", 1000}, {"m", 60'000}, {"h", 3'600'000}, {"", 1000}};
+    constexpr double kMost = 366.0 * 24 * 3'600'000;
+    double number = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number, std::chars_format::fixed);
+    const std::string_view unit = text.substr(static_cast<std::size_t>(end - text.data()));
+    for (const auto& [name, milliseconds] : kUnits) {
+        if (error == std::errc() && unit == name && number >= 0 && number * milliseconds <= kMost) {
+            return std::chrono::milliseconds(std::llround(number * milliseconds));
+        }
+    }
+    return std::nullopt;
+}
 
 OptionHelp helpOf(const CLI::Option& option) {
     OptionHelp help{{}, !option.nonpositional(), option.get_required(), option.get_items_expected_max() > 1,
@@ -93,35 +105,12 @@ void Verb::wholeNumber(const std::string& names, std::uint32_t& value, std::uint
     }
 }
 
-void Verb::percentage(const std::string& name, std::optional<double>& value, const std::string& description) {
-    option(name, "PERCENT", description, [&value](const std::string& text) {
-        double number = 0;
-        const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-        const bool isOne = error == std::errc() && end == text.data() + text.size() && number >= 0 && number <= 100;
-        value = number;
-        return isOne ? "" : "expected a number from 0 to 100, got " + text;
-    });
-}
-
 void Verb::duration(const std::string& name, std::chrono::milliseconds& value, std::chrono::milliseconds least,
                     const std::string& description) {
     option(name, "TIME", description, [&value, least](const std::string& text) {
         const auto parsed = parseDuration(text);
         value = parsed.value_or(value);
         return parsed && *parsed >= least ? "" : "expected a time such as 500ms, 1s or 2m, got " + text;
-    });
-}
-
-void Verb::choice(const std::string& name, std::vector<std::string> words,
-                  const std::function<void(std::size_t)>& choose, const std::string& description) {
-    const std::string all = fmt::format("{}", fmt::join(words, "|"));
-    option(name, all, description + " (default: " + words.front() + ")", [=](const std::string& text) {
-        const auto chosen = std::ranges::find(words, text);
-        if (chosen == words.end()) {
-            return "expected " + all + ", got " + text;
-        }
-        choose(static_cast<std::size_t>(chosen - words.begin()));
-        return std::string();
     });
 }
 
@@ -188,21 +177,6 @@ int refuseArguments(const Console& console, std::string_view what, const std::st
     console.complain(what);
     console.say("Try: vig " + verb + (verb.empty() ? "--help" : " --help"));
     return kExitUnusable;
-}
-
-std::optional<std::chrono::milliseconds> parseDuration(std::string_view text) {
-    constexpr std::pair<std::string_view, double> kUnits[] = {
-        {"ms", 1}, {"s", 1000}, {"m", 60'000}, {"h", 3'600'000}, {"", 1000}};
-    constexpr double kMost = 366.0 * 24 * 3'600'000;
-    double number = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number, std::chars_format::fixed);
-    const std::string_view unit = text.substr(static_cast<std::size_t>(end - text.data()));
-    for (const auto& [name, milliseconds] : kUnits) {
-        if (error == std::errc() && unit == name && number >= 0 && number * milliseconds <= kMost) {
-            return std::chrono::milliseconds(std::llround(number * milliseconds));
-        }
-    }
-    return std::nullopt;
 }
 
 }  // namespace Brenta::OS::VIG::Tool

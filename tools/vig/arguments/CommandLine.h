@@ -1,17 +1,16 @@
 #pragma once
 
 #include <chrono>
-#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
-#include "tools/vig/arguments/ProgramHelp.h"
 #include "tools/vig/io/Console.h"
 #include "tools/vig/io/Interruption.h"
 
@@ -20,6 +19,31 @@ class App;
 }
 
 namespace Brenta::OS::VIG::Tool {
+
+// The next three say what the command line is, as its parser knows it: the manual page and the shell completions are
+// made of this, so that they never differ from --help.
+
+struct OptionHelp {
+    std::vector<std::string> names;  // "-h", "--help"; of a positional argument its one name: "RULES"
+    bool isPositional;
+    bool isRequired;
+    bool isRepeated;       // may be given several times
+    std::string argument;  // "FILE", "text|jsonl"; empty for a flag and for a positional argument
+    std::string description;
+};
+
+struct VerbHelp {
+    std::string name;
+    std::string description;
+    std::vector<OptionHelp> options;
+    std::string footer;  // lines that keep their form
+};
+
+struct ProgramHelp {
+    std::string version;
+    VerbHelp general;  // the program as a whole, with its own options
+    std::vector<VerbHelp> verbs;
+};
 
 // Says what a verb takes. Each value must outlive the command line; one that is not given is left unchanged.
 class Verb {
@@ -48,33 +72,35 @@ class Verb {
     void wholeNumber(const std::string& names, std::uint32_t& value, std::uint32_t least, std::uint32_t most,
                      const std::string& description);
 
-    void percentage(const std::string& name, std::optional<double>& value, const std::string& description);
-
+    // "500ms", "1s", "2m", "1h" or a number of seconds, which may have a fraction; of a year at most.
     void duration(const std::string& name, std::chrono::milliseconds& value, std::chrono::milliseconds least,
                   const std::string& description);
 
     // One of a few words: the first one unless it is given.
-    template <typename Value, std::size_t Count>
-    void choice(const std::string& name, Value& value, const std::pair<const char*, Value> (&choices)[Count],
+    template <typename Value>
+    void choice(const std::string& name, Value& value,
+                const std::vector<std::pair<std::string, std::type_identity_t<Value>>>& choices,
                 const std::string& description) {
-        std::vector<std::string> words;
-        std::vector<Value> meanings;
+        std::string words;
         for (const auto& [word, meaning] : choices) {
-            words.emplace_back(word);
-            meanings.push_back(meaning);
+            words += (words.empty() ? "" : "|") + word;
         }
-        choice(
-            name, std::move(words), [&value, meanings](std::size_t chosen) { value = meanings[chosen]; }, description);
+        option(name, words, description + " (default: " + choices[0].first + ")", [=, &value](const std::string& text) {
+            for (const auto& [word, meaning] : choices) {
+                if (word == text) {
+                    value = meaning;
+                    return std::string();
+                }
+            }
+            return "expected " + words + ", got " + text;
+        });
     }
 
-  private:
-    void choice(const std::string& name, std::vector<std::string> words, const std::function<void(std::size_t)>& choose,
-                const std::string& description);
-
-    // `read` returns what is wrong with a text, or nothing.
+    // Any other option: `read` returns what is wrong with a text, or nothing.
     void option(const std::string& name, const std::string& kind, const std::string& description,
                 const std::function<std::string(const std::string& text)>& read);
 
+  private:
     CLI::App& app;
 };
 
@@ -117,9 +143,5 @@ class CommandLine {
 
 // Says what is wrong with the arguments of the verb, and where its help is. Returns the exit status.
 int refuseArguments(const Console& console, std::string_view what, const std::string& verb);
-
-// Reads "500ms", "1s", "2m", "1h" or a number of seconds, which may have a fraction. Returns nothing for anything else,
-// also for more than a year.
-std::optional<std::chrono::milliseconds> parseDuration(std::string_view text);
 
 }  // namespace Brenta::OS::VIG::Tool

@@ -44,8 +44,6 @@ int catalogue(const CatalogueOptions& options, const Console& console, const Int
     return console.finish(output, kExitDone);
 }
 
-namespace {
-
 constexpr const char* kHelp =
     R"(A catalogue tells which attributes the events of each type have, grouped by kind as in event records, and which
 the machines' context has, which no recording shows. It is JSON to be edited by hand:
@@ -55,8 +53,6 @@ With "extends":"built-in" it adds to what the tool knows, else it stands in its 
 Example: what do the events of this machine have?
   vig watch rules.json --duration 10s --record trace.jsonl
   vig catalogue trace.jsonl > catalogue.json)";
-
-}  // namespace
 
 void addCatalogue(CommandLine& commandLine, CatalogueOptions& options) {
     Verb verb = commandLine.addVerb("catalogue", "Prints which attributes the events of a recording have.", kHelp,

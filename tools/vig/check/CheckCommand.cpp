@@ -91,8 +91,6 @@ int check(const CheckOptions& options, const Console& console, const Interruptio
     return console.finish(output, !areReadable ? kExitUnusable : areRefused ? kExitRefused : kExitDone);
 }
 
-namespace {
-
 constexpr const char* kHelp =
     R"(Errors are what the library refuses, all of them, and cycles without end. Warnings, by name:
 {}
@@ -100,8 +98,6 @@ Exit status: 0 nothing or only warnings, 1 errors, 2 a file cannot be read. Colu
 
 Example: check before a commit, as strictly as possible, for a service that arms timeouts:
   vig check --strict --allow unused-timeout rules/*.json)";
-
-}  // namespace
 
 void addCheck(CommandLine& commandLine, CheckOptions& options) {
     std::string meanings;

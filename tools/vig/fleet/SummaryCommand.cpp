@@ -102,8 +102,6 @@ int summary(const SummaryOptions& options, const Console& console, const Interru
     return console.finish(output, kExitDone);
 }
 
-namespace {
-
 constexpr const char* kHelp =
     R"(Each line of the files is a summary that `vig run --format json` has written; all are of one rule document. The parts
 of a fleet, merged, give the same as the whole.
@@ -112,8 +110,6 @@ Example: two halves of a fleet, replayed apart
   vig run rules.json a/*.jsonl.gz --format json > a.json
   vig run rules.json b/*.jsonl.gz --format json > b.json
   vig summary a.json b.json)";
-
-}  // namespace
 
 void addSummary(CommandLine& commandLine, SummaryOptions& options) {
     Verb verb =

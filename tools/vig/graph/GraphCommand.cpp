@@ -134,8 +134,6 @@ int graph(const GraphOptions& options, const Console& console, const Interruptio
     return status == kExitDone ? draw(graphsOf(models, findings, traffic), options, console, interruption) : status;
 }
 
-namespace {
-
 constexpr const char* kHelp =
     R"(A box is a state; its rows are the transitions that leave it, in the order in which they are tried. What no chain of
 transitions reaches is grey. With --events, a line is the wider the more often its transition fired, red and dotted
@@ -143,8 +141,6 @@ where it was tried and never fired, thin, grey and dashed where it was never tri
 
 Example: where does the recording get stuck?
   vig graph rules.json --events trace.jsonl --format svg > rules.svg)";
-
-}  // namespace
 
 void addGraph(CommandLine& commandLine, GraphOptions& options) {
     Verb verb = commandLine.addVerb("graph", "Draws the machines of a rule document.", kHelp, graph, options);

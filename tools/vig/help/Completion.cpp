@@ -1,4 +1,4 @@
-#include "tools/vig/help/Completion.h"
+#include "tools/vig/help/HelpPages.h"
 
 #include <fmt/format.h>
 

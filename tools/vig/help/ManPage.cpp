@@ -1,4 +1,4 @@
-#include "tools/vig/help/ManPage.h"
+#include "tools/vig/help/HelpPages.h"
 
 #include <algorithm>
 #include <string_view>

@@ -6,7 +6,6 @@
 #include <string>
 #include <string_view>
 
-#include "tools/vig/arguments/CommandLine.h"
 #include "tools/vig/io/Console.h"
 #include "tools/vig/io/Interruption.h"
 #include "tools/vig/io/Output.h"
@@ -14,6 +13,8 @@
 #include "tools/vig/trace/Report.h"
 
 namespace Brenta::OS::VIG::Tool {
+
+class Verb;
 
 // Json is a summary alone, at the end of a run over a fleet.
 enum class ReportFormat { Text, Jsonl, Json, None };

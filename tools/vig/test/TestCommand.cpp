@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <charconv>
 #include <cmath>
 #include <filesystem>
 #include <map>
@@ -221,8 +222,6 @@ int test(const TestOptions& options, const Console& console, const Interruption&
     return TestSuite(options, console, interruption).run();
 }
 
-namespace {
-
 constexpr const char* kHelp =
     R"(A test file names a rule document and what it should do; paths in it are relative to it:
   { "rules": "rules.json",
@@ -243,15 +242,21 @@ Coverage counts the transitions that fired, and for each filter whether it was e
 Example: all tests, with what they do not reach, and a report for the build server:
   vig test rules/*.test.json --coverage-min 100 --junit results.xml)";
 
-}  // namespace
-
 void addTest(CommandLine& commandLine, TestOptions& options) {
     Verb verb = commandLine.addVerb("test", "Runs the tests of rule documents.", kHelp, test, options);
     verb.argument("FILE", options.files, Verb::Need::Required, "Files of tests");
     verb.text("--filter", options.filter, "NAME",
               "Runs only the tests whose name has this part; * and ? are wildcards");
     verb.flag("--coverage", options.coverage, "Tells which transitions and filters the tests do not reach");
-    verb.percentage("--coverage-min", options.coverageMin, "Fails if less of any rule document is reached");
+    verb.option("--coverage-min", "PERCENT", "Fails if less of any rule document is reached",
+                [&options](const std::string& text) {
+                    double number = 0;
+                    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+                    const bool isOne =
+                        error == std::errc() && end == text.data() + text.size() && number >= 0 && number <= 100;
+                    options.coverageMin = number;
+                    return isOne ? "" : "expected a number from 0 to 100, got " + text;
+                });
     verb.name("--junit", options.junitFile, "FILE", "Writes the results there, as JUnit XML");
 }
 

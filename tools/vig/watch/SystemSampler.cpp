@@ -24,35 +24,10 @@ using RulesEngine::EventType;
 
 namespace {
 
-struct Source {
-    std::string_view prefix;     // of the line in the kernel's file
-    std::string_view attribute;  // in the event
-};
-
-constexpr std::array<Source, 13> kMemoryInfo = {{
-    {"AnonPages:", "anonPagesKB"},
-    {"Buffers:", "buffersKB"},
-    {"Cached:", "cachedKB"},
-    {"Dirty:", "dirtyKB"},
-    {"Mapped:", "mappedKB"},
-    {"MemAvailable:", "memAvailableKB"},
-    {"MemFree:", "memFreeKB"},
-    {"MemTotal:", "memTotalKB"},
-    {"Shmem:", "shmemKB"},
-    {"Slab:", "slabKB"},
-    {"SwapCached:", "swapCachedKB"},
-    {"SwapFree:", "swapFreeKB"},
-    {"SwapTotal:", "swapTotalKB"},
-}};
-
-constexpr std::array<Source, 6> kPressure = {{
-    {"full avg10=", "psiFullAvg10"},
-    {"full avg300=", "psiFullAvg300"},
-    {"full avg60=", "psiFullAvg60"},
-    {"some avg10=", "psiSomeAvg10"},
-    {"some avg300=", "psiSomeAvg300"},
-    {"some avg60=", "psiSomeAvg60"},
-}};
+// "AnonPages: 4 kB" of the kernel is the attribute anonPagesKB.
+constexpr std::string_view kMemoryInfo[] = {"AnonPages",    "Buffers",  "Cached",   "Dirty", "Mapped",
+                                            "MemAvailable", "MemFree",  "MemTotal", "Shmem", "Slab",
+                                            "SwapCached",   "SwapFree", "SwapTotal"};
 
 // The columns of mm_stat, in order.
 constexpr std::array<std::string_view, 9> kZramColumns = {
@@ -168,8 +143,10 @@ bool SystemSampler::addMemoryInfo() {
         noteOnce(proc + "/meminfo", "no amounts in SystemMemoryHeartBeat", errno);
         return false;
     }
-    for (const auto& [prefix, attribute] : kMemoryInfo) {
-        if (const auto amount = numberAfter<std::int64_t>(text, prefix)) {
+    for (const std::string_view name : kMemoryInfo) {
+        if (const auto amount = numberAfter<std::int64_t>(text, std::string(name) + ":")) {
+            std::string attribute = std::string(name) + "KB";
+            attribute[0] = static_cast<char>(attribute[0] - 'A' + 'a');
             record.attributes.add<std::int64_t>(attribute, *amount);
         }
     }
@@ -181,16 +158,15 @@ bool SystemSampler::addPressure() {
         noteOnce(proc + "/pressure/memory", "no pressure in SystemMemoryHeartBeat", errno);
         return false;
     }
-    for (const auto& [prefix, attribute] : kPressure) {
-        const std::size_t space = prefix.find(' ');
-        const auto line = afterPrefix(text, prefix.substr(0, space));
-        const std::size_t place = line ? line->find(prefix.substr(space)) : std::string_view::npos;
-        if (place == std::string_view::npos) {
-            continue;
-        }
-        const auto share = toNumber<double>(line->substr(place + prefix.size() - space));
-        if (share && std::isfinite(*share)) {
-            record.attributes.add<double>(attribute, *share);
+    for (const auto& [stalled, attribute] : {std::pair("full", "psiFullAvg"), {"some", "psiSomeAvg"}}) {
+        const auto line = afterPrefix(text, stalled).value_or("");
+        for (const std::string seconds : {"10", "60", "300"}) {
+            const std::string label = " avg" + seconds + "=";
+            const std::size_t place = std::min(line.find(label), line.size());
+            const auto share = toNumber<double>(line.substr(std::min(place + label.size(), line.size())));
+            if (share && std::isfinite(*share)) {
+                record.attributes.add<double>(attribute + seconds, *share);
+            }
         }
     }
     return true;

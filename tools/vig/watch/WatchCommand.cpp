@@ -163,8 +163,6 @@ int watch(const WatchOptions& options, const Console& console, const Interruptio
     return Watch(options, interruption, ruleRun, recording ? &record : nullptr).run();
 }
 
-namespace {
-
 constexpr const char* kHelp =
     R"(Events: ProcessMemoryHeartBeat and ProcessCpuHeartBeat of each process, SystemMemoryHeartBeat, and
 ZramHeartBeat of each zram device. Saving RULES meanwhile delivers it again; Ctrl-C ends with the summary.
@@ -172,8 +170,6 @@ ZramHeartBeat of each zram device. Saving RULES meanwhile delivers it again; Ctr
 Example: watch for ten seconds, then play the recording to rules that were changed:
   vig watch rules.json --duration 10s --record trace.jsonl
   vig run changed.json trace.jsonl)";
-
-}  // namespace
 
 void addWatch(CommandLine& commandLine, WatchOptions& options) {
     Verb verb = commandLine.addVerb("watch", "Offers live events of this machine to the machines of a rule document.",
