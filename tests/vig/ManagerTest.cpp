@@ -67,7 +67,7 @@ class ManagerTest : public testing::Test {
 TEST_F(ManagerTest, ParsesWithTheNamesOfTheLibraryAndNoOthers) {
     const auto parse = [&](std::string_view event, const std::string& action) {
         return manager->parseResponse(support::documentOf(
-            {support::transition("start", "end", event, "[]", R"([{"name":")" + action + R"("}])")}));
+            {support::transition("start", "end", std::string(event), "[]", R"([{"name":")" + action + R"("}])")}));
     };
     for (const auto& [type, name] : Brenta::OS::VIG::kEventTypeNames.pairs) {
         const auto configs = parse(name, "Test");
