@@ -1,5 +1,5 @@
 #include <android/log.h>
-#include <host/LogSink.h>
+#include <host/Host.h>
 
 #include <algorithm>
 #include <cstdio>

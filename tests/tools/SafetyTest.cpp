@@ -1,6 +1,5 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <chrono>
@@ -166,31 +165,6 @@ TEST_F(EveryVerb, SaysThatTheDiskIsFullAndNothingOfAReaderThatHasGone) {
         EXPECT_NE(verb({STDIN_FILENO, abandoned.get(), quiet.descriptor}), 2);
         EXPECT_EQ(quiet.content(), "");
     }
-}
-
-TEST(Links, OutOfAFolderThatOthersCanWriteAreNotFollowed) {
-    const support::TemporaryFolder folder;
-    fs::create_directory(folder.path("open"));
-    chmod(folder.path("open").c_str(), 01777);
-    const std::string secret = folder.write("secret.json", support::document({}));
-    fs::create_symlink("../secret.json", folder.path("open/rules.json"));
-    fs::create_symlink(folder.path(), folder.path("open/out"));
-    const std::string problem = ": a symbolic link leads to it out of a folder that others can write\n";
-    WatchOptions options;
-    options.duration = std::chrono::milliseconds(0);
-    options.procFolder = options.sysFolder = folder.path("none");
-
-    options.rules = folder.path("open/rules.json");
-    EXPECT_EQ(support::runVerb(watch, options).err, "vig: error: " + options.rules + problem);
-    options.rules = secret;
-    options.contextFile = folder.path("open/rules.json");
-    EXPECT_EQ(support::runVerb(watch, options).err, "vig: error: " + options.contextFile + problem);
-    options.contextFile.clear();
-    options.recordFile = folder.path("open/out/record.jsonl");
-    EXPECT_EQ(support::runVerb(watch, options).err, "vig: error: " + options.recordFile + problem);
-    EXPECT_FALSE(fs::exists(folder.path("record.jsonl")));
-    options.recordFile.clear();
-    EXPECT_EQ(support::runVerb(watch, options).status, 0);
 }
 
 }  // namespace

@@ -44,8 +44,8 @@ class FakeDeviceConfig {
 
     com::korvel::deviceconfig::Properties properties() const {
         const std::lock_guard lock(mutex);
-        return {"korvel_vig", response ? std::map<std::string, std::string>{{"vig_response", *response}}
-                                       : std::map<std::string, std::string>{}};
+        using Values = std::map<std::string, std::string>;
+        return com::korvel::deviceconfig::Properties(response ? Values{{"vig_response", *response}} : Values());
     }
 
     // Calls a listener, registered or not, on this thread: the library does not promise to stop at once.

@@ -37,7 +37,7 @@ TEST(TriggerRequest, LooksUpAfterTheProcessNameAndCallsOnlyWhatWasFoundWithoutAn
     const auto synthesize = [](const auto&) { return TriggerMetadata{android::String16("entry")}; };
     for (const auto& [processName, status, isFound, lookups, messages] : cases) {
         const auto service = android::sp<Service>::make();
-        android::lookup = {status, isFound ? service.get() : nullptr};
+        android::lookup = {status, isFound ? service : nullptr};
         const support::LogCapture log;
         requestTrigger("prefix:", synthesize, support::TestEvent({.string = {{"processName", processName}}}));
         EXPECT_EQ(log.lines(), support::errorLines(messages));
