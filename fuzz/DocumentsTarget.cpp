@@ -1,4 +1,4 @@
-#include <host/LogSink.h>
+#include <host/Host.h>
 
 #include <algorithm>
 #include <cstdint>

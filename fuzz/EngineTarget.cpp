@@ -1,6 +1,6 @@
 #include <android/log.h>
 #include <fuzzer/FuzzedDataProvider.h>
-#include <host/LogSink.h>
+#include <host/Host.h>
 
 #include <algorithm>
 #include <cmath>

@@ -1,201 +1,259 @@
+#include <android/log.h>
 #include <deviceconfig/DeviceConfig.h>
+#include <fcntl.h>
+#include <host/Host.h>
+#include <poll.h>
 #include <pthread.h>
+#include <sys/eventfd.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <array>
+#include <atomic>
 #include <cassert>
-#include <iterator>
-#include <memory>
+#include <cerrno>
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
 #include <mutex>
 #include <optional>
-#include <utility>
+#include <system_error>
 #include <vector>
 
-#include "PathWatcher.h"
-#include "PropertyFiles.h"
+// A change is found by reading: a client's thread reads the files of its listeners again and again, and tells of what
+// is another text than before. However a file is saved, linked, moved, removed or made, and whatever folder on its way
+// is exchanged, the next look sees it, and the system follows the links. A file in the midst of being written differs
+// from one look to the next, and is told of once it does not.
+
+namespace {
+
+namespace fs = std::filesystem;
+
+using com::korvel::deviceconfig::OnPropertiesChangeListener;
+
+using Clock = std::chrono::steady_clock;
+using Files = std::map<std::string, fs::path>;      // by namespace, slash and property
+using Values = std::map<std::string, std::string>;  // by property
+using Listener = std::shared_ptr<OnPropertiesChangeListener>;
+
+constexpr Clock::duration kShortestPause = std::chrono::milliseconds(50);
+constexpr std::size_t kTooManyBytes = std::size_t{1} << 30;
+
+std::mutex boundMutex;
+Files boundFiles;  // guarded by boundMutex
+
+Files copyOfBoundFiles() {
+    const std::lock_guard lock(boundMutex);
+    return boundFiles;
+}
+
+bool isFolder(const fs::path& path) {
+    std::error_code ignored;
+    return fs::is_directory(path, ignored);
+}
+
+std::optional<std::string> contentOf(const fs::path& path) {
+    // The opening of a pipe would wait for somebody who writes to it.
+    const int file = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    if (file < 0) {
+        return std::nullopt;
+    }
+    struct stat status = {};
+    ssize_t got = fstat(file, &status) == 0 && S_ISREG(status.st_mode) ? 1 : -1;
+    std::string content;
+    std::array<char, 65536> buffer;
+    while (got > 0 && content.size() < kTooManyBytes) {
+        got = read(file, buffer.data(), buffer.size());
+        content.append(buffer.data(), static_cast<std::size_t>(std::max<ssize_t>(got, 0)));
+    }
+    close(file);
+    return got == 0 ? std::optional(std::move(content)) : std::nullopt;
+}
+
+bool isEditorsOwn(const std::string& fileName) {
+    return fileName.starts_with('.') || fileName.ends_with('~');
+}
+
+}  // namespace
+
+void host::bindProperty(const std::string& ns, const std::string& property, const std::string& file) {
+    std::error_code ignored;
+    const std::lock_guard lock(boundMutex);
+    boundFiles[ns + "/" + property] = fs::absolute(file, ignored);
+}
 
 namespace com::korvel::deviceconfig {
 
-using Listener = std::shared_ptr<OnPropertiesChangeListener>;
-
-// What a client and its thread share.
-class DeviceConfig::Impl : public std::enable_shared_from_this<Impl> {
+class DeviceConfig::Impl {
   public:
-    const host::PropertyFiles files = host::PropertyFiles::snapshot();
+    Impl();
+    Impl(const Impl&) = delete;
+    Impl& operator=(const Impl&) = delete;
+    ~Impl();
 
+    bool isAvailable() const;
+    Values read(const std::string& ns) const;
     void add(const std::string& ns, const Listener& listener);
     void remove(const Listener& listener);
 
-    // Ends the thread, and waits for that where it can.
-    void stop();
-
   private:
     struct Registration {
-        std::string ns;
-        Listener listener;
-
-        bool operator==(const Registration&) const = default;
+        const std::string ns;
+        const Listener listener;
+        // Used by the thread alone once they are set.
+        Values told;
+        Values seen;  // at the latest look
     };
 
     void startThread();
-    void run();
-    void rewatch();
-    void notify(const std::string& ns, host::PathWatcher::Change change);
-    std::vector<Registration> currentRegistrations();
-    bool isCurrent(const Registration& registration);
+    Clock::duration look();
+    std::vector<std::shared_ptr<Registration>> currentRegistrations();
+    bool isCurrent(const std::shared_ptr<Registration>& registration);
 
+    const Files bound = copyOfBoundFiles();
+    fs::path folder;  // of the properties that are not bound; empty if there is none
     std::mutex mutex;
-    std::vector<Registration> registrations;   // guarded by mutex
-    std::optional<host::PathWatcher> watcher;  // guarded by mutex but for wait(); absent until the first listener
-    std::optional<pthread_t> thread;           // guarded by mutex until stop(); absent if there is none
-    bool stopped = false;                      // guarded by mutex
+    std::vector<std::shared_ptr<Registration>> registrations;  // guarded by mutex
+    std::atomic<bool> stopped = false;
+    const int pauseEnder = eventfd(0, EFD_CLOEXEC);
+    std::optional<pthread_t> thread;  // guarded by mutex
 };
+
+DeviceConfig::Impl::Impl() {
+    if (const char* named = std::getenv("VIG_DEVICE_CONFIG")) {
+        std::error_code ignored;
+        folder = fs::absolute(named, ignored);
+    }
+}
+
+DeviceConfig::Impl::~Impl() {
+    if (thread) {
+        stopped = true;
+        eventfd_write(pauseEnder, 1);
+        pthread_join(*thread, nullptr);
+    }
+    close(pauseEnder);
+}
+
+bool DeviceConfig::Impl::isAvailable() const {
+    return isFolder(folder) ||
+           std::ranges::any_of(bound, [](const auto& each) { return isFolder(each.second.parent_path()); });
+}
+
+Values DeviceConfig::Impl::read(const std::string& ns) const {
+    Values values;
+    const auto add = [&](const std::string& name, const fs::path& file) {
+        if (auto content = contentOf(file)) {
+            values.emplace(name, *std::move(content));
+        }
+    };
+    const std::string prefix = ns + "/";
+    for (const auto& [key, file] : bound) {
+        if (key.starts_with(prefix)) {
+            add(key.substr(prefix.size()), file);
+        }
+    }
+    std::error_code error;
+    for (fs::directory_iterator entry(folder.empty() ? folder : folder / ns, error), end; !error && entry != end;
+         entry.increment(error)) {
+        const std::string name = entry->path().filename();
+        if (!isEditorsOwn(name) && !bound.contains(prefix + name)) {
+            add(name, entry->path());
+        }
+    }
+    return values;
+}
 
 void DeviceConfig::Impl::add(const std::string& ns, const Listener& listener) {
     assert(listener != nullptr);
+    const Values values = read(ns);
     const std::lock_guard lock(mutex);
-    registrations.push_back({ns, listener});
+    registrations.push_back(std::make_shared<Registration>(Registration{ns, listener, values, values}));
     if (!thread) {
-        watcher.emplace();
-        if (watcher->works()) {
-            startThread();
-        }
+        startThread();
     }
-    rewatch();
 }
 
 void DeviceConfig::Impl::remove(const Listener& listener) {
-    // Released without the lock, because a listener's destructor may use the client.
-    std::vector<Registration> removed;
     const std::lock_guard lock(mutex);
-    const auto kept = std::stable_partition(registrations.begin(), registrations.end(),
-                                            [&](const Registration& each) { return each.listener != listener; });
-    removed.assign(std::make_move_iterator(kept), std::make_move_iterator(registrations.end()));
-    registrations.erase(kept, registrations.end());
+    std::erase_if(registrations, [&](const auto& each) { return each->listener == listener; });
 }
 
-void DeviceConfig::Impl::stop() {
-    std::vector<Registration> removed;
-    {
-        const std::lock_guard lock(mutex);
-        stopped = true;
-        removed.swap(registrations);
-        if (watcher) {
-            watcher->wake();
-        }
-    }
-    if (!thread) {
-        return;
-    }
-    if (pthread_equal(*thread, pthread_self()) != 0) {
-        pthread_detach(*thread);
-    } else {
-        pthread_join(*thread, nullptr);
-    }
-}
-
-// Not by std::thread, which would end the process where it cannot throw.
+// Not by std::thread, which would end the process where it cannot throw. Called with the mutex held.
 void DeviceConfig::Impl::startThread() {
-    auto self = std::make_unique<std::shared_ptr<Impl>>(shared_from_this());
     const auto body = [](void* argument) -> void* {
-        const std::unique_ptr<std::shared_ptr<Impl>> owned(static_cast<std::shared_ptr<Impl>*>(argument));
-        (*owned)->run();
-        return nullptr;
+        Impl& self = *static_cast<Impl*>(argument);
+        Clock::duration pause = kShortestPause;
+        while (true) {
+            pollfd ended = {self.pauseEnder, POLLIN, 0};
+            if (poll(&ended, 1, static_cast<int>(pause / std::chrono::milliseconds(1))) > 0) {
+                eventfd_t ignored = 0;
+                eventfd_read(self.pauseEnder, &ignored);
+            }
+            // Also a fork of the process ends the pause, when it destroys its copy of the client.
+            if (self.stopped) {
+                return nullptr;
+            }
+            pause = self.look();
+        }
     };
     pthread_t started{};
-    if (const int error = pthread_create(&started, nullptr, body, self.get()); error == 0) {
-        static_cast<void>(self.release());
+    errno = pauseEnder < 0 ? EMFILE : pthread_create(&started, nullptr, body, this);
+    if (errno == 0) {
         thread = started;
     } else {
-        watcher->complain(error);
+        __android_log_print(ANDROID_LOG_ERROR, "DeviceConfig", "Changes of files go unnoticed: %m.");
     }
 }
 
-void DeviceConfig::Impl::run() {
-    while (true) {
-        const auto events = watcher->wait();
-        std::map<std::string, host::PathWatcher::Change> changes;
-        {
-            const std::lock_guard lock(mutex);
-            if (stopped) {
-                return;
-            }
-            changes = watcher->changesIn(events);
-            if (!changes.empty()) {
-                rewatch();
-            }
-        }
-        for (const auto& [ns, change] : changes) {
-            notify(ns, change);
-        }
-    }
-}
-
-// The ways to the files may be others now. Called with the mutex held.
-void DeviceConfig::Impl::rewatch() {
-    std::vector<host::PathWatcher::Watch> watches;
-    for (const Registration& registration : registrations) {
-        for (auto& path : files.paths(registration.ns)) {
-            watches.push_back({std::move(path), registration.ns});
-        }
-    }
-    watcher->replace(watches);
-}
-
-void DeviceConfig::Impl::notify(const std::string& ns, host::PathWatcher::Change change) {
-    const auto values = files.read(ns, files.names(ns));
-    if (values.empty() && change == host::PathWatcher::Change::FolderAppeared) {
-        return;
-    }
-    for (const Registration& registration : currentRegistrations()) {
+// Returns how long to pause so that looks at large files take no more than a tenth of the time.
+Clock::duration DeviceConfig::Impl::look() {
+    Clock::duration pause = kShortestPause;
+    for (const auto& each : currentRegistrations()) {
+        const auto begin = Clock::now();
+        Values values = read(each->ns);
+        pause = std::max(pause, 9 * (Clock::now() - begin));
+        const bool isComplete = values == each->seen;
+        each->seen = std::move(values);
         // Asked anew for each, as any listener before may have removed it.
-        if (registration.ns == ns && isCurrent(registration)) {
-            registration.listener->onPropertiesChanged(Properties(ns, values));
+        if (isComplete && each->seen != each->told && isCurrent(each)) {
+            each->told = each->seen;
+            each->listener->onPropertiesChanged(Properties(each->told));
         }
     }
+    return pause;
 }
 
-std::vector<DeviceConfig::Impl::Registration> DeviceConfig::Impl::currentRegistrations() {
+std::vector<std::shared_ptr<DeviceConfig::Impl::Registration>> DeviceConfig::Impl::currentRegistrations() {
     const std::lock_guard lock(mutex);
     return registrations;
 }
 
-bool DeviceConfig::Impl::isCurrent(const Registration& registration) {
+bool DeviceConfig::Impl::isCurrent(const std::shared_ptr<Registration>& registration) {
     const std::lock_guard lock(mutex);
-    return std::find(registrations.begin(), registrations.end(), registration) != registrations.end();
+    return std::ranges::find(registrations, registration) != registrations.end();
 }
 
-Properties::Properties(std::string namespaceName, std::map<std::string, std::string> valuesByName)
-    : ns(std::move(namespaceName)), values(std::move(valuesByName)) {}
+DeviceConfig::DeviceConfig() : impl(std::make_unique<Impl>()) {}
 
-const std::string& Properties::getNamespace() const {
-    return ns;
-}
-
-std::string Properties::getString(const std::string& name, const std::string& fallback) const {
-    const auto value = values.find(name);
-    return value != values.end() ? value->second : fallback;
-}
-
-DeviceConfig::DeviceConfig() : impl(std::make_shared<Impl>()) {}
-
-DeviceConfig::~DeviceConfig() {
-    impl->stop();
-}
+DeviceConfig::~DeviceConfig() = default;
 
 bool DeviceConfig::isDeviceConfigAvailable() {
-    return impl->files.available();
+    return impl->isAvailable();
 }
 
 Properties DeviceConfig::getProperties(const std::string& ns, std::initializer_list<std::string> names) {
-    return Properties(ns, impl->files.read(ns, names));
+    Values values = impl->read(ns);
+    std::erase_if(values, [&](const auto& each) { return std::ranges::find(names, each.first) == names.end(); });
+    return Properties(std::move(values));
 }
 
-void DeviceConfig::addOnPropertiesChangeListener(const std::string& ns,
-                                                 const std::shared_ptr<OnPropertiesChangeListener>& listener) {
+void DeviceConfig::addOnPropertiesChangeListener(const std::string& ns, const Listener& listener) {
     impl->add(ns, listener);
 }
 
-void DeviceConfig::removeOnPropertiesChangeListener(const std::shared_ptr<OnPropertiesChangeListener>& listener) {
+void DeviceConfig::removeOnPropertiesChangeListener(const Listener& listener) {
     impl->remove(listener);
 }
 

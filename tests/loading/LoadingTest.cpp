@@ -1,5 +1,5 @@
 #include <gtest/gtest.h>
-#include <host/DeviceConfigFiles.h>
+#include <host/Host.h>
 
 #include <cstdlib>
 #include <memory>

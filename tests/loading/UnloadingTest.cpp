@@ -1,6 +1,6 @@
 #include <dlfcn.h>
 #include <gtest/gtest.h>
-#include <host/DeviceConfigFiles.h>
+#include <host/Host.h>
 
 #include <filesystem>
 #include <iterator>

@@ -1,20 +1,22 @@
 #include <deviceconfig/DeviceConfig.h>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <host/DeviceConfigFiles.h>
+#include <host/Host.h>
+#include <poll.h>
+#include <sys/eventfd.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
-#include <chrono>
-#include <condition_variable>
+#include <cstdint>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <functional>
-#include <future>
 #include <memory>
-#include <mutex>
 #include <string>
-#include <utility>
 #include <vector>
 
+#include "tests/support/ImpossibleThreads.h"
+#include "tests/support/LogCapture.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace {
@@ -24,80 +26,94 @@ namespace fs = std::filesystem;
 using com::korvel::deviceconfig::DeviceConfig;
 using com::korvel::deviceconfig::OnPropertiesChangeListener;
 using com::korvel::deviceconfig::Properties;
+using testing::ElementsAre;
+using testing::IsEmpty;
 
-const std::string kProperty = "rules";
-const std::string kAbsent = "(absent)";
+const int pauseBegun = eventfd(0, EFD_CLOEXEC | EFD_SEMAPHORE);
+const int pauseEnded = eventfd(0, EFD_CLOEXEC | EFD_SEMAPHORE);
 
-// Each test binds in a namespace of its own, because bindings last as long as the process.
-std::string testNamespace() {
-    return testing::UnitTest::GetInstance()->current_test_info()->name();
+void signal(int event) {
+    const std::uint64_t once = 1;
+    ASSERT_EQ(write(event, &once, sizeof once), 8);
 }
 
-void write(const fs::path& file, const std::string& content) {
-    std::ofstream(file, std::ios::binary) << content;
+void await(int event) {
+    std::uint64_t times = 0;
+    ASSERT_EQ(read(event, &times, sizeof times), 8);
 }
 
-void writeByRename(const fs::path& file, const std::string& content) {
-    const fs::path written = file.parent_path() / ".new";
-    write(written, content);
-    fs::rename(written, file);
+}  // namespace
+
+// Stands before the C library's, so that a client's thread looks at its files when the test says so.
+extern "C" __attribute__((visibility("default"))) int poll(pollfd* stopped, nfds_t /*count*/, int /*atMost*/) {
+    signal(pauseBegun);
+    pollfd sources[] = {*stopped, {pauseEnded, POLLIN, 0}};
+    ppoll(sources, 2, nullptr, nullptr);
+    if (sources[0].revents != 0) {
+        return 1;
+    }
+    await(pauseEnded);
+    return 0;
 }
+
+namespace {
 
 // Keeps the values that it is told.
-class Recorder final : public OnPropertiesChangeListener {
-  public:
+struct Recorder final : OnPropertiesChangeListener {
     void onPropertiesChanged(Properties properties) override {
-        {
-            const std::lock_guard lock(mutex);
-            seen.push_back(properties.getString(kProperty, kAbsent));
-        }
-        changed.notify_all();
-        if (hook) {
-            hook();
-        }
+        values.push_back(properties.getString("rules", "(absent)"));
+        hook();
     }
 
-    // Whether the value is the latest one, now or soon.
-    bool sees(const std::string& value) {
-        std::unique_lock lock(mutex);
-        return changed.wait_for(lock, std::chrono::seconds(30), [&] { return !seen.empty() && seen.back() == value; });
-    }
-
-    std::vector<std::string> values() {
-        const std::lock_guard lock(mutex);
-        return seen;
-    }
-
-    std::function<void()> hook;  // called after each notification; set before the registration
-
-  private:
-    std::mutex mutex;
-    std::condition_variable changed;
-    std::vector<std::string> seen;  // guarded by mutex
+    std::vector<std::string> values;
+    std::function<void()> hook = [] {};
 };
 
-std::string valueNow(DeviceConfig& client, const std::string& ns) {
-    return client.getProperties(ns, {kProperty}).getString(kProperty, kAbsent);
-}
+// A client with a listener for the property of the namespace, whose file need not be bound.
+struct Watch {
+    explicit Watch(const std::string& ns) {
+        client.addOnPropertiesChangeListener(ns, recorder);
+        await(pauseBegun);
+    }
+
+    void look() {
+        signal(pauseEnded);
+        await(pauseBegun);
+    }
+
+    // What is told after one further look, and after the next one, in which nothing has changed.
+    std::vector<std::string> told() {
+        look();
+        EXPECT_THAT(recorder->values, IsEmpty()) << "it could still be being written";
+        look();
+        look();
+        return std::exchange(recorder->values, {});
+    }
+
+    const std::shared_ptr<Recorder> recorder = std::make_shared<Recorder>();
+    DeviceConfig client;
+};
 
 TEST(DeviceConfig, PropertyIsTheFileByteForByte) {
     const support::TemporaryFolder folder;
     std::string content(200'000, 'x');
-    content[7] = '\0';
-    content += "\r\n\xFF\n";
-    write(folder.path("rules.json"), content);
-    host::bindProperty(testNamespace(), kProperty, folder.path("rules.json"));
+    content.replace(7, 5, std::string("\0\r\n\xFF\n", 5));
     fs::create_directory(folder.path("folder"));
-    host::bindProperty(testNamespace(), "folder", folder.path("folder"));
+    ASSERT_EQ(mkfifo(folder.path("pipe").c_str(), 0600), 0);
+    host::bindProperty("bytes", "rules", folder.write("rules", content));
+    host::bindProperty("bytes", "folder", folder.path("folder"));
+    host::bindProperty("bytes", "pipe", folder.path("pipe"));
     DeviceConfig client;
-    const Properties properties = client.getProperties(testNamespace(), {kProperty, "folder", "unbound"});
-    EXPECT_EQ(properties.getString(kProperty, kAbsent), content);
-    EXPECT_EQ(properties.getString("folder", kAbsent), kAbsent);
-    EXPECT_EQ(properties.getString("unbound", kAbsent), kAbsent);
-    EXPECT_EQ(valueNow(client, "another namespace"), kAbsent);
+    const Properties properties = client.getProperties("bytes", {"rules", "folder", "pipe", "unbound"});
+    EXPECT_EQ(properties.getString("rules", "(absent)"), content);
+    for (const char* absent : {"folder", "pipe", "unbound"}) {
+        EXPECT_EQ(properties.getString(absent, "(absent)"), "(absent)");
+    }
+    EXPECT_EQ(client.getProperties("bytes", {"folder"}).getString("rules", "(absent)"), "(absent)");
+    EXPECT_EQ(client.getProperties("byte", {"rules"}).getString("rules", "(absent)"), "(absent)");
 }
 
-TEST(DeviceConfig, EveryWayOfChangingTheFileIsNoticed) {
+TEST(DeviceConfig, EveryWayOfChangingTheFileIsTold) {
     const struct {
         std::string before;
         std::string change;
@@ -105,16 +121,15 @@ TEST(DeviceConfig, EveryWayOfChangingTheFileIsNoticed) {
     } cases[] = {
         {"printf old >a/b/rules", "printf new >a/b/rules", "new"},
         {"printf old >a/b/rules", "printf new >x; mv x a/b/rules", "new"},
-        {"", "printf new >a/b/rules", "new"},
         {"", ": >a/b/rules", ""},
         {"printf new >x", "ln x a/b/rules", "new"},
         {"printf new >x", "ln -s ../../x a/b/rules", "new"},
-        {"printf old >a/b/rules", "rm a/b/rules", kAbsent},
-        {"printf old >a/b/rules", "mv a/b/rules x", kAbsent},
+        {"printf old >a/b/rules", "rm a/b/rules", "(absent)"},
+        {"printf old >a/b/rules", "rm a/b/rules; mkfifo a/b/rules", "(absent)"},
         {"rm -r a", "mkdir -p a/b; printf new >a/b/rules", "new"},
         {"printf old >a/b/rules", "rm -r a; mkdir -p a/b; printf new >a/b/rules", "new"},
         {"printf old >a/b/rules; mkdir -p x/b; printf new >x/b/rules", "mv a previous; mv x a", "new"},
-        {"printf old >a/b/rules", "mv a x", kAbsent},
+        {"printf old >a/b/rules", "mv a x", "(absent)"},
         {"mkdir -p real/x; printf old >real/x/file; ln -s $PWD/real link; ln -s ../.././link/x//file a/b/rules",
          "printf new >real/x/file", "new"},
         {"mkdir 1 2; printf old >1/file; printf new >2/file; ln -s 1 current; ln -s ../../current/file a/b/rules",
@@ -127,89 +142,69 @@ TEST(DeviceConfig, EveryWayOfChangingTheFileIsNoticed) {
             EXPECT_EQ(std::system(("cd '" + folder.path().string() + "' && { " + script + "\n}").c_str()), 0);
         };
         run("mkdir -p a/b; " + each.before);
-        host::bindProperty(testNamespace(), kProperty, folder.path("a/b/rules"));
-        const auto recorder = std::make_shared<Recorder>();
-        DeviceConfig client;
-        client.addOnPropertiesChangeListener(testNamespace(), recorder);
+        host::bindProperty("ways", "rules", folder.path("a/b/rules"));
+        Watch watch("ways");
         run(each.change);
-        EXPECT_TRUE(recorder->sees(each.after));
-        // Whatever the first change was, the way is still watched afterwards.
-        run("mkdir -p a/b; printf last >next; mv -T next a/b/rules");
-        EXPECT_TRUE(recorder->sees("last"));
+        EXPECT_THAT(watch.told(), ElementsAre(each.after));
+        run("mkdir -p a/b; printf last >next; mv -T next a/b/rules; touch other");
+        EXPECT_THAT(watch.told(), ElementsAre("last"));
     }
 }
 
-TEST(DeviceConfig, OnlyTheFileItselfIsReportedAndOnlyWhenComplete) {
+TEST(DeviceConfig, FileThatIsBeingWrittenIsToldOnceItIsComplete) {
     const support::TemporaryFolder folder;
-    host::bindProperty(testNamespace(), kProperty, folder.path("later/rules.json"));
-    host::bindProperty("barrier", kProperty, folder.path("barrier"));
-    const auto recorder = std::make_shared<Recorder>();
-    DeviceConfig client;
-    client.addOnPropertiesChangeListener(testNamespace(), recorder);
-    // Events are in order, so that earlier ones are dealt with once that of another file is.
-    const auto barrier = std::make_shared<Recorder>();
-    client.addOnPropertiesChangeListener("barrier", barrier);
-    write(folder.path("other"), "text");
-    fs::create_directory(folder.path("later"));
-    write(folder.path("barrier"), "1");
-    EXPECT_TRUE(barrier->sees("1"));
-    {
-        std::ofstream file(folder.path("later/rules.json"));
-        file << "first half" << std::flush;
-        write(folder.path("barrier"), "2");
-        EXPECT_TRUE(barrier->sees("2"));
-        file << ", second half";
+    host::bindProperty("pieces", "rules", folder.path("rules"));
+    Watch watch("pieces");
+    for (const char* text : {"", "first half", "first half, second half"}) {
+        EXPECT_THAT(watch.recorder->values, IsEmpty());
+        folder.write("rules", text);
+        watch.look();
     }
-    EXPECT_TRUE(recorder->sees("first half, second half"));
-    EXPECT_EQ(recorder->values().size(), 1U);
+    watch.look();
+    EXPECT_THAT(watch.recorder->values, ElementsAre("first half, second half"));
 }
 
 TEST(DeviceConfig, UnboundPropertiesAreTheFilesOfTheEnvironmentsFolder) {
     const support::TemporaryFolder folder;
-    const fs::path rules = folder.path("unbound") / kProperty;
-    fs::create_directory(rules.parent_path());
-    fs::create_directory(folder.path("sooner"));
-    setenv("VIG_DEVICE_CONFIG", folder.path().c_str(), 1);
-    DeviceConfig client;
+    setenv("VIG_DEVICE_CONFIG", folder.path("later").c_str(), 1);
+    Watch watch("unbound");
     unsetenv("VIG_DEVICE_CONFIG");
-    const auto recorder = std::make_shared<Recorder>();
-    const auto barrier = std::make_shared<Recorder>();
-    client.addOnPropertiesChangeListener("unbound", recorder);
-    client.addOnPropertiesChangeListener("sooner", barrier);
-    write(rules.parent_path() / ".rules.swp", "an editor's own");
-    write(folder.path("sooner") / kProperty, "1");
-    EXPECT_TRUE(barrier->sees("1"));
-    writeByRename(rules, "text");
-    EXPECT_TRUE(recorder->sees("text"));
-    EXPECT_EQ(recorder->values().size(), 1U);
-    EXPECT_TRUE(client.isDeviceConfigAvailable());
-    EXPECT_EQ(valueNow(client, "unbound"), "text");
+    EXPECT_EQ(watch.client.isDeviceConfigAvailable(), fs::exists(folder.path("later")));
+    fs::create_directories(folder.path("later/unbound"));
+    EXPECT_TRUE(watch.client.isDeviceConfigAvailable());
+    folder.write("later/unbound/rules", "text");
+    EXPECT_THAT(watch.told(), ElementsAre("text"));
+    folder.write("later/unbound/.rules.swp", "an editor's own");
+    folder.write("later/unbound/rules~", "an editor's own");
+    EXPECT_THAT(watch.told(), IsEmpty());
+    EXPECT_EQ(watch.client.getProperties("unbound", {"rules"}).getString("rules", "(absent)"), "text");
 }
 
-TEST(DeviceConfig, LastStateIsReportedThoughTheQueueOfEventsOverflowed) {
+TEST(DeviceConfig, ListenerMayRemoveItselfAndOthersWithinANotification) {
     const support::TemporaryFolder folder;
-    const fs::path file = folder.path("rules.json");
-    host::bindProperty(testNamespace(), kProperty, file);
-    std::promise<void> entered;
-    std::promise<void> flooded;
-    const auto recorder = std::make_shared<Recorder>();
-    recorder->hook = [&, first = true]() mutable {
-        if (std::exchange(first, false)) {
-            entered.set_value();
-            flooded.get_future().wait();
-        }
+    host::bindProperty("removal", "rules", folder.path("rules"));
+    Watch watch("removal");
+    const auto second = std::make_shared<Recorder>();
+    watch.client.addOnPropertiesChangeListener("removal", second);
+    watch.recorder->hook = [&] {
+        watch.client.removeOnPropertiesChangeListener(watch.recorder);
+        watch.client.removeOnPropertiesChangeListener(second);
+        watch.client.removeOnPropertiesChangeListener(second);
     };
+    folder.write("rules", "1");
+    EXPECT_THAT(watch.told(), ElementsAre("1"));
+    EXPECT_EQ(watch.recorder.use_count() + second.use_count(), 2) << "the client keeps what has been removed";
+    folder.write("rules", "2");
+    EXPECT_THAT(watch.told(), IsEmpty());
+    EXPECT_THAT(second->values, IsEmpty());
+}
+
+TEST(DeviceConfig, ThreadThatTheSystemRefusesIsSaidAndNoMore) {
+    const support::ImpossibleThreads impossible;
+    const support::LogCapture log;
     DeviceConfig client;
-    client.addOnPropertiesChangeListener(testNamespace(), recorder);
-    write(file, "first");
-    entered.get_future().wait();
-    for (int i = 0; i < 9'000; ++i) {
-        fs::create_symlink("nowhere", folder.path("other"));
-        fs::remove(folder.path("other"));
-    }
-    write(file, "last");
-    flooded.set_value();
-    EXPECT_TRUE(recorder->sees("last"));
+    client.addOnPropertiesChangeListener("refused", std::make_shared<Recorder>());
+    EXPECT_THAT(log.messages(), ElementsAre(testing::StartsWith("Changes of files go unnoticed: ")));
 }
 
 }  // namespace

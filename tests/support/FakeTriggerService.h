@@ -1,8 +1,7 @@
 #pragma once
 
 #include <binder/IServiceManager.h>
-#include <host/Services.h>
-#include <host/Utf8.h>
+#include <host/Host.h>
 #include <vendor/orlan/velora/BnTrigger.h>
 
 #include <algorithm>

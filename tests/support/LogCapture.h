@@ -1,7 +1,7 @@
 #pragma once
 
 #include <android/log.h>
-#include <host/LogSink.h>
+#include <host/Host.h>
 
 #include <algorithm>
 #include <chrono>

@@ -1,6 +1,5 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <filesystem>
@@ -119,30 +118,6 @@ TEST_F(EveryVerb, SaysThatTheDiskIsFullAndNothingOfAReaderThatHasGone) {
         EXPECT_NE(runWith(command, abandoned.get(), quiet.descriptor), 2);
         EXPECT_EQ(quiet.content(), "");
     }
-}
-
-TEST(Links, OutOfAFolderThatOthersCanWriteAreNotFollowed) {
-    const support::TemporaryFolder folder;
-    fs::create_directory(folder.path("open"));
-    chmod(folder.path("open").c_str(), 01777);
-    const std::string secret = folder.write("secret.json", support::document({}));
-    fs::create_symlink("../secret.json", folder.path("open/rules.json"));
-    fs::create_symlink(folder.path(), folder.path("open/out"));
-    const std::string problem = ": a symbolic link leads to it out of a folder that others can write\n";
-    const std::string link = folder.path("open/rules.json");
-    const std::string record = folder.path("open/out/record.jsonl");
-    const auto expectError = [&](const std::vector<std::string>& options, const std::string& error) {
-        const MemoryFile err;
-        std::vector<std::string> command = {"watch", "--duration", "0"};
-        command.insert(command.end(), options.begin(), options.end());
-        support::runTool(command, {STDIN_FILENO, MemoryFile().descriptor, err.descriptor}, Interruption(),
-                         folder.path("none"));
-        EXPECT_EQ(err.content().substr(0, err.content().find('\n') + 1), error);
-    };
-    expectError({link}, "vig: error: " + link + problem);
-    expectError({secret, "--context", link}, "vig: error: " + link + problem);
-    expectError({secret, "--record", record}, "vig: error: " + record + problem);
-    EXPECT_FALSE(fs::exists(folder.path("record.jsonl")));
 }
 
 }  // namespace

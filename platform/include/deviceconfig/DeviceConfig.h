@@ -4,21 +4,22 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <utility>
 
 namespace com::korvel::deviceconfig {
 
 // Properties of one namespace, by name, as they were when they were read.
 class Properties {
   public:
-    Properties(std::string namespaceName, std::map<std::string, std::string> valuesByName);
+    explicit Properties(std::map<std::string, std::string> valuesByName) : values(std::move(valuesByName)) {}
 
-    const std::string& getNamespace() const;
-
-    // The value of the property, or `fallback` if the property is absent.
-    std::string getString(const std::string& name, const std::string& fallback) const;
+    // Returns the value of the property, or `fallback` if the property is absent.
+    std::string getString(const std::string& name, const std::string& fallback) const {
+        const auto value = values.find(name);
+        return value != values.end() ? value->second : fallback;
+    }
 
   private:
-    std::string ns;
     std::map<std::string, std::string> values;
 };
 
@@ -26,28 +27,29 @@ class Properties {
 // interface.
 class OnPropertiesChangeListener : public std::enable_shared_from_this<OnPropertiesChangeListener> {
   public:
-    // Called on a thread of the client, never on two at once, and with no lock held. It may call the client and
-    // even destroy it.
+    // Called on a thread of the client, never on two at once, and with no lock held. It may call the client, but not
+    // destroy it.
     virtual void onPropertiesChanged(Properties properties) = 0;
 
+    // REQUIRES: it does not use the client.
     virtual ~OnPropertiesChangeListener() = default;
 };
 
 // A client of the device configuration: named properties in namespaces. On a host each property is the content of
-// a file; <host/DeviceConfigFiles.h> says which. May be used from any thread.
+// a file; <host/Host.h> says which. May be used from any thread.
 class DeviceConfig {
   public:
     DeviceConfig();
     DeviceConfig(const DeviceConfig&) = delete;
     DeviceConfig& operator=(const DeviceConfig&) = delete;
 
-    // Waits for a notification under way, unless it is called from within it. No listener is called afterwards.
+    // Waits for a notification under way. No listener is called afterwards.
     virtual ~DeviceConfig();
 
-    // Whether the properties can be read now.
+    // Returns whether the properties can be read now.
     bool isDeviceConfigAvailable();
 
-    // The properties of those names, read afresh; those that do not exist are absent from the result.
+    // Returns the properties of those names, read afresh; those that do not exist are absent from the result.
     Properties getProperties(const std::string& ns, std::initializer_list<std::string> names);
 
     // Calls the listener with all properties of the namespace after every later change of one of them. Changes in
@@ -62,7 +64,7 @@ class DeviceConfig {
 
   private:
     class Impl;
-    std::shared_ptr<Impl> impl;  // shared with the client's thread, which may end after the client
+    const std::unique_ptr<Impl> impl;
 };
 
 }  // namespace com::korvel::deviceconfig

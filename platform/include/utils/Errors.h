@@ -8,9 +8,7 @@ namespace android {
 // What an operation of the platform returns: 0, or a negated errno value.
 using status_t = std::int32_t;
 
-inline constexpr status_t OK = 0;
-inline constexpr status_t NO_ERROR = OK;
+inline constexpr status_t NO_ERROR = 0;
 inline constexpr status_t NAME_NOT_FOUND = -ENOENT;
-inline constexpr status_t BAD_VALUE = -EINVAL;
 
 }  // namespace android

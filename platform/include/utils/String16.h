@@ -1,7 +1,7 @@
 #pragma once
 
-#include <cstddef>
 #include <string>
+#include <string_view>
 
 namespace android {
 
@@ -14,21 +14,14 @@ class String16 {
     // gives an empty string, as on the device: who wants to keep the rest of it repairs the text first.
     explicit String16(const char* utf8);
 
-    // From NUL-terminated UTF-16, taken as it is.
-    explicit String16(const char16_t* utf16) : text(utf16) {}
-
     void append(const String16& other) { text.append(other.text); }
     void setTo(const String16& other) { text = other.text; }
 
-    // In UTF-16 code units.
-    std::size_t size() const { return text.size(); }
+    // The code units; valid until the string changes.
+    std::u16string_view view() const { return text; }
 
-    // NUL-terminated; valid until the string changes.
-    const char16_t* c_str() const { return text.c_str(); }
-
-    // By code unit.
-    bool operator==(const String16&) const = default;
-    bool operator<(const String16& other) const { return text < other.text; }
+    // Compares by code unit.
+    auto operator<=>(const String16&) const = default;
 
   private:
     std::u16string text;

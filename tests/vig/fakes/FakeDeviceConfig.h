@@ -41,8 +41,8 @@ class FakeDeviceConfig {
 
     com::korvel::deviceconfig::Properties properties() const {
         const auto value = valueOf(response);
-        return {"korvel_vig", value ? std::map<std::string, std::string>{{"vig_response", *value}}
-                                    : std::map<std::string, std::string>{}};
+        using Values = std::map<std::string, std::string>;
+        return com::korvel::deviceconfig::Properties(value ? Values{{"vig_response", *value}} : Values());
     }
 
     // Calls a listener, registered or not, on this thread: the library does not promise to stop at once.

@@ -36,7 +36,7 @@ TEST(TriggerRequest, LooksUpAfterTheProcessNameAndCallsOnlyWhatWasFoundWithoutAn
     const auto synthesize = [](const auto&) { return TriggerMetadata{android::String16("entry")}; };
     for (const auto& [processName, status, isFound, message] : cases) {
         const auto service = android::sp<Service>::make();
-        android::lookup = {status, isFound ? service.get() : nullptr};
+        android::lookup = {status, isFound ? service : nullptr};
         const support::LogCapture log;
         requestTrigger("prefix:", synthesize, support::TestEvent({.string = {{"processName", processName}}}));
         EXPECT_EQ(log.messages(), std::vector<std::string>(message.empty() ? 0 : 1, message));

@@ -1,6 +1,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <host/DeviceConfigFiles.h>
+#include <host/Host.h>
 
 #include <chrono>
 #include <filesystem>

@@ -1,5 +1,5 @@
 #include <gtest/gtest.h>
-#include <host/LogSink.h>
+#include <host/Host.h>
 #include <pthread.h>
 
 #include <ctime>

@@ -1,6 +1,6 @@
 #include "tools/vig/graph/GraphCommand.h"
 
-#include <host/LogSink.h>
+#include <host/Host.h>
 
 #include <algorithm>
 #include <string_view>

@@ -7,14 +7,12 @@
 
 namespace Brenta::OS::VIG::Tool {
 
-// Why host::openTrusted has failed, by errno value.
-std::string whyNotOpened(int error);
-
-// Why the file cannot be read as a rule document is on a device, by its folder; empty if it can.
+// Returns why the file is not read, or an empty text if it is: it is a regular file, or a pipe that the shell has
+// opened for the process.
 std::string whyUnreadable(const std::string& path);
 
-// The whole content of a regular file or an opened pipe. Empty if it cannot be read, with the reason in `problem`, or
-// if it was interrupted.
+// Returns the whole content of such a file. If it is not read, returns nothing, with the reason in `problem`; also
+// nothing if it was interrupted.
 std::optional<std::string> readFile(const std::string& path, const Interruption& interruption, std::string& problem);
 
 }  // namespace Brenta::OS::VIG::Tool

@@ -1,6 +1,6 @@
 #include "tools/vig/run/MachineGroup.h"
 
-#include <host/Utf8.h>
+#include <host/Host.h>
 
 #include <utility>
 

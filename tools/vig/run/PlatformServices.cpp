@@ -1,7 +1,7 @@
 #include "tools/vig/run/PlatformServices.h"
 
 #include <binder/IServiceManager.h>
-#include <host/Services.h>
+#include <host/Host.h>
 
 #include <algorithm>
 #include <condition_variable>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <host/LogSink.h>
+#include <host/Host.h>
 #include <utils/StrongPointer.h>
 #include <vendor/orlan/velora/BnTrigger.h>
 

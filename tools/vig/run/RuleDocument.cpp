@@ -1,6 +1,6 @@
 #include "tools/vig/run/RuleDocument.h"
 
-#include <host/DeviceConfigFiles.h>
+#include <host/Host.h>
 #include <sys/eventfd.h>
 #include <unistd.h>
 

@@ -1,7 +1,6 @@
 #include "tools/vig/run/RuleRun.h"
 
 #include <fcntl.h>
-#include <host/TrustedFile.h>
 
 #include <cerrno>
 #include <limits>
@@ -69,9 +68,9 @@ std::optional<int> RuleRun::begin(Load load, RuleSession::Changes later) {
 std::optional<int> RuleRun::readContext(AttributeSet& attributes) {
     const std::string& path = options.contextFile;
     // The opening of a pipe would wait for somebody who writes to it; the reader does that, until it is interrupted.
-    const Descriptor file(host::openTrusted(path, O_RDONLY | O_NONBLOCK, 0));
+    const Descriptor file(open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
     if (!file.isOpen()) {
-        console.complain(path + ": " + whyNotOpened(errno));
+        console.complain(path + ": " + systemError(errno));
         return kExitUnusable;
     }
     EventReader reader(file.get(), path, interruption, [] {});

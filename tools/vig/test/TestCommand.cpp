@@ -3,7 +3,6 @@
 #include <fcntl.h>
 #include <fmt/format.h>
 #include <fnmatch.h>
-#include <host/TrustedFile.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -192,7 +191,7 @@ class TestSuite {
 
     bool writeJUnit() {
         const std::string& path = options.junitFile;
-        const Descriptor file(host::openTrusted(path, O_WRONLY | O_CREAT | O_TRUNC, 0644));
+        const Descriptor file(open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644));
         int error = errno;
         if (file.isOpen()) {
             Output report(file.get());
@@ -202,7 +201,7 @@ class TestSuite {
         }
         if (error != 0 && !interruption.requested()) {
             out.flush();
-            console.complain(path + ": " + whyNotOpened(error));
+            console.complain(path + ": " + systemError(error));
         }
         return error == 0;
     }

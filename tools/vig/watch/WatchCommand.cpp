@@ -1,7 +1,6 @@
 #include "tools/vig/watch/WatchCommand.h"
 
 #include <fcntl.h>
-#include <host/TrustedFile.h>
 #include <poll.h>
 #include <unistd.h>
 
@@ -29,11 +28,10 @@ using Clock = std::chrono::steady_clock;
 // Opens the file for the recording, which is a new one or, if that is wanted, is emptied. Returns -1, with errno set,
 // if that fails.
 int openRecord(const WatchOptions& options) {
-    constexpr int kHow = O_WRONLY | O_NOFOLLOW;
-    const int created = host::openTrusted(options.recordFile, kHow | O_CREAT | O_EXCL, 0666);
-    return created >= 0 || errno != EEXIST || !options.overwrite
-               ? created
-               : host::openTrusted(options.recordFile, kHow | O_TRUNC, 0);
+    constexpr int kHow = O_WRONLY | O_NOFOLLOW | O_CLOEXEC;
+    const int created = open(options.recordFile.c_str(), kHow | O_CREAT | O_EXCL, 0666);
+    return created >= 0 || errno != EEXIST || !options.overwrite ? created
+                                                                 : open(options.recordFile.c_str(), kHow | O_TRUNC);
 }
 
 // What is recorded must not take the place of what is read, under whatever name.
@@ -50,7 +48,7 @@ std::string whyNotRecorded(int error) {
         case ELOOP:
             return "it is a symbolic link";
         default:
-            return whyNotOpened(error);
+            return systemError(error);
     }
 }
 

@@ -6,9 +6,6 @@ namespace vendor::orlan::velora {
 
 // Base of an implementation of the trigger service: override trigger() and register the object with the service
 // manager.
-class BnTrigger : public ITrigger, public android::IBinder {
-  public:
-    android::sp<android::IInterface> queryLocalInterface(const android::String16& name) override;
-};
+class BnTrigger : public ITrigger {};
 
 }  // namespace vendor::orlan::velora

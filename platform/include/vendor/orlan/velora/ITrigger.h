@@ -1,9 +1,7 @@
 #pragma once
 
 #include <binder/IBinder.h>
-#include <binder/IInterface.h>
 #include <binder/Status.h>
-#include <utils/String16.h>
 #include <utils/StrongPointer.h>
 #include <vendor/orlan/velora/TriggerContext.h>
 
@@ -11,13 +9,12 @@ namespace vendor::orlan::velora {
 
 // The trigger service, which collects diagnostics when it is asked to. It is registered with the service manager
 // as "vendor.orlan.velora.ITrigger/default".
-class ITrigger : public android::IInterface {
+class ITrigger : public android::IBinder {
   public:
-    // The name of the interface.
-    static const android::String16 descriptor;
-
-    // The interface of a service; null if the service is null or has another interface.
-    static android::sp<ITrigger> asInterface(const android::sp<android::IBinder>& service);
+    // Returns the interface of a trigger service, or null for null.
+    static android::sp<ITrigger> asInterface(const android::sp<android::IBinder>& service) {
+        return std::static_pointer_cast<ITrigger>(service);
+    }
 
     // Asks for one collection. Called on the thread of whoever triggers, which waits for it; several threads may
     // call at once.
