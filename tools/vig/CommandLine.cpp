@@ -262,7 +262,7 @@ Command runCommand(RunOptions options, FleetOptions fleet) {
     if (fleet.devices.empty()) {
         fleet.devices = {"-"};
     }
-    static_cast<RuleOptions&>(fleet) = options;
+    static_cast<RunOptions&>(fleet) = options;
     return fleet;
 }
 

@@ -3,8 +3,10 @@
 #include <stdlib.h>
 #include <sys/stat.h>
 
+#include <atomic>
 #include <regex>
 #include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -189,6 +191,71 @@ TEST(GraphCommand, DrawsTheDocumentOrSaysWhyNot) {
         EXPECT_THAT(each.status == 0 ? result.out : result.err, HasSubstr(each.written));
         EXPECT_EQ(each.status == 0 ? result.err : result.out, "");
         EXPECT_TRUE(each.status != 0 || result.out.starts_with("digraph") || result.out.starts_with("stateDiagram"));
+    }
+}
+
+// Writes to a pipe once somebody reads it, having put the document in the place of the rules; false if nobody does
+// before `given up`.
+bool feed(const std::string& pipe, const std::string& content, const std::atomic<bool>& givenUp, auto swap) {
+    while (!givenUp) {
+        const Descriptor end(open(pipe.c_str(), O_WRONLY | O_NONBLOCK | O_CLOEXEC));
+        if (end.isOpen()) {
+            swap();
+            return write(end.get(), content.data(), content.size()) == static_cast<ssize_t>(content.size());
+        }
+        std::this_thread::yield();
+    }
+    return false;
+}
+
+TEST(GraphCommand, PictureAndCountsAreOfOneReading) {
+    const support::TemporaryFolder folder;
+    const std::string records = "{\"event\":\"Test\"}\n{\"event\":\"ZramHeartBeat\"}\n{\"event\":\"Test\"}\n";
+    const auto documentOn = [](const char* event) {
+        return support::documentOf({transition("start", "start", event)});
+    };
+    std::vector<std::string> pictures;
+    auto options = optionsOf(folder.path("rules.json"), GraphFormat::Mermaid, folder.write("events", records));
+    for (const char* const event : {"Test", "ZramHeartBeat", "Timeout"}) {
+        folder.write("rules.json", documentOn(event));
+        pictures.push_back(support::runVerb(graph, options).out);
+    }
+    // The document is another one from the reading of the context on, and from the reading of the events on.
+    options.contextFile = folder.path("context.pipe");
+    options.events = folder.path("events.pipe");
+    ASSERT_EQ(mkfifo(options.contextFile.c_str(), 0600), 0);
+    ASSERT_EQ(mkfifo(options.events.c_str(), 0600), 0);
+    folder.write("rules.json", documentOn("Test"));
+    std::atomic<bool> isDrawn = false;
+    std::jthread writer([&] {
+        feed(options.contextFile, "{\"event\":\"Test\"}\n", isDrawn,
+             [&] { folder.write("rules.json", documentOn("ZramHeartBeat")); });
+        feed(options.events, records, isDrawn, [&] { folder.write("rules.json", documentOn("Timeout")); });
+    });
+    const auto result = support::runVerb(graph, options);
+    isDrawn = true;
+    writer.join();
+    EXPECT_EQ(result.err, "");
+    EXPECT_THAT(pictures, testing::Contains(result.out));
+}
+
+TEST(GraphCommand, RulesMayComeByAPipe) {
+    const std::string root = VIG_SOURCE_DIR "/examples/";
+    for (const std::string& events : {std::string(), root + "trace.jsonl"}) {
+        std::string problem;
+        const auto rules = readFile(root + "escalation.json", Interruption(), problem);
+        int ends[2];
+        ASSERT_EQ(pipe(ends), 0);
+        const Descriptor out(ends[0]);
+        {
+            const Descriptor in(ends[1]);
+            ASSERT_EQ(write(in.get(), rules->data(), rules->size()), static_cast<ssize_t>(rules->size()));
+        }
+        const auto options = optionsOf("/dev/fd/" + std::to_string(out.get()), GraphFormat::Dot, events);
+        const auto result = support::runVerb(graph, options);
+        EXPECT_EQ(result.err, "");
+        EXPECT_EQ(result.out,
+                  support::runVerb(graph, optionsOf(root + "escalation.json", GraphFormat::Dot, events)).out);
     }
 }
 

@@ -220,8 +220,8 @@ TEST_F(RunCommand, InterruptionEndsTheRunWithItsSummary) {
     ASSERT_EQ(pipe(ends), 0);
     const support::MemoryFile out;
     Interruption later;
-    RuleRun ruleRun(options, {ends[0], out.descriptor, STDERR_FILENO}, later);
-    ASSERT_EQ(ruleRun.begin(RuleSession::Changes::Ignore), std::nullopt);
+    RuleRun ruleRun(options, options.format, {ends[0], out.descriptor, STDERR_FILENO}, later);
+    ASSERT_EQ(ruleRun.load(RuleSession::Changes::Ignore), std::nullopt);
     later.request();
     EXPECT_TRUE(ruleRun.mustStop());
     EXPECT_EQ(ruleRun.finish(kExitInterrupted, std::nullopt), 130);

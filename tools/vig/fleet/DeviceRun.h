@@ -10,7 +10,7 @@
 #include "tools/vig/io/Interruption.h"
 #include "tools/vig/io/Output.h"
 #include "tools/vig/run/MachineGroup.h"
-#include "tools/vig/run/RuleRun.h"
+#include "tools/vig/run/RunCommand.h"
 #include "tools/vig/trace/Trace.h"
 #include "vig/actions/PseudoRandomGenerator.h"
 #include "vig/parsers/VIGParserConfig.h"
@@ -22,9 +22,7 @@ struct FleetPlan {
     const TracedDocument& document;
     const VIGParserConfig registry;  // the library's own
     const AttributeSet& context;
-    const std::uint32_t seed;
-    const ReportFormat format;
-    const bool coloured;
+    const RunOptions& options;  // of each of them, but for its events
     const Console& console;
     const Interruption& interruption;
 };

@@ -4,24 +4,10 @@
 #include "tools/vig/fleet/DeviceRun.h"
 #include "tools/vig/fleet/FleetRun.h"
 #include "tools/vig/fleet/FleetSummaryText.h"
-#include "tools/vig/trace/Trace.h"
 
 namespace Brenta::OS::VIG::Tool {
 
 namespace {
-
-// Wants of the machines that are traced nothing but their document.
-class DocumentKeeper final : public Trace {
-  public:
-    // REQUIRES: there is one. It lives as long as the session.
-    const TracedDocument& get() const { return *latest; }
-
-    void loaded(const TracedDocument& document) override { latest = &document; }
-    void step(const Step& /*step*/) override {}
-
-  private:
-    const TracedDocument* latest = nullptr;
-};
 
 std::string summaryOf(const FleetSummary& summary, const FleetOptions& options) {
     switch (options.format) {
@@ -47,18 +33,19 @@ int statusOf(const FleetSummary& summary, const Interruption& interruption) {
 }  // namespace
 
 int fleet(const FleetOptions& options, const Console& console, const Interruption& interruption) {
-    RuleOptions lines = options;
-    lines.format = options.summaryOnly ? ReportFormat::None : options.format;
-    DocumentKeeper document;
-    RuleRun rules(lines, console, interruption);
-    rules.observe(document);
+    RunOptions ofDevice = options;
+    ofDevice.format = options.summaryOnly ? ReportFormat::None : options.format;
+    RuleRun rules(options, ofDevice.format, console, interruption);
     // The machines of the delivery stay idle: each device has its own.
-    if (const auto status = rules.receive(RuleSession::Changes::Ignore)) {
-        return *status;
+    if (const auto status = rules.load(RuleSession::Changes::Ignore)) {
+        return rules.abandon(*status);
     }
-    const FleetPlan plan{document.get(), libraryRegistry(), rules.session().contextAttributes(),
-                         options.seed,   lines.format,      console.wantsColours(),
-                         console,        interruption};
+    const FleetPlan plan{rules.session().document(),
+                         libraryRegistry(),
+                         rules.session().contextAttributes(),
+                         ofDevice,
+                         console,
+                         interruption};
     const FleetSummary summary = runFleet(plan, options.devices, options.threads, rules.output());
     rules.output().write(summaryOf(summary, options));
     return rules.abandon(statusOf(summary, interruption));

@@ -5,11 +5,11 @@
 
 #include "tools/vig/io/Console.h"
 #include "tools/vig/io/Interruption.h"
-#include "tools/vig/run/RuleRun.h"
+#include "tools/vig/run/RunCommand.h"
 
 namespace Brenta::OS::VIG::Tool {
 
-struct FleetOptions : RuleOptions {
+struct FleetOptions : RunOptions {
     std::vector<std::string> devices;  // files of event records, "-" for standard input; at least one
     unsigned threads = 1;
     bool summaryOnly = false;  // no line for what happens

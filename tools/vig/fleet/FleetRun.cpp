@@ -47,7 +47,7 @@ class Fleet {
                 return;
             }
             Output text([this, device](std::string_view piece) { return order.write(device, piece); });
-            if (plan.format == ReportFormat::Text) {
+            if (plan.options.format == ReportFormat::Text) {
                 text.write(fmt::format("\n== {}\n", printable(nameOfEvents(devices[device]))));
             }
             DeviceResult result = runner.run(devices[device], text);

@@ -8,7 +8,6 @@
 
 #include "tools/vig/check/Diagnostic.h"
 #include "tools/vig/document/RuleModel.h"
-#include "tools/vig/graph/TransitionCounts.h"
 
 namespace Brenta::OS::VIG::Tool {
 
@@ -22,7 +21,10 @@ struct GraphMark {
 };
 
 // What a replay made of one or several transitions.
-using Traffic = TransitionCounts::Count;
+struct Traffic {
+    std::uint64_t tried = 0;  // an event came for which it listens, and no earlier transition fired
+    std::uint64_t fired = 0;
+};
 
 enum class TrafficKind { Unknown, NeverTried, NeverFired, Fired };
 
