@@ -14,7 +14,7 @@
 #include "tests/support/Documents.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/tools/ToolRun.h"
-#include "tools/vig/fleet/DeviceRun.h"
+#include "tools/vig/fleet/DeviceRunner.h"
 #include "tools/vig/fleet/FleetCommand.h"
 #include "tools/vig/fleet/FleetSummary.h"
 #include "tools/vig/fleet/SummaryCommand.h"
@@ -391,9 +391,9 @@ TEST(FleetSummary, StormIsManyTriggersForFewEventsAndTheWorstComeFirst) {
                                                    {"f", 5000, 9000}}) {
         summary.add({device, true, true, static_cast<std::uint64_t>(events), static_cast<std::uint64_t>(triggers)});
     }
-    EXPECT_EQ(summary.storms, 6u);
+    EXPECT_EQ(summary.stormyDevices, 6u);
     std::string worst;
-    for (const auto& each : summary.worst) {
+    for (const auto& each : summary.worstStorms) {
         worst += each.device;
     }
     EXPECT_EQ(worst, "fcdea");

@@ -8,9 +8,7 @@
 #include "tools/vig/check/Catalogue.h"
 #include "tools/vig/check/Checker.h"
 #include "tools/vig/document/Registry.h"
-#include "tools/vig/graph/DotWriter.h"
-#include "tools/vig/graph/Graphviz.h"
-#include "tools/vig/graph/MermaidWriter.h"
+#include "tools/vig/graph/Pictures.h"
 #include "tools/vig/graph/RuleGraph.h"
 #include "tools/vig/io/Output.h"
 #include "tools/vig/run/Replay.h"
@@ -23,7 +21,7 @@ namespace {
 // Counts what the machines do with their transitions.
 class TransitionCounter final : public Trace {
   public:
-    // By the indices of the configuration and of the transition, both in document order.
+    // The elements have the indices of the configuration and of the transition, both in document order.
     std::vector<std::vector<Traffic>> traffic;
 
     void loaded(const TracedDocument& document) override {

@@ -20,7 +20,7 @@ struct GraphMark {
     std::string message;
 };
 
-// What a replay made of one or several transitions.
+// It tells what a replay made of one or several transitions.
 struct Traffic {
     std::uint64_t tried = 0;  // an event came for which it listens, and no earlier transition fired
     std::uint64_t fired = 0;
@@ -55,7 +55,7 @@ struct RuleGraph {
     std::vector<GraphMark> marks;    // of the configuration as a whole
 };
 
-// How many arrows lead from one state to another, at most, of each kind of traffic.
+// At most so many arrows of each kind of traffic lead from one state to another.
 inline constexpr std::size_t kMostParallelArrows = 4;
 
 // One graph a configuration. A finding marks the transition that its path lies in; the state, if the path ends with

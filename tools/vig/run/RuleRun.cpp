@@ -9,24 +9,9 @@
 #include "tools/vig/events/EventReader.h"
 #include "tools/vig/io/Descriptor.h"
 #include "tools/vig/io/FileText.h"
-#include "tools/vig/run/JsonlReport.h"
-#include "tools/vig/run/TextReport.h"
 #include "tools/vig/words/Text.h"
 
 namespace Brenta::OS::VIG::Tool {
-
-std::unique_ptr<Report> reportOf(ReportFormat format, Output& output, bool coloured, const std::string& device) {
-    switch (format) {
-        case ReportFormat::Text:
-            return std::make_unique<TextReport>(output, coloured);
-        case ReportFormat::Jsonl:
-            return std::make_unique<JsonlReport>(output, device);
-        case ReportFormat::Json:
-        case ReportFormat::None:
-            break;
-    }
-    return std::make_unique<NoReport>();
-}
 
 RuleRun::RuleRun(const MachineOptions& machineOptions, ReportFormat format, const Console& streams,
                  const Interruption& interruptedBy)

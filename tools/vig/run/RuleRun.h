@@ -9,25 +9,20 @@
 #include "tools/vig/io/Console.h"
 #include "tools/vig/io/Interruption.h"
 #include "tools/vig/io/Output.h"
+#include "tools/vig/run/ReportWriters.h"
 #include "tools/vig/run/RuleSession.h"
 #include "tools/vig/trace/Report.h"
 
 namespace Brenta::OS::VIG::Tool {
 
-// Json is a summary alone, at the end of a run over a fleet.
-enum class ReportFormat { Text, Jsonl, Json, None };
-
-// `device` is named by the lines for programs; empty if there is only one.
-std::unique_ptr<Report> reportOf(ReportFormat format, Output& output, bool coloured, const std::string& device);
-
-// What machines depend on besides the events.
+// Machines depend on these besides the events.
 struct MachineOptions {
     std::string rules;
     std::uint32_t seed = 5489;  // the one with which the generator's own definition starts
     std::string contextFile;    // empty if there is none
 };
 
-// What the verbs have in common that report what machines do.
+// The verbs that report what machines do have these in common.
 struct RuleOptions : MachineOptions {
     ReportFormat format = ReportFormat::Text;
 };
@@ -54,7 +49,7 @@ class RuleRun {
 
     Report& reporter() { return *report; }
 
-    // Whether the run is to end: it was interrupted, or nobody can read what it writes.
+    // Returns true if the run is to end: it was interrupted, or nobody can read what it writes.
     bool mustStop() const { return interruption.requested() || out.failed(); }
 
     // Says what is wrong after all that has been reported.
@@ -64,7 +59,7 @@ class RuleRun {
     // has gone changes nothing.
     int finish(int status, std::optional<Summary::Sampling> sampling);
 
-    // The same without the end, for a run that came to none. If the rules were refused, says why.
+    // Does the same without the end, for a run that came to none. If the rules were refused, says why.
     int abandon(int status);
 
   private:

@@ -45,10 +45,10 @@ class RuleSession final {
 
     const AttributeSet& contextAttributes() const { return context; }
 
-    // Why the latest document was refused or cannot be read; empty if it was accepted.
+    // Returns why the latest document was refused or cannot be read; empty if it was accepted.
     const std::string& problem() const { return reason; }
 
-    // Readable while a changed document waits for update(), if changes are followed.
+    // The descriptor is readable while a changed document waits for update(), if changes are followed.
     int changesDescriptor() const { return deliveries->descriptor(); }
 
     // Reports what other threads have logged. Puts the machines of a changed document, if there is one, in the place

@@ -17,7 +17,7 @@
 
 namespace Brenta::OS::VIG::Tool {
 
-// What all devices of a fleet have in common. Used by several threads at once, none of which changes it.
+// All devices of a fleet have this in common. It is used by several threads at once, none of which changes it.
 struct FleetPlan {
     const TracedDocument& document;
     const VIGParserConfig registry;  // the library's own
@@ -27,8 +27,8 @@ struct FleetPlan {
     const Interruption& interruption;
 };
 
-// Where the draws of a device begin: each has its own ones, which depend on nothing but its name and the seed of the
-// run.
+// Returns where the draws of a device begin: each has its own ones, which depend on nothing but its name and the seed
+// of the run.
 std::uint32_t deviceSeed(std::uint32_t seed, std::string_view name);
 
 // Runs devices one after the other, on the thread that made it. The document is parsed once; each device has machines

@@ -1,4 +1,4 @@
-#include "tools/vig/fleet/DeviceRun.h"
+#include "tools/vig/fleet/DeviceRunner.h"
 
 #include <memory>
 #include <utility>
@@ -34,14 +34,14 @@ class FiredCounter final : public Filter {
     std::uint64_t& count;
 };
 
-// What the parser logs has been reported when the document was delivered.
+// Drops what the parser logs, which has been reported when the document was delivered.
 class NoReceiver final : public PlatformServices::Receiver {
   public:
     void onLog(int /*priority*/, std::string_view /*tag*/, std::string_view /*message*/) override {}
     void onTrigger(const vendor::orlan::velora::TriggerContext& /*context*/) override {}
 };
 
-// The same registry with a generator in the place of that of the process. It must outlive what is parsed.
+// Returns the same registry with a generator in the place of that of the process. It must outlive what is parsed.
 VIGParserConfig registryWith(PseudoRandomGenerator& generator, const VIGParserConfig& library) {
     auto doubleFunctions = library.getDoublePureFunctions();
     doubleFunctions.insert_or_assign("PseudoRandomDouble", [&generator] { return generator.draw(); });
