@@ -18,6 +18,7 @@
 #include "tools/vig/graph/RuleGraph.h"
 #include "tools/vig/io/Descriptor.h"
 #include "tools/vig/io/FileText.h"
+#include "tools/vig/io/Output.h"
 
 namespace Brenta::OS::VIG::Tool {
 
@@ -30,7 +31,7 @@ using testing::HasSubstr;
 
 const std::string kTransitions = "configs[0].payload.data.transitions";
 
-// Of the configuration 7 with those transitions.
+// Returns the graph of the configuration 7 with those transitions.
 RuleGraph graphOf(std::initializer_list<std::string> transitions, const std::vector<Diagnostic>& findings = {},
                   const std::vector<Traffic>& traffic = {}) {
     const DocumentText document("", support::document({support::config(7, transitions)}));
@@ -43,7 +44,7 @@ Diagnostic finding(const std::string& name, const std::string& path) {
     return {Severity::Warning, name, {0, 0, path}, "what is \"wrong\"", ""};
 }
 
-// As long as it lives, the shell script is all that there is of Graphviz; nothing, if it is empty.
+// While it lives, the shell script is all that there is of Graphviz; nothing, if it is empty.
 class FakeGraphviz {
   public:
     explicit FakeGraphviz(const std::string& script) {
@@ -191,72 +192,61 @@ TEST(GraphCommand, DrawsTheDocumentOrSaysWhyNot) {
     }
 }
 
-// Writes to a pipe once somebody reads it, having put the document in the place of the rules; false if nobody does
-// before `given up`.
-bool feed(const std::string& pipe, const std::string& content, const std::atomic<bool>& givenUp, auto swap) {
-    while (!givenUp) {
+// Writes to a pipe once somebody reads it, having called `swap`; not if nobody does before all is over.
+void feed(const std::string& pipe, const std::string& content, const std::atomic<bool>& isOver, auto swap) {
+    while (!isOver) {
         const Descriptor end(open(pipe.c_str(), O_WRONLY | O_NONBLOCK | O_CLOEXEC));
         if (end.isOpen()) {
             swap();
-            return write(end.get(), content.data(), content.size()) == static_cast<ssize_t>(content.size());
+            EXPECT_EQ(write(end.get(), content.data(), content.size()), static_cast<ssize_t>(content.size()));
+            return;
         }
         std::this_thread::yield();
     }
-    return false;
 }
 
 TEST(GraphCommand, PictureAndCountsAreOfOneReading) {
     const support::TemporaryFolder folder;
-    const std::string records = "{\"event\":\"Test\"}\n{\"event\":\"ZramHeartBeat\"}\n{\"event\":\"Test\"}\n";
-    const auto documentOn = [](const char* event) {
-        return support::documentOf({transition("start", "start", event)});
-    };
+    const auto ruleOn = [](const char* event) { return support::documentOf({transition("start", "start", event)}); };
+    const std::string test = "{\"event\":\"Test\"}\n";
+    const std::string records = test + "{\"event\":\"ZramHeartBeat\"}\n" + test;
     std::vector<std::string> pictures;
     auto options = optionsOf(folder.path("rules.json"), GraphFormat::Mermaid, folder.write("events", records));
     for (const char* const event : {"Test", "ZramHeartBeat", "Timeout"}) {
-        folder.write("rules.json", documentOn(event));
+        folder.write("rules.json", ruleOn(event));
         pictures.push_back(support::runVerb(graph, options).out);
     }
-    // The document is another one from the reading of the context on, and from the reading of the events on.
     options.contextFile = folder.path("context.pipe");
     options.events = folder.path("events.pipe");
     ASSERT_EQ(mkfifo(options.contextFile.c_str(), 0600), 0);
     ASSERT_EQ(mkfifo(options.events.c_str(), 0600), 0);
-    folder.write("rules.json", documentOn("Test"));
-    std::atomic<bool> isDrawn = false;
-    std::jthread writer([&] {
-        feed(options.contextFile, "{\"event\":\"Test\"}\n", isDrawn,
-             [&] { folder.write("rules.json", documentOn("ZramHeartBeat")); });
-        feed(options.events, records, isDrawn, [&] { folder.write("rules.json", documentOn("Timeout")); });
-    });
-    const auto result = support::runVerb(graph, options);
-    isDrawn = true;
-    writer.join();
-    EXPECT_EQ(result.err, "");
-    EXPECT_THAT(pictures, testing::Contains(result.out));
-}
-
-TEST(GraphCommand, RulesMayComeByAPipe) {
-    const std::string root = VIG_SOURCE_DIR "/examples/";
-    for (const std::string& events : {std::string(), root + "trace.jsonl"}) {
-        std::string problem;
-        const auto rules = readFile(root + "escalation.json", Interruption(), problem);
-        int ends[2];
-        ASSERT_EQ(pipe(ends), 0);
-        const Descriptor out(ends[0]);
-        {
-            const Descriptor in(ends[1]);
-            ASSERT_EQ(write(in.get(), rules->data(), rules->size()), static_cast<ssize_t>(rules->size()));
-        }
-        const auto options = optionsOf("/dev/fd/" + std::to_string(out.get()), GraphFormat::Dot, events);
+    // A pipe can be read only once; a file is another document from each later reading on.
+    int ends[2];
+    ASSERT_EQ(pipe(ends), 0);
+    const Descriptor piped(ends[0]);
+    {
+        const Descriptor end(ends[1]);
+        Output output(end.get());
+        output.write(ruleOn("Test"));
+        output.flush();
+    }
+    for (const std::string& rules : {"/dev/fd/" + std::to_string(piped.get()), options.rules}) {
+        options.rules = rules;
+        folder.write("rules.json", ruleOn("Test"));
+        std::atomic<bool> isOver = false;
+        std::jthread writer([&] {
+            feed(options.contextFile, test, isOver, [&] { folder.write("rules.json", ruleOn("ZramHeartBeat")); });
+            feed(options.events, records, isOver, [&] { folder.write("rules.json", ruleOn("Timeout")); });
+        });
         const auto result = support::runVerb(graph, options);
+        isOver = true;
+        writer.join();
         EXPECT_EQ(result.err, "");
-        EXPECT_EQ(result.out,
-                  support::runVerb(graph, optionsOf(root + "escalation.json", GraphFormat::Dot, events)).out);
+        EXPECT_THAT(pictures, testing::Contains(result.out));
     }
 }
 
-TEST(Pictures, InTheDocumentationAreCurrent) {
+TEST(Pictures, InTheDocumentationAreCurrentAndAreAlsoWrittenAsPng) {
     const std::string root = VIG_SOURCE_DIR;
     for (const auto& [picture, events] : {std::pair("escalation", ""), std::pair("escalation-replay", "trace.jsonl")}) {
         const auto options = optionsOf(root + "/examples/escalation.json", GraphFormat::Svg,
@@ -266,10 +256,7 @@ TEST(Pictures, InTheDocumentationAreCurrent) {
                     support::runVerb(graph, options).out)
             << "docs/" << picture << ".svg is not what `vig graph` draws of examples/escalation.json " << events;
     }
-}
-
-TEST(Pictures, AreAlsoWrittenAsPng) {
-    const auto options = optionsOf(VIG_SOURCE_DIR "/examples/escalation.json", GraphFormat::Png);
+    const auto options = optionsOf(root + "/examples/escalation.json", GraphFormat::Png);
     EXPECT_THAT(support::runVerb(graph, options).out, testing::StartsWith("\x89PNG\r\n"));
 }
 
