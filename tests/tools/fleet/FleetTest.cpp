@@ -4,7 +4,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdint>
+#include <map>
 #include <string>
 #include <thread>
 #include <tuple>
@@ -14,7 +16,7 @@
 #include "tests/support/Documents.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/tools/ToolRun.h"
-#include "tools/vig/fleet/DeviceRun.h"
+#include "tools/vig/fleet/DeviceRunner.h"
 #include "tools/vig/fleet/FleetCommand.h"
 #include "tools/vig/fleet/FleetSummary.h"
 #include "tools/vig/fleet/SummaryCommand.h"
@@ -56,9 +58,13 @@ std::string triggering(int times) {
     return text;
 }
 
-// The text with the first of one part exchanged.
-std::string changed(std::string text, const std::string& from, const std::string& to) {
-    return text.replace(text.find(from), from.size(), to);
+// Returns the text with the first of one part exchanged; ' stands for the quotes of JSON.
+std::string changed(std::string text, std::string from, std::string to) {
+    std::ranges::replace(from, '\'', '"');
+    std::ranges::replace(to, '\'', '"');
+    const std::size_t place = text.find(from);
+    EXPECT_NE(place, std::string::npos) << from;
+    return place == std::string::npos ? text : text.replace(place, from.size(), to);
 }
 
 class Fleet : public testing::Test {
@@ -226,11 +232,10 @@ TEST_F(Fleet, SummaryShowsNothingThatATerminalActsOn) {
     options.format = ReportFormat::Json;
     options.devices = {folder.write("d", "")};
     std::string text = run(1).out;
-    for (const auto& [from, to] : {std::pair(R"("path":"configs[0]")", R"("path":"\u001b[2J\n9 on 9")"),
-                                   {R"(transitions[0]")", R"(\u061c")"},
-                                   {R"("event":"Test")", R"("event":"\r\u009b")"},
-                                   {R"("id":7)", R"("id":-9223372036854775808)"}}) {
-        ASSERT_NE(text.find(from), std::string::npos);
+    for (const auto& [from, to] : {std::pair("'path':'configs[0]'", R"('path':'\u001b[2J\n9 on 9')"),
+                                   {"transitions[0]'", R"(\u061c')"},
+                                   {"'event':'Test'", R"('event':'\r\u009b')"},
+                                   {"'id':7", "'id':-9223372036854775808"}}) {
         text = changed(text, from, to);
     }
     const ToolResult result = runVerb(summary, SummaryOptions(), text);
@@ -254,22 +259,21 @@ TEST_F(Fleet, MergeBeyondTheLargestNumberIsRefusedWithItsPlace) {
 
 TEST(FleetSummary, NumberThatIsTooLargeIsNamed) {
     const std::pair<std::string, void (*)(FleetSummary&, std::uint64_t)> cases[] = {
-        {"failed", [](FleetSummary& summary, std::uint64_t number) { summary.failed = number; }},
-        {"unfinished", [](FleetSummary& summary, std::uint64_t number) { summary.unfinished = number; }},
-        {"devices", [](FleetSummary& summary, std::uint64_t number) { summary.devicesByTriggers[0] = number; }},
-        {"events", [](FleetSummary& summary, std::uint64_t number) { summary.events = number; }},
-        {"triggers.total", [](FleetSummary& summary, std::uint64_t number) { summary.devicesByTriggers[number] = 1; }},
-        {"configs[1].fired",
-         [](FleetSummary& summary, std::uint64_t number) { summary.configs[1].count.fired = number; }},
+        {"failed", [](auto& summary, std::uint64_t number) { summary.failed = number; }},
+        {"unfinished", [](auto& summary, std::uint64_t number) { summary.unfinished = number; }},
+        {"devices", [](auto& summary, std::uint64_t number) { summary.devicesByTriggers[0] = number; }},
+        {"events", [](auto& summary, std::uint64_t number) { summary.events = number; }},
+        {"triggers.total", [](auto& summary, std::uint64_t number) { summary.devicesByTriggers[number] = 1; }},
+        {"configs[1].fired", [](auto& summary, std::uint64_t number) { summary.configs[1].count.fired = number; }},
     };
     for (const auto& [path, set] : cases) {
-        for (const auto& [number, expected] :
-             {std::pair(FleetSummary::MOST, std::string()), {FleetSummary::MOST + 1, path}}) {
-            FleetSummary summary;
-            summary.configs.resize(2);
-            set(summary, number);
-            EXPECT_EQ(summary.tooLarge(), expected);
-        }
+        FleetSummary summary;
+        summary.configs.resize(2);
+        set(summary, FleetSummary::MOST);
+        EXPECT_EQ(summary.tooLarge(), "");
+        summary.devicesByTriggers.clear();
+        set(summary, FleetSummary::MOST + 1);
+        EXPECT_EQ(summary.tooLarge(), path);
     }
 }
 
@@ -288,66 +292,57 @@ TEST_F(Fleet, SummaryThatDoesNotFitIsRefusedWithItsPlace) {
     }
     wrapped = R"({"path":"c","id":1,"devices":4,"fired":0,"transitions":[)" + wrapped + "]},";
     const std::string anotherRun = ":2: error: it summarises a run of another rule document than <stdin>:1\n";
-    const struct {
-        std::string from;
-        std::string to;
-        std::string message;
-    } cases[] = {
-        {"\"p99\":12", "\"p99\":3", ":1:123: error: triggers.p99: does not fit the rest, of which it follows: 12"},
-        {"\"events\":25", "\"events\":11", "storms.worst[0].events: expected an integer from 0 to 11"},
-        {"{\"triggers\":12,", "{\"triggers\":0,", "triggers.by_count[1].triggers: expected an integer from 1 to "},
-        {"{\"triggers\":0,\"devices\":1", "{\"triggers\":0,\"devices\":0",
-         "by_count[0].devices: expected an integer from 1"},
-        {"\"storms\":{\"devices\":2", "\"storms\":{\"devices\":3", "storms.devices: expected an integer from 0 to 2"},
-        {"\"storms\":{\"devices\":2", "\"storms\":{\"devices\":1",
-         "storms.worst: does not fit the rest, of which it follows: 1"},
-        {"/x\",\"triggers\":12", "/x\",\"triggers\":9", "storms.worst[0]: is no storm"},
-        {"/x\",\"triggers\":12", "/x\",\"triggers\":13",
-         "worst[0].triggers: triggers.by_count has fewer devices with so"},
-        {"/x\",\"triggers\":12", "/z\",\"triggers\":12",
-         "storms.worst[1]: expected the most triggers first, then the names"},
-        {"\"id\":7,\"devices\":1", "\"id\":7,\"devices\":2", "configs[0].devices: expected an integer from 1 to 1"},
-        {"\"id\":8,\"devices\":2,\"fired\":24", "\"id\":8,\"devices\":2,\"fired\":23",
-         "configs[1].fired: does not fit the rest, of which it follows: 24"},
-        {"\"devices\":2,\"fired\":24}", "\"devices\":4,\"fired\":24}",
-         "configs[1].transitions[0].devices: expected an integer from 0 to 3"},
-        {"\"devices\":2,\"fired\":24}", "\"devices\":2,\"fired\":1}",
-         "configs[1].transitions[0].fired: expected an integer from 2 to "},
-        {"\"failed\":0", "\"failed\":-1", ":1:53: error: failed: expected an integer from 0 to 9007199254740992"},
-        {"\"failed\":0", "\"extra\":0", ":1:52: error: unknown key \"extra\""},
+    const std::string follows = ": does not fit the rest, of which it follows: ";
+    const std::string from = ": expected an integer from ";
+    const std::string cases[][3] = {
+        {"'p99':12", "'p99':3", ":1:123: error: triggers.p99" + follows + "12"},
+        {"'events':25", "'events':11", "storms.worst[0].events" + from + "0 to 11"},
+        {"{'triggers':12,", "{'triggers':0,", "triggers.by_count[1].triggers" + from + "1 to "},
+        {"{'triggers':0,'devices':1", "{'triggers':0,'devices':0", "by_count[0].devices" + from + "1"},
+        {"'storms':{'devices':2", "'storms':{'devices':3", "storms.devices" + from + "0 to 2"},
+        {"'storms':{'devices':2", "'storms':{'devices':1", "storms.worst" + follows + "1"},
+        {"/x','triggers':12", "/x','triggers':9", "storms.worst[0]: is no storm"},
+        {"/x','triggers':12", "/x','triggers':13", "worst[0].triggers: triggers.by_count has fewer devices"},
+        {"/x','triggers':12", "/z','triggers':12", "storms.worst[1]: expected the most triggers first, then the names"},
+        {"'id':7,'devices':1", "'id':7,'devices':2", "configs[0].devices" + from + "1 to 1"},
+        {"'id':8,'devices':2,'fired':24", "'id':8,'devices':2,'fired':23", "configs[1].fired" + follows + "24"},
+        {"'devices':2,'fired':24}", "'devices':4,'fired':24}", "configs[1].transitions[0].devices" + from + "0 to 3"},
+        {"'devices':2,'fired':24}", "'devices':2,'fired':1}", "configs[1].transitions[0].fired" + from + "2 to "},
+        {"'total':", "'extra':0,'total':", "triggers: unknown key 'extra'"},
+        {"'failed':0", "'failed':-1", ":1:53: error: failed" + from + "0 to 9007199254740992"},
+        {"'failed':0", "'extra':0", ":1:52: error: unknown key 'extra'"},
         {"\n", "x\n", "error: "},
         {"\n", "\n\n\xEF\xBB\xBF" + good, ":3:1: error: a byte order mark"},
-        {"{\"document\"", "\xEF\xBB\xBF\xEF\xBB\xBF{\"document\"", ":1:1: error: a byte order mark"},
-        {"\"failed\":0", "\"" + std::string(1000, 'k') + "\":0", std::string(60, 'k') + "…\"\n"},
-        {"\"document\":", "\"document\":1,\"document\":", ":1:15: error: Duplicate key: 'document'"},
-        {"\"devices\":3,", "\"devices\":4,", ":1:42: error: devices: does not fit the rest, of which it follows: 3"},
-        {"\"total\":24", "\"total\":25", "triggers.total: does not fit the rest, of which it follows: 24"},
-        {"\"median\":12", "\"median\":0", "triggers.median: does not fit the rest, of which it follows: 12"},
-        {"\"most\":12", "\"most\":13", "triggers.most: does not fit the rest, of which it follows: 12"},
-        {"{\"triggers\":0,\"devices\":1", "{\"triggers\":0,\"devices\":" + kMost,
-         "by_count[1].devices: expected an integer from 1 to 0"},
-        {"{\"triggers\":0,\"devices\":1", "{\"triggers\":1,\"devices\":9007199254740991",
-         "by_count[1].devices: expected an integer from 1 to 0"},
-        {"{\"triggers\":12,\"devices\":2", "{\"triggers\":12,\"devices\":" + kMost,
-         "by_count[1].devices: expected an integer from 1 to 750599937895082"},
-        {"{\"triggers\":12,\"devices\":2", "{\"triggers\":12,\"devices\":1},{\"triggers\":13,\"devices\":1",
-         "worst[1].triggers: triggers.by_count has fewer devices with so many"},
-        {"\"id\":7,", "", "configs[0]: \"id\" is missing"},
-        {"\"devices\":0,\"fired\":0}", "\"devices\":0,\"fired\":1}",
-         "configs[0].transitions[0].fired: expected an integer from 0 to 0"},
-        {"\"configs\":[", "\"configs\":[" + wrapped, "configs[0].devices: expected an integer from 1 to 3"},
-        {"\"configs\":[", "\"configs\":[" + wrapped, "configs[0].fired: does not fit the rest, of which it follows: "},
-        {"\n", "\n" + changed(good, "\"document\":\"", "\"document\":\"0"), anotherRun},
-        {"\n", "\n" + changed(good, "\"id\":7", "\"id\":9"), anotherRun},
+        {"{'document'", "\xEF\xBB\xBF\xEF\xBB\xBF{'document'", ":1:1: error: a byte order mark"},
+        {"'failed':0", "'" + std::string(1000, 'k') + "':0", std::string(60, 'k') + "…'\n"},
+        {"'document':", "'document':1,'document':", ":1:15: error: Duplicate key: 'document'"},
+        {"'devices':3,", "'devices':4,", ":1:42: error: devices" + follows + "3"},
+        {"'total':24", "'total':25", "triggers.total" + follows + "24"},
+        {"'median':12", "'median':0", "triggers.median" + follows + "12"},
+        {"'most':12", "'most':13", "triggers.most" + follows + "12"},
+        {"{'triggers':0,'devices':1", "{'triggers':0,'devices':" + kMost, "by_count[1].devices" + from + "1 to 0"},
+        {"{'triggers':0,'devices':1", "{'triggers':1,'devices':9007199254740991",
+         "by_count[1].devices" + from + "1 to 0"},
+        {"{'triggers':12,'devices':2", "{'triggers':12,'devices':" + kMost,
+         "by_count[1].devices" + from + "1 to 750599937895082"},
+        {"{'triggers':12,'devices':2", "{'triggers':12,'devices':1},{'triggers':13,'devices':1",
+         "worst[1].triggers: triggers.by_count has fewer devices"},
+        {"'id':7,", "", "configs[0]: 'id' is missing"},
+        {"'devices':0,'fired':0}", "'devices':0,'fired':1}", "configs[0].transitions[0].fired" + from + "0 to 0"},
+        {"'configs':[", "'configs':[" + wrapped, "configs[0].devices" + from + "1 to 3"},
+        {"'configs':[", "'configs':[" + wrapped, "configs[0].fired" + follows},
+        {"\n", "\n" + changed(good, "'document':'", "'document':'0"), anotherRun},
+        {"\n", "\n" + changed(good, "'id':7", "'id':9"), anotherRun},
         {"\n", "\n" + changed(good, "configs[0]", "configs[9]"), anotherRun},
-        {"\n", "\n" + changed(good, "\"from\":\"start", "\"from\":\""), anotherRun},
-        {"\n", "\n" + changed(good, "\"to\":\"start", "\"to\":\""), anotherRun},
+        {"\n", "\n" + changed(good, "'from':'start", "'from':'"), anotherRun},
+        {"\n", "\n" + changed(good, "'to':'start", "'to':'"), anotherRun},
         {good, "", "there is no summary to merge"},
     };
     for (const auto& each : cases) {
-        const ToolResult result = runVerb(summary, SummaryOptions(), changed(good, each.from, each.to));
-        EXPECT_EQ(result.status, 2) << each.to;
-        EXPECT_THAT(result.err, HasSubstr(each.message));
+        ToolResult result = runVerb(summary, SummaryOptions(), changed(good, each[0], each[1]));
+        EXPECT_EQ(result.status, 2) << each[1];
+        std::ranges::replace(result.err, '"', '\'');
+        EXPECT_THAT(result.err, HasSubstr(each[2]));
     }
     options.devices = {folder.path("none")};
     EXPECT_THAT(runVerb(summary, SummaryOptions(), changed(run(1).out, "\"events\":0", "\"events\":1")).err,
@@ -355,27 +350,21 @@ TEST_F(Fleet, SummaryThatDoesNotFitIsRefusedWithItsPlace) {
 }
 
 TEST(FleetSummary, PercentilesAreNumbersThatDevicesHave) {
-    const struct {
-        std::vector<std::pair<std::uint64_t, std::uint64_t>> devicesByTriggers;
-        std::uint64_t median;
-        std::uint64_t p99;
-        std::uint64_t most;
-    } cases[] = {
-        {{}, 0, 0, 0},
-        {{{4, 1}}, 4, 4, 4},
-        {{{1, 1}, {2, 1}}, 1, 2, 2},
-        {{{1, 1}, {2, 1}, {9, 1}}, 2, 9, 9},
-        {{{0, 99}, {5, 1}}, 0, 0, 5},
-        {{{0, 98}, {5, 2}}, 0, 5, 5},
-        {{{0, 198}, {5, 1}, {7, 1}}, 0, 0, 7},
-        {{{0, std::uint64_t{1} << 60}, {1, 1}}, 0, 0, 1},
+    using Numbers = std::vector<std::uint64_t>;
+    const std::pair<std::map<std::uint64_t, std::uint64_t>, Numbers> cases[] = {
+        {{}, {0, 0, 0}},
+        {{{4, 1}}, {4, 4, 4}},
+        {{{1, 1}, {2, 1}}, {1, 2, 2}},
+        {{{1, 1}, {2, 1}, {9, 1}}, {2, 9, 9}},
+        {{{0, 99}, {5, 1}}, {0, 0, 5}},
+        {{{0, 98}, {5, 2}}, {0, 5, 5}},
+        {{{0, 198}, {5, 1}, {7, 1}}, {0, 0, 7}},
+        {{{0, std::uint64_t{1} << 60}, {1, 1}}, {0, 0, 1}},
     };
-    for (const auto& each : cases) {
+    for (const auto& [devicesByTriggers, expected] : cases) {
         FleetSummary summary;
-        summary.devicesByTriggers = {each.devicesByTriggers.begin(), each.devicesByTriggers.end()};
-        EXPECT_EQ(summary.percentile(50), each.median);
-        EXPECT_EQ(summary.percentile(99), each.p99);
-        EXPECT_EQ(summary.percentile(100), each.most);
+        summary.devicesByTriggers = devicesByTriggers;
+        EXPECT_EQ((Numbers{summary.percentile(50), summary.percentile(99), summary.percentile(100)}), expected);
     }
 }
 
@@ -391,9 +380,9 @@ TEST(FleetSummary, StormIsManyTriggersForFewEventsAndTheWorstComeFirst) {
                                                    {"f", 5000, 9000}}) {
         summary.add({device, true, true, static_cast<std::uint64_t>(events), static_cast<std::uint64_t>(triggers)});
     }
-    EXPECT_EQ(summary.storms, 6u);
+    EXPECT_EQ(summary.stormyDevices, 6u);
     std::string worst;
-    for (const auto& each : summary.worst) {
+    for (const auto& each : summary.worstStorms) {
         worst += each.device;
     }
     EXPECT_EQ(worst, "fcdea");

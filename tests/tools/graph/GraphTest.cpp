@@ -3,22 +3,22 @@
 #include <stdlib.h>
 #include <sys/stat.h>
 
+#include <atomic>
 #include <regex>
 #include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
 #include "tests/support/Documents.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/tools/ToolRun.h"
-#include "tools/vig/graph/DotWriter.h"
 #include "tools/vig/graph/GraphCommand.h"
-#include "tools/vig/graph/GraphText.h"
-#include "tools/vig/graph/Graphviz.h"
-#include "tools/vig/graph/MermaidWriter.h"
+#include "tools/vig/graph/Pictures.h"
 #include "tools/vig/graph/RuleGraph.h"
 #include "tools/vig/io/Descriptor.h"
 #include "tools/vig/io/FileText.h"
+#include "tools/vig/io/Output.h"
 
 namespace Brenta::OS::VIG::Tool {
 
@@ -31,7 +31,7 @@ using testing::HasSubstr;
 
 const std::string kTransitions = "configs[0].payload.data.transitions";
 
-// Of the configuration 7 with those transitions.
+// Returns the graph of the configuration 7 with those transitions.
 RuleGraph graphOf(std::initializer_list<std::string> transitions, const std::vector<Diagnostic>& findings = {},
                   const std::vector<Traffic>& traffic = {}) {
     const DocumentText document("", support::document({support::config(7, transitions)}));
@@ -44,7 +44,7 @@ Diagnostic finding(const std::string& name, const std::string& path) {
     return {Severity::Warning, name, {0, 0, path}, "what is \"wrong\"", ""};
 }
 
-// As long as it lives, the shell script is all that there is of Graphviz; nothing, if it is empty.
+// While it lives, the shell script is all that there is of Graphviz; nothing, if it is empty.
 class FakeGraphviz {
   public:
     explicit FakeGraphviz(const std::string& script) {
@@ -192,7 +192,61 @@ TEST(GraphCommand, DrawsTheDocumentOrSaysWhyNot) {
     }
 }
 
-TEST(Pictures, InTheDocumentationAreCurrent) {
+// Writes to a pipe once somebody reads it, having called `swap`; not if nobody does before all is over.
+void feed(const std::string& pipe, const std::string& content, const std::atomic<bool>& isOver, auto swap) {
+    while (!isOver) {
+        const Descriptor end(open(pipe.c_str(), O_WRONLY | O_NONBLOCK | O_CLOEXEC));
+        if (end.isOpen()) {
+            swap();
+            EXPECT_EQ(write(end.get(), content.data(), content.size()), static_cast<ssize_t>(content.size()));
+            return;
+        }
+        std::this_thread::yield();
+    }
+}
+
+TEST(GraphCommand, PictureAndCountsAreOfOneReading) {
+    const support::TemporaryFolder folder;
+    const auto ruleOn = [](const char* event) { return support::documentOf({transition("start", "start", event)}); };
+    const std::string test = "{\"event\":\"Test\"}\n";
+    const std::string records = test + "{\"event\":\"ZramHeartBeat\"}\n" + test;
+    std::vector<std::string> pictures;
+    auto options = optionsOf(folder.path("rules.json"), GraphFormat::Mermaid, folder.write("events", records));
+    for (const char* const event : {"Test", "ZramHeartBeat", "Timeout"}) {
+        folder.write("rules.json", ruleOn(event));
+        pictures.push_back(support::runVerb(graph, options).out);
+    }
+    options.contextFile = folder.path("context.pipe");
+    options.events = folder.path("events.pipe");
+    ASSERT_EQ(mkfifo(options.contextFile.c_str(), 0600), 0);
+    ASSERT_EQ(mkfifo(options.events.c_str(), 0600), 0);
+    // A pipe can be read only once; a file is another document from each later reading on.
+    int ends[2];
+    ASSERT_EQ(pipe(ends), 0);
+    const Descriptor piped(ends[0]);
+    {
+        const Descriptor end(ends[1]);
+        Output output(end.get());
+        output.write(ruleOn("Test"));
+        output.flush();
+    }
+    for (const std::string& rules : {"/dev/fd/" + std::to_string(piped.get()), options.rules}) {
+        options.rules = rules;
+        folder.write("rules.json", ruleOn("Test"));
+        std::atomic<bool> isOver = false;
+        std::jthread writer([&] {
+            feed(options.contextFile, test, isOver, [&] { folder.write("rules.json", ruleOn("ZramHeartBeat")); });
+            feed(options.events, records, isOver, [&] { folder.write("rules.json", ruleOn("Timeout")); });
+        });
+        const auto result = support::runVerb(graph, options);
+        isOver = true;
+        writer.join();
+        EXPECT_EQ(result.err, "");
+        EXPECT_THAT(pictures, testing::Contains(result.out));
+    }
+}
+
+TEST(Pictures, InTheDocumentationAreCurrentAndAreAlsoWrittenAsPng) {
     const std::string root = VIG_SOURCE_DIR;
     for (const auto& [picture, events] : {std::pair("escalation", ""), std::pair("escalation-replay", "trace.jsonl")}) {
         const auto options = optionsOf(root + "/examples/escalation.json", GraphFormat::Svg,
@@ -202,10 +256,7 @@ TEST(Pictures, InTheDocumentationAreCurrent) {
                     support::runVerb(graph, options).out)
             << "docs/" << picture << ".svg is not what `vig graph` draws of examples/escalation.json " << events;
     }
-}
-
-TEST(Pictures, AreAlsoWrittenAsPng) {
-    const auto options = optionsOf(VIG_SOURCE_DIR "/examples/escalation.json", GraphFormat::Png);
+    const auto options = optionsOf(root + "/examples/escalation.json", GraphFormat::Png);
     EXPECT_THAT(support::runVerb(graph, options).out, testing::StartsWith("\x89PNG\r\n"));
 }
 

@@ -39,7 +39,7 @@ bool DeviceOrder::failed() const {
     return output.failed();
 }
 
-// What waits of the device whose turn it is, and of those that follow if it has ended.
+// Writes what waits of the device whose turn it is, and of those that follow if it has ended.
 void DeviceOrder::passOn() {
     for (auto next = waiting.find(turn); next != waiting.end(); next = waiting.find(turn)) {
         output.write(std::exchange(next->second.text, {}));

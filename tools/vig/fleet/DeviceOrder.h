@@ -30,7 +30,7 @@ class DeviceOrder {
     // Nothing more comes from the device.
     void end(std::size_t device, DeviceResult result);
 
-    // Whether nobody can read what is written.
+    // Returns true if nobody can read what is written.
     bool failed() const;
 
   private:

@@ -70,10 +70,10 @@ void FleetSummary::add(const DeviceResult& result) {
         configs[config].count.add({all > 0 ? 1u : 0u, all});
     }
     if (isStorm(result.triggers, result.events)) {
-        ++storms;
+        ++stormyDevices;
         // A name has its place by the bytes that are written and read again.
-        worst.push_back({replaceInvalidUtf8(result.device), result.triggers, result.events});
-        keepWorst();
+        worstStorms.push_back({replaceInvalidUtf8(result.device), result.triggers, result.events});
+        keepWorstStorms();
     }
 }
 
@@ -90,9 +90,9 @@ void FleetSummary::merge(const FleetSummary& other) {
             configs[config].transitions[index].count.add(other.configs[config].transitions[index].count);
         }
     }
-    storms += other.storms;
-    worst.insert(worst.end(), other.worst.begin(), other.worst.end());
-    keepWorst();
+    stormyDevices += other.stormyDevices;
+    worstStorms.insert(worstStorms.end(), other.worstStorms.begin(), other.worstStorms.end());
+    keepWorstStorms();
 }
 
 std::string FleetSummary::tooLarge() const {
@@ -134,7 +134,7 @@ std::uint64_t FleetSummary::triggers() const {
 
 std::uint64_t FleetSummary::percentile(std::uint64_t percent) const {
     const std::uint64_t all = devices();
-    // Without a product that could overflow.
+    // A product of all devices could overflow.
     const std::uint64_t needed = all / 100 * percent + (all % 100 * percent + 99) / 100;
     std::uint64_t passed = 0;
     for (const auto& [triggers, count] : devicesByTriggers) {
@@ -146,10 +146,10 @@ std::uint64_t FleetSummary::percentile(std::uint64_t percent) const {
     return 0;
 }
 
-void FleetSummary::keepWorst() {
-    std::ranges::sort(worst, &Storm::comesBefore);
-    if (worst.size() > MOST_STORMS_NAMED) {
-        worst.erase(worst.begin() + MOST_STORMS_NAMED, worst.end());
+void FleetSummary::keepWorstStorms() {
+    std::ranges::sort(worstStorms, &Storm::comesBefore);
+    if (worstStorms.size() > MOST_STORMS_NAMED) {
+        worstStorms.erase(worstStorms.begin() + MOST_STORMS_NAMED, worstStorms.end());
     }
 }
 

@@ -3,17 +3,19 @@
 #include <cstddef>
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "tools/vig/trace/Trace.h"
 
 namespace Brenta::OS::VIG::Tool {
 
-// How often each transition of a device fired, by the indices of the configuration and of the transition.
+// It says how often each transition of a device fired, by the indices of the configuration and of the transition.
 using FiredCounts = std::vector<std::vector<std::uint64_t>>;
 
-// What became of one device of a fleet.
+// It tells what became of one device of a fleet.
 struct DeviceResult {
     std::string device;  // the name of its file, or "<stdin>"; any bytes
     bool begun = false;  // its file could be opened
@@ -24,8 +26,9 @@ struct DeviceResult {
     std::string problem = {};  // why it failed; empty if it did not
 };
 
-// What the devices of a fleet did, in memory that does not grow with their number but with that of the different
-// numbers of triggers. Adding devices in any order, in one summary or in several that are merged, gives the same.
+// It tells what the devices of a fleet did, in memory that does not grow with their number but with that of the
+// different numbers of triggers. Adding devices in any order, in one summary or in several that are merged, gives the
+// same.
 struct FleetSummary {
     struct Count {
         std::uint64_t devices = 0;  // on which it fired at least once
@@ -59,7 +62,7 @@ struct FleetSummary {
         std::uint64_t triggers;
         std::uint64_t events;
 
-        // By their triggers, then by their names.
+        // The order is that of their triggers, then of their names.
         bool comesBefore(const Storm& other) const;
         bool operator==(const Storm&) const = default;
     };
@@ -71,7 +74,7 @@ struct FleetSummary {
 
     static bool isStorm(std::uint64_t triggers, std::uint64_t events);
 
-    // Of no device yet.
+    // Returns a summary of no device yet.
     static FleetSummary of(const TracedDocument& document);
 
     void add(const DeviceResult& result);
@@ -98,11 +101,24 @@ struct FleetSummary {
     std::uint64_t unfinished = 0;  // devices that an interruption kept from their end, or from their beginning
     std::uint64_t events = 0;
     std::map<std::uint64_t, std::uint64_t> devicesByTriggers;
-    std::uint64_t storms = 0;
-    std::vector<Storm> worst;  // the first few of the storms
+    std::uint64_t stormyDevices = 0;
+    std::vector<Storm> worstStorms;  // the first few of them
 
   private:
-    void keepWorst();
+    void keepWorstStorms();
 };
+
+// Reads a summary that `vig run --format json` has written, which is the line of that number of the file. Nothing is
+// ignored: what is not part of a summary, or does not fit the rest of it, is an error. Returns nothing if there is one;
+// `errors` then says what is wrong and where.
+std::optional<FleetSummary> readFleetSummary(const std::string& file, std::size_t lineNumber, std::string_view line,
+                                             std::vector<std::string>& errors);
+
+// Returns aligned lines for a person, without what a terminal would act on.
+std::string textOf(const FleetSummary& summary);
+
+// Returns the same as a line with one JSON object, which readFleetSummary() reads back to an equal one. `first` is put
+// before its keys.
+std::string jsonOf(const FleetSummary& summary, const std::string& first);
 
 }  // namespace Brenta::OS::VIG::Tool

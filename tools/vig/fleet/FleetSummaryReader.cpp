@@ -1,4 +1,4 @@
-#include "tools/vig/fleet/FleetSummaryReader.h"
+#include "tools/vig/fleet/FleetSummary.h"
 
 #include <fmt/format.h>
 
@@ -80,7 +80,7 @@ class SummaryParser {
         derived(object, "most", path, result.percentile(100));
     }
 
-    // In ascending order, so that none comes twice, and no more than can be added up.
+    // They are in ascending order, so that none comes twice, and no more than can be added up.
     void addByCount(const Json::Value& object, const std::string& path, FleetSummary& result) {
         if (!json.isObject(object, path, {"triggers", "devices"})) {
             return;
@@ -103,8 +103,8 @@ class SummaryParser {
         for (const auto& [triggersOfEach, count] : result.devicesByTriggers) {
             most += triggersOfEach >= FleetSummary::Storm::LEAST_TRIGGERS ? count : 0;
         }
-        result.storms = number(object, "devices", path, 0, most);
-        const auto named = std::min<std::uint64_t>(result.storms, FleetSummary::MOST_STORMS_NAMED);
+        result.stormyDevices = number(object, "devices", path, 0, most);
+        const auto named = std::min<std::uint64_t>(result.stormyDevices, FleetSummary::MOST_STORMS_NAMED);
         if (object["worst"].size() != named) {
             misfit(object["worst"], path + ".worst", std::to_string(named) + " of them");
             return;
@@ -123,12 +123,12 @@ class SummaryParser {
         if (!FleetSummary::isStorm(storm.triggers, storm.events)) {
             json.complain(object, path, "is no storm");
         }
-        if (!result.worst.empty() && storm.comesBefore(result.worst.back())) {
+        if (!result.worstStorms.empty() && storm.comesBefore(result.worstStorms.back())) {
             json.complain(object, path, "expected the most triggers first, then the names in their order");
         }
-        result.worst.push_back(storm);
+        result.worstStorms.push_back(storm);
         const auto known = result.devicesByTriggers.find(storm.triggers);
-        const auto same = std::ranges::count(result.worst, storm.triggers, &FleetSummary::Storm::triggers);
+        const auto same = std::ranges::count(result.worstStorms, storm.triggers, &FleetSummary::Storm::triggers);
         if (known == result.devicesByTriggers.end() || known->second < static_cast<std::uint64_t>(same)) {
             json.complain(object["triggers"], path + ".triggers", "triggers.by_count has fewer devices with so many");
         }
@@ -151,7 +151,7 @@ class SummaryParser {
         return result;
     }
 
-    // That of a configuration lies between its transitions firing on the same devices and each on others.
+    // The number of a configuration lies between its transitions firing on the same devices and each on others.
     void readCount(const Json::Value& object, const std::string& path, FleetSummary::Config& config) {
         std::uint64_t least = 0;
         std::uint64_t most = 0;
@@ -206,7 +206,7 @@ std::optional<FleetSummary> readFleetSummary(const std::string& file, std::size_
     std::vector<std::string> withoutLine;
     auto summary = read(DocumentText(file, std::string(line)), withoutLine);
     if (!summary) {
-        // The same again where the messages are to point to, which is too slow for each of many lines.
+        // It is read again where the messages are to point to, which is too slow for each of many lines.
         read(DocumentText(file, std::string(lineNumber - 1, '\n') + std::string(line)), errors);
     }
     return summary;

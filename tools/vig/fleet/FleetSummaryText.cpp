@@ -1,21 +1,15 @@
-#include "tools/vig/fleet/FleetSummaryText.h"
+#include "tools/vig/fleet/FleetSummary.h"
 
 #include <fmt/format.h>
+
+#include <ranges>
+#include <utility>
 
 #include "tools/vig/words/Text.h"
 
 namespace Brenta::OS::VIG::Tool {
 
 namespace {
-
-// The elements as JSON, with commas between them.
-std::string listOf(const auto& elements, const auto& write) {
-    std::string text;
-    for (const auto& each : elements) {
-        text += (text.empty() ? "" : ",") + write(each);
-    }
-    return "[" + text + "]";
-}
 
 std::string jsonOf(const FleetSummary::Count& count) {
     return fmt::format(R"("devices":{},"fired":{})", count.devices, count.fired);
@@ -27,22 +21,32 @@ std::string jsonOf(const FleetSummary::Transition& transition) {
                        jsonOf(transition.count));
 }
 
-std::string jsonOf(const FleetSummary::Config& config) {
-    return fmt::format(R"({{"path":{},"id":{},{},"transitions":{}}})", quoted(config.path), config.id,
-                       jsonOf(config.count), listOf(config.transitions, [](const auto& each) { return jsonOf(each); }));
-}
-
 std::string jsonOf(const FleetSummary::Storm& storm) {
     return fmt::format(R"({{"device":{},"triggers":{},"events":{}}})", quoted(storm.device), storm.triggers,
                        storm.events);
 }
 
+std::string jsonOf(const std::pair<const std::uint64_t, std::uint64_t>& devicesOfTriggers) {
+    return fmt::format(R"({{"triggers":{},"devices":{}}})", devicesOfTriggers.first, devicesOfTriggers.second);
+}
+
+std::string jsonOf(const FleetSummary::Config& config);
+
+// Returns the elements as a JSON array.
+std::string listOf(const auto& elements) {
+    const auto each = elements | std::views::transform([](const auto& element) { return jsonOf(element); });
+    return fmt::format("[{}]", fmt::join(each, ","));
+}
+
+std::string jsonOf(const FleetSummary::Config& config) {
+    return fmt::format(R"({{"path":{},"id":{},{},"transitions":{}}})", quoted(config.path), config.id,
+                       jsonOf(config.count), listOf(config.transitions));
+}
+
 std::string triggersOf(const FleetSummary& summary) {
-    const std::string byCount = listOf(summary.devicesByTriggers, [](const auto& each) {
-        return fmt::format(R"({{"triggers":{},"devices":{}}})", each.first, each.second);
-    });
     return fmt::format(R"({{"total":{},"median":{},"p99":{},"most":{},"by_count":{}}})", summary.triggers(),
-                       summary.percentile(50), summary.percentile(99), summary.percentile(100), byCount);
+                       summary.percentile(50), summary.percentile(99), summary.percentile(100),
+                       listOf(summary.devicesByTriggers));
 }
 
 std::string countRow(const FleetSummary::Count& count, const std::string& what) {
@@ -64,8 +68,8 @@ std::string textOf(const FleetSummary& summary) {
     add("events", summary.events);
     add("triggers", fmt::format("{} (a device: median {}, 99th percentile {}, most {})", summary.triggers(),
                                 summary.percentile(50), summary.percentile(99), summary.percentile(100)));
-    add("storms", summary.storms);
-    for (const FleetSummary::Storm& each : summary.worst) {
+    add("storms", summary.stormyDevices);
+    for (const FleetSummary::Storm& each : summary.worstStorms) {
         text += fmt::format("  {:>9} triggers in {} events: {}\n", each.triggers, each.events, printable(each.device));
     }
     text += fmt::format("  {:>9}    {:>9}\n", "fired", "devices");
@@ -84,9 +88,8 @@ std::string jsonOf(const FleetSummary& summary, const std::string& first) {
                        R"("storms":{{"devices":{},"worst":{}}},"configs":{}}})"
                        "\n",
                        first, quoted(summary.documentHash), summary.devices(), summary.failed, summary.unfinished,
-                       summary.events, triggersOf(summary), summary.storms,
-                       listOf(summary.worst, [](const auto& each) { return jsonOf(each); }),
-                       listOf(summary.configs, [](const auto& each) { return jsonOf(each); }));
+                       summary.events, triggersOf(summary), summary.stormyDevices, listOf(summary.worstStorms),
+                       listOf(summary.configs));
 }
 
 }  // namespace Brenta::OS::VIG::Tool

@@ -9,8 +9,7 @@
 #include "tools/vig/arguments/CommandLine.h"
 #include "tools/vig/events/EventInput.h"
 #include "tools/vig/events/LineReader.h"
-#include "tools/vig/fleet/FleetSummaryReader.h"
-#include "tools/vig/fleet/FleetSummaryText.h"
+#include "tools/vig/fleet/FleetSummary.h"
 #include "tools/vig/io/Output.h"
 #include "tools/vig/words/Text.h"
 
@@ -46,7 +45,7 @@ class Merger {
         return status == LineReader::Status::Interrupted ? std::optional(kExitInterrupted) : std::nullopt;
     }
 
-    // Empty if there was none.
+    // It is empty if there was no summary.
     const std::optional<FleetSummary>& result() const { return merged; }
 
   private:

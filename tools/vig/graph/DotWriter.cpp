@@ -1,4 +1,4 @@
-#include "tools/vig/graph/DotWriter.h"
+#include "tools/vig/graph/Pictures.h"
 
 #include <fmt/format.h>
 
@@ -10,7 +10,6 @@
 #include <utility>
 
 #include "rulesengine/FiniteStateMachine.h"
-#include "tools/vig/graph/GraphText.h"
 
 namespace Brenta::OS::VIG::Tool {
 
@@ -208,7 +207,7 @@ class DotWriter {
         return messages;
     }
 
-    // As an attribute, with what separates it from the next one.
+    // Returns it as an attribute, with what separates it from the next one.
     static std::string tooltip(const std::string& text) {
         return text.empty() ? "" : fmt::format("tooltip=\"{}\", ", escaped(text));
     }

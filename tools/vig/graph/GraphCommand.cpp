@@ -1,66 +1,56 @@
 #include "tools/vig/graph/GraphCommand.h"
 
-#include <host/Host.h>
+#include <unistd.h>
 
-#include <algorithm>
-#include <string_view>
-#include <utility>
+#include <optional>
 #include <vector>
 
 #include "tools/vig/arguments/CommandLine.h"
 #include "tools/vig/check/Catalogue.h"
 #include "tools/vig/check/Checker.h"
-#include "tools/vig/document/DocumentText.h"
 #include "tools/vig/document/Registry.h"
-#include "tools/vig/graph/DotWriter.h"
-#include "tools/vig/graph/Graphviz.h"
-#include "tools/vig/graph/MermaidWriter.h"
+#include "tools/vig/graph/Pictures.h"
 #include "tools/vig/graph/RuleGraph.h"
-#include "tools/vig/io/FileText.h"
 #include "tools/vig/io/Output.h"
-#include "vig/parsers/VIGResponseParser.h"
+#include "tools/vig/run/Replay.h"
+#include "tools/vig/trace/Trace.h"
 
 namespace Brenta::OS::VIG::Tool {
 
 namespace {
 
-// `vig check` tells what the library says about a document; a picture needs only its verdict.
-bool isAccepted(const DocumentText& document) {
-    const host::LogSink previous = host::setLogSink([](int, std::string_view, std::string_view) {});
-    const auto parsed = VIGResponseParser().parse(document.root(), libraryRegistry());
-    host::setLogSink(previous);
-    return parsed.error == VIGParseError::Ok;
-}
+// Counts what the machines do with their transitions.
+class TransitionCounter final : public Trace {
+  public:
+    // The elements have the indices of the configuration and of the transition, both in document order.
+    std::vector<std::vector<Traffic>> traffic;
 
-std::vector<ConfigModel> modelsOf(const DocumentText& document) {
-    std::vector<ConfigModel> models;
-    for (Json::ArrayIndex index = 0; index < document.root()["configs"].size(); ++index) {
-        models.push_back(modelOf(document, index));
+    void loaded(const TracedDocument& document) override {
+        for (const ConfigModel& config : document.configs) {
+            traffic.emplace_back(config.transitions.size());
+        }
     }
-    return models;
-}
 
-// What each transition did in a replay of the events, by configuration; empty if none is asked for. Sets `status` if
-// that fails, having said why.
-std::vector<std::vector<Traffic>> trafficOf(const GraphOptions& options, const std::vector<ConfigModel>& models,
-                                            const Console& console, const Interruption& interruption, int& status) {
-    if (options.events.empty()) {
-        return {};
+    void step(const Step& step) override {
+        for (const Attempt& attempt : step.attempts) {
+            Traffic& count = traffic[step.machine.index][attempt.index];
+            ++count.tried;
+            count.fired += attempt.fired ? 1 : 0;
+        }
     }
-    RunOptions replay;
-    replay.rules = options.rules;
-    replay.seed = options.seed;
-    replay.contextFile = options.contextFile;
-    replay.events = options.events;
-    TransitionCounts counts;
-    status = countTransitions(replay, console, interruption, counts);
-    const bool sameDocument = std::ranges::equal(counts.byConfig(), models, {}, &std::vector<Traffic>::size,
-                                                 [](const ConfigModel& each) { return each.transitions.size(); });
-    if (status == kExitDone && !sameDocument) {
-        console.complain(options.rules + ": changed while it was read");
-        status = kExitUnusable;
+};
+
+// Offers the events to the machines. If that fails, says why and returns the exit status.
+std::optional<int> replay(const GraphOptions& options, RuleRun& rules, const Console& console,
+                          const Interruption& interruption) {
+    Replay replay(options.events, console, interruption);
+    rules.session().start();
+    replay.offerTo(rules.session().machines(), rules.output(), console.err);
+    if (!replay.problem().empty()) {
+        console.say(replay.problem());
+        return kExitUnusable;
     }
-    return counts.byConfig();
+    return interruption.requested() ? std::optional(kExitInterrupted) : std::nullopt;
 }
 
 int write(const std::string& text, const Console& console) {
@@ -110,28 +100,26 @@ int graph(const GraphOptions& options, const Console& console, const Interruptio
         console.complain("standard output is a terminal, which cannot show a PNG; redirect it to a file");
         return kExitUnusable;
     }
-    std::string problem;
-    auto text = readFile(options.rules, interruption, problem);
+    TransitionCounter counter;
+    RuleRun rules(options, ReportFormat::None, console, interruption);
+    if (!options.events.empty()) {
+        rules.observe(counter);
+    }
+    if (const auto status = rules.load(RuleSession::Changes::Ignore)) {
+        if (*status == kExitRefused) {
+            console.say(options.rules + ": error: refused; `vig check " + options.rules + "` tells what is wrong");
+        }
+        return *status;
+    }
+    const TracedDocument& document = rules.session().document();
+    const std::vector<Diagnostic> findings = check(document.text, libraryRegistry(), Catalogue::builtIn());
     if (interruption.requested()) {
         return kExitInterrupted;
     }
-    if (!text) {
-        console.complain(options.rules + ": " + problem);
-        return kExitUnusable;
+    if (const auto status = options.events.empty() ? std::nullopt : replay(options, rules, console, interruption)) {
+        return *status;
     }
-    const DocumentText document(options.rules, std::move(*text));
-    if (!isAccepted(document)) {
-        console.say(options.rules + ": error: refused; `vig check " + options.rules + "` tells what is wrong");
-        return kExitRefused;
-    }
-    const std::vector<ConfigModel> models = modelsOf(document);
-    const std::vector<Diagnostic> findings = check(document, libraryRegistry(), Catalogue::builtIn());
-    if (interruption.requested()) {
-        return kExitInterrupted;
-    }
-    int status = kExitDone;
-    const auto traffic = trafficOf(options, models, console, interruption, status);
-    return status == kExitDone ? draw(graphsOf(models, findings, traffic), options, console, interruption) : status;
+    return draw(graphsOf(document.configs, findings, counter.traffic), options, console, interruption);
 }
 
 constexpr const char* kHelp =

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstdint>
 #include <string>
 
 #include "tools/vig/io/Console.h"
@@ -13,12 +12,9 @@ class CommandLine;
 
 enum class GraphFormat { Dot, Svg, Png, Mermaid };
 
-struct GraphOptions {
-    std::string rules;
+struct GraphOptions : MachineOptions {
     GraphFormat format = GraphFormat::Dot;
     std::string events;  // a file of event records to replay, empty for none
-    std::uint32_t seed = RuleOptions().seed;
-    std::string contextFile;  // of the replay; empty if there is none
 };
 
 // `vig graph`: draws the machines of a rule document. Returns the exit status.

@@ -1,4 +1,4 @@
-#include "tools/vig/graph/Graphviz.h"
+#include "tools/vig/graph/Pictures.h"
 
 #include <poll.h>
 #include <signal.h>
@@ -41,7 +41,7 @@ struct Streams {
 
     bool areOpen() const { return in.ours && out.ours && err.ours; }
 
-    // So that the end of what the program writes can be seen.
+    // Otherwise the end of what the program writes could not be seen.
     void closeTheirs() {
         for (Stream* const each : {&in, &out, &err}) {
             each->theirs.reset();
@@ -128,7 +128,7 @@ bool exchange(std::string_view dot, const Streams& streams, Rendering& rendering
     return true;
 }
 
-// Whether the program has ended well.
+// Returns true if the program has ended well.
 bool awaitEnd(pid_t process) {
     int status = 0;
     while (waitpid(process, &status, 0) < 0 && errno == EINTR) {

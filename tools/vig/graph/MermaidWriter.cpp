@@ -1,4 +1,4 @@
-#include "tools/vig/graph/MermaidWriter.h"
+#include "tools/vig/graph/Pictures.h"
 
 #include <fmt/format.h>
 
@@ -6,7 +6,6 @@
 #include <string_view>
 
 #include "rulesengine/FiniteStateMachine.h"
-#include "tools/vig/graph/GraphText.h"
 
 namespace Brenta::OS::VIG::Tool {
 

@@ -99,7 +99,7 @@ GraphArrow sumOf(std::span<const GraphArrow> arrows) {
     return sum;
 }
 
-// Of too many arrows to one target with the same kind of traffic, the first ones stay and one more stands for the rest.
+// If too many arrows with one kind of traffic lead to one target, the first ones stay and one more stands for the rest.
 void mergeParallels(std::vector<GraphArrow>& arrows) {
     std::map<std::pair<std::size_t, TrafficKind>, std::vector<GraphArrow>> groups;
     for (GraphArrow& each : arrows) {

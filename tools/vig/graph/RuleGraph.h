@@ -8,7 +8,6 @@
 
 #include "tools/vig/check/Diagnostic.h"
 #include "tools/vig/document/RuleModel.h"
-#include "tools/vig/graph/TransitionCounts.h"
 
 namespace Brenta::OS::VIG::Tool {
 
@@ -21,8 +20,11 @@ struct GraphMark {
     std::string message;
 };
 
-// What a replay made of one or several transitions.
-using Traffic = TransitionCounts::Count;
+// It tells what a replay made of one or several transitions.
+struct Traffic {
+    std::uint64_t tried = 0;  // an event came for which it listens, and no earlier transition fired
+    std::uint64_t fired = 0;
+};
 
 enum class TrafficKind { Unknown, NeverTried, NeverFired, Fired };
 
@@ -53,7 +55,7 @@ struct RuleGraph {
     std::vector<GraphMark> marks;    // of the configuration as a whole
 };
 
-// How many arrows lead from one state to another, at most, of each kind of traffic.
+// At most so many arrows of each kind of traffic lead from one state to another.
 inline constexpr std::size_t kMostParallelArrows = 4;
 
 // One graph a configuration. A finding marks the transition that its path lies in; the state, if the path ends with

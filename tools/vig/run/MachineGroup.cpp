@@ -10,6 +10,7 @@ namespace Brenta::OS::VIG::Tool {
 
 using RulesEngine::Event;
 using RulesEngine::EventType;
+using RulesEngine::FiniteStateMachine;
 using RulesEngine::State;
 
 MachineGroup::MachineGroup(const AttributeSet& contextAttributes, Report& target, Tracer* watcher)
@@ -27,52 +28,41 @@ void MachineGroup::adopt(Configs delivered) {
     }
 }
 
-void MachineGroup::start() {
-    current = 0;
+void MachineGroup::drive(EventType type, std::optional<std::int64_t> timeMs, bool raised, const auto& act) {
     for (const Machine& each : machines) {
         driven = &each;
         if (tracer != nullptr) {
-            tracer->begin(current, EventType::EnteringState, std::nullopt, each.name, each.state->getName(), true);
+            tracer->begin(current, type, timeMs, each.name, each.state->getName(), raised);
         }
-        each.machine->start();
+        act(*each.machine);
         if (tracer != nullptr) {
             tracer->end();
         }
     }
-    reportMoves();
-}
-
-void MachineGroup::offer(const EventRecord& record) {
-    current = ++events;
-    if (record.type == EventType::Timeout) {
-        drive(RecordedTimeoutEvent(record.attributes, *record.timeoutId), record.timeMs);
-    } else {
-        drive(RecordedEvent(record.attributes, record.type), record.timeMs);
-    }
-}
-
-void MachineGroup::drive(const Event& event, std::optional<std::int64_t> timeMs) {
-    for (const Machine& each : machines) {
-        driven = &each;
-        if (tracer != nullptr) {
-            tracer->begin(current, event.type, timeMs, each.name, each.state->getName(), false);
-        }
-        each.machine->onEvent(event);
-        if (tracer != nullptr) {
-            tracer->end();
-        }
-    }
-    reportMoves();
-}
-
-// After all that the event has caused: the report lists moves last.
-void MachineGroup::reportMoves() {
+    // The report lists moves last, after all that the event has caused.
     for (Machine& each : machines) {
         State* const reached = each.machine->getCurrentState();
         if (reached != each.state) {
             report.move({current, each.name, each.state->getName(), reached->getName()});
             each.state = reached;
         }
+    }
+}
+
+void MachineGroup::start() {
+    current = 0;
+    drive(EventType::EnteringState, std::nullopt, true, [](FiniteStateMachine& machine) { machine.start(); });
+}
+
+void MachineGroup::offer(const EventRecord& record) {
+    current = ++events;
+    const auto offerThis = [&](const Event& event) {
+        drive(event.type, record.timeMs, false, [&](FiniteStateMachine& machine) { machine.onEvent(event); });
+    };
+    if (record.type == EventType::Timeout) {
+        offerThis(RecordedTimeoutEvent(record.attributes, *record.timeoutId));
+    } else {
+        offerThis(RecordedEvent(record.attributes, record.type));
     }
 }
 

@@ -34,14 +34,14 @@ class MachineGroup final : public PlatformServices::Receiver {
 
     void offer(const EventRecord& record);
 
-    // What is logged until the next event belongs to none.
+    // Lets what is logged until the next event belong to none.
     void leaveEvent() { current = 0; }
 
     std::size_t size() const { return machines.size(); }
     std::uint64_t eventCount() const { return events; }
     std::uint64_t triggerCount() const { return triggers; }
 
-    // Of everything since the beginning; `sampling` is empty.
+    // The summary is of everything since the beginning; its `sampling` is empty.
     Summary summary() const;
 
     void onLog(int priority, std::string_view tag, std::string_view message) override;
@@ -55,8 +55,8 @@ class MachineGroup final : public PlatformServices::Receiver {
         RulesEngine::State* state;  // as it has been reported
     };
 
-    void drive(const RulesEngine::Event& event, std::optional<std::int64_t> timeMs);
-    void reportMoves();
+    // Has each machine do something, which an event of that type causes. `raised` is true if it makes the event itself.
+    void drive(RulesEngine::EventType type, std::optional<std::int64_t> timeMs, bool raised, const auto& act);
 
     const AttributeSet& context;
     Report& report;

@@ -4,79 +4,66 @@
 
 #include <cerrno>
 #include <cstdint>
-#include <string>
 
 #include "tools/vig/events/EventInput.h"
-#include "tools/vig/run/RunCommand.h"
+#include "tools/vig/events/EventReader.h"
+#include "tools/vig/io/Progress.h"
 #include "tools/vig/words/Text.h"
 
 namespace Brenta::OS::VIG::Tool {
 
 namespace {
 
-// In bytes, 0 if it is not known before the end.
-std::uint64_t sizeOf(int file) {
+// Returns no open file, with errno set, if the records cannot be read: a folder can only be opened.
+Descriptor openRecords(const std::string& events, const Console& console) {
+    Descriptor file = openEvents(events, console);
     struct stat status = {};
-    const bool known = fstat(file, &status) == 0 && S_ISREG(status.st_mode);
+    if (file.isOpen() && fstat(file.get(), &status) == 0 && S_ISDIR(status.st_mode)) {
+        errno = EISDIR;
+        return Descriptor(-1);
+    }
+    return file;
+}
+
+// Returns the size in bytes, or 0 if it is not known before the end.
+std::uint64_t sizeOf(const Descriptor& file) {
+    struct stat status = {};
+    const bool known = fstat(file.get(), &status) == 0 && S_ISREG(status.st_mode);
     return known ? static_cast<std::uint64_t>(status.st_size) : 0;
 }
 
 }  // namespace
 
-Replay::Replay(const RunOptions& runOptions, const Console& streams, const Interruption& interruptedBy)
-    : options(runOptions),
-      console(streams),
-      interruption(interruptedBy),
-      file(openEvents(options.events, console)),
-      openError(errno),
-      rules(options, console, interruption) {}
-
-std::optional<int> Replay::begin() {
-    if (file.isOpen()) {
-        return rules.begin(RuleSession::Changes::Ignore);
+Replay::Replay(const std::string& recordedEvents, const Console& console, const Interruption& interruptedBy)
+    : events(recordedEvents), interruption(interruptedBy), file(openRecords(events, console)) {
+    if (!file.isOpen() && !interruption.requested()) {
+        reason = "vig: error: " + (isStandardInput(events) ? "standard input" : events) + ": " + systemError(errno);
     }
-    if (interruption.requested()) {
-        return kExitInterrupted;
-    }
-    console.complain((isStandardInput(options.events) ? "standard input" : options.events) + ": " +
-                     systemError(openError));
-    return kExitUnusable;
 }
 
-std::optional<int> Replay::offerAll() {
-    Progress progress(console.err, sizeOf(file.get()));
-    rules.output().beforeWriting([&] { progress.clear(); });
-    EventReader reader(file.get(), nameOfEvents(options.events), interruption, [&] {
-        rules.output().flush();
-        progress.showIfDue(rules.session().eventCount(), reader.bytesRead());
+bool Replay::offerTo(MachineGroup& machines, Output& output, int terminal) {
+    if (!file.isOpen()) {
+        return false;
+    }
+    Progress progress(terminal, sizeOf(file));
+    output.beforeWriting([&] { progress.clear(); });
+    EventReader reader(file.get(), nameOfEvents(events), interruption, [&] {
+        output.flush();
+        progress.showIfDue(machines.eventCount(), reader.bytesRead());
     });
-    const auto status = offerEach(reader, progress);
-    progress.clear();
-    rules.output().beforeWriting({});
-    if (status != EventReader::Status::Failed) {
-        return std::nullopt;
-    }
-    rules.complainAfterOutput(reader.error());
-    return kExitUnusable;
-}
-
-// Returns the status of the last read.
-EventReader::Status Replay::offerEach(EventReader& reader, Progress& progress) {
-    RuleSession& session = rules.session();
     EventRecord record;
-    while (!rules.mustStop()) {
-        const auto status = reader.next(record);
-        if (status != EventReader::Status::Record) {
-            return status;
-        }
-        session.offer(record);
-        progress.update(session.eventCount(), reader.bytesRead());
+    auto status = EventReader::Status::Record;
+    while (!interruption.requested() && !output.failed() &&
+           (status = reader.next(record)) == EventReader::Status::Record) {
+        machines.offer(record);
+        progress.update(machines.eventCount(), reader.bytesRead());
     }
-    return EventReader::Status::Interrupted;
-}
-
-int Replay::finish() {
-    return rules.finish(interruption.requested() ? kExitInterrupted : kExitDone, std::nullopt);
+    progress.clear();
+    output.beforeWriting({});
+    if (status == EventReader::Status::Failed) {
+        reason = reader.error();
+    }
+    return status == EventReader::Status::End;
 }
 
 }  // namespace Brenta::OS::VIG::Tool

@@ -1,46 +1,35 @@
 #pragma once
 
-#include <optional>
+#include <string>
 
-#include "tools/vig/events/EventReader.h"
 #include "tools/vig/io/Console.h"
 #include "tools/vig/io/Descriptor.h"
 #include "tools/vig/io/Interruption.h"
-#include "tools/vig/io/Progress.h"
-#include "tools/vig/run/RuleRun.h"
+#include "tools/vig/io/Output.h"
+#include "tools/vig/run/MachineGroup.h"
 
 namespace Brenta::OS::VIG::Tool {
 
-struct RunOptions;
-
-// Recorded events on their way to the machines of a rule document, for the verbs that replay. The options must
-// outlive it.
+// The recorded events of one device on their way to machines, for every verb that replays.
 class Replay {
   public:
-    Replay(const RunOptions& runOptions, const Console& streams, const Interruption& interruptedBy);
+    // Opens the records: a file, or "-" for standard input.
+    Replay(const std::string& recordedEvents, const Console& console, const Interruption& interruptedBy);
 
-    // To be observed, and for what it reports.
-    RuleRun& ruleRun() { return rules; }
+    bool isOpen() const { return file.isOpen(); }
 
-    // Opens the records and starts the machines. If that fails, says why and returns the exit status.
-    std::optional<int> begin();
+    // The line that says why the records cannot be read, or not to their end; empty if nothing is wrong with them.
+    const std::string& problem() const { return reason; }
 
-    // Offers all records. If one is bad, says so and returns the exit status; not if it was interrupted.
-    // REQUIRES: begin() has returned nothing.
-    std::optional<int> offerAll();
-
-    // Reports the end and returns the exit status.
-    int finish();
+    // Offers the records, if they are open, until they end or are bad, or the run is interrupted or nobody can read the
+    // output any more. Returns true if they ended. `terminal` shows how far it is; -1 if nobody wants to know.
+    bool offerTo(MachineGroup& machines, Output& output, int terminal);
 
   private:
-    EventReader::Status offerEach(EventReader& reader, Progress& progress);
-
-    const RunOptions& options;
-    const Console& console;
+    const std::string events;
     const Interruption& interruption;
     const Descriptor file;
-    const int openError;
-    RuleRun rules;
+    std::string reason;
 };
 
 }  // namespace Brenta::OS::VIG::Tool

@@ -15,7 +15,7 @@
 
 namespace Brenta::OS::VIG::Tool {
 
-// Where the manager's threads leave a delivery for the thread that drives the machines.
+// Here the manager's threads leave a delivery for the thread that drives the machines.
 class RuleDocument::Slot {
   public:
     Slot() : event(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {}

@@ -30,7 +30,7 @@ class RuleDocument {
     RuleDocument& operator=(const RuleDocument&) = delete;
     ~RuleDocument();
 
-    // Readable while a delivery waits.
+    // The descriptor is readable while a delivery waits.
     int descriptor() const;
 
     // The latest delivery since the last call, if any: saving the file brings another one.

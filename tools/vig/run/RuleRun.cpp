@@ -10,52 +10,29 @@
 #include "tools/vig/events/EventReader.h"
 #include "tools/vig/io/Descriptor.h"
 #include "tools/vig/io/FileText.h"
-#include "tools/vig/run/JsonlReport.h"
-#include "tools/vig/run/TextReport.h"
 #include "tools/vig/words/Text.h"
 
 namespace Brenta::OS::VIG::Tool {
 
-std::unique_ptr<Report> reportOf(ReportFormat format, Output& output, bool coloured, const std::string& device) {
-    switch (format) {
-        case ReportFormat::Text:
-            return std::make_unique<TextReport>(output, coloured);
-        case ReportFormat::Jsonl:
-            return std::make_unique<JsonlReport>(output, device);
-        case ReportFormat::Json:
-        case ReportFormat::None:
-            break;
-    }
-    return std::make_unique<NoReport>();
-}
-
-RuleRun::RuleRun(const RuleOptions& ruleOptions, const Console& streams, const Interruption& interruptedBy)
-    : options(ruleOptions),
+RuleRun::RuleRun(const MachineOptions& machineOptions, ReportFormat format, const Console& streams,
+                 const Interruption& interruptedBy)
+    : options(machineOptions),
       console(streams),
       interruption(interruptedBy),
       out(streams.out),
-      report(reportOf(options.format, out, console.wantsColours(), "")) {}
+      report(reportOf(format, out, console.wantsColours(), "")) {}
 
-std::optional<int> RuleRun::begin(RuleSession::Changes later) {
-    return begin(&RuleSession::load, later);
-}
-
-std::optional<int> RuleRun::receive(RuleSession::Changes later) {
-    return begin(&RuleSession::receive, later);
-}
-
-std::optional<int> RuleRun::begin(Load load, RuleSession::Changes later) {
+std::optional<int> RuleRun::load(RuleSession::Changes later) {
     AttributeSet context;
     if (const auto status = options.contextFile.empty() ? std::nullopt : readContext(context)) {
         return status;
     }
     rules.emplace(options.rules, options.seed, std::move(context), *report, trace);
-    switch (((*rules).*load)(later, interruption)) {
+    switch (rules->load(later, interruption)) {
         case RuleSession::Loading::Done:
             return std::nullopt;
         case RuleSession::Loading::Refused:
-            complainAfterOutput(options.rules + ": error: " + rules->problem());
-            return abandon(kExitRefused);
+            return kExitRefused;
         case RuleSession::Loading::Unreadable:
             console.complain(options.rules + ": " + rules->problem());
             return kExitUnusable;
@@ -97,13 +74,16 @@ void RuleRun::complainAfterOutput(std::string_view line) {
 }
 
 int RuleRun::finish(int status, std::optional<Summary::Sampling> sampling) {
-    Summary summary = rules->summary();
+    Summary summary = rules->machines().summary();
     summary.sampling = std::move(sampling);
     report->end(summary);
     return abandon(status);
 }
 
 int RuleRun::abandon(int status) {
+    if (status == kExitRefused) {
+        complainAfterOutput(options.rules + ": error: " + rules->problem());
+    }
     return console.finish(out, status);
 }
 

@@ -50,14 +50,6 @@ RuleSession::RuleSession(std::string rulesPath, std::uint32_t seed, AttributeSet
 }
 
 RuleSession::Loading RuleSession::load(Changes later, const Interruption& interruption) {
-    const Loading loading = receive(later, interruption);
-    if (loading == Loading::Done) {
-        group.start();
-    }
-    return loading;
-}
-
-RuleSession::Loading RuleSession::receive(Changes later, const Interruption& interruption) {
     reason = whyUnreadable(path);
     if (!reason.empty()) {
         return Loading::Unreadable;
@@ -65,20 +57,20 @@ RuleSession::Loading RuleSession::receive(Changes later, const Interruption& int
     if (isPipe(path) && !copyPipe(interruption)) {
         return interruption.requested() ? Loading::Interrupted : Loading::Unreadable;
     }
-    document.emplace(pipeCopy ? "/proc/self/fd/" + std::to_string(pipeCopy->get()) : path, tracer.get());
-    pollfd sources[] = {{document->descriptor(), POLLIN, 0}, {interruption.descriptor(), POLLIN, 0}};
+    deliveries.emplace(pipeCopy ? "/proc/self/fd/" + std::to_string(pipeCopy->get()) : path, tracer.get());
+    pollfd sources[] = {{deliveries->descriptor(), POLLIN, 0}, {interruption.descriptor(), POLLIN, 0}};
     while (poll(sources, 2, kLongestWaitMs) < 0 && !interruption.requested()) {
     }
     if (interruption.requested()) {
         return Loading::Interrupted;
     }
-    auto delivery = document->take();
+    auto delivery = deliveries->take();
     if (!delivery) {
         reason = "the device configuration did not deliver it";
         return Loading::Unreadable;
     }
     if (later == Changes::Ignore || delivery->error != VIGParseError::Ok) {
-        document->close();
+        deliveries->close();
     } else {
         // The manager listens for changes only after it has delivered: until then a saved document goes unnoticed.
         services.awaitLine("ViG device config is available now.", kLongestSubscription);
@@ -110,7 +102,7 @@ bool RuleSession::copyPipe(const Interruption& interruption) {
 }
 
 bool RuleSession::update() {
-    auto delivery = document->take();
+    auto delivery = deliveries->take();
     group.leaveEvent();
     services.passOnLines();
     if (!delivery) {
@@ -129,8 +121,15 @@ void RuleSession::adopt(Delivery delivery) {
     if (isGone) {
         reason = whyUnreadable(path);
     }
-    group.adopt(tracer && reason.empty() ? tracer->watch(path, std::move(delivery.text), delivery.configs)
-                                         : std::move(delivery.configs));
+    if (reason.empty()) {
+        model.reset();
+        text = std::move(delivery.text);
+    }
+    group.adopt(tracer && reason.empty() ? tracer->watch(document(), delivery.configs) : std::move(delivery.configs));
+}
+
+const TracedDocument& RuleSession::document() {
+    return model ? *model : model.emplace(path, std::move(text));
 }
 
 }  // namespace Brenta::OS::VIG::Tool

@@ -17,8 +17,9 @@
 
 namespace Brenta::OS::VIG::Tool {
 
-// The machines of a rule document at work: started when the document is delivered, offered one event after the other,
-// with everything that they do in the report. Used on one thread; one object at a time.
+// A rule document as it is delivered on a device, and its machines at work, with everything that they do in the
+// report. The document is read once for each delivery: whoever wants to know more of it than its machines do asks for
+// the very text that they were made of. Used on one thread; one object at a time.
 class RuleSession final {
   public:
     enum class Loading { Done, Refused, Unreadable, Interrupted };
@@ -32,30 +33,29 @@ class RuleSession final {
     RuleSession(const RuleSession&) = delete;
     RuleSession& operator=(const RuleSession&) = delete;
 
-    // Waits for the document and starts its machines. `interruption` ends the waiting.
+    // Waits for the document. `interruption` ends the waiting.
     Loading load(Changes later, const Interruption& interruption);
 
-    // The same without starting the machines, for whoever wants only the document.
-    Loading receive(Changes later, const Interruption& interruption);
+    // REQUIRES: load() has returned Done.
+    void start() { group.start(); }
+
+    // The latest document that was accepted. It lives until another one is, or the session ends. REQUIRES: there is
+    // one.
+    const TracedDocument& document();
 
     const AttributeSet& contextAttributes() const { return context; }
 
-    // Why the latest document was refused or cannot be read; empty if it was accepted.
+    // Returns why the latest document was refused or cannot be read; empty if it was accepted.
     const std::string& problem() const { return reason; }
 
-    // Readable while a changed document waits for update(), if changes are followed.
-    int changesDescriptor() const { return document->descriptor(); }
+    // The descriptor is readable while a changed document waits for update(), if changes are followed.
+    int changesDescriptor() const { return deliveries->descriptor(); }
 
     // Reports what other threads have logged. Puts the machines of a changed document, if there is one, in the place
     // of the previous ones: none if it is refused. Returns whether there was one.
     bool update();
 
-    void offer(const EventRecord& record) { group.offer(record); }
-
-    std::uint64_t eventCount() const { return group.eventCount(); }
-
-    // Of everything since the beginning; `sampling` is empty.
-    Summary summary() const { return group.summary(); }
+    MachineGroup& machines() { return group; }
 
   private:
     bool copyPipe(const Interruption& interruption);
@@ -65,10 +65,12 @@ class RuleSession final {
     const AttributeSet context;
     Report& report;
     const std::unique_ptr<Tracer> tracer;  // null if nobody wants a trace
+    std::string text;                      // of the accepted document, until `model` has it
+    std::optional<TracedDocument> model;   // made when it is asked for
     MachineGroup group;
     PlatformServices services;
     std::optional<Descriptor> pipeCopy;  // in memory, if the document comes by a pipe
-    std::optional<RuleDocument> document;
+    std::optional<RuleDocument> deliveries;
     std::string reason;
     bool isGone = false;  // the document can no longer be read
 };

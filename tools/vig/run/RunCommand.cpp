@@ -52,23 +52,31 @@ class Explanations final : public Trace {
 }  // namespace
 
 int run(const RunOptions& options, const Console& console, const Interruption& interruption) {
-    Replay replay(options, console, interruption);
-    Explanations explanations(options, replay.ruleRun().reporter());
+    RuleRun rules(options, options.format, console, interruption);
+    Explanations explanations(options, rules.reporter());
     if (options.explain || !options.whyNot.empty()) {
-        replay.ruleRun().observe(explanations);
+        rules.observe(explanations);
     }
-    if (const auto status = replay.begin()) {
-        return *status;
-    }
-    if (const std::string problem = explanations.problem(); !problem.empty()) {
-        replay.ruleRun().complainAfterOutput(options.rules + ": error: " + problem);
+    Replay replay(options.events, console, interruption);
+    if (!replay.problem().empty()) {
+        console.say(replay.problem());
         return kExitUnusable;
     }
-    if (const auto status = replay.offerAll()) {
-        return *status;
+    if (const auto status = rules.load(RuleSession::Changes::Ignore)) {
+        return rules.abandon(*status);
+    }
+    rules.session().start();
+    if (const std::string problem = explanations.problem(); !problem.empty()) {
+        rules.complainAfterOutput(options.rules + ": error: " + problem);
+        return kExitUnusable;
+    }
+    replay.offerTo(rules.session().machines(), rules.output(), console.err);
+    if (!replay.problem().empty()) {
+        rules.complainAfterOutput(replay.problem());
+        return kExitUnusable;
     }
     explanations.end();
-    return replay.finish();
+    return rules.finish(interruption.requested() ? kExitInterrupted : kExitDone, std::nullopt);
 }
 
 }  // namespace Brenta::OS::VIG::Tool

@@ -98,13 +98,14 @@ RuleSession::Loading play(RuleSession& session, const TestCase& test, Report& re
     if (loading != RuleSession::Loading::Done) {
         return loading;
     }
+    session.start();
     for (const EventRecord& event : *test.events) {
         if (interruption.requested()) {
             return RuleSession::Loading::Interrupted;
         }
-        session.offer(event);
+        session.machines().offer(event);
     }
-    report.end(session.summary());
+    report.end(session.machines().summary());
     return loading;
 }
 

@@ -215,14 +215,13 @@ VIGParserConfig Tracer::registryFrom(const VIGParserConfig& library) const {
                            watched(library.getStringPureFunctions(), recorder), {});
 }
 
-std::vector<std::unique_ptr<VIGConfig>> Tracer::watch(std::string fileName, std::string text,
+std::vector<std::unique_ptr<VIGConfig>> Tracer::watch(const TracedDocument& document,
                                                       const std::vector<std::unique_ptr<VIGConfig>>& configs) {
-    document = std::make_unique<TracedDocument>(std::move(fileName), std::move(text));
-    auto result = rebuilt(
-        configs, document->configs, [this](const Transition& transition, std::size_t config, std::size_t index) {
-            return watched(transition, index, document->configs[config].transitions[index], *recorder);
+    auto result =
+        rebuilt(configs, document.configs, [&](const Transition& transition, std::size_t config, std::size_t index) {
+            return watched(transition, index, document.configs[config].transitions[index], *recorder);
         });
-    recorder->trace.loaded(*document);
+    recorder->trace.loaded(document);
     return result;
 }
 

@@ -29,8 +29,8 @@ class Tracer {
     // The same registry, whose functions tell what they return. A document has to be parsed with it. Any thread.
     VIGParserConfig registryFrom(const VIGParserConfig& library) const;
 
-    // Watched configurations in place of those that the library made of the text.
-    std::vector<std::unique_ptr<VIGConfig>> watch(std::string fileName, std::string text,
+    // Watched configurations in place of those that the library made of the document, which must outlive them.
+    std::vector<std::unique_ptr<VIGConfig>> watch(const TracedDocument& document,
                                                   const std::vector<std::unique_ptr<VIGConfig>>& configs);
 
     // To be called around each call that drives a machine. `raised` is whether the machine makes the event itself.
@@ -40,7 +40,6 @@ class Tracer {
 
   private:
     const std::shared_ptr<StepRecorder> recorder;
-    std::unique_ptr<TracedDocument> document;
 };
 
 }  // namespace Brenta::OS::VIG::Tool

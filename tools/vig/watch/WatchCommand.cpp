@@ -95,7 +95,7 @@ class Watch {
             if (record != nullptr) {
                 writeEvent(*record, event);
             }
-            ruleRun.session().offer(event);
+            ruleRun.session().machines().offer(event);
         });
         if (record != nullptr) {
             record->flush();
@@ -143,10 +143,11 @@ int watch(const WatchOptions& options, const Console& console, const Interruptio
         console.complain(options.recordFile + ": it is an input of this very run");
         return kExitUnusable;
     }
-    RuleRun ruleRun(options, console, interruption);
-    if (const auto status = ruleRun.begin(RuleSession::Changes::Follow)) {
-        return *status;
+    RuleRun ruleRun(options, options.format, console, interruption);
+    if (const auto status = ruleRun.load(RuleSession::Changes::Follow)) {
+        return ruleRun.abandon(*status);
     }
+    ruleRun.session().start();
     // Not before the rules are known to run: the earlier recording may be all that there is, and a new file would have
     // to be taken away again, which by its name can be another one by then.
     const Descriptor file(recording ? openRecord(options) : -1);

@@ -1,4 +1,4 @@
-#include "tools/vig/graph/GraphText.h"
+#include "tools/vig/graph/Pictures.h"
 
 #include <algorithm>
 
@@ -13,7 +13,7 @@ constexpr std::size_t kLongestLine = 56;
 constexpr std::size_t kLongestMessage = 400;
 constexpr std::size_t kMostLines = 8;
 
-// At most kMostLines, the last one telling how many were left out.
+// Returns at most kMostLines, the last one telling how many were left out.
 std::vector<std::string> linesOf(const std::vector<std::string>& texts, std::string_view begin) {
     const std::size_t shown = texts.size() > kMostLines ? kMostLines - 1 : texts.size();
     std::vector<std::string> lines;

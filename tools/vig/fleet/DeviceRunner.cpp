@@ -1,15 +1,12 @@
-#include "tools/vig/fleet/DeviceRun.h"
+#include "tools/vig/fleet/DeviceRunner.h"
 
-#include <sys/stat.h>
-
-#include <cerrno>
 #include <memory>
 #include <utility>
 
 #include "rulesengine/Filter.h"
 #include "tools/vig/events/EventInput.h"
-#include "tools/vig/events/EventReader.h"
 #include "tools/vig/run/PlatformServices.h"
+#include "tools/vig/run/Replay.h"
 #include "tools/vig/trace/RebuiltMachines.h"
 #include "tools/vig/words/Text.h"
 #include "vig/DoubleFunctions.h"
@@ -38,14 +35,14 @@ class FiredCounter final : public Filter {
     std::uint64_t& count;
 };
 
-// What the parser logs has been reported when the document was delivered.
+// Drops what the parser logs, which has been reported when the document was delivered.
 class NoReceiver final : public PlatformServices::Receiver {
   public:
     void onLog(int /*priority*/, std::string_view /*tag*/, std::string_view /*message*/) override {}
     void onTrigger(const vendor::orlan::velora::TriggerContext& /*context*/) override {}
 };
 
-// The same registry with a generator in the place of that of the process. It must outlive what is parsed.
+// Returns the same registry with a generator in the place of that of the process. It must outlive what is parsed.
 VIGParserConfig registryWith(PseudoRandomGenerator& generator, const VIGParserConfig& library) {
     auto doubleFunctions = library.getDoublePureFunctions();
     for (const DoubleFunction& each : kDoubleFunctions) {
@@ -67,30 +64,6 @@ MachineGroup::Configs parse(const TracedDocument& document, const VIGParserConfi
     return std::move(*VIGResponseParser().parseFromString(document.text.source().text(), registry).value);
 }
 
-// Not open, with errno set, if it cannot be read: a folder can only be opened.
-Descriptor open(const std::string& device, const Console& console) {
-    Descriptor file = openEvents(device, console);
-    struct stat status = {};
-    if (file.isOpen() && fstat(file.get(), &status) == 0 && S_ISDIR(status.st_mode)) {
-        errno = EISDIR;
-        return Descriptor(-1);
-    }
-    return file;
-}
-
-// Until the records, the output or the patience ends.
-EventReader::Status offerAll(EventReader& reader, MachineGroup& machines, const FleetPlan& plan, const Output& output) {
-    EventRecord record;
-    while (!plan.interruption.requested() && !output.failed()) {
-        const auto status = reader.next(record);
-        if (status != EventReader::Status::Record) {
-            return status;
-        }
-        machines.offer(record);
-    }
-    return EventReader::Status::Interrupted;
-}
-
 }  // namespace
 
 std::uint32_t deviceSeed(std::uint32_t seed, std::string_view name) {
@@ -99,7 +72,9 @@ std::uint32_t deviceSeed(std::uint32_t seed, std::string_view name) {
 }
 
 DeviceRunner::DeviceRunner(const FleetPlan& fleetPlan)
-    : plan(fleetPlan), generator(plan.seed), parsed(parse(plan.document, registryWith(generator, plan.registry))) {}
+    : plan(fleetPlan),
+      generator(plan.options.seed),
+      parsed(parse(plan.document, registryWith(generator, plan.registry))) {}
 
 MachineGroup::Configs DeviceRunner::newMachines(FiredCounts& fired) const {
     for (const ConfigModel& each : plan.document.configs) {
@@ -119,29 +94,23 @@ DeviceResult DeviceRunner::run(const std::string& device, Output& output) {
     if (plan.interruption.requested()) {
         return result;
     }
-    const Descriptor file = open(device, plan.console);
-    if (!file.isOpen()) {
-        result.problem =
-            "vig: error: " + (isStandardInput(device) ? "standard input" : device) + ": " + systemError(errno);
-        return result;
+    Replay replay(device, plan.console, plan.interruption);
+    result.begun = replay.isOpen();
+    if (result.begun) {
+        const auto report = reportOf(plan.options.format, output, plan.console.wantsColours(), name);
+        generator.seed(deviceSeed(plan.options.seed, name));
+        MachineGroup machines(plan.context, *report, nullptr);
+        machines.adopt(newMachines(result.fired));
+        const PlatformServices::OnThread receiver(machines);
+        machines.start();
+        result.ended = replay.offerTo(machines, output, -1);
+        if (replay.problem().empty()) {
+            report->end(machines.summary());
+        }
+        result.events = machines.eventCount();
+        result.triggers = machines.triggerCount();
     }
-    result.begun = true;
-    const auto report = reportOf(plan.format, output, plan.coloured, name);
-    generator.seed(deviceSeed(plan.seed, name));
-    MachineGroup machines(plan.context, *report, nullptr);
-    machines.adopt(newMachines(result.fired));
-    const PlatformServices::OnThread receiver(machines);
-    machines.start();
-    EventReader reader(file.get(), name, plan.interruption, [] {});
-    const auto status = offerAll(reader, machines, plan, output);
-    if (status == EventReader::Status::Failed) {
-        result.problem = reader.error();
-    } else {
-        report->end(machines.summary());
-    }
-    result.ended = status == EventReader::Status::End;
-    result.events = machines.eventCount();
-    result.triggers = machines.triggerCount();
+    result.problem = replay.problem();
     return result;
 }
 

@@ -10,27 +10,25 @@
 #include "tools/vig/io/Interruption.h"
 #include "tools/vig/io/Output.h"
 #include "tools/vig/run/MachineGroup.h"
-#include "tools/vig/run/RuleRun.h"
+#include "tools/vig/run/RunCommand.h"
 #include "tools/vig/trace/Trace.h"
 #include "vig/actions/PseudoRandomGenerator.h"
 #include "vig/parsers/VIGParserConfig.h"
 
 namespace Brenta::OS::VIG::Tool {
 
-// What all devices of a fleet have in common. Used by several threads at once, none of which changes it.
+// All devices of a fleet have this in common. It is used by several threads at once, none of which changes it.
 struct FleetPlan {
     const TracedDocument& document;
     const VIGParserConfig registry;  // the library's own
     const AttributeSet& context;
-    const std::uint32_t seed;
-    const ReportFormat format;
-    const bool coloured;
+    const RunOptions& options;  // of each of them, but for its events
     const Console& console;
     const Interruption& interruption;
 };
 
-// Where the draws of a device begin: each has its own ones, which depend on nothing but its name and the seed of the
-// run.
+// Returns where the draws of a device begin: each has its own ones, which depend on nothing but its name and the seed
+// of the run.
 std::uint32_t deviceSeed(std::uint32_t seed, std::string_view name);
 
 // Runs devices one after the other, on the thread that made it. The document is parsed once; each device has machines
