@@ -7,7 +7,7 @@
 #include <string_view>
 
 #include "fuzz/Limits.h"
-#include "tools/vig/check/Checker.h"
+#include "tools/vig/check/Findings.h"
 #include "tools/vig/document/Registry.h"
 #include "vig/parsers/VIGResponseParser.h"
 
@@ -17,7 +17,7 @@ namespace Tool = Brenta::OS::VIG::Tool;
 
 namespace {
 
-bool isRefusal(const Tool::Diagnostic& each) {
+bool isRefusal(const Tool::Finding& each) {
     return each.severity == Tool::Severity::Error && each.name != "endless-entering";
 }
 
@@ -30,7 +30,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string text(reinterpret_cast<const char*>(data), size);
     fuzz::useWithinLimits(text, fuzz::kMegabyte, [](const std::string& document) {
         const bool isRefused =
-            std::ranges::any_of(check(Tool::DocumentText("rules", document), registry, catalogue), isRefusal);
+            std::ranges::any_of(findingsIn(Tool::DocumentText("rules", document), registry, catalogue), isRefusal);
         if ((Brenta::OS::VIG::VIGResponseParser().parseFromString(document, registry).value == nullptr) != isRefused) {
             std::fprintf(stderr, "check finds %s\n", isRefused ? "an error" : "no error");
             std::abort();

@@ -1,4 +1,4 @@
-#include "tools/vig/check/Checker.h"
+#include "tools/vig/check/Findings.h"
 
 #include <gtest/gtest.h>
 #include <host/LogSink.h>
@@ -65,10 +65,10 @@ Planted plant(const std::vector<std::pair<std::string, std::string>>& edits) {
     return result;
 }
 
-std::vector<std::string> findingsIn(const std::string& text) {
+std::vector<std::string> shownFindings(const std::string& text) {
     const DocumentText document("rules.json", text);
     std::vector<std::string> lines;
-    for (const Diagnostic& each : check(document, libraryRegistry(), Catalogue::builtIn())) {
+    for (const Finding& each : findingsIn(document, libraryRegistry(), Catalogue::builtIn())) {
         const auto [line, column] = document.source().positionOf(each.place.begin);
         const auto [endLine, endColumn] = document.source().positionOf(each.place.end);
         std::ostringstream shown;
@@ -157,7 +157,7 @@ TEST(Checker, FindsEveryMistakeAtItsPlace) {
         for (std::size_t i = 0; i < planted.places.size(); ++i) {
             expected.push_back(planted.places[i] + " " + each.expected[i]);
         }
-        EXPECT_EQ(findingsIn(planted.text), expected) << planted.text;
+        EXPECT_EQ(shownFindings(planted.text), expected) << planted.text;
     }
 }
 
@@ -179,7 +179,7 @@ TEST(Checker, HintsSayWhatWouldMendIt) {
     };
     for (const auto& [edit, expected] : cases) {
         const auto findings =
-            check(DocumentText("rules.json", plant({edit}).text), libraryRegistry(), Catalogue::builtIn());
+            findingsIn(DocumentText("rules.json", plant({edit}).text), libraryRegistry(), Catalogue::builtIn());
         ASSERT_EQ(findings.size(), 1U) << expected;
         EXPECT_EQ(findings[0].hint, expected);
     }
@@ -189,7 +189,7 @@ TEST(Checker, FindsErrorsExactlyInWhatTheLibraryRefuses) {
     const host::LogSink previous = host::setLogSink([](int, std::string_view, std::string_view) {});
     const auto registry = libraryRegistry();
     const auto catalogue = Catalogue::builtIn();
-    const auto isRefusal = [](const Diagnostic& each) {
+    const auto isRefusal = [](const Finding& each) {
         return each.severity == Severity::Error && each.name != "endless-entering";
     };
     support::Mutator mutator;
@@ -199,7 +199,7 @@ TEST(Checker, FindsErrorsExactlyInWhatTheLibraryRefuses) {
     for (int round = 0; round < kDocuments; ++round) {
         const std::string text = round % 2 == 0 ? generator.document() : mutator.mutated();
         const bool isAccepted = VIGResponseParser().parseFromString(text, registry).value != nullptr;
-        const auto findings = check(DocumentText("rules.json", text), registry, catalogue);
+        const auto findings = findingsIn(DocumentText("rules.json", text), registry, catalogue);
         ASSERT_EQ(std::ranges::none_of(findings, isRefusal), isAccepted) << text;
         accepted += isAccepted ? 1 : 0;
     }

@@ -1,4 +1,4 @@
-#include "tools/vig/check/RuleWarnings.h"
+#include "tools/vig/check/Warnings.h"
 
 #include <gmock/gmock.h>
 
@@ -28,17 +28,17 @@ std::string transition(const std::string& way, const Strings& conditions = {}, c
                                action.empty() ? "[]" : R"([{"name":")" + action + "\"}]");
 }
 
-std::vector<Diagnostic> warningsOf(const Strings& transitions, const Catalogue& catalogue = Catalogue::builtIn()) {
+std::vector<Finding> warningsOf(const Strings& transitions, const Catalogue& catalogue = Catalogue::builtIn()) {
     const DocumentText document("", support::documentOf(transitions));
-    std::vector<Diagnostic> found;
-    appendWarnings(modelOf(document, 0), catalogue, libraryRegistry(), found);
+    std::vector<Finding> found;
+    appendRuleWarnings(modelOf(document, 0), catalogue, libraryRegistry(), found);
     return found;
 }
 
 // "name path", without the part of the path that all have.
-Strings namesOf(const std::vector<Diagnostic>& found) {
+Strings namesOf(const std::vector<Finding>& found) {
     Strings names;
-    for (const Diagnostic& each : found) {
+    for (const Finding& each : found) {
         const std::string path = each.place.path.substr(std::string("configs[0].payload.data.transitions").size());
         names.push_back((each.severity == Severity::Error ? "error " : "") + each.name + " " + path);
     }
@@ -373,9 +373,9 @@ double secondsFor(const Strings& transitions) {
     const ConfigModel model = modelOf(document, 0);
     const auto registry = libraryRegistry();
     const auto catalogue = Catalogue::builtIn();
-    std::vector<Diagnostic> found;
+    std::vector<Finding> found;
     const std::clock_t begin = std::clock();
-    appendWarnings(model, catalogue, registry, found);
+    appendRuleWarnings(model, catalogue, registry, found);
     return static_cast<double>(std::clock() - begin) / CLOCKS_PER_SEC;
 }
 

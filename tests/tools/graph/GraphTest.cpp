@@ -32,7 +32,7 @@ using testing::HasSubstr;
 const std::string kTransitions = "configs[0].payload.data.transitions";
 
 // Of the configuration 7 with those transitions.
-RuleGraph graphOf(std::initializer_list<std::string> transitions, const std::vector<Diagnostic>& findings = {},
+RuleGraph graphOf(std::initializer_list<std::string> transitions, const std::vector<Finding>& findings = {},
                   const std::vector<Traffic>& traffic = {}) {
     const DocumentText document("", support::document({support::config(7, transitions)}));
     const auto all =
@@ -40,7 +40,7 @@ RuleGraph graphOf(std::initializer_list<std::string> transitions, const std::vec
     return graphsOf({modelOf(document, 0)}, findings, all)[0];
 }
 
-Diagnostic finding(const std::string& name, const std::string& path) {
+Finding finding(const std::string& name, const std::string& path) {
     return {Severity::Warning, name, {0, 0, path}, "what is \"wrong\"", ""};
 }
 
@@ -84,7 +84,7 @@ TEST(RuleGraph, OrdersTransitionsWithinTheirStateAndKnowsWhatIsUnreachable) {
 }
 
 TEST(RuleGraph, MarksWhatAFindingIsAbout) {
-    const std::vector<Diagnostic> findings = {finding("number-text", kTransitions + "[1].filters[0].operand2"),
+    const std::vector<Finding> findings = {finding("number-text", kTransitions + "[1].filters[0].operand2"),
                                               finding("no-way-out", kTransitions + "[1].to_state"),
                                               finding("duplicate-id", "configs[0].id"),
                                               finding("elsewhere", "configs[1].id"), finding("odd", "")};

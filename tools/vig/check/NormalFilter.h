@@ -1,7 +1,12 @@
 #pragma once
 
+#include <cstdint>
+#include <string>
+#include <type_traits>
+
 #include "tools/vig/check/Catalogue.h"
 #include "tools/vig/document/RuleModel.h"
+#include "vig/parsers/NumberText.h"
 
 namespace Brenta::OS::VIG::Tool {
 
@@ -44,7 +49,32 @@ inline NormalFilter normalFormOf(const FilterModel& filter) {
     return {filter.op, filter.operand1, filter.operand2};
 }
 
-// The kind of the attributes that the filter reads.
+// Calls `visit` with std::type_identity<T>, where T is what the library compares in filters of that value type.
+auto withComparedType(FilterValueType type, const auto& visit) {
+    switch (type) {
+        case FilterValueType::Integer:
+            return visit(std::type_identity<std::int64_t>());
+        case FilterValueType::Double:
+            return visit(std::type_identity<double>());
+        case FilterValueType::String:
+            break;
+    }
+    return visit(std::type_identity<std::string>());
+}
+
+// Reads a constant as the library does.
+template <typename T>
+T constantOf(const OperandModel& operand) {
+    if constexpr (std::is_same_v<T, std::string>) {
+        return operand.operand.value;
+    } else if constexpr (std::is_same_v<T, double>) {
+        return readNearestDouble(operand.operand.value);
+    } else {
+        return readNearestInt64(operand.operand.value);
+    }
+}
+
+// Returns the kind of the attributes that the filter reads.
 inline AttributeKind kindOf(FilterValueType type) {
     switch (type) {
         case FilterValueType::Integer:

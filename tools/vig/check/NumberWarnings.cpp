@@ -1,4 +1,4 @@
-#include "tools/vig/check/NumberWarnings.h"
+#include "tools/vig/check/Warnings.h"
 
 #include <fmt/format.h>
 
@@ -9,7 +9,6 @@
 #include <string_view>
 
 #include "tools/vig/check/NormalFilter.h"
-#include "tools/vig/check/Warn.h"
 #include "tools/vig/words/Text.h"
 #include "vig/parsers/CLocale.h"
 #include "vig/parsers/NumberText.h"
@@ -18,7 +17,7 @@ namespace Brenta::OS::VIG::Tool {
 
 namespace {
 
-// How the library reads a text.
+// What the library makes of a text.
 struct Reading {
     std::string number;  // what came of it
     bool inRange;
@@ -47,7 +46,7 @@ struct Decimal {
     std::string held;
 };
 
-// Empty for a number with an exponent or of another base. Leading zeros are left out.
+// Gives nothing for a number with an exponent or of another base. Leading zeros are left out.
 std::optional<Decimal> decimalOf(std::string_view text) {
     const std::string sign = text.find('-') != std::string_view::npos ? "-" : "";
     text.remove_prefix(std::min(text.find_first_not_of(" \t\r\n+-0"), text.size()));
@@ -62,14 +61,14 @@ std::optional<Decimal> decimalOf(std::string_view text) {
         sign + fmt::format("{:.{}f}", readNearestDouble(std::string(text)), decimals.size())};
 }
 
-void appendUnread(const Place& place, const std::string& text, const Reading& reading, std::vector<Diagnostic>& found) {
+void appendUnread(const Place& place, const std::string& text, const Reading& reading, std::vector<Finding>& found) {
     const std::string hint = reading.rest.starts_with(',') ? "the decimal point is \".\""
                                                            : "write " + quoted(reading.number) + " if that is meant";
     warn(found, "number-text", place,
          shownQuoted(text) + " is read as " + reading.number + "; " + shownQuoted(reading.rest) + " is ignored", hint);
 }
 
-void appendImprecise(const OperandModel& operand, std::vector<Diagnostic>& found) {
+void appendImprecise(const OperandModel& operand, std::vector<Finding>& found) {
     const auto decimal = decimalOf(operand.operand.value);
     if (decimal && decimal->held != decimal->written) {
         warn(found, "number-text", operand.place,
@@ -79,7 +78,7 @@ void appendImprecise(const OperandModel& operand, std::vector<Diagnostic>& found
     }
 }
 
-void appendNumberWarning(const OperandModel& operand, FilterValueType type, std::vector<Diagnostic>& found) {
+void appendNumberWarning(const OperandModel& operand, FilterValueType type, std::vector<Finding>& found) {
     const std::string& text = operand.operand.value;
     const Reading reading = readingOf(text, type);
     if (!reading.rest.empty()) {
@@ -94,7 +93,7 @@ void appendNumberWarning(const OperandModel& operand, FilterValueType type, std:
 
 }  // namespace
 
-void appendNumberWarnings(const FilterModel& filter, std::vector<Diagnostic>& found) {
+void appendNumberWarnings(const FilterModel& filter, std::vector<Finding>& found) {
     if (filter.valueType == FilterValueType::String) {
         return;
     }

@@ -30,12 +30,12 @@ class AnyParametersFactory final : public VIGActionFunctionFactory {
 
 using Factories = std::unordered_map<std::string, std::shared_ptr<VIGActionFunctionFactory>>;
 
-// With the event of Shape::accepted.
+// The registry knows the event of Shape::accepted.
 VIGParserConfig registryOf(Factories actions) {
     return VIGParserConfig({{"x", EventType::Test}}, std::move(actions), {}, {}, {}, {});
 }
 
-// The action of Shape::accepted, with any one parameter or without.
+// Returns the action of Shape::accepted, with any one parameter or without.
 Factories acceptedActions() {
     const auto factory = std::make_shared<AnyParametersFactory>();
     return {{"x", factory}, {"x()", factory}, {"x(integer)", factory}, {"x(double)", factory}, {"x(string)", factory}};

@@ -18,24 +18,7 @@ namespace {
 
 constexpr std::size_t kMostShownOfMessage = 500;
 
-std::string_view kindOf(const Json::Value& json) {
-    switch (json.type()) {
-        case Json::nullValue:
-            return "null";
-        case Json::stringValue:
-            return "a string";
-        case Json::booleanValue:
-            return "true or false";
-        case Json::arrayValue:
-            return "an array";
-        case Json::objectValue:
-            return "an object";
-        default:
-            return "a number";
-    }
-}
-
-// Empty if the strict reader finds nothing.
+// Returns the report of the strict reader, which is empty if it finds nothing.
 std::string reportOf(const std::string& text) {
     Json::CharReaderBuilder builder;
     Json::CharReaderBuilder::strictMode(&builder.settings_);
@@ -117,6 +100,23 @@ bool StrictJson::isObject(const Json::Value& json, const std::string& path, cons
         }
     }
     return onlyKnown;
+}
+
+std::string_view StrictJson::kindOf(const Json::Value& json) {
+    switch (json.type()) {
+        case Json::nullValue:
+            return "null";
+        case Json::stringValue:
+            return "a string";
+        case Json::booleanValue:
+            return "a boolean";
+        case Json::arrayValue:
+            return "an array";
+        case Json::objectValue:
+            return "an object";
+        default:
+            return "a number";
+    }
 }
 
 std::string StrictJson::member(const std::string& path, const std::string& key) {

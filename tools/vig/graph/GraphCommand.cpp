@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "tools/vig/check/Catalogue.h"
-#include "tools/vig/check/Checker.h"
+#include "tools/vig/check/Findings.h"
 #include "tools/vig/document/DocumentText.h"
 #include "tools/vig/document/Registry.h"
 #include "tools/vig/graph/DotWriter.h"
@@ -124,7 +124,7 @@ int graph(const GraphOptions& options, const Console& console, const Interruptio
         return kExitRefused;
     }
     const std::vector<ConfigModel> models = modelsOf(document);
-    const std::vector<Diagnostic> findings = check(document, libraryRegistry(), Catalogue::builtIn());
+    const std::vector<Finding> findings = findingsIn(document, libraryRegistry(), Catalogue::builtIn());
     if (interruption.requested()) {
         return kExitInterrupted;
     }
