@@ -113,7 +113,7 @@ class Contradictions {
   public:
     explicit Contradictions(std::vector<Finding>& results) : found(results) {}
 
-    // True if no value fulfils this filter and those before. Says so once.
+    // Returns true if no value fulfils this filter and those before. Says so once.
     bool add(const FilterModel& filter) {
         const NormalFilter normal = normalFormOf(filter);
         auto& [range, filters, contradictory] = attributes[normal.left.operand.value];

@@ -17,7 +17,7 @@ namespace Brenta::OS::VIG::Tool {
 
 namespace {
 
-// What the library makes of a text.
+// The library reads a text like that.
 struct Reading {
     std::string number;  // what came of it
     bool inRange;

@@ -43,9 +43,6 @@ class PieceParser {
 
   private:
     VIGParseError parse(const Shape& shape, const Json::Value& piece, const VIGParserConfig& config) const;
-    Json::Value machineWith(const Json::Value& transition) const;
-    Json::Value transitionWith(const Json::Value& action) const;
-    Json::Value actionWith(const Json::Value& parameter) const;
 
     const VIGParserConfig& registered;
     const VIGParserConfig registeredActions;  // in a transition on the accepted event

@@ -17,7 +17,7 @@ namespace Brenta::OS::VIG::Tool {
 
 namespace {
 
-// How many filters of earlier transitions are looked at for each filter. More share one only in generated documents.
+// No more filters of earlier transitions are looked at for each filter. More share one only in generated documents.
 constexpr std::size_t kMostCompared = 64;
 
 std::string constantText(const OperandModel& operand, FilterValueType type) {

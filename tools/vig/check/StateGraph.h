@@ -8,7 +8,7 @@
 
 namespace Brenta::OS::VIG::Tool {
 
-// What the filters of a transition come to, whatever the events.
+// The outcome of judging the filters of a transition: it holds whatever the events.
 struct FilterLogic {
     bool neverHolds = false;
     std::vector<const FilterModel*> conditions = {};  // those that are not always true
@@ -38,8 +38,8 @@ struct StateGraph {
     std::vector<Edge> edges;                         // in document order
     std::vector<std::vector<std::size_t>> outgoing;  // of each state, the edges in document order
 
-    // For each state, whether a chain of transitions leads there from "start". Whether they can fire is not asked: if
-    // they cannot, there is a warning of them already.
+    // Tells of each state whether a chain of transitions leads there from "start". It does not matter if they can fire:
+    // where they cannot, there is a warning of them already.
     std::vector<bool> isReachable;
 };
 

@@ -25,7 +25,7 @@ class DocumentText {
 
     const SourceText& source() const { return text; }
 
-    // Null if the text is not JSON.
+    // Returns null if the text is not JSON.
     const Json::Value& root() const { return json; }
 
     // The reader's report if the text is not JSON: for each mistake its line and column, and what is wrong.
