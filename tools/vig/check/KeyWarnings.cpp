@@ -89,16 +89,13 @@ class KeyScan {
     }
 
     void open(bool isObject) {
-        const Shape* shape = isObject ? &kResponseShape : nullptr;
-        if (!levels.empty()) {
-            const Level& outer = levels.back();
-            shape = nullptr;
-            if (!outer.isObject) {
-                shape = isObject ? outer.shape : nullptr;
-            } else if (outer.member != nullptr) {
-                const auto needed = isObject ? Shape::Kind::Object : Shape::Kind::List;
-                shape = outer.member->kind == needed ? outer.member->inside : nullptr;
-            }
+        const Shape* shape = nullptr;
+        if (levels.empty()) {
+            shape = isObject ? &kResponseShape : nullptr;
+        } else if (!levels.back().isObject) {
+            shape = isObject ? levels.back().shape : nullptr;
+        } else if (const Shape::Member* const member = levels.back().member) {
+            shape = member->kind == (isObject ? Shape::Kind::Object : Shape::Kind::List) ? member->inside : nullptr;
         }
         levels.push_back({shape, isObject, keys.size()});
     }

@@ -122,9 +122,6 @@ std::string shortPathOf(const Edge& edge) {
 }
 
 void appendShadowWarnings(StateGraph& graph, std::span<const std::size_t> sameEvent, std::vector<Finding>& found) {
-    if (sameEvent.size() < 2) {
-        return;
-    }
     Precedence precedence;
     for (const std::size_t index : sameEvent) {
         Edge& edge = graph.edges[index];

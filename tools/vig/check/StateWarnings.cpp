@@ -16,15 +16,6 @@ using RulesEngine::EventType;
 
 namespace {
 
-// Tells of each state whether something can come of being there.
-std::vector<bool> statesThatLeadOn(const StateGraph& graph) {
-    std::vector<bool> leadsOn(graph.names.size());
-    for (const Edge& edge : graph.edges) {
-        leadsOn[edge.from] = leadsOn[edge.from] || !edge.isLoop() || !edge.transition->actions.empty();
-    }
-    return leadsOn;
-}
-
 // Returns the states that can be reached and not be left: one of them may be a misspelt name. Many are no mistake of
 // spelling.
 std::vector<std::string_view> strayTargets(const StateGraph& graph) {
@@ -43,9 +34,6 @@ void appendUnreachable(const StateGraph& graph, std::vector<Finding>& found) {
     std::vector<bool> reported = graph.isReachable;
     // It is there without being used.
     reported[StateGraph::END] = reported[StateGraph::END] || graph.outgoing[StateGraph::END].empty();
-    if (std::ranges::find(reported, false) == reported.end()) {
-        return;
-    }
     const auto candidates = strayTargets(graph);
     for (const Edge& edge : graph.edges) {
         for (const auto& [state, member] : {std::pair(edge.from, "from_state"), std::pair(edge.to, "to_state")}) {
@@ -62,8 +50,11 @@ void appendUnreachable(const StateGraph& graph, std::vector<Finding>& found) {
 
 // Each state is named once, at the first transition that leads there.
 void appendNoWayOut(const StateGraph& graph, std::vector<Finding>& found) {
-    std::vector<bool> accepted = statesThatLeadOn(graph);
+    std::vector<bool> accepted(graph.names.size());  // something can come of being there, or there is a warning
     accepted[StateGraph::END] = true;
+    for (const Edge& edge : graph.edges) {
+        accepted[edge.from] = accepted[edge.from] || !edge.isLoop() || !edge.transition->actions.empty();
+    }
     for (const Edge& edge : graph.edges) {
         if (graph.isReachable[edge.from] && !accepted[edge.to]) {
             accepted[edge.to] = true;
