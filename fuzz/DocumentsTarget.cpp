@@ -11,7 +11,7 @@
 #include "rulesengine/FiniteStateMachine.h"
 #include "tests/support/FakeTriggerService.h"
 #include "tests/support/TestEvent.h"
-#include "tools/vig/check/Checker.h"
+#include "tools/vig/check/Findings.h"
 #include "tools/vig/document/Registry.h"
 #include "vig/EventTypeNames.h"
 #include "vig/parsers/VIGResponseParser.h"
@@ -53,7 +53,7 @@ void drive(FiniteStateMachine& machine) {
     }
 }
 
-bool isRefusal(const Tool::Diagnostic& each) {
+bool isRefusal(const Tool::Finding& each) {
     return each.severity == Tool::Severity::Error && each.name != "endless-entering";
 }
 

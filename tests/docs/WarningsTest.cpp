@@ -7,7 +7,7 @@
 
 #include "tests/docs/Fragments.h"
 #include "tests/support/Documents.h"
-#include "tools/vig/check/Checker.h"
+#include "tools/vig/check/Findings.h"
 #include "tools/vig/check/WarningNames.h"
 #include "tools/vig/document/Registry.h"
 
@@ -20,9 +20,9 @@ using Strings = std::vector<std::string>;
 const std::string kWarnings = docs::read(VIG_SOURCE_DIR "/docs/warnings.md");
 
 Strings namesRaisedBy(const std::string& text) {
-    const auto found = check(Tool::DocumentText("", text), Tool::libraryRegistry(), Tool::Catalogue::builtIn());
+    const auto found = findingsIn(Tool::DocumentText("", text), Tool::libraryRegistry(), Tool::Catalogue::builtIn());
     Strings names;
-    std::ranges::transform(found, std::back_inserter(names), &Tool::Diagnostic::name);
+    std::ranges::transform(found, std::back_inserter(names), &Tool::Finding::name);
     return names;
 }
 

@@ -32,7 +32,7 @@ using testing::HasSubstr;
 const std::string kTransitions = "configs[0].payload.data.transitions";
 
 // Returns the graph of the configuration 7 with those transitions.
-RuleGraph graphOf(std::initializer_list<std::string> transitions, const std::vector<Diagnostic>& findings = {},
+RuleGraph graphOf(std::initializer_list<std::string> transitions, const std::vector<Finding>& findings = {},
                   const std::vector<Traffic>& traffic = {}) {
     const DocumentText document("", support::document({support::config(7, transitions)}));
     const auto all =
@@ -40,7 +40,7 @@ RuleGraph graphOf(std::initializer_list<std::string> transitions, const std::vec
     return graphsOf({modelOf(document, 0)}, findings, all)[0];
 }
 
-Diagnostic finding(const std::string& name, const std::string& path) {
+Finding finding(const std::string& name, const std::string& path) {
     return {Severity::Warning, name, {0, 0, path}, "what is \"wrong\"", ""};
 }
 
@@ -84,10 +84,10 @@ TEST(RuleGraph, OrdersTransitionsWithinTheirStateAndKnowsWhatIsUnreachable) {
 }
 
 TEST(RuleGraph, MarksWhatAFindingIsAbout) {
-    const std::vector<Diagnostic> findings = {finding("number-text", kTransitions + "[1].filters[0].operand2"),
-                                              finding("no-way-out", kTransitions + "[1].to_state"),
-                                              finding("duplicate-id", "configs[0].id"),
-                                              finding("elsewhere", "configs[1].id"), finding("odd", "")};
+    const std::vector<Finding> findings = {finding("number-text", kTransitions + "[1].filters[0].operand2"),
+                                           finding("no-way-out", kTransitions + "[1].to_state"),
+                                           finding("duplicate-id", "configs[0].id"),
+                                           finding("elsewhere", "configs[1].id"), finding("odd", "")};
     const RuleGraph graph = graphOf({transition("start", "a", "Test"), transition("start", "b", "Test")}, findings);
     EXPECT_THAT(graph.states[0].arrows[0].marks, testing::IsEmpty());
     EXPECT_THAT(markLinesOf(graph.states[0].arrows[1].marks), ElementsAre("⚠ number-text"));

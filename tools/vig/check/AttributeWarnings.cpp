@@ -1,11 +1,12 @@
-#include "tools/vig/check/AttributeWarnings.h"
+#include "tools/vig/check/Warnings.h"
 
-#include <functional>
-#include <string_view>
+#include <fmt/format.h>
+
+#include <algorithm>
 
 #include "tools/vig/check/ActionNeeds.h"
+#include "tools/vig/check/Hints.h"
 #include "tools/vig/check/NormalFilter.h"
-#include "tools/vig/check/Warn.h"
 #include "tools/vig/events/EventNames.h"
 #include "tools/vig/words/NearestName.h"
 #include "tools/vig/words/Text.h"
@@ -21,7 +22,7 @@ KindSet kindsOf(const CataloguedAttributes& attributes, std::string_view name) {
     return place == attributes.end() ? KindSet() : place->second;
 }
 
-// The value type as which an attribute of these kinds can be compared; empty if there is none.
+// Returns the value type as which an attribute of these kinds can be compared; empty if there is none.
 std::string_view comparableAs(KindSet kinds) {
     for (const auto& [type, text] : kFilterValueTypeTable.pairs) {
         if (kinds.has(kindOf(type))) {
@@ -31,52 +32,21 @@ std::string_view comparableAs(KindSet kinds) {
     return {};
 }
 
-template <typename T>
-bool hasFunction(const VIGParserConfig& registry, const std::string& name) {
-    std::function<T()> function;
-    return registry.getPureFunction(name, function);
-}
-
 bool hasFunction(const VIGParserConfig& registry, const std::string& name, FilterValueType type) {
-    switch (type) {
-        case FilterValueType::Integer:
-            return hasFunction<std::int64_t>(registry, name);
-        case FilterValueType::Double:
-            return hasFunction<double>(registry, name);
-        case FilterValueType::String:
-            break;
-    }
-    return hasFunction<std::string>(registry, name);
-}
-
-std::vector<std::string_view> functionNames(const VIGParserConfig& registry, FilterValueType type) {
-    std::vector<std::string_view> names;
-    const auto addAll = [&](const auto& functions) {
-        for (const auto& named : functions) {
-            names.push_back(named.first);
-        }
-    };
-    if (type == FilterValueType::Integer) {
-        addAll(registry.getInt64PureFunctions());
-    } else if (type == FilterValueType::Double) {
-        addAll(registry.getDoublePureFunctions());
-    } else {
-        addAll(registry.getStringPureFunctions());
-    }
-    return names;
+    return std::ranges::binary_search(functionNames(registry, type), name);
 }
 
 // Warns of the operands of one transition's filters.
-class OperandCheck {
+class OperandWarnings {
   public:
-    OperandCheck(const TransitionModel& transition, const Catalogue& known, const VIGParserConfig& names,
-                 std::vector<Diagnostic>& results)
+    OperandWarnings(const TransitionModel& transition, const Catalogue& known, const VIGParserConfig& names,
+                    std::vector<Finding>& results)
         : event(transition.event), ofEvent(known.find(event)), catalogue(known), registry(names), found(results) {}
 
-    void check(const FilterModel& filter) {
+    void add(const FilterModel& filter) {
         for (const OperandModel* const operand : {&filter.operand1, &filter.operand2}) {
             if (isAttribute(*operand)) {
-                checkAttribute(*operand, filter);
+                judgeAttribute(*operand, filter);
             } else if (isFunction(*operand) && !hasFunction(registry, operand->operand.value, filter.valueType)) {
                 warnOfFallback(*operand, filter.valueType);
             }
@@ -84,7 +54,7 @@ class OperandCheck {
     }
 
   private:
-    void checkAttribute(const OperandModel& operand, const FilterModel& filter) {
+    void judgeAttribute(const OperandModel& operand, const FilterModel& filter) {
         const std::string& name = operand.operand.value;
         const AttributeKind kind = kindOf(filter.valueType);
         KindSet known = ofEvent != nullptr ? kindsOf(*ofEvent, name) : KindSet();
@@ -148,7 +118,7 @@ class OperandCheck {
 
     std::string eventNoun() const { return std::string(nameOf(event)) + " events"; }
 
-    // The name that was meant, or the events that have this one, or where to make it known.
+    // Tells the name that was meant, or the events that have this one, or where to make it known.
     std::string hintFor(const std::string& name) const {
         std::vector<std::string_view> names;
         for (const CataloguedAttributes* const attributes : {ofEvent, &catalogue.context()}) {
@@ -170,7 +140,7 @@ class OperandCheck {
     const CataloguedAttributes* const ofEvent;
     const Catalogue& catalogue;
     const VIGParserConfig& registry;
-    std::vector<Diagnostic>& found;
+    std::vector<Finding>& found;
 };
 
 }  // namespace
@@ -184,21 +154,20 @@ std::string missingFor(const ActionModel& action, EventType event, const Catalog
     if (known == nullptr || asked == nullptr) {
         return {};
     }
-    std::string missing;
+    std::vector<std::string> missing;
     for (const ActionNeed& need : asked->needs) {
         if (!kindsOf(*known, need.attribute).has(need.kind)) {
-            missing += (missing.empty() ? "" : ", ") + std::string(need.attribute) + " (" +
-                       std::string(nameOf(need.kind)) + ")";
+            missing.push_back(fmt::format("{} ({})", need.attribute, nameOf(need.kind)));
         }
     }
-    return missing;
+    return fmt::format("{}", fmt::join(missing, ", "));
 }
 
 void appendAttributeWarnings(const TransitionModel& transition, const Catalogue& catalogue,
-                             const VIGParserConfig& registry, std::vector<Diagnostic>& found) {
-    OperandCheck operands(transition, catalogue, registry, found);
+                             const VIGParserConfig& registry, std::vector<Finding>& found) {
+    OperandWarnings operands(transition, catalogue, registry, found);
     for (const FilterModel& filter : transition.filters) {
-        operands.check(filter);
+        operands.add(filter);
     }
     for (const ActionModel& action : transition.actions) {
         const std::string missing = missingFor(action, transition.event, catalogue);

@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "tools/vig/check/Hints.h"
 #include "tools/vig/document/StrictJson.h"
 #include "tools/vig/events/EventNames.h"
 #include "tools/vig/io/FileText.h"
@@ -35,32 +36,31 @@ constexpr const char* kBuiltIn = R"({
 })";
 
 std::string textOf(const CataloguedAttributes& attributes, const std::string& indentation) {
-    std::string kinds;
+    std::vector<std::string> kinds;
     for (std::size_t kind = 0; kind < kKindNames.size(); ++kind) {
-        std::string names;
+        std::vector<std::string_view> names;
         for (const auto& [name, known] : attributes) {
             if (known.has(static_cast<AttributeKind>(kind))) {
-                names += (names.empty() ? "" : ", ") + quoted(name);
+                names.push_back(name);
             }
         }
         if (!names.empty()) {
-            kinds += fmt::format("{}{}  {}: [{}]", kinds.empty() ? "\n" : ",\n", indentation, quoted(kKindNames[kind]),
-                                 names);
+            kinds.push_back(fmt::format("\n{}  {}: [{}]", indentation, quoted(kKindNames[kind]), listOf(names)));
         }
     }
-    return kinds.empty() ? "{}" : "{" + kinds + "\n" + indentation + "}";
+    return kinds.empty() ? "{}" : fmt::format("{{{}\n{}}}", fmt::join(kinds, ","), indentation);
 }
 
 }  // namespace
 
 std::string KindSet::text() const {
-    std::string names;
+    std::vector<std::string_view> names;
     for (std::size_t kind = 0; kind < kKindNames.size(); ++kind) {
         if (bits.test(kind)) {
-            names += (names.empty() ? "" : " and ") + std::string(kKindNames[kind]);
+            names.push_back(kKindNames[kind]);
         }
     }
-    return names;
+    return fmt::format("{}", fmt::join(names, " and "));
 }
 
 // Fills a catalogue from a document, of which nothing may be ignored.
@@ -169,14 +169,14 @@ const CataloguedAttributes* Catalogue::find(EventType type) const {
 }
 
 std::string Catalogue::text() const {
-    std::string types;
+    std::vector<std::string> types;
     for (const auto& [type, name] : kEventTypeNames.pairs) {
         if (const auto known = events.find(type); known != events.end()) {
-            types += (types.empty() ? "\n    " : ",\n    ") + quoted(name) + ": " + textOf(known->second, "    ");
+            types.push_back(fmt::format("\n    {}: {}", quoted(name), textOf(known->second, "    ")));
         }
     }
-    return "{\n  \"events\": {" + types + (types.empty() ? "" : "\n  ") +
-           "},\n  \"context\": " + textOf(contextAttributes, "  ") + "\n}\n";
+    return fmt::format("{{\n  \"events\": {{{}{}}},\n  \"context\": {}\n}}\n", fmt::join(types, ","),
+                       types.empty() ? "" : "\n  ", textOf(contextAttributes, "  "));
 }
 
 EventReader::Status learnFrom(EventReader& reader, Catalogue& catalogue) {

@@ -12,8 +12,6 @@
 #include "tools/vig/arguments/CommandLine.h"
 #include "tools/vig/check/Catalogue.h"
 #include "tools/vig/check/CatalogueCommand.h"
-#include "tools/vig/check/Checker.h"
-#include "tools/vig/check/WarningNames.h"
 #include "tools/vig/document/Registry.h"
 #include "tools/vig/io/FileText.h"
 #include "tools/vig/io/Output.h"
@@ -45,8 +43,8 @@ std::optional<int> loadCatalogue(const CheckOptions& options, const Console& con
     return learnFrom(options.eventsFile, console, interruption, catalogue);
 }
 
-void count(const std::vector<Diagnostic>& findings, FindingCounts& counts) {
-    const auto errors = std::ranges::count(findings, Severity::Error, &Diagnostic::severity);
+void count(const std::vector<Finding>& findings, FindingCounts& counts) {
+    const auto errors = std::ranges::count(findings, Severity::Error, &Finding::severity);
     counts.errors += static_cast<std::size_t>(errors);
     counts.warnings += findings.size() - static_cast<std::size_t>(errors);
     ++counts.files;
@@ -61,7 +59,9 @@ int check(const CheckOptions& options, const Console& console, const Interruptio
     }
     const VIGParserConfig registry = libraryRegistry();
     Output output(console.out);
-    const auto report = makeFindingReport(options.format, output, console.wantsColours());
+    const auto writer = options.format == FindingFormat::Json    ? jsonFindings(output)
+                        : options.format == FindingFormat::Sarif ? sarifFindings(output)
+                                                                 : textFindings(output, console.wantsColours());
     FindingCounts counts;
     bool areReadable = true;
     for (const std::string& path : options.rules) {
@@ -76,17 +76,17 @@ int check(const CheckOptions& options, const Console& console, const Interruptio
             continue;
         }
         const DocumentText document(path, std::move(*text));
-        std::vector<Diagnostic> findings = check(document, registry, catalogue);
+        std::vector<Finding> findings = findingsIn(document, registry, catalogue);
         if (interruption.requested()) {
             return kExitInterrupted;
         }
-        std::erase_if(findings, [&](const Diagnostic& each) {
+        std::erase_if(findings, [&](const Finding& each) {
             return std::ranges::find(options.allowed, each.name) != options.allowed.end();
         });
-        report->file(document.source(), findings);
+        writer->write(document.source(), findings);
         count(findings, counts);
     }
-    report->end(counts);
+    writer->end(counts);
     const bool areRefused = counts.errors > 0 || (options.strict && counts.warnings > 0);
     return console.finish(output, !areReadable ? kExitUnusable : areRefused ? kExitRefused : kExitDone);
 }

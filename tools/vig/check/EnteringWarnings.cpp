@@ -1,11 +1,10 @@
-#include "tools/vig/check/EnteringWarnings.h"
+#include "tools/vig/check/Warnings.h"
 
 #include <algorithm>
 #include <cstddef>
 #include <span>
 #include <string>
 
-#include "tools/vig/check/Warn.h"
 #include "tools/vig/words/Text.h"
 
 namespace Brenta::OS::VIG::Tool {
@@ -17,7 +16,7 @@ namespace {
 // Follows EnteringState transitions, depth first. One that leads to a state on the path closes a cycle.
 class CycleSearch {
   public:
-    CycleSearch(const StateGraph& machine, std::vector<Diagnostic>& results)
+    CycleSearch(const StateGraph& machine, std::vector<Finding>& results)
         : graph(machine), found(results), depths(machine.names.size(), kUnseen) {}
 
     void searchFrom(std::size_t state) {
@@ -65,8 +64,8 @@ class CycleSearch {
         }
     }
 
-    // Whether it depends on a filter where the machine goes from there. What comes after a transition without one is
-    // shadowed.
+    // Tells whether it depends on a filter where the machine goes from there. What comes after a transition without one
+    // is shadowed.
     bool isUncertain(std::size_t state) const {
         return std::ranges::any_of(graph.outgoing[state], [&](std::size_t index) {
             return isFollowed(graph.edges[index]) && !graph.edges[index].logic.conditions.empty();
@@ -93,18 +92,17 @@ class CycleSearch {
     }
 
     const StateGraph& graph;
-    std::vector<Diagnostic>& found;
+    std::vector<Finding>& found;
     std::vector<std::size_t> depths;  // on the path, of each state that is on it
     std::vector<Step> path;
 };
 
 }  // namespace
 
-void appendEnteringWarnings(const StateGraph& graph, const std::vector<bool>& reachable,
-                            std::vector<Diagnostic>& found) {
+void appendEnteringWarnings(const StateGraph& graph, std::vector<Finding>& found) {
     CycleSearch search(graph, found);
-    for (std::size_t state = 0; state < reachable.size(); ++state) {
-        if (reachable[state]) {
+    for (std::size_t state = 0; state < graph.names.size(); ++state) {
+        if (graph.isReachable[state]) {
             search.searchFrom(state);
         }
     }

@@ -1,4 +1,4 @@
-#include "tools/vig/check/KeyWarnings.h"
+#include "tools/vig/check/Warnings.h"
 
 #include <json/value.h>
 
@@ -8,6 +8,8 @@
 #include <tuple>
 
 #include "tools/vig/check/DocumentShape.h"
+#include "tools/vig/check/Hints.h"
+#include "tools/vig/document/StrictJson.h"
 #include "tools/vig/words/NearestName.h"
 #include "tools/vig/words/Text.h"
 #include "vig/base/Utf8.h"
@@ -35,10 +37,10 @@ std::string decoded(std::string_view token) {
 // Follows the document from token to token, with the objects and arrays that it is in.
 class KeyScan {
   public:
-    KeyScan(const DocumentText& text, std::vector<Diagnostic>& warnings)
+    KeyScan(const DocumentText& text, std::vector<Finding>& warnings)
         : document(text),
-          tokens(withoutByteOrderMark(text.source().text())),
-          firstByte(text.source().text().size() - withoutByteOrderMark(text.source().text()).size()),
+          firstByte(text.source().offsetOf({1, 1})),
+          tokens(std::string_view(text.source().text()).substr(firstByte)),
           found(warnings) {}
 
     void run() {
@@ -67,7 +69,7 @@ class KeyScan {
         switch (kind) {
             case '{':
             case '[':
-                checkParameters(kind);
+                reportParameters(kind);
                 open(kind == '{');
                 break;
             case '}':
@@ -88,16 +90,13 @@ class KeyScan {
     }
 
     void open(bool isObject) {
-        const Shape* shape = isObject ? &kResponseShape : nullptr;
-        if (!levels.empty()) {
-            const Level& outer = levels.back();
-            shape = nullptr;
-            if (!outer.isObject) {
-                shape = isObject ? outer.shape : nullptr;
-            } else if (outer.member != nullptr) {
-                const auto needed = isObject ? Shape::Kind::Object : Shape::Kind::List;
-                shape = outer.member->kind == needed ? outer.member->inside : nullptr;
-            }
+        const Shape* shape = nullptr;
+        if (levels.empty()) {
+            shape = isObject ? &kResponseShape : nullptr;
+        } else if (!levels.back().isObject) {
+            shape = isObject ? levels.back().shape : nullptr;
+        } else if (const Shape::Member* const member = levels.back().member) {
+            shape = member->kind == (isObject ? Shape::Kind::Object : Shape::Kind::List) ? member->inside : nullptr;
         }
         levels.push_back({shape, isObject, keys.size()});
     }
@@ -115,7 +114,7 @@ class KeyScan {
         if (levels.back().isObject && levels.back().expectsKey) {
             takeKey();
         } else {
-            checkParameters(kind);
+            reportParameters(kind);
         }
     }
 
@@ -135,8 +134,8 @@ class KeyScan {
         }
     }
 
-    // At the beginning of a value: of all lists, the library does without that of parameters alone.
-    void checkParameters(char kind) {
+    // Called at the beginning of a value: of all lists, the library does without that of parameters alone.
+    void reportParameters(char kind) {
         if (levels.empty() || levels.back().shape != &kActionShape || !levels.back().isObject) {
             return;
         }
@@ -149,63 +148,52 @@ class KeyScan {
 
     void reportUnknown(const Level& level, const Key& key) {
         std::vector<std::string_view> names;
-        std::string list;
-        for (const Shape::Member& member : level.shape->members) {
-            names.push_back(member.key);
-            list += (list.empty() ? "" : ", ") + quoted(member.key);
-        }
+        std::ranges::transform(level.shape->members, std::back_inserter(names), &Shape::Member::key);
         add("unknown-key", key, "the key " + shownQuoted(key.text) + " is ignored",
-            "known here: " + list + suggestion(key.text, names));
+            "known here: " + listOf(names) + suggestion(key.text, names));
     }
 
     void reportOverwritten(std::size_t firstKey) {
         const auto begin = keys.begin() + static_cast<std::ptrdiff_t>(firstKey);
-        std::sort(begin, keys.end(), [](const Key& left, const Key& right) {
-            return std::tie(left.text, left.begin) < std::tie(right.text, right.begin);
-        });
+        std::ranges::sort(begin, keys.end(), {}, [](const Key& key) { return std::tie(key.text, key.begin); });
         for (auto key = begin; key != keys.end() && key + 1 != keys.end(); ++key) {
             if (key->text == (key + 1)->text) {
                 const auto [line, column] = document.source().positionOf((key + 1)->begin);
                 add("duplicate-key", *key,
                     shownQuoted(key->text) + " is overwritten by the one in line " + std::to_string(line) +
-                        ", column " + std::to_string(column),
-                    {});
+                        ", column " + std::to_string(column));
             }
         }
     }
 
-    void add(std::string name, const Key& key, std::string message, std::string hint) {
-        found.push_back({Severity::Warning,
-                         std::move(name),
-                         {key.begin, key.end, pathOf(key)},
-                         std::move(message),
-                         std::move(hint)});
+    void add(std::string_view name, const Key& key, std::string message, std::string hint = {}) {
+        warn(found, name, {key.begin, key.end, pathOf(key)}, std::move(message), std::move(hint));
     }
 
-    // Of a key in the object that is being read.
+    // Returns the path of a key in the object that is being read.
     std::string pathOf(const Key& key) const {
         std::string path;
         for (auto level = levels.begin(); level + 1 != levels.end(); ++level) {
             if (level->isObject) {
-                path += (path.empty() ? "" : ".") + std::string(level->member->key);
+                path = StrictJson::member(path, std::string(level->member->key));
             } else {
                 path += "[" + std::to_string(level->index) + "]";
             }
         }
-        return path + (path.empty() ? "" : ".") + key.text;
+        return StrictJson::member(path, key.text);
     }
 
     const DocumentText& document;
+    const std::size_t firstByte;  // of the text that the reader counts
     JsonTokens tokens;
-    const std::size_t firstByte;
-    std::vector<Diagnostic>& found;
+    std::vector<Finding>& found;
     std::vector<Level> levels;
     std::vector<Key> keys;  // of all objects that are being read
 };
 
 }  // namespace
 
-void appendKeyWarnings(const DocumentText& document, std::vector<Diagnostic>& found) {
+void appendKeyWarnings(const DocumentText& document, std::vector<Finding>& found) {
     KeyScan(document, found).run();
 }
 

@@ -1,16 +1,15 @@
-#include "tools/vig/check/LogicWarnings.h"
+#include "tools/vig/check/Warnings.h"
 
 #include <json/value.h>
 
-#include <optional>
+#include <map>
 #include <string>
-#include <utility>
+#include <tuple>
 
 #include "tools/vig/check/NormalFilter.h"
 #include "tools/vig/check/ValueRange.h"
-#include "tools/vig/check/Warn.h"
 #include "tools/vig/words/Text.h"
-#include "vig/parsers/NumberText.h"
+#include "vig/parsers/FilterParser.h"
 
 namespace Brenta::OS::VIG::Tool {
 
@@ -40,7 +39,7 @@ FilterOperator negated(FilterOperator op) {
     return FilterOperator::Greater;
 }
 
-// All values that a comparison with a constant can meet.
+// Returns all values that a comparison with a constant can meet.
 template <typename T>
 ValueRange<T> domainOf(const OperandModel& operand) {
     ValueRange<T> domain;
@@ -71,19 +70,12 @@ Truth truthAgainstConstant(const NormalFilter& normal) {
 }
 
 Truth truthAgainstConstant(const FilterModel& filter) {
-    const NormalFilter normal = normalFormOf(filter);
-    switch (filter.valueType) {
-        case FilterValueType::Integer:
-            return truthAgainstConstant<std::int64_t>(normal);
-        case FilterValueType::Double:
-            return truthAgainstConstant<double>(normal);
-        case FilterValueType::String:
-            break;
-    }
-    return truthAgainstConstant<std::string>(normal);
+    return withComparedType(filter.valueType, [&]<typename T>(std::type_identity<T>) {
+        return truthAgainstConstant<T>(normalFormOf(filter));
+    });
 }
 
-// As the library finds it. Nothing of the event or the context is looked at.
+// The library itself compares. Nothing of the event or the context is looked at.
 Truth truthOfConstants(const FilterModel& filter, const VIGParserConfig& registry) {
     const auto built = _parseFilter(*filter.json, registry);
     return built && (*built)(EvaluationContext(), Event(EventType::Test)) ? Truth::Always : Truth::Never;
@@ -120,9 +112,9 @@ Truth truthOf(const FilterModel& filter, const VIGParserConfig& registry) {
 template <typename T>
 class Contradictions {
   public:
-    explicit Contradictions(std::vector<Diagnostic>& results) : found(results) {}
+    explicit Contradictions(std::vector<Finding>& results) : found(results) {}
 
-    // True if no value fulfils this filter and those before. Says so once.
+    // Returns true if no value fulfils this filter and those before. Says so once.
     bool add(const FilterModel& filter) {
         const NormalFilter normal = normalFormOf(filter);
         auto& [range, filters, contradictory] = compared[{isFunction(normal.left), normal.left.operand.value}];
@@ -161,35 +153,11 @@ class Contradictions {
              "a transition fires only if all its filters hold: make two transitions for two cases");
     }
 
-    std::vector<Diagnostic>& found;
+    std::vector<Finding>& found;
     std::map<std::pair<bool, std::string_view>, Compared> compared;
 };
 
-// Finds filters of one transition that cannot hold together.
-class ContradictionCheck {
-  public:
-    explicit ContradictionCheck(std::vector<Diagnostic>& results)
-        : strings(results), integers(results), doubles(results) {}
-
-    bool add(const FilterModel& filter) {
-        switch (filter.valueType) {
-            case FilterValueType::String:
-                return strings.add(filter);
-            case FilterValueType::Integer:
-                return integers.add(filter);
-            case FilterValueType::Double:
-                break;
-        }
-        return doubles.add(filter);
-    }
-
-  private:
-    Contradictions<std::string> strings;
-    Contradictions<std::int64_t> integers;
-    Contradictions<double> doubles;
-};
-
-void warnOfTruth(const FilterModel& filter, Truth truth, std::vector<Diagnostic>& found) {
+void warnOfTruth(const FilterModel& filter, Truth truth, std::vector<Finding>& found) {
     const bool always = truth == Truth::Always;
     const std::string why = isOfConstants(filter) ? ", being a comparison of two constants" : ", whatever the event";
     warn(found, always ? "always-true" : "never-true", filter.place,
@@ -199,10 +167,16 @@ void warnOfTruth(const FilterModel& filter, Truth truth, std::vector<Diagnostic>
 
 }  // namespace
 
-FilterLogic appendLogicWarnings(const TransitionModel& transition, const VIGParserConfig& registry,
-                                std::vector<Diagnostic>& found) {
+FilterLogic judgeFilters(const TransitionModel& transition, const VIGParserConfig& registry,
+                         std::vector<Finding>& found) {
     FilterLogic logic;
-    ContradictionCheck contradictions(found);
+    std::tuple contradictions{Contradictions<std::string>(found), Contradictions<std::int64_t>(found),
+                              Contradictions<double>(found)};
+    const auto contradictsOthers = [&](const FilterModel& filter) {
+        return withComparedType(filter.valueType, [&]<typename T>(std::type_identity<T>) {
+            return std::get<Contradictions<T>>(contradictions).add(filter);
+        });
+    };
     for (const FilterModel& filter : transition.filters) {
         const Truth truth = truthOf(filter, registry);
         if (truth != Truth::Depends) {
@@ -212,7 +186,7 @@ FilterLogic appendLogicWarnings(const TransitionModel& transition, const VIGPars
             logic.conditions.push_back(&filter);
         }
         const bool comparesOneValue = hasConstant(filter) && !draws(filter);
-        const bool contradictory = truth == Truth::Depends && comparesOneValue && contradictions.add(filter);
+        const bool contradictory = truth == Truth::Depends && comparesOneValue && contradictsOthers(filter);
         logic.neverHolds = logic.neverHolds || truth == Truth::Never || contradictory;
     }
     return logic;

@@ -1,7 +1,10 @@
 #pragma once
 
 #include <algorithm>
+#include <cstdint>
 #include <iterator>
+#include <string>
+#include <type_traits>
 
 #include "tools/vig/check/Catalogue.h"
 #include "tools/vig/document/RuleModel.h"
@@ -64,7 +67,20 @@ inline NormalFilter normalFormOf(const FilterModel& filter) {
     return {filter.op, filter.operand1, filter.operand2};
 }
 
-// The kind of the attributes that the filter reads.
+// Calls `visit` with std::type_identity<T>, where T is what the library compares in filters of that value type.
+auto withComparedType(FilterValueType type, const auto& visit) {
+    switch (type) {
+        case FilterValueType::Integer:
+            return visit(std::type_identity<std::int64_t>());
+        case FilterValueType::Double:
+            return visit(std::type_identity<double>());
+        case FilterValueType::String:
+            break;
+    }
+    return visit(std::type_identity<std::string>());
+}
+
+// Returns the kind of the attributes that the filter reads.
 inline AttributeKind kindOf(FilterValueType type) {
     switch (type) {
         case FilterValueType::Integer:

@@ -1,13 +1,8 @@
-#include "tools/vig/check/NulWarnings.h"
+#include "tools/vig/check/Warnings.h"
 
 #include <json/value.h>
 
-#include <string>
-#include <string_view>
-#include <utility>
-
 #include "tools/vig/check/NormalFilter.h"
-#include "tools/vig/check/Warn.h"
 #include "tools/vig/words/Text.h"
 
 namespace Brenta::OS::VIG::Tool {
@@ -20,14 +15,14 @@ bool hasNul(std::string_view text) {
     return text.find('\0') != std::string_view::npos;
 }
 
-void check(const std::string& text, Place place, std::vector<Diagnostic>& found) {
+void appendNulWarning(const std::string& text, Place place, std::vector<Finding>& found) {
     if (hasNul(text)) {
         warn(found, kName, std::move(place), shownQuoted(text) + " has a NUL, where other programs take a text to end",
              "leave the NUL out");
     }
 }
 
-void check(const FilterModel& filter, std::vector<Diagnostic>& found) {
+void appendNulWarnings(const FilterModel& filter, std::vector<Finding>& found) {
     const std::string op = (*filter.json)["operator"].asString();
     if (hasNul(op)) {
         warn(found, kName, placeOf(filter, "operator"),
@@ -36,20 +31,20 @@ void check(const FilterModel& filter, std::vector<Diagnostic>& found) {
              "write " + shownQuoted(kFilterOperatorTable.lookup(filter.op)) + " if that is meant");
     }
     for (const OperandModel* const operand : {&filter.operand1, &filter.operand2}) {
-        // Of a number and of a function that is not there, others warn.
+        // Others warn of a number, and of a function that is not there.
         if (isAttribute(*operand) || (isConstant(*operand) && filter.valueType == FilterValueType::String)) {
-            check(operand->operand.value, operand->place, found);
+            appendNulWarning(operand->operand.value, operand->place, found);
         }
     }
 }
 
 }  // namespace
 
-void appendNulWarnings(const TransitionModel& transition, std::vector<Diagnostic>& found) {
-    check(transition.from, placeOf(transition, "from_state"), found);
-    check(transition.to, placeOf(transition, "to_state"), found);
+void appendNulWarnings(const TransitionModel& transition, std::vector<Finding>& found) {
+    appendNulWarning(transition.from, placeOf(transition, "from_state"), found);
+    appendNulWarning(transition.to, placeOf(transition, "to_state"), found);
     for (const FilterModel& filter : transition.filters) {
-        check(filter, found);
+        appendNulWarnings(filter, found);
     }
 }
 

@@ -1,4 +1,4 @@
-#include "tools/vig/check/NumberWarnings.h"
+#include "tools/vig/check/Warnings.h"
 
 #include <fmt/format.h>
 
@@ -9,7 +9,6 @@
 #include <string_view>
 
 #include "tools/vig/check/NormalFilter.h"
-#include "tools/vig/check/Warn.h"
 #include "tools/vig/words/Text.h"
 #include "vig/parsers/NumberText.h"
 
@@ -17,7 +16,7 @@ namespace Brenta::OS::VIG::Tool {
 
 namespace {
 
-// How the library reads a text.
+// The library reads a text like that.
 struct Reading {
     std::string number;  // what came of it
     bool inRange;
@@ -38,7 +37,7 @@ struct Decimal {
     std::string held;
 };
 
-// Empty for a number with an exponent or of another base. Leading zeros are left out.
+// Gives nothing for a number with an exponent or of another base. Leading zeros are left out.
 std::optional<Decimal> decimalOf(std::string_view text) {
     const std::string sign = text.find('-') != std::string_view::npos ? "-" : "";
     text.remove_prefix(std::min(text.find_first_not_of(" \t\r\n+-0"), text.size()));
@@ -53,14 +52,14 @@ std::optional<Decimal> decimalOf(std::string_view text) {
         sign + fmt::format("{:.{}f}", readNearest<double>(std::string(text)), decimals.size())};
 }
 
-void appendUnread(const Place& place, const std::string& text, const Reading& reading, std::vector<Diagnostic>& found) {
+void appendUnread(const Place& place, const std::string& text, const Reading& reading, std::vector<Finding>& found) {
     const std::string hint = reading.rest.starts_with(',') ? "the decimal point is \".\""
                                                            : "write " + quoted(reading.number) + " if that is meant";
     warn(found, "number-text", place,
          shownQuoted(text) + " is read as " + reading.number + "; " + shownQuoted(reading.rest) + " is ignored", hint);
 }
 
-void appendImprecise(const OperandModel& operand, std::vector<Diagnostic>& found) {
+void appendImprecise(const OperandModel& operand, std::vector<Finding>& found) {
     const auto decimal = decimalOf(operand.operand.value);
     if (decimal && decimal->held != decimal->written) {
         warn(found, "number-text", operand.place,
@@ -70,7 +69,7 @@ void appendImprecise(const OperandModel& operand, std::vector<Diagnostic>& found
     }
 }
 
-void appendNumberWarning(const OperandModel& operand, FilterValueType type, std::vector<Diagnostic>& found) {
+void appendNumberWarning(const OperandModel& operand, FilterValueType type, std::vector<Finding>& found) {
     const std::string& text = operand.operand.value;
     const Reading reading = type == FilterValueType::Integer ? readingOf<std::int64_t>(text) : readingOf<double>(text);
     if (!reading.rest.empty()) {
@@ -85,7 +84,7 @@ void appendNumberWarning(const OperandModel& operand, FilterValueType type, std:
 
 }  // namespace
 
-void appendNumberWarnings(const FilterModel& filter, std::vector<Diagnostic>& found) {
+void appendNumberWarnings(const FilterModel& filter, std::vector<Finding>& found) {
     if (filter.valueType == FilterValueType::String) {
         return;
     }

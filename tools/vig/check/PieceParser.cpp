@@ -30,12 +30,12 @@ class AnyParametersFactory final : public VIGActionFunctionFactory {
 
 using Factories = std::unordered_map<std::string, std::shared_ptr<VIGActionFunctionFactory>>;
 
-// With the event of Shape::accepted.
+// The registry knows the event of Shape::accepted.
 VIGParserConfig registryOf(Factories actions) {
     return VIGParserConfig({{"x", EventType::Test}}, std::move(actions), {}, {}, {}, {});
 }
 
-// The action of Shape::accepted, with any one parameter or without.
+// Returns the action of Shape::accepted, with any one parameter or without.
 Factories acceptedActions() {
     const auto factory = std::make_shared<AnyParametersFactory>();
     return {{"x", factory}, {"x()", factory}, {"x(integer)", factory}, {"x(double)", factory}, {"x(string)", factory}};
@@ -48,6 +48,12 @@ void collectAccepted(const Shape& shape, std::map<Layer, Json::Value>& pieces) {
             collectAccepted(*member.inside, pieces);
         }
     }
+}
+
+// Returns the object with the element at the end of one of its lists.
+Json::Value with(Json::Value object, const char* list, const Json::Value& element) {
+    object[list].append(element);
+    return object;
 }
 
 }  // namespace
@@ -88,35 +94,18 @@ VIGParseError PieceParser::parse(const Shape& shape, const Json::Value& piece, c
         case Layer::Machine:
             return VIGFiniteStateMachineParser().parse(piece, config).error;
         case Layer::Transition:
-            return VIGFiniteStateMachineParser().parse(machineWith(piece), config).error;
+            return parse(kMachineShape, with(accepted(kMachineShape), "transitions", piece), config);
         case Layer::Filter:
             return _parseFilter(piece, config) ? VIGParseError::Ok : VIGParseError::InvalidFsm;
         case Layer::Operand:
             return FilterOperand::fromJson(piece) ? VIGParseError::Ok : VIGParseError::InvalidFsm;
         case Layer::Action:
-            return parse(kTransitionShape, transitionWith(piece), &config == &registered ? registeredActions : config);
+            return parse(kTransitionShape, with(accepted(kTransitionShape), "actions", piece),
+                         &config == &registered ? registeredActions : config);
         case Layer::Parameter:
             break;
     }
-    return parse(kActionShape, actionWith(piece), anything);
-}
-
-Json::Value PieceParser::machineWith(const Json::Value& transition) const {
-    Json::Value machine;
-    machine["transitions"].append(transition);
-    return machine;
-}
-
-Json::Value PieceParser::transitionWith(const Json::Value& action) const {
-    Json::Value transition = accepted(kTransitionShape);
-    transition["actions"].append(action);
-    return transition;
-}
-
-Json::Value PieceParser::actionWith(const Json::Value& parameter) const {
-    Json::Value action = accepted(kActionShape);
-    action["parameters"].append(parameter);
-    return action;
+    return parse(kActionShape, with(accepted(kActionShape), "parameters", piece), anything);
 }
 
 }  // namespace Brenta::OS::VIG::Tool

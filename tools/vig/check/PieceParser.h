@@ -13,7 +13,7 @@
 
 namespace Brenta::OS::VIG::Tool {
 
-// Why the library refuses something.
+// The reason why the library refuses something.
 struct Refusal {
     VIGParseError error;
     std::string message;  // its first line in the log, or the meaning of the error where it logs nothing
@@ -34,18 +34,15 @@ class PieceParser {
     PieceParser& operator=(const PieceParser&) = delete;
     ~PieceParser();
 
-    // Empty if the library accepts the piece, which stands where an object of that shape may. A parameter stands in the
-    // accepted action.
+    // Returns nothing if the library accepts the piece, which stands where an object of that shape may. A parameter
+    // stands in the accepted action.
     std::optional<Refusal> refusalOf(const Shape& shape, const Json::Value& piece, Names names);
 
-    // Shape::accepted, as JSON.
+    // Returns Shape::accepted, as JSON.
     const Json::Value& accepted(const Shape& shape) const { return acceptedPieces.at(shape.layer); }
 
   private:
     VIGParseError parse(const Shape& shape, const Json::Value& piece, const VIGParserConfig& config) const;
-    Json::Value machineWith(const Json::Value& transition) const;
-    Json::Value transitionWith(const Json::Value& action) const;
-    Json::Value actionWith(const Json::Value& parameter) const;
 
     const VIGParserConfig& registered;
     const VIGParserConfig registeredActions;  // in a transition on the accepted event

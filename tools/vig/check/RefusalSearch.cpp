@@ -1,32 +1,50 @@
+// The search for what is refused.
+//
+// The library tells of a document whether it accepts it, and logs the first mistake alone. People want every mistake,
+// each at its place. A second parser would have an opinion of its own, so this search has none: it asks the library
+// about many small documents, which it makes of the one in question.
+//
+// For each kind of object there is one that the library accepts (Shape::accepted). A member is at fault if the library
+// refuses that object once the member has been put into it. What stands inside of the member does not count for that,
+// and is left out, and so are the names of events and actions: any will do. Then the search goes into those members
+// that are objects or lists of objects. A piece that the library accepts as a whole is not looked into, so that a
+// document without mistakes costs little more than its parsing, and one with mistakes that of the pieces around them.
+//
+// Some members are refused only together, such as a function with a value type, or an action with parameters of those
+// types, or for the names in them. That is tried once each of them is accepted by itself, beside others that fit all
+// that may be asked.
+//
+// Where all that finds nothing in a piece that is refused, the piece itself is at fault: whatever else the library may
+// come to refuse does not go unsaid.
 #include "tools/vig/check/RefusalSearch.h"
 
 #include <algorithm>
+#include <string>
+#include <string_view>
 #include <utility>
 
-#include "tools/vig/check/RefusalHints.h"
+#include "tools/vig/check/Hints.h"
+#include "tools/vig/check/PieceParser.h"
 #include "tools/vig/document/ParseErrorText.h"
+#include "tools/vig/document/StrictJson.h"
 #include "tools/vig/words/Text.h"
 #include "vig/parsers/JsonValues.h"
 
 namespace Brenta::OS::VIG::Tool {
 
-using Names = PieceParser::Names;
-
 namespace {
+
+using Names = PieceParser::Names;
 
 constexpr std::size_t kMostShownOfPiece = 40;
 constexpr std::size_t kMostShownOfMessage = 200;
 
-// Null if there is none.
+// Returns null if there is none.
 const Json::Value* memberOf(const Json::Value& object, std::string_view key) {
-    return object.find(key.data(), key.data() + key.size());
+    return object.isObject() ? object.find(key.data(), key.data() + key.size()) : nullptr;
 }
 
-std::string pathOf(const std::string& path, std::string_view key) {
-    return path + (path.empty() ? "" : ".") + std::string(key);
-}
-
-// What stands for a value while its place is judged and not what is in it.
+// Returns what stands for a value while its place is judged and not what is in it.
 Json::Value standIn(const Json::Value& value, const Json::Value& accepted, Shape::Kind kind) {
     if (kind != Shape::Kind::Value && value.type() == accepted.type()) {
         return accepted;
@@ -34,7 +52,7 @@ Json::Value standIn(const Json::Value& value, const Json::Value& accepted, Shape
     return value.isArray() || value.isObject() ? Json::Value(value.type()) : value;
 }
 
-// The operand with a value that fits every value type. REQUIRES: the library accepts the operand.
+// Returns the operand with a value that fits every value type. REQUIRES: the library accepts the operand.
 Json::Value neutral(const Json::Value& operand) {
     Json::Value result = operand;
     result["type"] = operand["type"].asString() == "constant" ? "constant" : "envvar";
@@ -46,193 +64,218 @@ bool haveAnyOf(const std::vector<std::string_view>& keys, std::initializer_list<
     return std::ranges::find_first_of(keys, any) != keys.end();
 }
 
-// What is wrong with a member of an object, or empty if that is more than its type.
+// Says what is wrong with a member of an object, or nothing if that is more than its type.
 std::string faultOf(std::string_view key, const Json::Value* value, const Json::Value& accepted) {
     if (value == nullptr) {
         return quoted(key) + " is missing";
     }
-    const std::string_view type = kindName(*value);
-    return type == kindName(accepted) ? std::string() : quoted(key) + " is " + std::string(type);
+    const std::string_view kind = kindName(*value);
+    return kind == kindName(accepted) ? std::string() : quoted(key) + " is " + std::string(kind);
 }
+
+class RefusalSearch {
+  public:
+    RefusalSearch(const DocumentText& text, const VIGParserConfig& names, std::vector<Finding>& errors)
+        : document(text), registry(names), library(names), found(errors) {}
+
+    // Tells whether the library accepts the root, but for the elements of "configs".
+    bool acceptsResponse() {
+        const Piece root{kResponseShape, document.root(), {}};
+        if (root.json.isObject()) {
+            return acceptsMember(root, kResponseMembers[0]);
+        }
+        const auto refusal = library.refusalOf(root.shape, standIn(root.json, {}, Shape::Kind::Value), Names::Accepted);
+        if (refusal) {
+            add(root, {}, *refusal, {}, {});
+        }
+        return !refusal;
+    }
+
+    bool accepts(const Shape& shape, const Json::Value& json, const std::string& path) {
+        const auto refusal = library.refusalOf(shape, json, Names::Registered);
+        if (!refusal) {
+            return true;
+        }
+        const Piece piece{shape, json, path};
+        if (!json.isObject()) {
+            add(piece, {}, *refusal, {}, memberHint(shape, {}, &json, library.accepted(shape)));
+            return false;
+        }
+        const std::size_t before = found.size();
+        searchInside(piece);
+        if (found.size() == before) {
+            add(piece, {}, *refusal, {}, {});
+        }
+        return false;
+    }
+
+  private:
+    // An object of the document on which the library looks.
+    struct Piece {
+        const Shape& shape;
+        const Json::Value& json;
+        std::string path;
+    };
+
+    void searchInside(const Piece& piece) {
+        std::vector<std::string_view> faulty;
+        for (const Shape::Member& member : piece.shape.members) {
+            const Json::Value* const value = memberOf(piece.json, member.key);
+            if (!acceptsMember(piece, member) ||
+                (value != nullptr && !acceptsInside(member, *value, pathOf(piece, member.key)))) {
+                faulty.push_back(member.key);
+            }
+        }
+        searchCombinations(piece, faulty);
+    }
+
+    bool acceptsMember(const Piece& piece, const Shape::Member& member) {
+        const Json::Value& acceptedPiece = library.accepted(piece.shape);
+        const Json::Value& accepted = *memberOf(acceptedPiece, member.key);
+        const Json::Value* const value = memberOf(piece.json, member.key);
+        Json::Value trial = acceptedPiece;
+        if (value != nullptr) {
+            trial[std::string(member.key)] = standIn(*value, accepted, member.kind);
+        } else {
+            trial.removeMember(std::string(member.key));
+        }
+        const auto refusal = library.refusalOf(piece.shape, trial, Names::Accepted);
+        if (refusal) {
+            add(piece, member.key, *refusal, faultOf(member.key, value, accepted),
+                memberHint(piece.shape, member.key, value, accepted));
+        }
+        return !refusal;
+    }
+
+    bool acceptsInside(const Shape::Member& member, const Json::Value& json, const std::string& path) {
+        if (member.kind == Shape::Kind::Object && json.isObject()) {
+            return accepts(*member.inside, json, path);
+        }
+        bool all = true;
+        if (member.kind == Shape::Kind::List && json.isArray()) {
+            StrictJson::forEach(json, path, [&](const Json::Value& each, const std::string& place) {
+                all = accepts(*member.inside, each, place) && all;
+            });
+        }
+        return all;
+    }
+
+    // Judges members that may each be accepted, and are refused together or for the names in them.
+    void searchCombinations(const Piece& piece, const std::vector<std::string_view>& faulty) {
+        const Layer layer = piece.shape.layer;
+        if (layer == Layer::Transition && !haveAnyOf(faulty, {"event"})) {
+            judgeEvent(piece);
+        } else if (layer == Layer::Filter && !haveAnyOf(faulty, {"value_type", "operand1", "operand2"})) {
+            judgeOperands(piece);
+        } else if (layer == Layer::Action && !haveAnyOf(faulty, {"name"})) {
+            judgeAction(piece, faulty.empty());
+        } else if (layer == Layer::Parameter && faulty.empty()) {
+            judgeValue(piece);
+        }
+    }
+
+    void judgeEvent(const Piece& transition) {
+        Json::Value trial = library.accepted(transition.shape);
+        trial["event"] = transition.json["event"];
+        if (const auto refusal = library.refusalOf(transition.shape, trial, Names::Registered)) {
+            add(transition, "event", *refusal, {}, eventHint(registry, trial["event"].asString()));
+        }
+    }
+
+    // Finds a function that is unknown for the value type, or a constant that is no number: whichever is refused beside
+    // an operand that fits.
+    void judgeOperands(const Piece& filter) {
+        for (const auto& [key, otherKey] : {std::pair("operand1", "operand2"), std::pair("operand2", "operand1")}) {
+            const Json::Value& operand = filter.json[key];
+            Json::Value trial = library.accepted(filter.shape);
+            trial["value_type"] = filter.json["value_type"];
+            trial[key] = operand;
+            trial[otherKey] = neutral(filter.json[otherKey]);
+            if (const auto refusal = library.refusalOf(filter.shape, trial, Names::Registered)) {
+                const bool isConstant = operand["type"].asString() == "constant";
+                add({kOperandShape, operand, pathOf(filter, key)}, "value", *refusal, {},
+                    isConstant ? numberHint(trial["value_type"].asString())
+                               : functionHint(registry, operand["value"].asString()));
+            }
+        }
+    }
+
+    // Beside parameters that are refused, the name is at fault only if it is that of no action.
+    void judgeAction(const Piece& action, bool areParametersAccepted) {
+        Json::Value bare;
+        bare["name"] = action.json["name"];
+        const std::string name = bare["name"].asString();
+        const auto bareRefusal = library.refusalOf(action.shape, bare, Names::Registered);
+        const auto refusal = areParametersAccepted ? library.refusalOf(action.shape, action.json, Names::Registered)
+                             : keysWithParameters(registry, name).empty() ? bareRefusal
+                                                                          : std::nullopt;
+        if (refusal && !bareRefusal) {
+            add(action, "parameters", *refusal, {}, "registered without parameters: remove \"parameters\"");
+        } else if (refusal) {
+            add(action, "name", *refusal, {}, actionHint(registry, name));
+        }
+    }
+
+    void judgeValue(const Piece& parameter) {
+        if (const auto refusal = library.refusalOf(parameter.shape, parameter.json, Names::Registered)) {
+            add(parameter, "value", *refusal,
+                memberOf(parameter.json, "value") == nullptr ? "\"value\" is missing" : "",
+                numberHint(parameter.json["type"].asString()));
+        }
+    }
+
+    // Appends an error at the member, or at the piece if it lacks one of that key. `fault` is said beside the message.
+    void add(const Piece& piece, std::string_view key, const Refusal& refusal, const std::string& fault,
+             std::string hint) {
+        const Json::Value* const member = key.empty() ? nullptr : memberOf(piece.json, key);
+        const Place whole = document.placeOf(piece.json, piece.path);
+        std::string message = shortMessage(refusal.message, whole);
+        if (!fault.empty()) {
+            message += " (" + fault + ")";
+        }
+        found.push_back({Severity::Error, std::string(textOf(refusal.error).name),
+                         member != nullptr ? document.placeOf(*member, pathOf(piece, key)) : whole, std::move(message),
+                         std::move(hint)});
+    }
+
+    // The library ends a message that shows JSON, over many lines, like that.
+    std::string shortMessage(const std::string& message, const Place& piece) const {
+        if (!message.ends_with("\n.")) {
+            return shortened(message, kMostShownOfMessage);
+        }
+        const std::string_view text = document.source().text();
+        return message.substr(0, message.find(": ") + 2) +
+               excerpt(text.substr(piece.begin, piece.end - piece.begin), kMostShownOfPiece);
+    }
+
+    static std::string pathOf(const Piece& piece, std::string_view key) {
+        return StrictJson::member(piece.path, std::string(key));
+    }
+
+    const DocumentText& document;
+    const VIGParserConfig& registry;
+    PieceParser library;
+    std::vector<Finding>& found;
+};
 
 }  // namespace
 
-RefusalSearch::RefusalSearch(const DocumentText& text, const VIGParserConfig& names, std::vector<Diagnostic>& errors)
-    : document(text), registry(names), library(names), found(errors) {}
-
-bool RefusalSearch::acceptsResponse() {
-    const std::string path;
-    const Piece root{kResponseShape, document.root(), path};
-    if (root.json.isObject()) {
-        return acceptsMember(root, kResponseMembers[0]);
+std::optional<std::vector<Json::ArrayIndex>> acceptedConfigs(const DocumentText& document,
+                                                             const VIGParserConfig& registry,
+                                                             std::vector<Finding>& found) {
+    RefusalSearch search(document, registry, found);
+    if (!search.acceptsResponse()) {
+        return std::nullopt;
     }
-    if (const auto refusal =
-            library.refusalOf(root.shape, standIn(root.json, {}, Shape::Kind::Value), Names::Accepted)) {
-        add(root, {}, *refusal, {}, {});
-        return false;
-    }
-    return true;
-}
-
-bool RefusalSearch::accepts(const Shape& shape, const Json::Value& json, const std::string& path) {
-    const auto refusal = library.refusalOf(shape, json, Names::Registered);
-    if (!refusal) {
-        return true;
-    }
-    const Piece piece{shape, json, path};
-    if (!json.isObject()) {
-        add(piece, {}, *refusal, {}, memberHint(shape, {}, &json, library.accepted(shape)));
-        return false;
-    }
-    const std::size_t before = found.size();
-    searchInside(piece);
-    if (found.size() == before) {
-        // Whatever the library has against it must not go unsaid.
-        add(piece, {}, *refusal, {}, {});
-    }
-    return false;
-}
-
-void RefusalSearch::searchInside(const Piece& piece) {
-    Keys faulty;
-    for (const Shape::Member& member : piece.shape.members) {
-        const Json::Value* const value = memberOf(piece.json, member.key);
-        const bool isAccepted = acceptsMember(piece, member) &&
-                                (value == nullptr || acceptsInside(member, *value, pathOf(piece.path, member.key)));
-        if (!isAccepted) {
-            faulty.push_back(member.key);
+    std::vector<Json::ArrayIndex> accepted;
+    Json::ArrayIndex index = 0;
+    StrictJson::forEach(document.root()["configs"], "configs", [&](const Json::Value& each, const std::string& path) {
+        if (search.accepts(kConfigShape, each, path)) {
+            accepted.push_back(index);
         }
-    }
-    searchCombinations(piece, faulty);
-}
-
-bool RefusalSearch::acceptsMember(const Piece& piece, const Shape::Member& member) {
-    const Json::Value& acceptedPiece = library.accepted(piece.shape);
-    const Json::Value& accepted = *memberOf(acceptedPiece, member.key);
-    const Json::Value* const value = memberOf(piece.json, member.key);
-    Json::Value trial = acceptedPiece;
-    if (value != nullptr) {
-        trial[std::string(member.key)] = standIn(*value, accepted, member.kind);
-    } else {
-        trial.removeMember(std::string(member.key));
-    }
-    const auto refusal = library.refusalOf(piece.shape, trial, Names::Accepted);
-    if (refusal) {
-        add(piece, member.key, *refusal, faultOf(member.key, value, accepted),
-            memberHint(piece.shape, member.key, value, accepted));
-    }
-    return !refusal;
-}
-
-bool RefusalSearch::acceptsInside(const Shape::Member& member, const Json::Value& json, const std::string& path) {
-    if (member.kind == Shape::Kind::Object && json.isObject()) {
-        return accepts(*member.inside, json, path);
-    }
-    bool all = true;
-    if (member.kind == Shape::Kind::List && json.isArray()) {
-        for (Json::ArrayIndex index = 0; index < json.size(); ++index) {
-            all = accepts(*member.inside, json[index], path + "[" + std::to_string(index) + "]") && all;
-        }
-    }
-    return all;
-}
-
-// Members that may each be accepted, and are refused together or for the names in them.
-void RefusalSearch::searchCombinations(const Piece& piece, const Keys& faulty) {
-    const Layer layer = piece.shape.layer;
-    if (layer == Layer::Transition && !haveAnyOf(faulty, {"event"})) {
-        judgeEvent(piece);
-    } else if (layer == Layer::Filter && !haveAnyOf(faulty, {"value_type", "operand1", "operand2"})) {
-        judgeOperands(piece);
-    } else if (layer == Layer::Action && faulty.empty()) {
-        judgeKey(piece);
-    } else if (layer == Layer::Action && !haveAnyOf(faulty, {"name"})) {
-        judgeName(piece);
-    } else if (layer == Layer::Parameter && faulty.empty()) {
-        judgeValue(piece);
-    }
-}
-
-void RefusalSearch::judgeEvent(const Piece& transition) {
-    Json::Value trial = library.accepted(transition.shape);
-    trial["event"] = transition.json["event"];
-    if (const auto refusal = library.refusalOf(transition.shape, trial, Names::Registered)) {
-        add(transition, "event", *refusal, {}, eventHint(registry, trial["event"].asString()));
-    }
-}
-
-// A function that is unknown for the value type, or a constant that is no number: whichever is refused beside an
-// operand that fits.
-void RefusalSearch::judgeOperands(const Piece& filter) {
-    for (const auto& [key, otherKey] : {std::pair("operand1", "operand2"), std::pair("operand2", "operand1")}) {
-        const Json::Value& operand = filter.json[key];
-        Json::Value trial = library.accepted(filter.shape);
-        trial["value_type"] = filter.json["value_type"];
-        trial[key] = operand;
-        trial[otherKey] = neutral(filter.json[otherKey]);
-        if (const auto refusal = library.refusalOf(filter.shape, trial, Names::Registered)) {
-            const std::string name = operand["value"].asString();
-            const bool isConstant = operand["type"].asString() == "constant";
-            add({kOperandShape, operand, pathOf(filter.path, key)}, "value", *refusal, {},
-                isConstant ? numberHint(trial["value_type"].asString()) : functionHint(registry, name));
-        }
-    }
-}
-
-void RefusalSearch::judgeKey(const Piece& action) {
-    const auto refusal = library.refusalOf(action.shape, action.json, Names::Registered);
-    if (!refusal) {
-        return;
-    }
-    Json::Value bare;
-    bare["name"] = action.json["name"];
-    if (!library.refusalOf(action.shape, bare, Names::Registered)) {
-        add(action, "parameters", *refusal, {}, "registered without parameters: remove \"parameters\"");
-    } else {
-        add(action, "name", *refusal, {}, actionHint(registry, bare["name"].asString()));
-    }
-}
-
-// Beside parameters that are refused, the name is at fault only if it is that of no action.
-void RefusalSearch::judgeName(const Piece& action) {
-    Json::Value bare;
-    bare["name"] = action.json["name"];
-    const std::string name = bare["name"].asString();
-    const auto refusal = library.refusalOf(action.shape, bare, Names::Registered);
-    if (refusal && keysWithParameters(registry, name).empty()) {
-        add(action, "name", *refusal, {}, actionHint(registry, name));
-    }
-}
-
-void RefusalSearch::judgeValue(const Piece& parameter) {
-    if (const auto refusal = library.refusalOf(parameter.shape, parameter.json, Names::Registered)) {
-        const Json::Value* const value = memberOf(parameter.json, "value");
-        add(parameter, "value", *refusal, value == nullptr ? "\"value\" is missing" : "",
-            numberHint(parameter.json["type"].asString()));
-    }
-}
-
-void RefusalSearch::add(const Piece& piece, std::string_view key, const Refusal& refusal, const std::string& fault,
-                        std::string hint) {
-    const Json::Value* const member = key.empty() || !piece.json.isObject() ? nullptr : memberOf(piece.json, key);
-    Place place = member != nullptr ? document.placeOf(*member, pathOf(piece.path, key))
-                                    : document.placeOf(piece.json, piece.path);
-    std::string message = shortMessage(refusal.message, document.placeOf(piece.json, {}));
-    if (!fault.empty()) {
-        message += " (" + fault + ")";
-    }
-    found.push_back({Severity::Error, std::string(textOf(refusal.error).name), std::move(place), std::move(message),
-                     std::move(hint)});
-}
-
-// The library ends a message that shows JSON, over many lines, like that.
-std::string RefusalSearch::shortMessage(const std::string& message, const Place& piece) const {
-    if (!message.ends_with("\n.")) {
-        return shortened(message, kMostShownOfMessage);
-    }
-    const std::string_view text = document.source().text();
-    return message.substr(0, message.find(": ") + 2) +
-           excerpt(text.substr(piece.begin, piece.end - piece.begin), kMostShownOfPiece);
+        ++index;
+    });
+    return accepted;
 }
 
 }  // namespace Brenta::OS::VIG::Tool

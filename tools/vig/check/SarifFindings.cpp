@@ -1,5 +1,3 @@
-#include "tools/vig/check/SarifFindings.h"
-
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -8,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "tools/vig/check/FindingWriters.h"
 #include "tools/vig/check/WarningNames.h"
 #include "tools/vig/document/ParseErrorText.h"
 #include "tools/vig/words/Text.h"
@@ -16,7 +15,7 @@ namespace Brenta::OS::VIG::Tool {
 
 namespace {
 
-// What findings can be called, with what that means.
+// Returns what findings can be called, with what that means.
 std::vector<WarningName> rules() {
     std::vector<WarningName> all;
     for (const ParseErrorText& each : kParseErrorTexts) {
@@ -26,7 +25,7 @@ std::vector<WarningName> rules() {
     return all;
 }
 
-// With a percent sign where a URI needs one.
+// Puts a percent sign where a URI needs one.
 std::string uriOf(std::string_view path) {
     constexpr std::string_view kPlain = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-._~/";
     std::string uri = path.starts_with('/') ? "file://" : "";
@@ -75,41 +74,50 @@ std::string logicalLocations(const std::string& path) {
     return path.empty() ? "" : fmt::format(R"(,"logicalLocations":[{{"fullyQualifiedName":{}}}])", quoted(path));
 }
 
+class SarifFindings final : public FindingWriter {
+  public:
+    explicit SarifFindings(Output& target) : output(target) {
+        output.write(R"({"version":"2.1.0",)"
+                     R"("$schema":"https://docs.oasis-open.org/sarif/sarif/v2.1.0/os/schemas/sarif-schema-2.1.0.json",)"
+                     R"("runs":[{"tool":{"driver":{"name":"vig","version":")" VIG_VERSION R"(","rules":[)");
+        std::string_view ruleSeparator;
+        for (const WarningName& rule : known) {
+            output.write(
+                fmt::format("{}\n"
+                            R"({{"id":{},"shortDescription":{{"text":{}}}}})",
+                            std::exchange(ruleSeparator, ","), quoted(rule.name), quoted(rule.meaning)));
+        }
+        output.write(R"(]}},"columnKind":"unicodeCodePoints","results":[)");
+    }
+
+    void write(const SourceText& source, std::span<const Finding> findings) override {
+        const std::string uri = uriOf(source.name());
+        Columns columns(source);
+        for (const Finding& finding : findings) {
+            const auto rule = std::ranges::find(known, finding.name, &WarningName::name) - known.begin();
+            const std::string hint = finding.hint.empty() ? "" : " Hint: " + finding.hint;
+            output.write(
+                fmt::format("{}\n"
+                            R"({{"ruleId":{},"ruleIndex":{},"level":"{}","message":{{"text":{}}},"locations":[)"
+                            R"({{"physicalLocation":{{"artifactLocation":{{"uri":{}}},"region":{}}}{}}}]}})",
+                            std::exchange(separator, ","), quoted(finding.name), rule,
+                            finding.severity == Severity::Error ? "error" : "warning", quoted(finding.message + hint),
+                            quoted(uri), regionOf(columns, finding.place), logicalLocations(finding.place.path)));
+        }
+    }
+
+    void end(const FindingCounts&) override { output.write("\n]}]}\n"); }
+
+  private:
+    Output& output;
+    const std::vector<WarningName> known = rules();
+    std::string_view separator;  // from the finding before
+};
+
 }  // namespace
 
-SarifFindings::SarifFindings(Output& target) : output(target) {
-    output.write(R"({"version":"2.1.0",)"
-                 R"("$schema":"https://docs.oasis-open.org/sarif/sarif/v2.1.0/os/schemas/sarif-schema-2.1.0.json",)"
-                 R"("runs":[{"tool":{"driver":{"name":"vig","version":")" VIG_VERSION R"(","rules":[)");
-    std::string_view ruleSeparator;
-    for (const WarningName& rule : rules()) {
-        output.write(
-            fmt::format("{}\n"
-                        R"({{"id":{},"shortDescription":{{"text":{}}}}})",
-                        std::exchange(ruleSeparator, ","), quoted(rule.name), quoted(rule.meaning)));
-    }
-    output.write(R"(]}},"columnKind":"unicodeCodePoints","results":[)");
-}
-
-void SarifFindings::file(const SourceText& source, std::span<const Diagnostic> findings) {
-    const std::vector<WarningName> all = rules();
-    const std::string uri = uriOf(source.name());
-    Columns columns(source);
-    for (const Diagnostic& finding : findings) {
-        const auto rule = std::ranges::find(all, finding.name, &WarningName::name) - all.begin();
-        const std::string message = finding.hint.empty() ? finding.message : finding.message + " Hint: " + finding.hint;
-        output.write(
-            fmt::format("{}\n"
-                        R"({{"ruleId":{},"ruleIndex":{},"level":"{}","message":{{"text":{}}},"locations":[)"
-                        R"({{"physicalLocation":{{"artifactLocation":{{"uri":{}}},"region":{}}}{}}}]}})",
-                        std::exchange(separator, ","), quoted(finding.name), rule,
-                        finding.severity == Severity::Error ? "error" : "warning", quoted(message), quoted(uri),
-                        regionOf(columns, finding.place), logicalLocations(finding.place.path)));
-    }
-}
-
-void SarifFindings::end(const FindingCounts&) {
-    output.write("\n]}]}\n");
+std::unique_ptr<FindingWriter> sarifFindings(Output& output) {
+    return std::make_unique<SarifFindings>(output);
 }
 
 }  // namespace Brenta::OS::VIG::Tool

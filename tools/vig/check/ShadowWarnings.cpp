@@ -1,4 +1,4 @@
-#include "tools/vig/check/ShadowWarnings.h"
+#include "tools/vig/check/Warnings.h"
 
 #include <fmt/format.h>
 
@@ -10,31 +10,23 @@
 #include <utility>
 
 #include "tools/vig/check/NormalFilter.h"
-#include "tools/vig/check/Warn.h"
 #include "tools/vig/events/EventNames.h"
 #include "tools/vig/words/Text.h"
-#include "vig/parsers/NumberText.h"
 
 namespace Brenta::OS::VIG::Tool {
 
 namespace {
 
-// How many filters of earlier transitions are looked at for each filter. More share one only in generated documents.
+// No more filters of earlier transitions are looked at for each filter. More share one only in generated documents.
 constexpr std::size_t kMostCompared = 64;
 
 std::string constantText(const OperandModel& operand, FilterValueType type) {
-    switch (type) {
-        case FilterValueType::Integer:
-            return std::to_string(readNearest<std::int64_t>(operand.operand.value));
-        case FilterValueType::Double:
-            return fmt::format("{}", readNearest<double>(operand.operand.value));
-        case FilterValueType::String:
-            break;
-    }
-    return operand.operand.value;
+    return withComparedType(type, [&]<typename T>(std::type_identity<T>) {
+        return fmt::format("{}", readNearest<T>(operand.operand.value));
+    });
 }
 
-// The same text for filters that mean the same, mirrored or with a number written in another way.
+// Returns the same text for filters that mean the same, mirrored or with a number written in another way.
 std::string meaningOf(const FilterModel& filter) {
     NormalFilter normal = normalFormOf(filter);
     std::string right = hasConstant(filter) ? constantText(normal.right, filter.valueType) : normal.right.operand.value;
@@ -50,7 +42,7 @@ std::string meaningOf(const FilterModel& filter) {
 // The transitions of one state on one event, from the first to the last.
 class Precedence {
   public:
-    // The earlier transition that fires whenever this one could; null if there is none.
+    // Returns the earlier transition that fires whenever this one could; null if there is none.
     const Edge* shadowOf(const Edge& edge) {
         if (unconditional != nullptr) {
             return unconditional;
@@ -92,7 +84,7 @@ class Precedence {
         });
     }
 
-    // The filters as numbers, each once.
+    // Returns the filters as numbers, each once.
     std::vector<std::size_t> numbersOf(const Edge& edge) {
         std::vector<std::size_t> filters;
         for (const FilterModel* const filter : edge.logic.conditions) {
@@ -105,7 +97,7 @@ class Precedence {
         return filters;
     }
 
-    // Under the filter that the fewest have, so that few have to be compared.
+    // Keeps it under the filter that the fewest have, so that few have to be compared.
     void remember(const Edge& edge, std::vector<std::size_t> filters) {
         if (filters.empty()) {
             unconditional = &edge;
@@ -125,15 +117,12 @@ class Precedence {
     std::size_t edges = 0;
 };
 
-std::string nameOf(const Edge& edge) {
+std::string shortPathOf(const Edge& edge) {
     const std::string& path = edge.transition->place.path;
     return path.substr(path.rfind("transitions["));
 }
 
-void appendShadowWarnings(StateGraph& graph, std::span<const std::size_t> sameEvent, std::vector<Diagnostic>& found) {
-    if (sameEvent.size() < 2) {
-        return;
-    }
+void appendShadowWarnings(StateGraph& graph, std::span<const std::size_t> sameEvent, std::vector<Finding>& found) {
     Precedence precedence;
     for (const std::size_t index : sameEvent) {
         Edge& edge = graph.edges[index];
@@ -145,15 +134,15 @@ void appendShadowWarnings(StateGraph& graph, std::span<const std::size_t> sameEv
         const bool always = shadow->logic.conditions.empty();
         const std::string why = always ? ", which always fires" : ", which fires whenever this one could";
         warn(found, "shadowed-transition", edge.transition->place,
-             "this never fires: before it in " + shownQuoted(edge.transition->from) + " comes " + nameOf(*shadow) +
-                 " on " + std::string(Tool::nameOf(edge.transition->event)) + why,
+             "this never fires: before it in " + shownQuoted(edge.transition->from) + " comes " + shortPathOf(*shadow) +
+                 " on " + std::string(nameOf(edge.transition->event)) + why,
              always ? "put this one before it" : "put this one before it, or give that one another filter");
     }
 }
 
 }  // namespace
 
-void appendShadowWarnings(StateGraph& graph, std::vector<Diagnostic>& found) {
+void appendShadowWarnings(StateGraph& graph, std::vector<Finding>& found) {
     for (std::vector<std::size_t> ofState : graph.outgoing) {
         const auto event = [&](std::size_t index) { return graph.edges[index].transition->event; };
         std::ranges::stable_sort(ofState, {}, event);

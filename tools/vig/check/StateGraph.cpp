@@ -30,24 +30,20 @@ StateGraph::StateGraph(const ConfigModel& config, std::vector<FilterLogic> logic
     for (std::size_t index = 0; index < edges.size(); ++index) {
         outgoing[edges[index].from].push_back(index);
     }
-}
-
-std::vector<bool> StateGraph::reachable() const {
-    std::vector<bool> reached(names.size());
+    isReachable.resize(names.size());
     std::vector<std::size_t> waiting = {START};
-    reached[START] = true;
+    isReachable[START] = true;
     while (!waiting.empty()) {
         const std::size_t state = waiting.back();
         waiting.pop_back();
         for (const std::size_t index : outgoing[state]) {
             const std::size_t target = edges[index].to;
-            if (!reached[target]) {
-                reached[target] = true;
+            if (!isReachable[target]) {
+                isReachable[target] = true;
                 waiting.push_back(target);
             }
         }
     }
-    return reached;
 }
 
 }  // namespace Brenta::OS::VIG::Tool

@@ -4,10 +4,15 @@
 #include <string_view>
 #include <vector>
 
-#include "tools/vig/check/LogicWarnings.h"
 #include "tools/vig/document/RuleModel.h"
 
 namespace Brenta::OS::VIG::Tool {
+
+// The outcome of judging the filters of a transition: it holds whatever the events.
+struct FilterLogic {
+    bool neverHolds = false;
+    std::vector<const FilterModel*> conditions = {};  // those that are not always true
+};
 
 // A transition of a machine, with its states as numbers.
 struct Edge {
@@ -29,13 +34,13 @@ struct StateGraph {
     // `logics` are those of the transitions, in their order.
     StateGraph(const ConfigModel& config, std::vector<FilterLogic> logics);
 
-    // Whether a chain of transitions leads there from "start", for each state. Whether they can fire is not asked: if
-    // they cannot, there is a warning of them already.
-    std::vector<bool> reachable() const;
-
     std::vector<std::string_view> names;             // of the states
     std::vector<Edge> edges;                         // in document order
     std::vector<std::vector<std::size_t>> outgoing;  // of each state, the edges in document order
+
+    // Tells of each state whether a chain of transitions leads there from "start". It does not matter if they can fire:
+    // where they cannot, there is a warning of them already.
+    std::vector<bool> isReachable;
 };
 
 }  // namespace Brenta::OS::VIG::Tool

@@ -1,13 +1,11 @@
-#include "tools/vig/check/StateWarnings.h"
+#include "tools/vig/check/Warnings.h"
 
 #include <algorithm>
 #include <cstddef>
 #include <string>
 
 #include "tools/vig/check/ActionNeeds.h"
-#include "tools/vig/check/AttributeWarnings.h"
 #include "tools/vig/check/NormalFilter.h"
-#include "tools/vig/check/Warn.h"
 #include "tools/vig/events/EventNames.h"
 #include "tools/vig/words/NearestName.h"
 #include "tools/vig/words/Text.h"
@@ -18,37 +16,25 @@ using RulesEngine::EventType;
 
 namespace {
 
-// For each state, whether something can come of being there.
-std::vector<bool> statesThatLeadOn(const StateGraph& graph) {
-    std::vector<bool> leadsOn(graph.names.size());
-    for (const Edge& edge : graph.edges) {
-        leadsOn[edge.from] = leadsOn[edge.from] || !edge.isLoop() || !edge.transition->actions.empty();
-    }
-    return leadsOn;
-}
-
-// Of the states that can be reached and not be left, of which one may be a misspelt name. Many are no mistake of
+// Returns the states that can be reached and not be left: one of them may be a misspelt name. Many are no mistake of
 // spelling.
-std::vector<std::string_view> strayTargets(const StateGraph& graph, const std::vector<bool>& reachable) {
+std::vector<std::string_view> strayTargets(const StateGraph& graph) {
     constexpr std::size_t kMost = 16;
     std::vector<std::string_view> names;
     for (std::size_t state = 0; state < graph.names.size() && names.size() < kMost; ++state) {
-        if (reachable[state] && state != StateGraph::END && graph.outgoing[state].empty()) {
+        if (graph.isReachable[state] && state != StateGraph::END && graph.outgoing[state].empty()) {
             names.push_back(graph.names[state]);
         }
     }
     return names;
 }
 
-// Of the machine's states, each at its first transition.
-void appendUnreachable(const StateGraph& graph, const std::vector<bool>& reachable, std::vector<Diagnostic>& found) {
-    std::vector<bool> reported = reachable;
+// Each state is named once, at its first transition.
+void appendUnreachable(const StateGraph& graph, std::vector<Finding>& found) {
+    std::vector<bool> reported = graph.isReachable;
     // It is there without being used.
     reported[StateGraph::END] = reported[StateGraph::END] || graph.outgoing[StateGraph::END].empty();
-    if (std::ranges::find(reported, false) == reported.end()) {
-        return;
-    }
-    const auto candidates = strayTargets(graph, reachable);
+    const auto candidates = strayTargets(graph);
     for (const Edge& edge : graph.edges) {
         for (const auto& [state, member] : {std::pair(edge.from, "from_state"), std::pair(edge.to, "to_state")}) {
             if (!reported[state]) {
@@ -62,12 +48,15 @@ void appendUnreachable(const StateGraph& graph, const std::vector<bool>& reachab
     }
 }
 
-// Of the states, each at the first transition that leads there.
-void appendNoWayOut(const StateGraph& graph, const std::vector<bool>& reachable, std::vector<Diagnostic>& found) {
-    std::vector<bool> accepted = statesThatLeadOn(graph);
+// Each state is named once, at the first transition that leads there.
+void appendNoWayOut(const StateGraph& graph, std::vector<Finding>& found) {
+    std::vector<bool> accepted(graph.names.size());  // something can come of being there, or there is a warning
     accepted[StateGraph::END] = true;
     for (const Edge& edge : graph.edges) {
-        if (reachable[edge.from] && !accepted[edge.to]) {
+        accepted[edge.from] = accepted[edge.from] || !edge.isLoop() || !edge.transition->actions.empty();
+    }
+    for (const Edge& edge : graph.edges) {
+        if (graph.isReachable[edge.from] && !accepted[edge.to]) {
             accepted[edge.to] = true;
             warn(found, "no-way-out", placeOf(*edge.transition, "to_state"),
                  "once in " + shownQuoted(graph.names[edge.to]) + ", the machine does nothing any more",
@@ -81,7 +70,7 @@ bool isSampled(const Edge& edge) {
     return std::ranges::any_of(edge.logic.conditions, [](const FilterModel* each) { return draws(*each); });
 }
 
-// Whether entering the state can lead on to another one at once.
+// Tells whether entering the state can lead on to another one at once.
 bool isLeftAtOnce(const StateGraph& graph, std::size_t state) {
     return std::ranges::any_of(graph.outgoing[state], [&](std::size_t index) {
         const Edge& edge = graph.edges[index];
@@ -89,8 +78,7 @@ bool isLeftAtOnce(const StateGraph& graph, std::size_t state) {
     });
 }
 
-void appendStorms(const StateGraph& graph, std::size_t state, const Catalogue& catalogue,
-                  std::vector<Diagnostic>& found) {
+void appendStorms(const StateGraph& graph, std::size_t state, const Catalogue& catalogue, std::vector<Finding>& found) {
     const bool staysThere = !isLeftAtOnce(graph, state);
     for (const std::size_t index : graph.outgoing[state]) {
         const Edge& edge = graph.edges[index];
@@ -112,10 +100,9 @@ void appendStorms(const StateGraph& graph, std::size_t state, const Catalogue& c
 
 }  // namespace
 
-void appendStateWarnings(const StateGraph& graph, const std::vector<bool>& reachable, const Catalogue& catalogue,
-                         std::vector<Diagnostic>& found) {
-    appendUnreachable(graph, reachable, found);
-    appendNoWayOut(graph, reachable, found);
+void appendStateWarnings(const StateGraph& graph, const Catalogue& catalogue, std::vector<Finding>& found) {
+    appendUnreachable(graph, found);
+    appendNoWayOut(graph, found);
     for (std::size_t state = 0; state < graph.names.size(); ++state) {
         appendStorms(graph, state, catalogue, found);
     }

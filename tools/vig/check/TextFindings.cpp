@@ -1,9 +1,11 @@
-#include "tools/vig/check/TextFindings.h"
+#include "tools/vig/check/FindingWriters.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <string>
 #include <utility>
+#include <vector>
 
 #include "tools/vig/words/Text.h"
 
@@ -21,7 +23,7 @@ constexpr std::size_t kMostShownOfLine = 100;
 constexpr std::size_t kMostShownOfText = 500;
 constexpr std::size_t kMostShownBefore = 40;  // the place, of a longer line
 
-// As the line stands in the file, but for what a terminal would act on. Tabs stay.
+// Shows the line as it stands in the file, but for what a terminal would act on. Tabs stay.
 std::string shownLine(std::string_view text) {
     std::string shown;
     for (std::size_t begin = 0; begin <= text.size();) {
@@ -32,7 +34,7 @@ std::string shownLine(std::string_view text) {
     return shown;
 }
 
-// What takes the same room as the text, and shows nothing.
+// Returns what takes the same room as the text, and shows nothing.
 std::string blank(std::string_view text) {
     std::string spaces;
     for (const char each : text) {
@@ -74,48 +76,61 @@ std::string counted(std::size_t count, std::string_view what) {
     return fmt::format("{} {}{}", count, what, count == 1 ? "" : "s");
 }
 
-}  // namespace
+class TextFindings final : public FindingWriter {
+  public:
+    TextFindings(Output& target, bool wantsColours) : output(target), coloured(wantsColours) {}
 
-void TextFindings::file(const SourceText& source, std::span<const Diagnostic> findings) {
-    for (const Diagnostic& finding : findings) {
-        write(source, finding);
-    }
-}
-
-void TextFindings::end(const FindingCounts& counts) {
-    if (counts.files == 0) {
-        return;
-    }
-    const std::string files = counted(counts.files, "file");
-    if (counts.errors + counts.warnings == 0) {
-        output.write("nothing found in " + files + "\n");
-        return;
-    }
-    std::string text = counts.errors > 0 ? counted(counts.errors, "error") : "";
-    if (counts.warnings > 0) {
-        text += (text.empty() ? "" : ", ") + counted(counts.warnings, "warning");
-    }
-    output.write(text + " in " + files + "\n");
-}
-
-void TextFindings::write(const SourceText& source, const Diagnostic& finding) {
-    const auto [line, column] = source.positionOf(finding.place.begin);
-    const bool isError = finding.severity == Severity::Error;
-    const ShownLine shown = show(source.line(line), column, finding.place.end - finding.place.begin);
-    output.write(inColour(kBold, fmt::format("{}:{}:{}: ", printable(source.name()), line, column)) +
-                 inColour(isError ? kBoldRed : kBoldYellow, isError ? "error: " : "warning: ") +
-                 fmt::format("{} [{}]\n", shownText(finding.message), finding.name));
-    output.write(fmt::format("    {}{}{}\n    {}{}\n", shown.before, shown.at, shown.after, blank(shown.before),
-                             inColour(kGreen, mark(shown.at))));
-    for (const auto& [label, text] : {std::pair("path", &finding.place.path), std::pair("hint", &finding.hint)}) {
-        if (!text->empty()) {
-            output.write(fmt::format("    {}: {}\n", label, shownText(*text)));
+    void write(const SourceText& source, std::span<const Finding> findings) override {
+        for (const Finding& finding : findings) {
+            write(source, finding);
         }
     }
-}
 
-std::string TextFindings::inColour(std::string_view colour, std::string_view text) const {
-    return coloured ? fmt::format("{}{}{}", colour, text, kReset) : std::string(text);
+    void end(const FindingCounts& counts) override {
+        if (counts.files == 0) {
+            return;
+        }
+        std::vector<std::string> found;
+        if (counts.errors > 0) {
+            found.push_back(counted(counts.errors, "error"));
+        }
+        if (counts.warnings > 0) {
+            found.push_back(counted(counts.warnings, "warning"));
+        }
+        output.write(fmt::format("{} in {}\n",
+                                 found.empty() ? "nothing found" : fmt::format("{}", fmt::join(found, ", ")),
+                                 counted(counts.files, "file")));
+    }
+
+  private:
+    void write(const SourceText& source, const Finding& finding) {
+        const auto [line, column] = source.positionOf(finding.place.begin);
+        const bool isError = finding.severity == Severity::Error;
+        const ShownLine shown = show(source.line(line), column, finding.place.end - finding.place.begin);
+        output.write(inColour(kBold, fmt::format("{}:{}:{}: ", printable(source.name()), line, column)) +
+                     inColour(isError ? kBoldRed : kBoldYellow, isError ? "error: " : "warning: ") +
+                     fmt::format("{} [{}]\n", shownText(finding.message), finding.name));
+        output.write(fmt::format("    {}{}{}\n    {}{}\n", shown.before, shown.at, shown.after, blank(shown.before),
+                                 inColour(kGreen, mark(shown.at))));
+        for (const auto& [label, text] : {std::pair("path", &finding.place.path), std::pair("hint", &finding.hint)}) {
+            if (!text->empty()) {
+                output.write(fmt::format("    {}: {}\n", label, shownText(*text)));
+            }
+        }
+    }
+
+    std::string inColour(std::string_view colour, std::string_view text) const {
+        return coloured ? fmt::format("{}{}{}", colour, text, kReset) : std::string(text);
+    }
+
+    Output& output;
+    const bool coloured;
+};
+
+}  // namespace
+
+std::unique_ptr<FindingWriter> textFindings(Output& output, bool coloured) {
+    return std::make_unique<TextFindings>(output, coloured);
 }
 
 }  // namespace Brenta::OS::VIG::Tool

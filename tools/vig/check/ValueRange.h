@@ -6,13 +6,15 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <type_traits>
 #include <utility>
 
 #include "vig/parsers/FilterParser.h"
 
 namespace Brenta::OS::VIG::Tool {
 
-// The least value that is greater, if any. Strings are ordered as byte strings, so that only a zero byte comes between.
+// Return the least value that is greater, if any. Strings are ordered as byte strings, so that only a zero byte comes
+// between.
 inline std::optional<std::int64_t> successorOf(std::int64_t value) {
     return value == std::numeric_limits<std::int64_t>::max() ? std::nullopt : std::optional(value + 1);
 }
@@ -24,24 +26,15 @@ inline std::optional<std::string> successorOf(const std::string& value) {
     return value + '\0';
 }
 
-inline bool isNan(double value) {
-    return std::isnan(value);
-}
-inline bool isNan(const auto& /*value*/) {
-    return false;
-}
-
 template <typename T>
 T leastValue() {
-    return std::numeric_limits<T>::lowest();
-}
-template <>
-inline double leastValue<double>() {
-    return -std::numeric_limits<double>::infinity();
-}
-template <>
-inline std::string leastValue<std::string>() {
-    return {};
+    if constexpr (std::is_same_v<T, double>) {
+        return -std::numeric_limits<double>::infinity();
+    } else if constexpr (std::is_same_v<T, std::string>) {
+        return {};
+    } else {
+        return std::numeric_limits<T>::lowest();
+    }
 }
 
 // The values of a type that fulfil some comparisons with constants. NaN, which only != lets through, is no value.
@@ -50,9 +43,11 @@ class ValueRange {
   public:
     // Keeps the values for which `value op constant` holds.
     void narrow(FilterOperator op, const T& constant) {
-        if (isNan(constant)) {
-            empty = empty || op != FilterOperator::NotEqual;
-            return;
+        if constexpr (std::is_same_v<T, double>) {
+            if (std::isnan(constant)) {
+                empty = empty || op != FilterOperator::NotEqual;
+                return;
+            }
         }
         switch (op) {
             case FilterOperator::Equal:

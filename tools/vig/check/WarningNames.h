@@ -4,7 +4,7 @@
 
 namespace Brenta::OS::VIG::Tool {
 
-// What `vig check` can warn of. This is the one list of the names: the help, the documentation and the tests are held
+// This is the one list of what `vig check` can warn of: the help, the documentation and the tests are held
 // against it.
 
 struct WarningName {

@@ -25,18 +25,17 @@ class DocumentText {
 
     const SourceText& source() const { return text; }
 
-    // Null if the text is not JSON.
+    // Returns null if the text is not JSON.
     const Json::Value& root() const { return json; }
 
     // The reader's report if the text is not JSON: for each mistake its line and column, and what is wrong.
     const std::optional<std::string>& report() const { return unreadable; }
 
-    // The place of a value of root(), or of a copy of one; `path` is its JSON path.
+    // Returns the place of a value of root(), or of a copy of one; `path` is its JSON path.
     Place placeOf(const Json::Value& value, std::string path) const;
 
   private:
     const SourceText text;
-    const std::size_t firstByte;  // of the text that the reader counts
     Json::Value json;
     std::optional<std::string> unreadable;
 };

@@ -7,7 +7,7 @@
 
 namespace Brenta::OS::VIG::Tool {
 
-// How the tool calls the library's error codes.
+// The tool calls the library's error codes by these names.
 
 struct ParseErrorText {
     VIGParseError error;

@@ -1,7 +1,11 @@
 #include "tools/vig/document/RuleModel.h"
 
+#include <fmt/format.h>
+
+#include <algorithm>
 #include <utility>
 
+#include "tools/vig/document/StrictJson.h"
 #include "tools/vig/words/Text.h"
 #include "vig/EventTypeNames.h"
 #include "vig/parsers/JsonValues.h"
@@ -19,20 +23,14 @@ class Modeller {
 
     ConfigModel config(const Json::Value& json, const std::string& path) const {
         ConfigModel model{document.placeOf(json, path), toInt64(json["id"]).value_or(0), {}};
-        forEach(json["payload"]["data"]["transitions"], path + ".payload.data.transitions",
-                [&](const Json::Value& each, const std::string& place) {
-                    model.transitions.push_back(transition(each, place));
-                });
+        StrictJson::forEach(json["payload"]["data"]["transitions"], path + ".payload.data.transitions",
+                            [&](const Json::Value& each, const std::string& place) {
+                                model.transitions.push_back(transition(each, place));
+                            });
         return model;
     }
 
   private:
-    static void forEach(const Json::Value& array, const std::string& path, const auto& visit) {
-        for (Json::ArrayIndex index = 0; index < array.size(); ++index) {
-            visit(array[index], path + "[" + std::to_string(index) + "]");
-        }
-    }
-
     TransitionModel transition(const Json::Value& json, const std::string& path) const {
         TransitionModel model{document.placeOf(json, path),
                               json["from_state"].asString(),
@@ -41,10 +39,10 @@ class Modeller {
                               {},
                               {},
                               &json};
-        forEach(json["filters"], path + ".filters", [&](const Json::Value& each, const std::string& place) {
+        StrictJson::forEach(json["filters"], path + ".filters", [&](const Json::Value& each, const std::string& place) {
             model.filters.push_back(filter(each, place));
         });
-        forEach(json["actions"], path + ".actions", [&](const Json::Value& each, const std::string& place) {
+        StrictJson::forEach(json["actions"], path + ".actions", [&](const Json::Value& each, const std::string& place) {
             model.actions.push_back(action(each, place));
         });
         return model;
@@ -69,17 +67,21 @@ class Modeller {
         std::string name = json["name"].asString();
         std::string key = name;
         if (json["parameters"].isArray()) {
-            std::string types;
+            std::vector<std::string> types;
             for (const Json::Value& parameter : json["parameters"]) {
-                types += (types.empty() ? "" : ",") + parameter["type"].asString();
+                types.push_back(parameter["type"].asString());
             }
-            key += "(" + types + ")";
+            key += fmt::format("({})", fmt::join(types, ","));
         }
         return {document.placeOf(json, path), std::move(name), std::move(key)};
     }
 
     const DocumentText& document;
 };
+
+std::string_view textIn(const auto& table, auto key) {
+    return std::ranges::find(table.pairs, key, [](const auto& pair) { return pair.first; })->second;
+}
 
 std::string termOf(const OperandModel& model, FilterValueType valueType) {
     const std::string& text = model.operand.value;

@@ -21,7 +21,7 @@ struct OperandModel {
     FilterOperand operand;
 };
 
-// As written: a constant may stand on the left.
+// A filter as it is written: a constant may stand on the left.
 struct FilterModel {
     Place place;
     FilterOperator op;
@@ -53,13 +53,15 @@ struct ConfigModel {
     std::vector<TransitionModel> transitions;  // in document order
 };
 
-// The element of "configs" at that index. REQUIRES: the library accepts it. The model refers to the document's JSON.
+// Returns the model of the element of "configs" at that index. REQUIRES: the library accepts it. The model refers to
+// the document's JSON.
 ConfigModel modelOf(const DocumentText& document, Json::ArrayIndex index);
 
-// The filter as a condition for people to read: `vmRssKB > 2097152`, `PseudoRandomDouble() < 0.1`, `"a" == name`.
+// Returns the filter as a condition for people to read: `vmRssKB > 2097152`, `PseudoRandomDouble() < 0.1`, `"a" ==
+// name`.
 std::string conditionOf(const FilterModel& filter);
 
-// The same, with the beginning of each long name and text.
+// Does the same, with the beginning of each long name and text.
 std::string shownCondition(FilterModel filter);
 
 }  // namespace Brenta::OS::VIG::Tool

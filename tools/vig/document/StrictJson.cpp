@@ -18,7 +18,7 @@ namespace {
 
 constexpr std::size_t kMostShownOfMessage = 500;
 
-// Empty if the strict reader finds nothing.
+// Returns the report of the strict reader, which is empty if it finds nothing.
 std::string reportOf(const std::string& text) {
     Json::CharReaderBuilder builder;
     Json::CharReaderBuilder::strictMode(&builder.settings_);

@@ -19,7 +19,8 @@ class StrictJson {
   public:
     using Keys = std::vector<std::string_view>;
 
-    // What a strict reader finds wrong with the text, where the library's own reader is lenient; empty if nothing.
+    // Returns what a strict reader finds wrong with the text, where the library's own reader is lenient; empty if
+    // nothing.
     static std::string mistakeIn(const DocumentText& document);
 
     // Both must outlive it. The values are those of the document.
@@ -27,20 +28,20 @@ class StrictJson {
 
     void complain(const Json::Value& at, const std::string& path, const std::string& what);
 
-    // A mistake in another file that belongs to this one, with its place.
+    // Adds a mistake in another file that belongs to this one, with its place.
     void add(std::string mistake);
 
     void complainOfKind(const Json::Value& json, const std::string& path, std::string_view expected);
 
     bool isArray(const Json::Value& json, const std::string& path);
 
-    // Also complains of keys that are not among those known, of which it is false too.
+    // Complains of keys that are not among those known, too, and returns false then.
     bool isObject(const Json::Value& json, const std::string& path, const Keys& known);
 
     std::optional<std::string> text(const Json::Value& json, const std::string& path);
     std::vector<std::string> texts(const Json::Value& json, const std::string& path);
 
-    // Of a member of an object. Empty if there is none, of which only the second one complains.
+    // They read a member of an object, and give nothing if there is none, of which only the second one complains.
     std::optional<std::string> optionalText(const Json::Value& object, const std::string& key, const std::string& path);
     std::optional<std::string> requiredText(const Json::Value& object, const std::string& key, const std::string& path);
     std::optional<std::int64_t> optionalInteger(const Json::Value& object, const std::string& key,
@@ -49,7 +50,7 @@ class StrictJson {
     // Complains if the object does not have the key.
     bool hasMember(const Json::Value& object, const std::string& key, const std::string& path);
 
-    // The path of a member of an object.
+    // Returns the path of a member of an object. The root has the empty path.
     static std::string member(const std::string& path, const std::string& key);
 
     // Calls `visit` with each element of an array and its path.

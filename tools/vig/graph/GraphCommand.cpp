@@ -7,7 +7,7 @@
 
 #include "tools/vig/arguments/CommandLine.h"
 #include "tools/vig/check/Catalogue.h"
-#include "tools/vig/check/Checker.h"
+#include "tools/vig/check/Findings.h"
 #include "tools/vig/document/Registry.h"
 #include "tools/vig/graph/Pictures.h"
 #include "tools/vig/graph/RuleGraph.h"
@@ -112,7 +112,7 @@ int graph(const GraphOptions& options, const Console& console, const Interruptio
         return *status;
     }
     const TracedDocument& document = rules.session().document();
-    const std::vector<Diagnostic> findings = check(document.text, libraryRegistry(), Catalogue::builtIn());
+    const std::vector<Finding> findings = findingsIn(document.text, libraryRegistry(), Catalogue::builtIn());
     if (interruption.requested()) {
         return kExitInterrupted;
     }

@@ -21,8 +21,8 @@ using Marks = std::vector<GraphMark>;
 // The findings by the path of what they mark.
 class MarkedPlaces {
   public:
-    explicit MarkedPlaces(const std::vector<Diagnostic>& findings) {
-        for (const Diagnostic& each : findings) {
+    explicit MarkedPlaces(const std::vector<Finding>& findings) {
+        for (const Finding& each : findings) {
             marks[ownerOf(each.place.path)].push_back({each.name, each.message});
         }
     }
@@ -191,7 +191,7 @@ TrafficKind kindOf(const std::optional<Traffic>& traffic) {
     return traffic->fired == 0 ? TrafficKind::NeverFired : TrafficKind::Fired;
 }
 
-std::vector<RuleGraph> graphsOf(const std::vector<ConfigModel>& configs, const std::vector<Diagnostic>& findings,
+std::vector<RuleGraph> graphsOf(const std::vector<ConfigModel>& configs, const std::vector<Finding>& findings,
                                 const std::vector<std::vector<Traffic>>& traffic) {
     const MarkedPlaces marks(findings);
     std::vector<RuleGraph> graphs;

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "tools/vig/check/Diagnostic.h"
+#include "tools/vig/check/Findings.h"
 #include "tools/vig/document/RuleModel.h"
 
 namespace Brenta::OS::VIG::Tool {
@@ -61,7 +61,7 @@ inline constexpr std::size_t kMostParallelArrows = 4;
 // One graph a configuration. A finding marks the transition that its path lies in; the state, if the path ends with
 // "from_state" or "to_state"; else the configuration. `traffic` is empty without a replay, or has an element for each
 // transition of each configuration.
-std::vector<RuleGraph> graphsOf(const std::vector<ConfigModel>& configs, const std::vector<Diagnostic>& findings,
+std::vector<RuleGraph> graphsOf(const std::vector<ConfigModel>& configs, const std::vector<Finding>& findings,
                                 const std::vector<std::vector<Traffic>>& traffic);
 
 }  // namespace Brenta::OS::VIG::Tool

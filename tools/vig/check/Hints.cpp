@@ -1,13 +1,12 @@
-#include "tools/vig/check/RefusalHints.h"
+#include "tools/vig/check/Hints.h"
+
+#include <fmt/format.h>
 
 #include <algorithm>
 #include <cstddef>
-#include <span>
-#include <utility>
 
 #include "tools/vig/words/NearestName.h"
 #include "tools/vig/words/Text.h"
-#include "vig/parsers/FilterParser.h"
 #include "vig/parsers/JsonValues.h"
 
 namespace Brenta::OS::VIG::Tool {
@@ -16,28 +15,16 @@ namespace {
 
 constexpr std::size_t kMostNamesListed = 6;
 
-std::string listOf(std::span<const std::string_view> names) {
-    std::string text;
-    for (const std::string_view name : names) {
-        text += (text.empty() ? "" : ", ") + quoted(name);
-    }
-    return text;
-}
-
 std::string oneOf(std::string_view given, std::span<const std::string_view> names) {
     return "one of " + listOf(names) + (given.empty() ? "" : suggestion(given, names));
 }
 
-// The names of tables of the registry, in alphabetical order.
-template <typename... Tables>
-std::vector<std::string_view> namesIn(const Tables&... tables) {
+// Returns the names of a table of the registry, in alphabetical order.
+std::vector<std::string_view> namesIn(const auto& table) {
     std::vector<std::string_view> names;
-    const auto append = [&](const auto& table) {
-        for (const auto& [name, value] : table) {
-            names.emplace_back(name);
-        }
-    };
-    (append(tables), ...);
+    for (const auto& named : table) {
+        names.emplace_back(named.first);
+    }
     std::ranges::sort(names);
     return names;
 }
@@ -51,7 +38,7 @@ std::string unknownName(std::string_view what, std::string_view given, const std
            (near.empty() ? "; known are " + listOf(names) : near);
 }
 
-// The number or boolean as a string.
+// Says how the number or boolean is written as a string.
 std::string asString(const Json::Value& value) {
     const std::string text = toText(value).value_or("");
     return "a string: write " + quoted(text) + " for " + text;
@@ -73,6 +60,12 @@ std::string typeHint(const Json::Value* given, const Json::Value& accepted) {
 }
 
 }  // namespace
+
+std::string listOf(std::span<const std::string_view> names) {
+    std::vector<std::string> texts(names.size());
+    std::ranges::transform(names, texts.begin(), quoted);
+    return fmt::format("{}", fmt::join(texts, ", "));
+}
 
 std::string memberHint(const Shape& shape, std::string_view key, const Json::Value* given,
                        const Json::Value& accepted) {
@@ -111,18 +104,28 @@ std::vector<std::string_view> keysWithParameters(const VIGParserConfig& registry
 }
 
 std::string functionHint(const VIGParserConfig& registry, std::string_view name) {
-    const std::pair<std::string_view, std::vector<std::string_view>> namesByType[] = {
-        {"string", namesIn(registry.getStringPureFunctions())},
-        {"integer", namesIn(registry.getInt64PureFunctions())},
-        {"double", namesIn(registry.getDoublePureFunctions())}};
-    for (const auto& [type, names] : namesByType) {
+    std::vector<std::string_view> all;
+    for (const auto& [type, text] : kFilterValueTypeTable.pairs) {
+        const auto names = functionNames(registry, type);
         if (std::ranges::binary_search(names, name)) {
-            return "a function of the value type " + quoted(type);
+            return "a function of the value type " + quoted(text);
         }
+        all.insert(all.end(), names.begin(), names.end());
     }
-    return unknownName("function", name,
-                       namesIn(registry.getStringPureFunctions(), registry.getInt64PureFunctions(),
-                               registry.getDoublePureFunctions()));
+    std::ranges::sort(all);
+    return unknownName("function", name, all);
+}
+
+std::vector<std::string_view> functionNames(const VIGParserConfig& registry, FilterValueType type) {
+    switch (type) {
+        case FilterValueType::Integer:
+            return namesIn(registry.getInt64PureFunctions());
+        case FilterValueType::Double:
+            return namesIn(registry.getDoublePureFunctions());
+        case FilterValueType::String:
+            break;
+    }
+    return namesIn(registry.getStringPureFunctions());
 }
 
 std::string numberHint(std::string_view type) {

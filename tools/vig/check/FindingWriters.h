@@ -1,0 +1,41 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <span>
+
+#include "tools/vig/check/Findings.h"
+#include "tools/vig/io/Output.h"
+
+namespace Brenta::OS::VIG::Tool {
+
+enum class FindingFormat { Text, Json, Sarif };
+
+struct FindingCounts {
+    std::size_t errors = 0;
+    std::size_t warnings = 0;
+    std::size_t files = 0;
+};
+
+// Writes what is found in rule documents.
+class FindingWriter {
+  public:
+    virtual ~FindingWriter() = default;
+
+    // `findings` are those of one file, in the order of their places.
+    virtual void write(const SourceText& source, std::span<const Finding> findings) = 0;
+    virtual void end(const FindingCounts& counts) = 0;
+};
+
+// This writer is for people, as compilers print: the place, the message, the line with a mark under the place; then the
+// place as a JSON path and what would mend it. It is `coloured` or not, as a terminal shows it. `output` must outlive
+// each of the writers.
+std::unique_ptr<FindingWriter> textFindings(Output& output, bool coloured);
+
+// This writer is for programs: one object with a list of the findings. Columns count bytes.
+std::unique_ptr<FindingWriter> jsonFindings(Output& output);
+
+// This writer makes a SARIF 2.1.0 log, for tools that show findings beside the text. Columns count characters.
+std::unique_ptr<FindingWriter> sarifFindings(Output& output);
+
+}  // namespace Brenta::OS::VIG::Tool

@@ -1,0 +1,84 @@
+#include "tools/vig/check/Findings.h"
+
+#include <algorithm>
+#include <charconv>
+#include <optional>
+#include <string_view>
+#include <tuple>
+
+#include "tools/vig/check/RefusalSearch.h"
+#include "tools/vig/check/Warnings.h"
+#include "tools/vig/document/ParseErrorText.h"
+#include "tools/vig/words/Text.h"
+
+namespace Brenta::OS::VIG::Tool {
+
+namespace {
+
+constexpr std::size_t kMostShownOfMessage = 200;
+
+// Takes the number from the text behind the prefix.
+std::optional<std::size_t> takeNumber(std::string_view& text, std::string_view prefix) {
+    std::size_t number = 0;
+    if (!text.starts_with(prefix)) {
+        return std::nullopt;
+    }
+    const auto [end, error] = std::from_chars(text.data() + prefix.size(), text.data() + text.size(), number);
+    text.remove_prefix(static_cast<std::size_t>(end - text.data()));
+    return error == std::errc() ? std::optional(number) : std::nullopt;
+}
+
+// Returns the byte offset, if the line of the report is one that tells a place.
+std::optional<std::size_t> readPlace(std::string_view reported, const SourceText& source) {
+    const auto line = takeNumber(reported, "* Line ");
+    const auto column = takeNumber(reported, ", Column ");
+    if (!line || !column || !reported.empty() || *line == 0 || *line > source.lineCount()) {
+        return std::nullopt;
+    }
+    return std::min(source.offsetOf({*line, *column}), source.text().size());
+}
+
+// The mistakes in the reader's report.
+std::vector<Finding> readerErrors(const SourceText& source, const std::string& text) {
+    const std::string name(textOf(VIGParseError::InvalidJson).name);
+    const SourceText report({}, text);
+    std::vector<Finding> found;
+    for (std::size_t number = 1; number <= report.lineCount(); ++number) {
+        const std::string_view line = report.line(number);
+        if (const auto offset = readPlace(line, source)) {
+            found.push_back({Severity::Error, name, {*offset, *offset + 1, {}}, {}, {}});
+        } else if (!found.empty() && !line.empty()) {
+            std::string& message = found.back().message;
+            message += message.empty() ? "" : " ";
+            message += shortened(line.substr(std::min(line.find_first_not_of(' '), line.size())), kMostShownOfMessage);
+        }
+    }
+    if (found.empty()) {
+        found.push_back({Severity::Error, name, {0, 0, {}}, shortened(text, kMostShownOfMessage), {}});
+    }
+    return found;
+}
+
+}  // namespace
+
+std::vector<Finding> findingsIn(const DocumentText& document, const VIGParserConfig& registry,
+                                const Catalogue& catalogue) {
+    std::vector<Finding> found;
+    if (document.report()) {
+        found = readerErrors(document.source(), *document.report());
+    } else {
+        if (const auto accepted = acceptedConfigs(document, registry, found)) {
+            // Only what the library accepts means something.
+            for (const Json::ArrayIndex index : *accepted) {
+                appendRuleWarnings(modelOf(document, index), catalogue, registry, found);
+            }
+            appendIdWarnings(document, found);
+        }
+        appendKeyWarnings(document, found);
+    }
+    std::ranges::stable_sort(found, {},
+                             [](const Finding& each) { return std::tuple(each.place.begin, each.place.end); });
+    return found;
+}
+
+}  // namespace Brenta::OS::VIG::Tool

@@ -1,0 +1,85 @@
+#pragma once
+
+#include <json/value.h>
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "tools/vig/check/Catalogue.h"
+#include "tools/vig/check/Findings.h"
+#include "tools/vig/check/StateGraph.h"
+#include "tools/vig/document/RuleModel.h"
+#include "vig/parsers/VIGParserConfig.h"
+
+namespace Brenta::OS::VIG::Tool {
+
+// The warnings by what they need to know; the names are of kWarningNames. Each function appends what it finds.
+
+// Warns of every key that the library ignores, and at every key that a later one overwrites. What stands inside of an
+// ignored value is not looked at. REQUIRES: the text of the document is JSON.
+void appendKeyWarnings(const DocumentText& document, std::vector<Finding>& found);
+
+// Warns of every id that an earlier configuration has, or that loses a fraction. REQUIRES: the root is an object whose
+// "configs" is an array.
+void appendIdWarnings(const DocumentText& document, std::vector<Finding>& found);
+
+// Warns of what is probably a mistake in a configuration that the library accepts, in the order of the text. An
+// endless-entering that nothing can stop is an error. A transition that cannot fire or a state that cannot be reached
+// is named once; what follows from it is not. The functions below do the work.
+void appendRuleWarnings(const ConfigModel& config, const Catalogue& catalogue, const VIGParserConfig& registry,
+                        std::vector<Finding>& found);
+
+// Warns of constants that the library reads as another number than is written.
+void appendNumberWarnings(const FilterModel& filter, std::vector<Finding>& found);
+
+// Warns of a NUL in what the library accepts with it: an operator, which it reads up to there, the names of states and
+// attributes, and texts that are compared.
+void appendNulWarnings(const TransitionModel& transition, std::vector<Finding>& found);
+
+// Warns of attributes that the filters and actions of a transition do not find, and of functions that its filters do
+// not find.
+void appendAttributeWarnings(const TransitionModel& transition, const Catalogue& catalogue,
+                             const VIGParserConfig& registry, std::vector<Finding>& found);
+
+// Returns what the filters come to. Warns of those that are always or never true, and that contradict each other.
+FilterLogic judgeFilters(const TransitionModel& transition, const VIGParserConfig& registry,
+                         std::vector<Finding>& found);
+
+// Warns of transitions that never fire because an earlier one always does instead, and marks them.
+void appendShadowWarnings(StateGraph& graph, std::vector<Finding>& found);
+
+// Warns of cycles of EnteringState transitions; one that nothing can stop is an error. REQUIRES: shadowed transitions
+// are marked.
+void appendEnteringWarnings(const StateGraph& graph, std::vector<Finding>& found);
+
+// Warns of states that nothing leads to or that cannot be left, of triggers that fire at every event, and of
+// transitions on timeouts. REQUIRES: shadowed transitions are marked.
+void appendStateWarnings(const StateGraph& graph, const Catalogue& catalogue, std::vector<Finding>& found);
+
+// Returns the attributes that the action needs and events of the type are known not to have, as a list for people.
+std::string missingFor(const ActionModel& action, RulesEngine::EventType event, const Catalogue& catalogue);
+
+inline void warn(std::vector<Finding>& found, std::string_view name, Place place, std::string message,
+                 std::string hint = {}) {
+    found.push_back({Severity::Warning, std::string(name), std::move(place), std::move(message), std::move(hint)});
+}
+
+// Returns what suggestion() gives, standing alone.
+inline std::string asHint(const std::string& suggested) {
+    return suggested.empty() ? suggested : suggested.substr(suggested.find_first_not_of("; "));
+}
+
+// Returns the place of a member of a transition or a filter, such as "to_state".
+Place placeOf(const auto& object, const char* member) {
+    const Json::Value& whole = *object.json;
+    const Json::Value& value = whole[member];
+    const auto offsetOf = [&](std::ptrdiff_t place) {
+        return object.place.begin + static_cast<std::size_t>(place - whole.getOffsetStart());
+    };
+    return {offsetOf(value.getOffsetStart()), offsetOf(value.getOffsetLimit()), object.place.path + "." + member};
+}
+
+}  // namespace Brenta::OS::VIG::Tool
