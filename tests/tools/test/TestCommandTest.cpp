@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
+#include <unistd.h>
 
 #include <new>
 #include <numeric>
@@ -281,7 +282,7 @@ TEST_F(TestCommand, WhatHasBeenFoundIsToldWhateverBecomesOfTheNextFile) {
     const support::MemoryFile out;
     support::peakMemory([&] {
         std::set_new_handler([] { _exit(0); });
-        const rlimit limit = {std::size_t{100} << 20, std::size_t{100} << 20};
+        const rlimit limit = {std::size_t{64} << 20, std::size_t{64} << 20};
         setrlimit(RLIMIT_DATA, &limit);
         const Interruption interruption;
         test(options, {STDIN_FILENO, out.descriptor, STDERR_FILENO}, interruption);
@@ -374,6 +375,25 @@ TEST_F(TestCommand, OfAFileThatIsAllMistakesAHundredAreShown) {
     EXPECT_NE(result.err.find(": tests[99]: "), std::string::npos);
     EXPECT_TRUE(result.err.ends_with(options.files[0] + ": error: has more mistakes than the 100 shown\n"))
         << result.err;
+}
+
+// A pipe can be read but once, and a file may be saved between two tests.
+TEST_F(TestCommand, RulesAreReadOnceForAllTestsAndExplanations) {
+    int ends[2];
+    ASSERT_EQ(pipe(ends), 0);
+    ASSERT_EQ(write(ends[1], kRules.data(), kRules.size()), static_cast<ssize_t>(kRules.size()));
+    close(ends[1]);
+    const std::string begin = R"({"rules":"/proc/self/fd/)" + std::to_string(ends[0]) + R"(","tests":[)";
+    options.files = {
+        folder.write("a.test.json", begin + testCase("a", kCamera, R"("triggers":[{}])") + "]}"),
+        folder.write("b.test.json", begin + testCase("b", kCamera, "") + "," + testCase("c", kSmall, "") + "]}")};
+    const ToolResult result = runVerb(test, options);
+    close(ends[0]);
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.err, "");
+    EXPECT_EQ(linesWith(result.out, "        configs[0].payload.data.transitions[0] -> hot: fires").size(), 1U)
+        << result.out;
+    EXPECT_TRUE(result.out.ends_with("3 tests: 2 passed, 1 failed\n")) << result.out;
 }
 
 TEST_F(TestCommand, RulesThatAreRefusedOrAbsentAreTold) {

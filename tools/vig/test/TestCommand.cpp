@@ -53,6 +53,13 @@ class TestSuite {
     }
 
   private:
+    // A rule document is read once, however many tests of it there are: a pipe tells it only once, and a file may be
+    // saved meanwhile.
+    struct Rules {
+        Descriptor copy;
+        Coverage coverage;
+    };
+
     // Reads all files before the first test runs.
     bool read() {
         std::vector<std::string> errors;
@@ -107,21 +114,27 @@ class TestSuite {
     // Empty if the run is to go on.
     std::optional<int> runFile(const TestFile& file) {
         const std::string rules = std::filesystem::path(file.rules).lexically_normal().string();
-        Coverage& coverage = coverageByRules[rules];
+        auto under = rulesByPath.find(rules);
+        if (under == rulesByPath.end()) {
+            std::string problem;
+            auto copy = copyInMemory(file.rules, interruption, problem);
+            if (!copy) {
+                return interruption.requested() ? kExitInterrupted : unusable(file, problem);
+            }
+            under = rulesByPath.try_emplace(rules, std::move(*copy), Coverage(file.rules)).first;
+        }
+        auto& [copy, coverage] = under->second;
         std::size_t failed = 0;
         for (const TestCase& each : file.tests) {
-            const TestOutcome outcome = runTest(file.rules, each, coverage, interruption);
+            const TestOutcome outcome = runTest(pathOf(copy), each, coverage, interruption);
             switch (outcome.loading) {
                 case RuleSession::Loading::Done:
                     break;
                 case RuleSession::Loading::Refused:
                     refuse(file, outcome.problem);
-                    coverageByRules.erase(rules);
                     return std::nullopt;
                 case RuleSession::Loading::Unreadable:
-                    out.flush();
-                    console.complain(file.rules + ": " + outcome.problem);
-                    return kExitUnusable;
+                    return unusable(file, outcome.problem);
                 case RuleSession::Loading::Interrupted:
                     return kExitInterrupted;
             }
@@ -136,6 +149,12 @@ class TestSuite {
         // Whatever becomes of the next file, this one's verdict is told.
         out.flush();
         return std::nullopt;
+    }
+
+    int unusable(const TestFile& file, const std::string& problem) {
+        out.flush();
+        console.complain(file.rules + ": " + problem);
+        return kExitUnusable;
     }
 
     void show(const TestFile& file, const TestCase& failed, const std::vector<std::string>& failure) {
@@ -169,16 +188,20 @@ class TestSuite {
             return true;
         }
         bool enough = true;
-        for (const auto& [rules, coverage] : coverageByRules) {
+        for (const auto& [path, rules] : rulesByPath) {
+            const Coverage& coverage = rules.coverage;
+            if (!coverage.hasRun()) {
+                continue;
+            }
             for (const std::string& gap : coverage.gaps()) {
                 out.write(printable(gap) + "\n");
             }
             const auto transitions = coverage.transitions();
             const auto outcomes = coverage.filterOutcomes();
-            const double percent = coverage.total().percent();
+            const double percent = coverage.percent();
             // Rounded down: 100 % is everything.
             out.write(fmt::format("coverage  {}: {:.1f} % (transitions fired {}/{}, filter outcomes seen {}/{})\n",
-                                  printable(rules), std::floor(percent * 10) / 10, transitions.reached, transitions.all,
+                                  printable(path), std::floor(percent * 10) / 10, transitions.reached, transitions.all,
                                   outcomes.reached, outcomes.all));
             enough = enough && percent >= options.coverageMin.value_or(0);
         }
@@ -210,7 +233,7 @@ class TestSuite {
     const Interruption& interruption;
     Output out;
     std::vector<TestFile> files;
-    std::map<std::string, Coverage> coverageByRules;
+    std::map<std::string, Rules> rulesByPath;
     std::vector<TestVerdict> verdicts;
 };
 
