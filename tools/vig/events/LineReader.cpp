@@ -9,13 +9,13 @@
 #include <utility>
 
 #include "tools/vig/words/Text.h"
+#include "vig/parsers/JsonTokens.h"
 
 namespace Brenta::OS::VIG::Tool {
 
 namespace {
 
 constexpr std::size_t kInitialSize = std::size_t{1} << 16;
-constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
 bool isRegularFile(int descriptor) {
     struct stat status = {};
@@ -61,8 +61,8 @@ LineReader::Status LineReader::handOut(std::size_t length, std::string_view& lin
     line = std::string_view(buffer.data() + begin, length);
     begin += length + 1;
     scanned = begin;
-    if (++number == 1 && line.starts_with(kByteOrderMark)) {
-        line.remove_prefix(kByteOrderMark.size());
+    if (++number == 1) {
+        line = withoutByteOrderMark(line);
     }
     return Status::Line;
 }
@@ -125,7 +125,8 @@ std::string LineReader::problem() const {
         return fmt::format("{}:{}: error: the line has more than {} bytes, the most that is read{}", name, number,
                            longest(), source.isCompressed() ? " of compressed data" : "");
     }
-    return "vig: error: " + name + ": " + (source.problem().empty() ? systemError(error) : source.problem());
+    return source.problem().empty() ? fmt::format("vig: error: {}: {}", name, systemError(error))
+                                    : fmt::format("{}:{}: error: {}", name, number, source.problem());
 }
 
 }  // namespace Brenta::OS::VIG::Tool

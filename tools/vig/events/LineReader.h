@@ -38,8 +38,8 @@ class LineReader {
     // The number of the latest line, counted from 1; after Failed, of the one that could not be read.
     std::uint64_t lineNumber() const { return number; }
 
-    // After Failed, a line for a person: "events.jsonl:12: error: …" if a line is too long, else why nothing more can
-    // be read.
+    // Returns, after Failed, a line for a person: "events.jsonl:12: error: …" if a line is too long or the compressed
+    // data is damaged there, else why nothing more can be read.
     std::string problem() const;
 
     // How much has been read from the descriptor.

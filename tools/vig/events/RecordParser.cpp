@@ -14,6 +14,7 @@
 #include "tools/vig/events/LineReader.h"
 #include "tools/vig/words/NearestName.h"
 #include "tools/vig/words/Text.h"
+#include "vig/parsers/JsonTokens.h"
 
 namespace Brenta::OS::VIG::Tool {
 
@@ -98,6 +99,9 @@ std::string_view trimmed(std::string_view token) {
 // The value as it stands in a message.
 std::string shown(std::string_view token) {
     token = trimmed(token);
+    if (withoutByteOrderMark(token).size() < token.size()) {
+        return "a byte order mark";
+    }
     switch (token.empty() ? '\0' : token.front()) {
         case '{':
             return "an object";

@@ -7,7 +7,6 @@
 #include <utility>
 
 #include "rulesengine/Filter.h"
-#include "tools/vig/events/EventInput.h"
 #include "tools/vig/events/EventReader.h"
 #include "tools/vig/run/PlatformServices.h"
 #include "tools/vig/trace/RebuiltMachines.h"
@@ -114,8 +113,7 @@ DeviceResult DeviceRunner::run(const std::string& device, Output& output) {
     }
     const Descriptor file = open(device, plan.console);
     if (!file.isOpen()) {
-        result.problem =
-            "vig: error: " + (isStandardInput(device) ? "standard input" : device) + ": " + systemError(errno);
+        result.problem = "vig: error: " + whyEventsNotOpened(device, errno);
         return result;
     }
     result.begun = true;

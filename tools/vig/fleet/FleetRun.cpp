@@ -7,7 +7,7 @@
 #include <thread>
 #include <utility>
 
-#include "tools/vig/events/EventInput.h"
+#include "tools/vig/events/EventReader.h"
 #include "tools/vig/fleet/DeviceOrder.h"
 #include "tools/vig/words/Text.h"
 

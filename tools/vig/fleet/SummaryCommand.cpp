@@ -6,7 +6,7 @@
 #include <optional>
 #include <string_view>
 
-#include "tools/vig/events/EventInput.h"
+#include "tools/vig/events/EventReader.h"
 #include "tools/vig/events/LineReader.h"
 #include "tools/vig/fleet/FleetSummaryReader.h"
 #include "tools/vig/fleet/FleetSummaryText.h"

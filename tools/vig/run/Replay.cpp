@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <string>
 
-#include "tools/vig/events/EventInput.h"
+#include "tools/vig/events/EventReader.h"
 #include "tools/vig/run/RunCommand.h"
 #include "tools/vig/words/Text.h"
 
@@ -38,8 +38,7 @@ std::optional<int> Replay::begin() {
     if (interruption.requested()) {
         return kExitInterrupted;
     }
-    console.complain((isStandardInput(options.events) ? "standard input" : options.events) + ": " +
-                     systemError(openError));
+    console.complain(whyEventsNotOpened(options.events, openError));
     return kExitUnusable;
 }
 

@@ -1,4 +1,4 @@
-#include "tools/vig/events/EventWriter.h"
+#include "tools/vig/events/EventRecord.h"
 
 #include <fmt/format.h>
 
@@ -8,6 +8,7 @@
 #include <type_traits>
 
 #include "tools/vig/events/EventNames.h"
+#include "tools/vig/io/Output.h"
 #include "tools/vig/words/Text.h"
 
 namespace Brenta::OS::VIG::Tool {
