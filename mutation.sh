@@ -35,7 +35,7 @@ use() {
     else
         TARGET=vig_tool
         TESTS=(tools_test fleet_test)
-        FILES=('tools/vig/events/RecordParser.*' 'tools/vig/events/LineReader.*' 'tools/vig/events/Decoder.*' 'tools/vig/test/Expectation.*'
+        FILES=('tools/vig/events/RecordParser.*' 'tools/vig/events/LineReader.*' 'tools/vig/events/ByteSource.*' 'tools/vig/test/Expectation.*'
             'tools/vig/fleet/FleetSummary.*' 'tools/vig/fleet/FleetSummaryReader.*')
     fi
 }

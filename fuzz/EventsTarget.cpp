@@ -9,9 +9,11 @@
 #include <vector>
 
 #include "fuzz/Limits.h"
-#include "tools/vig/events/Decoder.h"
+#include "tools/vig/events/ByteSource.h"
 #include "tools/vig/events/EventReader.h"
-#include "tools/vig/events/EventWriter.h"
+#include "tools/vig/events/EventRecord.h"
+#include "tools/vig/events/RecordParser.h"
+#include "tools/vig/io/Output.h"
 
 // A file of event records, plain or compressed. Read in small pieces it must give the same as in large ones, and each
 // record written and read again must be the same one.

@@ -11,7 +11,8 @@
 #include "tests/support/TemporaryFolder.h"
 #include "tests/tools/ToolRun.h"
 #include "tools/vig/check/Catalogue.h"
-#include "tools/vig/events/EventWriter.h"
+#include "tools/vig/events/EventRecord.h"
+#include "tools/vig/io/Output.h"
 
 namespace Brenta::OS::VIG::Tool {
 

@@ -4,7 +4,7 @@
 
 #include "tools/vig/arguments/CommandLine.h"
 #include "tools/vig/check/Catalogue.h"
-#include "tools/vig/events/EventInput.h"
+#include "tools/vig/events/EventReader.h"
 #include "tools/vig/io/Output.h"
 #include "tools/vig/words/Text.h"
 
@@ -17,7 +17,7 @@ std::optional<int> learnFrom(const std::string& events, const Console& console, 
         if (interruption.requested()) {
             return kExitInterrupted;
         }
-        console.complain((isStandardInput(events) ? "standard input" : events) + ": " + systemError(errno));
+        console.complain(whyEventsNotOpened(events, errno));
         return kExitUnusable;
     }
     EventReader reader(file.get(), nameOfEvents(events), interruption, [] {});

@@ -6,10 +6,17 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <string_view>
 
 namespace Brenta::OS::VIG::Tool {
 
 class Decoder;
+
+// So many bytes tell the format of a stream.
+inline constexpr std::size_t kMagicSize = 4;
+
+// Returns true if the bytes, which may be fewer than kMagicSize, can begin a compressed stream.
+bool mayBeCompressed(std::string_view head);
 
 // The bytes that a descriptor delivers; decompressed, if the first ones say that they are gzip or zstd, also of
 // several members or frames after each other, and of gzip with zeros after the last one. Its memory does not depend on
@@ -22,26 +29,26 @@ class ByteSource {
     ByteSource& operator=(const ByteSource&) = delete;
     ~ByteSource();
 
-    // As read(2), and like that it takes at most one piece from the descriptor: EAGAIN if this gave no bytes yet.
-    // EBADMSG if the data cannot be decompressed; problem() then says why.
+    // Reads as read(2) does, and like that takes at most one piece from the descriptor: EAGAIN if this gave no bytes
+    // yet, EBADMSG if the data cannot be decompressed; problem() then says why.
     ssize_t read(char* to, std::size_t size);
 
-    // Whether the next read() can give bytes without the descriptor.
+    // Returns true if the next read() can give bytes without the descriptor.
     bool isReady() const;
 
     bool isCompressed() const { return decoder != nullptr; }
 
-    // Empty but after EBADMSG.
+    // Returns an empty text but after EBADMSG.
     const std::string& problem() const { return whyCorrupt; }
 
-    // From the descriptor.
+    // Counts what came from the descriptor.
     std::uint64_t bytesRead() const { return total; }
 
   private:
     ssize_t readRaw(char* to, std::size_t size);
     ssize_t readHead();
     ssize_t readDecoded(char* to, std::size_t size);
-    ssize_t fail(std::string why);
+    ssize_t fail(const std::string& why);
 
     const int descriptor;
     bool begun = false;                // it is known what the bytes are

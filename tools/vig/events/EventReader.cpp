@@ -1,11 +1,35 @@
 #include "tools/vig/events/EventReader.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <string_view>
 #include <utility>
 
 #include "tools/vig/words/Text.h"
 
 namespace Brenta::OS::VIG::Tool {
+
+namespace {
+
+bool isStandardInput(const std::string& events) {
+    return events == "-";
+}
+
+}  // namespace
+
+Descriptor openEvents(const std::string& events, const Console& console) {
+    return Descriptor(isStandardInput(events) ? dup(console.in)
+                                              : open(events.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+}
+
+std::string whyEventsNotOpened(const std::string& events, int error) {
+    return (isStandardInput(events) ? "standard input" : events) + ": " + systemError(error);
+}
+
+std::string nameOfEvents(const std::string& events) {
+    return isStandardInput(events) ? "<stdin>" : events;
+}
 
 EventReader::EventReader(int source, std::string sourceName, const Interruption& interruptedBy,
                          std::function<void()> waiting)

@@ -7,9 +7,21 @@
 #include "tools/vig/events/EventRecord.h"
 #include "tools/vig/events/LineReader.h"
 #include "tools/vig/events/RecordParser.h"
+#include "tools/vig/io/Console.h"
+#include "tools/vig/io/Descriptor.h"
 #include "tools/vig/io/Interruption.h"
 
 namespace Brenta::OS::VIG::Tool {
+
+// Opens the argument EVENTS of a verb: a file of event records, or "-" for standard input. Not open, with errno set, if
+// there is no such file. A pipe that nobody writes to yet is waited for by who reads it.
+Descriptor openEvents(const std::string& events, const Console& console);
+
+// Returns a message for a person, of an errno value of openEvents().
+std::string whyEventsNotOpened(const std::string& events, int error);
+
+// Returns what messages about the records and reports call it.
+std::string nameOfEvents(const std::string& events);
 
 // Reads event records, one JSON object a line, from a descriptor, in memory that does not grow with their number.
 // The lines may be compressed by gzip or zstd. Empty lines are skipped.
@@ -23,7 +35,7 @@ class EventReader {
     // Fills `record` with the next one.
     Status next(EventRecord& record);
 
-    // After Failed: "events.jsonl:12: error: …" for a bad line, or why nothing can be read.
+    // Returns, after Failed, "events.jsonl:12: error: …" for a bad line, or why nothing can be read.
     const std::string& error() const { return message; }
 
     std::uint64_t bytesRead() const { return lines.bytesRead(); }

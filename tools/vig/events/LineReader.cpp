@@ -125,7 +125,8 @@ std::string LineReader::problem() const {
         return fmt::format("{}:{}: error: the line has more than {} bytes, the most that is read{}", name, number,
                            longest(), source.isCompressed() ? " of compressed data" : "");
     }
-    return "vig: error: " + name + ": " + (source.problem().empty() ? systemError(error) : source.problem());
+    return source.problem().empty() ? fmt::format("vig: error: {}: {}", name, systemError(error))
+                                    : fmt::format("{}:{}: error: {}", name, number, source.problem());
 }
 
 }  // namespace Brenta::OS::VIG::Tool

@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "rulesengine/Filter.h"
-#include "tools/vig/events/EventInput.h"
+#include "tools/vig/events/EventReader.h"
 #include "tools/vig/run/PlatformServices.h"
 #include "tools/vig/run/Replay.h"
 #include "tools/vig/trace/RebuiltMachines.h"

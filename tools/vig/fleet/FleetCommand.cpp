@@ -10,7 +10,7 @@
 
 #include "tools/vig/arguments/CommandLine.h"
 #include "tools/vig/document/Registry.h"
-#include "tools/vig/events/EventInput.h"
+#include "tools/vig/events/EventReader.h"
 #include "tools/vig/fleet/DeviceOrder.h"
 #include "tools/vig/fleet/DeviceRunner.h"
 #include "tools/vig/fleet/FleetSummary.h"

@@ -7,7 +7,7 @@
 #include <string_view>
 
 #include "tools/vig/arguments/CommandLine.h"
-#include "tools/vig/events/EventInput.h"
+#include "tools/vig/events/EventReader.h"
 #include "tools/vig/events/LineReader.h"
 #include "tools/vig/fleet/FleetSummary.h"
 #include "tools/vig/io/Output.h"

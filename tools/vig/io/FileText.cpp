@@ -2,13 +2,14 @@
 
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <filesystem>
 
-#include "tools/vig/io/Descriptor.h"
+#include "tools/vig/io/Output.h"
 #include "tools/vig/words/Text.h"
 
 namespace Brenta::OS::VIG::Tool {
@@ -58,6 +59,28 @@ std::optional<std::string> readFile(const std::string& path, const Interruption&
         }
     }
     return std::nullopt;
+}
+
+std::optional<Descriptor> copyInMemory(const std::string& path, const Interruption& interruption,
+                                       std::string& problem) {
+    const auto text = readFile(path, interruption, problem);
+    if (!text) {
+        return std::nullopt;
+    }
+    Descriptor file(memfd_create("rules", MFD_CLOEXEC));
+    if (!file.isOpen()) {
+        problem = systemError(errno);
+        return std::nullopt;
+    }
+    Output copy(file.get());
+    copy.write(*text);
+    copy.flush();
+    problem = copy.failed() ? systemError(copy.failure()) : "";
+    return copy.failed() ? std::nullopt : std::optional(std::move(file));
+}
+
+std::string pathOf(const Descriptor& file) {
+    return "/proc/self/fd/" + std::to_string(file.get());
 }
 
 }  // namespace Brenta::OS::VIG::Tool

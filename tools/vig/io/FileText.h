@@ -3,6 +3,7 @@
 #include <optional>
 #include <string>
 
+#include "tools/vig/io/Descriptor.h"
 #include "tools/vig/io/Interruption.h"
 
 namespace Brenta::OS::VIG::Tool {
@@ -14,5 +15,11 @@ std::string whyUnreadable(const std::string& path);
 // Returns the whole content of such a file. If it is not read, returns nothing, with the reason in `problem`; also
 // nothing if it was interrupted.
 std::optional<std::string> readFile(const std::string& path, const Interruption& interruption, std::string& problem);
+
+// The same as a file in memory, for who takes only a path, or takes it more than once.
+std::optional<Descriptor> copyInMemory(const std::string& path, const Interruption& interruption, std::string& problem);
+
+// The path of an open file, as long as it is open.
+std::string pathOf(const Descriptor& file);
 
 }  // namespace Brenta::OS::VIG::Tool

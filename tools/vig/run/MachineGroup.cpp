@@ -4,7 +4,7 @@
 
 #include <utility>
 
-#include "tools/vig/events/RecordedEvents.h"
+#include "tools/vig/events/EventRecord.h"
 
 namespace Brenta::OS::VIG::Tool {
 

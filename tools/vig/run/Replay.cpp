@@ -5,7 +5,6 @@
 #include <cerrno>
 #include <cstdint>
 
-#include "tools/vig/events/EventInput.h"
 #include "tools/vig/events/EventReader.h"
 #include "tools/vig/io/Progress.h"
 #include "tools/vig/words/Text.h"
@@ -37,7 +36,7 @@ std::uint64_t sizeOf(const Descriptor& file) {
 Replay::Replay(const std::string& recordedEvents, const Console& console, const Interruption& interruptedBy)
     : events(recordedEvents), interruption(interruptedBy), file(openRecords(events, console)) {
     if (!file.isOpen() && !interruption.requested()) {
-        reason = "vig: error: " + (isStandardInput(events) ? "standard input" : events) + ": " + systemError(errno);
+        reason = "vig: error: " + whyEventsNotOpened(events, errno);
     }
 }
 

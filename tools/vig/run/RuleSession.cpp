@@ -1,18 +1,14 @@
 #include "tools/vig/run/RuleSession.h"
 
 #include <poll.h>
-#include <sys/mman.h>
 #include <sys/stat.h>
 
-#include <cerrno>
 #include <chrono>
 #include <memory>
 #include <utility>
 
 #include "tools/vig/document/ParseErrorText.h"
 #include "tools/vig/io/FileText.h"
-#include "tools/vig/io/Output.h"
-#include "tools/vig/words/Text.h"
 #include "vig/actions/PseudoRandomGenerator.h"
 
 namespace Brenta::OS::VIG::Tool {
@@ -57,7 +53,7 @@ RuleSession::Loading RuleSession::load(Changes later, const Interruption& interr
     if (isPipe(path) && !copyPipe(interruption)) {
         return interruption.requested() ? Loading::Interrupted : Loading::Unreadable;
     }
-    deliveries.emplace(pipeCopy ? "/proc/self/fd/" + std::to_string(pipeCopy->get()) : path, tracer.get());
+    deliveries.emplace(pipeCopy ? pathOf(*pipeCopy) : path, tracer.get());
     pollfd sources[] = {{deliveries->descriptor(), POLLIN, 0}, {interruption.descriptor(), POLLIN, 0}};
     while (poll(sources, 2, kLongestWaitMs) < 0 && !interruption.requested()) {
     }
@@ -85,20 +81,11 @@ RuleSession::Loading RuleSession::load(Changes later, const Interruption& interr
 
 // The manager's thread would read the pipe to its end, whatever happens meanwhile.
 bool RuleSession::copyPipe(const Interruption& interruption) {
-    const auto text = readFile(path, interruption, reason);
-    if (!text) {
-        return false;
+    auto copy = copyInMemory(path, interruption, reason);
+    if (copy) {
+        pipeCopy.emplace(std::move(*copy));
     }
-    pipeCopy.emplace(memfd_create("rules", MFD_CLOEXEC));
-    if (!pipeCopy->isOpen()) {
-        reason = systemError(errno);
-        return false;
-    }
-    Output copy(pipeCopy->get());
-    copy.write(*text);
-    copy.flush();
-    reason = copy.failed() ? systemError(copy.failure()) : "";
-    return !copy.failed();
+    return pipeCopy.has_value();
 }
 
 bool RuleSession::update() {

@@ -2,58 +2,58 @@
 
 #include <cstddef>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "tools/vig/trace/Trace.h"
 
 namespace Brenta::OS::VIG::Tool {
 
-// What of a rule document any run has reached: transitions that fired, filters that were true and that were false.
+// Learns what of a rule document any run has reached: each transition is to fire, each filter to be true once and false
+// once. All runs have to be of the same document.
 class Coverage final : public Trace {
   public:
     struct Share {
         std::size_t reached = 0;
         std::size_t all = 0;
-
-        // 100 if there is nothing to reach.
-        double percent() const {
-            return all == 0 ? 100.0 : 100.0 * static_cast<double>(reached) / static_cast<double>(all);
-        }
     };
 
-    Share transitions() const;
+    // Messages call the document `rulesName`.
+    explicit Coverage(std::string rulesName) : name(std::move(rulesName)) {}
 
-    // Each filter has two: true and false.
-    Share filterOutcomes() const;
+    // Returns false if no run has got so far that there are machines.
+    bool hasRun() const { return wasLoaded; }
 
-    // Both together.
-    Share total() const;
+    Share transitions() const { return share(true); }
 
-    // "rules.json:12:9: never fired: start -> end on Test [configs[0]…]", in document order.
+    // Each filter counts twice.
+    Share filterOutcomes() const { return share(false); }
+
+    // Counts both together, in percent; 100 if there is nothing to reach.
+    double percent() const;
+
+    // Returns "rules.json:12:9: never fired: start -> end on Test [configs[0]…]", in document order.
     std::vector<std::string> gaps() const;
 
     void loaded(const TracedDocument& document) override;
     void step(const Step& step) override;
 
   private:
-    struct Filter {
-        std::string condition;
-        std::string place;
-        std::string path;
-        bool wasTrue = false;
-        bool wasFalse = false;
+    struct Goal {
+        std::string gap;
+        bool ofTransition;
+        bool isReached = false;
     };
 
-    struct Transition {
-        std::string description;
-        std::string place;
-        std::string path;
-        bool fired = false;
-        std::vector<Filter> filters = {};
-    };
+    Share share(bool ofTransitions) const;
+    void add(const TracedDocument& document, const Place& place, std::string_view what, const std::string& which,
+             bool ofTransition);
 
-    std::string text;  // of the document
-    std::vector<std::vector<Transition>> configs;
+    const std::string name;
+    bool wasLoaded = false;
+    std::vector<Goal>
+        goals;  // for each transition: that it fires, and of each filter that it is true, that it is false
+    std::vector<std::vector<std::size_t>> firstGoals;  // the first one's index by machine and transition
 };
 
 }  // namespace Brenta::OS::VIG::Tool

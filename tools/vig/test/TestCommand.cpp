@@ -28,8 +28,8 @@ namespace {
 
 class TestSuite {
   public:
-    TestSuite(const TestOptions& testOptions, const Console& streams, const Interruption& interruptedBy)
-        : options(testOptions), console(streams), interruption(interruptedBy), out(streams.out) {}
+    TestSuite(const TestOptions& options, const Console& console, const Interruption& interruption)
+        : options(options), console(console), interruption(interruption), out(console.out) {}
 
     int run() {
         if (!read()) {
@@ -54,6 +54,13 @@ class TestSuite {
     }
 
   private:
+    // A rule document is read once, however many tests of it there are: a pipe tells it only once, and a file may be
+    // saved meanwhile.
+    struct Rules {
+        Descriptor copy;
+        Coverage coverage;
+    };
+
     // Reads all files before the first test runs.
     bool read() {
         std::vector<std::string> errors;
@@ -105,24 +112,30 @@ class TestSuite {
         return would;
     }
 
-    // Empty if the run is to go on.
+    // Returns nothing if the run is to go on.
     std::optional<int> runFile(const TestFile& file) {
         const std::string rules = std::filesystem::path(file.rules).lexically_normal().string();
-        Coverage& coverage = coverageByRules[rules];
+        auto under = rulesByPath.find(rules);
+        if (under == rulesByPath.end()) {
+            std::string problem;
+            auto copy = copyInMemory(file.rules, interruption, problem);
+            if (!copy) {
+                return interruption.requested() ? kExitInterrupted : unusable(file, problem);
+            }
+            under = rulesByPath.try_emplace(rules, std::move(*copy), Coverage(file.rules)).first;
+        }
+        auto& [copy, coverage] = under->second;
         std::size_t failed = 0;
         for (const TestCase& each : file.tests) {
-            const TestOutcome outcome = runTest(file.rules, each, coverage, interruption);
+            const TestOutcome outcome = runTest(pathOf(copy), each, coverage, interruption);
             switch (outcome.loading) {
                 case RuleSession::Loading::Done:
                     break;
                 case RuleSession::Loading::Refused:
                     refuse(file, outcome.problem);
-                    coverageByRules.erase(rules);
                     return std::nullopt;
                 case RuleSession::Loading::Unreadable:
-                    out.flush();
-                    console.complain(file.rules + ": " + outcome.problem);
-                    return kExitUnusable;
+                    return unusable(file, outcome.problem);
                 case RuleSession::Loading::Interrupted:
                     return kExitInterrupted;
             }
@@ -139,6 +152,12 @@ class TestSuite {
         return std::nullopt;
     }
 
+    int unusable(const TestFile& file, const std::string& problem) {
+        out.flush();
+        console.complain(file.rules + ": " + problem);
+        return kExitUnusable;
+    }
+
     void show(const TestFile& file, const TestCase& failed, const std::vector<std::string>& failure) {
         out.write(fmt::format("FAIL  {}:{}: {}\n", printable(file.path), failed.line, shownName(failed.name)));
         for (const std::string& line : failure) {
@@ -146,12 +165,11 @@ class TestSuite {
         }
     }
 
-    // None of the tests of refused rules can pass.
+    // Tells that none of the tests of refused rules can pass.
     void refuse(const TestFile& file, const std::string& problem) {
         std::vector<std::string> lines = printableLines(problem);
         std::for_each(lines.begin() + 1, lines.end(), [](std::string& line) { line.insert(0, "  "); });
         lines.front().insert(0, file.rules + ": error: ");
-        std::erase_if(verdicts, [&](const TestVerdict& each) { return each.file == file.path; });
         for (const TestCase& each : file.tests) {
             // Once for the file: a large document has many lines, and may have many tests.
             const bool isFirst = &each == &file.tests.front();
@@ -164,22 +182,26 @@ class TestSuite {
         }
     }
 
-    // Whether it is enough.
+    // Returns false if it is not enough.
     bool reportCoverage() {
         if (!options.coverage && !options.coverageMin) {
             return true;
         }
         bool enough = true;
-        for (const auto& [rules, coverage] : coverageByRules) {
+        for (const auto& [path, rules] : rulesByPath) {
+            const Coverage& coverage = rules.coverage;
+            if (!coverage.hasRun()) {
+                continue;
+            }
             for (const std::string& gap : coverage.gaps()) {
                 out.write(printable(gap) + "\n");
             }
             const auto transitions = coverage.transitions();
             const auto outcomes = coverage.filterOutcomes();
-            const double percent = coverage.total().percent();
+            const double percent = coverage.percent();
             // Rounded down: 100 % is everything.
             out.write(fmt::format("coverage  {}: {:.1f} % (transitions fired {}/{}, filter outcomes seen {}/{})\n",
-                                  printable(rules), std::floor(percent * 10) / 10, transitions.reached, transitions.all,
+                                  printable(path), std::floor(percent * 10) / 10, transitions.reached, transitions.all,
                                   outcomes.reached, outcomes.all));
             enough = enough && percent >= options.coverageMin.value_or(0);
         }
@@ -211,7 +233,7 @@ class TestSuite {
     const Interruption& interruption;
     Output out;
     std::vector<TestFile> files;
-    std::map<std::string, Coverage> coverageByRules;
+    std::map<std::string, Rules> rulesByPath;
     std::vector<TestVerdict> verdicts;
 };
 

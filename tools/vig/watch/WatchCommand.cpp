@@ -12,7 +12,7 @@
 #include <system_error>
 
 #include "tools/vig/arguments/CommandLine.h"
-#include "tools/vig/events/EventWriter.h"
+#include "tools/vig/events/EventRecord.h"
 #include "tools/vig/io/Descriptor.h"
 #include "tools/vig/io/FileText.h"
 #include "tools/vig/io/Output.h"

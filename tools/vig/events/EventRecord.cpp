@@ -1,4 +1,4 @@
-#include "tools/vig/events/EventWriter.h"
+#include "tools/vig/events/EventRecord.h"
 
 #include <fmt/format.h>
 
@@ -8,6 +8,7 @@
 #include <type_traits>
 
 #include "tools/vig/events/EventNames.h"
+#include "tools/vig/io/Output.h"
 #include "tools/vig/words/Text.h"
 
 namespace Brenta::OS::VIG::Tool {
@@ -28,7 +29,7 @@ void appendKind(std::string& line, std::string_view kind, const AttributeSet& at
         if constexpr (std::is_same_v<T, std::string_view>) {
             appendJsonString(line, value);
         } else {
-            // Of a double, the shortest text that reads back as the same.
+            // A double becomes the shortest text that reads back as the same.
             fmt::format_to(std::back_inserter(line), "{}", value);
         }
     });
