@@ -71,10 +71,6 @@ std::optional<std::string> contentOf(const fs::path& path) {
     return got == 0 ? std::optional(std::move(content)) : std::nullopt;
 }
 
-bool isEditorsOwn(const std::string& fileName) {
-    return fileName.starts_with('.') || fileName.ends_with('~');
-}
-
 }  // namespace
 
 void host::bindProperty(const std::string& ns, const std::string& property, const std::string& file) {
@@ -158,7 +154,8 @@ Values DeviceConfig::Impl::read(const std::string& ns) const {
     for (fs::directory_iterator entry(folder.empty() ? folder : folder / ns, error), end; !error && entry != end;
          entry.increment(error)) {
         const std::string name = entry->path().filename();
-        if (!isEditorsOwn(name) && !bound.contains(prefix + name)) {
+        // A name with a dot before it is an editor's own.
+        if (!name.starts_with('.') && !bound.contains(prefix + name)) {
             add(name, entry->path());
         }
     }

@@ -2,11 +2,10 @@
 #include <host/Host.h>
 #include <utils/String16.h>
 
+#include <utility>
+
 TEST(String16, HasTheTextOrNothingIfThatIsNotUtf8) {
-    const struct {
-        const char* utf8;
-        std::u16string_view expected;
-    } cases[] = {
+    const std::pair<const char*, std::u16string_view> cases[] = {
         {"", u""},
         {"a\u00E9\u20AC\uFEFF\uFFFF", u"a\u00E9\u20AC\uFEFF\uFFFF"},
         {"\U0001F600\U0010FFFF", u"\U0001F600\U0010FFFF"},

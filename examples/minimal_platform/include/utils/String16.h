@@ -5,7 +5,7 @@
 
 namespace android {
 
-// Of ASCII text only.
+// It takes ASCII text only.
 class String16 {
   public:
     String16() = default;
