@@ -7,14 +7,14 @@
 
 namespace Brenta::OS::VIG::Tool {
 
-// Why host::openTrusted has failed, by errno value.
+// Returns why host::openTrusted has failed, by its errno value.
 std::string whyNotOpened(int error);
 
-// Why the file cannot be read as a rule document is on a device, by its folder; empty if it can.
+// Returns why the file cannot be read as a rule document is on a device, by its folder, or nothing if it can.
 std::string whyUnreadable(const std::string& path);
 
-// The whole content of a regular file or an opened pipe. Empty if it cannot be read, with the reason in `problem`, or
-// if it was interrupted.
+// Returns the whole content of a regular file or an opened pipe, or nothing if it cannot be read, with the reason in
+// `problem`, or if it was interrupted.
 std::optional<std::string> readFile(const std::string& path, const Interruption& interruption, std::string& problem);
 
 }  // namespace Brenta::OS::VIG::Tool
