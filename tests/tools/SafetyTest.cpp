@@ -20,11 +20,12 @@ namespace fs = std::filesystem;
 
 using support::MemoryFile;
 
-// In JSON: a title for the terminal, an erasure begun by one character, and text written backwards.
+// This is, in JSON, a title for the terminal, an erasure begun by one character, and text written backwards.
 const std::string kHostile = "\\u001b]0;\\u0007\xC2\x9B\x32J\x7F\xE2\x80\xAE";
 const std::string kHostileName = "\x1B[2J\xC2\x9B\x32J\xE2\x80\xAE";
 
-// Every verb, in every format that is text, on a document, events, tests and files whose names all are hostile.
+// It has every verb, in every format that is text, read a document, events, tests and files whose names all are
+// hostile.
 class EveryVerb : public testing::Test {
   protected:
     EveryVerb() {

@@ -21,7 +21,7 @@ namespace support {
 
 namespace Tool = Brenta::OS::VIG::Tool;
 
-// A file in memory, as one of the streams of a verb.
+// It is a file in memory, as one of the streams of a verb.
 class MemoryFile {
   public:
     explicit MemoryFile(std::string_view content = {}) {
@@ -41,7 +41,6 @@ class MemoryFile {
     const int descriptor = memfd_create("stream", MFD_CLOEXEC);
 };
 
-// What came of a verb.
 struct ToolResult {
     int status;
     std::string out;
@@ -71,7 +70,7 @@ inline int runTool(const std::vector<std::string>& arguments, const Tool::Consol
     return status ? *status : verbs.commandLine.run(console, interruption);
 }
 
-// What a shell command writes, errors included.
+// Returns what a shell command writes, errors included.
 inline std::string outputOf(const std::string& command) {
     std::FILE* const pipe = popen(("(" + command + ") 2>&1").c_str(), "r");
     std::array<char, 4096> piece;

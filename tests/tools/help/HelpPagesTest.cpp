@@ -14,7 +14,7 @@ namespace {
 using support::outputOf;
 using testing::HasSubstr;
 
-// Also with what nothing has yet: marks of each language in descriptions, a long list of words.
+// The last verb has what nothing else has yet: marks of each language in descriptions, a long list of words.
 ProgramHelp helpWithOddities() {
     ProgramHelp help = Verbs().commandLine.help();
     help.verbs.push_back(
@@ -69,7 +69,7 @@ TEST(ZshCompletion, IsReadByZsh) {
     if (outputOf("command -v zsh").empty()) {
         GTEST_SKIP() << "there is no zsh";
     }
-    // In the place of zsh's own functions, which need a terminal.
+    // These stand in the place of functions of zsh, which need a terminal.
     folder.write("case.zsh",
                  "_describe() { print -l ${(P)3} }; _arguments() { print -rl -- \"$@\" }; words=(vig odd ''); "
                  "CURRENT=3; source " +

@@ -16,7 +16,7 @@ void addWord(std::string& words, std::string_view word) {
     words += word;
 }
 
-// The words that the option's argument is one of; empty if it can be anything.
+// Returns the words that the argument of the option is one of, or nothing if it can be anything.
 std::string choicesOf(const OptionHelp& option) {
     std::string words;
     if (option.argument.find('|') != std::string::npos) {
@@ -84,7 +84,7 @@ std::string bashCase(const std::string& pattern, const std::string& words, bool 
                        files ? "yes" : "''");
 }
 
-// Text within single quotes, with what zsh's _arguments gives a meaning escaped.
+// Returns text that stands within single quotes, with what zsh's _arguments gives a meaning escaped.
 std::string zshEscaped(std::string_view text) {
     std::string result;
     for (const char each : text) {
@@ -115,7 +115,7 @@ std::string zshArgumentOf(const OptionHelp& option, const std::string& name) {
                        zshActionOf(option));
 }
 
-// What _arguments is told, a line for each name.
+// Returns what _arguments is told, a line for each name.
 std::string zshArgumentsOf(const VerbHelp& verb, std::string_view indent) {
     std::string lines;
     for (const OptionHelp& option : verb.options) {

@@ -7,7 +7,7 @@ namespace Brenta::OS::VIG::Tool {
 
 namespace {
 
-// Text that the formatter leaves as it is.
+// Returns text that the formatter leaves as it is.
 std::string escaped(std::string_view text) {
     std::string result;
     bool atLineStart = true;
@@ -40,7 +40,7 @@ std::string italic(std::string_view text) {
     return "\\fI" + escaped(text) + "\\fR";
 }
 
-// "RULES", "[EVENTS]" and the like, after the name of the verb.
+// Returns the name of the verb, and "RULES", "[EVENTS]" and the like.
 std::string synopsisOf(const VerbHelp& verb) {
     std::string line = ".B vig " + escaped(verb.name) + "\n";
     for (const OptionHelp& option : verb.options) {

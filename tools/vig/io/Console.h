@@ -28,7 +28,7 @@ struct Console {
     // Writes what `output` has collected for `out`. Returns `status`, or kExitUnusable if that failed, having said why.
     int finish(Output& output, int status) const;
 
-    // Whether `out` is a terminal whose user has nothing against colours.
+    // Returns true if `out` is a terminal whose user has nothing against colours.
     bool wantsColours() const;
 };
 

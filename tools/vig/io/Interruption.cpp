@@ -15,7 +15,7 @@ std::atomic<Interruption*> interruptedBySignals = nullptr;
 
 void handle(int number, void (*handler)(int)) {
     struct sigaction action = {};
-    // Not SA_RESTART: whoever reads or writes is to notice.
+    // There is no SA_RESTART, since whoever reads or writes is to notice.
     action.sa_handler = handler;
     sigaction(number, &action, nullptr);
 }

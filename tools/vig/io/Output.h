@@ -28,7 +28,7 @@ class Output {
 
     bool failed() const { return error != 0; }
 
-    // Whether the reader of a pipe has gone, which is no fault of anybody's.
+    // Returns true if the reader of a pipe has gone, which is no fault of anybody.
     bool readerIsGone() const;
 
     // The errno value of the failure, or 0.

@@ -42,7 +42,7 @@ std::optional<T> toNumber(std::string_view text) {
     return error == std::errc() ? std::optional(number) : std::nullopt;
 }
 
-// The rest of the first line that begins like that.
+// Returns the rest of the first line that begins like that.
 std::optional<std::string_view> afterPrefix(std::string_view text, std::string_view prefix) {
     while (!text.empty()) {
         const std::string_view line = text.substr(0, text.find('\n'));
@@ -99,7 +99,7 @@ std::optional<Stat> parseStat(std::string_view text) {
     return user && system && start ? std::optional(Stat{*user + *system, *start}) : std::nullopt;
 }
 
-// The names in the folder; empty, with errno set, if it cannot be read.
+// Returns the names in the folder, or none, with errno set, if it cannot be read.
 std::vector<std::string> namesIn(const std::string& path) {
     std::vector<std::string> names;
     const std::unique_ptr<DIR, int (*)(DIR*)> folder(opendir(path.c_str()), closedir);

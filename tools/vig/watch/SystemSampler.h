@@ -33,7 +33,7 @@ class SystemSampler {
   private:
     using Receiver = std::function<void(const EventRecord&)>;
 
-    // What a process had used at some time.
+    // A process had used so much at some time.
     struct CpuUse {
         std::uint64_t startTime;  // tells a process from an earlier one with the same pid
         std::uint64_t ticks;

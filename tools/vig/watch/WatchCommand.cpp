@@ -148,8 +148,8 @@ int watch(const WatchOptions& options, const Console& console, const Interruptio
         return ruleRun.abandon(*status);
     }
     ruleRun.session().start();
-    // Not before the rules are known to run: the earlier recording may be all that there is, and a new file would have
-    // to be taken away again, which by its name can be another one by then.
+    // The file is opened only when the rules are known to run: the earlier recording may be all that there is, and a
+    // new file would have to be taken away again, which by its name can be another one by then.
     const Descriptor file(recording ? openRecord(options) : -1);
     if (recording && !file.isOpen()) {
         if (interruption.requested()) {

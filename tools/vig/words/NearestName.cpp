@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::size_t kLongestName = 64;  // beyond that, nobody mistyped a name
 
-// How many characters have to be put in, left out or exchanged to make one of the other.
+// Returns how many characters have to be put in, left out or exchanged to make one of the other.
 std::size_t editDistance(std::string_view left, std::string_view right) {
     std::vector<std::size_t> row(right.size() + 1);
     std::iota(row.begin(), row.end(), std::size_t{0});

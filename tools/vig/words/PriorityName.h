@@ -6,7 +6,7 @@
 
 namespace Brenta::OS::VIG::Tool {
 
-// How reports call one of android_LogPriority.
+// Returns how reports call one of android_LogPriority.
 inline std::string_view priorityName(int priority) {
     switch (priority) {
         case ANDROID_LOG_VERBOSE:

@@ -21,15 +21,15 @@ class SourceText {
     const std::string& name() const { return file; }
     const std::string& text() const { return contents; }
 
-    // Of a byte offset; one beyond the end counts as the end.
+    // Returns the position of a byte offset; one beyond the end counts as the end.
     Position positionOf(std::size_t offset) const;
 
-    // The byte offset. REQUIRES: there is such a line.
+    // Returns the byte offset. REQUIRES: there is such a line.
     std::size_t offsetOf(Position position) const { return lineStarts[position.line - 1] + position.column - 1; }
 
     std::size_t lineCount() const { return lineStarts.size(); }
 
-    // Without its line end.
+    // Returns the line without its line end. REQUIRES: there is such a line.
     std::string_view line(std::size_t number) const;
 
   private:

@@ -12,31 +12,31 @@ namespace Brenta::OS::VIG::Tool {
 // what a terminal would act on is escaped.
 void appendJsonString(std::string& out, std::string_view text);
 
-// The text as a JSON string.
+// Returns the text as a JSON string.
 std::string quoted(std::string_view text);
 
-// The text without what a terminal would act on: control characters and those that change the direction of writing
-// are shown as escapes, ill-formed UTF-8 as U+FFFD.
+// Returns the text without what a terminal would act on: control characters and those that change the direction of
+// writing are shown as escapes, ill-formed UTF-8 as U+FFFD.
 std::string printable(std::string_view text);
 
-// The lines of a message, printable, each tab at the beginning of one as two spaces: JSON in the log is indented by
-// tabs.
+// Returns the lines of a message, printable, each tab at the beginning of one as two spaces: JSON in the log is
+// indented by tabs.
 std::vector<std::string> printableLines(std::string_view message);
 
-// Whether the byte is the first one of a character of UTF-8.
+// Returns true if the byte is the first one of a character of UTF-8.
 constexpr bool beginsCharacter(char byte) {
     return (static_cast<unsigned char>(byte) & 0xC0) != 0x80;
 }
 
 std::size_t charactersIn(std::string_view text);
 
-// The nearest place at or before `offset` where no character of UTF-8 is divided.
+// Returns the nearest place at or before `offset` where no character of UTF-8 is divided.
 std::size_t characterStart(std::string_view text, std::size_t offset);
 
-// The text, or its beginning and "…" if it has more than `most` bytes. No character of UTF-8 is divided.
+// Returns the text, or its beginning and "…" if it has more than `most` bytes. No character of UTF-8 is divided.
 std::string shortened(std::string_view text, std::size_t most);
 
-// The same of a text on one line: white space becomes one space each.
+// Returns the same of a text on one line: each run of white space becomes one space.
 std::string excerpt(std::string_view text, std::size_t most);
 
 // A name or a text that a document or a file brings along, as messages show it: they may have any length, and messages
@@ -45,13 +45,13 @@ constexpr std::size_t kMostShownOfName = 64;
 std::string shownName(std::string_view text);
 std::string shownQuoted(std::string_view text);
 
-// Whether the line has nothing but spaces, tabs and a carriage return.
+// Returns true if the line has nothing but spaces, tabs and a carriage return.
 bool isBlank(std::string_view line);
 
-// A number that is the same for the same text everywhere. It tells texts apart and need not resist anybody.
+// Returns a number that is the same for the same text everywhere. It tells texts apart and need not resist anybody.
 std::uint64_t hashOf(std::string_view text);
 
-// How the system calls an errno value.
+// Returns how the system calls an errno value.
 std::string systemError(int number);
 
 }  // namespace Brenta::OS::VIG::Tool
