@@ -185,6 +185,10 @@ TEST(GraphCommand, DrawsTheDocumentOrSaysWhyNot) {
         EXPECT_EQ(each.status == 0 ? result.err : result.out, "");
         EXPECT_TRUE(each.status != 0 || result.out.starts_with("digraph") || result.out.starts_with("stateDiagram"));
     }
+    // A context is read without events, too.
+    auto options = optionsOf(good, GraphFormat::Dot);
+    options.contextFile = folder.path("none");
+    EXPECT_EQ(runVerb(graph, options).err, "vig: error: " + options.contextFile + ": No such file or directory\n");
 }
 
 // Writes to a pipe once somebody reads it, having called `swap`; not if nobody does before all is over.
