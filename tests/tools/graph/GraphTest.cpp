@@ -24,8 +24,7 @@ namespace Brenta::OS::VIG::Tool {
 
 namespace {
 
-using support::operand;
-using support::transition;
+using namespace support;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
@@ -34,10 +33,10 @@ const std::string kTransitions = "configs[0].payload.data.transitions";
 // Returns the graph of the configuration 7 with those transitions.
 RuleGraph graphOf(std::initializer_list<std::string> transitions, const std::vector<Finding>& findings = {},
                   const std::vector<Traffic>& traffic = {}) {
-    const DocumentText document("", support::document({support::config(7, transitions)}));
+    const DocumentText text("", document({config(7, transitions)}));
     const auto all =
         traffic.empty() ? std::vector<std::vector<Traffic>>() : std::vector<std::vector<Traffic>>(1, traffic);
-    return graphsOf({modelOf(document, 0)}, findings, all)[0];
+    return graphsOf({modelOf(text, 0)}, findings, all)[0];
 }
 
 Finding finding(const std::string& name, const std::string& path) {
@@ -58,16 +57,12 @@ class FakeGraphviz {
     ~FakeGraphviz() { setenv("PATH", path.c_str(), 1); }
 
   private:
-    const support::TemporaryFolder folder;
+    const TemporaryFolder folder;
     const std::string path = getenv("PATH");
 };
 
 GraphOptions optionsOf(const std::string& rules, GraphFormat format, const std::string& events = {}) {
-    GraphOptions options;
-    options.rules = rules;
-    options.format = format;
-    options.events = events;
-    return options;
+    return {{rules, MachineOptions().seed, ""}, format, events};
 }
 
 TEST(RuleGraph, OrdersTransitionsWithinTheirStateAndKnowsWhatIsUnreachable) {
@@ -140,8 +135,8 @@ std::vector<RuleGraph> graphsOfEveryName() {
                                  "]]>-->"};
     std::string transitions = transition("start", "end", "Test");
     for (const std::string& name : names) {
-        const std::string filter = support::filter("==", "string", operand("envvar", name), operand("constant", name));
-        transitions += "," + transition("start", name, "Test", "[" + filter + "]");
+        const std::string same = filter("==", "string", operand("envvar", name), operand("constant", name));
+        transitions += "," + transition("start", name, "Test", "[" + same + "]");
     }
     const auto findings = {finding("<&\">", kTransitions + "[1]"), finding("-->\n", kTransitions + "[2].to_state")};
     return {graphOf({transitions}, findings)};
@@ -158,13 +153,13 @@ TEST(MermaidWriter, SurvivesEveryName) {
     const std::string text = R"(([-A-Za-z0-9 .,()=!+*/_'>\x80-\xFF]|#[0-9]+;|<br/>)*)";
     const std::regex line(" *(stateDiagram-v2|classDef .*|class \\w+ \\w+|state \"" + text +
                           "\" as \\w+( \\{)?|(\\[\\*\\]|\\w+) --> \\w+( : " + text + ")?|\\})");
-    for (const std::string& each : support::linesWith(mermaidOf(graphsOfEveryName()), "")) {
+    for (const std::string& each : linesWith(mermaidOf(graphsOfEveryName()), "")) {
         EXPECT_TRUE(std::regex_match(each, line)) << each;
     }
 }
 
 TEST(GraphCommand, DrawsTheDocumentOrSaysWhyNot) {
-    const support::TemporaryFolder folder;
+    const TemporaryFolder folder;
     const std::string good = VIG_SOURCE_DIR "/examples/escalation.json";
     const std::string bad = folder.write("bad.json", "{}");
     const struct {
@@ -184,12 +179,16 @@ TEST(GraphCommand, DrawsTheDocumentOrSaysWhyNot) {
         {folder.path("none"), GraphFormat::Dot, "", 2, "none: No such file or directory\n"},
     };
     for (const auto& each : cases) {
-        const auto result = support::runVerb(graph, optionsOf(each.rules, each.format, each.events));
+        const auto result = runVerb(graph, optionsOf(each.rules, each.format, each.events));
         EXPECT_EQ(result.status, each.status) << result.err;
         EXPECT_THAT(each.status == 0 ? result.out : result.err, HasSubstr(each.written));
         EXPECT_EQ(each.status == 0 ? result.err : result.out, "");
         EXPECT_TRUE(each.status != 0 || result.out.starts_with("digraph") || result.out.starts_with("stateDiagram"));
     }
+    // A context is read without events, too.
+    auto options = optionsOf(good, GraphFormat::Dot);
+    options.contextFile = folder.path("none");
+    EXPECT_EQ(runVerb(graph, options).err, "vig: error: " + options.contextFile + ": No such file or directory\n");
 }
 
 // Writes to a pipe once somebody reads it, having called `swap`; not if nobody does before all is over.
@@ -206,15 +205,15 @@ void feed(const std::string& pipe, const std::string& content, const std::atomic
 }
 
 TEST(GraphCommand, PictureAndCountsAreOfOneReading) {
-    const support::TemporaryFolder folder;
-    const auto ruleOn = [](const char* event) { return support::documentOf({transition("start", "start", event)}); };
+    const TemporaryFolder folder;
+    const auto ruleOn = [](const char* event) { return documentOf({transition("start", "start", event)}); };
     const std::string test = "{\"event\":\"Test\"}\n";
     const std::string records = test + "{\"event\":\"ZramHeartBeat\"}\n" + test;
     std::vector<std::string> pictures;
     auto options = optionsOf(folder.path("rules.json"), GraphFormat::Mermaid, folder.write("events", records));
     for (const char* const event : {"Test", "ZramHeartBeat", "Timeout"}) {
         folder.write("rules.json", ruleOn(event));
-        pictures.push_back(support::runVerb(graph, options).out);
+        pictures.push_back(runVerb(graph, options).out);
     }
     options.contextFile = folder.path("context.pipe");
     options.events = folder.path("events.pipe");
@@ -238,7 +237,7 @@ TEST(GraphCommand, PictureAndCountsAreOfOneReading) {
             feed(options.contextFile, test, isOver, [&] { folder.write("rules.json", ruleOn("ZramHeartBeat")); });
             feed(options.events, records, isOver, [&] { folder.write("rules.json", ruleOn("Timeout")); });
         });
-        const auto result = support::runVerb(graph, options);
+        const auto result = runVerb(graph, options);
         isOver = true;
         writer.join();
         EXPECT_EQ(result.err, "");
@@ -253,21 +252,21 @@ TEST(Pictures, InTheDocumentationAreCurrentAndAreAlsoWrittenAsPng) {
                                        *events == '\0' ? "" : root + "/examples/" + events);
         std::string problem;
         EXPECT_TRUE(readFile(root + "/docs/" + picture + ".svg", Interruption(), problem) ==
-                    support::runVerb(graph, options).out)
+                    runVerb(graph, options).out)
             << "docs/" << picture << ".svg is not what `vig graph` draws of examples/escalation.json " << events;
     }
     const auto options = optionsOf(root + "/examples/escalation.json", GraphFormat::Png);
-    EXPECT_THAT(support::runVerb(graph, options).out, testing::StartsWith("\x89PNG\r\n"));
+    EXPECT_THAT(runVerb(graph, options).out, testing::StartsWith("\x89PNG\r\n"));
 }
 
 TEST(GraphCommand, SaysThatGraphvizIsMissingOrWhatItComplainsOf) {
-    const support::TemporaryFolder folder;
-    const auto options = optionsOf(folder.write("r.json", support::kCompleteDocument), GraphFormat::Svg);
+    const TemporaryFolder folder;
+    const auto options = optionsOf(folder.write("r.json", kCompleteDocument), GraphFormat::Svg);
     for (const auto& [script, complaint] :
          {std::pair("", "--format svg needs the program dot of Graphviz, which is not installed\n"),
           std::pair("echo 'no \033[1mfonts' >&2; exit 3", "vig: error: Graphviz failed: no \\x1b[1mfonts")}) {
         const FakeGraphviz fake(script);
-        const auto result = support::runVerb(graph, options);
+        const auto result = runVerb(graph, options);
         EXPECT_EQ(result.status, 2);
         EXPECT_EQ(result.out, "");
         EXPECT_THAT(result.err, HasSubstr(complaint));
@@ -279,7 +278,7 @@ TEST(GraphCommand, DoesNotWriteAPictureToATerminal) {
     ASSERT_TRUE(controller >= 0 && grantpt(controller) == 0 && unlockpt(controller) == 0);
     const Descriptor closed(controller);
     const Descriptor terminal(open(ptsname(controller), O_RDWR | O_NOCTTY));
-    const support::MemoryFile err;
+    const MemoryFile err;
     const auto options = optionsOf("rules.json", GraphFormat::Png);
     EXPECT_EQ(graph(options, {STDIN_FILENO, terminal.get(), err.descriptor}, Interruption()), 2);
     EXPECT_THAT(err.content(), HasSubstr("redirect it to a file"));

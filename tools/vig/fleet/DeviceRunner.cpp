@@ -3,7 +3,7 @@
 #include <memory>
 #include <utility>
 
-#include "rulesengine/Filter.h"
+#include "rulesengine/FuncFilter.h"
 #include "tools/vig/events/EventReader.h"
 #include "tools/vig/run/PlatformServices.h"
 #include "tools/vig/run/Replay.h"
@@ -16,24 +16,10 @@ namespace Brenta::OS::VIG::Tool {
 
 using RulesEngine::EvaluationContext;
 using RulesEngine::Event;
-using RulesEngine::Filter;
+using RulesEngine::FuncFilter;
 using RulesEngine::Transition;
 
 namespace {
-
-// The last filter of a transition: when it is asked, nothing keeps the transition from firing any more.
-class FiredCounter final : public Filter {
-  public:
-    explicit FiredCounter(std::uint64_t& counter) : count(counter) {}
-
-    bool operator()(const EvaluationContext& /*context*/, const Event& /*event*/) const override {
-        ++count;
-        return true;
-    }
-
-  private:
-    std::uint64_t& count;
-};
 
 // Drops what the parser logs, which has been reported when the document was delivered.
 class NoReceiver final : public PlatformServices::Receiver {
@@ -80,12 +66,17 @@ MachineGroup::Configs DeviceRunner::newMachines(FiredCounts& fired) const {
     for (const ConfigModel& each : plan.document.configs) {
         fired.emplace_back(each.transitions.size());
     }
-    return rebuilt(parsed, plan.document.configs,
-                   [&fired](const Transition& transition, std::size_t config, std::size_t index) {
-                       auto filters = transition.getFilters();
-                       filters.push_back(std::make_shared<FiredCounter>(fired[config][index]));
-                       return filters;
-                   });
+    return rebuilt(
+        parsed, plan.document.configs, [&fired](const Transition& transition, std::size_t config, std::size_t index) {
+            auto filters = transition.getFilters();
+            // When the last filter is asked, nothing keeps the transition from firing any more.
+            filters.push_back(
+                std::make_shared<FuncFilter>([&count = fired[config][index]](const EvaluationContext&, const Event&) {
+                    ++count;
+                    return true;
+                }));
+            return filters;
+        });
 }
 
 DeviceResult DeviceRunner::run(const std::string& device, Output& output) {

@@ -95,13 +95,6 @@ std::string summaryOf(const FleetSummary& summary, const FleetOptions& options) 
     return {};
 }
 
-int statusOf(const FleetSummary& summary, const Interruption& interruption) {
-    if (interruption.requested()) {
-        return kExitInterrupted;
-    }
-    return summary.failed > 0 ? kExitUnusable : kExitDone;
-}
-
 }  // namespace
 
 int fleet(const FleetOptions& options, const Console& console, const Interruption& interruption) {
@@ -112,15 +105,13 @@ int fleet(const FleetOptions& options, const Console& console, const Interruptio
     if (const auto status = rules.load(RuleSession::Changes::Ignore)) {
         return rules.abandon(*status);
     }
-    const FleetPlan plan{rules.session().document(),
-                         libraryRegistry(),
-                         rules.session().contextAttributes(),
-                         ofDevice,
-                         console,
-                         interruption};
+    RuleSession& session = rules.session();
+    const FleetPlan plan{session.document(), libraryRegistry(), session.contextAttributes(),
+                         ofDevice,           console,           interruption};
     const FleetSummary summary = Fleet(plan, options.devices, rules.output()).run(options.threads);
     rules.output().write(summaryOf(summary, options));
-    return rules.abandon(statusOf(summary, interruption));
+    const int status = summary.failed > 0 ? kExitUnusable : kExitDone;
+    return rules.abandon(interruption.requested() ? kExitInterrupted : status);
 }
 
 namespace {

@@ -31,16 +31,10 @@ std::vector<std::string> linesOf(const std::vector<std::string>& texts, std::str
 std::string pictureText(std::string_view text, std::size_t most) {
     std::string result = printable(text.substr(0, 4 * most + 4));  // a character has at most 4 bytes
     std::size_t characters = 0;
-    std::size_t cut = 0;  // behind all characters but the last that has room
-    for (std::size_t place = 0; place < result.size(); ++place) {
-        const bool begins = beginsCharacter(result[place]);
-        characters += begins ? 1 : 0;
-        if (begins && characters == most) {
-            cut = place;
-        }
-    }
-    if (characters > most) {
-        result.resize(cut);
+    const auto last =
+        std::ranges::find_if(result, [&](char each) { return beginsCharacter(each) && ++characters == most; });
+    if (charactersIn(result) > most) {
+        result.erase(last, result.end());
         result += "…";
     }
     return result;

@@ -27,9 +27,11 @@ class MarkedPlaces {
         }
     }
 
-    Marks of(const std::string& path) const {
-        const auto found = marks.find(path);
-        return found != marks.end() ? found->second : Marks();
+    // Appends to `target` the marks of what has that path.
+    void append(const std::string& path, Marks& target) const {
+        if (const auto found = marks.find(path); found != marks.end()) {
+            target.insert(target.end(), found->second.begin(), found->second.end());
+        }
     }
 
   private:
@@ -52,10 +54,6 @@ class MarkedPlaces {
 
     std::map<std::string, Marks, std::less<>> marks;
 };
-
-void append(Marks& marks, const Marks& more) {
-    marks.insert(marks.end(), more.begin(), more.end());
-}
 
 GraphArrow arrowOf(const TransitionModel& transition) {
     GraphArrow arrow;
@@ -123,7 +121,7 @@ class Grapher {
     Grapher(const ConfigModel& configModel, const MarkedPlaces& markedPlaces)
         : config(configModel), marks(markedPlaces) {
         graph.id = config.id;
-        graph.marks = marks.of(config.place.path);
+        marks.append(config.place.path, graph.marks);
         indexOf(FiniteStateMachine::STATE_START);
     }
 
@@ -154,12 +152,12 @@ class Grapher {
         GraphArrow arrow = arrowOf(transition);
         arrow.target = to;
         arrow.traffic = traffic;
-        arrow.marks = marks.of(transition.place.path);
+        marks.append(transition.place.path, arrow.marks);
         auto& arrows = graph.states[from].arrows;
         arrow.first = arrow.last = arrows.size() + 1;
         arrows.push_back(std::move(arrow));
-        append(graph.states[from].marks, marks.of(transition.place.path + ".from_state"));
-        append(graph.states[to].marks, marks.of(transition.place.path + ".to_state"));
+        marks.append(transition.place.path + ".from_state", graph.states[from].marks);
+        marks.append(transition.place.path + ".to_state", graph.states[to].marks);
     }
 
     void markReachable() {

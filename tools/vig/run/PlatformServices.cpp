@@ -55,10 +55,8 @@ class PlatformServices::Log {
 
     void await(std::string_view message, std::chrono::milliseconds atMost) {
         std::unique_lock lock(mutex);
-        arrived.wait_for(lock, atMost, [&] {
-            return std::any_of(waiting.begin(), waiting.end(),
-                               [&](const Line& line) { return line.message == message; });
-        });
+        arrived.wait_for(lock, atMost,
+                         [&] { return std::ranges::find(waiting, message, &Line::message) != waiting.end(); });
     }
 
     std::vector<Line> takeWaiting() {
