@@ -31,12 +31,6 @@ const std::string kFaulty = R"({ "configs": [
 
 const std::string kWarned = support::document({R"({"x":1,)" + support::config(1, {}).substr(1)});
 
-Json::Value taken(Json::Value& object, const char* key) {
-    Json::Value value;
-    object.removeMember(key, &value);
-    return value;
-}
-
 Json::Value parsed(const std::string& text) {
     Json::Value value;
     EXPECT_EQ(readJson(text, value), std::nullopt) << text;
@@ -92,12 +86,13 @@ TEST_F(CheckCommand, ShowsOnlyTheNeighbourhoodOfAPlaceInALongLine) {
 TEST_F(CheckCommand, WritesJson) {
     Json::Value root = parsed(check(kFaulty, {.format = FindingFormat::Json}).out);
     ASSERT_EQ(root["findings"].size(), 3U);
-    EXPECT_EQ(taken(root["findings"][0], "file"), folder.path("a b.json").string());
     root["findings"].resize(1);
-    EXPECT_EQ(root,
-              parsed(R"({"errors":2,"warnings":1,"files":1,"findings":[{"severity":"warning","name":"unknown-key",)"
-                     R"("path":"configs[0].note ä","line":2,"column":4,"end_line":2,"end_column":13,)"
-                     R"("message":"the key \"note ä\" is ignored","hint":"known here: \"id\", \"payload\""}]})"));
+    Json::Value expected =
+        parsed(R"({"errors":2,"warnings":1,"files":1,"findings":[{"severity":"warning","name":"unknown-key",)"
+               R"("path":"configs[0].note ä","line":2,"column":4,"end_line":2,"end_column":13,)"
+               R"("message":"the key \"note ä\" is ignored","hint":"known here: \"id\", \"payload\""}]})");
+    expected["findings"][0]["file"] = folder.path("a b.json").string();
+    EXPECT_EQ(root, expected);
 }
 
 TEST_F(CheckCommand, WritesSarif) {
@@ -109,20 +104,22 @@ TEST_F(CheckCommand, WritesSarif) {
     const Json::Value& driver = run["tool"]["driver"];
     EXPECT_EQ(driver["name"], "vig");
     EXPECT_TRUE(driver["version"].isString());
-    ASSERT_EQ(run["results"].size(), 3U);
     for (Json::Value& result : run["results"]) {
-        const Json::Value rule = driver["rules"][taken(result, "ruleIndex").asUInt()];
+        const Json::Value& rule = driver["rules"][result["ruleIndex"].asUInt()];
         EXPECT_EQ(rule["id"], result["ruleId"]);
         EXPECT_TRUE(rule["shortDescription"]["text"].isString());
-        Json::Value& file = result["locations"][0]["physicalLocation"];
-        const std::string uri = taken(file, "artifactLocation")["uri"].asString();
-        EXPECT_TRUE(uri.starts_with("file:///") && uri.ends_with("/a%20b.json")) << uri;
+        result.removeMember("ruleIndex");
+        Json::Value& uri = result["locations"][0]["physicalLocation"]["artifactLocation"]["uri"];
+        EXPECT_TRUE(uri.asString().starts_with("file:///") && uri.asString().ends_with("/a%20b.json"))
+            << uri.asString();
+        uri = "";
     }
+    ASSERT_EQ(run["results"].size(), 3U);
     EXPECT_EQ(
         run["results"][0],
         parsed(R"({"level":"warning","ruleId":"unknown-key","message":{"text":"the key \"note ä\" is ignored Hint: )"
-               R"(known here: \"id\", \"payload\""},"locations":[{"physicalLocation":{"region":{"startLine":2,)"
-               R"("startColumn":4,"endLine":2,"endColumn":12}},)"
+               R"(known here: \"id\", \"payload\""},"locations":[{"physicalLocation":{"artifactLocation":{"uri":""},)"
+               R"("region":{"startLine":2,"startColumn":4,"endLine":2,"endColumn":12}},)"
                R"("logicalLocations":[{"fullyQualifiedName":"configs[0].note ä"}]}]})"));
     EXPECT_EQ(run["results"][1]["level"], "error");
     EXPECT_EQ(run["results"][1]["locations"][0]["physicalLocation"]["region"],
@@ -131,15 +128,13 @@ TEST_F(CheckCommand, WritesSarif) {
 
 TEST_F(CheckCommand, OfLongNamesMessagesShowTheBeginningAndPathsAll) {
     const std::string name(3'000, 'x');
-    const std::string document = support::document(
-        {R"({"y":1,"y":1,)" +
-         support::config(1,
-                         {transition("start", "a", "ProcessMemoryHeartBeat",
-                                     filters({"string processName == =a", "integer =1 < vmRssKB"})),
-                          transition("a", "a", "EnteringState", "[]", R"([{"name":"Test"}])"),
-                          transition("a", "end", "Test", filters({"string F() == processName", "integer =7 == =7"})),
-                          transition("a", "end", "Test"), transition("a", "end", "Test", filters({"double x == =1"}))})
-             .substr(1)});
+    const std::vector<std::string> transitions = {
+        transition("start", "a", "ProcessMemoryHeartBeat",
+                   filters({"string processName == =a", "integer =1 < vmRssKB"})),
+        transition("a", "a", "EnteringState", "[]", R"([{"name":"Test"}])"),
+        transition("a", "end", "Test", filters({"string F() == processName", "integer =7 == =7"})),
+        transition("a", "end", "Test"), transition("a", "end", "Test", filters({"double x == =1"}))};
+    const std::string document = support::document({R"({"y":1,"y":1,)" + support::config(1, transitions).substr(1)});
     const auto expectShort = [&](const std::string& text) {
         for (const Json::Value& each : parsed(check(text, {.format = FindingFormat::Json}).out)["findings"]) {
             EXPECT_LE(each["message"].asString().size(), 1000U) << each["path"].asString().substr(0, 100);
@@ -158,9 +153,9 @@ TEST_F(CheckCommand, OfLongNamesMessagesShowTheBeginningAndPathsAll) {
                                            "0." + std::string(name.size(), '1'), found->str(1) + "\\u0000" + name}) {
             SCOPED_TRACE(content.substr(0, 20) + " for " + found->str() + " at " + std::to_string(found->position()));
             const std::string text = "\"" + content + "\"";
-            const auto place = static_cast<std::size_t>(found->position());
-            expectShort(document.substr(0, place) + text + found->suffix().str());
-            if (document.find(found->str()) == place) {
+            const std::string before = document.substr(0, static_cast<std::size_t>(found->position()));
+            expectShort(before + text + found->suffix().str());
+            if (before.find(found->str()) == std::string::npos) {
                 expectShort(std::regex_replace(document, std::regex(found->str()), text));
             }
         }

@@ -5,11 +5,14 @@
 
 #include <algorithm>
 #include <iostream>
+#include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "tests/support/DocumentGenerator.h"
+#include "tests/support/Documents.h"
 #include "tools/vig/document/Registry.h"
 #include "vig/parsers/VIGResponseParser.h"
 
@@ -146,6 +149,26 @@ TEST(Findings, AreEveryMistakeAtItsPlace) {
         }
         EXPECT_EQ(found, expected) << text;
         EXPECT_EQ(foundAt, places) << text;
+    }
+}
+
+TEST(Findings, BlameTheNameOfNoActionThatIsRegisteredWithParameters) {
+    struct Factory final : VIGActionFunctionFactory {
+        std::optional<VIGActionFunction> get(const std::vector<VIGActionParameter>&) const override { return {}; }
+    };
+    const VIGParserConfig registry({{"Test", RulesEngine::EventType::Test}},
+                                   {{"Notify(integer)", std::make_shared<Factory>()}}, {}, {}, {}, {});
+    const std::pair<std::string, std::string> cases[] = {
+        {R"({"name":"Notify","parameters":[{"type":"int","value":1}]})",
+         R"(.parameters[0].type: one of "string", "integer", "double")"},
+        {R"({"name":"Notify"})", ".name: registered as \"Notify(integer)\""},
+    };
+    for (const auto& [action, expected] : cases) {
+        const std::string text =
+            support::documentOf({support::transition("start", "end", "Test", "[]", "[" + action + "]")});
+        const auto found = findingsIn(DocumentText("", text), registry, Catalogue());
+        ASSERT_EQ(found.size(), 1U) << text;
+        EXPECT_TRUE((found[0].place.path + ": " + found[0].hint).ends_with("actions[0]" + expected)) << found[0].hint;
     }
 }
 

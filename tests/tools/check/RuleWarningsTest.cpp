@@ -225,73 +225,51 @@ TEST(RuleWarnings, SayWhatIsWrongAndWhatWouldMendIt) {
 }
 
 TEST(RuleWarnings, FindFiltersThatDecideNothing) {
-    const std::pair<std::string, Strings> cases[] = {
-        {"never-true",
-         {"$memory | string =a == =b",
-          "$memory | integer =2 < =1",
-          "$memory | double =nan == =nan",
-          "$memory | integer vmRssKB > =9223372036854775807",
-          "$memory | integer =-9223372036854775808 > vmRssKB",
-          "$memory | string processName < =",
-          "$cpu | double cpuAvgUtilization == =nan",
-          "$cpu | double cpuAvgUtilization > =inf",
-          "$memory | double PseudoRandomDouble() < =0",
-          "$memory | double PseudoRandomDouble() >= =1",
-          "$memory | double =1 == PseudoRandomDouble()",
-          "$cpu | integer pid != pid",
-          "$cpu | double cpuAvgUtilization < cpuAvgUtilization",
-
-          "$memory | $big & integer vmRssKB < =5",
-          "$memory | integer vmRssKB == =1 & integer vmRssKB == =2",
-          "$memory | integer =10 < vmRssKB & integer =11 > vmRssKB",
-          "$memory | integer vmRssKB >= =1 & integer vmRssKB <= =2 & integer vmRssKB != =1 & integer vmRssKB != =2",
-          "$memory | string processName == =a & string processName == =b",
-          "$memory | string processName == =a & string processName != =a",
-          "$memory | string processName > =b & string processName < =a",
-          "$memory | string processName < =B & string processName > =a",
-          "$cpu | double cpuAvgUtilization >= =0 & double cpuAvgUtilization <= =-0.0 & double cpuAvgUtilization != "
-          "=0"}},
-        {"always-true",
-         {"$memory | string =a != =b", "$memory | double =nan != =nan",
-          "$memory | string processName >= =", "$memory | double PseudoRandomDouble() < =1",
-          "$memory | double =-0.5 != PseudoRandomDouble()", "$memory | string processName == processName"}},
-        {"",
-         {"$memory | integer vmRssKB >= =-9223372036854775808", "$memory | integer vmRssKB >= =9223372036854775807",
-          "$cpu | double cpuAvgUtilization != =nan", "$cpu | double cpuAvgUtilization >= =inf",
-          "$memory | string processName > =", "$memory | double PseudoRandomDouble() <= =0",
-          "$cpu | double cpuAvgUtilization == cpuAvgUtilization",
-          "$cpu | double cpuAvgUtilization != cpuAvgUtilization",
-          "$memory | double PseudoRandomDouble() < PseudoRandomDouble()",
-
-          "$memory | integer vmRssKB >= =10 & integer vmRssKB <= =10 & integer vmRssKB != =9",
-          "$memory | integer vmRssKB > =5 & integer vmRssKB > =3 & integer vmSwapKB < =1",
-          "$memory | string processName >= =a & string processName < =b & string processName != =a",
-          "$memory | $random & double PseudoRandomDouble() > =0.9",
-          "$cpu | double cpuAvgUtilization > =0 & double cpuAvgUtilization < =1e-300",
-          "$cpu | double cpuAvgUtilization != =nan & double cpuAvgUtilization != =1"}},
-    };
-    for (const auto& [name, transitions] : cases) {
-        for (const std::string& each : transitions) {
+    const std::pair<std::string, std::string> cases[] = {{"never-true", R"(
+            string =a == =b; integer =2 < =1; double =nan == =nan; integer vmRssKB > =9223372036854775807;
+            integer =-9223372036854775808 > vmRssKB; string processName < =; double cpuAvgUtilization == =nan;
+            double cpuAvgUtilization > =inf; double PseudoRandomDouble() < =0; double PseudoRandomDouble() >= =1;
+            double =1 == PseudoRandomDouble(); integer pid != pid; double cpuAvgUtilization < cpuAvgUtilization;
+            $big & integer vmRssKB < =5; integer vmRssKB == =1 & integer vmRssKB == =2;
+            integer =10 < vmRssKB & integer =11 > vmRssKB; string processName == =a & string processName == =b;
+            integer vmRssKB >= =1 & integer vmRssKB <= =2 & integer vmRssKB != =1 & integer vmRssKB != =2;
+            string processName == =a & string processName != =a; string processName > =b & string processName < =a;
+            string processName < =B & string processName > =a;
+            double cpuAvgUtilization >= =0 & double cpuAvgUtilization <= =-0.0 & double cpuAvgUtilization != =0)"},
+                                                         {"always-true", R"(
+            string =a != =b; double =nan != =nan; string processName >= =; double PseudoRandomDouble() < =1;
+            double =-0.5 != PseudoRandomDouble(); string processName == processName)"},
+                                                         {"", R"(
+            integer vmRssKB >= =-9223372036854775808; integer vmRssKB >= =9223372036854775807;
+            double cpuAvgUtilization != =nan; double cpuAvgUtilization >= =inf; string processName > =;
+            double PseudoRandomDouble() <= =0; double cpuAvgUtilization == cpuAvgUtilization;
+            double cpuAvgUtilization != cpuAvgUtilization; double PseudoRandomDouble() < PseudoRandomDouble();
+            integer vmRssKB >= =10 & integer vmRssKB <= =10 & integer vmRssKB != =9;
+            integer vmRssKB > =5 & integer vmRssKB > =3 & integer vmSwapKB < =1;
+            string processName >= =a & string processName < =b & string processName != =a;
+            $random & double PseudoRandomDouble() > =0.9;
+            double cpuAvgUtilization > =0 & double cpuAvgUtilization < =1e-300;
+            double cpuAvgUtilization != =nan & double cpuAvgUtilization != =1)"}};
+    for (const auto& [name, conditions] : cases) {
+        for (const std::string& each : split(conditions, ';')) {
+            const bool ofMemory = each.find("cpu") == std::string::npos && each.find("pid") == std::string::npos;
             const std::string last = " [0].filters[" + std::to_string(split(each, '&').size() - 1) + "]";
-            EXPECT_EQ(namesOf(warningsOf(each)), name.empty() ? "" : name + last) << each;
+            EXPECT_EQ(namesOf(warningsOf((ofMemory ? "$memory | " : "$cpu | ") + each)),
+                      name.empty() ? "" : name + last)
+                << each;
         }
     }
 }
 
 TEST(RuleWarnings, FindNumbersThatAreReadAsOthers) {
-    const std::pair<std::string, std::string> read[] = {
-        {"integer x > =12kB", "12"},
-        {"integer x > =0x10", "0"},
-        {"integer x > =1e3", "1"},
-        {"integer x > =12.9", "12"},
-        {"double x > =1,5", "1"},
-        {"double x > =1 000", "1"},
-        {"double x > =9007199254740993", "9007199254740992"},
-        {"double x > =-0.10000000000000000001", "-0.10000000000000000555"}};
-    for (const auto& [condition, number] : read) {
-        const auto found = warningsOf("$test | " + condition);
-        ASSERT_EQ(namesOf(found), expanded("number-text $right")) << condition;
-        EXPECT_THAT(found[0].message, testing::HasSubstr("read as " + number)) << condition;
+    for (const std::string row : {"integer 12kB -> 12", "integer 0x10 -> 0", "integer 1e3 -> 1", "integer 12.9 -> 12",
+                                  "double 1,5 -> 1", "double 1 000 -> 1", "double 9007199254740993 -> 9007199254740992",
+                                  "double -0.10000000000000000001 -> -0.10000000000000000555"}) {
+        const auto space = row.find(' '), arrow = row.find(" -> ");
+        const auto found =
+            warningsOf("$test | " + row.substr(0, space) + " x > =" + row.substr(space + 1, arrow - space - 1));
+        ASSERT_EQ(namesOf(found), expanded("number-text $right")) << row;
+        EXPECT_THAT(found[0].message, testing::HasSubstr("read as " + row.substr(arrow + 4))) << row;
     }
     for (const std::string whole :
          {"integer x > = +7", "double x > =0x10", "double x > =-00.10", "double x > =.5", "double x > =12.",

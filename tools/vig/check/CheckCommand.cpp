@@ -43,13 +43,6 @@ std::optional<int> loadCatalogue(const CheckOptions& options, const Console& con
     return learnFrom(options.eventsFile, console, interruption, catalogue);
 }
 
-void count(const std::vector<Finding>& findings, FindingCounts& counts) {
-    const auto errors = std::ranges::count(findings, Severity::Error, &Finding::severity);
-    counts.errors += static_cast<std::size_t>(errors);
-    counts.warnings += findings.size() - static_cast<std::size_t>(errors);
-    ++counts.files;
-}
-
 }  // namespace
 
 int check(const CheckOptions& options, const Console& console, const Interruption& interruption) {
@@ -84,7 +77,8 @@ int check(const CheckOptions& options, const Console& console, const Interruptio
             return std::ranges::find(options.allowed, each.name) != options.allowed.end();
         });
         writer->write(document.source(), findings);
-        count(findings, counts);
+        const auto errors = static_cast<std::size_t>(std::ranges::count(findings, Severity::Error, &Finding::severity));
+        counts = {counts.errors + errors, counts.warnings + findings.size() - errors, counts.files + 1};
     }
     writer->end(counts);
     const bool areRefused = counts.errors > 0 || (options.strict && counts.warnings > 0);
