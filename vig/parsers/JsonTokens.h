@@ -56,7 +56,7 @@ class JsonTokens {
     // Returns whether there was a comment.
     bool skipSeparators() {
         for (bool hasComment = false;; hasComment = true) {
-            skipWhiteSpace();
+            moveTo(text.find_first_not_of(kWhiteSpace, position));
             if (position == text.size() || text[position] != '/') {
                 return hasComment;
             }
@@ -108,18 +108,6 @@ class JsonTokens {
             --first;
         }
         return (place - first) % 2 == 1;
-    }
-
-    void skipWhiteSpace() {
-        std::size_t place = position;
-        while (place < text.size() && isWhiteSpace(text[place])) {
-            ++place;
-        }
-        position = place;
-    }
-
-    static bool isWhiteSpace(char character) {
-        return character == ' ' || character == '\n' || character == '\r' || character == '\t';
     }
 
     bool isOpen(char closing) const { return !open.empty() && open.back() == closing; }

@@ -65,11 +65,9 @@ TEST(FilterParser, RefusesABadMemberWithItsMessages) {
         std::vector<std::string> messages;
     } const cases[] = {
         {"operator", {"", "null", "1", R"(["=="])"}, {whole}},
-        {"operator", {R"("=>")"}, {"Invalid operator string: =>."}},
+        {"operator", {R"("=")", R"("=\u0000=")"}, {"Invalid operator string: =."}},
         {"operator", {R"(" ==")"}, {"Invalid operator string:  ==."}},
-        {"operator", {R"("=")"}, {"Invalid operator string: =."}},
         {"operator", {R"("%n%s")"}, {"Invalid operator string: %n%s."}},  // a document is no format
-        {"operator", {R"("=\u0000=")"}, {"Invalid operator string: =."}},
         {"value_type", {"", "null", R"("")"}, {"Invalid operand value type: ."}},
         {"value_type", {R"("Integer")"}, {"Invalid operand value type: Integer."}},
         {"value_type", {R"("integer\u0000")"}, {"Invalid operand value type: integer."}},
@@ -83,7 +81,6 @@ TEST(FilterParser, RefusesABadMemberWithItsMessages) {
         {"operand1", {R"({"type":"envvar"})", R"({"type":"constant","value":80})"}, {noValue, first}},
         {"operand1", {R"({"type":"constant","value":{}})", R"({"type":"envvar","value":true})"}, {noValue, first}},
         {"operand1", {operand("function", "Half")}, {"Failed to find function: Half"}},
-        {"operand1", {operand("function", "one")}, {"Failed to find function: one"}},
         {"operand2", {"", "[]"}, {noObject, second}},
         {"operand2", {R"({"value":"80"})"}, {noType, second}},
         {"operand2", {R"({"type":"var"})"}, {"Unknown filter operand type: var", second}},
