@@ -355,13 +355,15 @@ TEST_F(ManagerTest, AServiceThatNotifiesWithinItsOwnCallsDoesNoHarm) {
 
 TEST_F(ManagerTest, ADeliveryMayUseTheManagerThoughARemovalWaitsForItsEnd) {
     int deliveries = 0;
-    std::promise<void> delivering, removing;
+    std::promise<void> delivering, removing, followed;
+    const auto next = followed.get_future();
     registerAndListen([&](auto&&) {
         if (++deliveries == 2) {
             delivering.set_value();
             removing.get_future().wait();
             EXPECT_LT(timed([&] { manager->deregisterCallback(); }), kSettleTimeout);
-            manager->registerCallback(receiver.callback());
+            manager->registerCallback([&](auto&&) { followed.set_value(); });
+            EXPECT_EQ(next.wait_for(kMoment), std::future_status::timeout) << "deliveries come one at a time";
         }
     });
     auto notification = std::async(std::launch::async, [&] { config.notify(); });
@@ -373,7 +375,7 @@ TEST_F(ManagerTest, ADeliveryMayUseTheManagerThoughARemovalWaitsForItsEnd) {
         }
     };
     manager->deregisterCallback();
-    receiver.waitFor(1);
+    next.wait();
     destroy();
     EXPECT_THAT(config.listeners(), IsEmpty());
 }
