@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstdint>
 #include <optional>
-#include <ranges>
 #include <string>
 #include <string_view>
 #include <type_traits>
@@ -64,8 +63,11 @@ class WithKeys : public WithAttributes<Base> {
 
     std::vector<std::string_view> keys(ValueType kind) const override {
         const auto namesOf = [](const auto& values) {
-            const auto names = values | std::views::keys;
-            return std::vector<std::string_view>(names.begin(), names.end());
+            std::vector<std::string_view> names;
+            for (const auto& named : values) {
+                names.emplace_back(named.first);
+            }
+            return names;
         };
         const auto& [uint64, int64, real, boolean, string] = this->all;
         return kind == ValueType::Uint64   ? namesOf(uint64)
