@@ -25,7 +25,7 @@ using Brenta::OS::RulesEngine::EventType;
 using Brenta::OS::VIG::VIGConfig;
 using Brenta::OS::VIG::VIGManager;
 
-// What rules can know of an observation is what its getters report.
+// Rules can know of an observation what its getters report.
 class ProcessMemory : public Event {
   public:
     ProcessMemory(std::string process, std::int64_t rssKB)

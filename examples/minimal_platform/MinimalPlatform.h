@@ -6,13 +6,13 @@
 #include <string>
 #include <vector>
 
-// What the test does to the platform, from any thread.
+// The test acts on the platform with these, from any thread.
 namespace minimal {
 
-// The messages logged so far.
+// Returns the messages logged so far.
 std::vector<std::string> logged();
 
-// Null for no service.
+// A null one takes the service out.
 void setTriggerService(std::shared_ptr<vendor::orlan::velora::ITrigger> service);
 
 // Changes the rule document and tells the listeners, on the calling thread.

@@ -177,7 +177,7 @@ void DeviceConfig::Impl::remove(const Listener& listener) {
     std::erase_if(registrations, [&](const auto& each) { return each->listener == listener; });
 }
 
-// Not by std::thread, which would end the process where it cannot throw. Called with the mutex held.
+// A std::thread would end the process where it cannot throw. The caller holds the mutex.
 void DeviceConfig::Impl::startThread() {
     const auto body = [](void* argument) -> void* {
         Impl& self = *static_cast<Impl*>(argument);
@@ -188,7 +188,7 @@ void DeviceConfig::Impl::startThread() {
                 eventfd_t ignored = 0;
                 eventfd_read(self.pauseEnder, &ignored);
             }
-            // Also a fork of the process ends the pause, when it destroys its copy of the client.
+            // A fork of the process ends the pause, too, when it destroys its copy of the client.
             if (self.stopped) {
                 return nullptr;
             }

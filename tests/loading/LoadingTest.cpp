@@ -38,7 +38,7 @@ TEST(BeforeMain, MachinesCanBeBuilt) {
     EXPECT_EQ(log.messages().size(), 1U);
 }
 
-// As when the library is loaded before a process is forked that then uses it.
+// A service may load the library before it forks the process that uses it.
 TEST(Fork, ChildUsesWhatTheParentHasLoadedAndTheParentGoesOn) {
     const support::TemporaryFolder folder;
     host::bindProperty("korvel_vig", "vig_response", folder.write("rules.json", document()));

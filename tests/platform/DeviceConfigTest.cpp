@@ -81,7 +81,7 @@ struct Watch {
         await(pauseBegun);
     }
 
-    // What is told after one further look, and after the next one, in which nothing has changed.
+    // Returns what is told once nothing changes any more from one look to the next.
     std::vector<std::string> told() {
         look();
         EXPECT_THAT(recorder->values, IsEmpty()) << "it could still be being written";

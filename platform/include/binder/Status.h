@@ -4,7 +4,7 @@
 
 namespace android::binder {
 
-// How a call on a service ended.
+// A status tells how a call on a service ended.
 class Status {
   public:
     static Status ok() { return Status(0); }

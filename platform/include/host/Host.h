@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-// What the tool and the tests do to the stand-ins for the device. All of it may be called from any thread.
+// The tool and the tests use these to act on the stand-ins for the device. Any thread may call them.
 namespace host {
 
 // Receives one message of the platform log, on the thread that logs it; several threads may be in it at once, and it is
@@ -31,7 +31,7 @@ void bindProperty(const std::string& ns, const std::string& property, const std:
 // Takes a service out of the service manager, as when its process dies. Who holds it keeps it.
 void removeService(const android::String16& name);
 
-// The text in UTF-8. REQUIRES: the text has no surrogate without its partner; what follows one is left out.
+// Returns the text in UTF-8. REQUIRES: the text has no surrogate without its partner; what follows one is left out.
 std::string toUtf8(const android::String16& text);
 
 }  // namespace host

@@ -5,7 +5,7 @@
 
 namespace android {
 
-// What an operation of the platform returns: 0, or a negated errno value.
+// An operation of the platform returns 0, or a negated errno value.
 using status_t = std::int32_t;
 
 inline constexpr status_t NO_ERROR = 0;

@@ -10,7 +10,7 @@ class String16 {
   public:
     String16() = default;
 
-    // From NUL-terminated UTF-8; characters beyond U+FFFF become surrogate pairs. Text that is not valid UTF-8
+    // Reads NUL-terminated UTF-8; characters beyond U+FFFF become surrogate pairs. Text that is not valid UTF-8
     // gives an empty string, as on the device: who wants to keep the rest of it repairs the text first.
     explicit String16(const char* utf8);
 
@@ -20,8 +20,9 @@ class String16 {
     // The code units; valid until the string changes.
     std::u16string_view view() const { return text; }
 
-    // Compares by code unit.
-    auto operator<=>(const String16&) const = default;
+    // Texts compare by code unit.
+    bool operator==(const String16&) const = default;
+    bool operator<(const String16& other) const { return text < other.text; }
 
   private:
     std::u16string text;

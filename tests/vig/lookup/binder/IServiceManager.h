@@ -11,10 +11,10 @@ namespace android {
 struct Lookup {
     status_t status;
     sp<vendor::orlan::velora::ITrigger> service;
-    int count = 0;  // of the lookups
+    int count = 0;  // how many lookups there were
 };
 
-// What every lookup gives, whatever the name.
+// Every lookup gives this, whatever the name.
 inline Lookup lookup;
 
 template <typename INTERFACE>

@@ -8,7 +8,7 @@
 
 namespace vendor::orlan::velora {
 
-// What a caller of the trigger service tells about the collection that it asks for. The order of the fields is
+// This is what a caller of the trigger service tells about the collection that it asks for. The order of the fields is
 // part of the interface.
 struct TriggerContext {
     android::String16 triggerName;
