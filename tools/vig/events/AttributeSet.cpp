@@ -16,26 +16,15 @@ AttributeSet::Span AttributeSet::store(std::string_view added) {
 }
 
 std::vector<std::string_view> AttributeSet::names(Event::ValueType kind) const {
-    switch (kind) {
-        case Event::ValueType::Uint64:
-            return namesOf<std::uint64_t>();
-        case Event::ValueType::Int64:
-            return namesOf<std::int64_t>();
-        case Event::ValueType::Double:
-            return namesOf<double>();
-        case Event::ValueType::Bool:
-            return namesOf<bool>();
-        case Event::ValueType::String:
-            return namesOf<std::string_view>();
-    }
-    return {};
-}
-
-template <typename T>
-std::vector<std::string_view> AttributeSet::namesOf() const {
     std::vector<std::string_view> names;
-    names.reserve(table<T>().size());
-    forEach<T>([&](std::string_view name, T) { names.push_back(name); });
+    const auto collect = [&](const auto& attributes) {
+        names.reserve(attributes.size());
+        for (const auto& each : attributes) {
+            names.push_back(view(each.name));
+        }
+    };
+    auto place = static_cast<std::size_t>(kind);  // the tables are in the order of the kinds
+    std::apply([&](const auto&... each) { ((place-- == 0 ? collect(each) : void()), ...); }, tables);
     return names;
 }
 

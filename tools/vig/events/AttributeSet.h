@@ -27,7 +27,7 @@ class AttributeSet {
         table<T>().push_back({store(name), toStored(value)});
     }
 
-    // Puts the attributes of a kind in order. The name of one that was added twice, if any.
+    // Puts the attributes of a kind in order. Returns the name of one that was added twice, if any.
     template <typename T>
     std::optional<std::string_view> sort() {
         auto& attributes = table<T>();
@@ -71,7 +71,7 @@ class AttributeSet {
 
     std::vector<std::string_view> names(RulesEngine::Event::ValueType kind) const;
 
-    // Whether both hold the same attributes with the same values.
+    // Returns true if both hold the same attributes with the same values.
     bool operator==(const AttributeSet& other) const;
 
   private:
@@ -121,8 +121,6 @@ class AttributeSet {
         }
     }
 
-    template <typename T>
-    std::vector<std::string_view> namesOf() const;
     template <typename T>
     bool equals(const AttributeSet& other) const;
 

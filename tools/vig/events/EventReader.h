@@ -35,7 +35,7 @@ class EventReader {
     // Fills `record` with the next one.
     Status next(EventRecord& record);
 
-    // After Failed: "events.jsonl:12: error: …" for a bad line, or why nothing can be read.
+    // Returns, after Failed, "events.jsonl:12: error: …" for a bad line, or why nothing can be read.
     const std::string& error() const { return message; }
 
     std::uint64_t bytesRead() const { return lines.bytesRead(); }

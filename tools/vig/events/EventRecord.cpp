@@ -29,7 +29,7 @@ void appendKind(std::string& line, std::string_view kind, const AttributeSet& at
         if constexpr (std::is_same_v<T, std::string_view>) {
             appendJsonString(line, value);
         } else {
-            // Of a double, the shortest text that reads back as the same.
+            // A double becomes the shortest text that reads back as the same.
             fmt::format_to(std::back_inserter(line), "{}", value);
         }
     });

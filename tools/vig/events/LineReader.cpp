@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "tools/vig/words/Text.h"
+#include "vig/base/Utf8.h"
 #include "vig/parsers/JsonTokens.h"
 
 namespace Brenta::OS::VIG::Tool {

@@ -19,7 +19,7 @@ class LineReader {
   public:
     enum class Status { Line, End, Interrupted, Failed };
 
-    // At least that many bytes after a line may be read; the first of them is a line feed.
+    // At least so many bytes after a line may be read; the first of them is a line feed.
     static constexpr std::size_t PADDING = 64;
 
     // A longer line is an error. Of compressed data much less is accepted, because a small file can hold a huge line.
@@ -32,17 +32,17 @@ class LineReader {
     LineReader(const LineReader&) = delete;
     LineReader& operator=(const LineReader&) = delete;
 
-    // The next line without its line feed, valid until the next call. A last line may lack the line feed.
+    // Hands out the next line without its line feed, valid until the next call. A last line may lack the line feed.
     Status next(std::string_view& line);
 
-    // The number of the latest line, counted from 1; after Failed, of the one that could not be read.
+    // Counts lines from 1; after Failed, it is the number of the one that could not be read.
     std::uint64_t lineNumber() const { return number; }
 
     // Returns, after Failed, a line for a person: "events.jsonl:12: error: …" if a line is too long or the compressed
     // data is damaged there, else why nothing more can be read.
     std::string problem() const;
 
-    // How much has been read from the descriptor.
+    // Counts what came from the descriptor.
     std::uint64_t bytesRead() const { return source.bytesRead(); }
 
   private:

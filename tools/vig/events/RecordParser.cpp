@@ -14,6 +14,7 @@
 #include "tools/vig/events/LineReader.h"
 #include "tools/vig/words/NearestName.h"
 #include "tools/vig/words/Text.h"
+#include "vig/base/Utf8.h"
 #include "vig/parsers/JsonTokens.h"
 
 namespace Brenta::OS::VIG::Tool {
@@ -43,7 +44,7 @@ constexpr std::string_view kExpected<std::string_view> = "a string";
 template <>
 constexpr std::string_view kExpected<ondemand::object> = "an object";
 
-// A key as it stands in a message.
+// Returns a key as it stands in a message.
 std::string named(std::string_view key) {
     const bool plain = !key.empty() && std::all_of(key.begin(), key.end(), [](char each) {
         return each > ' ' && each < '\x7F' && each != '"' && each != '\\' && each != '.' && each != ':';
@@ -96,7 +97,7 @@ std::string_view trimmed(std::string_view token) {
     return token.substr(0, token.find_last_not_of(kSpace) + 1);
 }
 
-// The value as it stands in a message.
+// Returns the value as it stands in a message.
 std::string shown(std::string_view token) {
     token = trimmed(token);
     if (withoutByteOrderMark(token).size() < token.size()) {

@@ -21,7 +21,7 @@ class RecordParser {
     // REQUIRES: LineReader::PADDING bytes after the text may be read, the first of them a line feed.
     bool parse(std::string_view text, EventRecord& record);
 
-    // What is wrong with the last text, naming the key at fault.
+    // Says what is wrong with the last text, naming the key at fault.
     const std::string& error() const;
 
   private:

@@ -29,7 +29,7 @@ class Coverage final : public Trace {
     // Each filter counts twice.
     Share filterOutcomes() const { return share(false); }
 
-    // Of both together, in percent; 100 if there is nothing to reach.
+    // Counts both together, in percent; 100 if there is nothing to reach.
     double percent() const;
 
     // Returns "rules.json:12:9: never fired: start -> end on Test [configs[0]…]", in document order.

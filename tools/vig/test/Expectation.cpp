@@ -1,10 +1,17 @@
+// A test expects two lists, of triggers and of log lines, each of them whole and in order, and a few single facts. Were
+// the lists compared place by place, then after one missing trigger nothing would be as expected. So a list that
+// differs is aligned with what happened, as texts are by a diff: of all ways to make one of the other, the one with the
+// fewest things that are missing, unexpected or different. A thing is as expected if it has all the fields that the
+// test names; of one that is not, only the fields that differ are shown, as expected and as they are. The first thing
+// that is not as expected is what the failure is explained by.
+
 #include "tools/vig/test/Expectation.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <ranges>
 #include <string_view>
-#include <unordered_map>
 #include <utility>
 
 #include "tools/vig/words/PriorityName.h"
@@ -96,14 +103,10 @@ std::vector<Row> aligned(std::size_t expectedCount, std::size_t actualCount, con
 }
 
 std::string list(const std::vector<std::string>& entries) {
-    std::string text;
-    for (const std::string& entry : entries) {
-        text += (text.empty() ? "" : ", ") + quoted(entry);
-    }
-    return "[" + text + "]";
+    return fmt::format("[{}]", fmt::join(entries | std::views::transform(quoted), ", "));
 }
 
-// What of the expectation the trigger does not meet.
+// Returns those fields that the trigger does not have like that.
 ExpectedTrigger unmet(ExpectedTrigger expected, const TriggerLine& actual) {
     const auto drop = [](auto& field, const auto& value) {
         if (field && *field == value) {
@@ -149,7 +152,7 @@ Fields fieldsOf(const TriggerLine& trigger) {
 }
 
 // A message says little without its priority.
-ExpectedLog unmet(ExpectedLog expected, const Observed::Log& /*actual*/) {
+const ExpectedLog& unmet(const ExpectedLog& expected, const Observed::Log& /*actual*/) {
     return expected;
 }
 
@@ -256,39 +259,32 @@ void compareTriggers(const Expectation& expected, const Observed& actual, Mismat
         const TriggerLine& trigger = actual.triggers[*row->actual];
         mismatch.first = Divergence{Divergence::Kind::Event, trigger.event, trigger.machine.index};
     } else if (row) {
-        mismatch.first = Divergence{Divergence::Kind::MissingTrigger};
-        mismatch.first->config = expected.triggers[*row->expected].config;
+        mismatch.first =
+            Divergence{.kind = Divergence::Kind::MissingTrigger, .config = expected.triggers[*row->expected].config};
     }
 }
 
 void compareLogs(const Expectation& expected, const Observed& actual, Mismatch& mismatch) {
     const auto row = compareLists(mismatch.lines, "log", expected.logs, actual.logs, actual.logCount);
-    if (!row || mismatch.first) {
-        return;
+    if (row && !mismatch.first) {
+        mismatch.first = row->actual ? Divergence{Divergence::Kind::Event, actual.logs[*row->actual].event}
+                                     : Divergence{Divergence::Kind::MissingLog};
     }
-    mismatch.first = row->actual ? Divergence{Divergence::Kind::Event, actual.logs[*row->actual].event}
-                                 : Divergence{Divergence::Kind::MissingLog};
 }
 
 void compareStates(const Expectation& expected, const Observed& actual, Mismatch& mismatch) {
-    std::unordered_map<std::int64_t, std::string_view> states;
-    for (const Observed::State& each : actual.states) {
-        states.emplace(each.config, each.state);  // of several with the same id, the first counts
-    }
-    for (const ExpectedState& each : expected.states) {
-        const auto found = states.find(each.config);
-        if (found == states.end()) {
-            mismatch.lines.push_back(fmt::format("  state of configuration {}: there is none", each.config));
-        } else if (found->second != each.state) {
-            const Field expectedState = {"expected", quoted(each.state)};
+    for (const auto& [config, name] : expected.states) {
+        const auto found = actual.states.find(config);
+        if (found == actual.states.end()) {
+            mismatch.lines.push_back(fmt::format("  state of configuration {}: there is none", config));
+        } else if (found->second != name) {
+            const Field expectedState = {"expected", quoted(name)};
             const Field state = {"got", quoted(found->second)};
             const std::size_t inCommon = commonBeginning(expectedState, state);
-            mismatch.lines.push_back(fmt::format("  state of configuration {}: {}, {}", each.config,
+            mismatch.lines.push_back(fmt::format("  state of configuration {}: {}, {}", config,
                                                  shown(expectedState, inCommon), shown(state, inCommon)));
             if (!mismatch.first) {
-                mismatch.first = Divergence{Divergence::Kind::State};
-                mismatch.first->config = each.config;
-                mismatch.first->state = each.state;
+                mismatch.first = Divergence{.kind = Divergence::Kind::State, .config = config, .state = name};
             }
         }
     }
@@ -337,7 +333,7 @@ void Observed::move(const MoveLine& line) {
 
 void Observed::end(const Summary& summary) {
     for (const Summary::Machine& machine : summary.machines) {
-        states.push_back({machine.name.configId, std::string(machine.state)});
+        states.emplace(machine.name.configId, machine.state);
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -13,7 +14,7 @@ namespace Brenta::OS::VIG::Tool {
 
 // Keeps what a run of a test has to tell. A cycle of EnteringState transitions makes a thousand lines of each event, so
 // that of each list no more is kept than a failure can show, beside as many as are expected.
-class Observed final : public Report {
+class Observed final : public NoReport {
   public:
     // `expected` must outlive it.
     explicit Observed(const Expectation& expected) : expectation(expected) {}
@@ -22,11 +23,6 @@ class Observed final : public Report {
         std::uint64_t event;
         std::string priority;
         std::string message;
-    };
-
-    struct State {
-        std::int64_t config;
-        std::string state;
     };
 
     struct Move {
@@ -40,31 +36,28 @@ class Observed final : public Report {
     std::uint64_t triggerCount = 0;     // of all
     std::vector<Log> logs;              // likewise, but for the library's own that it has found the document
     std::uint64_t logCount = 0;
-    std::vector<State> states;
+    std::map<std::int64_t, std::string> states;  // by configuration; of several with the same id, of the first
     std::int64_t moves = 0;
     std::vector<Move> firstMoves;  // as many as a failure shows
 
     void trigger(const TriggerLine& line) override;
     void log(const LogLine& line) override;
     void move(const MoveLine& line) override;
-    void delivery(const DeliveryLine& /*line*/) override {}
-    void explain(const Step& /*step*/) override {}
-    void whyNot(const WhyNot& /*answer*/) override {}
     void end(const Summary& summary) override;
 
   private:
     const Expectation& expectation;
 };
 
-// Where a run first left what was expected.
+// The place where a run first left what was expected.
 struct Divergence {
     enum class Kind { Event, MissingTrigger, MissingLog, State };
 
     Kind kind;
-    std::uint64_t event = 0;                  // of Kind::Event: what it did was not expected
-    std::optional<std::size_t> machine = {};  // of Kind::Event: which one did it, if that is known
-    std::optional<std::int64_t> config = {};  // whose trigger or state is missing, if that is known
-    std::string state = {};                   // of Kind::State
+    std::uint64_t event = 0;                  // Kind::Event: it did what was not expected
+    std::optional<std::size_t> machine = {};  // Kind::Event: the machine that did it, if that is known
+    std::optional<std::int64_t> config = {};  // the one whose trigger or state is missing, if that is known
+    std::string state = {};                   // Kind::State: the one expected
 };
 
 struct Mismatch {

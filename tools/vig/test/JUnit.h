@@ -5,11 +5,11 @@
 
 namespace Brenta::OS::VIG::Tool {
 
-// How one test of a file went.
+// The outcome of one test of a file.
 struct TestVerdict {
     std::string file;
     std::string name;
-    std::vector<std::string> failure;  // what was wrong, line by line; empty if the test passed
+    std::vector<std::string> failure;  // says what was wrong, line by line; empty if the test passed
 };
 
 // The verdicts as a JUnit report. Text that XML cannot hold is shown as replacement characters.

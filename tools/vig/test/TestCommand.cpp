@@ -27,8 +27,8 @@ namespace {
 
 class TestSuite {
   public:
-    TestSuite(const TestOptions& testOptions, const Console& streams, const Interruption& interruptedBy)
-        : options(testOptions), console(streams), interruption(interruptedBy), out(streams.out) {}
+    TestSuite(const TestOptions& options, const Console& console, const Interruption& interruption)
+        : options(options), console(console), interruption(interruption), out(console.out) {}
 
     int run() {
         if (!read()) {
@@ -111,7 +111,7 @@ class TestSuite {
         return would;
     }
 
-    // Empty if the run is to go on.
+    // Returns nothing if the run is to go on.
     std::optional<int> runFile(const TestFile& file) {
         const std::string rules = std::filesystem::path(file.rules).lexically_normal().string();
         auto under = rulesByPath.find(rules);
@@ -164,12 +164,11 @@ class TestSuite {
         }
     }
 
-    // None of the tests of refused rules can pass.
+    // Tells that none of the tests of refused rules can pass.
     void refuse(const TestFile& file, const std::string& problem) {
         std::vector<std::string> lines = printableLines(problem);
         std::for_each(lines.begin() + 1, lines.end(), [](std::string& line) { line.insert(0, "  "); });
         lines.front().insert(0, file.rules + ": error: ");
-        std::erase_if(verdicts, [&](const TestVerdict& each) { return each.file == file.path; });
         for (const TestCase& each : file.tests) {
             // Once for the file: a large document has many lines, and may have many tests.
             const bool isFirst = &each == &file.tests.front();
@@ -182,7 +181,7 @@ class TestSuite {
         }
     }
 
-    // Whether it is enough.
+    // Returns false if it is not enough.
     bool reportCoverage() {
         if (!options.coverage && !options.coverageMin) {
             return true;

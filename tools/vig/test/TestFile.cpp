@@ -31,12 +31,12 @@ namespace {
 
 class TestFileReader {
   public:
-    TestFileReader(const DocumentText& text, const Interruption& interruptedBy, std::vector<std::string>& problems)
-        : document(text),
-          interruption(interruptedBy),
-          errors(problems),
-          check(text, problems),
-          folder(std::filesystem::path(text.source().name()).parent_path()) {}
+    TestFileReader(const DocumentText& document, const Interruption& interruption, std::vector<std::string>& errors)
+        : document(document),
+          interruption(interruption),
+          errors(errors),
+          check(document, errors),
+          folder(std::filesystem::path(document.source().name()).parent_path()) {}
 
     TestFile read() {
         TestFile file{document.source().name(), {}, {}, {}};
@@ -46,13 +46,11 @@ class TestFileReader {
             return file;
         }
         file.rules = (folder / check.requiredText(root, "rules", "").value_or("")).string();
-        const Json::Value& tests = root["tests"];
-        if (check.hasMember(root, "tests", "") && check.isArray(tests, "tests")) {
-            StrictJson::forEach(tests, "tests", [&](const Json::Value& each, const std::string& path) {
-                keep(file.tests, testCase(each, path));
-            });
-            if (tests.empty()) {
-                check.complain(tests, "tests", "there is no test");
+        if (check.hasMember(root, "tests", "")) {
+            forEachOf(root, "tests", "",
+                      [&](const auto& each, const auto& place) { keep(file.tests, testCase(each, place)); });
+            if (root["tests"].isArray() && root["tests"].empty()) {
+                check.complain(root["tests"], "tests", "there is no test");
             }
         }
         for (const auto& [name, events] : eventFiles) {
@@ -67,6 +65,14 @@ class TestFileReader {
     void keep(std::vector<Value>& values, Value value) {
         if (errors.empty()) {
             values.push_back(std::move(value));
+        }
+    }
+
+    // Calls `visit` with each element of an array, if the object has one of that name, and with its path.
+    void forEachOf(const Json::Value& object, const std::string& key, const std::string& path, const auto& visit) {
+        const std::string place = StrictJson::member(path, key);
+        if (object.isMember(key) && check.isArray(object[key], place)) {
+            StrictJson::forEach(object[key], place, visit);
         }
     }
 
@@ -101,15 +107,14 @@ class TestFileReader {
             return eventsOfFile(json, path);
         }
         const auto events = std::make_shared<std::vector<EventRecord>>();
-        if (json.isArray()) {
-            StrictJson::forEach(json, path, [&](const Json::Value& each, const std::string& place) {
-                const Place range = document.placeOf(each, place);
-                keep(*events,
-                     record(document.source().text().substr(range.begin, range.end - range.begin), each, place));
-            });
-        } else {
+        if (!json.isArray()) {
             check.complainOfKind(json, path, "an array of event records or the name of a file of them");
+            return events;
         }
+        StrictJson::forEach(json, path, [&](const auto& each, const auto& place) {
+            const Place range = document.placeOf(each, place);
+            keep(*events, record(document.source().text().substr(range.begin, range.end - range.begin), each, place));
+        });
         return events;
     }
 
@@ -164,17 +169,10 @@ class TestFileReader {
         if (!check.isObject(json, path, {"triggers", "log", "states", "moves"})) {
             return expected;
         }
-        if (json.isMember("triggers") && check.isArray(json["triggers"], StrictJson::member(path, "triggers"))) {
-            StrictJson::forEach(json["triggers"], StrictJson::member(path, "triggers"),
-                                [&](const Json::Value& each, const std::string& place) {
-                                    keep(expected.triggers, trigger(each, place));
-                                });
-        }
-        if (json.isMember("log") && check.isArray(json["log"], StrictJson::member(path, "log"))) {
-            StrictJson::forEach(
-                json["log"], StrictJson::member(path, "log"),
-                [&](const Json::Value& each, const std::string& place) { keep(expected.logs, log(each, place)); });
-        }
+        forEachOf(json, "triggers", path,
+                  [&](const auto& each, const auto& place) { keep(expected.triggers, trigger(each, place)); });
+        forEachOf(json, "log", path,
+                  [&](const auto& each, const auto& place) { keep(expected.logs, log(each, place)); });
         if (json.isMember("states")) {
             expected.states = states(json["states"], StrictJson::member(path, "states"));
         }
@@ -215,10 +213,10 @@ class TestFileReader {
         for (int each = ANDROID_LOG_VERBOSE; each <= ANDROID_LOG_FATAL; ++each) {
             priorities.push_back(priorityName(each));
         }
-        if (expected.priority && std::ranges::find(priorities, *expected.priority) == priorities.end()) {
-            check.complain(
-                json["priority"], StrictJson::member(path, "priority"),
-                "unknown priority " + shownQuoted(*expected.priority) + suggestion(*expected.priority, priorities));
+        const std::string given = expected.priority.value_or("");
+        if (expected.priority && std::ranges::find(priorities, given) == priorities.end()) {
+            check.complain(json["priority"], StrictJson::member(path, "priority"),
+                           "unknown priority " + shownQuoted(given) + suggestion(given, priorities));
         }
         return expected;
     }
@@ -265,10 +263,10 @@ std::optional<TestFile> readTestFile(const std::string& path, const Interruption
         errors.push_back(std::move(mistake));
         return std::nullopt;
     }
-    std::vector<std::string> problems;
-    TestFile file = TestFileReader(document, interruption, problems).read();
-    errors.insert(errors.end(), problems.begin(), problems.end());
-    return problems.empty() ? std::optional(std::move(file)) : std::nullopt;
+    std::vector<std::string> ofFile;
+    TestFile file = TestFileReader(document, interruption, ofFile).read();
+    errors.insert(errors.end(), ofFile.begin(), ofFile.end());
+    return ofFile.empty() ? std::optional(std::move(file)) : std::nullopt;
 }
 
 }  // namespace Brenta::OS::VIG::Tool

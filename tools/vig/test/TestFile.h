@@ -60,8 +60,8 @@ struct TestFile {
 };
 
 // Reads a file of tests and the files of events that it names; paths in it are relative to it. Nothing is ignored:
-// what is not part of a test file is an error. Empty if there is one; `errors` then says what is wrong and where,
-// "file:line:column: error: tests[0].seed: …". Once it is interrupted, what is returned means nothing.
+// what is not part of a test file is an error. If there is one, returns nothing and adds to `errors` what is wrong and
+// where, "file:line:column: error: tests[0].seed: …". Once it is interrupted, what is returned means nothing.
 std::optional<TestFile> readTestFile(const std::string& path, const Interruption& interruption,
                                      std::vector<std::string>& errors);
 

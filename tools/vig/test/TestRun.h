@@ -10,14 +10,15 @@
 
 namespace Brenta::OS::VIG::Tool {
 
-// How a test went.
+// The outcome of a test.
 struct TestOutcome {
     RuleSession::Loading loading;
-    std::string problem;               // why the rules were refused or cannot be read, else empty
+    std::string problem;               // says why the rules were refused or cannot be read, else empty
     std::vector<std::string> failure;  // expected against actual, and why, printable; empty if the test passed
 };
 
-// Runs a test of the rules. The trace sees the whole run. A test that fails is run once more for the explanation.
+// Runs a test of the rules at that path. The trace sees the whole run. A test that fails is run once more for the
+// explanation.
 TestOutcome runTest(const std::string& rules, const TestCase& test, Trace& trace, const Interruption& interruption);
 
 }  // namespace Brenta::OS::VIG::Tool

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <ranges>
 
 #include "tools/vig/events/EventNames.h"
 #include "tools/vig/words/Text.h"
@@ -55,7 +56,7 @@ void addAttempt(std::vector<std::string>& lines, const Attempt& attempt) {
 }
 
 std::string nearestText(const FilterModel& filter, const WhyNot::NearestMiss& miss) {
-    // Not all digits of a double, which hide what it is: 0.1, not 0.09999999999999787.
+    // All digits of a double hide what it is: 0.1, not 0.09999999999999787.
     const bool isInteger = std::holds_alternative<std::int64_t>(miss.left.value);
     const std::string distance =
         isInteger ? fmt::format("{:.0f}", miss.distance) : fmt::format("{:.10g}", miss.distance);
@@ -76,13 +77,9 @@ std::string json(const ComparedValue& compared) {
     return number != nullptr && !std::isfinite(*number) ? quoted(shown(compared)) : shown(compared);
 }
 
-// `render` of each element, as a JSON array.
+// Returns `render` of each element as a JSON array.
 std::string jsonArray(const auto& elements, const auto& render) {
-    std::string text;
-    for (const auto& each : elements) {
-        text += (text.empty() ? "" : ",") + render(each);
-    }
-    return "[" + text + "]";
+    return fmt::format("[{}]", fmt::join(elements | std::views::transform(render), ","));
 }
 
 std::string json(const Comparison& comparison) {
@@ -121,7 +118,7 @@ std::vector<std::string> explainLines(const Step& step) {
 }
 
 std::vector<std::string> whyNotLines(const WhyNot& answer) {
-    const TransitionModel& transition = answer.transition();
+    const TransitionModel& transition = *answer.transition;
     std::vector<std::string> lines = {fmt::format("{} ({} -> {} on {})", transition.place.path,
                                                   shownName(transition.from), shownName(transition.to),
                                                   nameOf(transition.event))};
@@ -130,22 +127,22 @@ std::vector<std::string> whyNotLines(const WhyNot& answer) {
             lines.push_back(fmt::format("{:>9} {}", count, what));
         }
     };
-    lines.push_back(fmt::format("{:>9} event{}", answer.events(), answer.events() == 1 ? "" : "s"));
-    add(answer.otherTypes(), "  of another type");
-    for (const auto& [state, count] : answer.otherStates()) {
+    lines.push_back(fmt::format("{:>9} event{}", answer.events, answer.events == 1 ? "" : "s"));
+    add(answer.otherTypes, "  of another type");
+    for (const auto& [state, count] : answer.otherStates) {
         add(count, "  while the machine was in state " + shownName(state));
     }
-    add(answer.earlierFired(), "  for which an earlier transition fired");
-    lines.push_back(fmt::format("{:>9}   for which it was tried", answer.tried()));
+    add(answer.earlierFired, "  for which an earlier transition fired");
+    lines.push_back(fmt::format("{:>9}   for which it was tried", answer.tried));
     for (std::size_t i = 0; i < transition.filters.size(); ++i) {
-        const WhyNot::Stops& stops = answer.stops()[i];
+        const WhyNot::Stops& stops = answer.stops[i];
         std::string what = "    stopped by " + printable(shownCondition(transition.filters[i]));
         if (stops.nearest) {
             what += nearestText(transition.filters[i], *stops.nearest);
         }
         add(stops.count, what);
     }
-    lines.push_back(fmt::format("{:>9}     fired", answer.fired()));
+    lines.push_back(fmt::format("{:>9}     fired", answer.fired));
     return lines;
 }
 
@@ -157,7 +154,7 @@ std::string explainJson(const Step& step) {
 }
 
 std::string whyNotJson(const WhyNot& answer) {
-    const TransitionModel& transition = answer.transition();
+    const TransitionModel& transition = *answer.transition;
     const auto stateJson = [](const auto& each) {
         return fmt::format(R"({{"state":{},"events":{}}})", quoted(each.first), each.second);
     };
@@ -171,10 +168,10 @@ std::string whyNotJson(const WhyNot& answer) {
         R"({{"type":"why_not","path":{},"machine":{},"config_id":{},"from":{},"to":{},"event_type":"{}",)"
         R"("events":{},"other_types":{},"other_states":{},"earlier_fired":{},"tried":{},"fired":{},)"
         R"("filters":{}}})",
-        quoted(transition.place.path), answer.machine(), answer.config().id, quoted(transition.from),
-        quoted(transition.to), nameOf(transition.event), answer.events(), answer.otherTypes(),
-        jsonArray(answer.otherStates(), stateJson), answer.earlierFired(), answer.tried(), answer.fired(),
-        jsonArray(answer.stops(), filterJson));
+        quoted(transition.place.path), answer.machine, answer.config->id, quoted(transition.from),
+        quoted(transition.to), nameOf(transition.event), answer.events, answer.otherTypes,
+        jsonArray(answer.otherStates, stateJson), answer.earlierFired, answer.tried, answer.fired,
+        jsonArray(answer.stops, filterJson));
 }
 
 }  // namespace Brenta::OS::VIG::Tool

@@ -8,14 +8,14 @@
 
 namespace Brenta::OS::VIG::Tool {
 
-// A step as a tree, one line an element, without what a terminal would act on. The first line is the root; a step
-// that concerns no transition has no other.
+// Returns a step as a tree, one line an element, without what a terminal would act on. The first line is the root; a
+// step that concerns no transition has no other.
 std::vector<std::string> explainLines(const Step& step);
 
-// The answer as a tree likewise. REQUIRES: it has no problem.
+// Returns the answer as a tree likewise. REQUIRES: it has no problem.
 std::vector<std::string> whyNotLines(const WhyNot& answer);
 
-// The same as one JSON object each, without a line end.
+// Return the same as one JSON object each, without a line end.
 std::string explainJson(const Step& step);
 std::string whyNotJson(const WhyNot& answer);
 

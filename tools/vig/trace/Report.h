@@ -15,14 +15,14 @@ namespace Brenta::OS::VIG::Tool {
 struct Step;
 class WhyNot;
 
-// A machine by its place in the document, and the id of its configuration.
+// Names a machine by its place in the document and the id of its configuration.
 struct MachineName {
     std::size_t index;
     std::int64_t configId;
 };
 
-// What happened, in the words of the report. "event" is the number of the event, counted from 1, and 0 while a
-// document is loaded and its machines are started.
+// The following say what happened, in the words of the report. "event" is the number of the event, counted from 1, and
+// 0 while a document is loaded and its machines are started.
 
 struct TriggerLine {
     std::uint64_t event;
@@ -61,7 +61,7 @@ struct Summary {
         std::string_view state;
     };
 
-    // What only a live run has.
+    // Only a live run has it.
     struct Sampling {
         std::uint64_t samples;
         std::map<RulesEngine::EventType, std::uint64_t> eventsByType;
@@ -73,7 +73,7 @@ struct Summary {
     std::optional<Sampling> sampling;
 };
 
-// Where everything goes that a run has to tell, in the order in which it happened.
+// Is told everything that a run has to tell, in the order in which it happened.
 class Report {
   public:
     virtual ~Report() = default;
@@ -87,8 +87,8 @@ class Report {
     virtual void end(const Summary& summary) = 0;
 };
 
-// For runs of which only something else is wanted.
-class NoReport final : public Report {
+// Tells nobody anything. Whoever wants a part of a run derives from it.
+class NoReport : public Report {
   public:
     void trigger(const TriggerLine& /*line*/) override {}
     void log(const LogLine& /*line*/) override {}

@@ -15,9 +15,9 @@
 
 namespace Brenta::OS::VIG::Tool {
 
-// What one side of a filter was when it was compared.
+// One side of a filter, as it was when it was compared.
 struct ComparedValue {
-    // Nothing for a number that is in neither the event nor the context, which makes the filter false.
+    // It holds nothing for a number that is in neither the event nor the context, which makes the filter false.
     std::variant<std::monostate, std::int64_t, double, std::string> value;
     bool missing = false;  // the attribute; `value` is then what was compared in its place
 };
@@ -37,8 +37,8 @@ struct Attempt {
     bool fired;
 };
 
-// What one state of a machine did with one event: with the event that was offered to it, or with the EnteringState
-// event that the machine raised when it came there.
+// One state of a machine and what it did with one event: with the event that was offered to it, or with the
+// EnteringState event that the machine raised when it came there.
 struct Step {
     std::uint64_t event;                 // the number of the event in the report
     std::optional<std::int64_t> timeMs;  // of its record
@@ -68,7 +68,7 @@ class Trace {
   public:
     virtual ~Trace() = default;
 
-    // Before the machines of that document are started.
+    // Is called before the machines of that document are started.
     virtual void loaded(const TracedDocument& document) = 0;
 
     // If a transition fires, its actions run after this call. The events that a machine raises make no step in a

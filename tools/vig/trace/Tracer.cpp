@@ -1,3 +1,14 @@
+// The engine does not tell why a transition did not fire, and is not to pay for somebody who asks. So a second machine
+// is made of each one that the library made of the document: it has the same states and the same actions, and runs in
+// the place of the first. Only its filters differ. Each one wraps the filter of the library, whose verdict it returns,
+// and around those of a transition stand two that always hold: the first one is asked when the transition is tried, the
+// last one when nothing keeps it from firing any more. The order in which they are asked is all that StepRecorder needs
+// to put together what a state did with an event.
+//
+// A filter of the library tells its verdict, but not what it has compared. This is read once more afterwards, by the
+// same rules, from the event and the context. Only functions are not called again, as another draw would change what
+// happens: those of the registry with which a traced document is parsed note what they return.
+
 #include "tools/vig/trace/Tracer.h"
 
 #include <unordered_map>
@@ -94,7 +105,7 @@ double constantOf(const std::string& text) {
     return readNearestDouble(text);
 }
 
-// Of an event or a context.
+// `source` is an event or a context.
 template <typename T>
 std::optional<T> attributeOf(const auto& source, const std::string& name) {
     if constexpr (std::is_same_v<T, std::string>) {
@@ -107,13 +118,19 @@ std::optional<T> attributeOf(const auto& source, const std::string& name) {
     }
 }
 
+bool comparesWithConstant(const FilterModel& filter) {
+    const bool left = filter.operand1.operand.type == FilterOperand::Type::Constant;
+    const bool right = filter.operand2.operand.type == FilterOperand::Type::Constant;
+    return left != right;
+}
+
 // Reads again what a filter has compared, by the rules by which the library builds it.
 class OperandReader {
   public:
-    // `usesContext` is whether it compares an attribute with a constant.
-    OperandReader(const std::vector<FunctionResult>& ofFunctions, bool usesContext, const EvaluationContext& ofMachine,
-                  const Event& offered)
-        : results(ofFunctions), context(ofMachine), event(offered), looksInContext(usesContext) {}
+    // A filter that compares an attribute with a constant looks for it in the context, too.
+    OperandReader(const std::vector<FunctionResult>& results, const FilterModel& filter,
+                  const EvaluationContext& context, const Event& event)
+        : results(results), context(context), event(event), looksInContext(comparesWithConstant(filter)) {}
 
     ComparedValue read(const FilterOperand& operand, FilterValueType type) {
         switch (type) {
@@ -163,19 +180,13 @@ class OperandReader {
     std::size_t next = 0;
 };
 
-bool comparesWithConstant(const FilterModel& filter) {
-    const bool left = filter.operand1.operand.type == FilterOperand::Type::Constant;
-    const bool right = filter.operand2.operand.type == FilterOperand::Type::Constant;
-    return left != right;
-}
-
-// A filter that says the same as the one given.
+// Returns a filter that says the same as the one given.
 std::shared_ptr<Filter> watched(std::shared_ptr<Filter> original, const FilterModel& model, StepRecorder& recorder) {
     return std::make_shared<FuncFilter>(
         [original = std::move(original), &model, &recorder](const EvaluationContext& context, const Event& event) {
             recorder.results.clear();
             const bool verdict = (*original)(context, event);
-            OperandReader reader(recorder.results, comparesWithConstant(model), context, event);
+            OperandReader reader(recorder.results, model, context, event);
             ComparedValue left = reader.read(model.operand1.operand, model.valueType);
             ComparedValue right = reader.read(model.operand2.operand, model.valueType);
             recorder.compared({&model, std::move(left), std::move(right), verdict});
@@ -183,7 +194,7 @@ std::shared_ptr<Filter> watched(std::shared_ptr<Filter> original, const FilterMo
         });
 }
 
-// A filter that always holds and calls `tell` when it is asked.
+// Returns a filter that always holds and calls `tell` when it is asked.
 std::shared_ptr<Filter> probe(auto tell) {
     return std::make_shared<FuncFilter>([tell](const EvaluationContext&, const Event&) {
         tell();

@@ -26,14 +26,15 @@ class Tracer {
     Tracer& operator=(const Tracer&) = delete;
     ~Tracer();
 
-    // The same registry, whose functions tell what they return. A document has to be parsed with it. Any thread.
+    // Returns the same registry with functions that tell what they return. A document has to be parsed with it. Any
+    // thread.
     VIGParserConfig registryFrom(const VIGParserConfig& library) const;
 
-    // Watched configurations in place of those that the library made of the text.
+    // Returns watched configurations in place of those that the library made of the text.
     std::vector<std::unique_ptr<VIGConfig>> watch(std::string fileName, std::string text,
                                                   const std::vector<std::unique_ptr<VIGConfig>>& configs);
 
-    // To be called around each call that drives a machine. `raised` is whether the machine makes the event itself.
+    // Are to be called around each call that drives a machine; `raised` if the machine makes the event itself.
     void begin(std::uint64_t event, RulesEngine::EventType type, std::optional<std::int64_t> timeMs,
                MachineName machine, std::string_view state, bool raised);
     void end();

@@ -1,5 +1,7 @@
 #include "tools/vig/trace/WhyNot.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <cmath>
 #include <string_view>
@@ -21,7 +23,7 @@ double distance(FilterOperator op, std::int64_t left, std::int64_t right) {
     return gap + (needsMore ? 1 : 0);
 }
 
-// How far a comparison that is false is from being true; empty if it has no distance.
+// Returns how far a comparison that is false is from being true; empty if it has no distance.
 std::optional<double> distance(const Comparison& comparison) {
     const auto& left = comparison.left.value;
     const auto& right = comparison.right.value;
@@ -50,28 +52,27 @@ std::string problemOf(const std::string& path, const TracedDocument& document) {
     if (paths.empty()) {
         return text + "; there are none";
     }
-    text += suggestion(path, paths) + "; there are";
-    for (std::size_t i = 0; i < std::min(paths.size(), kMostPathsShown); ++i) {
-        text += (i == 0 ? " " : ", ") + std::string(paths[i]);
-    }
+    text += suggestion(path, paths);
     const std::size_t rest = paths.size() - std::min(paths.size(), kMostPathsShown);
-    return rest == 0 ? text : text + " and " + std::to_string(rest) + " more";
+    paths.resize(paths.size() - rest);
+    text += fmt::format("; there are {}", fmt::join(paths, ", "));
+    return rest == 0 ? text : fmt::format("{} and {} more", text, rest);
 }
 
 }  // namespace
 
 void WhyNot::loaded(const TracedDocument& document) {
-    model = nullptr;
+    transition = nullptr;
     for (std::size_t i = 0; i < document.configs.size(); ++i) {
-        const ConfigModel& config = document.configs[i];
+        const auto& transitions = document.configs[i].transitions;
         const auto found =
-            std::ranges::find(config.transitions, path, [](const TransitionModel& each) { return each.place.path; });
-        if (found != config.transitions.end()) {
-            machineIndex = i;
-            owner = &config;
-            model = &*found;
-            index = static_cast<std::size_t>(found - config.transitions.begin());
-            stopsByFilter.resize(model->filters.size());
+            std::ranges::find(transitions, path, [](const TransitionModel& each) { return each.place.path; });
+        if (found != transitions.end()) {
+            machine = i;
+            config = &document.configs[i];
+            transition = &*found;
+            index = static_cast<std::size_t>(found - transitions.begin());
+            stops.resize(transition->filters.size());
             return;
         }
     }
@@ -79,42 +80,38 @@ void WhyNot::loaded(const TracedDocument& document) {
 }
 
 void WhyNot::step(const Step& step) {
-    if (model == nullptr || step.machine.index != machineIndex) {
+    if (transition == nullptr || step.machine.index != machine) {
         return;
     }
     // Of the events that a machine raises, only those in states that listen for them are steps.
-    if (step.raised && (step.type != model->event || step.state != model->from)) {
+    if (step.raised && (step.type != transition->event || step.state != transition->from)) {
         return;
     }
-    ++offered;
-    if (step.type != model->event) {
-        ++unheard;
-        return;
-    }
-    if (step.state != model->from) {
-        ++elsewhere[std::string(step.state)];
-        return;
-    }
+    ++events;
     const auto attempt = std::ranges::find(step.attempts, index, &Attempt::index);
-    if (attempt == step.attempts.end()) {
-        ++overtaken;
+    if (step.type != transition->event) {
+        ++otherTypes;
+    } else if (step.state != transition->from) {
+        ++otherStates[std::string(step.state)];
+    } else if (attempt == step.attempts.end()) {
+        ++earlierFired;
     } else {
         count(step, *attempt);
     }
 }
 
 void WhyNot::count(const Step& step, const Attempt& attempt) {
-    ++attempts;
+    ++tried;
     if (attempt.fired) {
-        ++moves;
+        ++fired;
         return;
     }
     const Comparison& last = attempt.comparisons.back();
-    Stops& stops = stopsByFilter[attempt.comparisons.size() - 1];
-    ++stops.count;
+    auto& [stopped, nearest] = stops[attempt.comparisons.size() - 1];
+    ++stopped;
     const auto miss = distance(last);
-    if (miss && (!stops.nearest || *miss < stops.nearest->distance)) {
-        stops.nearest = NearestMiss{*miss, last.left, last.right, step.event, step.timeMs};
+    if (miss && (!nearest || *miss < nearest->distance)) {
+        nearest = NearestMiss{*miss, last.left, last.right, step.event, step.timeMs};
     }
 }
 

@@ -31,46 +31,30 @@ class WhyNot final : public Trace {
     // `transitionPath` is a JSON path such as "configs[0].payload.data.transitions[1]".
     explicit WhyNot(std::string transitionPath) : path(std::move(transitionPath)) {}
 
-    // What is wrong if the document that was loaded has no such transition, with those that it has; else empty.
+    // Says what is wrong if the document that was loaded has no such transition, with those that it has; else empty.
     const std::string& problem() const { return unknown; }
-
-    // REQUIRES, as do the following: a document was loaded and there is no problem.
-    const TransitionModel& transition() const { return *model; }
-    const ConfigModel& config() const { return *owner; }
-    std::size_t machine() const { return machineIndex; }
-
-    // That came to its machine, and the EnteringState events that this raised where the transition listens for them.
-    std::uint64_t events() const { return offered; }
-    std::uint64_t otherTypes() const { return unheard; }      // of a type for which it does not listen
-    std::uint64_t earlierFired() const { return overtaken; }  // before it was tried
-    std::uint64_t tried() const { return attempts; }
-    std::uint64_t fired() const { return moves; }
-
-    // How often an event for which it listens met the machine in another state.
-    const std::map<std::string, std::uint64_t, std::less<>>& otherStates() const { return elsewhere; }
-
-    // By the index of the filter.
-    const std::vector<Stops>& stops() const { return stopsByFilter; }
 
     void loaded(const TracedDocument& document) override;
     void step(const Step& step) override;
+
+    // The answer, once a document was loaded and if there is no problem.
+    const TransitionModel* transition = nullptr;
+    const ConfigModel* config = nullptr;
+    std::size_t machine = 0;
+    std::uint64_t events = 0;      // offered to the machine, and raised by it where the transition listens for them
+    std::uint64_t otherTypes = 0;  // for which the transition does not listen
+    std::map<std::string, std::uint64_t, std::less<>> otherStates;  // in which an event of its type met the machine
+    std::uint64_t earlierFired = 0;                                 // before it was tried
+    std::uint64_t tried = 0;
+    std::vector<Stops> stops;  // by the index of the filter
+    std::uint64_t fired = 0;
 
   private:
     void count(const Step& step, const Attempt& attempt);
 
     const std::string path;
     std::string unknown;
-    std::size_t machineIndex = 0;
-    std::size_t index = 0;
-    const ConfigModel* owner = nullptr;
-    const TransitionModel* model = nullptr;
-    std::uint64_t offered = 0;
-    std::uint64_t unheard = 0;
-    std::uint64_t overtaken = 0;
-    std::uint64_t attempts = 0;
-    std::uint64_t moves = 0;
-    std::map<std::string, std::uint64_t, std::less<>> elsewhere;
-    std::vector<Stops> stopsByFilter;
+    std::size_t index = 0;  // of the transition
 };
 
 }  // namespace Brenta::OS::VIG::Tool
