@@ -26,7 +26,7 @@ inline std::string_view nameOf(AttributeKind kind) {
     return kKindNames[static_cast<std::size_t>(kind)];
 }
 
-// Under which kinds an attribute is known: an Int64 and a Double of one name are two attributes.
+// The kinds under which an attribute is known: an Int64 and a Double of one name are two attributes.
 class KindSet {
   public:
     bool isEmpty() const { return bits.none(); }
@@ -43,24 +43,25 @@ class KindSet {
 
 using CataloguedAttributes = std::map<std::string, KindSet, std::less<>>;
 
-// Which attributes the events of each type have, and which the machines' contexts have.
+// It says which attributes the events of each type have, and which the machines' contexts have.
 class Catalogue {
   public:
-    // What `vig watch` produces, which includes what the library's actions read. Its context is empty.
+    // It has what `vig watch` produces, which includes what the library's actions read. Its context is empty.
     static Catalogue builtIn();
 
-    // From a document of the form of text(), which may also say that it extends the built-in one. Empty, with
-    // "catalogue.json:3:14: error: …" in `problem`, if it is of another form.
+    // Reads a document of the form of text(), which may also say that it extends the built-in one. Returns nothing,
+    // with "catalogue.json:3:14: error: …" in `problem`, if it is of another form.
     static std::optional<Catalogue> read(const DocumentText& document, std::string& problem);
 
-    // The same from a file. If it cannot be read, `problem` says why. Also empty if it was interrupted.
+    // Does the same with a file. If it cannot be read, `problem` says why. Returns nothing either if it was
+    // interrupted.
     static std::optional<Catalogue> readFrom(const std::string& path, const Interruption& interruption,
                                              std::string& problem);
 
     // Adds the attributes that an event has, as far as they are not known.
     void learn(const EventRecord& record);
 
-    // Null if nothing is known about events of the type. EnteringState events are known to have none.
+    // Returns null if nothing is known about events of the type. EnteringState events are known to have none.
     const CataloguedAttributes* find(RulesEngine::EventType type) const;
 
     const CataloguedAttributes& context() const { return contextAttributes; }
