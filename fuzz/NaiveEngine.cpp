@@ -41,7 +41,7 @@ bool isOneOf(const Names& names, const Json::Value& json) {
     return json.isString() && names.contains(json.asString());
 }
 
-// The id without its fraction, if it fits in so many bits.
+// Returns the id without its fraction, if it fits in so many bits.
 std::optional<std::int64_t> idOf(Json::Value json, int bits) {
     if (json.type() == Json::realValue) {
         json = std::trunc(json.asDouble());
@@ -116,7 +116,7 @@ class Engine {
         outcome.hasMachines = !machines.empty();
     }
 
-    // Without an event it starts the machines.
+    // Starts the machines if there is no event.
     void deliver(const Event* event) {
         for (Machine& machine : machines) {
             current = &machine;
@@ -218,7 +218,7 @@ class Engine {
         return left && right && compare(upToNul(filter["operator"].asString()), *left, *right);
     }
 
-    // Empty for a number that is missing and compared with a constant. Only then the context counts.
+    // Returns nothing for a number that is missing and compared with a constant. Only then the context counts.
     std::optional<Scalar> valueOf(const Json::Value& operand, const std::string& type, const Event& event,
                                   bool isAgainstConstant) {
         const std::string text = operand["value"].asString();

@@ -26,7 +26,7 @@ struct Event {
     support::Attributes attributes;
 };
 
-// Where the machines run.
+// What the machines meet where they run.
 struct World {
     Names eventTypes;                                          // that documents may name
     std::map<std::string, std::function<double()>> functions;  // those too, of the value type "double"

@@ -158,7 +158,7 @@ class Finder {
                 }
             }
         }
-        // As in `= 0;` of a pure virtual operation and in `if constexpr (…)`.
+        // `= 0;` of a pure virtual operation and `if constexpr (…)` stay as they are.
         if (word == "=" && at(index + 1) == "0" && (at(index - 1) == ")" || at(index - 1) == "const")) {
             return index + 2;
         }
@@ -191,7 +191,7 @@ class Finder {
         return std::min(index + 1, tokens.size());
     }
 
-    // The same for a statement of any kind but a loop, of an `if` with all that belongs to it.
+    // Returns the same for a statement of any kind but a loop, and for an `if` with all that belongs to it.
     std::size_t pastWhole(std::size_t index) const {
         if (at(index) == "{") {
             return pastClosing(index);
@@ -286,7 +286,7 @@ class Finder {
         }
     }
 
-    // What is the same as {}, or changed elsewhere.
+    // These are the same as {}, or changed elsewhere.
     static bool isPlain(std::string_view value) {
         return value == "true" || value == "false" || value == "nullptr" || value == "nullopt" || value == "}";
     }
@@ -304,7 +304,7 @@ class Finder {
                std::any_of(word.begin(), word.end(), [](unsigned char letter) { return std::islower(letter) != 0; });
     }
 
-    // As in `++x;`, `a.b(…);` or `a[i] = …;`, and not the two words of a declaration, nor a constructor's.
+    // Returns true for `++x;`, `a.b(…);` or `a[i] = …;`, but not for a declaration or constructor.
     bool isCallOrAssignment(std::size_t index) const {
         if (isTypeName(at(index)) && at(index + 1) != "::") {
             return false;
@@ -331,13 +331,13 @@ class Finder {
         return false;
     }
 
-    // As in `const std::lock_guard lock(mutex);`.
+    // Returns true for `const std::lock_guard lock(mutex);`.
     bool isLock(std::size_t index) const {
         const std::size_t name = index + (at(index) == "const" ? 3 : 2);
         return at(name - 1) == "::" && (at(name) == "lock_guard" || at(name) == "unique_lock");
     }
 
-    // Of two that call, assign or decide. A declaration counts too, if it calls; two of them seldom mind the order.
+    // Swaps two that call, assign or decide. A declaration counts too, if it calls; two of them seldom mind the order.
     void changeOrder(std::size_t index) {
         if (index == 0 || !beginsStatement(index)) {
             return;
@@ -354,7 +354,7 @@ class Finder {
         return (at(index) == "if" && at(index + 1) == "(") || isCallOrAssignment(index);
     }
 
-    // As in `const auto x = f(…);`, but not what defines a function, nor a lock.
+    // Returns true for `const auto x = f(…);`, but not for what defines a function, nor a lock.
     bool isCallingDeclaration(std::size_t index) const {
         static constexpr std::array<std::string_view, 9> kOthers{"return", "for",   "while", "switch", "do",
                                                                  "else",   "class", "enum",  "struct"};
@@ -382,7 +382,7 @@ class Finder {
         }
     }
 
-    // What a changed condition does not cover: a branch whose condition declares something, `else`, and `?:`.
+    // A changed condition does not cover this: a branch whose condition declares something, `else`, and `?:`.
     void dropBranch(std::size_t index) {
         if (at(index) == "else") {
             add(index, pastWhole(index + 1), "", "else dropped");

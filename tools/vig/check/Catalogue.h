@@ -43,17 +43,18 @@ class KindSet {
 
 using CataloguedAttributes = std::map<std::string, KindSet, std::less<>>;
 
-// Which attributes the events of each type have, and which the machines' contexts have.
+// It says which attributes the events of each type have, and which the machines' contexts have.
 class Catalogue {
   public:
-    // Returns what `vig watch` produces, which includes what the library's actions read. Its context is empty.
+    // It has what `vig watch` produces, which includes what the library's actions read. Its context is empty.
     static Catalogue builtIn();
 
-    // Reads a document of the form of text(), which may also say that it extends the built-in one. If it is of another
-    // form, `problem` is "catalogue.json:3:14: error: …".
+    // Reads a document of the form of text(), which may also say that it extends the built-in one. Returns nothing,
+    // with "catalogue.json:3:14: error: …" in `problem`, if it is of another form.
     static std::optional<Catalogue> read(const DocumentText& document, std::string& problem);
 
-    // Does the same with a file. If it cannot be read, `problem` says why. Returns nothing if it was interrupted, too.
+    // Does the same with a file. If it cannot be read, `problem` says why. Returns nothing either if it was
+    // interrupted.
     static std::optional<Catalogue> readFrom(const std::string& path, const Interruption& interruption,
                                              std::string& problem);
 
