@@ -10,7 +10,6 @@
 #include <vector>
 
 #include "tests/support/Documents.h"
-#include "tests/support/Examples.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/tools/ToolRun.h"

@@ -2,7 +2,6 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <pthread.h>
 
 #include <array>
 #include <cerrno>
@@ -14,6 +13,7 @@
 #include <utility>
 
 #include "tests/support/Documents.h"
+#include "tests/support/ImpossibleThreads.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/Receiver.h"
 #include "tests/vig/fakes/FakeDeviceConfig.h"
@@ -403,7 +403,7 @@ TEST(ResponseListener, LivesUntilTheEndOfACallThoughItIsLetGoOfMeanwhile) {
         EXPECT_FALSE(listener.expired());
     });
     listener = held;
-    held->onPropertiesChanged({"korvel_vig", {}});
+    held->onPropertiesChanged(com::korvel::deviceconfig::Properties({}));
     EXPECT_TRUE(listener.expired());
 }
 
@@ -440,16 +440,10 @@ TEST_F(ManagerTest, TheDestructorLetsTheWatcherFinishButNotACallbackThatRegister
 }
 
 TEST_F(ManagerTest, AThreadThatCannotBeCreatedLeavesNothingHalfDone) {
-    pthread_attr_t attributes;
-    std::size_t usual = 0;
-    pthread_getattr_default_np(&attributes);
-    pthread_attr_getstacksize(&attributes, &usual);
-    pthread_attr_setstacksize(&attributes, std::size_t{1} << 60);  // larger than the address space
-    pthread_setattr_default_np(&attributes);
-    EXPECT_THROW(manager->registerCallback(receiver.callback()), std::system_error);
-    pthread_attr_setstacksize(&attributes, usual);
-    pthread_setattr_default_np(&attributes);
-    pthread_attr_destroy(&attributes);
+    {
+        const support::ImpossibleThreads impossible;
+        EXPECT_THROW(manager->registerCallback(receiver.callback()), std::system_error);
+    }
     EXPECT_EQ(receiver.uses(), 0) << "the manager must not keep the callback";
     manager->registerCallback(receiver.callback());
     receiver.waitFor(1);

@@ -3,15 +3,13 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <chrono>
 #include <string>
 
 #include "tests/support/TemporaryFolder.h"
 #include "tests/tools/ToolRun.h"
 #include "tools/vig/check/ActionNeeds.h"
-#include "tools/vig/check/AttributeWarnings.h"
 #include "tools/vig/check/CatalogueCommand.h"
-#include "tools/vig/watch/SystemSampler.h"
+#include "tools/vig/check/Warnings.h"
 #include "vig/EventTypeNames.h"
 
 namespace Brenta::OS::VIG::Tool {
@@ -20,25 +18,6 @@ namespace {
 
 std::optional<Catalogue> readText(const std::string& text, std::string& problem) {
     return Catalogue::read(DocumentText("c.json", text), problem);
-}
-
-TEST(Catalogue, KnowsExactlyWhatTheSamplerProduces) {
-    const support::TemporaryFolder machine;
-    support::writeMachine(machine, "camera");
-    std::string memory;
-    for (const char* const figure : {"AnonPages", "Buffers", "Cached", "Dirty", "Mapped", "MemAvailable", "MemFree",
-                                     "MemTotal", "Shmem", "Slab", "SwapCached", "SwapFree", "SwapTotal"}) {
-        memory += std::string(figure) + ": 1 kB\n";
-    }
-    machine.write("proc/meminfo", memory);
-    std::chrono::seconds now{0};
-    SystemSampler sampler(
-        machine.path("proc"), machine.path("sys"), [&now] { return ++now; }, [](std::string_view) {});
-    Catalogue learned;
-    for (int sample = 0; sample < 2; ++sample) {
-        sampler.sample(0, [&](const EventRecord& record) { learned.learn(record); });
-    }
-    EXPECT_EQ(learned.text(), Catalogue::builtIn().text());
 }
 
 TEST(Catalogue, HasAnEventWithAllThatAnActionReads) {

@@ -1,7 +1,7 @@
 #include "tools/vig/check/Findings.h"
 
 #include <gtest/gtest.h>
-#include <host/LogSink.h>
+#include <host/Host.h>
 
 #include <algorithm>
 #include <iostream>

@@ -10,6 +10,7 @@
 #include "tools/vig/check/ValueRange.h"
 #include "tools/vig/words/Text.h"
 #include "vig/parsers/FilterParser.h"
+#include "vig/parsers/NumberText.h"
 
 namespace Brenta::OS::VIG::Tool {
 

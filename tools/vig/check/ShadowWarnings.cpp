@@ -12,6 +12,7 @@
 #include "tools/vig/check/NormalFilter.h"
 #include "tools/vig/events/EventNames.h"
 #include "tools/vig/words/Text.h"
+#include "vig/parsers/NumberText.h"
 
 namespace Brenta::OS::VIG::Tool {
 
