@@ -1,13 +1,17 @@
-#!/ usr / bin / env bash
-#Runs the commands of the console blocks in a page, in a folder, and holds what they print against what the page says:
-#console_blocks.sh FOLDER_OF_VIG FOLDER PAGE.With-- update as a fourth argument, writes it into the page instead.
-#A block "json NAME" is a file that the commands find there.
-set - euo pipefail
+#!/usr/bin/env bash
+# Runs the commands of the console blocks in a page, in a folder, and holds what they print against what the page says:
+# console_blocks.sh FOLDER_OF_VIG FOLDER PAGE. With --update as a fourth argument, writes it into the page instead.
+# A block "json NAME" is a file that the commands find there.
+set -euo pipefail
 
-          vig_folder = $(realpath "$1") folder = $(realpath "$2") page = $(realpath "$3") export PATH =
-    $vig_folder : $PATH work = $(mktemp - d) trap 'rm -rf "$work"' EXIT replayed =
-                      $work / replayed if grep - q '^```json .' "$page";
-then mkdir "$work/folder" ln - s "$folder"/* "$work/folder"
+vig_folder=$(realpath "$1") folder=$(realpath "$2") page=$(realpath "$3")
+export PATH=$vig_folder:$PATH
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+replayed=$work/replayed
+if grep -q '^```json .' "$page"; then
+    mkdir "$work/folder"
+    ln -s "$folder"/* "$work/folder"
     folder=$work/folder
     awk -v folder="$folder" '/^```/ { file = $1 == "```json" && NF == 2 ? folder "/" $2 : ""; next } file { print >file }' "$page"
 fi

@@ -177,7 +177,7 @@ TEST_F(Fleet, FailingDevicesAreToldInTheirOrderAndTheOthersGoOn) {
         EXPECT_EQ(result.status, 2);
         EXPECT_EQ(result.err, "vig: error: " + options.devices[0] + ": No such file or directory\n" +
                                   options.devices[2] + ":3: error: event: expected a string, got 7\n" +
-                                  "vig: error: " + options.devices[3] + ": the gzip data is truncated\n" +
+                                  options.devices[3] + ":1: error: the gzip data is truncated\n" +
                                   "vig: error: " + options.devices[5] + ": Is a directory\n" + options.devices[6] +
                                   ":1: error: event: expected a string, got 7\n");
         EXPECT_THAT(result.out, HasSubstr("fleet\n  devices   5\n  failed    5\n  events    6\n"));
