@@ -77,47 +77,6 @@ ToolResult explained(const TemporaryFolder& folder, const std::string& transitio
     return runVerb(run, options);
 }
 
-TEST(Explain, ShowsEachFilterWithTheValuesThatItCompared) {
-    const std::string five = filters({"integer =4kB < limit", "string name != =x", "integer absent <= pid",
-                                      "double PseudoRandomDouble() < =1", "double pid > =0"});
-    RunOptions options;
-    options.explain = true;
-    const TemporaryFolder folder;
-    const std::string transitions = transition("start", "end", "Test", five) + "," +
-                                    transition("start", "a", "Test", "[]", R"([{"name":"Test"}])") + "," +
-                                    transition("a", "b", "EnteringState");
-    const std::string text = explained(folder, transitions, options).out;
-    EXPECT_EQ(text.substr(0, text.find("\nsummary")),
-              R"(    event  what     who            detail
-        0  log      error          VIGManager: ViG device config is available now.
-        1  explain  0 (id 7)       Test in state start
-                                     configs[0].payload.data.transitions[0] -> end: stopped by filter 5 of 5
-                                       yes   4kB < limit               4 < 5
-                                       yes   name != "x"               "" (missing) != "x"
-                                       yes   absent <= pid             0 (missing) <= 3
-                                       yes   PseudoRandomDouble() < 1  0.1354770042967805 < 1
-                                       no    pid > 0                   missing > 0
-                                     configs[0].payload.data.transitions[1] -> a: fires
-                                       runs  Test
-        1  explain  0 (id 7)       EnteringState in state a
-                                     configs[0].payload.data.transitions[2] -> b: fires
-        1  move     0 (id 7)       start -> b
-        2  explain  0 (id 7)       Test in state b: no transition listens
-)");
-    options.format = ReportFormat::Jsonl;
-    EXPECT_EQ(linesWith(explained(folder, transition("start", "end", "Test", five), options).out,
-                        R"({"type":"explain","event":2)")[0],
-              R"({"type":"explain","event":2,"machine":0,"config_id":7,"event_type":"Test","state":"start",)"
-              R"("transitions":[{"path":"configs[0].payload.data.transitions[0]","to":"end","fired":false,"filters":[)"
-              R"({"condition":"4kB < limit","left":4,"right":4,"verdict":false}],"actions":[]}]})");
-    // A program gets whole what a person sees the beginning of.
-    const std::string name(100, 'n');
-    const std::string longName = transition("start", "end", "Test", filters({"integer " + name + " > =9"}));
-    EXPECT_THAT(explained(folder, longName, options).out, testing::HasSubstr("\"condition\":\"" + name + " > 9\""));
-    options.format = ReportFormat::Text;
-    EXPECT_THAT(explained(folder, longName, options).out, testing::HasSubstr("no    " + name.substr(0, 64) + "… > 9"));
-}
-
 TEST(WhyNot, TellsWhatKeptATransitionFromFiring) {
     const std::string above = filters({"integer pid > =9"});
     const std::string transitions = transition("start", "end", "Test", above) + "," +
