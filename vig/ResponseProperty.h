@@ -6,4 +6,7 @@ namespace Brenta::OS::VIG {
 inline constexpr const char* kNamespace = "korvel_vig";
 inline constexpr const char* kResponseKey = "vig_response";
 
+// The log says so when the manager has begun to listen for changes of it, which the tool waits for.
+inline constexpr const char* kListeningMessage = "ViG device config is available now.";
+
 }  // namespace Brenta::OS::VIG

@@ -235,7 +235,7 @@ void VIGManager::goLive(std::uint64_t registration) {
     }
     if (subscribe(registration)) {
         deviceConfigAvailable = true;
-        VIG_LOG_ERROR("ViG device config is available now.");
+        VIG_LOG_ERROR("%s", kListeningMessage);
     }
 }
 

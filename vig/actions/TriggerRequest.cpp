@@ -24,8 +24,6 @@ namespace {
 // An older one writes a whole double in the metadata as 90.0 and not as 90.
 static_assert(FMT_VERSION >= 70100, "fmt 7.1 or later is needed");
 
-constexpr const char* kServiceName = "vendor.orlan.velora.ITrigger/default";
-
 // The platform makes an empty string of text that is not valid UTF-8, and ends one at a NUL, which would lose the text
 // or its rest. No UTF-8 has the byte that a NUL becomes here.
 android::String16 toString16(std::string text) {
@@ -45,7 +43,7 @@ void appendAttributesOf(Event::ValueType kind, Getter getter, TriggerMetadata& m
 // Returns null, with a line in the log, if there is no service.
 android::sp<ITrigger> findTriggerService() {
     android::sp<ITrigger> service;
-    const android::status_t status = android::getService(android::String16(kServiceName), &service);
+    const android::status_t status = android::getService(android::String16(kTriggerService), &service);
     if (status != 0 || service == nullptr) {
         VIG_LOG_ERROR("Error while getting the service proxy: %d %s", status,
                       service == nullptr ? ", triggerService is null!" : "");

@@ -12,6 +12,9 @@ namespace Brenta::OS::VIG {
 
 // The trigger actions have this in common. All of it runs on the thread that drives the machine.
 
+// The directory of services has the trigger service under this name.
+inline constexpr const char* kTriggerService = "vendor.orlan.velora.ITrigger/default";
+
 using TriggerMetadata = std::vector<std::optional<android::String16>>;
 
 // Appends one entry. What is not valid UTF-8 in the text, and each NUL, is sent as U+FFFD.

@@ -102,6 +102,13 @@ ConfigModel modelOf(const DocumentText& document, Json::ArrayIndex index) {
     return Modeller(document).config(document.root()["configs"][index], "configs[" + std::to_string(index) + "]");
 }
 
+DocumentModel::DocumentModel(std::string fileName, std::string content)
+    : text(std::move(fileName), std::move(content)) {
+    for (Json::ArrayIndex index = 0; index < text.root()["configs"].size(); ++index) {
+        configs.push_back(modelOf(text, index));
+    }
+}
+
 std::string conditionOf(const FilterModel& filter) {
     return termOf(filter.operand1, filter.valueType) + " " + kFilterOperatorTable.lookup(filter.op) + " " +
            termOf(filter.operand2, filter.valueType);

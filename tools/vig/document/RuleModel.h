@@ -57,6 +57,17 @@ struct ConfigModel {
 // the document's JSON.
 ConfigModel modelOf(const DocumentText& document, Json::ArrayIndex index);
 
+// A whole document, as text and as what it says. It is not copied, since its parts refer to each other.
+struct DocumentModel {
+    // REQUIRES: the library accepts the text.
+    DocumentModel(std::string fileName, std::string content);
+    DocumentModel(const DocumentModel&) = delete;
+    DocumentModel& operator=(const DocumentModel&) = delete;
+
+    const DocumentText text;
+    std::vector<ConfigModel> configs;  // as many as there are machines
+};
+
 // Returns the filter as a condition for people to read: `vmRssKB > 2097152`, `PseudoRandomDouble() < 0.1`, `"a" ==
 // name`.
 std::string conditionOf(const FilterModel& filter);

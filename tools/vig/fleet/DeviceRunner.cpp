@@ -44,7 +44,7 @@ VIGParserConfig registryWith(PseudoRandomGenerator& generator, const VIGParserCo
                            library.getStringPureFunctions(), {});
 }
 
-MachineGroup::Configs parse(const TracedDocument& document, const VIGParserConfig& registry) {
+MachineGroup::Configs parse(const DocumentModel& document, const VIGParserConfig& registry) {
     NoReceiver quiet;
     const PlatformServices::OnThread receiver(quiet);
     return std::move(*VIGResponseParser().parseFromString(document.text.source().text(), registry).value);

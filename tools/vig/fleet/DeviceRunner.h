@@ -19,7 +19,7 @@ namespace Brenta::OS::VIG::Tool {
 
 // All devices of a fleet have this in common. It is used by several threads at once, none of which changes it.
 struct FleetPlan {
-    const TracedDocument& document;
+    const DocumentModel& document;
     const VIGParserConfig registry;  // the library's own
     const AttributeSet& context;
     const RunOptions& options;  // of each of them, but for its events

@@ -43,7 +43,7 @@ bool FleetSummary::isStorm(std::uint64_t triggers, std::uint64_t events) {
     return triggers >= Storm::LEAST_TRIGGERS && events / triggers < Storm::MOST_EVENTS;
 }
 
-FleetSummary FleetSummary::of(const TracedDocument& document) {
+FleetSummary FleetSummary::of(const DocumentModel& document) {
     FleetSummary summary;
     summary.documentHash = fmt::format("{:016x}", hashOf(document.text.source().text()));
     for (const ConfigModel& each : document.configs) {

@@ -75,7 +75,7 @@ struct FleetSummary {
     static bool isStorm(std::uint64_t triggers, std::uint64_t events);
 
     // Returns a summary of no device yet.
-    static FleetSummary of(const TracedDocument& document);
+    static FleetSummary of(const DocumentModel& document);
 
     void add(const DeviceResult& result);
 

@@ -25,7 +25,7 @@ class TransitionCounter final : public Trace {
     // The elements have the indices of the configuration and of the transition, both in document order.
     std::vector<std::vector<Traffic>> traffic;
 
-    void loaded(const TracedDocument& document) override {
+    void loaded(const DocumentModel& document) override {
         for (const ConfigModel& config : document.configs) {
             traffic.emplace_back(config.transitions.size());
         }
@@ -111,7 +111,7 @@ int graph(const GraphOptions& options, const Console& console, const Interruptio
         }
         return *status;
     }
-    const TracedDocument& document = rules.session().document();
+    const DocumentModel& document = rules.session().document();
     const std::vector<Finding> findings = findingsIn(document.text, libraryRegistry(), Catalogue::builtIn());
     if (interruption.requested()) {
         return kExitInterrupted;

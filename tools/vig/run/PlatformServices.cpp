@@ -1,4 +1,5 @@
 #include "tools/vig/run/PlatformServices.h"
+#include "vig/actions/TriggerRequest.h"
 
 #include <binder/IServiceManager.h>
 #include <host/Host.h>
@@ -15,10 +16,6 @@ namespace Brenta::OS::VIG::Tool {
 namespace {
 
 thread_local PlatformServices::Receiver* receiverOfThread = nullptr;
-
-android::String16 instanceName() {
-    return android::String16("vendor.orlan.velora.ITrigger/default");
-}
 
 }  // namespace
 
@@ -83,11 +80,12 @@ PlatformServices::PlatformServices(Receiver& receiver)
       previousSink(host::setLogSink([shared = log](int priority, std::string_view tag, std::string_view message) {
           shared->write(priority, tag, message);
       })) {
-    android::defaultServiceManager()->addService(instanceName(), android::sp<TriggerService>::make(receiver));
+    android::defaultServiceManager()->addService(android::String16(kTriggerService),
+                                                 android::sp<TriggerService>::make(receiver));
 }
 
 PlatformServices::~PlatformServices() {
-    host::removeService(instanceName());
+    host::removeService(android::String16(kTriggerService));
     host::setLogSink(previousSink);
 }
 

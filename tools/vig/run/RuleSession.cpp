@@ -9,6 +9,7 @@
 
 #include "tools/vig/document/ParseErrorText.h"
 #include "tools/vig/io/FileText.h"
+#include "vig/ResponseProperty.h"
 #include "vig/actions/PseudoRandomGenerator.h"
 
 namespace Brenta::OS::VIG::Tool {
@@ -69,7 +70,7 @@ RuleSession::Loading RuleSession::load(Changes later, const Interruption& interr
         deliveries->close();
     } else {
         // The manager listens for changes only after it has delivered: until then a saved document goes unnoticed.
-        services.awaitLine("ViG device config is available now.", kLongestSubscription);
+        services.awaitLine(kListeningMessage, kLongestSubscription);
     }
     services.passOnLines();
     adopt(std::move(*delivery));
@@ -115,7 +116,7 @@ void RuleSession::adopt(Delivery delivery) {
     group.adopt(tracer && reason.empty() ? tracer->watch(document(), delivery.configs) : std::move(delivery.configs));
 }
 
-const TracedDocument& RuleSession::document() {
+const DocumentModel& RuleSession::document() {
     return model ? *model : model.emplace(path, std::move(text));
 }
 

@@ -41,7 +41,7 @@ class RuleSession final {
 
     // The latest document that was accepted. It lives until another one is, or the session ends. REQUIRES: there is
     // one.
-    const TracedDocument& document();
+    const DocumentModel& document();
 
     const AttributeSet& contextAttributes() const { return context; }
 
@@ -66,7 +66,7 @@ class RuleSession final {
     Report& report;
     const std::unique_ptr<Tracer> tracer;  // null if nobody wants a trace
     std::string text;                      // of the accepted document, until `model` has it
-    std::optional<TracedDocument> model;   // made when it is asked for
+    std::optional<DocumentModel> model;    // made when it is asked for
     MachineGroup group;
     PlatformServices services;
     std::optional<Descriptor> pipeCopy;  // in memory, if the document comes by a pipe

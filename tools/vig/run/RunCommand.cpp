@@ -22,7 +22,7 @@ class Explanations final : public Trace {
 
     std::string problem() const { return whyNot ? whyNot->problem() : std::string(); }
 
-    void loaded(const TracedDocument& document) override {
+    void loaded(const DocumentModel& document) override {
         if (whyNot) {
             whyNot->loaded(document);
         }

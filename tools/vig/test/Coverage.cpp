@@ -34,7 +34,7 @@ std::vector<std::string> Coverage::gaps() const {
     return lines;
 }
 
-void Coverage::add(const TracedDocument& document, const Place& place, std::string_view what, const std::string& which,
+void Coverage::add(const DocumentModel& document, const Place& place, std::string_view what, const std::string& which,
                    bool ofTransition) {
     const auto position = document.text.source().positionOf(place.begin);
     goals.push_back(
@@ -42,7 +42,7 @@ void Coverage::add(const TracedDocument& document, const Place& place, std::stri
          ofTransition});
 }
 
-void Coverage::loaded(const TracedDocument& document) {
+void Coverage::loaded(const DocumentModel& document) {
     if (std::exchange(wasLoaded, true)) {
         return;
     }

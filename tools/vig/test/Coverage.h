@@ -35,7 +35,7 @@ class Coverage final : public Trace {
     // Returns "rules.json:12:9: never fired: start -> end on Test [configs[0]…]", in document order.
     std::vector<std::string> gaps() const;
 
-    void loaded(const TracedDocument& document) override;
+    void loaded(const DocumentModel& document) override;
     void step(const Step& step) override;
 
   private:
@@ -46,7 +46,7 @@ class Coverage final : public Trace {
     };
 
     Share share(bool ofTransitions) const;
-    void add(const TracedDocument& document, const Place& place, std::string_view what, const std::string& which,
+    void add(const DocumentModel& document, const Place& place, std::string_view what, const std::string& which,
              bool ofTransition);
 
     const std::string name;

@@ -16,12 +16,12 @@
 
 #include "tools/vig/words/PriorityName.h"
 #include "tools/vig/words/Text.h"
+#include "vig/ResponseProperty.h"
 
 namespace Brenta::OS::VIG::Tool {
 
 namespace {
 
-constexpr std::string_view kAvailabilityLine = "ViG device config is available now.";
 constexpr std::size_t kMostRows = 20;
 constexpr std::size_t kMostUnexpected = 1000;  // of a list that are kept beside as many as are expected
 constexpr std::size_t kMostShownOfField = 500;
@@ -315,7 +315,7 @@ void Observed::trigger(const TriggerLine& line) {
 }
 
 void Observed::log(const LogLine& line) {
-    if (line.message == kAvailabilityLine) {
+    if (line.message == kListeningMessage) {
         return;
     }
     ++logCount;

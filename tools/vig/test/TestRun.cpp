@@ -21,7 +21,7 @@ class Explainer final : public Trace {
   public:
     explicit Explainer(const Divergence& what) : divergence(what) {}
 
-    void loaded(const TracedDocument& document) override {
+    void loaded(const DocumentModel& document) override {
         for (const ConfigModel& config : document.configs) {
             if (divergence.config.value_or(config.id) != config.id) {
                 continue;

@@ -51,17 +51,6 @@ struct Step {
     bool fired() const { return !attempts.empty() && attempts.back().fired; }
 };
 
-// A rule document whose machines are traced, as text and as what it says.
-struct TracedDocument {
-    // REQUIRES: the library accepts the text.
-    TracedDocument(std::string fileName, std::string content);
-    TracedDocument(const TracedDocument&) = delete;
-    TracedDocument& operator=(const TracedDocument&) = delete;
-
-    const DocumentText text;
-    std::vector<ConfigModel> configs;  // as many as there are machines
-};
-
 // Is told everything that the machines of a session decide, on the thread that drives them. What it is given refers
 // to the document, which lives until another one is loaded or the session ends.
 class Trace {
@@ -69,7 +58,7 @@ class Trace {
     virtual ~Trace() = default;
 
     // Is called before the machines of that document are started.
-    virtual void loaded(const TracedDocument& document) = 0;
+    virtual void loaded(const DocumentModel& document) = 0;
 
     // If a transition fires, its actions run after this call. The events that a machine raises make no step in a
     // state that does not listen for them.

@@ -31,13 +31,6 @@ using RulesEngine::Filter;
 using RulesEngine::FuncFilter;
 using RulesEngine::Transition;
 
-TracedDocument::TracedDocument(std::string fileName, std::string content)
-    : text(std::move(fileName), std::move(content)) {
-    for (Json::ArrayIndex index = 0; index < text.root()["configs"].size(); ++index) {
-        configs.push_back(modelOf(text, index));
-    }
-}
-
 namespace {
 
 struct FunctionResult {
@@ -226,7 +219,7 @@ VIGParserConfig Tracer::registryFrom(const VIGParserConfig& library) const {
                            watched(library.getStringPureFunctions(), recorder), {});
 }
 
-std::vector<std::unique_ptr<VIGConfig>> Tracer::watch(const TracedDocument& document,
+std::vector<std::unique_ptr<VIGConfig>> Tracer::watch(const DocumentModel& document,
                                                       const std::vector<std::unique_ptr<VIGConfig>>& configs) {
     auto result =
         rebuilt(configs, document.configs, [&](const Transition& transition, std::size_t config, std::size_t index) {

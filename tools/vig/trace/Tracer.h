@@ -31,7 +31,7 @@ class Tracer {
     VIGParserConfig registryFrom(const VIGParserConfig& library) const;
 
     // Returns watched configurations in place of those that the library made of the document, which must outlive them.
-    std::vector<std::unique_ptr<VIGConfig>> watch(const TracedDocument& document,
+    std::vector<std::unique_ptr<VIGConfig>> watch(const DocumentModel& document,
                                                   const std::vector<std::unique_ptr<VIGConfig>>& configs);
 
     // Are to be called around each call that drives a machine; `raised` if the machine makes the event itself.

@@ -41,7 +41,7 @@ std::optional<double> distance(const Comparison& comparison) {
     return std::isnan(gap) ? std::nullopt : std::optional(gap);
 }
 
-std::string problemOf(const std::string& path, const TracedDocument& document) {
+std::string problemOf(const std::string& path, const DocumentModel& document) {
     std::vector<std::string_view> paths;
     for (const ConfigModel& config : document.configs) {
         for (const TransitionModel& transition : config.transitions) {
@@ -61,7 +61,7 @@ std::string problemOf(const std::string& path, const TracedDocument& document) {
 
 }  // namespace
 
-void WhyNot::loaded(const TracedDocument& document) {
+void WhyNot::loaded(const DocumentModel& document) {
     transition = nullptr;
     for (std::size_t i = 0; i < document.configs.size(); ++i) {
         const auto& transitions = document.configs[i].transitions;

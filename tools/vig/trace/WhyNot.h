@@ -34,7 +34,7 @@ class WhyNot final : public Trace {
     // Says what is wrong if the document that was loaded has no such transition, with those that it has; else empty.
     const std::string& problem() const { return unknown; }
 
-    void loaded(const TracedDocument& document) override;
+    void loaded(const DocumentModel& document) override;
     void step(const Step& step) override;
 
     // The answer, once a document was loaded and if there is no problem.
