@@ -43,8 +43,8 @@ For people. Nothing is shown that a terminal acts on.
 
 A document that is refused is told with the layer at fault, and with its log lines.
 
-  $ document_of "$(transition start end test)" >fsm.json
-  $ for text in '{' '[]' '{"configs":[7]}' '{"configs":[{"id":1,"payload":{}}]}' "$(cat fsm.json)"; do
+  $ fsm=$(document_of "$(transition start end test)")
+  $ for text in '{' '[]' '{"configs":[{"id":1,"payload":{}}]}' "$fsm" '{"configs":[7]}'; do
   >   echo "$text" >refused.json
   >   vig run refused.json events.jsonl --format jsonl >out || echo "$? $(grep -c '"type":"log"' out) $(wc -l <out)"
   > done
@@ -52,17 +52,18 @@ A document that is refused is told with the layer at fault, and with its log lin
   1 2 2
   refused.json: error: refused (InvalidResponse): the root must be an object whose "configs" is an array
   1 1 1
-  refused.json: error: refused (InvalidConfig): a configuration must be an object with a 64-bit number "id" and an object "payload"
-  1 2 2
   refused.json: error: refused (InvalidConfigPayload): a payload must be an object with a 32-bit number "id" and an object "data"
   1 2 2
   refused.json: error: refused (InvalidFsm): a state machine is invalid
   1 3 3
-  $ vig run fsm.json events.jsonl --format jsonl
-  {"type":"log","event":0,"priority":"error","tag":"VIGManager","message":"FSM Event not found!"}
-  {"type":"log","event":0,"priority":"error","tag":"VIGManager","message":"Invalid FSM JSON: {\n\t\"transitions\" : \n\t[\n\t\t{\n\t\t\t\"actions\" : [],\n\t\t\t\"event\" : \"test\",\n\t\t\t\"filters\" : [],\n\t\t\t\"from_state\" : \"start\",\n\t\t\t\"to_state\" : \"end\"\n\t\t}\n\t]\n}\n."}
-  {"type":"log","event":0,"priority":"error","tag":"VIGManager","message":"ViG device config is available now."}
-  fsm.json: error: refused (InvalidFsm): a state machine is invalid
+  refused.json: error: refused (InvalidConfig): a configuration must be an object with a 64-bit number "id" and an object "payload"
+  1 2 2
+  $ vig run refused.json events.jsonl
+      event  what     who            detail
+          0  log      error          VIGManager: Invalid VIG Config JSON: 7
+                                     .
+          0  log      error          VIGManager: ViG device config is available now.
+  refused.json: error: refused (InvalidConfig): a configuration must be an object with a 64-bit number "id" and an object "payload"
   [1]
 
 What cannot be read is named at once.
