@@ -134,3 +134,16 @@ Nobody has to read what is printed, but a full disk is told.
   $ vig run rules.json events.jsonl >/dev/full
   vig: error: standard output: No space left on device
   [2]
+
+An interruption ends the run with the summary of what happened.
+
+  $ mkfifo in out.pipe
+  $ vig run rules.json in --format jsonl >out.pipe &
+  $ exec 4<out.pipe 5<>in
+  $ echo "$camera" >&5
+  $ while read -r line && [[ $line != *'"to":"end"'* ]]; do :; done <&4
+  $ kill $!
+  $ wait $!
+  [130]
+  $ cat <&4
+  {"type":"end","events":1,"triggers":2,"machines":[{"machine":0,"config_id":7,"payload_id":1,"state":"end"},{"machine":1,"config_id":-8,"payload_id":1,"state":"armed"}]}
