@@ -1,7 +1,5 @@
-#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <sys/ioctl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -116,16 +114,6 @@ TEST_F(Fleet, OutputIsThatOfTheDevicesAloneInTheirOrderWhateverTheNumberOfThread
     }
 }
 
-TEST_F(Fleet, StandardInputHasOneNameInLinesAndSummary) {
-    options.devices = {"-"};
-    const std::string input = triggering(12);
-    const ToolResult result = runVerb(fleet, options, input);
-    EXPECT_THAT(linesWith(result.out, R"({"type":"trigger")").at(0), HasSubstr(R"("device":"<stdin>"})"));
-    EXPECT_THAT(result.out, HasSubstr(R"("worst":[{"device":"<stdin>","triggers":12,"events":12}])"));
-    options.format = ReportFormat::Text;
-    EXPECT_THAT(runVerb(fleet, options, input).out, HasSubstr("\n== <stdin>\n"));
-}
-
 TEST(DeviceSeed, IsAFixedMixOfTheSeedAndTheName) {
     // The hashes are published test vectors of FNV-1a: 0xCBF29CE484222325, 0xAF63DC4C8601EC8C and 0x85944171F73967E8.
     EXPECT_EQ(deviceSeed(0, ""), 0xCBF29CE4 ^ 0x84222325);
@@ -157,34 +145,6 @@ TEST_F(Fleet, MergedPartsEqualTheWholeByteForByteWhateverTheNames) {
     EXPECT_EQ(merged.out, whole);
     parts.files = {"-"};
     EXPECT_EQ(runVerb(summary, parts, "\n \r\n" + whole + "\n").out, whole);
-}
-
-TEST_F(Fleet, FailingDevicesAreToldInTheirOrderAndTheOthersGoOn) {
-    options.devices = {folder.path("none"),
-                       folder.write("a", records(2, true)),
-                       folder.write("b", records(1, true) + "{\"event\":7}\n" + records(1, true)),
-                       folder.write("c", "\x1F\x8B"),
-                       folder.write("d", records(0, false)),
-                       folder.path(""),
-                       folder.path("pipe")};
-    ASSERT_EQ(mkfifo(options.devices[6].c_str(), 0600), 0);
-    const int pipe = open(options.devices[6].c_str(), O_RDWR | O_CLOEXEC);
-    options.format = ReportFormat::Text;
-    options.summaryOnly = true;
-    for (const unsigned threads : {1u, 3u}) {
-        ASSERT_EQ(write(pipe, "{\"event\":7}\n", 12), 12);
-        const ToolResult result = run(threads);
-        EXPECT_EQ(result.status, 2);
-        EXPECT_EQ(result.err, "vig: error: " + options.devices[0] + ": No such file or directory\n" +
-                                  options.devices[2] + ":3: error: event: expected a string, got 7\n" +
-                                  options.devices[3] + ":1: error: the gzip data is truncated\n" +
-                                  "vig: error: " + options.devices[5] + ": Is a directory\n" + options.devices[6] +
-                                  ":1: error: event: expected a string, got 7\n");
-        EXPECT_THAT(result.out, HasSubstr("fleet\n  devices   5\n  failed    5\n  events    6\n"));
-        EXPECT_THAT(result.out, HasSubstr("          1 on         1  configs[1] (id 8)\n"));
-        EXPECT_THAT(result.out, HasSubstr("  2 on         2    configs[0].payload.data.transitions[1]  start -> end"));
-    }
-    close(pipe);
 }
 
 TEST_F(Fleet, InterruptionEndsWithTheSummaryOfWhatWasDone) {
@@ -351,6 +311,16 @@ TEST(FleetSummary, StormIsManyTriggersForFewEventsAndTheWorstComeFirst) {
         worst += each.device;
     }
     EXPECT_EQ(worst, "fcdea");
+}
+
+TEST(FleetSummary, FailedAndUnfinishedDevicesAreCountedApart) {
+    FleetSummary summary;
+    summary.add({"absent", false, false, 0, 0, {}, "problem"});
+    summary.add({"broken", true, false, 1, 0, {}, "problem"});
+    summary.add({"interrupted", true, false, 1});
+    summary.add({"done", true, true, 1});
+    EXPECT_EQ(std::tuple(summary.failed, summary.unfinished, summary.devices(), summary.events),
+              std::tuple(2u, 1u, 3u, 3u));
 }
 
 }  // namespace

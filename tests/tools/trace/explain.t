@@ -47,3 +47,27 @@ A program gets whole what a person sees the beginning of.
   119
   $ vig run rules.json events.jsonl --explain | grep ' > 9' | uniq
                                          no    nnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnn\xe2\x80\xa6 > 9    missing > 9 (esc)
+
+Explaining changes nothing of what happens, with draws on events and on entering states, in both kinds of filter,
+and with functions that the registry does not have.
+
+  $ half=$(filters 'double PseudoRandomDouble() < PseudoRandomDouble()' 'double PseudoRandomDouble() > =0.2' \
+  >   'integer pid != absent')
+  $ all=$(actions TriggerVelora LogZramHeartBeat)
+  $ beat=ProcessMemoryHeartBeat
+  $ document "$(config 1 "$(transition start a EnteringState "$half")" \
+  >     "$(transition start a $beat "$(filters 'double =0.5 > PseudoRandomDouble()' 'string F() != processName')" "$all")" \
+  >     "$(transition a start $beat "$half")")" \
+  >   "$(config 2 "$(transition start start $beat \
+  >       "$(filters 'double PseudoRandomDouble() <= PseudoRandomDouble()')" "$all")" \
+  >     "$(transition start b Timeout)" "$(transition b b EnteringState)" \
+  >     "$(transition start start ZramHeartBeat '[]' "$all")")" >random.json
+  $ echo '{' >bad.json
+  $ for rules in random.json "$VIG_SOURCE"/examples/{first-look,memory-budget,cpu-budget}.json bad.json; do
+  >   for seed in 1 2 3; do
+  >     told() { vig run "$rules" "$VIG_SOURCE/examples/trace.jsonl" --seed $seed --format jsonl "$@" 2>&1; echo $?; }
+  >     cmp <(told) <(told --explain | grep -v '^{"type":"explain"')
+  >   done
+  > done
+  $ vig run random.json "$VIG_SOURCE/examples/trace.jsonl" | grep -c 'trigger  '
+  25
