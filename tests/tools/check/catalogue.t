@@ -1,7 +1,7 @@
   $ . "$TESTDIR/../rules.sh"
   $ cat >events.jsonl <<'EOF'
   > {"event":"Test","int64":{"x":1},"double":{"x":2,"é\"":0.5}}
-  > {"event":"ForegroundAppsStats"}
+  > {"event":"ZramHeartBeat"}
   > {"event":"Test","int64":{"depth":1},"bool":{"b":true}}
   > EOF
   $ vig catalogue <events.jsonl | tee catalogue.json
@@ -12,7 +12,7 @@
         "double": ["x", "\xc3\xa9\\""], (esc)
         "bool": ["b"]
       },
-      "ForegroundAppsStats": {}
+      "ZramHeartBeat": {}
     },
     "context": {}
   }
@@ -20,7 +20,7 @@
   <stdin>:2: error: event: missing
   [2]
 
-A catalogue or a recording tells which attributes there are. Both add up.
+A catalogue or a recording tells which attributes there are, in the place of those that the tool knows. Both add up.
 
   $ document_of "$(transition start end Test "$(filters 'integer depth > =1')")" >rules.json
   $ echo '{"events":{"Test":{"int64":["level"]}},"context":{}}' >other.json
@@ -30,6 +30,10 @@ A catalogue or a recording tells which attributes there are. Both add up.
   nothing found in 1 file
   $ vig check rules.json --strict --catalogue other.json --events events.jsonl
   nothing found in 1 file
+  $ document_of "$(transition start end ZramHeartBeat '[]' "$(actions LogZramHeartBeat)")" >zram.json
+  $ vig check zram.json && vig check zram.json --events events.jsonl | grep hint
+  nothing found in 1 file
+      hint: without them it logs 0; listen for another event
   $ vig check rules.json --strict --catalogue other.json | grep hint
       hint: if the service gives it to them, name it in a file for --catalogue
 

@@ -6,8 +6,8 @@
   >  "events":{"ForegroundAppsStats":{"bool":["on"],"int64":["n"],"double":["n"]}}}
   > EOF
 
-What is found in the machine of each line, counted from 0: names, each with the transition and the place in it. First of
-states, of transitions behind others, and of transitions that no event is needed for.
+What is found in the machine of each line, counted from 0: names, each with the transition and the place in it. First
+come states, then transitions behind others, and cycles that need no event.
 
   $ named() {
   >   machines >rules.json; vig check rules.json "$@" | awk '
@@ -63,7 +63,7 @@ states, of transitions behind others, and of transitions that no event is needed
   3: error endless-entering [2]
   4: endless-entering [1]
 
-Of actions, of attributes, and of NULs.
+Actions, attributes, and NULs.
 
   $ named <<EOF
   > start start ProcessMemoryHeartBeat | $big $collect; start end ZramHeartBeat
