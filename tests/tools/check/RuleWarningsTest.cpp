@@ -3,6 +3,7 @@
 #include <cmath>
 #include <ctime>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "tests/support/Documents.h"
@@ -77,7 +78,7 @@ const std::pair<const char*, Strings (*)(int many)> kShapes[] = {
      }},
 };
 
-// Adds for how many seconds the warnings of such a document are looked for.
+// Returns the warnings of the document, and adds for how many seconds they are looked for.
 std::vector<Finding> warningsOf(const Strings& transitions, double& seconds) {
     const DocumentText document("", support::documentOf(transitions));
     const ConfigModel model = modelOf(document, 0);
