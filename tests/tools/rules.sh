@@ -53,3 +53,21 @@ joined() {
     local IFS=,
     printf '[%s]' "$*"
 }
+
+# machines: a document of the machines in the input, a line each, of transitions "FROM TO EVENT | FILTER & … | ACTION"
+# with ";" between.
+machines() {
+    local line each way conditions action transitions parts all=()
+    while IFS= read -r line; do
+        transitions=()
+        while IFS='|' read -r way conditions action; do
+            IFS='&' read -ra parts <<<"$conditions"
+            [ -n "${conditions// /}" ] || parts=()
+            read -ra each <<<"$way"
+            # shellcheck disable=SC2086 # The name of the action stands between spaces.
+            transitions+=("$(transition "${each[@]}" "$(filters "${parts[@]}")" "$(actions $action)")")
+        done <<<"${line//;/$'\n'}"
+        all+=("$(config ${#all[@]} "${transitions[@]}")")
+    done
+    document "${all[@]}"
+}

@@ -1,0 +1,100 @@
+  $ . "$TESTDIR/../rules.sh"
+  $ cat >"a b.json" <<'EOF'
+  > { "configs": [
+  > 	{ "note ä": 1, "id": true, "payload": { "id": 1, "data": { "transitions": [
+  > 		{ "from_state": "start", "to_state": "end", "event": "ZramHeartbeat",
+  > 			"filters": [], "actions": [{ "name": "Test" }] } ] } } }
+  > ] }
+  > EOF
+  $ vig check "a b.json"
+  a b.json:2:4: warning: the key "note \xc3\xa4" is ignored [unknown-key] (esc)
+      \t{ "note \xc3\xa4": 1, "id": true, "payload": { "id": 1, "data": { "transitions": [ (esc)
+      \t  ^~~~~~~~ (esc)
+      path: configs[0].note \xc3\xa4 (esc)
+      hint: known here: "id", "payload"
+  a b.json:2:24: error: Invalid VIG Config JSON: { "note \xc3\xa4": 1, "id": true, "payload": {\xe2\x80\xa6 ("id" is a boolean) [InvalidConfig] (esc)
+      \t{ "note \xc3\xa4": 1, "id": true, "payload": { "id": 1, "data": { "transitions": [ (esc)
+      \t                     ^~~~ (esc)
+      path: configs[0].id
+      hint: a number is needed
+  a b.json:3:56: error: FSM Event not found! [InvalidFsm]
+      \t\t{ "from_state": "start", "to_state": "end", "event": "ZramHeartbeat", (esc)
+      \t\t                                                     ^~~~~~~~~~~~~~~ (esc)
+      path: configs[0].payload.data.transitions[0].event
+      hint: there is no event "ZramHeartbeat"; did you mean "ZramHeartBeat"?
+  2 errors, 1 warning in 1 file
+  [1]
+
+For programs: with columns in bytes, and in characters. The rules that a result may break are numbered from 0.
+
+  $ vig check "a b.json" --format json
+  {"findings":[
+  {"file":"a b.json","line":2,"column":4,"end_line":2,"end_column":13,"severity":"warning","name":"unknown-key","path":"configs[0].note \xc3\xa4","message":"the key \\"note \xc3\xa4\\" is ignored","hint":"known here: \\"id\\", \\"payload\\""}, (esc)
+  {"file":"a b.json","line":2,"column":24,"end_line":2,"end_column":28,"severity":"error","name":"InvalidConfig","path":"configs[0].id","message":"Invalid VIG Config JSON: { \\"note \xc3\xa4\\": 1, \\"id\\": true, \\"payload\\": {\xe2\x80\xa6 (\\"id\\" is a boolean)","hint":"a number is needed"}, (esc)
+  {"file":"a b.json","line":3,"column":56,"end_line":3,"end_column":71,"severity":"error","name":"InvalidFsm","path":"configs[0].payload.data.transitions[0].event","message":"FSM Event not found!","hint":"there is no event \"ZramHeartbeat\"; did you mean \"ZramHeartBeat\"?"}
+  ],"errors":2,"warnings":1,"files":1}
+  [1]
+  $ vig check "a b.json" --format sarif | grep -nv '^{"id":"[^u].*,$' | sed 's/\("vig","version":"\)[0-9.]*/\1/'
+  1:{"version":"2.1.0","$schema":"https://docs.oasis-open.org/sarif/sarif/v2.1.0/os/schemas/sarif-schema-2.1.0.json","runs":[{"tool":{"driver":{"name":"vig","version":"","rules":[
+  7:{"id":"unreachable-state","shortDescription":{"text":"no chain of transitions leads to the state from \"start\""}},
+  12:{"id":"unknown-attribute","shortDescription":{"text":"an attribute that the event type does not have"}},
+  20:{"id":"unknown-key","shortDescription":{"text":"a key that is ignored"}},
+  24:{"id":"unused-timeout","shortDescription":{"text":"a transition on \"Timeout\", which nothing arms by itself"}},
+  25:{"id":"no-way-out","shortDescription":{"text":"a state that cannot be left and is not \"end\""}}]}},"columnKind":"unicodeCodePoints","results":[
+  26:{"ruleId":"unknown-key","ruleIndex":18,"level":"warning","message":{"text":"the key \\"note \xc3\xa4\\" is ignored Hint: known here: \\"id\\", \\"payload\\""},"locations":[{"physicalLocation":{"artifactLocation":{"uri":"a%20b.json"},"region":{"startLine":2,"startColumn":4,"endLine":2,"endColumn":12}},"logicalLocations":[{"fullyQualifiedName":"configs[0].note \xc3\xa4"}]}]}, (esc)
+  27:{"ruleId":"InvalidConfig","ruleIndex":2,"level":"error","message":{"text":"Invalid VIG Config JSON: { \\"note \xc3\xa4\\": 1, \\"id\\": true, \\"payload\\": {\xe2\x80\xa6 (\\"id\\" is a boolean) Hint: a number is needed"},"locations":[{"physicalLocation":{"artifactLocation":{"uri":"a%20b.json"},"region":{"startLine":2,"startColumn":23,"endLine":2,"endColumn":27}},"logicalLocations":[{"fullyQualifiedName":"configs[0].id"}]}]}, (esc)
+  28:{"ruleId":"InvalidFsm","ruleIndex":4,"level":"error","message":{"text":"FSM Event not found! Hint: there is no event \"ZramHeartbeat\"; did you mean \"ZramHeartBeat\"?"},"locations":[{"physicalLocation":{"artifactLocation":{"uri":"a%20b.json"},"region":{"startLine":3,"startColumn":56,"endLine":3,"endColumn":71}},"logicalLocations":[{"fullyQualifiedName":"configs[0].payload.data.transitions[0].event"}]}]}
+  29:]}]}
+  $ vig check "$PWD/a b.json" --format sarif | grep -o '"uri":"[^"]*' | uniq
+  "uri":"file:///*/a%20b.json (glob)
+
+Of a long line only the neighbourhood of the place is shown, and nothing that would act on the terminal.
+
+  $ filler=$(printf '%200s')
+  $ printf '{"configs":[%s"\x1b[2J"%s]}' "$filler" "$filler" >long.json
+  $ vig check long.json
+  long.json:1:213: error: Invalid VIG Config JSON: "\x1b[2J" [InvalidConfig]
+      \xe2\x80\xa6                                        "\\x1b[2J"                                                      \xe2\x80\xa6 (esc)
+                                               ^~~~~~~~~
+      path: configs[0]
+      hint: an object is needed
+  1 error in 1 file
+  [1]
+
+The status tells errors from warnings, which may be allowed, and both from what cannot be read.
+
+  $ document_of "$(transition start end Test)" >clean.json
+  $ sed 's/"id"/"x":1,&/' clean.json >warned.json
+  $ vig check --strict clean.json
+  nothing found in 1 file
+  $ vig check warned.json >out; echo $?; tail -1 out
+  0
+  1 warning in 1 file
+  $ vig check --strict warned.json >out; echo $?; tail -1 out
+  1
+  1 warning in 1 file
+  $ vig check --strict warned.json --allow unknown-key
+  nothing found in 1 file
+  $ vig check warned.json "a b.json" clean.json --allow unknown-key >out; echo $?; tail -1 out
+  1
+  2 errors in 3 files
+  $ vig check absent.json "a b.json" --allow unknown-key >out; echo $?; tail -1 out
+  vig: error: absent.json: No such file or directory
+  2
+  2 errors in 1 file
+  $ vig check absent.json warned.json --allow unknown-key
+  vig: error: absent.json: No such file or directory
+  nothing found in 1 file
+  [2]
+  $ : >empty.json; vig check empty.json >out; echo $?; head -1 out
+  1
+  empty.json:1:1: error: Syntax error: value, object or array expected. [InvalidJson]
+
+Programs get long names whole.
+
+  $ name=$(printf 'x%.0s' {1..3000})
+  $ echo "{\"configs\":[],\"$name\":1}" >long.json
+  $ vig check long.json --format json | grep -o "\"path\":\"$name\"" | wc -c
+  3010
+  $ vig check long.json --format sarif | grep -o "\"fullyQualifiedName\":\"$name\"" | wc -c
+  3024

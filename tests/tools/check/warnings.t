@@ -1,0 +1,242 @@
+  $ . "$TESTDIR/../rules.sh"
+  $ memory='start end ProcessMemoryHeartBeat' cpu='start end ProcessCpuHeartBeat' test='start end Test'
+  $ big='integer vmRssKB > =10' random='double PseudoRandomDouble() < =0.1' collect='| TriggerVelora'
+  $ cat >catalogue.json <<'EOF'
+  > {"extends":"built-in","context":{"int64":["limit"],"string":["mode"]},
+  >  "events":{"ForegroundAppsStats":{"bool":["on"],"int64":["n"],"double":["n"]}}}
+  > EOF
+
+What is found in the machine of each line, counted from 0: names, each with the transition and the place in it. First
+come states, then transitions behind others, and cycles that need no event.
+
+  $ named() {
+  >   machines >rules.json; vig check rules.json "$@" | awk '
+  >     / \[[a-z-]*\]$/ { name = (/: error: / ? "error " : "") substr($NF, 2, length($NF) - 2) }
+  >     sub(/^    path: configs\[/, "") { line = $0 + 0; sub(/^[0-9]*\]\.payload\.data\.transitions/, "")
+  >       sub(/operand1\.value/, "left"); sub(/operand2\.value/, "right")
+  >       found[line] = found[line] (found[line] ? ", " : line ": ") name " " $0 }
+  >     END { for (line = 0; line < NR; ++line) if (line in found) print found[line] }'
+  > }
+  $ named <<EOF
+  > start hto Test; hot end Test
+  > a b Test; b a Test; end end Test
+  > start a Test | $big; a end Test
+  > start start Test
+  > start a Test; a a Test || Test
+  > start a Timeout; a start Test
+  > EOF
+  0: no-way-out [0].to_state, unreachable-state [1].from_state
+  1: unreachable-state [0].from_state, unreachable-state [0].to_state, unreachable-state [2].from_state
+  3: no-way-out [0].to_state
+  5: unused-timeout [0].event
+  $ named <<EOF
+  > $memory | string processName == =a; $memory; $memory | $big
+  > $memory | $big; $memory | integer =010 < vmRssKB & $big
+  > $memory | integer vmRssKB > vmSwapKB; $memory | integer vmSwapKB < vmRssKB
+  > $memory | $big; $memory | string processName == =a & $big; $memory
+  > $memory | double =1 == =1; $memory
+  > $memory | $big; $memory | integer vmRssKB >= =10; $memory | integer vmSwapKB > =10
+  > $memory | $random; $memory | $random
+  > $memory | $big & $random; $memory | $big
+  > $memory | integer =1 == =2; $memory
+  > $memory; start end SystemMemoryHeartBeat
+  > start end EnteringState; start start EnteringState
+  > EOF
+  0: shadowed-transition [2]
+  1: shadowed-transition [1]
+  2: shadowed-transition [1]
+  3: shadowed-transition [1]
+  4: always-true [0].filters[0], shadowed-transition [1]
+  8: never-true [0].filters[0]
+  10: shadowed-transition [1]
+  $ named <<EOF
+  > start start EnteringState || Test
+  > start a EnteringState; a b EnteringState; b a EnteringState
+  > start a EnteringState | $random; a start EnteringState
+  > start a EnteringState | $random; a b EnteringState; b a EnteringState
+  > start end EnteringState | $random; start start EnteringState || Test
+  > start a EnteringState; a b EnteringState; b a Test
+  > EOF
+  0: error endless-entering [0]
+  1: error endless-entering [2]
+  2: endless-entering [1]
+  3: error endless-entering [2]
+  4: endless-entering [1]
+
+Actions, attributes, and NULs.
+
+  $ named <<EOF
+  > start start ProcessMemoryHeartBeat | $big $collect; start end ZramHeartBeat
+  > start start ProcessMemoryHeartBeat | $big & $random $collect; $memory | $random
+  > start start ProcessMemoryHeartBeat | double PseudoRandomDouble() < =1 $collect; start end ZramHeartBeat
+  > start start ZramHeartBeat || LogZramHeartBeat; $memory |$collect; $test |$collect
+  > start start ProcessMemoryHeartBeat |$collect; start end EnteringState | $random
+  > start end ZramHeartBeat |$collect; $memory || TriggerVeloraCpu; $cpu || LogZramHeartBeat
+  > start end EnteringState |$collect
+  > start end Timeout || TriggerVeloraCpu; start start SystemMemoryHeartBeat |$collect
+  > EOF
+  0: trigger-storm [0].actions[0]
+  2: always-true [0].filters[0], trigger-storm [0].actions[0]
+  5: missing-attribute [0].actions[0], missing-attribute [1].actions[0], missing-attribute [2].actions[0]
+  6: missing-attribute [0].actions[0]
+  7: unused-timeout [0].event, missing-attribute [0].actions[0], missing-attribute [1].actions[0]
+  $ named --catalogue catalogue.json <<EOF
+  > $memory | integer vmRsKB > =1 & double vmRssKB > =1 & integer limit < =1 & integer limit < vmRssKB
+  > start end SystemMemoryHeartBeat | $big; start end ZramHeartBeat | integer memUsedMaxBytes > =1
+  > start end ForegroundAppsStats | string on == =1 & double n > =1
+  > $test | integer anything > =1 & string mode == anything; start end Timeout | integer anything > =1
+  > start end EnteringState | integer limit > =1 & integer other > =1 & double limit > =1 & integer limit > limit2
+  > $memory | integer vmRssKB > PseudoRandomDouble() & string processName == F() & integer vmSwapKB < vmRssKB
+  > $cpu | double cpuAvgUtilization > PseudoRandomDoubl() & double cpuAvgUtilization > PseudoRandomDouble()
+  > $test | string x ==\u0000= =a & integer x >\u0000= =1
+  > $test | string x\u0000 == =a & string =a != y\u0000 & string y == =\u0000a & string =\u0000 == z
+  > $test | integer x > =1\u0000 & double =1\u00005 < x & integer F\u0000() < x & string x == =a\u0001
+  > start a\u0000 Test; a\u0000 end Test
+  > EOF
+  0: unknown-attribute [0].filters[0].left, wrong-kind [0].filters[1].left, context-ignored [0].filters[3].left
+  1: unknown-attribute [0].filters[0].left, wrong-kind [1].filters[0].left
+  2: wrong-kind [0].filters[0].left
+  3: context-ignored [0].filters[1].left, unused-timeout [1].event
+  4: unknown-attribute [0].filters[1].left, wrong-kind [0].filters[2].left, context-ignored [0].filters[3].left, context-ignored [0].filters[3].right
+  5: function-fallback [0].filters[0].right, function-fallback [0].filters[1].right
+  6: function-fallback [0].filters[0].right
+  7: nul-character [0].filters[0].operator, nul-character [0].filters[1].operator
+  8: nul-character [0].filters[0].left, nul-character [0].filters[1].right, nul-character [0].filters[2].right, nul-character [0].filters[3].left
+  9: number-text [0].filters[0].right, number-text [0].filters[1].left, function-fallback [0].filters[2].left
+  10: nul-character [0].to_state, nul-character [1].from_state
+
+Filters that can never hold, and that always do.
+
+  $ named <<EOF
+  > $memory | string =a == =b & integer =2 < =1 & double =nan == =nan & integer vmRssKB > =9223372036854775807
+  > $memory | integer =-9223372036854775808 > vmRssKB & string processName < = & double PseudoRandomDouble() < =0
+  > $memory | double PseudoRandomDouble() >= =1 & double =1 == PseudoRandomDouble()
+  > $cpu | double cpuAvgUtilization == =nan & double cpuAvgUtilization > =inf & integer pid != pid
+  > $cpu | double cpuAvgUtilization < cpuAvgUtilization
+  > $memory | $big & integer vmRssKB < =5; $memory | integer vmRssKB == =1 & integer vmRssKB == =2
+  > $memory | integer =10 < vmRssKB & integer =11 > vmRssKB
+  > $memory | integer vmRssKB >= =1 & integer vmRssKB <= =2 & integer vmRssKB != =1 & integer vmRssKB != =2
+  > $memory | string processName == =a & string processName == =b; $memory | string processName < =B & string processName > =a
+  > $memory | string processName == =a & string processName != =a; $memory | string processName > =b & string processName < =a
+  > $cpu | double cpuAvgUtilization >= =0 & double cpuAvgUtilization <= =-0.0 & double cpuAvgUtilization != =0
+  > $memory | string =a != =b & double =nan != =nan & string processName >= = & double PseudoRandomDouble() < =1
+  > $memory | double =-0.5 != PseudoRandomDouble() & string processName == processName
+  > EOF
+  0: never-true [0].filters[0], never-true [0].filters[1], never-true [0].filters[2], never-true [0].filters[3]
+  1: never-true [0].filters[0], never-true [0].filters[1], never-true [0].filters[2]
+  2: never-true [0].filters[0], never-true [0].filters[1]
+  3: never-true [0].filters[0], never-true [0].filters[1], never-true [0].filters[2]
+  4: never-true [0].filters[0]
+  5: never-true [0].filters[1], never-true [1].filters[1]
+  6: never-true [0].filters[1]
+  7: never-true [0].filters[3]
+  8: never-true [0].filters[1], never-true [1].filters[1]
+  9: never-true [0].filters[1], never-true [1].filters[1]
+  10: never-true [0].filters[2]
+  11: always-true [0].filters[0], always-true [0].filters[1], always-true [0].filters[2], always-true [0].filters[3]
+  12: always-true [0].filters[0], always-true [0].filters[1]
+
+And filters that may hold or not.
+
+  $ named <<EOF
+  > $memory | integer vmRssKB >= =-9223372036854775808 & integer vmRssKB >= =9223372036854775807
+  > $cpu | double cpuAvgUtilization != =nan & double cpuAvgUtilization >= =inf & double PseudoRandomDouble() <= =0
+  > $memory | string processName > = & double PseudoRandomDouble() < PseudoRandomDouble()
+  > $cpu | double cpuAvgUtilization == cpuAvgUtilization; $cpu | double cpuAvgUtilization != cpuAvgUtilization
+  > $memory | integer vmRssKB >= =10 & integer vmRssKB <= =10 & integer vmRssKB != =9
+  > $memory | integer vmRssKB > =5 & integer vmRssKB > =3 & integer vmSwapKB < =1
+  > $memory | string processName >= =a & string processName < =b & string processName != =a
+  > $memory | $random & double PseudoRandomDouble() > =0.9
+  > $cpu | double cpuAvgUtilization > =0 & double cpuAvgUtilization < =1e-300
+  > $cpu | double cpuAvgUtilization != =nan & double cpuAvgUtilization != =1
+  > EOF
+
+Numbers that are read as others, and those that are not.
+
+  $ said() {
+  >   machines >rules.json; vig check rules.json "$@" | sed -nE 's/^[^ ]*: (warning|error)/\1/p; s/^    (hint:)/  \1/p'
+  > }
+  $ said <<EOF | grep -v hint
+  > $test | integer x > =12kB & integer x > =0x10 & integer x > =1e3 & integer x > =12.9 & double x > =1,5
+  > $test | double x > =1 000 & double x > =9007199254740993 & double x > =-0.10000000000000000001
+  > $test | integer x > = +7 & double x > =0x10 & double x > =-00.10 & double x > =.5 & double x > =12. & double x > =0
+  > $test | double x > =1e-310 & double x > =-inf & double x > =9007199254740992 & double x > =007 & integer x < =12\t
+  > $test | integer x < =12\n & string x == =12kB
+  > EOF
+  warning: "12kB" is read as 12; "kB" is ignored [number-text]
+  warning: "0x10" is read as 0; "x10" is ignored [number-text]
+  warning: "1e3" is read as 1; "e3" is ignored [number-text]
+  warning: "12.9" is read as 12; ".9" is ignored [number-text]
+  warning: "1,5" is read as 1; ",5" is ignored [number-text]
+  warning: "1 000" is read as 1; " 000" is ignored [number-text]
+  warning: "9007199254740993" has more digits than a double holds, and is read as 9007199254740992 [number-text]
+  warning: "-0.10000000000000000001" has more digits than a double holds, and is read as -0.10000000000000000555 [number-text]
+
+The whole of what is said.
+
+  $ said --catalogue catalogue.json <<EOF
+  > start hto Test; hot end Test
+  > $memory | $big; $memory | $random & $big; $memory; $memory
+  > start a EnteringState | $random; a b EnteringState; b a EnteringState
+  > start a EnteringState; a b EnteringState; b c EnteringState; c d EnteringState; d e EnteringState | $random; e f EnteringState; f a EnteringState
+  > start start ProcessMemoryHeartBeat | $big $collect
+  > start end ZramHeartBeat |$collect; $cpu || LogZramHeartBeat
+  > $test | string x ==\u0000= =a & integer x > =12kB & double x > =1,5 & double x > =9007199254740993
+  > $memory | integer vmRsKB > =1 & double vmRssKB > =1 & integer limit < vmSwapKB
+  > start end SystemMemoryHeartBeat | $big; start end ZramHeartBeat | integer memUsedMaxBytes > =1
+  > $memory | integer vmRssKB > PseudoRandomDouble() & string processName == F() & double a > PseudoRandomDoubl()
+  > $memory | $big & integer =5 > vmRssKB
+  > $memory | integer vmRssKB >= =1 & integer vmRssKB <= =2 & integer vmRssKB != =1 & integer vmRssKB != =2
+  > $memory | integer =2 < =1 & string processName >= =
+  > EOF
+  warning: once in "hto", the machine does nothing any more [no-way-out]
+    hint: if that is meant, call the state "end"
+  warning: no chain of transitions leads from "start" to "hot" [unreachable-state]
+    hint: did you mean "hto"?
+  warning: this never fires: before it in "start" comes transitions[0] on ProcessMemoryHeartBeat, which fires whenever this one could [shadowed-transition]
+    hint: put this one before it, or give that one another filter
+  warning: this never fires: before it in "start" comes transitions[2] on ProcessMemoryHeartBeat, which always fires [shadowed-transition]
+    hint: put this one before it
+  error: EnteringState transitions lead from "a" to "b" to "a", without end: one event makes up to 1000 moves [endless-entering]
+    hint: let one of them listen for another event
+  warning: EnteringState transitions lead from "a" to "b" to "c" to "d" to "e" to \xe2\x80\xa6 to "a", unless filters say otherwise: one event makes up to 1000 moves [endless-entering] (esc)
+    hint: let one of them listen for another event
+  warning: "TriggerVelora" asks for a collection at every ProcessMemoryHeartBeat event that fulfils the filters, and the machine stays in "start" [trigger-storm]
+    hint: move to another state, or add the filter PseudoRandomDouble() < 0.1
+  warning: "TriggerVelora" needs attributes that ZramHeartBeat events are not known to have: processName (string), vmRssKB (int64), vmSwapKB (int64) [missing-attribute]
+    hint: without them it only logs; listen for another event
+  warning: "LogZramHeartBeat" needs attributes that ProcessCpuHeartBeat events are not known to have: memUsedMaxBytes (uint64), numCompressedDataBytes (uint64) [missing-attribute]
+    hint: without them it logs 0; listen for another event
+  warning: "==\u0000=" is read as "==": what follows the NUL is ignored [nul-character]
+    hint: write "==" if that is meant
+  warning: "12kB" is read as 12; "kB" is ignored [number-text]
+    hint: write "12" if that is meant
+  warning: "1,5" is read as 1; ",5" is ignored [number-text]
+    hint: the decimal point is "."
+  warning: "9007199254740993" has more digits than a double holds, and is read as 9007199254740992 [number-text]
+    hint: write fewer digits, or compare an int64 attribute as "integer"
+  warning: ProcessMemoryHeartBeat events are not known to have an attribute "vmRsKB" [unknown-attribute]
+    hint: did you mean "vmRssKB"?
+  warning: "vmRssKB" is known as int64, which a comparison as "double" never finds [wrong-kind]
+    hint: write "value_type": "integer"
+  warning: "limit" is looked for in the event alone, where it is not, and reads as 0: only a comparison with a constant looks at the context [context-ignored]
+    hint: compare it with a constant
+  warning: SystemMemoryHeartBeat events are not known to have an attribute "vmRssKB" [unknown-attribute]
+    hint: ProcessMemoryHeartBeat events have it
+  warning: "memUsedMaxBytes" is known as uint64, which a comparison as "integer" never finds [wrong-kind]
+    hint: attributes of the kinds uint64 and bool cannot be compared at all
+  warning: there is no function "PseudoRandomDouble" that gives the type "integer": it reads as 0 [function-fallback]
+    hint: write "value_type": "double"
+  warning: there is no function "F" that gives the type "string": it reads as the empty text [function-fallback]
+  warning: ProcessMemoryHeartBeat events are not known to have an attribute "a" [unknown-attribute]
+    hint: if the service gives it to them, name it in a file for --catalogue
+  warning: there is no function "PseudoRandomDoubl" that gives the type "double": it reads as 0 [function-fallback]
+    hint: did you mean "PseudoRandomDouble"?
+  warning: `5 > vmRssKB` contradicts `vmRssKB > 10` in the same transition [never-true]
+    hint: a transition fires only if all its filters hold: make two transitions for two cases
+  warning: `vmRssKB != 2` contradicts the filters before it taken together in the same transition [never-true]
+    hint: a transition fires only if all its filters hold: make two transitions for two cases
+  warning: `2 < 1` is never true, being a comparison of two constants [never-true]
+    hint: mend the filter, or leave the transition out
+  warning: `processName >= ""` is always true, whatever the event [always-true]
+    hint: leave the filter out
