@@ -162,6 +162,7 @@ Numbers that are read as others, and those that are not.
   > $test | integer x > = +7 & double x > =0x10 & double x > =-00.10 & double x > =.5 & double x > =12. & double x > =0
   > $test | double x > =1e-310 & double x > =-inf & double x > =9007199254740992 & double x > =007 & integer x < =12\t
   > $test | integer x < =12\n & string x == =12kB
+  > $test | integer =abc == =99999999999999999999
   > EOF
   warning: "12kB" is read as 12; "kB" is ignored [number-text]
   warning: "0x10" is read as 0; "x10" is ignored [number-text]
@@ -171,6 +172,9 @@ Numbers that are read as others, and those that are not.
   warning: "1 000" is read as 1; " 000" is ignored [number-text]
   warning: "9007199254740993" has more digits than a double holds, and is read as 9007199254740992 [number-text]
   warning: "-0.10000000000000000001" has more digits than a double holds, and is read as -0.10000000000000000555 [number-text]
+  warning: `abc == 99999999999999999999` is never true, being a comparison of two constants [never-true]
+  warning: "abc" is read as 0; "abc" is ignored [number-text]
+  warning: "99999999999999999999" is no number within the range, and is read as 9223372036854775807 [number-text]
 
 The whole of what is said.
 
