@@ -197,7 +197,7 @@ What is not part of a test file is an error at its place.
   > {"rules":"","tests":[{"name":"a","events":[{"event":"Tst"}],"expect":{}}]}
   > {"rules":"","tests":[{"name":"a","events":[],"expect":{"log":[{"priority":"inf","message":null}]}}]}
   > {"rules":"","tests":[{"name":"a","events":[],"expect":{"log":["\udc00"]}}]}
-  > {"rules":"","tests":[{"name":"a","events":[],"expect":{"states":{"x":"end"}}}]}
+  > {"rules":"","tests":[{"name":"a","events":[],"expect":{"states":{"x":"end","7x":"end"}}}]}
   > {"rules":"","tests":[{"name":"a","events":[],"expect":{}},{"name":"a","events":[],"expect":{}}]}
   > {"rules":"","tests":[{"name":"a","events":"absent","expect":{}}]}
   > EOF
@@ -216,6 +216,7 @@ What is not part of a test file is an error at its place.
   b.test.json:1:91: error: tests[0].expect.log[0].message: expected a string, got null
   b.test.json:1:75: error: tests[0].expect.log[0].priority: unknown priority "inf"; did you mean "info"?
   b.test.json:1:63: error: tests[0].expect.log[0]: invalid UTF-8
+  b.test.json:1:81: error: tests[0].expect.states: expected the id of a configuration as key, got "7x"
   b.test.json:1:70: error: tests[0].expect.states: expected the id of a configuration as key, got "x"
   b.test.json:1:67: error: tests[1].name: there is another test "a"
   b.test.json:1:43: error: tests[0].events: absent: No such file or directory
