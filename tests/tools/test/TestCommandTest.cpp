@@ -160,7 +160,7 @@ TEST_F(TestCommand, LongListsTakeLittleMemory) {
                  documentOf({transition("start", "a", "Test", "[]", kLog), transition("a", "a", "Test", "[]", kLog),
                              transition("a", "a", "EnteringState", "[]", kLog)}));
     // The machine goes round a thousand times at each event.
-    const std::string events = support::joined(std::vector<std::string>(40, R"({"event":"Test"})"));
+    const std::string events = support::joined(std::vector<std::string>(400, R"({"event":"Test"})"));
     const std::string lines = support::joined(std::vector<std::string>(2000, "\"0\""));
     const auto memoryFor = [&](const std::string& happening, const std::string& expect) {
         return support::peakMemory([&] { run(happening, expect); });
