@@ -58,7 +58,7 @@ ToolResult runVerb(int (*verb)(const Options&, const Tool::Console&, const Tool:
     return {status, out.content(), err.content()};
 }
 
-// Runs the tool with these arguments, but observes the machine that writeMachine() has written to that folder.
+// Runs the tool with these arguments; it observes the machine that writeMachine() has written to that folder.
 inline int runTool(const std::vector<std::string>& arguments, const Tool::Console& console,
                    const Tool::Interruption& interruption, const std::filesystem::path& machine = {}) {
     std::vector<const char*> all = {"vig"};
@@ -95,7 +95,7 @@ inline void writeMachine(const TemporaryFolder& folder, const std::string& proce
     folder.write("sys/block/zram0/mm_stat", "1 2 3 4 5 6 7 8 9\n");
 }
 
-// The lines that begin like that.
+// Returns the lines that begin like that.
 inline std::vector<std::string> linesWith(std::string_view text, std::string_view prefix) {
     std::vector<std::string> lines;
     for (std::size_t begin = 0; begin < text.size();) {

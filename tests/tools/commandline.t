@@ -1,0 +1,103 @@
+What is missing or wrong is a usage error, which names the help to read.
+
+  $ while read -r arguments; do
+  >   said=$(eval "vig $arguments" 2>&1)
+  >   echo "$? ${said//$'\n'/. }"
+  > done <<'EOF'
+  > walk
+  > run
+  > watch
+  > test
+  > check
+  > graph
+  > run r a b --explain
+  > run r a --format json --why-not p
+  > run r a --summary-only --explain
+  > run r - -
+  > run r a -j 0
+  > run r a -j 257
+  > run r --seed -1
+  > run r --seed 4294967296
+  > run r --format xml
+  > run r --interval 1s
+  > run r --context ''
+  > run r --why-not ''
+  > summary a --format jsonl
+  > watch r --interval 0
+  > watch r --record
+  > watch r --record ''
+  > test a --coverage-min 101
+  > test a --coverage-min 1x
+  > test a --junit ''
+  > check r --format jsonl
+  > check r --allow no-way-ou
+  > check r --catalogue ''
+  > check r --events ''
+  > graph r --events ''
+  > EOF
+  2 vig: error: A subcommand is required. Try: vig --help
+  2 vig: error: RULES is required. Try: vig run --help
+  2 vig: error: RULES is required. Try: vig watch --help
+  2 vig: error: FILE is required. Try: vig test --help
+  2 vig: error: RULES is required. Try: vig check --help
+  2 vig: error: RULES is required. Try: vig graph --help
+  2 vig: error: --explain and --why-not tell of one device: give one file, and no summary. Try: vig run --help
+  2 vig: error: --explain and --why-not tell of one device: give one file, and no summary. Try: vig run --help
+  2 vig: error: --explain and --why-not tell of one device: give one file, and no summary. Try: vig run --help
+  2 vig: error: standard input can be one device only. Try: vig run --help
+  2 vig: error: --jobs: Value 0 not in range 1 to 256. Try: vig run --help
+  2 vig: error: --jobs: Value 257 not in range 1 to 256. Try: vig run --help
+  2 vig: error: Could not convert: --seed = -1. Try: vig run --help
+  2 vig: error: Could not convert: --seed = 4294967296. Try: vig run --help
+  2 vig: error: --format: expected text|jsonl|json, got xml. Try: vig run --help
+  2 vig: error: The following argument was not expected: --interval. Try: vig run --help
+  2 vig: error: --context: expected a name, got nothing. Try: vig run --help
+  2 vig: error: --why-not: expected a name, got nothing. Try: vig run --help
+  2 vig: error: --format: expected text|json, got jsonl. Try: vig summary --help
+  2 vig: error: --interval: expected a time such as 500ms, 1s or 2m, got 0. Try: vig watch --help
+  2 vig: error: --record: 1 required FILE missing. Try: vig watch --help
+  2 vig: error: --record: expected a name, got nothing. Try: vig watch --help
+  2 vig: error: --coverage-min: expected a number from 0 to 100, got 101. Try: vig test --help
+  2 vig: error: --coverage-min: expected a number from 0 to 100, got 1x. Try: vig test --help
+  2 vig: error: --junit: expected a name, got nothing. Try: vig test --help
+  2 vig: error: --format: expected text|json|sarif, got jsonl. Try: vig check --help
+  2 vig: error: --allow: there is no warning "no-way-ou"; did you mean "no-way-out"?. Try: vig check --help
+  2 vig: error: --catalogue: expected a name, got nothing. Try: vig check --help
+  2 vig: error: --events: expected a name, got nothing. Try: vig check --help
+  2 vig: error: --events: expected a name, got nothing. Try: vig graph --help
+  $ for time in '' s -1s '1 s' 1e3 nan inf 1sec 99999999h; do vig watch r --duration "$time" 2>&1 | grep -o 'got .*'; done
+  got 
+  got s
+  got -1s
+  got 1 s
+  got 1e3
+  got nan
+  got inf
+  got 1sec
+  got 99999999h
+  $ vig
+  vig: error: A subcommand is required
+  Try: vig --help
+  [2]
+
+Every verb has a help with an example.
+
+  $ for verb in run summary watch test check catalogue graph; do vig "$verb" --help | grep ^Example; done
+  Example: which events of a recording fire a trigger? And why did the second transition not fire?
+  Example: two halves of a fleet, replayed apart
+  Example: watch for ten seconds, then play the recording to rules that were changed:
+  Example: all tests, with what they do not reach, and a report for the build server:
+  Example: check before a commit, as strictly as possible, for a service that arms timeouts:
+  Example: what do the events of this machine have?
+  Example: where does the recording get stuck?
+  $ vig --help | grep -A7 Subcommands
+  Subcommands:
+    check                       Says what is wrong with rule documents, all at once.
+    run                         Offers recorded events to the machines of a rule document.
+    summary                     Merges the summaries of runs over parts of a fleet.
+    watch                       Offers live events of this machine to the machines of a rule document.
+    catalogue                   Prints which attributes the events of a recording have.
+    test                        Runs the tests of rule documents.
+    graph                       Draws the machines of a rule document.
+  $ vig --version
+  vig 1.0.0
