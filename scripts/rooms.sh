@@ -17,7 +17,9 @@ grep -rHoE --include='*.h' --include='*.cpp' '^#include "(os|rulesengine|vig|too
         function folder(path) { sub(/\/[^\/]*$/, "", path); return path }
         NR == FNR {
             order[++count] = $1
+            seen[$1] = 1
             for (i = 2; i <= NF; ++i) {
+                if (!($i in seen)) { print "error: " $1 " is said to build on " $i ", which is not to its left" >"/dev/stderr"; wrong = 1 }
                 known[$1, $i] = 1
                 for (j = 1; j < count; ++j) if (($i, order[j]) in known) known[$1, order[j]] = 1
             }

@@ -2,7 +2,8 @@
 
 namespace Brenta::OS::VIG {
 
-// The rule document is this string property of the device configuration.
+// The manager and the device configuration speak by these texts. The rule document is this string property of the
+// device configuration.
 inline constexpr const char* kNamespace = "korvel_vig";
 inline constexpr const char* kResponseKey = "vig_response";
 

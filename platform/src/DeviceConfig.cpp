@@ -24,7 +24,7 @@
 // A change is found by reading: a client's thread reads the files of its listeners again and again, and tells of what
 // is another text than before. However a file is saved, linked, moved, removed or made, and whatever folder on its way
 // is exchanged, the next look sees it, and the system follows the links. A file in the midst of being written differs
-// from one look to the next, and is told of once it does not.
+// from one look to the next, and is told of once it does not: where the writer pauses for longer, half of it as well.
 
 namespace {
 
@@ -37,7 +37,7 @@ using Files = std::map<std::string, fs::path>;      // by namespace, slash and p
 using Values = std::map<std::string, std::string>;  // by property
 using Listener = std::shared_ptr<OnPropertiesChangeListener>;
 
-constexpr Clock::duration kShortestPause = std::chrono::milliseconds(50);
+constexpr Clock::duration kShortestPause = std::chrono::milliseconds(100);
 constexpr std::size_t kTooManyBytes = std::size_t{1} << 30;
 
 std::mutex boundMutex;

@@ -20,7 +20,7 @@ namespace Brenta::OS::VIG::Tool {
 using AttributeKind = RulesEngine::Event::ValueType;
 
 // The kinds as event records and catalogues name them, by their value.
-inline constexpr std::array<std::string_view, 5> kKindNames = {"uint64", "int64", "double", "bool", "string"};
+inline constexpr auto kKindNames = std::to_array<std::string_view>({"uint64", "int64", "double", "bool", "string"});
 
 inline std::string_view nameOf(AttributeKind kind) {
     return kKindNames[static_cast<std::size_t>(kind)];

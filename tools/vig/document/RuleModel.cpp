@@ -79,10 +79,6 @@ class Modeller {
     const DocumentText& document;
 };
 
-std::string_view textIn(const auto& table, auto key) {
-    return std::ranges::find(table.pairs, key, [](const auto& pair) { return pair.first; })->second;
-}
-
 std::string termOf(const OperandModel& model, FilterValueType valueType) {
     const std::string& text = model.operand.value;
     switch (model.operand.type) {

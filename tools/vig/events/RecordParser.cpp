@@ -26,8 +26,8 @@ static_assert(LineReader::PADDING >= simdjson::SIMDJSON_PADDING);
 
 namespace {
 
-constexpr std::array<std::string_view, 8> kMembers = {"event", "time_ms", "timeout_id", "uint64",
-                                                      "int64", "double",  "bool",       "string"};
+constexpr auto kMembers =
+    std::to_array<std::string_view>({"event", "time_ms", "timeout_id", "uint64", "int64", "double", "bool", "string"});
 
 template <typename T>
 constexpr std::string_view kExpected;

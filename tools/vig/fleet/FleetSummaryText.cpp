@@ -34,8 +34,7 @@ std::string jsonOf(const FleetSummary::Config& config);
 
 // Returns the elements as a JSON array.
 std::string listOf(const auto& elements) {
-    const auto each = elements | std::views::transform([](const auto& element) { return jsonOf(element); });
-    return fmt::format("[{}]", fmt::join(each, ","));
+    return "[" + joined(elements, ",", [](const auto& element) { return jsonOf(element); }) + "]";
 }
 
 std::string jsonOf(const FleetSummary::Config& config) {

@@ -39,7 +39,7 @@ class InterruptOnSignals {
     ~InterruptOnSignals();
 
   private:
-    static constexpr std::array<int, 4> kSignals = {SIGINT, SIGTERM, SIGPIPE, SIGXFSZ};
+    static constexpr auto kSignals = std::to_array({SIGINT, SIGTERM, SIGPIPE, SIGXFSZ});
 
     std::array<struct sigaction, kSignals.size()> previous{};
 };

@@ -159,11 +159,6 @@ class TextReport final : public Report {
     std::uint64_t otherTriggers = 0;
 };
 
-// Returns the elements, written by `write`, with commas between them.
-std::string listOf(const auto& elements, const auto& write) {
-    return fmt::format("{}", fmt::join(elements | std::views::transform(write), ","));
-}
-
 std::string jsonOf(const Summary::Machine& machine) {
     return fmt::format(R"({{"machine":{},"config_id":{},"payload_id":{},"state":{}}})", machine.name.index,
                        machine.name.configId, machine.payloadId, quoted(machine.state));
@@ -171,7 +166,7 @@ std::string jsonOf(const Summary::Machine& machine) {
 
 std::string jsonOf(const Summary::Sampling& sampling) {
     return fmt::format(R"(,"samples":{},"events_by_type":{{{}}})", sampling.samples,
-                       listOf(sampling.eventsByType, [](const auto& each) {
+                       joined(sampling.eventsByType, ",", [](const auto& each) {
                            return fmt::format(R"("{}":{})", nameOf(each.first), each.second);
                        }));
 }
@@ -187,7 +182,7 @@ class JsonlReport final : public Report {
             R"({{"type":"trigger","event":{},"machine":{},"config_id":{},"trigger_name":{},"process_name":{},)"
             R"("metadata":[{}]}})",
             line.event, line.machine.index, line.machine.configId, quoted(line.name),
-            line.processName ? quoted(*line.processName) : "null", listOf(line.metadata, quoted)));
+            line.processName ? quoted(*line.processName) : "null", joined(line.metadata, ",", quoted)));
     }
 
     void log(const LogLine& line) override {
@@ -214,7 +209,8 @@ class JsonlReport final : public Report {
 
     void end(const Summary& summary) override {
         writeLine(fmt::format(R"({{"type":"end","events":{},"triggers":{},"machines":[{}]{}}})", summary.events,
-                              summary.triggers, listOf(summary.machines, [](const auto& each) { return jsonOf(each); }),
+                              summary.triggers,
+                              joined(summary.machines, ",", [](const auto& each) { return jsonOf(each); }),
                               summary.sampling ? jsonOf(*summary.sampling) : ""));
     }
 

@@ -33,7 +33,7 @@ class RuleDocument {
     // The descriptor is readable while a delivery waits.
     int descriptor() const;
 
-    // The latest delivery since the last call, if any: saving the file brings another one.
+    // The latest delivery since the last call, if any: a change of the file brings another one.
     std::optional<Delivery> take();
 
     // Ends the deliveries. Nothing logs on behalf of the document afterwards.

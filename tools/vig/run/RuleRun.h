@@ -41,7 +41,8 @@ class RuleRun {
     RuleRun(const RuleRun&) = delete;
     RuleRun& operator=(const RuleRun&) = delete;
 
-    // Lets the trace see all that follows. It must outlive the run. REQUIRES: load() has not been called.
+    // Lets the trace see all that follows until finish() or abandon(), which it must outlive. REQUIRES: load() has not
+    // been called.
     void observe(Trace& listener) { trace = &listener; }
 
     // Reads the context and loads the rules. If that fails, returns the exit status, having said why unless the rules

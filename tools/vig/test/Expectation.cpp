@@ -103,7 +103,7 @@ std::vector<Row> aligned(std::size_t expectedCount, std::size_t actualCount, con
 }
 
 std::string list(const std::vector<std::string>& entries) {
-    return fmt::format("[{}]", fmt::join(entries | std::views::transform(quoted), ", "));
+    return "[" + joined(entries, ", ", quoted) + "]";
 }
 
 // Returns those fields that the trigger does not have like that.

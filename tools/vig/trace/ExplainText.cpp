@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
-#include <ranges>
 
 #include "tools/vig/events/EventNames.h"
 #include "tools/vig/words/Text.h"
@@ -79,7 +78,7 @@ std::string json(const ComparedValue& compared) {
 
 // Returns `render` of each element as a JSON array.
 std::string jsonArray(const auto& elements, const auto& render) {
-    return fmt::format("[{}]", fmt::join(elements | std::views::transform(render), ","));
+    return "[" + joined(elements, ",", render) + "]";
 }
 
 std::string json(const Comparison& comparison) {

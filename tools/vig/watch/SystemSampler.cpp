@@ -30,9 +30,9 @@ constexpr std::string_view kMemoryInfo[] = {"AnonPages",    "Buffers",  "Cached"
                                             "SwapCached",   "SwapFree", "SwapTotal"};
 
 // The columns of mm_stat, in order.
-constexpr std::array<std::string_view, 9> kZramColumns = {
-    "origDataBytes", "numCompressedDataBytes", "memUsedTotalBytes", "memLimitBytes",     "memUsedMaxBytes",
-    "samePages",     "pagesCompacted",         "hugePages",         "hugePagesSinceBoot"};
+constexpr auto kZramColumns = std::to_array<std::string_view>(
+    {"origDataBytes", "numCompressedDataBytes", "memUsedTotalBytes", "memLimitBytes", "memUsedMaxBytes", "samePages",
+     "pagesCompacted", "hugePages", "hugePagesSinceBoot"});
 
 template <typename T>
 std::optional<T> toNumber(std::string_view text) {

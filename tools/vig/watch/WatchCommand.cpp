@@ -164,7 +164,7 @@ int watch(const WatchOptions& options, const Console& console, const Interruptio
 
 constexpr const char* kHelp =
     R"(Events: ProcessMemoryHeartBeat and ProcessCpuHeartBeat of each process, SystemMemoryHeartBeat, and
-ZramHeartBeat of each zram device. Saving RULES meanwhile delivers it again; Ctrl-C ends with the summary.
+ZramHeartBeat of each zram device. A change of RULES is delivered meanwhile; Ctrl-C ends with the summary.
 
 Example: watch for ten seconds, then play the recording to rules that were changed:
   vig watch rules.json --duration 10s --record trace.jsonl

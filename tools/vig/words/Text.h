@@ -54,4 +54,16 @@ std::uint64_t hashOf(std::string_view text);
 // Returns how the system calls an errno value.
 std::string systemError(int number);
 
+// Returns what `render` makes of each element, with the separator between them.
+std::string joined(const auto& elements, std::string_view separator, const auto& render) {
+    std::string all;
+    std::string_view before;
+    for (const auto& each : elements) {
+        all += before;
+        all += render(each);
+        before = separator;
+    }
+    return all;
+}
+
 }  // namespace Brenta::OS::VIG::Tool
