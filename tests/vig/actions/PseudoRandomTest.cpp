@@ -4,11 +4,8 @@
 
 #include <algorithm>
 #include <cmath>
-#include <latch>
-#include <thread>
 
 #include "tests/support/TemporaryFolder.h"
-#include "vig/actions/PseudoRandomDoublePureFunctionImpl.h"
 #include "vig/actions/PseudoRandomGenerator.h"
 
 namespace {
@@ -64,28 +61,6 @@ TEST(PseudoRandomGenerator, SeedsWithoutTheDeviceDifferByTimeAndProcess) {
         EXPECT_NE(PseudoRandomGenerator::seedFrom(now ^ 1ULL << bit, 0x1234), seed) << bit;
         EXPECT_NE(PseudoRandomGenerator::seedFrom(now, 0x1234 ^ 1 << bit % 16), seed) << bit;
     }
-}
-
-TEST(PseudoRandomDouble, DrawsFromOneSequenceOnEveryThread) {
-    constexpr std::size_t kDraws = 100000;
-    PseudoRandomGenerator::ofProcess().seed(5489);
-    std::vector<double> values(2 * kDraws);
-    std::latch bothReady(2);
-    const auto drawInto = [&](std::size_t begin) {
-        const auto function = PseudoRandomDoublePureFunctionImpl::get();
-        bothReady.arrive_and_wait();
-        for (std::size_t i = begin; i < begin + kDraws; ++i) {
-            values[i] = function();
-        }
-    };
-    std::thread other(drawInto, kDraws);
-    drawInto(0);
-    other.join();
-    PseudoRandomGenerator generator(5489);
-    std::vector<double> expected = drawn(generator, 2 * kDraws);
-    std::sort(values.begin(), values.end());
-    std::sort(expected.begin(), expected.end());
-    EXPECT_EQ(values, expected);
 }
 
 }  // namespace
