@@ -29,7 +29,7 @@ export CCACHE_DIR=${CCACHE_DIR:-$WORK/ccache} CCACHE_NOHASHDIR=1 CCACHE_IGNOREOP
 use() {
     if [ "$1" = library ]; then
         TARGET=vig_internal
-        TESTS=(rulesengine_test actions_test lookup_test parsers_test manager_test failures_test robustness_test
+        TESTS=(rulesengine_test actions_test lookup_test parsers_test manager_test robustness_test
             realtime_test)
         FILES=('os/*.h' 'rulesengine/*.h' 'rulesengine/*.cpp' 'vig/*.h' 'vig/*.cpp')
     else
