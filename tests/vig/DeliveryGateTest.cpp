@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <chrono>
 #include <future>
 #include <string>
 
@@ -25,6 +26,7 @@ TEST(DeliveryGateTest, WhoWaitsIsLetThroughUnlessItsRegistrationIsOverOrTheGateI
             EXPECT_TRUE(DeliveryGate::Passage(gate, 1)) << "within a delivery nobody waits";
             waiter =
                 std::async(std::launch::async, [&gate] { return !gate.isInside() && DeliveryGate::Passage(gate, 1); });
+            EXPECT_EQ(waiter.wait_for(std::chrono::milliseconds(20)), std::future_status::timeout);
             if (meanwhile == "another registration") {
                 EXPECT_EQ(gate.beginRegistration(), 2U);
             } else if (meanwhile == "the end") {
