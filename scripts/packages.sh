@@ -10,7 +10,7 @@ readonly BUILD_PACKAGES=(
 )
 # What the tests need besides.
 # shellcheck disable=SC2034
-readonly TEST_PACKAGES=(groff-base libgmock-dev locales python3-cram python3-fastjsonschema)
+readonly TEST_PACKAGES=(groff-base libgmock-dev python3-cram python3-fastjsonschema)
 # What draws, for the tests of pictures.
 # shellcheck disable=SC2034
 readonly PICTURE_PACKAGES=(fonts-dejavu-core graphviz)

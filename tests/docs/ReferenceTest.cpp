@@ -1,6 +1,5 @@
 #include <gmock/gmock.h>
 
-#include <algorithm>
 #include <filesystem>
 #include <set>
 #include <string>
@@ -63,52 +62,6 @@ TEST(Reference, ShowsOnlyJsonThatTheLibraryAccepts) {
         const support::LogCapture log;
         EXPECT_THAT(VIGManager().parseResponse(docs::wholeOf(block)), testing::Not(testing::IsEmpty())) << block;
         EXPECT_THAT(log.messages(), testing::IsEmpty()) << block;
-    }
-}
-
-// Returns the files of the product, the fuzz targets and the pages that have one of the texts, but for where actions
-// and functions are made.
-std::set<std::string> filesWith(const std::vector<std::string>& texts) {
-    std::set<std::string> found;
-    for (const char* const folder : {"os", "rulesengine", "vig", "tools", "fuzz", "docs"}) {
-        for (const auto& entry : fs::recursive_directory_iterator(fs::path(VIG_SOURCE_DIR) / folder)) {
-            const std::string path = fs::relative(entry.path(), VIG_SOURCE_DIR);
-            const std::string content = entry.is_regular_file() ? docs::read(entry.path()) : "";
-            const auto isThere = [&](const std::string& text) { return content.find(text) != content.npos; };
-            if (!path.starts_with("vig/actions/") && !path.starts_with("fuzz/corpus/") &&
-                std::ranges::any_of(texts, isThere)) {
-                found.insert(path);
-            }
-        }
-    }
-    return found;
-}
-
-TEST(HowItWorks, NamesTheFilesToChange) {
-    const std::string page = docs::read(VIG_SOURCE_DIR "/docs/how-it-works.md");
-    const std::string table = page.substr(page.find("\n## Where to change what"));
-    for (const std::string& path : setOf(table, "`([^`]*/[^`]*)`")) {
-        EXPECT_TRUE(fs::exists(fs::path(VIG_SOURCE_DIR) / path)) << path;
-    }
-    // The files that name one of a kind have to name another one, but for those that have it as an example.
-    struct Kind {
-        std::string row;
-        std::vector<std::string> texts;
-        std::set<std::string> examples;
-    };
-    const Kind kinds[] = {
-        {"an event type", {"TelemetryEventEnd"}, {}},
-        {"an action", {"\"TriggerVeloraCpu\"", "`TriggerVeloraCpu`"}, {"docs/warnings.md"}},
-        {"a function",
-         {"\"PseudoRandomDouble\"", "`PseudoRandomDouble`"},
-         {"docs/warnings.md", "docs/performance.md", "fuzz/json.dict"}},
-    };
-    for (const auto& [kind, texts, examples] : kinds) {
-        const auto row = docs::allOf(table, "\n(\\| " + kind + " \\| [^\n]*)");
-        ASSERT_EQ(row.size(), 1U) << kind;
-        std::set<std::string> named = setOf(row[0], "`([^`]*/[^`]*\\.[a-z]+)`");
-        named.insert(examples.begin(), examples.end());
-        EXPECT_EQ(filesWith(texts), named);
     }
 }
 

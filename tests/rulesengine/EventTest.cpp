@@ -62,15 +62,14 @@ TEST(Event, WithoutOverridesHasNoAttributesAndMatchesItsOwnTypeOnly) {
 
 // Clients are compiled against this order.
 TEST(Interfaces, HaveTheirVirtualOperationsInAFixedOrder) {
-    EXPECT_THAT((std::vector{slotOf(&Event::matches), slotOf(&Event::getUint64Attr), slotOf(&Event::getInt64Attr),
-                             slotOf(&Event::getDoubleAttr), slotOf(&Event::getBoolAttr), slotOf(&Event::getStringAttr),
-                             slotOf(&Event::keys)}),
-                ElementsAre(0, 3, 4, 5, 6, 7, 8));
-    EXPECT_THAT((std::vector{slotOf(&EvaluationContext::getUint64Attr), slotOf(&EvaluationContext::getInt64Attr),
-                             slotOf(&EvaluationContext::getDoubleAttr), slotOf(&EvaluationContext::getBoolAttr),
-                             slotOf(&EvaluationContext::getStringAttr)}),
-                ElementsAre(2, 3, 4, 5, 6));
-    EXPECT_THAT((std::vector{slotOf(&Filter::operator()), slotOf(&Action::operator())}), ElementsAre(2, 2));
+    using Context = EvaluationContext;
+    EXPECT_THAT(
+        (std::vector{slotOf(&Event::matches), slotOf(&Event::getUint64Attr), slotOf(&Event::getInt64Attr),
+                     slotOf(&Event::getDoubleAttr), slotOf(&Event::getBoolAttr), slotOf(&Event::getStringAttr),
+                     slotOf(&Event::keys), slotOf(&Context::getUint64Attr), slotOf(&Context::getInt64Attr),
+                     slotOf(&Context::getDoubleAttr), slotOf(&Context::getBoolAttr), slotOf(&Context::getStringAttr),
+                     slotOf(&Filter::operator()), slotOf(&Action::operator())}),
+        ElementsAre(0, 3, 4, 5, 6, 7, 8, 2, 3, 4, 5, 6, 2, 2));
 }
 
 static_assert(std::is_same_v<std::underlying_type_t<EventType>, std::uint32_t>);

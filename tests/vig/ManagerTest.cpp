@@ -337,22 +337,6 @@ TEST_F(ManagerTest, WhatACallbackLeavesToTheEndOfItsThreadMayUseTheManager) {
     registration.get();
 }
 
-TEST_F(ManagerTest, AServiceThatNotifiesWithinItsOwnCallsDoesNoHarm) {
-    int deliveries = 0;
-    config.onAdded = [&](const auto& listener) { config.notify(listener); };
-    config.beforeRemoving = [&](const auto& listener) { config.notify(listener); };
-    manager->registerCallback([&](auto&&) {
-        if (++deliveries == 2) {
-            manager->registerCallback(second.callback());
-        }
-    });
-    second.waitFor(2);
-    destroy();
-    EXPECT_EQ(deliveries, 2);
-    EXPECT_EQ(config.mostListeners(), 1U);
-    EXPECT_THAT(config.listeners(), IsEmpty());
-}
-
 TEST_F(ManagerTest, ADeliveryMayUseTheManagerThoughARemovalWaitsForItsEnd) {
     int deliveries = 0;
     std::promise<void> delivering, removing, followed;
@@ -377,22 +361,6 @@ TEST_F(ManagerTest, ADeliveryMayUseTheManagerThoughARemovalWaitsForItsEnd) {
     manager->deregisterCallback();
     next.wait();
     destroy();
-    EXPECT_THAT(config.listeners(), IsEmpty());
-}
-
-TEST_F(ManagerTest, ARemovalWithinADeliveryMayWaitForTheNotificationOfAnotherThread) {
-    int deliveries = 0;
-    std::future<void> other;
-    registerAndListen([&](auto&&) {
-        if (++deliveries == 2) {
-            other = std::async(std::launch::async, [&] { config.notify(); });
-            EXPECT_TRUE(log.sees(kUpdated, 2));
-            EXPECT_EQ(other.wait_for(kMoment), std::future_status::timeout) << "deliveries come one at a time";
-            manager->deregisterCallback();
-        }
-    });
-    config.onRemoved = [&](const auto&) { other.wait(); };
-    config.notify();
     EXPECT_THAT(config.listeners(), IsEmpty());
 }
 

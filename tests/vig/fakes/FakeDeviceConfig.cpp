@@ -47,11 +47,8 @@ void DeviceConfig::addOnPropertiesChangeListener(const std::string& ns,
 void DeviceConfig::removeOnPropertiesChangeListener(const std::shared_ptr<OnPropertiesChangeListener>& listener) {
     FakeDeviceConfig& config = *FakeDeviceConfig::current;
     config.beforeRemoving(listener);
-    {
-        const std::lock_guard lock(config.mutex);
-        std::erase(config.registered, listener);
-    }
-    config.onRemoved(listener);
+    const std::lock_guard lock(config.mutex);
+    std::erase(config.registered, listener);
 }
 
 }  // namespace com::korvel::deviceconfig

@@ -31,7 +31,6 @@ class FakeDeviceConfig {
     std::function<void(const Listener&)> beforeAdding = [](const Listener&) {};
     std::function<void(const Listener&)> onAdded = [](const Listener&) {};
     std::function<void(const Listener&)> beforeRemoving = [](const Listener&) {};
-    std::function<void(const Listener&)> onRemoved = [](const Listener&) {};
     std::optional<std::promise<void>> asleep;  // if there is one, it is kept in a sleep that only a request ends
 
     void setResponse(std::optional<std::string> value) {

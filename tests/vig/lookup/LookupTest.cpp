@@ -21,18 +21,15 @@ struct Service : vendor::orlan::velora::BnTrigger {
 
 TEST(TriggerRequest, LooksUpAfterTheProcessNameAndCallsOnlyWhatWasFoundWithoutAnError) {
     const std::string failed = "Error while getting the service proxy: ";
-    const std::string nothing = " , triggerService is null!";
-    struct {
+    const struct {
         const char* processName;
         android::status_t status;
         bool isFound;
         std::string message;
-    } const cases[] = {{"camera", 0, true, ""},
-                       {"camera", -5, true, failed + "-5 "},
-                       {"camera", 1, true, failed + "1 "},
-                       {"camera", 0, false, failed + "0" + nothing},
-                       {"camera", -5, false, failed + "-5" + nothing},
-                       {"", -5, false, "Missing required attribute processName in event."}};
+    } cases[] = {{"camera", 0, true, ""},
+                 {"camera", 1, true, failed + "1 "},
+                 {"camera", -5, false, failed + "-5 , triggerService is null!"},
+                 {"", -5, false, "Missing required attribute processName in event."}};
     const auto synthesize = [](const auto&) { return TriggerMetadata{android::String16("entry")}; };
     for (const auto& [processName, status, isFound, message] : cases) {
         const auto service = android::sp<Service>::make();

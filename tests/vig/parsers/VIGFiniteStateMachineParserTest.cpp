@@ -45,6 +45,12 @@ class RecordingFactory : public VIGActionFunctionFactory {
     mutable std::vector<std::size_t> ran;
 };
 
+// Tells when its machine is destroyed.
+struct LoudContext : support::TestContext {
+    LoudContext() : WithAttributes({}) {}
+    ~LoudContext() override { VIG_LOG_ERROR("destroyed"); }
+};
+
 class MachineParserTest : public testing::Test {
   protected:
     // "Test" refuses parameters, what `recordKey` names does not.
@@ -53,19 +59,21 @@ class MachineParserTest : public testing::Test {
         const VIGParserConfig config({{"Test", EventType::Test}, {"EnteringState", EventType::EnteringState}},
                                      {{"Test", test}, {"Test(integer)", test}, {recordKey, factory}}, {}, {}, {}, {},
                                      [this] {
-                                         contexts.push_back(new support::TestContext({}));
-                                         return std::unique_ptr<support::TestContext>(contexts.back());
+                                         contexts.push_back(new LoudContext);
+                                         return std::unique_ptr<LoudContext>(contexts.back());
                                      });
         return VIGFiniteStateMachineParser().parse(value, config);
     }
 
-    // Every refusal ends with the line of the whole machine.
+    // Every refusal ends with the line of the whole machine, and then the machine goes.
     void expectRefused(const Json::Value& value, std::vector<std::string> messages) {
         const LogCapture log;
+        contexts.clear();
         const auto result = parse(value, "Record");
         EXPECT_EQ(result.error, VIGParseError::InvalidFsm);
         EXPECT_EQ(result.value, nullptr);
         messages.push_back("Invalid FSM JSON: " + value.toStyledString() + ".");
+        messages.insert(messages.end(), contexts.size(), "destroyed");
         EXPECT_EQ(log.lines(), support::errorLines(messages));
     }
 
@@ -79,7 +87,8 @@ class MachineParserTest : public testing::Test {
     }
 
     const std::shared_ptr<RecordingFactory> factory = std::make_shared<RecordingFactory>();
-    std::vector<support::TestContext*> contexts;
+    std::vector<LoudContext*> contexts;
+    const LogCapture unread;
 };
 
 Json::Value withAction(const std::string& action) {
@@ -117,19 +126,6 @@ TEST_F(MachineParserTest, ReportsTheFirstFaultOfATransitionAndReadsNoFurther) {
         expectRefused(json(machine({transition("start", "end", "Test"), bad, "1"})), {message});
     }
     EXPECT_THAT(factory->asked, ElementsAre(""));
-}
-
-TEST_F(MachineParserTest, DestroysARefusedMachineAfterTheLastLine) {
-    struct LoudContext : Brenta::OS::RulesEngine::EvaluationContext {
-        ~LoudContext() override { VIG_LOG_ERROR("destroyed"); }
-    };
-    const Json::Value value = json(machine({transition("start", "idle", "Test"), transition("start", "end", "Nope")}));
-    const VIGParserConfig config({{"Test", EventType::Test}}, {}, {}, {}, {}, {},
-                                 [] { return std::make_unique<LoudContext>(); });
-    const LogCapture log;
-    EXPECT_EQ(VIGFiniteStateMachineParser().parse(value, config).error, VIGParseError::InvalidFsm);
-    EXPECT_THAT(log.messages(),
-                ElementsAre("FSM Event not found!", "Invalid FSM JSON: " + value.toStyledString() + ".", "destroyed"));
 }
 
 TEST_F(MachineParserTest, RefusesABadActionWithItsMessages) {
@@ -200,22 +196,17 @@ TEST_F(MachineParserTest, AsksForAnActionByItsNameAndParameterTypes) {
     }
 }
 
-TEST_F(MachineParserTest, BuildsAMachineWithAContextOfItsOwnAndDoesNotStartIt) {
+TEST_F(MachineParserTest, BuildsAMachineThatIsNotStartedWithItsContextAndItsTransitionsAndActionsInOrder) {
     const auto empty = expectAccepted(json(R"({"transitions":[],"other":1})"));
     EXPECT_THAT(empty->getAllListeningEventTypes(), IsEmpty());
-    const auto entering = expectAccepted(json(machine({transition("start", "", "EnteringState")})));
-    EXPECT_EQ(entering->getCurrentState()->getName(), "start");
-    entering->start();
-    EXPECT_EQ(entering->getCurrentState()->getName(), "");
-    EXPECT_THAT(contexts, ElementsAre(empty->getContext(), entering->getContext()));
-}
-
-TEST_F(MachineParserTest, KeepsTheOrderOfTransitionsAndActions) {
-    const auto parsed = expectAccepted(
-        json(machine({transition("start", "start", "Test", support::filters({"integer x == =1"}),
-                                 R"([{"name":"Record"},{"name":"Test"}])"),
-                      transition("start", "idle", "Test", "[]", R"([{"name":"Record"},{"name":"Record"}])"),
-                      transition("start", "end", "Test")})));
+    const auto parsed = expectAccepted(json(machine(
+        {transition("start", "", "EnteringState"),
+         transition("", "", "Test", support::filters({"integer x == =1"}), R"([{"name":"Record"},{"name":"Test"}])"),
+         transition("", "idle", "Test", "[]", R"([{"name":"Record"},{"name":"Record"}])"),
+         transition("", "end", "Test")})));
+    EXPECT_THAT(contexts, ElementsAre(empty->getContext(), parsed->getContext()));
+    EXPECT_EQ(parsed->getCurrentState()->getName(), "start");
+    parsed->start();
     parsed->onEvent(support::TestEvent({.int64 = {{"x", 1}}}));
     parsed->onEvent(support::TestEvent({}));
     EXPECT_THAT(factory->ran, ElementsAre(1U, 2U, 3U));
