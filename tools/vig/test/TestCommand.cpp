@@ -122,7 +122,7 @@ class TestSuite {
             if (!copy) {
                 return interruption.requested() ? kExitInterrupted : unusable(file, problem);
             }
-            under = rulesByPath.try_emplace(rules, std::move(*copy), Coverage(file.rules)).first;
+            under = rulesByPath.try_emplace(rules, Rules{std::move(*copy), Coverage(file.rules)}).first;
         }
         auto& [copy, coverage] = under->second;
         std::size_t failed = 0;
