@@ -44,11 +44,8 @@ void drive(FiniteStateMachine& machine) {
             if (logLines > kMostLogLines) {
                 return;
             }
-            if (type == EventType::Timeout) {
-                machine.onEvent(support::TestTimeoutEvent(attributes, 7));
-            } else {
-                machine.onEvent(support::TestEvent(attributes, type));
-            }
+            type == EventType::Timeout ? machine.onEvent(support::TestTimeoutEvent(attributes, 7))
+                                       : machine.onEvent(support::TestEvent(attributes, type));
         }
     }
 }

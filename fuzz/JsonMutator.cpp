@@ -14,19 +14,11 @@ namespace fuzz {
 
 namespace {
 
-support::Mutator& mutator() {
-    static support::Mutator mutator;
-    return mutator;
-}
-
-support::DocumentGenerator& generator() {
-    constexpr std::size_t kPlacesForAnError = 1000;
-    static support::DocumentGenerator generator(mutator(), kPlacesForAnError);
-    return generator;
-}
+support::Mutator mutator;
+support::DocumentGenerator generator(mutator, 1000);
 
 std::size_t draw(std::size_t bound) {
-    return mutator().draw(bound);
+    return mutator.draw(bound);
 }
 
 std::string mutatedBytes(std::string text, std::size_t most) {
@@ -34,11 +26,6 @@ std::string mutatedBytes(std::string text, std::size_t most) {
     text.resize(most);
     text.resize(most == 0 ? 0 : LLVMFuzzerMutate(reinterpret_cast<std::uint8_t*>(text.data()), size, most));
     return text;
-}
-
-std::string generated(const Value& value) {
-    const std::string text = value.isElement ? generator().elementOf(value.key) : generator().valueOf(value.key);
-    return text.empty() ? generator().somethingElse() : text;
 }
 
 // Removes one of the commas at its sides, too.
@@ -50,24 +37,18 @@ void remove(std::string& text, const Value& value) {
     text.erase(begin, (isBeforeComma ? comma + 1 : value.end) - begin);
 }
 
-// Changes what stands between the quotes, if it is a string.
-void mutateLeaf(std::string& text, const Value& value) {
-    constexpr std::size_t kMoreBytes = 32;
-    const std::size_t quote = text[value.begin] == '"' && value.end - value.begin >= 2 ? 1 : 0;
-    const std::size_t begin = value.begin + quote;
-    const std::size_t size = value.end - quote - begin;
-    text.replace(begin, size, mutatedBytes(text.substr(begin, size), size + kMoreBytes));
-}
-
 void changeValue(std::string& text) {
     constexpr std::size_t kLong = 700;  // bytes, from which on a text shrinks as often as it grows
-    const std::string before = text;    // which the values point into
+    constexpr std::size_t kMoreBytes = 32;
+    const std::string before = text;  // which the values point into
     const std::vector<Value> values = valuesIn(before);
     if (values.empty()) {
         return;
     }
     const Value& value = values[draw(values.size())];
     const Value& other = values[draw(values.size())];
+    const std::size_t size = value.end - value.begin;
+    const std::size_t quote = text[value.begin] == '"' && size >= 2 ? 1 : 0;
     switch (text.size() > kLong && draw(2) == 0 ? 1 : draw(6)) {
         case 0:
             text.insert(value.end, "," + before.substr(value.memberBegin, value.end - value.memberBegin));
@@ -77,63 +58,59 @@ void changeValue(std::string& text) {
             break;
         case 2:
             if (other.key == value.key) {
-                text.replace(value.begin, value.end - value.begin, before, other.begin, other.end - other.begin);
+                text.replace(value.begin, size, before, other.begin, other.end - other.begin);
             }
             break;
-        case 3:
-            mutateLeaf(text, value);
+        case 3:  // what stands between the quotes, if it is a string
+            text.replace(value.begin + quote, size - 2 * quote,
+                         mutatedBytes(before.substr(value.begin + quote, size - 2 * quote), size + kMoreBytes));
             break;
-        default:
-            text.replace(value.begin, value.end - value.begin, generated(value));
+        default: {
+            const std::string drawn = value.isElement ? generator.elementOf(value.key) : generator.valueOf(value.key);
+            text.replace(value.begin, size, drawn.empty() ? generator.somethingElse() : drawn);
+        }
     }
 }
 
-// Returns what leads from the beginning of an array or object to one of its values; nothing if there is none.
-std::string wayIn(const std::string& text) {
-    const std::vector<Value> values = valuesIn(text);
-    if (values.empty()) {
-        return "";
-    }
-    const Value& inner = values[draw(values.size())];
-    const auto isAround = [&](const Value& each) { return each.begin < inner.begin && each.end >= inner.end; };
-    const auto outer = std::find_if(values.rbegin(), values.rend(), isAround);
-    return outer == values.rend() ? "" : text.substr(outer->begin, inner.begin - outer->begin);
-}
-
-// Repeats such a piece, often with a token replaced by another one, before which a comment may stand, as many times as
-// no document may be nested. Returns the text itself where that is too long.
+// Repeats what leads from the beginning of an array or object to one of its values, often with a token replaced by
+// another one, before which a comment may stand, as many times as no document may be nested. Returns the text itself
+// where that is too long or there is no such piece.
 std::string repeatedWayIn(const std::string& text, std::size_t most) {
     constexpr std::size_t kTimes = 1100;
+    const std::vector<Value> values = valuesIn(text);
     std::string piece;
-    for (int tries = 8; tries > 0 && (piece.empty() || piece.size() * kTimes > most); --tries) {
-        piece = wayIn(text);
+    for (int tries = values.empty() ? 0 : 8; tries > 0 && (piece.empty() || piece.size() * kTimes > most); --tries) {
+        const Value& inner = values[draw(values.size())];
+        const auto isAround = [&](const Value& each) { return each.begin < inner.begin && each.end >= inner.end; };
+        const auto outer = std::find_if(values.rbegin(), values.rend(), isAround);
+        piece = outer == values.rend() ? "" : text.substr(outer->begin, inner.begin - outer->begin);
     }
     Brenta::OS::VIG::JsonTokens tokens(piece);
     for (auto count = draw(8); count > 0 && tokens.next(); --count) {
     }
     if (!piece.empty() && draw(4) > 0) {
-        const std::string other = mutator().pick({"", "/**/", "//\n"}) +
-                                  mutator().pick({"[", "]", "{", "}", ",", ":", "0", "\"\"", "null", "\n"});
+        const std::string other = mutator.pick({"", "/**/", "//\n"}) +
+                                  mutator.pick({"[", "]", "{", "}", ",", ":", "0", "\"\"", "null", "\n"});
         piece.replace(tokens.offset(), tokens.token().size(), other);
     }
     std::string repeated;
     for (std::size_t count = kTimes; count > 0 && repeated.size() <= most; --count) {
         repeated += piece;
     }
-    return repeated.size() <= most ? repeated : text;
+    return repeated.empty() || repeated.size() > most ? text : repeated;
 }
 
 std::string mutatedJson(const std::string& text, std::size_t most) {
     std::string changed = text;
     switch (draw(32)) {
         case 0:
-            changed = generator().document();
+            changed = generator.document();
             break;
         case 1:
             changed = mutatedBytes(std::move(changed), most);
             break;
         case 2:
-            changed = mutator().mutated(text.empty() ? " " : text);
+            changed = mutator.mutated(text.empty() ? " " : text);
             break;
         case 3:
         case 4:
@@ -184,7 +161,7 @@ extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t s
     const std::string_view input(reinterpret_cast<const char*>(data), size);
     std::string text(input.substr(0, input.find('\0')));
     std::string rest(input.substr(text.size()));
-    fuzz::mutator().seed(seed);
+    fuzz::mutator.seed(seed);
     if (rest.empty() || seed % 3 != 0) {
         text = fuzz::mutatedJson(text, most - rest.size());
     } else {

@@ -2,11 +2,11 @@
 
 #include <fmt/format.h>
 #include <sanitizer/allocator_interface.h>
-#include <time.h>
 
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <ctime>
 
 #include "fuzz/JsonMutator.h"
 
@@ -33,32 +33,18 @@ void onRelease(const volatile void* memory) {
 
 [[maybe_unused]] const int hooks = __sanitizer_install_malloc_and_free_hooks(onAllocation, onRelease);
 
-double secondsOfThread() {
-    timespec now = {};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
-    return static_cast<double>(now.tv_sec) + 1e-9 * static_cast<double>(now.tv_nsec);
-}
-
 // Returns the seconds that it took.
 double useWithinMemory(const std::string& text, std::size_t always,
                        const std::function<void(const std::string&)>& use) {
     constexpr std::size_t kForAByte = 256;
     const std::size_t before = inUse;
-    const double begin = secondsOfThread();
+    const std::clock_t begin = std::clock();
     mostInUse = inUse;
     use(text);
     if (mostInUse - before > always + kForAByte * text.size()) {
         fail(fmt::format("{} bytes in use for a text of {} bytes", mostInUse - before, text.size()));
     }
-    return secondsOfThread() - begin;
-}
-
-std::string repeated(const std::string& text, std::size_t place, const std::string& piece, std::size_t size) {
-    std::string pieces;
-    while (!piece.empty() && pieces.size() < size) {
-        pieces += piece;
-    }
-    return text.substr(0, place) + pieces + text.substr(place);
+    return static_cast<double>(std::clock() - begin) / CLOCKS_PER_SEC;
 }
 
 void useLarge(const std::string& text, std::size_t always, std::size_t random,
@@ -72,11 +58,17 @@ void useLarge(const std::string& text, std::size_t always, std::size_t random,
         place = value.end;
         piece = "," + text.substr(value.memberBegin, value.end - value.memberBegin);
     }
-    const std::string small = repeated(text, place, piece, kSmall);
-    const std::string large = repeated(text, place, piece, kLarge);
+    const auto repeated = [&](std::size_t size) {
+        std::string pieces;
+        while (pieces.size() < size) {
+            pieces += piece;
+        }
+        return text.substr(0, place) + pieces + text.substr(place);
+    };
+    const std::string small = repeated(kSmall);
+    const std::string large = repeated(kLarge);
     std::string times;
-    constexpr int kTries = 3;  // the machine may have done something else
-    for (int tries = 0; tries < kTries; ++tries) {
+    for (int tries = 0; tries < 3; ++tries) {  // the machine may have done something else
         const double forSmall = useWithinMemory(small, always, use);
         const double forLarge = useWithinMemory(large, always, use);
         if (forLarge < 0.02 + 10 * forSmall) {  // 16 times as long if it were quadratic
