@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "fuzz/Limits.h"
+#include "fuzz/Inputs.h"
 #include "rulesengine/FiniteStateMachine.h"
 #include "tests/support/FakeTriggerService.h"
 #include "tests/support/TestEvent.h"

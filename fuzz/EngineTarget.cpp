@@ -14,8 +14,7 @@
 #include <type_traits>
 #include <vector>
 
-#include "fuzz/JsonMutator.h"
-#include "fuzz/Limits.h"
+#include "fuzz/Inputs.h"
 #include "fuzz/NaiveEngine.h"
 #include "rulesengine/FiniteStateMachine.h"
 #include "tests/support/FakeTriggerService.h"

@@ -115,14 +115,6 @@ std::optional<T> find(const support::NamedValues<T>& attributes, const std::stri
 
 using Scalar = std::variant<std::string, std::int64_t, double>;
 
-// Returns a number as one side of a filter.
-template <typename T>
-std::optional<Scalar> numberOf(const support::NamedValues<T>& event, const support::NamedValues<T>& context,
-                               const std::string& name, bool isAgainstConstant) {
-    const auto own = find(event, name);
-    return own || !isAgainstConstant ? own.value_or(0) : find(context, name);
-}
-
 // Such filters have rules of their own.
 inline bool hasOneConstant(const Json::Value& filter) {
     return (filter["operand1"]["type"] == "constant") != (filter["operand2"]["type"] == "constant");
@@ -283,8 +275,11 @@ class Engine {
             const std::string found = find(own.string, text).value_or("");
             return isAgainstConstant && found.empty() ? find(world.context.string, text).value_or("") : found;
         }
-        return type == "integer" ? numberOf(own.int64, world.context.int64, text, isAgainstConstant)
-                                 : numberOf(own.real, world.context.real, text, isAgainstConstant);
+        const auto number = [&](const auto& values, const auto& context) -> std::optional<Scalar> {
+            const auto found = find(values, text);
+            return found || !isAgainstConstant ? found.value_or(0) : find(context, text);
+        };
+        return type == "integer" ? number(own.int64, world.context.int64) : number(own.real, world.context.real);
     }
 
     void act(const std::string& action, const Event& event) {

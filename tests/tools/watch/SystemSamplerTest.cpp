@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <filesystem>
 #include <string>
@@ -12,9 +13,9 @@
 
 #include "tests/support/TemporaryFolder.h"
 #include "tests/tools/ToolRun.h"
+#include "tests/tools/events/Reading.h"
 #include "tools/vig/check/Catalogue.h"
 #include "tools/vig/events/EventRecord.h"
-#include "tools/vig/io/Output.h"
 
 namespace Brenta::OS::VIG::Tool {
 
@@ -41,29 +42,25 @@ class SystemSamplerTest : public testing::Test {
 
     // The events as records, without what is the same in all of them.
     Strings sample() {
-        const support::MemoryFile file;
-        Output output(file.descriptor);
-        sampler.sample(1200, [&](const EventRecord& record) { writeEvent(output, record); });
-        output.flush();
+        std::vector<EventRecord> records;
+        sampler.sample(1200, [&](const EventRecord& record) { records.push_back(record); });
         now += std::chrono::seconds(1);
-        Strings records;
-        for (std::string& line : support::linesWith(file.content(), "")) {
-            const std::string time = ",\"time_ms\":1200";
-            records.push_back(line.erase(line.find(time), time.size()).substr(10));
-        }
-        return records;
+        Strings lines = support::linesWith(support::written(records), "");
+        const std::string time = ",\"time_ms\":1200";
+        std::ranges::for_each(lines, [&](auto& line) { line = line.erase(line.find(time), time.size()).substr(10); });
+        return lines;
     }
 
     static std::string memory(int pid, const std::string& name) {
-        return fmt::format(R"(ProcessMemoryHeartBeat","int64":{{"pid":{},"vmRssKB":100,"vmSwapKB":0}},)"
-                           R"("string":{{"processName":"{}"}}}})",
-                           pid, name);
+        constexpr auto kForm =
+            R"(ProcessMemoryHeartBeat","int64":{{"pid":{},"vmRssKB":100,"vmSwapKB":0}},"string":{{"processName":"{}"}}}})";
+        return fmt::format(kForm, pid, name);
     }
 
     static std::string cpu(int pid, const std::string& name, const std::string& percent) {
-        return fmt::format(R"(ProcessCpuHeartBeat","int64":{{"pid":{}}},"double":{{"cpuAvgUtilization":{}}},)"
-                           R"("string":{{"processName":"{}"}}}})",
-                           pid, percent, name);
+        constexpr auto kForm =
+            R"(ProcessCpuHeartBeat","int64":{{"pid":{}}},"double":{{"cpuAvgUtilization":{}}},"string":{{"processName":"{}"}}}})";
+        return fmt::format(kForm, pid, percent, name);
     }
 
     const support::TemporaryFolder machine;
@@ -157,12 +154,11 @@ TEST_F(SystemSamplerTest, MissingSourceIsToldOnce) {
     EXPECT_EQ(sample(), Strings());
     EXPECT_EQ(sample(), Strings());
     const std::string proc = machine.path("proc");
-    EXPECT_EQ(notes, (Strings{
-                         proc + "/meminfo: No such file or directory: no amounts in SystemMemoryHeartBeat",
-                         proc + "/pressure/memory: No such file or directory: no pressure in SystemMemoryHeartBeat",
-                         machine.path("sys").string() + "/block/zram*: No such file or directory: no ZramHeartBeat",
-                         proc + ": No such file or directory: no events of processes",
-                     }));
+    const std::string zram = machine.path("sys/block/zram*");
+    const std::string missing = ": No such file or directory: no ";
+    EXPECT_EQ(notes, (Strings{proc + "/meminfo" + missing + "amounts in SystemMemoryHeartBeat",
+                              proc + "/pressure/memory" + missing + "pressure in SystemMemoryHeartBeat",
+                              zram + missing + "ZramHeartBeat", proc + missing + "events of processes"}));
 }
 
 TEST(SystemSampler, ThisMachineHasAtLeastThisProcess) {
