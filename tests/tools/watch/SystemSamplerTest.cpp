@@ -146,7 +146,8 @@ TEST_F(SystemSamplerTest, AnyNameIsReadAsItIsOrMadeValid) {
     for (const auto& [kernel, expected] : cases) {
         addProcess(7, kernel, 0);
         sample();
-        EXPECT_EQ(sample(), (Strings{memory(7, expected), cpu(7, expected, "0")})) << kernel;
+        addProcess(7, kernel, second);
+        EXPECT_EQ(sample(), (Strings{memory(7, expected), cpu(7, expected, "100")})) << kernel;
     }
 }
 
