@@ -7,8 +7,8 @@
 #include <vector>
 
 // Changes the inputs of all targets: mostly such that a text keeps the shape of JSON, and of a rule document if it is
-// one, now and then by single bytes, or to a new document. What follows a NUL is bytes that are changed on their own.
-// And holds what reading an input may take.
+// one, now and then by single bytes, or to a new document. Behind a NUL stand bytes that are changed on their own.
+// Holds their reading to limits of memory and time, too.
 namespace fuzz {
 
 // A value in a JSON text.

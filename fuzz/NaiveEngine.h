@@ -34,7 +34,7 @@ struct Event {
     support::Attributes attributes;
 };
 
-// What the machines meet where they run.
+// The machines meet this where they run.
 struct World {
     Names eventTypes;                                          // that documents may name
     std::map<std::string, std::function<double()>> functions;  // those too, of the value type "double"

@@ -82,7 +82,7 @@ TEST(Interruption, EndsWhateverWaitsForAPipe) {
         const support::MemoryFile err;
         Interruption interruption;
         {
-            // What is read stays without its end.
+            // The pipe has no end.
             const std::jthread user([&] {
                 for (int unread = 1; unread > 0; ioctl(ends[0], FIONREAD, &unread)) {
                     std::this_thread::yield();
