@@ -38,8 +38,7 @@ report() {
         /^stat::average_exec_per_sec/ { speed = $2 }
         /^stat::peak_rss_mb/ { memory = $2 }
         / cov: / { edges = $4; features = $6 }
-        /^shares:/ { sub("shares:", ""); shares = $0 }
-        END { printf "%-10s %11d %8d %7d MB %7d %9d%s\n", target, runs, speed, memory, edges, features, shares }' "$log"
+        END { printf "%-10s %11d %8d %7d MB %7d %9d\n", target, runs, speed, memory, edges, features }' "$log"
     if [ -e "$FOUND/$target-failed" ]; then
         tail -n 40 "$log" >&2
         echo "fuzz_$target has failed:" "$FOUND/$target"-* >&2
@@ -50,7 +49,7 @@ report() {
 install_packages "${BUILD_PACKAGES[@]}" "${FUZZ_PACKAGES[@]}"
 build_preset fuzz vig_fuzz
 
-readonly TARGETS=(documents engine events files)
+readonly TARGETS=(documents engine events)
 mkdir -p "$FOUND"
 for target in "${TARGETS[@]}"; do
     while [ "$(jobs -rp | wc -l)" -ge 2 ]; do

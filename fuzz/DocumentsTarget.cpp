@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "fuzz/Limits.h"
+#include "fuzz/Inputs.h"
 #include "rulesengine/FiniteStateMachine.h"
 #include "tests/support/FakeTriggerService.h"
 #include "tests/support/TestEvent.h"
@@ -44,11 +44,8 @@ void drive(FiniteStateMachine& machine) {
             if (logLines > kMostLogLines) {
                 return;
             }
-            if (type == EventType::Timeout) {
-                machine.onEvent(support::TestTimeoutEvent(attributes, 7));
-            } else {
-                machine.onEvent(support::TestEvent(attributes, type));
-            }
+            type == EventType::Timeout ? machine.onEvent(support::TestTimeoutEvent(attributes, 7))
+                                       : machine.onEvent(support::TestEvent(attributes, type));
         }
     }
 }

@@ -1,95 +1,30 @@
-#include <unistd.h>
-
 #include <algorithm>
-#include <array>
 #include <cstdint>
+#include <optional>
 #include <string>
-#include <string_view>
-#include <utility>
-#include <vector>
 
-#include "fuzz/Limits.h"
+#include "fuzz/Inputs.h"
+#include "tests/tools/events/Reading.h"
 #include "tools/vig/events/ByteSource.h"
-#include "tools/vig/events/EventReader.h"
-#include "tools/vig/events/EventRecord.h"
-#include "tools/vig/events/RecordParser.h"
-#include "tools/vig/io/Output.h"
 
-// A file of event records, plain or compressed. Read in small pieces it must give the same as in large ones, and each
-// record written and read again must be the same one.
-
-namespace Tool = Brenta::OS::VIG::Tool;
-
-namespace {
-
-using Tool::EventReader;
-using Tool::EventRecord;
-
-struct Reading {
-    std::vector<EventRecord> records = {};
-    std::string error = {};
-
-    bool operator==(const Reading&) const = default;
-};
-
-// Reads the events through a pipe, in pieces of that size.
-Reading readEvents(std::string_view text, std::size_t size) {
-    static const Tool::Interruption never;
-    std::array<int, 2> ends{};
-    if (pipe(ends.data()) != 0) {
-        fuzz::fail("there is no pipe");
-    }
-    EventReader reader(ends[0], "events", never, [&] {
-        const std::string_view piece = text.substr(0, size);
-        if (piece.empty()) {
-            close(std::exchange(ends[1], -1));
-        } else if (write(ends[1], piece.data(), piece.size()) != static_cast<ssize_t>(piece.size())) {
-            fuzz::fail("the pipe is full");
-        }
-        text.remove_prefix(piece.size());
-    });
-    Reading reading;
-    EventRecord record;
-    auto status = reader.next(record);
-    for (; status == EventReader::Status::Record; status = reader.next(record)) {
-        reading.records.push_back(record);
-    }
-    reading.error = status == EventReader::Status::Failed ? reader.error() : "";
-    close(ends[0]);
-    close(ends[1]);  // open if the reader has given up
-    return reading;
-}
-
-void writeAndReadAgain(const EventRecord& record) {
-    std::string line;
-    Tool::Output output([&](std::string_view text) {
-        line += text;
-        return 0;
-    });
-    writeEvent(output, record);
-    output.flush();
-    const std::size_t size = line.size() - 1;
-    line.append(Tool::LineReader::PADDING, ' ');
-    static Tool::RecordParser parser;
-    EventRecord again;
-    if (!parser.parse(std::string_view(line).substr(0, size), again) || !(again == record)) {
-        fuzz::fail("read again otherwise: " + line + parser.error());
-    }
-}
-
-}  // namespace
+// A file of event records, plain or compressed. Read in small pieces it must give the same as in large ones, and the
+// records written and read again must be the same ones.
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    constexpr std::size_t kLargePiece = 32768;
+    namespace Tool = Brenta::OS::VIG::Tool;
+    using support::Reading;
     constexpr std::size_t kOneIn = 8;  // most of the time goes into making a reader
     const std::string text(reinterpret_cast<const char*>(data), size);
     // A small compressed file may ask for a large window, and holds lines that are larger than it.
     const std::size_t always = (Tool::mayBeCompressed(text.substr(0, Tool::kMagicSize)) ? 200 : 4) * fuzz::kMegabyte;
-    Reading reading;
-    fuzz::useWithinLimits(text, always, [&](const std::string& events) { reading = readEvents(events, kLargePiece); });
-    if (size % kOneIn == 0 && readEvents(text, std::min(1 + size / 3, kLargePiece)) != reading) {
+    std::optional<Reading> reading;
+    fuzz::useWithinLimits(text, always, [&](const std::string& events) { reading.emplace(events); });
+    if (size % kOneIn == 0 && !Reading(text, 1 + size / 3).isSame(*reading)) {
         fuzz::fail("small pieces give something else");
     }
-    std::ranges::for_each(reading.records, writeAndReadAgain);
+    const std::string again = support::written(reading->records);
+    if (const Reading second(again); !second.error.empty() || second.records != reading->records) {
+        fuzz::fail("read again otherwise: " + again + second.error);
+    }
     return 0;
 }

@@ -5,6 +5,8 @@
 #include <sys/ioctl.h>
 #include <unistd.h>
 
+#include <map>
+#include <sstream>
 #include <string>
 #include <thread>
 #include <utility>
@@ -18,12 +20,6 @@ namespace Brenta::OS::VIG::Tool {
 
 namespace {
 
-void (*handlerOf(int number))(int) {
-    struct sigaction action = {};
-    sigaction(number, nullptr, &action);
-    return action.sa_handler;
-}
-
 TEST(InterruptionDeathTest, SecondSignalOfEitherKindEndsTheProcess) {
     for (const auto& [first, second] :
          {std::pair(SIGINT, SIGINT), {SIGTERM, SIGTERM}, {SIGINT, SIGTERM}, {SIGTERM, SIGINT}}) {
@@ -33,10 +29,7 @@ TEST(InterruptionDeathTest, SecondSignalOfEitherKindEndsTheProcess) {
             Interruption interruption;
             const InterruptOnSignals signals(interruption);
             raise(once);
-            if (interruption.requested()) {
-                raise(again);
-            }
-            _exit(0);
+            raise(interruption.requested() ? again : SIGKILL);
         };
         EXPECT_EXIT(pressTwice(first, second), testing::KilledBySignal(second), "");
     }
@@ -47,61 +40,49 @@ TEST(InterruptionDeathTest, WhatWasIgnoredStaysSoAndAllIsAsBeforeAfterwards) {
         signal(SIGINT, SIG_IGN);
         signal(SIGTERM, SIG_DFL);
         signal(SIGPIPE, SIG_DFL);
+        Interruption interruption;
+        bool early = true;
         {
-            Interruption interruption;
             const InterruptOnSignals signals(interruption);
             raise(SIGINT);
             raise(SIGPIPE);
             raise(SIGXFSZ);
-            const bool early = interruption.requested();
+            early = interruption.requested();
             raise(SIGTERM);
-            if (early || !interruption.requested()) {
-                _exit(1);
-            }
         }
-        _exit(handlerOf(SIGINT) == SIG_IGN && handlerOf(SIGTERM) == SIG_DFL && handlerOf(SIGPIPE) == SIG_DFL ? 0 : 2);
+        const bool isRight = !early && interruption.requested() && signal(SIGINT, SIG_DFL) == SIG_IGN &&
+                             signal(SIGTERM, SIG_DFL) == SIG_DFL && signal(SIGPIPE, SIG_DFL) == SIG_DFL;
+        _exit(isRight ? 0 : 1);
     };
     EXPECT_EXIT(interrupt(), testing::ExitedWithCode(0), "");
 }
 
 TEST(Interruption, EndsWhateverWaitsForAPipe) {
     const support::TemporaryFolder folder;
-    const std::string rules = folder.write("rules.json", support::document({}));
-    const std::string events = folder.write("events.jsonl", "{\"event\":\"Test\"}\n");
     int ends[2];
     ASSERT_EQ(pipe(ends), 0);
-    const std::string path = "/dev/fd/" + std::to_string(ends[0]);
-    const std::string test = folder.write(
-        "a.test.json", R"({"rules":"rules.json","tests":[{"name":"a","expect":{},"events":")" + path + "\"}]}");
-    // The pipe is standard input, too.
-    const std::vector<std::string> cases[] = {
-        {"check", path},
-        {"check", rules, "--catalogue", path},
-        {"check", rules, "--events", path},
-        {"graph", path},
-        {"graph", rules, "--events", path},
-        {"graph", rules, "--events", events, "--context", path},
-        {"run", path},
-        {"run", rules, "--context", path},
-        {"run", rules, path},
-        {"run", rules},
-        {"run", rules, "--summary-only", "--context", path},
-        {"watch", path},
-        {"watch", rules, "--context", path},
-        {"summary", path},
-        {"summary"},
-        {"catalogue", path},
-        {"test", path},
-        {"test", test},
-    };
-    for (const auto& command : cases) {
-        SCOPED_TRACE(testing::PrintToString(command));
+    std::map<std::string, std::string> files = {{"P", "/dev/fd/" + std::to_string(ends[0])}};
+    files["R"] = folder.write("rules.json", support::document({}));
+    files["E"] = folder.write("events.jsonl", "{\"event\":\"Test\"}\n");
+    files["T"] = folder.write(
+        "test", R"({"rules":"rules.json","tests":[{"name":"a","expect":{},"events":")" + files["P"] + "\"}]}");
+    // The pipe, which is standard input, too, is P.
+    for (const std::string line : {"check P", "check R --catalogue P", "check R --events P", "graph P",
+                                   "graph R --events P", "graph R --events E --context P", "run P", "run R --context P",
+                                   "run R P", "run R", "run R --summary-only --context P", "watch P",
+                                   "watch R --context P", "summary P", "summary", "catalogue P", "test P", "test T"}) {
+        SCOPED_TRACE(line);
+        std::istringstream words(line);
+        std::vector<std::string> command;
+        for (std::string word; words >> word;) {
+            command.push_back(files.contains(word) ? files[word] : word);
+        }
         ASSERT_EQ(write(ends[1], "{", 1), 1);
         const support::MemoryFile out;
         const support::MemoryFile err;
         Interruption interruption;
         {
-            // What is read stays without its end.
+            // The pipe has no end.
             const std::jthread user([&] {
                 for (int unread = 1; unread > 0; ioctl(ends[0], FIONREAD, &unread)) {
                     std::this_thread::yield();
