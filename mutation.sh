@@ -45,7 +45,7 @@ tests_of() {
     local own
     case $1 in
         vig/WatcherSleep.cpp) own=realtime_test ;; # the others have another in its place
-        vig/base/* | vig/actions/*) own=actions_test ;;
+        vig/base/* | vig/functions/* | vig/actions/*) own=actions_test ;;
         vig/parsers/*) own=parsers_test ;;
         vig/*) own=manager_test ;;
         tools/vig/fleet/*) own=fleet_test ;;

@@ -15,8 +15,8 @@
 
 #include "bench/Scenario.h"
 #include "rulesengine/Event.h"
-#include "vig/actions/PseudoRandomDoublePureFunctionImpl.h"
 #include "vig/actions/VIGTriggerVeloraFuncActionFactoryImpl.h"
+#include "vig/functions/PseudoRandomDoublePureFunctionImpl.h"
 
 namespace bench {
 

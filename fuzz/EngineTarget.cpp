@@ -21,7 +21,7 @@
 #include "tests/support/TestEvent.h"
 #include "tools/vig/document/Registry.h"
 #include "vig/VIGManager.h"
-#include "vig/actions/PseudoRandomGenerator.h"
+#include "vig/functions/PseudoRandomGenerator.h"
 
 // A rule document and, after the first NUL, bytes that stand for what its machines are given. The library and the naive
 // engine must do the same with them.

@@ -6,7 +6,7 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 # A line for each folder, from left to right: its name, and the folders that it builds on.
 folders() {
-    printf '%s\n' os 'rulesengine os' 'vig/base rulesengine' 'vig/actions vig/base' 'vig/parsers vig/actions' 'vig vig/parsers'
+    printf '%s\n' os 'rulesengine os' 'vig/base rulesengine' 'vig/functions vig/base' 'vig/actions vig/functions' 'vig/parsers vig/actions' 'vig vig/parsers'
     sed -nE 's/^vig_add_room\((.*)\)$/\1/p' tools/vig/CMakeLists.txt | sed -E 's|[^ ]+|tools/vig/&|g; s|$| vig|'
     echo "tools/vig $(sed -nE 's|^vig_add_room\(([^ )]*).*|tools/vig/\1|p' tools/vig/CMakeLists.txt | xargs)"
 }

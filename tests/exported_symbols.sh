@@ -5,7 +5,7 @@ set -euo pipefail
 families='(RulesEngine::((Entering|Timeout)?(State)?Event|EvaluationContext|FiniteStateMachine|State|Transition|Filter|Action'
 families+='|FuncFilter|FuncAction|(EvtAndContext|ReturnValue)Comparator<.*>)'
 families+='|VIG::(VIGParserConfig|VIGIParser<.*>|VIG(Response|Config|ConfigPayload|FiniteStateMachine)Parser|VIGConfig'
-families+='|VIGConfigPayload|FilterOperand|VIGActionFunctionFactory|(Test|LogZramHeartBeat)ActionFunctionFactory'
+families+='|VIGConfigPayload|FilterOperand|\w+ActionFunctionFactory'
 families+='|VIGTriggerVelora(Cpu)?FuncActionFactoryImpl|PseudoRandomDoublePureFunctionImpl|VIGManager'
 families+='|_createTyped(EvtAndContextComparator|PureFuncReturnValueComparator)<.*>))(::|\(|$)'
 

@@ -20,7 +20,6 @@
 #include <utility>
 
 #include "vig/DeliveryGate.h"
-#include "vig/DoubleFunctions.h"
 #include "vig/EventTypeNames.h"
 #include "vig/ResponseListener.h"
 #include "vig/ResponseProperty.h"
@@ -30,6 +29,7 @@
 #include "vig/actions/VIGTriggerVeloraCpuFuncActionFactoryImpl.h"
 #include "vig/actions/VIGTriggerVeloraFuncActionFactoryImpl.h"
 #include "vig/base/Log.h"
+#include "vig/functions/DoubleFunctions.h"
 #include "vig/parsers/VIGResponseParser.h"
 
 namespace Brenta::OS::VIG {

@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <set>
 #include <string>
@@ -7,8 +8,10 @@
 
 #include "tests/docs/Fragments.h"
 #include "tests/support/LogCapture.h"
+#include "tools/vig/check/ActionNeeds.h"
 #include "tools/vig/document/Registry.h"
 #include "vig/EventTypeNames.h"
+#include "vig/ResponseProperty.h"
 #include "vig/VIGManager.h"
 #include "vig/parsers/FilterParser.h"
 
@@ -41,6 +44,18 @@ TEST(Reference, NamesEverythingThatDocumentsMayName) {
     for (const auto& [name, function] : registry.getDoublePureFunctions()) {
         EXPECT_NE(kReference.find("`" + name + "`", kReference.find("\n## Functions")), std::string::npos) << name;
     }
+    // Each attribute that an action reads stands in a row, with its kind.
+    const auto rows = docs::allOf(kReference, "(\n\\|.*\\|)");
+    for (const Tool::KnownAction& action : Tool::kActions) {
+        for (const Tool::ActionNeed& need : action.needs) {
+            std::string kind(Tool::nameOf(need.kind));
+            kind[0] = static_cast<char>(kind[0] - 'a' + 'A');
+            EXPECT_TRUE(std::ranges::any_of(rows, [&](const std::string& row) {
+                return row.find("`" + std::string(need.attribute) + "`") != row.npos &&
+                       row.find("| " + kind + " |") != row.npos;
+            })) << need.attribute;
+        }
+    }
     for (const std::string_view text : kFilterOperatorTable.texts()) {
         EXPECT_NE(kReference.find("`" + std::string(text) + "` ("), std::string::npos) << text;
     }
@@ -51,6 +66,9 @@ TEST(Reference, ListsExactlyTheMessagesOfTheLibrary) {
     for (const auto& entry : fs::recursive_directory_iterator(VIG_SOURCE_DIR "/vig")) {
         sources += entry.path().extension() == ".cpp" ? docs::read(entry.path()) : "";
     }
+    // The tool knows one message by a constant.
+    const std::string constant = R"("%s", kListeningMessage)";
+    sources.replace(sources.find(constant), constant.size(), '"' + std::string(kListeningMessage) + "\")");
     // A message that is not one plain literal is found as "", which the reference does not list.
     const auto logged = docs::allOf(sources, R"re(VIG_LOG_\w+\(\s*(?:"([^"]*)"\s*[,)])?)re");
     const auto listed = docs::allOf(kReference.substr(kReference.find("\n## Log messages")), "\n\\| `([^`]*)` \\|");

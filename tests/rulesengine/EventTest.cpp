@@ -10,6 +10,7 @@
 #include "rulesengine/FiniteStateMachine.h"
 #include "rulesengine/TimeoutEvent.h"
 #include "tests/support/Slots.h"
+#include "vig/EventTypeNames.h"
 
 namespace {
 
@@ -28,6 +29,8 @@ constexpr std::pair<EventType, std::uint32_t> kTypes[] = {{EventType::EnteringSt
                                                           {EventType::ProcessCpuHeartBeat, 1004},
                                                           {EventType::ForegroundAppsStats, 1005},
                                                           {EventType::TelemetryEventEnd, 2000}};
+
+static_assert(std::size(kTypes) == Brenta::OS::VIG::kEventTypeNames.pairs.size());
 
 template <typename Source>
 void expectNoAttributes(const Source& source) {

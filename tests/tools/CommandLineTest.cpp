@@ -1,7 +1,9 @@
-#include "tools/vig/arguments/CommandLine.h"
+#include "tools/vig/commandline/CommandLine.h"
 
 #include <gtest/gtest.h>
 
+#include <fstream>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -66,6 +68,17 @@ TEST(CommandLine, VerbsHaveTheirDefaultsAndOptions) {
     EXPECT_EQ(graph.rules + graph.events + graph.contextFile, "rec");
     EXPECT_EQ(graph.format, GraphFormat::Png);
     EXPECT_EQ(graph.seed, 7u);
+}
+
+TEST(CommandLine, EveryOptionHasATest) {
+    std::ifstream file(VIG_SOURCE_DIR "/tests/tools/CommandLineTest.cpp");
+    const std::string tests(std::istreambuf_iterator<char>(file), {});
+    for (const VerbHelp& verb : Verbs().commandLine.help().verbs) {
+        for (const OptionHelp& option : verb.options) {
+            EXPECT_TRUE(option.names[0] == "-h" || option.isPositional || tests.find(option.names[0]) != tests.npos)
+                << verb.name << ' ' << option.names[0];
+        }
+    }
 }
 
 TEST(CommandLine, DurationsAreReadWithTheirUnit) {

@@ -19,8 +19,8 @@
 #include "tools/vig/events/LineReader.h"
 #include "tools/vig/events/RecordParser.h"
 #include "tools/vig/test/TestFile.h"
-#include "vig/DoubleFunctions.h"
 #include "vig/EventTypeNames.h"
+#include "vig/functions/DoubleFunctions.h"
 #include "vig/parsers/FilterParser.h"
 #include "vig/parsers/VIGResponseParser.h"
 

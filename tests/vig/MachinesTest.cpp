@@ -13,7 +13,7 @@
 #include "tests/support/LogCapture.h"
 #include "tests/support/TestEvent.h"
 #include "vig/VIGManager.h"
-#include "vig/actions/PseudoRandomGenerator.h"
+#include "vig/functions/PseudoRandomGenerator.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "tools/vig/arguments/CommandLine.h"
 #include "tools/vig/check/CatalogueCommand.h"
 #include "tools/vig/check/CheckCommand.h"
+#include "tools/vig/commandline/CommandLine.h"
 #include "tools/vig/fleet/FleetCommand.h"
 #include "tools/vig/fleet/SummaryCommand.h"
 #include "tools/vig/graph/GraphCommand.h"

@@ -12,16 +12,6 @@ namespace Brenta::OS::VIG::Tool {
 
 namespace {
 
-TEST(Catalogue, HasAnEventWithAllThatAnActionReads) {
-    const Catalogue catalogue = Catalogue::builtIn();
-    for (const KnownAction& action : kActions) {
-        EXPECT_TRUE(std::ranges::any_of(kEventTypeNames.pairs, [&](const auto& type) {
-            return catalogue.find(type.first) != nullptr &&
-                   missingFor({{}, "", std::string(action.name)}, type.first, catalogue).empty();
-        })) << action.name;
-    }
-}
-
 TEST(Catalogue, ReadsWhatItWrites) {
     std::string problem;
     for (const std::string& text : {Catalogue::builtIn().text(), Catalogue().text()}) {

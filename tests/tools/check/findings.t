@@ -44,12 +44,12 @@ Every mistake is found at its place: from a line and column to others, with its 
   13:47-13:59 ~.actions[0].parameters: "parameters" is ignored, because it is not an array [unknown-key]: remove it, or write an array
   16:11-16:12 configs[1].id: configs[0] has the id 7 as well [duplicate-id]
   $ edited 's/"ProcessMemoryHeartBeat"/"processMemoryHeartbeat"/' 's/">"/"=>"/' 's/"300000"/300000/' \
-  >   's/{.*"PseudoRandomDouble" }/"PseudoRandomDouble"/' 's/"TriggerVelora"/"Trigger"/'
+  >   's/{.*"PseudoRandomDouble" }/"PseudoRandomDouble"/' 's/"TriggerVelora"/"TriggerVelor"/'
   4:58-4:82 ~.event: FSM Event not found! [InvalidFsm]: there is no event "processMemoryHeartbeat"; did you mean "ProcessMemoryHeartBeat"?
   6:23-6:27 ~.filters[0].operator: Invalid operator string: =>. [InvalidFsm]: one of "==", "!=", ">", "<", ">=", "<="
   8:54-8:60 ~.filters[0].operand2.value: Filter operand value is missing or invalid. ("value" is a number) [InvalidFsm]: a string: write "300000" for 300000
   10:23-10:43 ~.filters[1].operand1: Filter operand must be an object. ("operand1" is a string) [InvalidFsm]: an object is needed
-  13:30-13:39 ~.actions[0].name: FSM Action (Trigger) not found! [InvalidFsm]: one of "LogZramHeartBeat", "Test", "TriggerVelora", "TriggerVeloraCpu"
+  13:30-13:44 ~.actions[0].name: FSM Action (TriggerVelor) not found! [InvalidFsm]: there is no action "TriggerVelor"; did you mean "TriggerVelora"?
   $ edited 's/"envvar"/"env"/' 's/"double"/"integer"/' 's/"0.1"/"1"/' 's/"TriggerVelora"/&, "parameters": []/'
   7:33-7:38 ~.filters[0].operand1.type: Unknown filter operand type: env [InvalidFsm]: one of "constant", "function", "envvar"
   10:54-10:74 ~.filters[1].operand1.value: Failed to find function: PseudoRandomDouble [InvalidFsm]: a function of the value type "double"

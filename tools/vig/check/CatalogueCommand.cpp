@@ -2,8 +2,8 @@
 
 #include <cerrno>
 
-#include "tools/vig/arguments/CommandLine.h"
 #include "tools/vig/check/Catalogue.h"
+#include "tools/vig/commandline/CommandLine.h"
 #include "tools/vig/events/EventReader.h"
 #include "tools/vig/io/Output.h"
 #include "tools/vig/words/Text.h"

@@ -9,10 +9,10 @@
 #include <utility>
 #include <vector>
 
-#include "tools/vig/arguments/CommandLine.h"
 #include "tools/vig/check/Catalogue.h"
 #include "tools/vig/check/CatalogueCommand.h"
 #include "tools/vig/check/WarningNames.h"
+#include "tools/vig/commandline/CommandLine.h"
 #include "tools/vig/document/Registry.h"
 #include "tools/vig/io/FileText.h"
 #include "tools/vig/io/Output.h"

@@ -8,7 +8,7 @@
 
 #include "tools/vig/check/Catalogue.h"
 #include "tools/vig/document/RuleModel.h"
-#include "vig/DoubleFunctions.h"
+#include "vig/functions/DoubleFunctions.h"
 
 namespace Brenta::OS::VIG::Tool {
 

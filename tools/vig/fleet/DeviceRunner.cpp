@@ -9,7 +9,7 @@
 #include "tools/vig/run/Replay.h"
 #include "tools/vig/trace/RebuiltMachines.h"
 #include "tools/vig/words/Text.h"
-#include "vig/DoubleFunctions.h"
+#include "vig/functions/DoubleFunctions.h"
 #include "vig/parsers/VIGResponseParser.h"
 
 namespace Brenta::OS::VIG::Tool {

@@ -12,7 +12,7 @@
 #include "tools/vig/run/MachineGroup.h"
 #include "tools/vig/run/RunCommand.h"
 #include "tools/vig/trace/Trace.h"
-#include "vig/actions/PseudoRandomGenerator.h"
+#include "vig/functions/PseudoRandomGenerator.h"
 #include "vig/parsers/VIGParserConfig.h"
 
 namespace Brenta::OS::VIG::Tool {

@@ -8,7 +8,7 @@
 #include <thread>
 #include <utility>
 
-#include "tools/vig/arguments/CommandLine.h"
+#include "tools/vig/commandline/CommandLine.h"
 #include "tools/vig/document/Registry.h"
 #include "tools/vig/events/EventReader.h"
 #include "tools/vig/fleet/DeviceOrder.h"

@@ -2,7 +2,6 @@
 
 #include <fmt/format.h>
 
-#include <ranges>
 #include <utility>
 
 #include "tools/vig/words/Text.h"

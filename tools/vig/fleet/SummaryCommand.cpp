@@ -6,7 +6,7 @@
 #include <optional>
 #include <string_view>
 
-#include "tools/vig/arguments/CommandLine.h"
+#include "tools/vig/commandline/CommandLine.h"
 #include "tools/vig/events/EventReader.h"
 #include "tools/vig/events/LineReader.h"
 #include "tools/vig/fleet/FleetSummary.h"

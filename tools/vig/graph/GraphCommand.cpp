@@ -5,9 +5,9 @@
 #include <optional>
 #include <vector>
 
-#include "tools/vig/arguments/CommandLine.h"
 #include "tools/vig/check/Catalogue.h"
 #include "tools/vig/check/Findings.h"
+#include "tools/vig/commandline/CommandLine.h"
 #include "tools/vig/document/Registry.h"
 #include "tools/vig/graph/Pictures.h"
 #include "tools/vig/graph/RuleGraph.h"

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "tools/vig/arguments/CommandLine.h"
+#include "tools/vig/commandline/CommandLine.h"
 
 namespace Brenta::OS::VIG::Tool {
 

@@ -7,7 +7,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <map>
-#include <ranges>
 #include <string_view>
 #include <utility>
 #include <vector>

@@ -6,7 +6,7 @@
 #include <limits>
 #include <utility>
 
-#include "tools/vig/arguments/CommandLine.h"
+#include "tools/vig/commandline/CommandLine.h"
 #include "tools/vig/events/EventReader.h"
 #include "tools/vig/io/Descriptor.h"
 #include "tools/vig/io/FileText.h"

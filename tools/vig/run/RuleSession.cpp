@@ -10,7 +10,7 @@
 #include "tools/vig/document/ParseErrorText.h"
 #include "tools/vig/io/FileText.h"
 #include "vig/ResponseProperty.h"
-#include "vig/actions/PseudoRandomGenerator.h"
+#include "vig/functions/PseudoRandomGenerator.h"
 
 namespace Brenta::OS::VIG::Tool {
 

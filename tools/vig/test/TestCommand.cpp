@@ -12,7 +12,7 @@
 #include <map>
 #include <system_error>
 
-#include "tools/vig/arguments/CommandLine.h"
+#include "tools/vig/commandline/CommandLine.h"
 #include "tools/vig/io/Descriptor.h"
 #include "tools/vig/io/FileText.h"
 #include "tools/vig/io/Output.h"

@@ -11,7 +11,7 @@
 #include <optional>
 #include <system_error>
 
-#include "tools/vig/arguments/CommandLine.h"
+#include "tools/vig/commandline/CommandLine.h"
 #include "tools/vig/events/EventRecord.h"
 #include "tools/vig/io/Descriptor.h"
 #include "tools/vig/io/FileText.h"

@@ -1,6 +1,6 @@
-#include "vig/actions/PseudoRandomDoublePureFunctionImpl.h"
+#include "vig/functions/PseudoRandomDoublePureFunctionImpl.h"
 
-#include "vig/actions/PseudoRandomGenerator.h"
+#include "vig/functions/PseudoRandomGenerator.h"
 
 namespace Brenta::OS::VIG {
 

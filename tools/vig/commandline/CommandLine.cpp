@@ -1,4 +1,4 @@
-#include "tools/vig/arguments/CommandLine.h"
+#include "tools/vig/commandline/CommandLine.h"
 
 #include <CLI/CLI.hpp>
 

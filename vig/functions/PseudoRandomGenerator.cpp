@@ -1,4 +1,4 @@
-#include "vig/actions/PseudoRandomGenerator.h"
+#include "vig/functions/PseudoRandomGenerator.h"
 
 #include <fcntl.h>
 #include <unistd.h>

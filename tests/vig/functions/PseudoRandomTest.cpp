@@ -7,13 +7,15 @@
 #include <cstdlib>
 #include <functional>
 #include <latch>
+#include <set>
 #include <string>
 #include <thread>
 #include <utility>
 
 #include "tests/support/TemporaryFolder.h"
-#include "vig/actions/PseudoRandomDoublePureFunctionImpl.h"
-#include "vig/actions/PseudoRandomGenerator.h"
+#include "vig/functions/DoubleFunctions.h"
+#include "vig/functions/PseudoRandomDoublePureFunctionImpl.h"
+#include "vig/functions/PseudoRandomGenerator.h"
 
 namespace {
 
@@ -116,6 +118,18 @@ TEST(PseudoRandomDouble, IsDrawnFromTheSeedOfTheDeviceOrWhateverBecomesOfIt) {
         EXPECT_EXIT(drawAndExit(), testing::ExitedWithCode(0), "") << device;
     }
     randomDevice = "/dev/urandom";
+}
+
+TEST(DoubleFunctions, AreInTheirRangeAndRandomAsTheTableSays) {
+    for (const auto& each : Brenta::OS::VIG::kDoubleFunctions) {
+        const auto function = each.get();
+        std::set<double> results;
+        for (int i = 0; i < 1000; ++i) {
+            const double result = *results.insert(function()).first;
+            EXPECT_TRUE(result >= each.least && result < each.limit) << each.name << result;
+        }
+        EXPECT_EQ(results.size() > 1, each.isRandom) << each.name;
+    }
 }
 
 }  // namespace

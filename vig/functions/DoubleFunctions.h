@@ -2,7 +2,7 @@
 
 #include <functional>
 
-#include "vig/actions/PseudoRandomDoublePureFunctionImpl.h"
+#include "vig/functions/PseudoRandomDoublePureFunctionImpl.h"
 
 namespace Brenta::OS::VIG {
 
