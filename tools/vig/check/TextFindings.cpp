@@ -48,7 +48,7 @@ std::string mark(std::string_view text) {
     return "^" + std::string(width > 0 ? width - 1 : 0, '~');
 }
 
-// The line around a place in it, in three parts.
+// It is the line around a place in it, in three parts.
 struct ShownLine {
     std::string before;
     std::string at;

@@ -13,8 +13,8 @@
 
 namespace Brenta::OS::VIG::Tool {
 
-// Opens the argument EVENTS of a verb: a file of event records, or "-" for standard input. Not open, with errno set, if
-// there is no such file. A pipe that nobody writes to yet is waited for by who reads it.
+// Opens the argument EVENTS of a verb: a file of event records, or "-" for standard input. It is not open, with errno
+// set, if there is no such file. A pipe that nobody writes to yet is waited for by who reads it.
 Descriptor openEvents(const std::string& events, const Console& console);
 
 // Returns a message for a person, of an errno value of openEvents().

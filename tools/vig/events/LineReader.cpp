@@ -107,7 +107,7 @@ void LineReader::makeRoom() {
     }
 }
 
-// False if it was interrupted.
+// Returns false if it was interrupted.
 bool LineReader::waitForInput() {
     if (alwaysReady || source.isReady()) {
         return true;

@@ -24,7 +24,7 @@ class DeviceOrder {
     DeviceOrder(const DeviceOrder&) = delete;
     DeviceOrder& operator=(const DeviceOrder&) = delete;
 
-    // Text of a device. Returns an errno value if the output has failed, else 0.
+    // Takes text of a device. Returns an errno value if the output has failed, else 0.
     int write(std::size_t device, std::string_view text);
 
     // Nothing more comes from the device.

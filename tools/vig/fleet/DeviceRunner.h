@@ -45,7 +45,7 @@ class DeviceRunner {
     DeviceResult run(const std::string& device, Output& output);
 
   private:
-    // Machines in their start state, which count in `fired` how often each transition fires.
+    // Makes machines in their start state, which count in `fired` how often each transition fires.
     MachineGroup::Configs newMachines(FiredCounts& fired) const;
 
     const FleetPlan& plan;

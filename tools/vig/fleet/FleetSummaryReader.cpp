@@ -55,7 +55,7 @@ class SummaryParser {
         return static_cast<std::uint64_t>(read.value_or(0));
     }
 
-    // A number that follows from others.
+    // Complains if a number does not follow from the others.
     void derived(const Json::Value& object, const std::string& key, const std::string& path, std::uint64_t expected) {
         if (number(object, key, path) != expected) {
             misfit(object[key], StrictJson::member(path, key), std::to_string(expected));

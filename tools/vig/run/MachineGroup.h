@@ -15,8 +15,9 @@
 
 namespace Brenta::OS::VIG::Tool {
 
-// The machines of a rule document at work: offered one event after the other, with everything that they do in the
-// report. What they log and trigger comes back to it, so it has to be the receiver of its thread. Used on one thread.
+// It has the machines of a rule document at work: offered one event after the other, with everything that they do in
+// the report. What they log and trigger comes back to it, so it has to be the receiver of its thread. Used on one
+// thread.
 class MachineGroup final : public PlatformServices::Receiver {
   public:
     using Configs = std::vector<std::unique_ptr<VIGConfig>>;

@@ -33,7 +33,7 @@ struct RuleOptions : MachineOptions {
 void addRules(Verb& verb, std::string& rules);
 void addSurroundings(Verb& verb, std::uint32_t& seed, std::string& contextFile, const std::string& moreOnSeed);
 
-// One run of a verb from the loading of the rules to the exit status, its report on the console.
+// It is one run of a verb from the loading of the rules to the exit status, its report on the console.
 class RuleRun {
   public:
     RuleRun(const MachineOptions& machineOptions, ReportFormat format, const Console& streams,

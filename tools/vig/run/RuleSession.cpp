@@ -16,7 +16,7 @@ namespace Brenta::OS::VIG::Tool {
 
 namespace {
 
-// Longer than the manager looks for the device configuration.
+// That is longer than the manager looks for the device configuration.
 constexpr int kLongestWaitMs = 40'000;
 constexpr std::chrono::seconds kLongestSubscription{2};
 

@@ -17,7 +17,7 @@
 
 namespace Brenta::OS::VIG::Tool {
 
-// A rule document as it is delivered on a device, and its machines at work, with everything that they do in the
+// It has a rule document as it is delivered on a device, and its machines at work, with everything that they do in the
 // report. The document is read once for each delivery: whoever wants to know more of it than its machines do asks for
 // the very text that they were made of. Used on one thread; one object at a time.
 class RuleSession final {
@@ -39,8 +39,8 @@ class RuleSession final {
     // REQUIRES: load() has returned Done.
     void start() { group.start(); }
 
-    // The latest document that was accepted. It lives until another one is, or the session ends. REQUIRES: there is
-    // one.
+    // Returns the latest document that was accepted. It lives until another one is, or the session ends. REQUIRES:
+    // there is one.
     const DocumentModel& document();
 
     const AttributeSet& contextAttributes() const { return context; }

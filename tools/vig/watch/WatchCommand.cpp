@@ -103,7 +103,7 @@ class Watch {
         ruleRun.output().flush();
     }
 
-    // Meanwhile follows the document. False if the watch is to end.
+    // Follows the document meanwhile. Returns false if the watch is to end.
     bool waitUntil(Clock::time_point deadline) {
         pollfd sources[] = {{interruption.descriptor(), POLLIN, 0}, {ruleRun.session().changesDescriptor(), POLLIN, 0}};
         while (!mustStop()) {
