@@ -30,7 +30,7 @@ class EventReader {
     enum class Status { Record, End, Interrupted, Failed };
 
     // `sourceName` stands in messages. For the rest see LineReader.
-    EventReader(int source, std::string sourceName, const Interruption& interruptedBy, std::function<void()> waiting);
+    EventReader(int source, std::string sourceName, const Interruption& interruption, std::function<void()> waiting);
 
     // Fills `record` with the next one.
     Status next(EventRecord& record);

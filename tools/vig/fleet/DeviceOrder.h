@@ -20,7 +20,7 @@ namespace Brenta::OS::VIG::Tool {
 class DeviceOrder {
   public:
     // `ended` is called with the result of each device in turn, after all of its text, by one thread at a time.
-    DeviceOrder(Output& target, std::function<void(const DeviceResult&)> ended);
+    DeviceOrder(Output& output, std::function<void(const DeviceResult&)> ended);
     DeviceOrder(const DeviceOrder&) = delete;
     DeviceOrder& operator=(const DeviceOrder&) = delete;
 

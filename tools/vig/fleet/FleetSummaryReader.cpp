@@ -18,7 +18,7 @@ constexpr std::uint64_t kMost = FleetSummary::MOST;
 
 class SummaryParser {
   public:
-    SummaryParser(const DocumentText& text, std::vector<std::string>& problems) : json(text, problems) {}
+    SummaryParser(const DocumentText& text, std::vector<std::string>& errors) : json(text, errors) {}
 
     FleetSummary summary(const Json::Value& root) {
         FleetSummary result;

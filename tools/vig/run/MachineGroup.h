@@ -24,7 +24,7 @@ class MachineGroup final : public PlatformServices::Receiver {
 
     // Every machine's context has the attributes given. `watcher`, which may be null, is told what the machines
     // decide. All three must outlive it.
-    MachineGroup(const AttributeSet& contextAttributes, Report& target, Tracer* watcher);
+    MachineGroup(const AttributeSet& contextAttributes, Report& report, Tracer* watcher);
     MachineGroup(const MachineGroup&) = delete;
     MachineGroup& operator=(const MachineGroup&) = delete;
 

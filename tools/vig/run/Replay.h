@@ -14,7 +14,7 @@ namespace Brenta::OS::VIG::Tool {
 class Replay {
   public:
     // Opens the records: a file, or "-" for standard input.
-    Replay(const std::string& recordedEvents, const Console& console, const Interruption& interruptedBy);
+    Replay(const std::string& recordedEvents, const Console& console, const Interruption& interruption);
 
     bool isOpen() const { return file.isOpen(); }
 

@@ -50,7 +50,7 @@ std::string indented(std::string_view message) {
 // without what a terminal would act on.
 class TextReport final : public Report {
   public:
-    TextReport(Output& target, bool withColours) : output(target), coloured(withColours) {}
+    TextReport(Output& output, bool withColours) : output(output), coloured(withColours) {}
 
     void trigger(const TriggerLine& line) override {
         row(line.event, "trigger", kBoldYellow, shown(line.machine), printable(line.name));
@@ -180,8 +180,8 @@ std::string jsonOf(const Summary::Sampling& sampling) {
 // last.
 class JsonlReport final : public Report {
   public:
-    JsonlReport(Output& target, const std::string& device)
-        : output(target), lastKey(device.empty() ? "" : R"(,"device":)" + quoted(device)) {}
+    JsonlReport(Output& output, const std::string& device)
+        : output(output), lastKey(device.empty() ? "" : R"(,"device":)" + quoted(device)) {}
 
     void trigger(const TriggerLine& line) override {
         writeLine(fmt::format(

@@ -36,8 +36,8 @@ void addSurroundings(Verb& verb, std::uint32_t& seed, std::string& contextFile, 
 // It is one run of a verb from the loading of the rules to the exit status, its report on the console.
 class RuleRun {
   public:
-    RuleRun(const MachineOptions& machineOptions, ReportFormat format, const Console& streams,
-            const Interruption& interruptedBy);
+    RuleRun(const MachineOptions& options, ReportFormat format, const Console& console,
+            const Interruption& interruption);
     RuleRun(const RuleRun&) = delete;
     RuleRun& operator=(const RuleRun&) = delete;
 

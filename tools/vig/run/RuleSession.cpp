@@ -35,11 +35,11 @@ std::string explain(VIGParseError error) {
 
 }  // namespace
 
-RuleSession::RuleSession(std::string rulesPath, std::uint32_t seed, AttributeSet contextAttributes, Report& target,
+RuleSession::RuleSession(std::string rulesPath, std::uint32_t seed, AttributeSet contextAttributes, Report& report,
                          Trace* trace)
     : path(std::move(rulesPath)),
       context(std::move(contextAttributes)),
-      report(target),
+      report(report),
       tracer(trace != nullptr ? std::make_unique<Tracer>(*trace) : nullptr),
       group(context, report, tracer.get()),
       services(group) {

@@ -28,7 +28,7 @@ class RuleSession final {
     // `seed` is that of the random function. Every machine's context has the attributes given. `trace`, which may be
     // null, is told what the machines decide; it changes nothing of what they do. It and the report must outlive the
     // session.
-    RuleSession(std::string rulesPath, std::uint32_t seed, AttributeSet contextAttributes, Report& target,
+    RuleSession(std::string rulesPath, std::uint32_t seed, AttributeSet contextAttributes, Report& report,
                 Trace* trace);
     RuleSession(const RuleSession&) = delete;
     RuleSession& operator=(const RuleSession&) = delete;

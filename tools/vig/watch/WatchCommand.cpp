@@ -61,9 +61,9 @@ timespec untilThen(Clock::time_point deadline) {
 class Watch {
   public:
     // `recordOutput` is null if nothing is recorded.
-    Watch(const WatchOptions& watchOptions, const Interruption& interruptedBy, RuleRun& rules, Output* recordOutput)
-        : options(watchOptions),
-          interruption(interruptedBy),
+    Watch(const WatchOptions& options, const Interruption& interruption, RuleRun& rules, Output* recordOutput)
+        : options(options),
+          interruption(interruption),
           ruleRun(rules),
           record(recordOutput),
           sampler(
