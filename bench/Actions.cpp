@@ -26,7 +26,7 @@ using Brenta::OS::RulesEngine::Event;
 using Brenta::OS::RulesEngine::EventType;
 using Metadata = std::vector<std::optional<android::String16>>;
 
-// Twenty attributes.
+// It has twenty attributes.
 class RichEvent final : public Event {
   public:
     RichEvent() : Event(EventType::ProcessMemoryHeartBeat) {}
@@ -120,7 +120,7 @@ double drawTheirs(std::size_t times) {
     return timed(times, [&] { benchmark::DoNotOptimize(distribution(engine)); });
 }
 
-// What any generator that two threads share costs at least.
+// Any generator that two threads share costs that at least.
 double drawTheirsLocked(std::size_t times) {
     static std::mutex mutex;
     static std::mt19937 engine(5489);
@@ -131,7 +131,7 @@ double drawTheirsLocked(std::size_t times) {
     });
 }
 
-// The time that one of two threads takes.
+// Measures the time that one of two threads takes.
 Scenario::Loop inTwoThreads(double (*loop)(std::size_t)) {
     return [loop](std::size_t times) {
         double other = 0;

@@ -11,7 +11,7 @@ namespace bench {
 using Brenta::OS::RulesEngine::Event;
 using Brenta::OS::RulesEngine::EventType;
 
-// An event as a service writes it: a getter of each kind, which compares names.
+// It is an event as a service writes it: a getter of each kind, which compares names.
 class MemoryEvent final : public Event {
   public:
     explicit MemoryEvent(EventType eventType = EventType::ProcessMemoryHeartBeat) : Event(eventType) {}

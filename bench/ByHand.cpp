@@ -14,7 +14,7 @@ bool isMemoryEvent(const EvaluationContext& context, const Event& event) {
     return event.matches(EventType::ProcessMemoryHeartBeat, context);
 }
 
-// Whether the event, else the context, has the attribute and it compares so.
+// Returns true if the event, else the context, has the attribute and it compares so.
 bool is(const EvaluationContext& context, const Event& event, std::string_view name, auto compare,
         std::int64_t constant) {
     if (const auto value = event.getInt64Attr(name)) {

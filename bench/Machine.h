@@ -9,7 +9,7 @@
 
 namespace bench {
 
-// The first machine of a document, which the library has parsed.
+// It holds the first machine of a document, which the library has parsed.
 struct Machine {
     std::shared_ptr<std::vector<std::unique_ptr<Brenta::OS::VIG::VIGConfig>>> owner;
     Brenta::OS::RulesEngine::FiniteStateMachine* fsm;

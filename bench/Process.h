@@ -9,7 +9,7 @@ namespace bench {
 // benchmark if it fails.
 double runProgram(const std::vector<std::string>& command);
 
-// What a shell command writes to its standard output; ends the benchmark if it fails or writes nothing.
+// Returns what a shell command writes to its standard output; ends the benchmark if it fails or writes nothing.
 std::string outputOf(const std::string& command);
 
 }  // namespace bench

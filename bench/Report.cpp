@@ -20,7 +20,6 @@ struct Spread {
     double high;
 };
 
-// The quartiles.
 Spread spreadOf(std::vector<double> values) {
     std::ranges::sort(values);
     const auto at = [&](double share) {
@@ -44,7 +43,7 @@ std::string aimText(double aim) {
     return aim == 0 ? "reported" : fmt::format("≤ {:.4g}", aim);
 }
 
-// Of each repetition with each of the other.
+// Compares each repetition with each of the other.
 std::vector<double> ratios(const std::vector<double>& ours, const std::vector<double>& theirs, double units) {
     std::vector<double> result;
     for (const double our : ours) {
@@ -73,7 +72,7 @@ std::string rowOf(const Comparison& each, const Times& times) {
                        timeText(spreadOf(ours).median), timeText(spreadOf(theirs).median), instructionRatio(each));
 }
 
-// The lines of vig_bench_heap.
+// vig_bench_heap prints these lines.
 std::string heapRows() {
     std::string rows;
     std::istringstream lines(outputOf(VIG_HEAP));
@@ -102,7 +101,7 @@ std::string libraryRows() {
 
 }  // namespace
 
-// From two runs of different length, so that what is done before and after does not count.
+// It takes two runs of different length, so that what is done before and after does not count.
 double instructionsOf(const std::string& scenario, std::size_t times) {
     const std::string name = scenario.starts_with("document/") ? "own process/" + scenario : scenario;
     const auto count = [&](std::size_t often) {

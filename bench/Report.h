@@ -7,10 +7,10 @@
 
 namespace bench {
 
-// What was measured of each scenario, one time a repetition, in seconds for doing it once.
+// Each scenario has the times that were measured, one a repetition, in seconds for doing it once.
 using Times = std::map<std::string, std::vector<double>>;
 
-// A comparison of two scenarios.
+// It compares two scenarios.
 struct Comparison {
     std::string what;
     std::string against;
@@ -21,20 +21,20 @@ struct Comparison {
     double units = 1;         // of theirs that ours does
 };
 
-// All that is reported, in the order of the table.
+// Returns all that is reported, in the order of the table.
 std::vector<Comparison> comparisons();
 
-// What is no time: the use of the heap and the size of the library, as rows.
+// Returns what is no time as rows: the use of the heap and the size of the library.
 std::string figures();
 
-// How many instructions a scenario takes once.
+// Returns how many instructions a scenario takes once.
 double instructionsOf(const std::string& scenario, std::size_t times);
 
-// The table in Markdown: ratios of the times, with the instructions that some of them take, then the figures that are
-// not times.
+// Returns the table in Markdown: ratios of the times, with the instructions that some of them take, then the figures
+// that are not times.
 std::string tableOf(const Times& times);
 
-// The machine that it was measured on.
+// Describes the machine that it was measured on.
 std::string machineDescription();
 
 }  // namespace bench

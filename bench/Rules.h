@@ -6,7 +6,7 @@
 
 namespace bench {
 
-// A comparison of an attribute with a constant, in the three languages in which it is measured.
+// It compares an attribute with a constant, in the three languages in which that is measured.
 struct Condition {
     const char* attribute;
     const char* op;
@@ -15,13 +15,13 @@ struct Condition {
 
 enum class Kind { Integer, Double, String };
 
-// As many conditions on the attributes of a MemoryEvent as asked for, all true, or with `lastIsFalse` all but the last.
+// Returns so many conditions on the attributes of a MemoryEvent, all true, or with `lastIsFalse` all but the last.
 std::vector<Condition> conditions(Kind kind, std::size_t count, bool lastIsFalse);
 
-// A document whose machine goes from "start" to itself when all of them are true.
+// Returns a document whose machine goes from "start" to itself when all of them are true.
 std::string document(Kind kind, const std::vector<Condition>& conditions);
 
-// About 1,000 bytes a configuration, minified: three transitions with four filters in all.
+// Each configuration has about 1,000 bytes, minified: three transitions with four filters in all.
 std::string documentOf(std::size_t configurations);
 
 }  // namespace bench

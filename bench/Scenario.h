@@ -7,7 +7,7 @@
 
 namespace bench {
 
-// One thing that is measured. `prepare` makes what it is done with; what it returns does it a number of times and
+// It is one thing that is measured. `prepare` makes what it is done with; what it returns does it a number of times and
 // returns how long that took, in seconds.
 struct Scenario {
     using Loop = std::function<double(std::size_t times)>;
@@ -24,10 +24,10 @@ void addActions(std::vector<Scenario>& scenarios);
 void addRandom(std::vector<Scenario>& scenarios);
 void addTool(std::vector<Scenario>& scenarios);
 
-// The processor time that this thread has taken, in seconds.
+// Returns the processor time that this thread has taken, in seconds.
 double threadTime();
 
-// How much of it the body takes when it is done so often.
+// Returns how much of it the body takes when it is done so often.
 double timed(std::size_t times, const auto& body) {
     const double begin = threadTime();
     for (std::size_t i = 0; i < times; ++i) {

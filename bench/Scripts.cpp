@@ -12,12 +12,12 @@
 #include "bench/Rules.h"
 #include "bench/Scenario.h"
 
-// The rule of three integer conditions as a script that a service would embed in place of the library.
+// The rule of three integer conditions is a script here, which a service would embed in place of the library.
 namespace bench {
 
 namespace {
 
-// The conditions joined, each written by `write`.
+// Joins the conditions, each written by `write`.
 std::string joined(const char* separator, const auto& write) {
     std::string text;
     for (const Condition& condition : conditions(Kind::Integer, 3, false)) {

@@ -15,18 +15,18 @@
 #include "bench/Scenario.h"
 #include "tests/support/TemporaryFolder.h"
 
-// `vig run` against the parser that it reads with and against the filter that a person would write.
+// `vig run` is compared with the parser that it reads with and with the filter that a person would write.
 namespace bench {
 
 namespace {
 
-// Removed when the benchmark ends.
+// The folder is removed when the benchmark ends.
 const std::filesystem::path& folder() {
     static const support::TemporaryFolder folder;
     return folder.path();
 }
 
-// Memory heartbeats of 200 processes; one in a thousand is over the budgets of the rules.
+// Makes memory heartbeats of 200 processes; one in a thousand is over the budgets of the rules.
 std::string recording(std::size_t records) {
     const std::filesystem::path path = folder() / fmt::format("{}.jsonl", records);
     if (std::filesystem::exists(path)) {
@@ -54,8 +54,8 @@ std::string transition(const char* from, const char* to, const char* op, std::si
 
 constexpr std::array<std::size_t, 3> kLimits = {800'000, 801'000, 802'000};
 
-// Three machines of five transitions: the third time that a process is over the limit is collected, unless one that has
-// hardly any memory comes in between.
+// The document has three machines of five transitions: the third time that a process is over the limit is collected,
+// unless one that has hardly any memory comes in between.
 std::string rules() {
     const std::filesystem::path path = folder() / "rules.json";
     std::string configs;
@@ -71,7 +71,7 @@ std::string rules() {
     return path;
 }
 
-// The same as a program for jq, with the state of each machine under its limit.
+// The filter does the same as a program for jq, with the state of each machine under its limit.
 constexpr const char* kFilter = R"jq(
 def next($rss; $limit):
   if $rss > $limit then {"start": "once", "once": "twice", "twice": "start"}[.]
@@ -106,7 +106,7 @@ void touch(simdjson::ondemand::value value, std::uint64_t& sum) {
     }
 }
 
-// In pieces that stay in the cache.
+// Reads in pieces that stay in the cache.
 std::uint64_t readAll(const std::string& path) {
     constexpr std::size_t kPiece = std::size_t{256} << 10;
     std::string buffer(kPiece + simdjson::SIMDJSON_PADDING, '\0');

@@ -24,7 +24,8 @@ void* counted(void* memory) {
 }
 }  // namespace
 
-// In place of the C library's, which operator new calls, for the whole executable and the libraries that it loads.
+// These take the place of the C library's, which operator new calls, for the whole executable and the libraries that it
+// loads.
 extern "C" {
 void* __libc_malloc(std::size_t size);
 void* __libc_calloc(std::size_t count, std::size_t size);
@@ -54,7 +55,7 @@ struct Use {
     std::size_t peak;
 };
 
-// Of what the operation returns, and of the operation.
+// Measures what the result of the operation keeps, and the peak of the operation itself.
 Use heapOf(const auto& operation) {
     const std::size_t before = live;
     peak = live;

@@ -1,4 +1,5 @@
-// Linked with the library and without it, for what its loading costs. The reference keeps the linker from dropping it.
+// This program is linked with the library and without it, for what its loading costs. The reference keeps the linker
+// from dropping it.
 #ifdef WITH_VIG
 #include "rulesengine/FiniteStateMachine.h"
 

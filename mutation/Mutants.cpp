@@ -96,7 +96,7 @@ class Lexer {
         return Token::Kind::Symbol;
     }
 
-    // A decimal point, a digit separator, or the sign of an exponent of a hexadecimal number.
+    // Returns true for a decimal point, a digit separator, or the sign of an exponent of a hexadecimal number.
     bool isWithinNumber() const {
         return text[place] == '.' || text[place] == '\'' || (text[place - 1] == 'p' && text[place] == '-');
     }
@@ -142,7 +142,8 @@ class Finder {
 
     bool isWord(std::size_t index) const { return index < tokens.size() && tokens[index].kind == Token::Kind::Word; }
 
-    // The index past the end of what carries no behaviour of its own: assertions, and what only the compiler asks.
+    // Returns the index past the end of what carries no behaviour of its own: assertions, and what only the compiler
+    // asks.
     std::size_t pastUntouched(std::size_t index) const {
         const std::string_view word = at(index);
         if (word == "assert" || word == "static_assert" || word == "using" || word == "requires") {
@@ -168,7 +169,7 @@ class Finder {
         return index;
     }
 
-    // The index past the bracket that closes the one at `index`.
+    // Returns the index past the bracket that closes the one at `index`.
     std::size_t pastClosing(std::size_t index) const {
         std::size_t depth = 0;
         for (; index < tokens.size(); ++index) {
@@ -182,7 +183,7 @@ class Finder {
         return index;
     }
 
-    // The index past the semicolon that ends the statement.
+    // Returns the index past the semicolon that ends the statement.
     std::size_t pastStatement(std::size_t index) const {
         while (index < tokens.size() && at(index) != ";") {
             const std::string_view token = at(index);
@@ -241,7 +242,7 @@ class Finder {
         if (at(index) == "true" || at(index) == "false") {
             replace(index, at(index) == "true" ? "false" : "true");
         } else if (token.kind == Token::Kind::Number) {
-            // So that it is another one also among large floating-point numbers.
+            // The result is another one also among large floating-point numbers.
             const bool isReal = at(index).find_first_of(".p") != std::string_view::npos;
             replace(index, "(" + std::string(at(index)) + (isReal ? " / 2 + 1)" : " + 1)"));
         } else if (token.kind == Token::Kind::Text && at(index) != "\"\"") {
@@ -251,7 +252,7 @@ class Finder {
         }
     }
 
-    // Both ways, where the condition declares nothing.
+    // Makes it true, and makes it false, where the condition declares nothing.
     void changeCondition(std::size_t index) {
         const bool isLoop = at(index) == "while";
         if ((at(index) != "if" && !isLoop) || at(index + 1) != "(") {
@@ -298,7 +299,7 @@ class Finder {
         return beginsLine && (before == ";" || before == "{" || before == "}" || before == ":");
     }
 
-    // Or that of an enumerator; not that of a macro.
+    // Returns true also for the name of an enumerator, but not for that of a macro.
     static bool isTypeName(std::string_view word) {
         return std::isupper(static_cast<unsigned char>(word[0])) != 0 &&
                std::any_of(word.begin(), word.end(), [](unsigned char letter) { return std::islower(letter) != 0; });
@@ -398,7 +399,7 @@ class Finder {
         }
     }
 
-    // Neighbours among those of a log line or a format, and two plain names of any call.
+    // Swaps neighbours among those of a log line or a format, and two plain names of any call.
     void swapArguments(std::size_t index) {
         if (!isWord(index) || at(index + 1) != "(") {
             return;
@@ -427,7 +428,7 @@ class Finder {
         }
     }
 
-    // A parameter or variable of a function, as far as it can be seen in the text: its type stands before it.
+    // It names a parameter or variable of a function, as far as it can be seen in the text: its type stands before it.
     struct Name {
         std::size_t declared;
         std::size_t past;  // the end of the block in which it is known
@@ -455,7 +456,7 @@ class Finder {
         }
     }
 
-    // The first word of what only looks like a declaration of a name; `auto` could be any type.
+    // Returns true for the first word of what only looks like a declaration of a name; `auto` could be any type.
     static bool isNoType(std::string_view word) {
         static constexpr std::array<std::string_view, 11> kOthers{
             "auto", "using", "class", "struct", "enum", "namespace", "typename", "return", "delete", "friend", "case"};
@@ -467,7 +468,7 @@ class Finder {
         return isWord(index) || token == "::" || token == "<" || token == ">" || token == "&" || token == "*";
     }
 
-    // The end of the block around it.
+    // Returns the end of the block around it.
     std::size_t pastBlock(std::size_t index) const {
         while (index < tokens.size() && at(index) != "}") {
             index = at(index) == "{" ? pastClosing(index) : index + 1;
@@ -475,7 +476,7 @@ class Finder {
         return index;
     }
 
-    // The end of the body that follows the list of parameters; the index itself, if none does.
+    // Returns the end of the body that follows the list of parameters; the index itself, if none does.
     std::size_t pastBodyBehind(std::size_t index) const {
         std::size_t place = index;
         while (place < tokens.size() && at(place) != ")") {

@@ -30,7 +30,7 @@ class VIG_EXPORT EvaluationContext {
     // An empty view means that the attribute is absent. The view must stay valid until the context changes.
     virtual std::string_view getStringAttr(std::string_view key) const;
 
-    // The armed timeouts. The engine only ever removes from it.
+    // The set holds the armed timeouts. The engine only ever removes from it.
     std::set<std::int64_t> timeoutIds;
 };
 

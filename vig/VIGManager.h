@@ -128,8 +128,7 @@ class VIG_EXPORT VIGManager {
     bool stopping{false};               // guarded by mutex; nothing new begins
     std::thread::id subscribingThread;  // guarded by mutex; adds or removes a listener at this moment, if any
     std::condition_variable subscriptionSettled;
-    std::optional<std::uint64_t>
-        watchRequest;  // guarded by mutex; the registration that the watcher is to look for next
+    std::optional<std::uint64_t> watchRequest;  // guarded by mutex; the registration to look for next
     std::condition_variable watchRequested;
     std::shared_ptr<DeliveryGate> gate;  // changes its registration under mutex only
 };

@@ -97,7 +97,7 @@ class DeviceConfig::Impl {
     struct Registration {
         const std::string ns;
         const Listener listener;
-        // Used by the thread alone once they are set.
+        // The thread alone uses them once they are set.
         Values told;
         Values seen;  // at the latest look
     };
@@ -213,7 +213,7 @@ Clock::duration DeviceConfig::Impl::look() {
         pause = std::max(pause, 9 * (Clock::now() - begin));
         const bool isComplete = values == each->seen;
         each->seen = std::move(values);
-        // Asked anew for each, as any listener before may have removed it.
+        // It is asked anew for each, as any listener before may have removed it.
         if (isComplete && each->seen != each->told && isCurrent(each)) {
             each->told = each->seen;
             each->listener->onPropertiesChanged(Properties(each->told));

@@ -12,7 +12,7 @@
 namespace {
 
 std::mutex sinkMutex;
-// Guarded by sinkMutex. Never destroyed, because threads may log until the very end of the process.
+// The mutex guards the sink, which is never destroyed, because threads may log until the very end of the process.
 host::LogSink& currentSink = *new host::LogSink;
 
 host::LogSink copyOfSink() {

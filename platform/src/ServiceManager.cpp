@@ -17,7 +17,7 @@ void IServiceManager::addService(const String16& name, sp<IBinder> service) {
     std::swap(services[name], service);
 }
 
-// Never destroyed, because threads may look services up until the very end of the process.
+// It is never destroyed, because threads may look services up until the very end of the process.
 sp<IServiceManager> defaultServiceManager() {
     static const auto& manager = *new auto(sp<IServiceManager>::make());
     return manager;

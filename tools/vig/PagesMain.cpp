@@ -9,7 +9,8 @@
 
 namespace Tool = Brenta::OS::VIG::Tool;
 
-// Run by the build: writes the manual page ("man") or the completion of a shell ("bash", "zsh") to standard output.
+// The build runs this: it writes the manual page ("man") or the completion of a shell ("bash", "zsh") to standard
+// output.
 int main(int count, char** arguments) {
     const std::string_view wanted = count == 2 ? arguments[1] : "";
     const Tool::ProgramHelp help = Tool::Verbs().commandLine.help();

@@ -11,7 +11,7 @@
 
 namespace Brenta::OS::VIG::Tool {
 
-// The command line with all verbs of vig, and what it reads their options to.
+// It has the command line with all verbs of vig, and what it reads their options to.
 struct Verbs {
     Verbs();
 

@@ -4,7 +4,7 @@
 
 namespace Brenta::OS::VIG {
 
-// "Test": an action without effect, for documents that try out their transitions. Takes no parameters.
+// The action "Test" has no effect; documents try out their transitions with it. It takes no parameters.
 class VIG_EXPORT TestActionFunctionFactory : public VIGActionFunctionFactory {
   public:
     std::optional<VIGActionFunction> get(const std::vector<VIGActionParameter>& parameters) const override;

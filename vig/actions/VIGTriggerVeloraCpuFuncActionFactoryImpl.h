@@ -6,10 +6,10 @@
 
 namespace Brenta::OS::VIG {
 
-// "TriggerVeloraCpu": asks the trigger service for a collection because a process is over its CPU budget.
-// Reads the event's "processName" (String) and "cpuAvgUtilization" (Double). Takes no parameters.
-// The action blocks its thread for the lookup of the service and the call. In the event's texts, a NUL and what is not
-// valid UTF-8 are sent as U+FFFD.
+// The action "TriggerVeloraCpu" asks the trigger service for a collection because a process is over its CPU budget.
+// It reads the event's "processName" (String) and "cpuAvgUtilization" (Double). It takes no parameters. The action
+// blocks its thread for the lookup of the service and the call. In the event's texts, a NUL and what is not valid UTF-8
+// are sent as U+FFFD.
 class VIG_EXPORT VIGTriggerVeloraCpuFuncActionFactoryImpl : public VIGActionFunctionFactory {
   public:
     std::optional<VIGActionFunction> get(const std::vector<VIGActionParameter>& parameters) const override;

@@ -6,9 +6,9 @@
 
 namespace Brenta::OS::VIG {
 
-// "TriggerVelora": asks the trigger service for a collection because a process is over its memory budget.
-// Reads the event's "processName" (String) and "vmRssKB" and "vmSwapKB" (Int64, kB). Takes no parameters.
-// The action blocks its thread for the lookup of the service and the call. In the event's texts, a NUL and what is not
+// The action "TriggerVelora" asks the trigger service for a collection because a process is over its memory budget.
+// It reads the event's "processName" (String) and "vmRssKB" and "vmSwapKB" (Int64, kB). It takes no parameters. The
+// action blocks its thread for the lookup of the service and the call. In the event's texts, a NUL and what is not
 // valid UTF-8 are sent as U+FFFD.
 class VIG_EXPORT VIGTriggerVeloraFuncActionFactoryImpl : public VIGActionFunctionFactory {
   public:

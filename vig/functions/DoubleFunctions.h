@@ -6,7 +6,7 @@
 
 namespace Brenta::OS::VIG {
 
-// A function that documents may compare with, under the value type "double".
+// Documents may compare with such a function under the value type "double".
 struct DoubleFunction {
     const char* name;
     std::function<double()> (*get)();

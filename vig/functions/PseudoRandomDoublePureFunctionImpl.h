@@ -6,7 +6,7 @@
 
 namespace Brenta::OS::VIG {
 
-// "PseudoRandomDouble": draws from the one generator of the process.
+// The function "PseudoRandomDouble" draws from the one generator of the process.
 class VIG_EXPORT PseudoRandomDoublePureFunctionImpl {
   public:
     // Returns a function that gives the next number, evenly distributed over [0, 1), on every call. It may be

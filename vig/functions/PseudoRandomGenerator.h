@@ -7,7 +7,7 @@
 
 namespace Brenta::OS::VIG {
 
-// The generator is MT19937, with doubles spread evenly over [0, 1). Safe to use from several threads.
+// The generator is MT19937, with doubles spread evenly over [0, 1). It is safe to use from several threads.
 class PseudoRandomGenerator {
   public:
     explicit PseudoRandomGenerator(std::uint32_t value);

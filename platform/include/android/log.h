@@ -1,6 +1,6 @@
 #pragma once
 
-// The priorities of the platform log, lowest first.
+// The platform log has these priorities, lowest first.
 enum android_LogPriority {
     ANDROID_LOG_VERBOSE = 2,
     ANDROID_LOG_DEBUG = 3,

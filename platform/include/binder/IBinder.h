@@ -2,7 +2,7 @@
 
 namespace android {
 
-// A service as the service manager knows it. On a host the trigger service is the only kind.
+// It is a service as the service manager knows it. On a host the trigger service is the only kind.
 class IBinder {
   public:
     virtual ~IBinder() = default;

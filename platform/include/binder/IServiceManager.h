@@ -10,8 +10,7 @@
 
 namespace android {
 
-// The directory of services by instance name, such as "vendor.orlan.velora.ITrigger/default". May be used from
-// any thread.
+// It has the services by instance name, such as "vendor.orlan.velora.ITrigger/default". It may be used from any thread.
 class IServiceManager {
   public:
     // Returns null if no such service is registered.
@@ -25,7 +24,7 @@ class IServiceManager {
     std::map<String16, sp<IBinder>> services;  // guarded by mutex
 };
 
-// The service manager of this process; never null.
+// Returns the service manager of this process; never null.
 sp<IServiceManager> defaultServiceManager();
 
 // Looks a service up by name. Returns NO_ERROR with the service in `*service`, or NAME_NOT_FOUND with null there if

@@ -8,7 +8,7 @@
 
 namespace com::korvel::deviceconfig {
 
-// Properties of one namespace, by name, as they were when they were read.
+// They are the properties of one namespace, by name, as they were when they were read.
 class Properties {
   public:
     explicit Properties(std::map<std::string, std::string> valuesByName) : values(std::move(valuesByName)) {}
@@ -23,19 +23,19 @@ class Properties {
     std::map<std::string, std::string> values;
 };
 
-// Told of changes; always owned by a std::shared_ptr. The order of the virtual operations is part of the binary
-// interface.
+// The listener is told of changes, and always owned by a std::shared_ptr. The order of the virtual operations is part
+// of the binary interface.
 class OnPropertiesChangeListener : public std::enable_shared_from_this<OnPropertiesChangeListener> {
   public:
-    // Called on a thread of the client, never on two at once, and with no lock held. It may call the client, but not
-    // destroy it.
+    // It is called on a thread of the client, never on two at once, and with no lock held. It may call the client, but
+    // not destroy it.
     virtual void onPropertiesChanged(Properties properties) = 0;
 
     // REQUIRES: it does not use the client.
     virtual ~OnPropertiesChangeListener() = default;
 };
 
-// A client of the device configuration: named properties in namespaces. On a host each property is the content of
+// It is a client of the device configuration: named properties in namespaces. On a host each property is the content of
 // a file; <host/Host.h> says which. May be used from any thread.
 class DeviceConfig {
   public:
@@ -58,8 +58,8 @@ class DeviceConfig {
     void addOnPropertiesChangeListener(const std::string& ns,
                                        const std::shared_ptr<OnPropertiesChangeListener>& listener);
 
-    // Makes no further call to the listener, but does not wait for one that is under way. May be called from
-    // within it. A listener that is not registered is ignored.
+    // Makes no further call to the listener, but does not wait for one that is under way. It may be called from within
+    // it. A listener that is not registered is ignored.
     void removeOnPropertiesChangeListener(const std::shared_ptr<OnPropertiesChangeListener>& listener);
 
   private:

@@ -5,7 +5,7 @@
 
 namespace android {
 
-// Text in UTF-16. A value: it may be read from several threads at once.
+// It is text in UTF-16, a value that may be read from several threads at once.
 class String16 {
   public:
     String16() = default;
@@ -17,7 +17,7 @@ class String16 {
     void append(const String16& other) { text.append(other.text); }
     void setTo(const String16& other) { text = other.text; }
 
-    // The code units; valid until the string changes.
+    // Returns the code units; valid until the string changes.
     std::u16string_view view() const { return text; }
 
     // Texts compare by code unit.

@@ -5,7 +5,7 @@
 
 namespace android {
 
-// One owner of an object, or null. The last one to go deletes the object, on its own thread.
+// It is one owner of an object, or null. The last one to go deletes the object, on its own thread.
 template <typename T>
 class sp : public std::shared_ptr<T> {
   public:

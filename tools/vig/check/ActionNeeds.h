@@ -9,7 +9,7 @@
 
 namespace Brenta::OS::VIG::Tool {
 
-// An attribute that an action reads from the event, and never from the context.
+// An action reads such an attribute from the event, and never from the context.
 struct ActionNeed {
     std::string_view attribute;
     AttributeKind kind;
@@ -28,7 +28,7 @@ inline constexpr ActionNeed kMemoryNeeds[] = {
 inline constexpr ActionNeed kCpuNeeds[] = {{"processName", AttributeKind::String},
                                            {"cpuAvgUtilization", AttributeKind::Double}};
 
-// The library's actions, by the names under which documents ask for them.
+// Documents ask for the library's actions under these names.
 inline constexpr KnownAction kActions[] = {
     {"Test", false, {}},
     {"LogZramHeartBeat", false, kZramNeeds},

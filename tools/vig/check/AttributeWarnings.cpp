@@ -40,8 +40,8 @@ bool hasFunction(const VIGParserConfig& registry, const std::string& name, Filte
 class OperandWarnings {
   public:
     OperandWarnings(const TransitionModel& transition, const Catalogue& known, const VIGParserConfig& names,
-                    std::vector<Finding>& results)
-        : event(transition.event), ofEvent(known.find(event)), catalogue(known), registry(names), found(results) {}
+                    std::vector<Finding>& found)
+        : event(transition.event), ofEvent(known.find(event)), catalogue(known), registry(names), found(found) {}
 
     void add(const FilterModel& filter) {
         for (const OperandModel* const operand : {&filter.operand1, &filter.operand2}) {

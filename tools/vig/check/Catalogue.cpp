@@ -66,8 +66,8 @@ std::string KindSet::text() const {
 // Fills a catalogue from a document, of which nothing may be ignored.
 class Catalogue::Filling {
   public:
-    Filling(const DocumentText& text, Catalogue& result, std::vector<std::string>& problems)
-        : json(text, problems), catalogue(result) {}
+    Filling(const DocumentText& text, Catalogue& result, std::vector<std::string>& errors)
+        : json(text, errors), catalogue(result) {}
 
     void readAll(const Json::Value& root) {
         if (!json.isObject(root, "", {"extends", "events", "context"})) {
@@ -127,10 +127,10 @@ std::optional<Catalogue> Catalogue::read(const DocumentText& document, std::stri
         return std::nullopt;
     }
     Catalogue catalogue;
-    std::vector<std::string> problems;
-    Filling(document, catalogue, problems).readAll(document.root());
-    if (!problems.empty()) {
-        problem = std::move(problems.front());
+    std::vector<std::string> errors;
+    Filling(document, catalogue, errors).readAll(document.root());
+    if (!errors.empty()) {
+        problem = std::move(errors.front());
         return std::nullopt;
     }
     return catalogue;

@@ -26,7 +26,7 @@ inline std::string_view nameOf(AttributeKind kind) {
     return kKindNames[static_cast<std::size_t>(kind)];
 }
 
-// The kinds under which an attribute is known: an Int64 and a Double of one name are two attributes.
+// It has the kinds under which an attribute is known: an Int64 and a Double of one name are two attributes.
 class KindSet {
   public:
     bool isEmpty() const { return bits.none(); }
@@ -34,7 +34,7 @@ class KindSet {
     void add(AttributeKind kind) { bits.set(static_cast<std::size_t>(kind)); }
     void add(KindSet kinds) { bits |= kinds.bits; }
 
-    // "int64", "int64 and double".
+    // Returns the kinds as in "int64" or "int64 and double".
     std::string text() const;
 
   private:

@@ -19,7 +19,7 @@ struct CatalogueOptions {
 std::optional<int> learnFrom(const std::string& events, const Console& console, const Interruption& interruption,
                              Catalogue& catalogue);
 
-// `vig catalogue`: prints which attributes the events of a recording have. Returns the exit status.
+// `vig catalogue` prints which attributes the events of a recording have. Returns the exit status.
 int catalogue(const CatalogueOptions& options, const Console& console, const Interruption& interruption);
 
 void addCatalogue(CommandLine& commandLine, CatalogueOptions& options);

@@ -20,7 +20,7 @@ struct CheckOptions {
     std::string eventsFile = {};            // a recording whose attributes stand in their place, or add to that file's
 };
 
-// `vig check`: says what is wrong with rule documents. Returns the exit status.
+// `vig check` says what is wrong with rule documents. Returns the exit status.
 int check(const CheckOptions& options, const Console& console, const Interruption& interruption);
 
 // Adds the verb to the command line. It reads its options to `options`, which must outlive the command line.

@@ -7,7 +7,7 @@ namespace Brenta::OS::VIG::Tool {
 
 enum class Layer { Response, Config, Payload, Machine, Transition, Filter, Operand, Action, Parameter };
 
-// The objects of a rule document, and the keys that the library reads in each.
+// It tells which keys the library reads in an object of a rule document.
 struct Shape {
     enum class Kind {
         Value,   // whatever the library makes of it

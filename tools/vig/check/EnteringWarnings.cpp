@@ -16,8 +16,8 @@ namespace {
 // Follows EnteringState transitions, depth first. One that leads to a state on the path closes a cycle.
 class CycleSearch {
   public:
-    CycleSearch(const StateGraph& machine, std::vector<Finding>& results)
-        : graph(machine), found(results), depths(machine.names.size(), kUnseen) {}
+    CycleSearch(const StateGraph& machine, std::vector<Finding>& found)
+        : graph(machine), found(found), depths(machine.names.size(), kUnseen) {}
 
     void searchFrom(std::size_t state) {
         if (depths[state] != kUnseen) {

@@ -38,7 +38,7 @@ std::optional<std::size_t> readPlace(std::string_view reported, const SourceText
     return std::min(source.offsetOf({*line, *column}), source.text().size());
 }
 
-// The mistakes in the reader's report.
+// Returns the mistakes in the reader's report.
 std::vector<Finding> readerErrors(const SourceText& source, const std::string& text) {
     const std::string name(textOf(VIGParseError::InvalidJson).name);
     const SourceText report({}, text);

@@ -11,7 +11,7 @@ namespace Brenta::OS::VIG::Tool {
 
 enum class Severity { Error, Warning };
 
-// One thing that is wrong with a rule document, at its place.
+// It says one thing that is wrong with a rule document, at its place.
 struct Finding {
     Severity severity;
     std::string name;  // a stable one: of a warning, or of the library's error code

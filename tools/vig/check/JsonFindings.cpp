@@ -12,7 +12,7 @@ namespace {
 
 class JsonFindings final : public FindingWriter {
   public:
-    explicit JsonFindings(Output& target) : output(target) { output.write(R"({"findings":[)"); }
+    explicit JsonFindings(Output& output) : output(output) { output.write(R"({"findings":[)"); }
 
     void write(const SourceText& source, std::span<const Finding> findings) override {
         for (const Finding& finding : findings) {

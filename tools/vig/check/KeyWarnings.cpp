@@ -20,7 +20,7 @@ namespace Brenta::OS::VIG::Tool {
 
 namespace {
 
-// Keys that are not meant for the library: notes, and what tells an editor the form of the document.
+// Some keys are not meant for the library: notes, and what tells an editor the form of the document.
 bool isForPeople(std::string_view key, Layer layer) {
     return key == "comment" || (key == "$schema" && layer == Layer::Response);
 }
@@ -134,7 +134,7 @@ class KeyScan {
         }
     }
 
-    // Called at the beginning of a value: of all lists, the library does without that of parameters alone.
+    // It is called at the beginning of a value: of all lists, the library does without that of parameters alone.
     void reportParameters(char kind) {
         if (levels.empty() || levels.back().shape != &kActionShape || !levels.back().isObject) {
             return;

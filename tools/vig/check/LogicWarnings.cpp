@@ -113,7 +113,7 @@ Truth truthOf(const FilterModel& filter, const VIGParserConfig& registry) {
 template <typename T>
 class Contradictions {
   public:
-    explicit Contradictions(std::vector<Finding>& results) : found(results) {}
+    explicit Contradictions(std::vector<Finding>& found) : found(found) {}
 
     // Returns true if no value fulfils this filter and those before. Says so once.
     bool add(const FilterModel& filter) {

@@ -12,7 +12,7 @@
 
 namespace Brenta::OS::VIG::Tool {
 
-// A filter as the library builds it: turned round if only its left operand is a constant.
+// It is a filter as the library builds it: turned round if only its left operand is a constant.
 struct NormalFilter {
     FilterOperator op;
     const OperandModel& left;

@@ -31,7 +31,7 @@ Reading readingOf(const std::string& text) {
     return {fmt::format("{}", nearest), isInRange, rest};
 }
 
-// A decimal number as it is written and as a double holds it, both with the same decimals.
+// It is a decimal number as it is written and as a double holds it, both with the same decimals.
 struct Decimal {
     std::string written;
     std::string held;

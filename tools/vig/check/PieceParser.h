@@ -13,7 +13,7 @@
 
 namespace Brenta::OS::VIG::Tool {
 
-// The reason why the library refuses something.
+// It says why the library refuses something.
 struct Refusal {
     VIGParseError error;
     std::string message;  // its first line in the log, or the meaning of the error where it logs nothing

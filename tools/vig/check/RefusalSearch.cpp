@@ -110,7 +110,7 @@ class RefusalSearch {
     }
 
   private:
-    // An object of the document on which the library looks.
+    // It is an object of the document on which the library looks.
     struct Piece {
         const Shape& shape;
         const Json::Value& json;

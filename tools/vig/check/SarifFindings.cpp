@@ -76,7 +76,7 @@ std::string logicalLocations(const std::string& path) {
 
 class SarifFindings final : public FindingWriter {
   public:
-    explicit SarifFindings(Output& target) : output(target) {
+    explicit SarifFindings(Output& output) : output(output) {
         output.write(R"({"version":"2.1.0",)"
                      R"("$schema":"https://docs.oasis-open.org/sarif/sarif/v2.1.0/os/schemas/sarif-schema-2.1.0.json",)"
                      R"("runs":[{"tool":{"driver":{"name":"vig","version":")" VIG_VERSION R"(","rules":[)");

@@ -40,7 +40,7 @@ std::string meaningOf(const FilterModel& filter) {
                        usesFunction(filter), hasConstant(filter), left.size(), left, right);
 }
 
-// The transitions of one state on one event, from the first to the last.
+// It holds the transitions of one state on one event, from the first to the last.
 class Precedence {
   public:
     // Returns the earlier transition that fires whenever this one could; null if there is none.

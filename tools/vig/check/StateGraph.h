@@ -8,13 +8,13 @@
 
 namespace Brenta::OS::VIG::Tool {
 
-// The outcome of judging the filters of a transition: it holds whatever the events.
+// It says what judging the filters of a transition has come to: that holds whatever the events.
 struct FilterLogic {
     bool neverHolds = false;
     std::vector<const FilterModel*> conditions = {};  // those that are not always true
 };
 
-// A transition of a machine, with its states as numbers.
+// It is a transition of a machine, with its states as numbers.
 struct Edge {
     const TransitionModel* transition;
     std::size_t from;
@@ -26,7 +26,7 @@ struct Edge {
     bool isLoop() const { return from == to; }
 };
 
-// The states and transitions of a machine. It refers to the model that it was built of.
+// It has the states and transitions of a machine, and refers to the model that it was built of.
 struct StateGraph {
     static constexpr std::size_t START = 0;
     static constexpr std::size_t END = 1;

@@ -48,7 +48,7 @@ std::string mark(std::string_view text) {
     return "^" + std::string(width > 0 ? width - 1 : 0, '~');
 }
 
-// The line around a place in it, in three parts.
+// It is the line around a place in it, in three parts.
 struct ShownLine {
     std::string before;
     std::string at;
@@ -78,7 +78,7 @@ std::string counted(std::size_t count, std::string_view what) {
 
 class TextFindings final : public FindingWriter {
   public:
-    TextFindings(Output& target, bool wantsColours) : output(target), coloured(wantsColours) {}
+    TextFindings(Output& output, bool wantsColours) : output(output), coloured(wantsColours) {}
 
     void write(const SourceText& source, std::span<const Finding> findings) override {
         for (const Finding& finding : findings) {

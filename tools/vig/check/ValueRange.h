@@ -37,7 +37,8 @@ T leastValue() {
     }
 }
 
-// The values of a type that fulfil some comparisons with constants. NaN, which only != lets through, is no value.
+// It has the values of a type that fulfil some comparisons with constants. NaN, which only != lets through, is no
+// value.
 template <typename T>
 class ValueRange {
   public:

@@ -52,7 +52,7 @@ class Verb {
 
     explicit Verb(CLI::App& parser) : app(parser) {}
 
-    // Words without an option: one, or as many as there are.
+    // They take words without an option: one, or as many as there are.
     void argument(const std::string& name, std::string& value, Need need, const std::string& description);
     void argument(const std::string& name, std::vector<std::string>& values, Need need, const std::string& description);
 
@@ -65,18 +65,18 @@ class Verb {
     // given.
     void name(const std::string& name, std::string& value, const std::string& kind, const std::string& description);
 
-    // May be repeated. Each name is one of `known`, and `what` is how a message calls one of them.
+    // It may be repeated. Each name is one of `known`, and `what` is how a message calls one of them.
     void names(const std::string& name, std::vector<std::string>& values, std::vector<std::string_view> known,
                const std::string& what, const std::string& description);
 
     void wholeNumber(const std::string& names, std::uint32_t& value, std::uint32_t least, std::uint32_t most,
                      const std::string& description);
 
-    // "500ms", "1s", "2m", "1h" or a number of seconds, which may have a fraction; of a year at most.
+    // Takes "500ms", "1s", "2m", "1h" or a number of seconds, which may have a fraction; of a year at most.
     void duration(const std::string& name, std::chrono::milliseconds& value, std::chrono::milliseconds least,
                   const std::string& description);
 
-    // One of a few words: the first one unless it is given.
+    // Takes one of a few words; the help says that the first one is the default.
     template <typename Value>
     void choice(const std::string& name, Value& value,
                 const std::vector<std::pair<std::string, std::type_identity_t<Value>>>& choices,
@@ -96,7 +96,7 @@ class Verb {
         });
     }
 
-    // Any other option: `read` returns what is wrong with a text, or nothing.
+    // Takes any other option: `read` returns what is wrong with a text, or nothing.
     void option(const std::string& name, const std::string& kind, const std::string& description,
                 const std::function<std::string(const std::string& text)>& read);
 
@@ -104,7 +104,7 @@ class Verb {
     CLI::App& app;
 };
 
-// The arguments of the program, the verb that they name, and its help.
+// It has the arguments of the program, the verb that they name, and its help.
 class CommandLine {
   public:
     CommandLine();

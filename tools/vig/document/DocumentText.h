@@ -10,14 +10,14 @@
 
 namespace Brenta::OS::VIG::Tool {
 
-// A value in a text, by its bytes and its JSON path ("configs[0].payload.id").
+// It locates a value in a text, by its bytes and its JSON path ("configs[0].payload.id").
 struct Place {
     std::size_t begin;
     std::size_t end;
     std::string path;
 };
 
-// A rule document as text, and as the JSON that the library reads from it.
+// It holds a rule document as text, and as the JSON that the library reads from it.
 class DocumentText {
   public:
     // `fileName` is what messages call it.
@@ -28,7 +28,7 @@ class DocumentText {
     // Returns null if the text is not JSON.
     const Json::Value& root() const { return json; }
 
-    // The reader's report if the text is not JSON: for each mistake its line and column, and what is wrong.
+    // Holds the reader's report if the text is not JSON: for each mistake its line and column, and what is wrong.
     const std::optional<std::string>& report() const { return unreadable; }
 
     // Returns the place of a value of root(), or of a copy of one; `path` is its JSON path.

@@ -4,7 +4,7 @@
 
 namespace Brenta::OS::VIG::Tool {
 
-// The names that the library knows, as it parses with them.
+// Returns the names that the library knows, as it parses with them.
 VIGParserConfig libraryRegistry();
 
 }  // namespace Brenta::OS::VIG::Tool

@@ -13,15 +13,15 @@
 
 namespace Brenta::OS::VIG::Tool {
 
-// What a rule document says, piece by piece with its place in the text, for the verbs that talk about documents.
-// The machines themselves come from the library.
+// The models tell what a rule document says, piece by piece with its place in the text, to the verbs that talk about
+// documents. The machines themselves come from the library.
 
 struct OperandModel {
     Place place;  // of its value
     FilterOperand operand;
 };
 
-// A filter as it is written: a constant may stand on the left.
+// The filter is as it is written: a constant may stand on the left.
 struct FilterModel {
     Place place;
     FilterOperator op;
@@ -57,7 +57,7 @@ struct ConfigModel {
 // the document's JSON.
 ConfigModel modelOf(const DocumentText& document, Json::ArrayIndex index);
 
-// A whole document, as text and as what it says. It is not copied, since its parts refer to each other.
+// It holds a whole document, as text and as what it says. It is not copied, since its parts refer to each other.
 struct DocumentModel {
     // REQUIRES: the library accepts the text.
     DocumentModel(std::string fileName, std::string content);

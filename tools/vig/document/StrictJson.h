@@ -24,7 +24,7 @@ class StrictJson {
     static std::string mistakeIn(const DocumentText& document);
 
     // Both must outlive it. The values are those of the document.
-    StrictJson(const DocumentText& text, std::vector<std::string>& problems) : document(text), errors(problems) {}
+    StrictJson(const DocumentText& text, std::vector<std::string>& errors) : document(text), errors(errors) {}
 
     void complain(const Json::Value& at, const std::string& path, const std::string& what);
 

@@ -14,9 +14,9 @@
 
 namespace Brenta::OS::VIG::Tool {
 
-// Named attributes of the five kinds, in the byte order of their names. The kind is the type T of the value: one of
-// std::uint64_t, std::int64_t, double, bool and std::string_view. A set that is cleared keeps its memory for the next
-// attributes, and lookups allocate nothing. The views that it hands out are valid until it changes.
+// It holds named attributes of the five kinds, in the byte order of their names. The kind is the type T of the value:
+// one of std::uint64_t, std::int64_t, double, bool and std::string_view. A set that is cleared keeps its memory for the
+// next attributes, and lookups allocate nothing. The views that it hands out are valid until it changes.
 class AttributeSet {
   public:
     void clear();
@@ -77,7 +77,7 @@ class AttributeSet {
   private:
     static constexpr std::size_t kFew = 8;
 
-    // A part of `text`, which may move while attributes are added.
+    // It is a part of `text`, which may move while attributes are added.
     struct Span {
         std::size_t begin;
         std::size_t size;

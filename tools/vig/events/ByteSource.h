@@ -18,9 +18,9 @@ inline constexpr std::size_t kMagicSize = 4;
 // Returns true if the bytes, which may be fewer than kMagicSize, can begin a compressed stream.
 bool mayBeCompressed(std::string_view head);
 
-// The bytes that a descriptor delivers; decompressed, if the first ones say that they are gzip or zstd, also of
-// several members or frames after each other, and of gzip with zeros after the last one. Its memory does not depend on
-// the data, but for the window of a zstd frame, which is at most 128 MiB.
+// It reads the bytes that a descriptor delivers; decompressed, if the first ones say that they are gzip or zstd, also
+// of several members or frames after each other, and of gzip with zeros after the last one. Its memory does not depend
+// on the data, but for the window of a zstd frame, which is at most 128 MiB.
 class ByteSource {
   public:
     // The descriptor stays the caller's.

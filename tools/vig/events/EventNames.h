@@ -6,7 +6,7 @@
 
 namespace Brenta::OS::VIG::Tool {
 
-// The names of the event types, in the order of the library's table.
+// The event types have these names, in the order of the library's table.
 inline constexpr auto kEventNames = kEventTypeNames.texts();
 
 inline std::string_view nameOf(RulesEngine::EventType type) {

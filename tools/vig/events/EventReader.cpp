@@ -31,9 +31,9 @@ std::string nameOfEvents(const std::string& events) {
     return isStandardInput(events) ? "<stdin>" : events;
 }
 
-EventReader::EventReader(int source, std::string sourceName, const Interruption& interruptedBy,
+EventReader::EventReader(int source, std::string sourceName, const Interruption& interruption,
                          std::function<void()> waiting)
-    : name(std::move(sourceName)), lines(source, name, interruptedBy, std::move(waiting)) {}
+    : name(std::move(sourceName)), lines(source, name, interruption, std::move(waiting)) {}
 
 EventReader::Status EventReader::next(EventRecord& record) {
     std::string_view line;

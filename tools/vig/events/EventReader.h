@@ -13,8 +13,8 @@
 
 namespace Brenta::OS::VIG::Tool {
 
-// Opens the argument EVENTS of a verb: a file of event records, or "-" for standard input. Not open, with errno set, if
-// there is no such file. A pipe that nobody writes to yet is waited for by who reads it.
+// Opens the argument EVENTS of a verb: a file of event records, or "-" for standard input. It is not open, with errno
+// set, if there is no such file. A pipe that nobody writes to yet is waited for by who reads it.
 Descriptor openEvents(const std::string& events, const Console& console);
 
 // Returns a message for a person, of an errno value of openEvents().
@@ -30,7 +30,7 @@ class EventReader {
     enum class Status { Record, End, Interrupted, Failed };
 
     // `sourceName` stands in messages. For the rest see LineReader.
-    EventReader(int source, std::string sourceName, const Interruption& interruptedBy, std::function<void()> waiting);
+    EventReader(int source, std::string sourceName, const Interruption& interruption, std::function<void()> waiting);
 
     // Fills `record` with the next one.
     Status next(EventRecord& record);

@@ -14,7 +14,7 @@ namespace Brenta::OS::VIG::Tool {
 
 class Output;
 
-// One event as it is recorded: a line of an event file.
+// It is one event as it is recorded: a line of an event file.
 struct EventRecord {
     RulesEngine::EventType type{};
     std::optional<std::int64_t> timeMs = {};     // since the recording began; for people, no rule sees it
@@ -28,7 +28,7 @@ struct EventRecord {
 // REQUIRES: doubles are finite; names and strings are well-formed UTF-8; attributes are sorted.
 void writeEvent(Output& output, const EventRecord& record);
 
-// An event or a context with the attributes of a set, which stays the caller's and must outlive the object.
+// It is an event or a context with the attributes of a set, which stays the caller's and must outlive the object.
 template <typename Base>
 class WithAttributes : public Base {
   public:

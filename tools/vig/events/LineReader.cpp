@@ -24,12 +24,12 @@ bool isRegularFile(int descriptor) {
 
 }  // namespace
 
-LineReader::LineReader(int input, std::string sourceName, const Interruption& interruptedBy,
+LineReader::LineReader(int input, std::string sourceName, const Interruption& interruption,
                        std::function<void()> waiting)
     : descriptor(input),
       name(std::move(sourceName)),
       source(input),
-      interruption(interruptedBy),
+      interruption(interruption),
       beforeWaiting(std::move(waiting)),
       alwaysReady(isRegularFile(input)),
       buffer(kInitialSize) {}
@@ -107,7 +107,7 @@ void LineReader::makeRoom() {
     }
 }
 
-// False if it was interrupted.
+// Returns false if it was interrupted.
 bool LineReader::waitForInput() {
     if (alwaysReady || source.isReady()) {
         return true;

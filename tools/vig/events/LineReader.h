@@ -28,7 +28,7 @@ class LineReader {
 
     // The descriptor stays the caller's; messages call it `sourceName`. `waiting` is called whenever nothing has
     // arrived and the reader is about to wait, which an interruption ends.
-    LineReader(int input, std::string sourceName, const Interruption& interruptedBy, std::function<void()> waiting);
+    LineReader(int input, std::string sourceName, const Interruption& interruption, std::function<void()> waiting);
     LineReader(const LineReader&) = delete;
     LineReader& operator=(const LineReader&) = delete;
 

@@ -90,7 +90,7 @@ bool isNumber(std::string_view token) {
     }
 }
 
-// The token of a value without the white space around it.
+// Returns the token of a value without the white space around it.
 std::string_view trimmed(std::string_view token) {
     constexpr std::string_view kSpace = " \t\r\n";
     token.remove_prefix(std::min(token.find_first_not_of(kSpace), token.size()));

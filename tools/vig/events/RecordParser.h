@@ -17,7 +17,7 @@ class RecordParser {
     RecordParser& operator=(const RecordParser&) = delete;
     ~RecordParser();
 
-    // Fills `record` from one JSON object; false, with the record in any state, if the text is not a record.
+    // Fills `record` from one JSON object. Returns false, with the record in any state, if the text is not a record.
     // REQUIRES: LineReader::PADDING bytes after the text may be read, the first of them a line feed.
     bool parse(std::string_view text, EventRecord& record);
 

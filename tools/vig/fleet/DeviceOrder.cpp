@@ -9,8 +9,8 @@ constexpr std::size_t kMostText = std::size_t{1} << 18;  // of a device before i
 constexpr std::size_t kMostEnded = 64;                   // devices before their turn
 }  // namespace
 
-DeviceOrder::DeviceOrder(Output& target, std::function<void(const DeviceResult&)> ended)
-    : output(target), onEnd(std::move(ended)) {}
+DeviceOrder::DeviceOrder(Output& output, std::function<void(const DeviceResult&)> ended)
+    : output(output), onEnd(std::move(ended)) {}
 
 int DeviceOrder::write(std::size_t device, std::string_view text) {
     std::unique_lock lock(mutex);

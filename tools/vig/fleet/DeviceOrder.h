@@ -20,11 +20,11 @@ namespace Brenta::OS::VIG::Tool {
 class DeviceOrder {
   public:
     // `ended` is called with the result of each device in turn, after all of its text, by one thread at a time.
-    DeviceOrder(Output& target, std::function<void(const DeviceResult&)> ended);
+    DeviceOrder(Output& output, std::function<void(const DeviceResult&)> ended);
     DeviceOrder(const DeviceOrder&) = delete;
     DeviceOrder& operator=(const DeviceOrder&) = delete;
 
-    // Text of a device. Returns an errno value if the output has failed, else 0.
+    // Takes text of a device. Returns an errno value if the output has failed, else 0.
     int write(std::size_t device, std::string_view text);
 
     // Nothing more comes from the device.

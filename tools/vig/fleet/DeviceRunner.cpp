@@ -57,10 +57,8 @@ std::uint32_t deviceSeed(std::uint32_t seed, std::string_view name) {
     return seed ^ static_cast<std::uint32_t>(hash ^ (hash >> 32));
 }
 
-DeviceRunner::DeviceRunner(const FleetPlan& fleetPlan)
-    : plan(fleetPlan),
-      generator(plan.options.seed),
-      parsed(parse(plan.document, registryWith(generator, plan.registry))) {}
+DeviceRunner::DeviceRunner(const FleetPlan& plan)
+    : plan(plan), generator(plan.options.seed), parsed(parse(plan.document, registryWith(generator, plan.registry))) {}
 
 MachineGroup::Configs DeviceRunner::newMachines(FiredCounts& fired) const {
     for (const ConfigModel& each : plan.document.configs) {

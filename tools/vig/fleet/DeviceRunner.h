@@ -35,7 +35,7 @@ std::uint32_t deviceSeed(std::uint32_t seed, std::string_view name);
 // of its own, which share only the filters and actions, as these keep nothing. REQUIRES: PlatformServices exist.
 class DeviceRunner {
   public:
-    explicit DeviceRunner(const FleetPlan& fleetPlan);
+    explicit DeviceRunner(const FleetPlan& plan);
     DeviceRunner(const DeviceRunner&) = delete;
     DeviceRunner& operator=(const DeviceRunner&) = delete;
 
@@ -45,7 +45,7 @@ class DeviceRunner {
     DeviceResult run(const std::string& device, Output& output);
 
   private:
-    // Machines in their start state, which count in `fired` how often each transition fires.
+    // Makes machines in their start state, which count in `fired` how often each transition fires.
     MachineGroup::Configs newMachines(FiredCounts& fired) const;
 
     const FleetPlan& plan;

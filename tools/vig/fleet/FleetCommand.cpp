@@ -24,12 +24,12 @@ namespace {
 // the console in their order, whatever the number of threads. REQUIRES: PlatformServices exist.
 class Fleet {
   public:
-    Fleet(const FleetPlan& fleetPlan, const std::vector<std::string>& names, Output& target)
-        : plan(fleetPlan),
+    Fleet(const FleetPlan& plan, const std::vector<std::string>& names, Output& output)
+        : plan(plan),
           devices(names),
-          output(target),
+          output(output),
           summary(FleetSummary::of(plan.document)),
-          order(target, [this](const DeviceResult& result) { account(result); }) {}
+          order(output, [this](const DeviceResult& result) { account(result); }) {}
 
     FleetSummary run(std::size_t threads) {
         {

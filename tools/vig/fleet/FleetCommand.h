@@ -17,10 +17,10 @@ struct FleetOptions : RunOptions {
     bool summaryOnly = false;  // no line for what happens
 };
 
-// `vig run` over the recordings of several devices, or for a summary. Returns the exit status.
+// Runs `vig run` over the recordings of several devices, or for a summary. Returns the exit status.
 int fleet(const FleetOptions& options, const Console& console, const Interruption& interruption);
 
-// The verb `vig run`: of one device if there is one and no summary is wanted, else of a fleet.
+// Adds the verb `vig run`: of one device if there is one and no summary is wanted, else of a fleet.
 void addRun(CommandLine& commandLine, FleetOptions& options);
 
 }  // namespace Brenta::OS::VIG::Tool

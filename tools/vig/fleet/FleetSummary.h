@@ -53,7 +53,7 @@ struct FleetSummary {
         std::vector<Transition> transitions;
     };
 
-    // A device that triggers so often that a collection for each cannot be meant.
+    // It names a device that triggers so often that a collection for each cannot be meant.
     struct Storm {
         static constexpr std::uint64_t LEAST_TRIGGERS = 10;
         static constexpr std::uint64_t MOST_EVENTS = 100;  // for each of its triggers, on average
@@ -82,17 +82,17 @@ struct FleetSummary {
     // REQUIRES: isOfSameDocument(other), and nothing is tooLarge() in either.
     void merge(const FleetSummary& other);
 
-    // The JSON path of a number that is larger than MOST; empty if there is none.
+    // Returns the JSON path of a number that is larger than MOST; empty if there is none.
     std::string tooLarge() const;
 
     bool isOfSameDocument(const FleetSummary& other) const;
 
-    // The devices whose files could be opened; the numbers but `failed` and `unfinished` are about them.
+    // Counts the devices whose files could be opened; the numbers but `failed` and `unfinished` are about them.
     std::uint64_t devices() const;
 
     std::uint64_t triggers() const;
 
-    // The least number of triggers that is enough for that percentage of the devices; 0 if there is no device.
+    // Returns the least number of triggers that is enough for that percentage of the devices; 0 if there is no device.
     std::uint64_t percentile(std::uint64_t percent) const;
 
     std::string documentHash;  // of its text

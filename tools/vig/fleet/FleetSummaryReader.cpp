@@ -18,7 +18,7 @@ constexpr std::uint64_t kMost = FleetSummary::MOST;
 
 class SummaryParser {
   public:
-    SummaryParser(const DocumentText& text, std::vector<std::string>& problems) : json(text, problems) {}
+    SummaryParser(const DocumentText& text, std::vector<std::string>& errors) : json(text, errors) {}
 
     FleetSummary summary(const Json::Value& root) {
         FleetSummary result;
@@ -55,7 +55,7 @@ class SummaryParser {
         return static_cast<std::uint64_t>(read.value_or(0));
     }
 
-    // A number that follows from others.
+    // Complains if a number does not follow from the others.
     void derived(const Json::Value& object, const std::string& key, const std::string& path, std::uint64_t expected) {
         if (number(object, key, path) != expected) {
             misfit(object[key], StrictJson::member(path, key), std::to_string(expected));

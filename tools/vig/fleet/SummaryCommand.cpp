@@ -20,7 +20,7 @@ namespace {
 // Merges one summary after the other.
 class Merger {
   public:
-    Merger(const Console& streams, const Interruption& interruptedBy) : console(streams), interruption(interruptedBy) {}
+    Merger(const Console& console, const Interruption& interruption) : console(console), interruption(interruption) {}
 
     // Merges all of the file. If that fails, says why and returns the exit status.
     std::optional<int> add(const std::string& file) {

@@ -16,7 +16,7 @@ struct SummaryOptions {
     ReportFormat format = ReportFormat::Text;
 };
 
-// `vig summary`: merges the summaries of several runs, one a line of the files. Returns the exit status.
+// `vig summary` merges the summaries of several runs, one a line of the files. Returns the exit status.
 int summary(const SummaryOptions& options, const Console& console, const Interruption& interruption);
 
 void addSummary(CommandLine& commandLine, SummaryOptions& options);

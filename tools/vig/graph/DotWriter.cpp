@@ -17,7 +17,7 @@ using RulesEngine::FiniteStateMachine;
 
 namespace {
 
-// Colours that people who cannot tell red from green can tell apart too; each also has a line or a sign of its own.
+// People who cannot tell red from green can tell these colours apart too; each also has a line or a sign of its own.
 constexpr std::string_view kInk = "#222222";
 constexpr std::string_view kPale = "#999999";
 constexpr std::string_view kHeader = "#e3ecf6";
@@ -33,7 +33,7 @@ constexpr std::string_view kPrologue = R"(digraph vig {
   edge [arrowsize=0.7, tooltip=" "]
 )";
 
-// Text for an HTML-like label, or for an attribute. XML has no place for two of the characters.
+// Escapes text for an HTML-like label, or for an attribute. XML has no place for two of the characters.
 std::string escaped(std::string_view text) {
     constexpr std::pair<std::string_view, std::string_view> kEscapes[] = {
         {"&", "&amp;"},
@@ -195,7 +195,8 @@ class DotWriter {
         return text;
     }
 
-    // All that is wrong with a state and with the transitions that leave it: a row cannot have a tooltip of its own.
+    // Returns all that is wrong with a state and with the transitions that leave it: a row cannot have a tooltip of its
+    // own.
     static std::string messagesOf(const GraphState& state) {
         std::string messages = Tool::messagesOf(state.marks);
         for (const GraphArrow& arrow : state.arrows) {

@@ -17,7 +17,7 @@ struct GraphOptions : MachineOptions {
     std::string events;  // a file of event records to replay, empty for none
 };
 
-// `vig graph`: draws the machines of a rule document. Returns the exit status.
+// `vig graph` draws the machines of a rule document. Returns the exit status.
 int graph(const GraphOptions& options, const Console& console, const Interruption& interruption);
 
 void addGraph(CommandLine& commandLine, GraphOptions& options);

@@ -19,8 +19,8 @@ namespace Brenta::OS::VIG::Tool {
 
 namespace {
 
-// A stream to or from a program. A socket rather than a pipe: writing to a program that has gone is then an error like
-// any other, and no signal.
+// It is a stream to or from a program: a socket rather than a pipe, because writing to a program that has gone is an
+// error then like any other, and no signal.
 struct Stream {
     std::optional<Descriptor> ours;
     std::optional<Descriptor> theirs;
@@ -108,7 +108,8 @@ void receiveSome(pollfd& stream, std::string& text) {
     }
 }
 
-// Sends the graph and receives what comes of it, all at once so that nobody waits for the other. False if interrupted.
+// Sends the graph and receives what comes of it, all at once so that nobody waits for the other. Returns false if it
+// was interrupted.
 bool exchange(std::string_view dot, const Streams& streams, Rendering& rendering, const Interruption& interruption) {
     pollfd polled[] = {{streams.in.ours->get(), POLLOUT, 0},
                        {streams.out.ours->get(), POLLIN, 0},

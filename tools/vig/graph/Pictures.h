@@ -10,8 +10,8 @@
 
 namespace Brenta::OS::VIG::Tool {
 
-// The texts that the pictures of a machine have in common, whatever their format. They are printable, and cut where
-// they would be too long for a picture; none is escaped for the format.
+// The pictures of a machine have these texts in common, whatever their format. They are printable, and cut where they
+// would be too long for a picture; none is escaped for the format.
 
 // Returns the text with at most `most` characters, the last of them "…" if it was cut.
 std::string pictureText(std::string_view text, std::size_t most);
@@ -19,19 +19,19 @@ std::string pictureText(std::string_view text, std::size_t most);
 // The label can be seen even if the state's name is empty or has only spaces.
 std::string labelOf(const GraphState& state);
 
-// "2", or "4…41" for several transitions.
+// Returns "2", or "4…41" for several transitions.
 std::string orderOf(const GraphArrow& arrow);
 
 // Each condition is a line.
 std::vector<std::string> conditionLinesOf(const GraphArrow& arrow);
 
-// "→ TriggerVelora", a line each.
+// Returns a line like "→ TriggerVelora" for each action.
 std::vector<std::string> actionLinesOf(const GraphArrow& arrow);
 
-// "3 of 120 tried"; empty without a replay.
+// Returns "3 of 120 tried"; nothing without a replay.
 std::string trafficLineOf(const GraphArrow& arrow);
 
-// "⚠ never-true", a line for each name.
+// Returns a line like "⚠ never-true" for each name.
 std::vector<std::string> markLinesOf(const std::vector<GraphMark>& marks);
 
 // All of the marks' messages share one line.

@@ -18,7 +18,7 @@ namespace {
 
 using Marks = std::vector<GraphMark>;
 
-// The findings by the path of what they mark.
+// It has the findings by the path of what they mark.
 class MarkedPlaces {
   public:
     explicit MarkedPlaces(const std::vector<Finding>& findings) {
@@ -63,7 +63,7 @@ GraphArrow arrowOf(const TransitionModel& transition) {
     return arrow;
 }
 
-// "Test ×2", a line for each event.
+// Returns a line like "Test ×2" for each event.
 std::vector<std::string> eventCounts(std::span<const GraphArrow> arrows) {
     std::map<std::string, std::size_t> counts;
     for (const GraphArrow& each : arrows) {
@@ -75,7 +75,7 @@ std::vector<std::string> eventCounts(std::span<const GraphArrow> arrows) {
     return lines;
 }
 
-// One arrow for several with the same target. Of marks with the same name, one is kept.
+// Makes one arrow of several with the same target. Of marks with the same name, one is kept.
 GraphArrow sumOf(std::span<const GraphArrow> arrows) {
     GraphArrow sum;
     sum.first = arrows.front().first;

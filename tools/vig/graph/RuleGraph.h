@@ -11,10 +11,10 @@
 
 namespace Brenta::OS::VIG::Tool {
 
-// A machine of a rule document as a picture shows it. All texts are as the document has them: whoever draws cuts and
-// escapes them.
+// The graph is a machine of a rule document as a picture shows it. All texts are as the document has them: whoever
+// draws cuts and escapes them.
 
-// Something that `vig check` finds wrong with what is marked.
+// It names something that `vig check` finds wrong with what is marked.
 struct GraphMark {
     std::string name;
     std::string message;
@@ -30,7 +30,7 @@ enum class TrafficKind { Unknown, NeverTried, NeverFired, Fired };
 
 TrafficKind kindOf(const std::optional<Traffic>& traffic);
 
-// A transition, or several that lead from the same state to the same one.
+// It stands for a transition, or for several that lead from the same state to the same one.
 struct GraphArrow {
     std::size_t first = 0;  // in the order of precedence of its state, counting from 1
     std::size_t last = 0;   // differs if it stands for several
@@ -58,9 +58,9 @@ struct RuleGraph {
 // At most so many arrows of each kind of traffic lead from one state to another.
 inline constexpr std::size_t kMostParallelArrows = 4;
 
-// One graph a configuration. A finding marks the transition that its path lies in; the state, if the path ends with
-// "from_state" or "to_state"; else the configuration. `traffic` is empty without a replay, or has an element for each
-// transition of each configuration.
+// Makes a graph of each configuration. A finding marks the transition that its path lies in; the state, if the path
+// ends with "from_state" or "to_state"; else the configuration. `traffic` is empty without a replay, or has an element
+// for each transition of each configuration.
 std::vector<RuleGraph> graphsOf(const std::vector<ConfigModel>& configs, const std::vector<Finding>& findings,
                                 const std::vector<std::vector<Traffic>>& traffic);
 

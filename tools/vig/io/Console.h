@@ -13,7 +13,7 @@ inline constexpr int kExitRefused = 1;   // the rule document is
 inline constexpr int kExitUnusable = 2;  // the arguments or an input, or the output cannot be written
 inline constexpr int kExitInterrupted = 130;
 
-// The streams that a verb reads and writes; the descriptors stay the caller's.
+// A verb reads and writes these streams; the descriptors stay the caller's.
 struct Console {
     int in = STDIN_FILENO;
     int out = STDOUT_FILENO;

@@ -16,10 +16,10 @@ std::string whyUnreadable(const std::string& path);
 // nothing if it was interrupted.
 std::optional<std::string> readFile(const std::string& path, const Interruption& interruption, std::string& problem);
 
-// The same as a file in memory, for who takes only a path, or takes it more than once.
+// Returns the same as a file in memory, for who takes only a path, or takes it more than once.
 std::optional<Descriptor> copyInMemory(const std::string& path, const Interruption& interruption, std::string& problem);
 
-// The path of an open file, as long as it is open.
+// Returns the path of an open file, as long as it is open.
 std::string pathOf(const Descriptor& file);
 
 }  // namespace Brenta::OS::VIG::Tool

@@ -7,7 +7,7 @@
 
 namespace Brenta::OS::VIG::Tool {
 
-// A request to come to an end: asked for once, from a signal handler or any thread, seen at the next event and by
+// It is a request to come to an end: asked for once, from a signal handler or any thread, seen at the next event and by
 // whoever waits on the descriptor.
 class Interruption {
   public:
@@ -19,7 +19,7 @@ class Interruption {
     void request();
     bool requested() const { return flag.load(std::memory_order_relaxed); }
 
-    // Readable once the end has been requested.
+    // The descriptor is readable once the end has been requested.
     int descriptor() const { return event; }
 
   private:

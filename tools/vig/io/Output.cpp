@@ -19,7 +19,7 @@ int writeAll(int descriptor, std::string_view rest) {
         if (written >= 0) {
             rest.remove_prefix(static_cast<std::size_t>(written));
         } else if (errno == EAGAIN) {
-            // A descriptor shared with somebody who made it non-blocking.
+            // Somebody who shares the descriptor has made it non-blocking.
             pollfd writable = {descriptor, POLLOUT, 0};
             poll(&writable, 1, -1);
         } else if (errno != EINTR) {

@@ -6,8 +6,8 @@
 
 namespace Brenta::OS::VIG::Tool {
 
-// Text on its way to a descriptor, which stays the caller's, or to whoever takes it. It is written in large pieces;
-// after a failure, all further text is dropped.
+// It takes text to a descriptor, which stays the caller's, or to whoever takes it. It is written in large pieces; after
+// a failure, all further text is dropped.
 class Output {
   public:
     // Takes a piece of text and returns an errno value, 0 if all of it is where it belongs.
@@ -23,7 +23,7 @@ class Output {
     // Writes what has been collected.
     void flush();
 
-    // Called before each time that text goes out.
+    // Calls `hook` each time before text goes out.
     void beforeWriting(std::function<void()> hook);
 
     bool failed() const { return error != 0; }
@@ -31,7 +31,7 @@ class Output {
     // Returns true if the reader of a pipe has gone, which is no fault of anybody.
     bool readerIsGone() const;
 
-    // The errno value of the failure, or 0.
+    // Returns the errno value of the failure, or 0.
     int failure() const { return error; }
 
   private:

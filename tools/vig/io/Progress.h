@@ -5,7 +5,8 @@
 
 namespace Brenta::OS::VIG::Tool {
 
-// A line that tells how far a long run is, if the descriptor is a terminal and not before the first second is over.
+// It shows a line that tells how far a long run is, if the descriptor is a terminal and not before the first second is
+// over.
 class Progress {
   public:
     // `inputSize` is in bytes, 0 if it is not known. The descriptor stays the caller's.
@@ -14,7 +15,7 @@ class Progress {
     Progress& operator=(const Progress&) = delete;
     ~Progress() { clear(); }
 
-    // Cheap enough to be called after every event.
+    // It is cheap enough to be called after every event.
     void update(std::uint64_t events, std::uint64_t bytesRead) {
         if (shown && events % 1024 == 0) {
             showIfDue(events, bytesRead);

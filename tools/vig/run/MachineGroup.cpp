@@ -13,8 +13,8 @@ using RulesEngine::EventType;
 using RulesEngine::FiniteStateMachine;
 using RulesEngine::State;
 
-MachineGroup::MachineGroup(const AttributeSet& contextAttributes, Report& target, Tracer* watcher)
-    : context(contextAttributes), report(target), tracer(watcher) {}
+MachineGroup::MachineGroup(const AttributeSet& contextAttributes, Report& report, Tracer* watcher)
+    : context(contextAttributes), report(report), tracer(watcher) {}
 
 void MachineGroup::adopt(Configs delivered) {
     machines.clear();

@@ -15,15 +15,16 @@
 
 namespace Brenta::OS::VIG::Tool {
 
-// The machines of a rule document at work: offered one event after the other, with everything that they do in the
-// report. What they log and trigger comes back to it, so it has to be the receiver of its thread. Used on one thread.
+// It has the machines of a rule document at work: offered one event after the other, with everything that they do in
+// the report. What they log and trigger comes back to it, so it has to be the receiver of its thread. Used on one
+// thread.
 class MachineGroup final : public PlatformServices::Receiver {
   public:
     using Configs = std::vector<std::unique_ptr<VIGConfig>>;
 
     // Every machine's context has the attributes given. `watcher`, which may be null, is told what the machines
     // decide. All three must outlive it.
-    MachineGroup(const AttributeSet& contextAttributes, Report& target, Tracer* watcher);
+    MachineGroup(const AttributeSet& contextAttributes, Report& report, Tracer* watcher);
     MachineGroup(const MachineGroup&) = delete;
     MachineGroup& operator=(const MachineGroup&) = delete;
 

@@ -33,8 +33,8 @@ std::uint64_t sizeOf(const Descriptor& file) {
 
 }  // namespace
 
-Replay::Replay(const std::string& recordedEvents, const Console& console, const Interruption& interruptedBy)
-    : events(recordedEvents), interruption(interruptedBy), file(openRecords(events, console)) {
+Replay::Replay(const std::string& recordedEvents, const Console& console, const Interruption& interruption)
+    : events(recordedEvents), interruption(interruption), file(openRecords(events, console)) {
     if (!file.isOpen() && !interruption.requested()) {
         reason = "vig: error: " + whyEventsNotOpened(events, errno);
     }

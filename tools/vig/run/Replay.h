@@ -10,15 +10,16 @@
 
 namespace Brenta::OS::VIG::Tool {
 
-// The recorded events of one device on their way to machines, for every verb that replays.
+// It brings the recorded events of one device to machines, for every verb that replays.
 class Replay {
   public:
     // Opens the records: a file, or "-" for standard input.
-    Replay(const std::string& recordedEvents, const Console& console, const Interruption& interruptedBy);
+    Replay(const std::string& recordedEvents, const Console& console, const Interruption& interruption);
 
     bool isOpen() const { return file.isOpen(); }
 
-    // The line that says why the records cannot be read, or not to their end; empty if nothing is wrong with them.
+    // Returns the line that says why the records cannot be read, or not to their end; empty if nothing is wrong with
+    // them.
     const std::string& problem() const { return reason; }
 
     // Offers the records, if they are open, until they end or are bad, or the run is interrupted or nobody can read the

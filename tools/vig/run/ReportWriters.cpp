@@ -45,11 +45,11 @@ std::string indented(std::string_view message) {
     return text;
 }
 
-// Aligned lines for a person, with a summary at the end. Whatever comes from documents and events is shown without
-// what a terminal would act on.
+// It writes aligned lines for a person, with a summary at the end. Whatever comes from documents and events is shown
+// without what a terminal would act on.
 class TextReport final : public Report {
   public:
-    TextReport(Output& target, bool withColours) : output(target), coloured(withColours) {}
+    TextReport(Output& output, bool withColours) : output(output), coloured(withColours) {}
 
     void trigger(const TriggerLine& line) override {
         row(line.event, "trigger", kBoldYellow, shown(line.machine), printable(line.name));
@@ -135,7 +135,7 @@ class TextReport final : public Report {
                                  inColour(colour == kBoldYellow ? kBoldYellow : kPlain, detail)));
     }
 
-    // The most frequent ones first.
+    // The most frequent ones come first.
     void writeTriggerCounts() {
         std::vector<std::pair<std::string_view, std::uint64_t>> counts(triggersByName.begin(), triggersByName.end());
         std::ranges::stable_sort(counts, std::greater(), [](const auto& each) { return each.second; });
@@ -170,11 +170,12 @@ std::string jsonOf(const Summary::Sampling& sampling) {
                        }));
 }
 
-// One JSON object a line, for programs. The shapes and the order of their keys are fixed: what is new comes last.
+// It writes one JSON object a line, for programs. The shapes and the order of their keys are fixed: what is new comes
+// last.
 class JsonlReport final : public Report {
   public:
-    JsonlReport(Output& target, const std::string& device)
-        : output(target), lastKey(device.empty() ? "" : R"(,"device":)" + quoted(device)) {}
+    JsonlReport(Output& output, const std::string& device)
+        : output(output), lastKey(device.empty() ? "" : R"(,"device":)" + quoted(device)) {}
 
     void trigger(const TriggerLine& line) override {
         writeLine(fmt::format(

@@ -12,15 +12,15 @@ namespace Brenta::OS::VIG::Tool {
 
 class Tracer;
 
-// One delivery of a rule document.
+// It is one delivery of a rule document.
 struct Delivery {
     VIGParseError error;  // Ok, or why there are no configurations
     std::vector<std::unique_ptr<VIGConfig>> configs;
     std::string text;  // of the document
 };
 
-// A rule document in a file, on the way that it takes on a device: the file is the response property of the device
-// configuration, and a manager delivers it. Used on one thread.
+// It follows a rule document in a file, on the way that it takes on a device: the file is the response property of the
+// device configuration, and a manager delivers it. Used on one thread.
 class RuleDocument {
   public:
     // Asks for the first delivery. With a tracer, which must then outlive the object, documents are parsed so that it
@@ -33,7 +33,7 @@ class RuleDocument {
     // The descriptor is readable while a delivery waits.
     int descriptor() const;
 
-    // The latest delivery since the last call, if any: a change of the file brings another one.
+    // Returns the latest delivery since the last call, if any: a change of the file brings another one.
     std::optional<Delivery> take();
 
     // Ends the deliveries. Nothing logs on behalf of the document afterwards.

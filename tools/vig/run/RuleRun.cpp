@@ -14,12 +14,12 @@
 
 namespace Brenta::OS::VIG::Tool {
 
-RuleRun::RuleRun(const MachineOptions& machineOptions, ReportFormat format, const Console& streams,
-                 const Interruption& interruptedBy)
-    : options(machineOptions),
-      console(streams),
-      interruption(interruptedBy),
-      out(streams.out),
+RuleRun::RuleRun(const MachineOptions& options, ReportFormat format, const Console& console,
+                 const Interruption& interruption)
+    : options(options),
+      console(console),
+      interruption(interruption),
+      out(console.out),
       report(reportOf(format, out, console.wantsColours(), "")) {}
 
 std::optional<int> RuleRun::load(RuleSession::Changes later) {

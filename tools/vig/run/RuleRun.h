@@ -33,11 +33,11 @@ struct RuleOptions : MachineOptions {
 void addRules(Verb& verb, std::string& rules);
 void addSurroundings(Verb& verb, std::uint32_t& seed, std::string& contextFile, const std::string& moreOnSeed);
 
-// One run of a verb from the loading of the rules to the exit status, its report on the console.
+// It is one run of a verb from the loading of the rules to the exit status, its report on the console.
 class RuleRun {
   public:
-    RuleRun(const MachineOptions& machineOptions, ReportFormat format, const Console& streams,
-            const Interruption& interruptedBy);
+    RuleRun(const MachineOptions& options, ReportFormat format, const Console& console,
+            const Interruption& interruption);
     RuleRun(const RuleRun&) = delete;
     RuleRun& operator=(const RuleRun&) = delete;
 

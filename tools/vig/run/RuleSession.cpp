@@ -16,7 +16,7 @@ namespace Brenta::OS::VIG::Tool {
 
 namespace {
 
-// Longer than the manager looks for the device configuration.
+// That is longer than the manager looks for the device configuration.
 constexpr int kLongestWaitMs = 40'000;
 constexpr std::chrono::seconds kLongestSubscription{2};
 
@@ -35,11 +35,11 @@ std::string explain(VIGParseError error) {
 
 }  // namespace
 
-RuleSession::RuleSession(std::string rulesPath, std::uint32_t seed, AttributeSet contextAttributes, Report& target,
+RuleSession::RuleSession(std::string rulesPath, std::uint32_t seed, AttributeSet contextAttributes, Report& report,
                          Trace* trace)
     : path(std::move(rulesPath)),
       context(std::move(contextAttributes)),
-      report(target),
+      report(report),
       tracer(trace != nullptr ? std::make_unique<Tracer>(*trace) : nullptr),
       group(context, report, tracer.get()),
       services(group) {

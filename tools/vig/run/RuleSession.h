@@ -17,7 +17,7 @@
 
 namespace Brenta::OS::VIG::Tool {
 
-// A rule document as it is delivered on a device, and its machines at work, with everything that they do in the
+// It has a rule document as it is delivered on a device, and its machines at work, with everything that they do in the
 // report. The document is read once for each delivery: whoever wants to know more of it than its machines do asks for
 // the very text that they were made of. Used on one thread; one object at a time.
 class RuleSession final {
@@ -28,7 +28,7 @@ class RuleSession final {
     // `seed` is that of the random function. Every machine's context has the attributes given. `trace`, which may be
     // null, is told what the machines decide; it changes nothing of what they do. It and the report must outlive the
     // session.
-    RuleSession(std::string rulesPath, std::uint32_t seed, AttributeSet contextAttributes, Report& target,
+    RuleSession(std::string rulesPath, std::uint32_t seed, AttributeSet contextAttributes, Report& report,
                 Trace* trace);
     RuleSession(const RuleSession&) = delete;
     RuleSession& operator=(const RuleSession&) = delete;
@@ -39,8 +39,8 @@ class RuleSession final {
     // REQUIRES: load() has returned Done.
     void start() { group.start(); }
 
-    // The latest document that was accepted. It lives until another one is, or the session ends. REQUIRES: there is
-    // one.
+    // Returns the latest document that was accepted. It lives until another one is, or the session ends. REQUIRES:
+    // there is one.
     const DocumentModel& document();
 
     const AttributeSet& contextAttributes() const { return context; }

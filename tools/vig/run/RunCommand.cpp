@@ -14,7 +14,7 @@ namespace {
 // Reports what the machines decide, as far as the options ask for it.
 class Explanations final : public Trace {
   public:
-    Explanations(const RunOptions& options, Report& target) : report(target), withSteps(options.explain) {
+    Explanations(const RunOptions& options, Report& report) : report(report), withSteps(options.explain) {
         if (!options.whyNot.empty()) {
             whyNot.emplace(options.whyNot);
         }

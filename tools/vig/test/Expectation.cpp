@@ -29,7 +29,7 @@ constexpr std::size_t kMostShownBefore = 40;  // what differs, of a longer field
 using Field = std::pair<std::string, std::string>;
 using Fields = std::vector<Field>;
 
-// An expected and an actual thing that stand side by side; one of them may be missing.
+// An expected and an actual thing stand side by side in it; one of them may be missing.
 struct Row {
     std::optional<std::size_t> expected;
     std::optional<std::size_t> actual;
@@ -70,8 +70,8 @@ class CostTable {
     std::vector<std::uint32_t> costs;
 };
 
-// The cheapest way to make the actual list of the expected one, in order. For all of two long lists, the table would
-// have the size of their product; so one part is aligned after the other.
+// Finds the cheapest way to make the actual list of the expected one, in order. For all of two long lists, the table
+// would have the size of their product; so one part is aligned after the other.
 std::vector<Row> aligned(std::size_t expectedCount, std::size_t actualCount, const auto& equal) {
     std::vector<Row> rows;
     for (std::size_t i = 0, j = 0; i < expectedCount || j < actualCount;) {
@@ -195,7 +195,7 @@ std::string line(char mark, const Fields& fields) {
     return text;
 }
 
-// The fields given, as expected and as they are, one below the other; and which event it was.
+// Adds the fields given, as expected and as they are, one below the other, and which event it was.
 void addPair(std::vector<std::string>& lines, const Fields& expected, const Fields& actual) {
     const auto find = [](const Fields& fields, std::string_view name) {
         return std::ranges::find(fields, name, [](const auto& each) -> std::string_view { return each.first; });

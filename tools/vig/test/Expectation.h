@@ -49,7 +49,7 @@ class Observed final : public NoReport {
     const Expectation& expectation;
 };
 
-// The place where a run first left what was expected.
+// It is the place where a run first left what was expected.
 struct Divergence {
     enum class Kind { Event, MissingTrigger, MissingLog, State };
 

@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
 
-// U+FFFE and U+FFFF, which XML does not allow.
+// XML does not allow U+FFFE and U+FFFF.
 bool isNoCharacter(std::string_view text) {
     return text.starts_with("\xEF\xBF\xBE") || text.starts_with("\xEF\xBF\xBF");
 }

@@ -5,14 +5,14 @@
 
 namespace Brenta::OS::VIG::Tool {
 
-// The outcome of one test of a file.
+// It says what came of one test of a file.
 struct TestVerdict {
     std::string file;
     std::string name;
     std::vector<std::string> failure;  // says what was wrong, line by line; empty if the test passed
 };
 
-// The verdicts as a JUnit report. Text that XML cannot hold is shown as replacement characters.
+// Returns the verdicts as a JUnit report. Text that XML cannot hold is shown as replacement characters.
 std::string junitXml(const std::vector<TestVerdict>& verdicts);
 
 }  // namespace Brenta::OS::VIG::Tool

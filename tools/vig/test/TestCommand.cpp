@@ -171,7 +171,7 @@ class TestSuite {
         std::for_each(lines.begin() + 1, lines.end(), [](std::string& line) { line.insert(0, "  "); });
         lines.front().insert(0, file.rules + ": error: ");
         for (const TestCase& each : file.tests) {
-            // Once for the file: a large document has many lines, and may have many tests.
+            // It is added once for the file: a large document has many lines, and may have many tests.
             const bool isFirst = &each == &file.tests.front();
             verdicts.push_back({file.path, each.name, isFirst ? lines : std::vector(1, lines.front())});
         }
@@ -199,7 +199,7 @@ class TestSuite {
             const auto transitions = coverage.transitions();
             const auto outcomes = coverage.filterOutcomes();
             const double percent = coverage.percent();
-            // Rounded down: 100 % is everything.
+            // The percentage is rounded down: 100 % is everything.
             out.write(fmt::format("coverage  {}: {:.1f} % (transitions fired {}/{}, filter outcomes seen {}/{})\n",
                                   printable(path), std::floor(percent * 10) / 10, transitions.reached, transitions.all,
                                   outcomes.reached, outcomes.all));

@@ -19,7 +19,7 @@ struct TestOptions {
     std::string junitFile;              // empty if no JUnit report is wanted
 };
 
-// `vig test`: runs the tests of rule documents. Returns the exit status.
+// `vig test` runs the tests of rule documents. Returns the exit status.
 int test(const TestOptions& options, const Console& console, const Interruption& interruption);
 
 void addTest(CommandLine& commandLine, TestOptions& options);

@@ -153,7 +153,7 @@ class TestFileReader {
         return result;
     }
 
-    // The attributes of a record without its event.
+    // Reads the attributes of a record without its event.
     AttributeSet context(const Json::Value& json, const std::string& path) {
         if (!check.isObject(json, path, {"uint64", "int64", "double", "bool", "string"})) {
             return {};

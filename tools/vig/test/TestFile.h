@@ -12,7 +12,7 @@
 
 namespace Brenta::OS::VIG::Tool {
 
-// A trigger that a test expects. What is not given may be anything.
+// A test expects such a trigger. What is not given may be anything.
 struct ExpectedTrigger {
     std::optional<std::string> name;
     std::optional<std::string> process;
@@ -51,7 +51,7 @@ struct TestCase {
     Expectation expect = {};
 };
 
-// The tests of a rule document.
+// It holds the tests of a rule document.
 struct TestFile {
     std::string path;
     std::string rules;  // the path of the document

@@ -10,7 +10,7 @@
 
 namespace Brenta::OS::VIG::Tool {
 
-// The outcome of a test.
+// It says how a test ended.
 struct TestOutcome {
     RuleSession::Loading loading;
     std::string problem;               // says why the rules were refused or cannot be read, else empty

@@ -46,7 +46,7 @@ struct MoveLine {
     std::string_view to;
 };
 
-// A document that was delivered again while its events went on.
+// It says that a document was delivered again while its events went on.
 struct DeliveryLine {
     std::uint64_t event;  // the last one before
     std::string_view document;

@@ -15,7 +15,7 @@
 
 namespace Brenta::OS::VIG::Tool {
 
-// One side of a filter, as it was when it was compared.
+// It is one side of a filter, as it was when it was compared.
 struct ComparedValue {
     // It holds nothing for a number that is in neither the event nor the context, which makes the filter false.
     std::variant<std::monostate, std::int64_t, double, std::string> value;
@@ -29,7 +29,7 @@ struct Comparison {
     bool verdict;
 };
 
-// A transition that listens for the event, and how far it came.
+// It tells how far a transition that listens for the event came.
 struct Attempt {
     std::size_t index;  // among those of the configuration, in document order
     const TransitionModel* transition;
@@ -37,7 +37,7 @@ struct Attempt {
     bool fired;
 };
 
-// One state of a machine and what it did with one event: with the event that was offered to it, or with the
+// It tells what a machine in one state did with one event: with the event that was offered to it, or with the
 // EnteringState event that the machine raised when it came there.
 struct Step {
     std::uint64_t event;                 // the number of the event in the report

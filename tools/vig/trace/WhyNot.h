@@ -14,7 +14,7 @@ namespace Brenta::OS::VIG::Tool {
 // Counts over a whole run what became of one transition, and what kept it from firing.
 class WhyNot final : public Trace {
   public:
-    // The comparison of numbers that was nearest to being true.
+    // It is the comparison of numbers that came nearest to being true.
     struct NearestMiss {
         double distance;  // by which one side would have to change; 0 if the sides are equal doubles and may not be
         ComparedValue left;
@@ -37,7 +37,7 @@ class WhyNot final : public Trace {
     void loaded(const DocumentModel& document) override;
     void step(const Step& step) override;
 
-    // The answer, once a document was loaded and if there is no problem.
+    // These are the answer, once a document was loaded and if there is no problem.
     const TransitionModel* transition = nullptr;
     const ConfigModel* config = nullptr;
     std::size_t machine = 0;

@@ -29,7 +29,7 @@ constexpr std::string_view kMemoryInfo[] = {"AnonPages",    "Buffers",  "Cached"
                                             "MemAvailable", "MemFree",  "MemTotal", "Shmem", "Slab",
                                             "SwapCached",   "SwapFree", "SwapTotal"};
 
-// The columns of mm_stat, in order.
+// mm_stat has these columns, in this order.
 constexpr auto kZramColumns = std::to_array<std::string_view>(
     {"origDataBytes", "numCompressedDataBytes", "memUsedTotalBytes", "memLimitBytes", "memUsedMaxBytes", "samePages",
      "pagesCompacted", "hugePages", "hugePagesSinceBoot"});
@@ -271,7 +271,7 @@ void SystemSampler::send(const Receiver& receive) {
     receive(record);
 }
 
-// On failure, errno says why.
+// If it fails, errno says why.
 bool SystemSampler::read(const std::string& path, std::string& content) {
     content.clear();
     const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));

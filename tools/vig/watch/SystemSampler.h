@@ -16,13 +16,13 @@ namespace Brenta::OS::VIG::Tool {
 // Observes this machine through the files in which the kernel shows it.
 class SystemSampler {
   public:
-    // Time that passes evenly, since any moment.
+    // It tells time that passes evenly, since any moment.
     using Clock = std::function<std::chrono::nanoseconds()>;
 
     // Says once for each source that the system does not have what is missing, and why.
     using Note = std::function<void(std::string_view)>;
 
-    // Usually "/proc" and "/sys".
+    // The folders are usually "/proc" and "/sys".
     SystemSampler(std::string procFolder, std::string sysFolder, Clock clockOfProcesses, Note noteReceiver);
 
     // Calls `receive` with the events of one sample: the system's memory, each zram device, and each process in the
@@ -33,7 +33,7 @@ class SystemSampler {
   private:
     using Receiver = std::function<void(const EventRecord&)>;
 
-    // A process had used so much at some time.
+    // It says how much a process had used at some time.
     struct CpuUse {
         std::uint64_t startTime;  // tells a process from an earlier one with the same pid
         std::uint64_t ticks;

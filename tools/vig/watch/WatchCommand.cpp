@@ -61,9 +61,9 @@ timespec untilThen(Clock::time_point deadline) {
 class Watch {
   public:
     // `recordOutput` is null if nothing is recorded.
-    Watch(const WatchOptions& watchOptions, const Interruption& interruptedBy, RuleRun& rules, Output* recordOutput)
-        : options(watchOptions),
-          interruption(interruptedBy),
+    Watch(const WatchOptions& options, const Interruption& interruption, RuleRun& rules, Output* recordOutput)
+        : options(options),
+          interruption(interruption),
           ruleRun(rules),
           record(recordOutput),
           sampler(
@@ -103,7 +103,7 @@ class Watch {
         ruleRun.output().flush();
     }
 
-    // Meanwhile follows the document. False if the watch is to end.
+    // Follows the document meanwhile. Returns false if the watch is to end.
     bool waitUntil(Clock::time_point deadline) {
         pollfd sources[] = {{interruption.descriptor(), POLLIN, 0}, {ruleRun.session().changesDescriptor(), POLLIN, 0}};
         while (!mustStop()) {

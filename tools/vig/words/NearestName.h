@@ -6,7 +6,7 @@
 
 namespace Brenta::OS::VIG::Tool {
 
-// `; did you mean "…"?` with the name that a typing mistake most likely made `given` of; empty if none is near.
+// Returns `; did you mean "…"?` with the name that a typing mistake most likely made `given` of; empty if none is near.
 std::string suggestion(std::string_view given, std::span<const std::string_view> names);
 
 }  // namespace Brenta::OS::VIG::Tool

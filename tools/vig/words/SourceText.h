@@ -7,7 +7,7 @@
 
 namespace Brenta::OS::VIG::Tool {
 
-// A text and its lines. Lines and columns count from 1, columns in bytes. A byte order mark does not count.
+// It gives a text by its lines. Lines and columns count from 1, columns in bytes. A byte order mark does not count.
 class SourceText {
   public:
     struct Position {

@@ -44,11 +44,13 @@ void appendEscaped(std::string& out, char character) {
     }
 }
 
-// Control characters, line breaks, and all that change the direction of writing: first and last code points.
+// These are control characters, line breaks, and all that change the direction of writing, each by its first and last
+// code point.
 constexpr std::pair<unsigned, unsigned> kDangerous[] = {{0x00, 0x1F},     {0x7F, 0x9F},     {0x061C, 0x061C},
                                                         {0x200E, 0x200F}, {0x2028, 0x202E}, {0x2066, 0x2069}};
 
-// The code point at the beginning of well-formed text if it is a dangerous one, or 0. Sets the length of the character.
+// Returns the code point at the beginning of well-formed text if it is a dangerous one, or 0. Sets the length of the
+// character.
 unsigned dangerousCharacter(std::string_view text, std::size_t& length) {
     const auto first = static_cast<unsigned char>(text[0]);
     length = first < 0x80 ? 1 : first < 0xE0 ? 2 : first < 0xF0 ? 3 : 4;
@@ -166,7 +168,7 @@ bool isBlank(std::string_view line) {
     return line.find_first_not_of(" \t\r") == std::string_view::npos;
 }
 
-// FNV-1a of 64 bits.
+// The hash is FNV-1a of 64 bits.
 std::uint64_t hashOf(std::string_view text) {
     std::uint64_t hash = 14695981039346656037u;
     for (const char each : text) {

@@ -39,8 +39,8 @@ std::string shortened(std::string_view text, std::size_t most);
 // Returns the same of a text on one line: each run of white space becomes one space.
 std::string excerpt(std::string_view text, std::size_t most);
 
-// A name or a text that a document or a file brings along, as messages show it: they may have any length, and messages
-// may not. `shownQuoted` is a JSON string, of the text's beginning and "…" if it is long.
+// Return a name or a text that a document or a file brings along as messages show it: they may have any length, and
+// messages may not. shownQuoted() makes a JSON string, of the text's beginning and "…" if it is long.
 constexpr std::size_t kMostShownOfName = 64;
 std::string shownName(std::string_view text);
 std::string shownQuoted(std::string_view text);

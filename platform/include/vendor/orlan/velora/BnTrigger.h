@@ -4,8 +4,8 @@
 
 namespace vendor::orlan::velora {
 
-// Base of an implementation of the trigger service: override trigger() and register the object with the service
-// manager.
+// It is the base of an implementation of the trigger service: override trigger() and register the object with the
+// service manager.
 class BnTrigger : public ITrigger {};
 
 }  // namespace vendor::orlan::velora

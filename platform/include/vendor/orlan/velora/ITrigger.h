@@ -16,7 +16,7 @@ class ITrigger : public android::IBinder {
         return std::static_pointer_cast<ITrigger>(service);
     }
 
-    // Asks for one collection. Called on the thread of whoever triggers, which waits for it; several threads may
+    // Asks for one collection. It is called on the thread of whoever triggers, which waits for it; several threads may
     // call at once.
     virtual android::binder::Status trigger(const TriggerContext& context) = 0;
 };
