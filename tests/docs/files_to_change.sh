@@ -12,7 +12,7 @@ for path in $(paths <<<"$table"); do
 done
 while read -r kind text examples; do
     there=$(grep -rlE "$text" os rulesengine vig tools fuzz docs | grep -vE "^(vig/actions/|vig/functions/Pseudo|fuzz/corpus/)${examples:+|^($examples)$}" | sort)
-    diff <(grep "^| $kind" <<<"$table" | paths | grep -v ^tests/) - <<<"$there" || { echo "$kind: named (<), there (>)"; failed=1; }
+    diff <(grep "^| $kind" <<<"$table" | paths | grep -F . | grep -v ^tests/) - <<<"$there" || { echo "$kind: named (<), there (>)"; failed=1; }
 done <<'END'
 an.event.type TelemetryEventEnd
 an.action ["`]TriggerVeloraCpu["`] docs/warnings.md
