@@ -88,7 +88,8 @@ TEST(EventReader, WhatIsWrongWithAnAttributeIsToldOfEachKind) {
         {"string", R"("")", "a string", {"5"}, {}},
     };
     for (const auto& [kind, right, expected, wrong, outOfRange] : cases) {
-        const auto expectError = [&](std::string_view format, std::string_view value, const std::string& error) {
+        const auto expectError = [&, kind = kind](std::string_view format, std::string_view value,
+                                                  const std::string& error) {
             const std::string members = fmt::format(fmt::runtime(format), kind, value);
             EXPECT_EQ(Reading("{\"event\":\"Test\"," + members + "}").error,
                       fmt::format("events.jsonl:1: error: {}{}", kind, error));
