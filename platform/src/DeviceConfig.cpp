@@ -38,6 +38,8 @@ using Values = std::map<std::string, std::string>;  // by property
 using Listener = std::shared_ptr<OnPropertiesChangeListener>;
 
 constexpr Clock::duration kShortestPause = std::chrono::milliseconds(100);
+// A file that never rests is told of as it is, each time after as many looks.
+constexpr int kMostChanges = 10;
 constexpr std::size_t kTooManyBytes = std::size_t{1} << 30;
 
 std::mutex boundMutex;
@@ -99,7 +101,8 @@ class DeviceConfig::Impl {
         const Listener listener;
         // The thread alone uses them once they are set.
         Values told;
-        Values seen;  // at the latest look
+        Values seen;      // at the latest look
+        int changes = 0;  // from one look to the next, without a rest between them
     };
 
     void startThread();
@@ -211,10 +214,11 @@ Clock::duration DeviceConfig::Impl::look() {
         const auto begin = Clock::now();
         Values values = read(each->ns);
         pause = std::max(pause, 9 * (Clock::now() - begin));
-        const bool isComplete = values == each->seen;
+        each->changes = values == each->seen ? 0 : each->changes + 1;
+        const bool isDue = each->changes % kMostChanges == 0;
         each->seen = std::move(values);
         // It is asked anew for each, as any listener before may have removed it.
-        if (isComplete && each->seen != each->told && isCurrent(each)) {
+        if (isDue && each->seen != each->told && isCurrent(each)) {
             each->told = each->seen;
             each->listener->onPropertiesChanged(Properties(each->told));
         }

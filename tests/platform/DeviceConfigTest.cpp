@@ -154,6 +154,17 @@ TEST(DeviceConfig, FileThatIsBeingWrittenIsToldOnceItIsComplete) {
     EXPECT_THAT(watch.told(), ElementsAre("first half, second half"));
 }
 
+TEST(DeviceConfig, FileThatNeverRestsIsToldAllTheSame) {
+    const support::TemporaryFolder folder;
+    host::bindProperty("restless", "rules", folder.path("rules"));
+    Watch watch("restless");
+    for (const char* text : {"1", "2", "3", "4", "5", "6", "7", "8", "9", "10", "11"}) {
+        folder.write("rules", text);
+        watch.look();
+    }
+    EXPECT_THAT(watch.recorder->values, ElementsAre("10"));
+}
+
 TEST(DeviceConfig, UnboundPropertiesAreTheFilesOfTheEnvironmentsFolder) {
     const support::TemporaryFolder folder;
     setenv("VIG_DEVICE_CONFIG", folder.path("later").c_str(), 1);

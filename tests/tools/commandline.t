@@ -18,6 +18,8 @@ What is missing or wrong is a usage error, which names the help to read.
   > run r a -j 257
   > run r --seed -1
   > run r --seed 4294967296
+  > run r --seed 0x10
+  > run r --seed ''
   > run r --format xml
   > run r --interval 1s
   > run r --context ''
@@ -45,10 +47,12 @@ What is missing or wrong is a usage error, which names the help to read.
   2 vig: error: --explain and --why-not tell of one device: give one file, and no summary. Try: vig run --help
   2 vig: error: --explain and --why-not tell of one device: give one file, and no summary. Try: vig run --help
   2 vig: error: standard input can be one device only. Try: vig run --help
-  2 vig: error: --jobs: Value 0 not in range 1 to 256. Try: vig run --help
-  2 vig: error: --jobs: Value 257 not in range 1 to 256. Try: vig run --help
-  2 vig: error: Could not convert: --seed = -1. Try: vig run --help
-  2 vig: error: Could not convert: --seed = 4294967296. Try: vig run --help
+  2 vig: error: --jobs: expected a whole number from 1 to 256, got 0. Try: vig run --help
+  2 vig: error: --jobs: expected a whole number from 1 to 256, got 257. Try: vig run --help
+  2 vig: error: --seed: expected a whole number from 0 to 4294967295, got -1. Try: vig run --help
+  2 vig: error: --seed: expected a whole number from 0 to 4294967295, got 4294967296. Try: vig run --help
+  2 vig: error: --seed: expected a whole number from 0 to 4294967295, got 0x10. Try: vig run --help
+  2 vig: error: --seed: expected a whole number from 0 to 4294967295, got nothing. Try: vig run --help
   2 vig: error: --format: expected text|jsonl|json, got xml. Try: vig run --help
   2 vig: error: The following argument was not expected: --interval. Try: vig run --help
   2 vig: error: --context: expected a name, got nothing. Try: vig run --help

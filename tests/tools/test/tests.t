@@ -234,3 +234,18 @@ Of a file that is all mistakes, a hundred are shown.
   $ vig test deep.test.json 2>&1 | cut -c 1-80
   deep.test.json:1:1001: error: Nested deeper than the limit of 1000 levels.
   [2]
+
+Rules are known by the file that they are, not by the text of its path.
+
+  $ mkdir -p here other/deep; ln -s ../other/deep here/link; document "$(config 1)" >here/r.json
+  $ document_of "$(transition start end Test)" >other/r.json
+  $ echo '{"rules":"r.json","tests":[{"name":"a","events":[],"expect":{}}]}' >here/a.json
+  $ echo '{"rules":"../r.json","tests":[{"name":"b","events":[{"event":"Test"}],"expect":{"moves":1}}]}' >other/deep/b.json
+  $ echo '{"rules":"../other/r.json","tests":[{"name":"c","events":[],"expect":{}}]}' >here/c.json
+  $ cd here; vig test a.json link/b.json c.json --coverage
+  ok    a.json: 1 of 1 passed
+  ok    link/b.json: 1 of 1 passed
+  ok    c.json: 1 of 1 passed
+  coverage  r.json: 100.0 % (transitions fired 0/0, filter outcomes seen 0/0)
+  coverage  link/../r.json: 100.0 % (transitions fired 1/1, filter outcomes seen 0/0)
+  3 tests: 3 passed, 0 failed

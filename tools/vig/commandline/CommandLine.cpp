@@ -1,11 +1,11 @@
 #include "tools/vig/commandline/CommandLine.h"
 
+#include <fmt/format.h>
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
 #include <charconv>
 #include <cmath>
-#include <limits>
 #include <system_error>
 
 #include "tools/vig/io/Output.h"
@@ -99,10 +99,16 @@ void Verb::names(const std::string& name, std::vector<std::string>& values, std:
 
 void Verb::wholeNumber(const std::string& names, std::uint32_t& value, std::uint32_t least, std::uint32_t most,
                        const std::string& description) {
-    CLI::Option& added = *app.add_option(names, value, description)->type_name("N");
-    if (least > 0 || most < std::numeric_limits<std::uint32_t>::max()) {
-        added.check(CLI::Range(least, most).description(""));
-    }
+    option(names, "N", description, [&value, least, most](const std::string& text) {
+        std::uint32_t number = 0;
+        const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+        if (error != std::errc() || end != text.data() + text.size() || number < least || number > most) {
+            return fmt::format("expected a whole number from {} to {}, got {}", least, most,
+                               text.empty() ? "nothing" : text);
+        }
+        value = number;
+        return std::string();
+    });
 }
 
 void Verb::duration(const std::string& name, std::chrono::milliseconds& value, std::chrono::milliseconds least,
@@ -116,9 +122,9 @@ void Verb::duration(const std::string& name, std::chrono::milliseconds& value, s
 
 void Verb::option(const std::string& name, const std::string& kind, const std::string& description,
                   const std::function<std::string(const std::string& text)>& read) {
-    const auto take = [name, read](const std::string& text) {
+    const auto take = [longName = name.substr(name.find("--")), read](const std::string& text) {
         if (const std::string problem = read(text); !problem.empty()) {
-            throw CLI::ValidationError(name, problem);
+            throw CLI::ValidationError(longName, problem);
         }
     };
     app.add_option_function<std::string>(name, take, description)->type_name(kind);

@@ -57,6 +57,7 @@ class TestSuite {
     // A rule document is read once, however many tests of it there are: a pipe tells it only once, and a file may be
     // saved meanwhile.
     struct Rules {
+        std::string path;  // as the first file of tests names them
         Descriptor copy;
         Coverage coverage;
     };
@@ -114,7 +115,9 @@ class TestSuite {
 
     // Returns nothing if the run is to go on.
     std::optional<int> runFile(const TestFile& file) {
-        const std::string rules = std::filesystem::path(file.rules).lexically_normal().string();
+        // One file can have many paths, and what ".." leaves need not be what its text says.
+        std::error_code ignored;
+        const std::string rules = std::filesystem::weakly_canonical(file.rules, ignored).string();
         auto under = rulesByPath.find(rules);
         if (under == rulesByPath.end()) {
             std::string problem;
@@ -122,9 +125,9 @@ class TestSuite {
             if (!copy) {
                 return interruption.requested() ? kExitInterrupted : unusable(file, problem);
             }
-            under = rulesByPath.try_emplace(rules, Rules{std::move(*copy), Coverage(file.rules)}).first;
+            under = rulesByPath.try_emplace(rules, Rules{file.rules, std::move(*copy), Coverage(file.rules)}).first;
         }
-        auto& [copy, coverage] = under->second;
+        auto& [path, copy, coverage] = under->second;
         std::size_t failed = 0;
         for (const TestCase& each : file.tests) {
             const TestOutcome outcome = runTest(pathOf(copy), each, coverage, interruption);
@@ -188,7 +191,7 @@ class TestSuite {
             return true;
         }
         bool enough = true;
-        for (const auto& [path, rules] : rulesByPath) {
+        for (const auto& [canonical, rules] : rulesByPath) {
             const Coverage& coverage = rules.coverage;
             if (!coverage.hasRun()) {
                 continue;
@@ -201,8 +204,8 @@ class TestSuite {
             const double percent = coverage.percent();
             // The percentage is rounded down: 100 % is everything.
             out.write(fmt::format("coverage  {}: {:.1f} % (transitions fired {}/{}, filter outcomes seen {}/{})\n",
-                                  printable(path), std::floor(percent * 10) / 10, transitions.reached, transitions.all,
-                                  outcomes.reached, outcomes.all));
+                                  printable(rules.path), std::floor(percent * 10) / 10, transitions.reached,
+                                  transitions.all, outcomes.reached, outcomes.all));
             enough = enough && percent >= options.coverageMin.value_or(0);
         }
         if (!enough) {
@@ -233,7 +236,7 @@ class TestSuite {
     const Interruption& interruption;
     Output out;
     std::vector<TestFile> files;
-    std::map<std::string, Rules> rulesByPath;
+    std::map<std::string, Rules> rulesByPath;  // without links and ".."
     std::vector<TestVerdict> verdicts;
 };
 
