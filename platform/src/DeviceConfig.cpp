@@ -24,7 +24,8 @@
 // A change is found by reading: a client's thread reads the files of its listeners again and again, and tells of what
 // is another text than before. However a file is saved, linked, moved, removed or made, and whatever folder on its way
 // is exchanged, the next look sees it, and the system follows the links. A file in the midst of being written differs
-// from one look to the next, and is told of once it does not: where the writer pauses for longer, half of it as well.
+// from one look to the next, and is told of once it does not: where the writer pauses for longer, half of it as well,
+// and where it never rests, about once a second what it has come to.
 
 namespace {
 
