@@ -22,6 +22,7 @@ std::string oneOf(std::string_view given, std::span<const std::string_view> name
 // Returns the names of a table of the registry, in alphabetical order.
 std::vector<std::string_view> namesIn(const auto& table) {
     std::vector<std::string_view> names;
+    names.reserve(table.size());
     for (const auto& named : table) {
         names.emplace_back(named.first);
     }
