@@ -166,8 +166,7 @@ void VIGManager::configureDeviceConfigService() {
             return;
         }
         if (!watching) {
-            std::thread watcher(&VIGManager::watch, this);
-            ended = std::exchange(deviceConfigThread, std::move(watcher));
+            ended = std::exchange(deviceConfigThread, std::thread(&VIGManager::watch, this));
             watching = true;
         }
         watchRequest = gate->latestRegistration();

@@ -210,11 +210,11 @@ void DeviceConfig::Impl::startThread() {
 
 // Returns how long to pause so that looks at large files take no more than a tenth of the time.
 Clock::duration DeviceConfig::Impl::look() {
-    Clock::duration pause = kShortestPause;
+    Clock::duration reading{};
     for (const auto& each : currentRegistrations()) {
         const auto begin = Clock::now();
         Values values = read(each->ns);
-        pause = std::max(pause, 9 * (Clock::now() - begin));
+        reading += Clock::now() - begin;
         each->changes = values == each->seen ? 0 : each->changes + 1;
         const bool isDue = each->changes % kMostChanges == 0;
         each->seen = std::move(values);
@@ -224,7 +224,7 @@ Clock::duration DeviceConfig::Impl::look() {
             each->listener->onPropertiesChanged(Properties(each->told));
         }
     }
-    return pause;
+    return std::max(kShortestPause, 9 * reading);
 }
 
 std::vector<std::shared_ptr<DeviceConfig::Impl::Registration>> DeviceConfig::Impl::currentRegistrations() {

@@ -43,7 +43,7 @@ inline constexpr auto kFilterOperatorTable = makeLookupTable<FilterOperator, con
 // A filter compares in one of these types.
 enum class FilterValueType : std::int32_t { String = 0, Integer = 1, Double = 2 };
 
-// Documents write the value types like this.
+// Documents write the value types, and the types of parameters, like this.
 inline constexpr auto kFilterValueTypeTable = makeLookupTable<FilterValueType, std::string_view>({
     {FilterValueType::String, "string"},
     {FilterValueType::Integer, "integer"},

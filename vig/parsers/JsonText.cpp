@@ -92,7 +92,6 @@ std::optional<std::string> reportOfUnreadable(std::string_view text, unsigned le
         return report(text, 0, "Longer than the limit of " + std::to_string(kMostTextBytes) + " bytes.");
     }
     const std::string_view json = withoutByteOrderMark(text);
-    // Most documents have fewer brackets than that in all, which is soon counted.
     if (std::count(json.begin(), json.end(), '[') + std::count(json.begin(), json.end(), '{') <
         static_cast<std::ptrdiff_t>(levels)) {
         return std::nullopt;
@@ -101,7 +100,6 @@ std::optional<std::string> reportOfUnreadable(std::string_view text, unsigned le
     if (!moveToValueBelow(levels, tokens)) {
         return std::nullopt;
     }
-    // The reader would not come so far if there is an error before, which shows when the text ends there.
     const std::string_view before = json.substr(0, tokens.offset() + tokens.token().size());
     Json::CharReaderBuilder builder = readerBuilder();
     builder.settings_["stackLimit"] = levels + 1;

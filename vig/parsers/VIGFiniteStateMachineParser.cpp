@@ -7,7 +7,6 @@
 #include <utility>
 #include <vector>
 
-#include "os/LookupTable.h"
 #include "rulesengine/FuncAction.h"
 #include "vig/base/Log.h"
 #include "vig/parsers/FilterParser.h"
@@ -23,22 +22,14 @@ using RulesEngine::Action;
 using RulesEngine::Filter;
 using RulesEngine::FiniteStateMachine;
 
-enum class ParameterType { Integer, Double, String };
-
-constexpr auto kParameterTypes = makeLookupTable<ParameterType, std::string_view>({
-    {ParameterType::Integer, "integer"},
-    {ParameterType::Double, "double"},
-    {ParameterType::String, "string"},
-});
-
 // Returns nothing if the text is not a number of the type or is beyond its range.
-std::optional<VIGActionParameter> convertParameter(ParameterType type, const std::string& text) {
+std::optional<VIGActionParameter> convertParameter(FilterValueType type, const std::string& text) {
     switch (type) {
-        case ParameterType::Integer:
+        case FilterValueType::Integer:
             return toInt32(readConstant<std::int64_t>(text));
-        case ParameterType::Double:
+        case FilterValueType::Double:
             return readConstant<double>(text);
-        case ParameterType::String:
+        case FilterValueType::String:
             break;
     }
     return text;
@@ -47,7 +38,7 @@ std::optional<VIGActionParameter> convertParameter(ParameterType type, const std
 // Appends the parameter to the list and its type to the lookup key.
 bool parseParameter(const Json::Value& json, std::vector<VIGActionParameter>& parameters, std::string& key) {
     const auto typeText = json.isObject() ? toText(json["type"]) : std::nullopt;
-    const auto type = typeText ? kParameterTypes.reverseLookup(*typeText) : std::nullopt;
+    const auto type = typeText ? kFilterValueTypeTable.reverseLookup(*typeText) : std::nullopt;
     if (!type) {
         VIG_LOG_ERROR("Invalid action parameter type: %s.", (typeText ? *typeText : styledText(json)).c_str());
         return false;
