@@ -44,23 +44,6 @@ std::optional<std::int32_t> toInt32(const Json::Value& value) {
     return toInt32(toInt64(value));
 }
 
-std::string_view kindName(const Json::Value& value) {
-    switch (value.type()) {
-        case Json::nullValue:
-            return "null";
-        case Json::stringValue:
-            return "a string";
-        case Json::booleanValue:
-            return "a boolean";
-        case Json::arrayValue:
-            return "an array";
-        case Json::objectValue:
-            return "an object";
-        default:
-            return "a number";
-    }
-}
-
 std::optional<std::string> toText(const Json::Value& value) {
     if (value.isObject() || value.isArray()) {
         return std::nullopt;

@@ -3,7 +3,6 @@
 #include <cstdint>
 #include <optional>
 #include <string>
-#include <string_view>
 
 namespace Json {
 class Value;
@@ -16,9 +15,6 @@ namespace Brenta::OS::VIG {
 // Both return a number truncated toward zero; nothing if it does not fit, or is not a number at all.
 std::optional<std::int64_t> toInt64(const Json::Value& value);
 std::optional<std::int32_t> toInt32(const Json::Value& value);
-
-// Returns the kind of the value as messages call it: "null", "a number", "an array" and so on.
-std::string_view kindName(const Json::Value& value);
 
 // Returns a string, number or boolean as text, null as the empty text, and nothing for an object or array.
 std::optional<std::string> toText(const Json::Value& value);

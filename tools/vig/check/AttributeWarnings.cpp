@@ -32,10 +32,6 @@ std::string_view comparableAs(KindSet kinds) {
     return {};
 }
 
-bool hasFunction(const VIGParserConfig& registry, const std::string& name, FilterValueType type) {
-    return std::ranges::binary_search(functionNames(registry, type), name);
-}
-
 // Warns of the operands of one transition's filters.
 class OperandWarnings {
   public:

@@ -7,7 +7,6 @@
 
 #include "tools/vig/check/Hints.h"
 #include "tools/vig/document/StrictJson.h"
-#include "tools/vig/events/EventNames.h"
 #include "tools/vig/io/FileText.h"
 #include "tools/vig/words/Text.h"
 #include "vig/EventTypeNames.h"

@@ -1,30 +1,19 @@
 #pragma once
 
-#include <array>
 #include <bitset>
 #include <cstddef>
 #include <map>
 #include <optional>
 #include <string>
-#include <string_view>
 
-#include "rulesengine/Event.h"
 #include "rulesengine/EventType.h"
 #include "tools/vig/document/DocumentText.h"
+#include "tools/vig/events/EventNames.h"
 #include "tools/vig/events/EventReader.h"
 #include "tools/vig/events/EventRecord.h"
 #include "tools/vig/io/Interruption.h"
 
 namespace Brenta::OS::VIG::Tool {
-
-using AttributeKind = RulesEngine::Event::ValueType;
-
-// The kinds as event records and catalogues name them, by their value.
-inline constexpr auto kKindNames = std::to_array<std::string_view>({"uint64", "int64", "double", "bool", "string"});
-
-inline std::string_view nameOf(AttributeKind kind) {
-    return kKindNames[static_cast<std::size_t>(kind)];
-}
 
 // It has the kinds under which an attribute is known: an Int64 and a Double of one name are two attributes.
 class KindSet {

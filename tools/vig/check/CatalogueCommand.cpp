@@ -6,7 +6,6 @@
 #include "tools/vig/commandline/CommandLine.h"
 #include "tools/vig/events/EventReader.h"
 #include "tools/vig/io/Output.h"
-#include "tools/vig/words/Text.h"
 
 namespace Brenta::OS::VIG::Tool {
 
@@ -17,7 +16,7 @@ std::optional<int> learnFrom(const std::string& events, const Console& console, 
         if (interruption.requested()) {
             return kExitInterrupted;
         }
-        console.complain(whyEventsNotOpened(events, errno));
+        console.say(whyEventsNotOpened(events, errno));
         return kExitUnusable;
     }
     EventReader reader(file.get(), nameOfEvents(events), interruption, [] {});

@@ -1,8 +1,6 @@
 #include "tools/vig/check/Findings.h"
 
 #include <algorithm>
-#include <charconv>
-#include <optional>
 #include <string_view>
 #include <tuple>
 
@@ -17,27 +15,6 @@ namespace {
 
 constexpr std::size_t kMostShownOfMessage = 200;
 
-// Takes the number from the text behind the prefix.
-std::optional<std::size_t> takeNumber(std::string_view& text, std::string_view prefix) {
-    std::size_t number = 0;
-    if (!text.starts_with(prefix)) {
-        return std::nullopt;
-    }
-    const auto [end, error] = std::from_chars(text.data() + prefix.size(), text.data() + text.size(), number);
-    text.remove_prefix(static_cast<std::size_t>(end - text.data()));
-    return error == std::errc() ? std::optional(number) : std::nullopt;
-}
-
-// Returns the byte offset, if the line of the report is one that tells a place.
-std::optional<std::size_t> readPlace(std::string_view reported, const SourceText& source) {
-    const auto line = takeNumber(reported, "* Line ");
-    const auto column = takeNumber(reported, ", Column ");
-    if (!line || !column || !reported.empty() || *line == 0 || *line > source.lineCount()) {
-        return std::nullopt;
-    }
-    return std::min(source.offsetOf({*line, *column}), source.text().size());
-}
-
 // Returns the mistakes in the reader's report.
 std::vector<Finding> readerErrors(const SourceText& source, const std::string& text) {
     const std::string name(textOf(VIGParseError::InvalidJson).name);
@@ -45,8 +22,10 @@ std::vector<Finding> readerErrors(const SourceText& source, const std::string& t
     std::vector<Finding> found;
     for (std::size_t number = 1; number <= report.lineCount(); ++number) {
         const std::string_view line = report.line(number);
-        if (const auto offset = readPlace(line, source)) {
-            found.push_back({Severity::Error, name, {*offset, *offset + 1, {}}, {}, {}});
+        const auto position = DocumentText::reportedPosition(line);
+        if (position && 0 < position->line && position->line <= source.lineCount()) {
+            const std::size_t offset = std::min(source.offsetOf(*position), source.text().size());
+            found.push_back({Severity::Error, name, {offset, offset + 1, {}}, {}, {}});
         } else if (!found.empty() && !line.empty()) {
             std::string& message = found.back().message;
             message += message.empty() ? "" : " ";

@@ -1,7 +1,5 @@
 #include "tools/vig/check/Hints.h"
 
-#include <fmt/format.h>
-
 #include <algorithm>
 #include <cstddef>
 
@@ -28,6 +26,19 @@ std::vector<std::string_view> namesIn(const auto& table) {
     }
     std::ranges::sort(names);
     return names;
+}
+
+// Returns what `tell` says of the registry's table of the functions of a type.
+auto ofFunctions(const VIGParserConfig& registry, FilterValueType type, const auto& tell) {
+    switch (type) {
+        case FilterValueType::Integer:
+            return tell(registry.getInt64PureFunctions());
+        case FilterValueType::Double:
+            return tell(registry.getDoublePureFunctions());
+        case FilterValueType::String:
+            break;
+    }
+    return tell(registry.getStringPureFunctions());
 }
 
 std::string unknownName(std::string_view what, std::string_view given, const std::vector<std::string_view>& names) {
@@ -63,9 +74,7 @@ std::string typeHint(const Json::Value* given, const Json::Value& accepted) {
 }  // namespace
 
 std::string listOf(std::span<const std::string_view> names) {
-    std::vector<std::string> texts(names.size());
-    std::ranges::transform(names, texts.begin(), quoted);
-    return fmt::format("{}", fmt::join(texts, ", "));
+    return joined(names, ", ", quoted);
 }
 
 std::string memberHint(const Shape& shape, std::string_view key, const Json::Value* given,
@@ -76,7 +85,7 @@ std::string memberHint(const Shape& shape, std::string_view key, const Json::Val
         return oneOf("", kFilterOperatorTable.texts());  // for texts that short, every one is near
     }
     if (key == "value_type" || (key == "type" && shape.layer == Layer::Parameter)) {
-        return oneOf(text, kFilterValueTypeTable.texts());  // parameters have the same types
+        return oneOf(text, kFilterValueTypeTable.texts());
     }
     if (key == "type") {
         return oneOf(text, kFilterOperandTypeTable.texts());
@@ -117,16 +126,12 @@ std::string functionHint(const VIGParserConfig& registry, std::string_view name)
     return unknownName("function", name, all);
 }
 
+bool hasFunction(const VIGParserConfig& registry, const std::string& name, FilterValueType type) {
+    return ofFunctions(registry, type, [&](const auto& table) { return table.contains(name); });
+}
+
 std::vector<std::string_view> functionNames(const VIGParserConfig& registry, FilterValueType type) {
-    switch (type) {
-        case FilterValueType::Integer:
-            return namesIn(registry.getInt64PureFunctions());
-        case FilterValueType::Double:
-            return namesIn(registry.getDoublePureFunctions());
-        case FilterValueType::String:
-            break;
-    }
-    return namesIn(registry.getStringPureFunctions());
+    return ofFunctions(registry, type, [](const auto& table) { return namesIn(table); });
 }
 
 std::string numberHint(std::string_view type) {

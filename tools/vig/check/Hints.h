@@ -27,6 +27,8 @@ std::string eventHint(const VIGParserConfig& registry, std::string_view name);
 std::string actionHint(const VIGParserConfig& registry, std::string_view name);
 std::string functionHint(const VIGParserConfig& registry, std::string_view name);
 
+bool hasFunction(const VIGParserConfig& registry, const std::string& name, FilterValueType type);
+
 // Returns the names of the registry's functions of a type, in alphabetical order.
 std::vector<std::string_view> functionNames(const VIGParserConfig& registry, FilterValueType type);
 

@@ -8,7 +8,6 @@
 
 #include "tools/vig/check/NormalFilter.h"
 #include "tools/vig/check/ValueRange.h"
-#include "tools/vig/words/Text.h"
 #include "vig/parsers/FilterParser.h"
 #include "vig/parsers/NumberText.h"
 

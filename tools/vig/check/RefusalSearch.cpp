@@ -28,7 +28,6 @@
 #include "tools/vig/document/ParseErrorText.h"
 #include "tools/vig/document/StrictJson.h"
 #include "tools/vig/words/Text.h"
-#include "vig/parsers/JsonValues.h"
 
 namespace Brenta::OS::VIG::Tool {
 

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <string>
 #include <utility>
 
 namespace Brenta::OS::VIG::Tool {

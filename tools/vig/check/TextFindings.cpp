@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "tools/vig/io/Console.h"
 #include "tools/vig/words/Text.h"
 
 namespace Brenta::OS::VIG::Tool {
@@ -15,9 +16,7 @@ namespace {
 
 constexpr std::string_view kBold = "\x1b[1m";
 constexpr std::string_view kBoldRed = "\x1b[1;31m";
-constexpr std::string_view kBoldYellow = "\x1b[1;33m";
 constexpr std::string_view kGreen = "\x1b[32m";
-constexpr std::string_view kReset = "\x1b[0m";
 
 constexpr std::size_t kMostShownOfLine = 100;
 constexpr std::size_t kMostShownOfText = 500;
@@ -107,20 +106,16 @@ class TextFindings final : public FindingWriter {
         const auto [line, column] = source.positionOf(finding.place.begin);
         const bool isError = finding.severity == Severity::Error;
         const ShownLine shown = show(source.line(line), column, finding.place.end - finding.place.begin);
-        output.write(inColour(kBold, fmt::format("{}:{}:{}: ", printable(source.name()), line, column)) +
-                     inColour(isError ? kBoldRed : kBoldYellow, isError ? "error: " : "warning: ") +
+        output.write(inColour(kBold, fmt::format("{}:{}:{}: ", printable(source.name()), line, column), coloured) +
+                     inColour(isError ? kBoldRed : kBoldYellow, isError ? "error: " : "warning: ", coloured) +
                      fmt::format("{} [{}]\n", shownText(finding.message), finding.name));
         output.write(fmt::format("    {}{}{}\n    {}{}\n", shown.before, shown.at, shown.after, blank(shown.before),
-                                 inColour(kGreen, mark(shown.at))));
+                                 inColour(kGreen, mark(shown.at), coloured)));
         for (const auto& [label, text] : {std::pair("path", &finding.place.path), std::pair("hint", &finding.hint)}) {
             if (!text->empty()) {
                 output.write(fmt::format("    {}: {}\n", label, shownText(*text)));
             }
         }
-    }
-
-    std::string inColour(std::string_view colour, std::string_view text) const {
-        return coloured ? fmt::format("{}{}{}", colour, text, kReset) : std::string(text);
     }
 
     Output& output;

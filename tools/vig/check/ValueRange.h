@@ -7,7 +7,6 @@
 #include <set>
 #include <string>
 #include <type_traits>
-#include <utility>
 
 #include "vig/parsers/FilterParser.h"
 

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "tools/vig/words/SourceText.h"
 
@@ -30,6 +31,9 @@ class DocumentText {
 
     // Holds the reader's report if the text is not JSON: for each mistake its line and column, and what is wrong.
     const std::optional<std::string>& report() const { return unreadable; }
+
+    // Returns the position that a line of a reader's report tells, "* Line 1, Column 2", if it is such a line.
+    static std::optional<SourceText::Position> reportedPosition(std::string_view line);
 
     // Returns the place of a value of root(), or of a copy of one; `path` is its JSON path.
     Place placeOf(const Json::Value& value, std::string path) const;

@@ -1,8 +1,5 @@
 #include "tools/vig/document/RuleModel.h"
 
-#include <fmt/format.h>
-
-#include <algorithm>
 #include <utility>
 
 #include "tools/vig/document/StrictJson.h"
@@ -67,11 +64,8 @@ class Modeller {
         std::string name = json["name"].asString();
         std::string key = name;
         if (json["parameters"].isArray()) {
-            std::vector<std::string> types;
-            for (const Json::Value& parameter : json["parameters"]) {
-                types.push_back(parameter["type"].asString());
-            }
-            key += fmt::format("({})", fmt::join(types, ","));
+            const auto typeOf = [](const Json::Value& parameter) { return parameter["type"].asString(); };
+            key += "(" + joined(json["parameters"], ",", typeOf) + ")";
         }
         return {document.placeOf(json, path), std::move(name), std::move(key)};
     }

@@ -4,13 +4,11 @@
 #include <json/reader.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <memory>
 
 #include "tools/vig/words/NearestName.h"
 #include "tools/vig/words/Text.h"
 #include "vig/base/Utf8.h"
-#include "vig/parsers/JsonValues.h"
 
 namespace Brenta::OS::VIG::Tool {
 
@@ -31,17 +29,34 @@ std::string reportOf(const std::string& text) {
 }
 
 // Turns the first entry of a report, "* Line 1, Column 2\n  message\n", into a message of the tool.
-std::string messageOf(const std::string& file, const std::string& report) {
-    unsigned line = 1;
-    unsigned column = 1;
-    int begin = 0;
-    [[maybe_unused]] const int read = std::sscanf(report.c_str(), "* Line %u, Column %u %n", &line, &column, &begin);
-    const std::string_view rest = std::string_view(report).substr(static_cast<std::size_t>(begin));
+std::string messageOf(const std::string& file, std::string_view report) {
+    const auto position = DocumentText::reportedPosition(report.substr(0, report.find('\n')));
+    if (position) {
+        report.remove_prefix(std::min(report.find_first_not_of("\n ", report.find('\n')), report.size()));
+    }
+    const auto [line, column] = position.value_or(SourceText::Position{1, 1});
     return fmt::format("{}:{}:{}: error: {}", file, line, column,
-                       shortened(rest.substr(0, rest.find('\n')), kMostShownOfMessage));
+                       shortened(report.substr(0, report.find('\n')), kMostShownOfMessage));
 }
 
 }  // namespace
+
+std::string_view kindName(const Json::Value& value) {
+    switch (value.type()) {
+        case Json::nullValue:
+            return "null";
+        case Json::stringValue:
+            return "a string";
+        case Json::booleanValue:
+            return "a boolean";
+        case Json::arrayValue:
+            return "an array";
+        case Json::objectValue:
+            return "an object";
+        default:
+            return "a number";
+    }
+}
 
 std::string StrictJson::mistakeIn(const DocumentText& document) {
     const SourceText& source = document.source();

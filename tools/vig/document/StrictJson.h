@@ -12,6 +12,9 @@
 
 namespace Brenta::OS::VIG::Tool {
 
+// Returns the kind of the value as messages call it: "null", "a number", "an array" and so on.
+std::string_view kindName(const Json::Value& value);
+
 // Reads values of a JSON text of which nothing may be ignored. What is wrong is collected as
 // "file:line:column: error: tests[0].seed: …", up to a hundred mistakes and a line that there are more. Nothing throws,
 // whatever a value is. `path` is always the JSON path of the value given.

@@ -8,7 +8,6 @@
 #include <array>
 #include <cerrno>
 #include <span>
-#include <utility>
 
 namespace Brenta::OS::VIG::Tool {
 

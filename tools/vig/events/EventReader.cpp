@@ -1,8 +1,10 @@
 #include "tools/vig/events/EventReader.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <string_view>
 #include <utility>
 
@@ -19,12 +21,18 @@ bool isStandardInput(const std::string& events) {
 }  // namespace
 
 Descriptor openEvents(const std::string& events, const Console& console) {
-    return Descriptor(isStandardInput(events) ? dup(console.in)
-                                              : open(events.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    Descriptor file(isStandardInput(events) ? dup(console.in)
+                                            : open(events.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    struct stat status = {};
+    if (file.isOpen() && fstat(file.get(), &status) == 0 && S_ISDIR(status.st_mode)) {
+        errno = EISDIR;
+        return Descriptor(-1);
+    }
+    return file;
 }
 
 std::string whyEventsNotOpened(const std::string& events, int error) {
-    return (isStandardInput(events) ? "standard input" : events) + ": " + systemError(error);
+    return "vig: error: " + (isStandardInput(events) ? "standard input" : events) + ": " + systemError(error);
 }
 
 std::string nameOfEvents(const std::string& events) {

@@ -14,10 +14,10 @@
 namespace Brenta::OS::VIG::Tool {
 
 // Opens the argument EVENTS of a verb: a file of event records, or "-" for standard input. It is not open, with errno
-// set, if there is no such file. A pipe that nobody writes to yet is waited for by who reads it.
+// set, if there is no such file, or if it is a folder. A pipe that nobody writes to yet is waited for by who reads it.
 Descriptor openEvents(const std::string& events, const Console& console);
 
-// Returns a message for a person, of an errno value of openEvents().
+// Returns the line that says why, of an errno value of openEvents().
 std::string whyEventsNotOpened(const std::string& events, int error);
 
 // Returns what messages about the records and reports call it.

@@ -16,11 +16,11 @@ namespace Brenta::OS::VIG::Tool {
 namespace {
 
 template <typename T>
-void appendKind(std::string& line, std::string_view kind, const AttributeSet& attributes) {
+void appendKind(std::string& line, AttributeKind kind, const AttributeSet& attributes) {
     if (attributes.isEmpty<T>()) {
         return;
     }
-    fmt::format_to(std::back_inserter(line), ",\"{}\":", kind);
+    fmt::format_to(std::back_inserter(line), ",\"{}\":", nameOf(kind));
     char separator = '{';
     attributes.forEach<T>([&](std::string_view name, T value) {
         line += std::exchange(separator, ',');
@@ -46,11 +46,11 @@ void writeEvent(Output& output, const EventRecord& record) {
     if (record.timeoutId) {
         fmt::format_to(std::back_inserter(line), ",\"timeout_id\":{}", *record.timeoutId);
     }
-    appendKind<std::uint64_t>(line, "uint64", record.attributes);
-    appendKind<std::int64_t>(line, "int64", record.attributes);
-    appendKind<double>(line, "double", record.attributes);
-    appendKind<bool>(line, "bool", record.attributes);
-    appendKind<std::string_view>(line, "string", record.attributes);
+    appendKind<std::uint64_t>(line, AttributeKind::Uint64, record.attributes);
+    appendKind<std::int64_t>(line, AttributeKind::Int64, record.attributes);
+    appendKind<double>(line, AttributeKind::Double, record.attributes);
+    appendKind<bool>(line, AttributeKind::Bool, record.attributes);
+    appendKind<std::string_view>(line, AttributeKind::String, record.attributes);
     line += "}\n";
     output.write(line);
 }

@@ -58,7 +58,7 @@ std::uint32_t deviceSeed(std::uint32_t seed, std::string_view name) {
 }
 
 DeviceRunner::DeviceRunner(const FleetPlan& plan)
-    : plan(plan), generator(plan.options.seed), parsed(parse(plan.document, registryWith(generator, plan.registry))) {}
+    : plan(plan), generator(plan.seed), parsed(parse(plan.document, registryWith(generator, plan.registry))) {}
 
 MachineGroup::Configs DeviceRunner::newMachines(FiredCounts& fired) const {
     for (const ConfigModel& each : plan.document.configs) {
@@ -86,8 +86,8 @@ DeviceResult DeviceRunner::run(const std::string& device, Output& output) {
     Replay replay(device, plan.console, plan.interruption);
     result.begun = replay.isOpen();
     if (result.begun) {
-        const auto report = reportOf(plan.options.format, output, plan.console.wantsColours(), name);
-        generator.seed(deviceSeed(plan.options.seed, name));
+        const auto report = reportOf(plan.format, output, plan.coloured, name);
+        generator.seed(deviceSeed(plan.seed, name));
         MachineGroup machines(plan.context, *report, nullptr);
         machines.adopt(newMachines(result.fired));
         const PlatformServices::OnThread receiver(machines);

@@ -4,14 +4,14 @@
 #include <string>
 #include <string_view>
 
+#include "tools/vig/document/RuleModel.h"
 #include "tools/vig/events/AttributeSet.h"
 #include "tools/vig/fleet/FleetSummary.h"
 #include "tools/vig/io/Console.h"
 #include "tools/vig/io/Interruption.h"
 #include "tools/vig/io/Output.h"
 #include "tools/vig/run/MachineGroup.h"
-#include "tools/vig/run/RunCommand.h"
-#include "tools/vig/trace/Trace.h"
+#include "tools/vig/run/ReportWriters.h"
 #include "vig/functions/PseudoRandomGenerator.h"
 #include "vig/parsers/VIGParserConfig.h"
 
@@ -22,7 +22,9 @@ struct FleetPlan {
     const DocumentModel& document;
     const VIGParserConfig registry;  // the library's own
     const AttributeSet& context;
-    const RunOptions& options;  // of each of them, but for its events
+    std::uint32_t seed;  // of the run
+    ReportFormat format;
+    bool coloured;
     const Console& console;
     const Interruption& interruption;
 };

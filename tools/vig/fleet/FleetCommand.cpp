@@ -53,7 +53,7 @@ class Fleet {
                 return;
             }
             Output text([this, device](std::string_view piece) { return order.write(device, piece); });
-            if (plan.options.format == ReportFormat::Text) {
+            if (plan.format == ReportFormat::Text) {
                 text.write(fmt::format("\n== {}\n", printable(nameOfEvents(devices[device]))));
             }
             DeviceResult result = runner.run(devices[device], text);
@@ -98,16 +98,21 @@ std::string summaryOf(const FleetSummary& summary, const FleetOptions& options) 
 }  // namespace
 
 int fleet(const FleetOptions& options, const Console& console, const Interruption& interruption) {
-    RunOptions ofDevice = options;
-    ofDevice.format = options.summaryOnly ? ReportFormat::None : options.format;
-    RuleRun rules(options, ofDevice.format, console, interruption);
+    const ReportFormat format = options.summaryOnly ? ReportFormat::None : options.format;
+    RuleRun rules(options, format, console, interruption);
     // The machines of the delivery stay idle: each device has its own.
     if (const auto status = rules.load(RuleSession::Changes::Ignore)) {
         return rules.abandon(*status);
     }
     RuleSession& session = rules.session();
-    const FleetPlan plan{session.document(), libraryRegistry(), session.contextAttributes(),
-                         ofDevice,           console,           interruption};
+    const FleetPlan plan{session.document(),
+                         libraryRegistry(),
+                         session.contextAttributes(),
+                         options.seed,
+                         format,
+                         console.wantsColours(),
+                         console,
+                         interruption};
     const FleetSummary summary = Fleet(plan, options.devices, rules.output()).run(options.threads);
     rules.output().write(summaryOf(summary, options));
     const int status = summary.failed > 0 ? kExitUnusable : kExitDone;
@@ -166,12 +171,11 @@ void addRun(CommandLine& commandLine, FleetOptions& options) {
         commandLine.addVerb("run", "Offers recorded events to the machines of a rule document.",
                             fmt::format(kHelp, FleetSummary::Storm::LEAST_TRIGGERS, FleetSummary::Storm::MOST_EVENTS),
                             runOneOrMany, options);
-    addRules(verb, options.rules);
+    addRules(verb, options);
     verb.choice("--format", options.format,
                 {{"text", ReportFormat::Text}, {"jsonl", ReportFormat::Jsonl}, {"json", ReportFormat::Json}},
                 "text for people, jsonl for programs, json for a summary alone");
-    addSurroundings(verb, options.seed, options.contextFile,
-                    "; in a summary, each device draws by the seed and its name");
+    addSurroundings(verb, options, "; in a summary, each device draws by the seed and its name");
     verb.argument("EVENTS", options.devices, Verb::Need::Optional,
                   "The event records, a file for each device (default: -, which is standard input)");
     verb.flag("--explain", options.explain, "Tells what every machine decides on every event, and why");

@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "tools/vig/trace/Trace.h"
+#include "tools/vig/document/RuleModel.h"
 
 namespace Brenta::OS::VIG::Tool {
 

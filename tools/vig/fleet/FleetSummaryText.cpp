@@ -31,20 +31,17 @@ std::string jsonOf(const std::pair<const std::uint64_t, std::uint64_t>& devicesO
 
 std::string jsonOf(const FleetSummary::Config& config);
 
-// Returns the elements as a JSON array.
-std::string listOf(const auto& elements) {
-    return "[" + joined(elements, ",", [](const auto& element) { return jsonOf(element); }) + "]";
-}
+constexpr auto kToJson = [](const auto& element) { return jsonOf(element); };
 
 std::string jsonOf(const FleetSummary::Config& config) {
     return fmt::format(R"({{"path":{},"id":{},{},"transitions":{}}})", quoted(config.path), config.id,
-                       jsonOf(config.count), listOf(config.transitions));
+                       jsonOf(config.count), jsonArray(config.transitions, kToJson));
 }
 
 std::string triggersOf(const FleetSummary& summary) {
     return fmt::format(R"({{"total":{},"median":{},"p99":{},"most":{},"by_count":{}}})", summary.triggers(),
                        summary.percentile(50), summary.percentile(99), summary.percentile(100),
-                       listOf(summary.devicesByTriggers));
+                       jsonArray(summary.devicesByTriggers, kToJson));
 }
 
 std::string countRow(const FleetSummary::Count& count, const std::string& what) {
@@ -86,8 +83,8 @@ std::string jsonOf(const FleetSummary& summary, const std::string& first) {
                        R"("storms":{{"devices":{},"worst":{}}},"configs":{}}})"
                        "\n",
                        first, quoted(summary.documentHash), summary.devices(), summary.failed, summary.unfinished,
-                       summary.events, triggersOf(summary), summary.stormyDevices, listOf(summary.worstStorms),
-                       listOf(summary.configs));
+                       summary.events, triggersOf(summary), summary.stormyDevices,
+                       jsonArray(summary.worstStorms, kToJson), jsonArray(summary.configs, kToJson));
 }
 
 }  // namespace Brenta::OS::VIG::Tool

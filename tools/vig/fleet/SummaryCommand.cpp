@@ -25,11 +25,11 @@ class Merger {
     // Merges all of the file. If that fails, says why and returns the exit status.
     std::optional<int> add(const std::string& file) {
         const Descriptor input = openEvents(file, console);
-        const std::string name = nameOfEvents(file);
         if (!input.isOpen()) {
-            console.complain(name + ": " + systemError(errno));
+            console.say(whyEventsNotOpened(file, errno));
             return kExitUnusable;
         }
+        const std::string name = nameOfEvents(file);
         LineReader lines(input.get(), name, interruption, [] {});
         std::string_view line;
         auto status = lines.next(line);

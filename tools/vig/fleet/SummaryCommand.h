@@ -5,7 +5,7 @@
 
 #include "tools/vig/io/Console.h"
 #include "tools/vig/io/Interruption.h"
-#include "tools/vig/run/RuleRun.h"
+#include "tools/vig/run/ReportWriters.h"
 
 namespace Brenta::OS::VIG::Tool {
 

@@ -132,7 +132,7 @@ Example: where does the recording get stuck?
 
 void addGraph(CommandLine& commandLine, GraphOptions& options) {
     Verb verb = commandLine.addVerb("graph", "Draws the machines of a rule document.", kHelp, graph, options);
-    addRules(verb, options.rules);
+    addRules(verb, options);
     verb.choice("--format", options.format,
                 {{"dot", GraphFormat::Dot},
                  {"svg", GraphFormat::Svg},
@@ -140,7 +140,7 @@ void addGraph(CommandLine& commandLine, GraphOptions& options) {
                  {"mermaid", GraphFormat::Mermaid}},
                 "dot for Graphviz; svg and png, which call it; mermaid for a README");
     verb.name("--events", options.events, "FILE", "Event records to replay: shows how often each transition fired");
-    addSurroundings(verb, options.seed, options.contextFile, "");
+    addSurroundings(verb, options, "");
 }
 
 }  // namespace Brenta::OS::VIG::Tool

@@ -59,10 +59,11 @@ int spawnDot(const std::string& format, const Streams& streams, pid_t& process) 
     posix_spawn_file_actions_adddup2(&actions, streams.in.theirs->get(), STDIN_FILENO);
     posix_spawn_file_actions_adddup2(&actions, streams.out.theirs->get(), STDOUT_FILENO);
     posix_spawn_file_actions_adddup2(&actions, streams.err.theirs->get(), STDERR_FILENO);
-    // The tool ignores this signal, which a program would inherit.
+    // The tool ignores these signals, which a program would inherit.
     sigset_t signals;
     sigemptyset(&signals);
     sigaddset(&signals, SIGPIPE);
+    sigaddset(&signals, SIGXFSZ);
     posix_spawnattr_t attributes;
     posix_spawnattr_init(&attributes);
     posix_spawnattr_setsigdefault(&attributes, &signals);

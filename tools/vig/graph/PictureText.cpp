@@ -81,11 +81,8 @@ std::vector<std::string> markLinesOf(const std::vector<GraphMark>& marks) {
 }
 
 std::string messagesOf(const std::vector<GraphMark>& marks) {
-    std::string messages;
-    for (const GraphMark& each : marks) {
-        messages += (messages.empty() ? "" : " · ") + each.name + ": " + each.message;
-    }
-    return pictureText(messages, kLongestMessage);
+    const auto messageOf = [](const GraphMark& each) { return each.name + ": " + each.message; };
+    return pictureText(joined(marks, " · ", messageOf), kLongestMessage);
 }
 
 }  // namespace Brenta::OS::VIG::Tool

@@ -52,7 +52,7 @@ class MarkedPlaces {
         return bracket == std::string::npos ? path.size() : bracket + 1;
     }
 
-    std::map<std::string, Marks, std::less<>> marks;
+    std::map<std::string, Marks> marks;
 };
 
 GraphArrow arrowOf(const TransitionModel& transition) {

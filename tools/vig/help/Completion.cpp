@@ -6,15 +6,11 @@
 #include <string_view>
 
 #include "tools/vig/check/WarningNames.h"
+#include "tools/vig/words/Text.h"
 
 namespace Brenta::OS::VIG::Tool {
 
 namespace {
-
-void addWord(std::string& words, std::string_view word) {
-    words += words.empty() ? "" : " ";
-    words += word;
-}
 
 // Returns the words that the argument of the option is one of, or nothing if it can be anything.
 std::string choicesOf(const OptionHelp& option) {
@@ -23,9 +19,7 @@ std::string choicesOf(const OptionHelp& option) {
         words = option.argument;
         std::ranges::replace(words, '|', ' ');
     } else if (option.names.back() == "--allow") {
-        for (const WarningName& warning : kWarningNames) {
-            addWord(words, warning.name);
-        }
+        words = joined(kWarningNames, " ", [](const WarningName& warning) { return warning.name; });
     }
     return words;
 }
@@ -39,17 +33,9 @@ std::string optionNamesOf(const VerbHelp& verb) {
     for (const OptionHelp& option : verb.options) {
         for (const std::string& name : option.names) {
             if (!option.isPositional) {
-                addWord(words, name);
+                words += (words.empty() ? "" : " ") + name;
             }
         }
-    }
-    return words;
-}
-
-std::string verbNamesOf(const ProgramHelp& help) {
-    std::string words;
-    for (const VerbHelp& verb : help.verbs) {
-        addWord(words, verb.name);
     }
     return words;
 }
@@ -130,7 +116,8 @@ std::string zshArgumentsOf(const VerbHelp& verb, std::string_view indent) {
 
 std::string bashCompletionOf(const ProgramHelp& help) {
     std::string script(kBashBegin);
-    script += bashCase("' '*", verbNamesOf(help) + " " + optionNamesOf(help.general), false);
+    const std::string verbs = joined(help.verbs, " ", [](const VerbHelp& verb) { return verb.name; });
+    script += bashCase("' '*", verbs + " " + optionNamesOf(help.general), false);
     for (const VerbHelp& verb : help.verbs) {
         for (const OptionHelp& option : verb.options) {
             if (!option.isPositional && !option.argument.empty()) {

@@ -1,7 +1,8 @@
 #include "tools/vig/help/HelpPages.h"
 
-#include <algorithm>
 #include <string_view>
+
+#include "tools/vig/words/Text.h"
 
 namespace Brenta::OS::VIG::Tool {
 
@@ -55,10 +56,7 @@ std::string synopsisOf(const VerbHelp& verb) {
 std::string optionsOf(const VerbHelp& verb) {
     std::string text;
     for (const OptionHelp& option : verb.options) {
-        std::string tag;
-        for (const std::string& name : option.names) {
-            tag += (tag.empty() ? "" : ", ") + (option.isPositional ? italic(name) : bold(name));
-        }
+        const std::string tag = joined(option.names, ", ", option.isPositional ? italic : bold);
         text += ".TP\n" + tag + (option.argument.empty() ? "" : " " + italic(option.argument)) + "\n" +
                 escaped(option.description) + "\n";
     }

@@ -1,7 +1,8 @@
 #include "tools/vig/io/Console.h"
 
+#include <fmt/format.h>
+
 #include <cstdlib>
-#include <string>
 
 #include "tools/vig/io/Output.h"
 #include "tools/vig/words/Text.h"
@@ -41,6 +42,10 @@ int Console::finish(Output& output, int status) const {
 
 bool Console::wantsColours() const {
     return isatty(out) == 1 && variable("NO_COLOR").empty() && variable("TERM") != "dumb";
+}
+
+std::string inColour(std::string_view colour, std::string_view text, bool coloured) {
+    return coloured && !colour.empty() ? fmt::format("{}{}\x1b[0m", colour, text) : std::string(text);
 }
 
 }  // namespace Brenta::OS::VIG::Tool

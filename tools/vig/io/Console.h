@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <string>
 #include <string_view>
 
 namespace Brenta::OS::VIG::Tool {
@@ -31,5 +32,10 @@ struct Console {
     // Returns true if `out` is a terminal whose user has nothing against colours.
     bool wantsColours() const;
 };
+
+inline constexpr std::string_view kBoldYellow = "\x1b[1;33m";
+
+// Returns the text in the colour, which may be empty for none, if the output is coloured at all.
+std::string inColour(std::string_view colour, std::string_view text, bool coloured);
 
 }  // namespace Brenta::OS::VIG::Tool

@@ -36,15 +36,11 @@ void onSignal(int number) {
 
 Interruption::Interruption() : event(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {}
 
-Interruption::~Interruption() {
-    close(event);
-}
-
 void Interruption::request() {
     flag.store(true, std::memory_order_relaxed);
     const std::uint64_t one = 1;
     // It can only fail when the counter is full, and then the descriptor is readable anyway.
-    [[maybe_unused]] const ssize_t written = write(event, &one, sizeof one);
+    [[maybe_unused]] const ssize_t written = write(event.get(), &one, sizeof one);
 }
 
 InterruptOnSignals::InterruptOnSignals(Interruption& interruption) {

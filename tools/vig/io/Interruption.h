@@ -5,6 +5,8 @@
 #include <array>
 #include <atomic>
 
+#include "tools/vig/io/Descriptor.h"
+
 namespace Brenta::OS::VIG::Tool {
 
 // It is a request to come to an end: asked for once, from a signal handler or any thread, seen at the next event and by
@@ -14,17 +16,16 @@ class Interruption {
     Interruption();
     Interruption(const Interruption&) = delete;
     Interruption& operator=(const Interruption&) = delete;
-    ~Interruption();
 
     void request();
     bool requested() const { return flag.load(std::memory_order_relaxed); }
 
     // The descriptor is readable once the end has been requested.
-    int descriptor() const { return event; }
+    int descriptor() const { return event.get(); }
 
   private:
     std::atomic<bool> flag = false;
-    const int event;
+    const Descriptor event;
 };
 
 // While it lives, the first SIGINT or SIGTERM requests the end; a second one, of either kind, ends the process at once,

@@ -1,5 +1,4 @@
 #include "tools/vig/run/PlatformServices.h"
-#include "vig/actions/TriggerRequest.h"
 
 #include <binder/IServiceManager.h>
 #include <host/Host.h>
@@ -10,6 +9,8 @@
 #include <string>
 #include <utility>
 #include <vector>
+
+#include "vig/actions/TriggerRequest.h"
 
 namespace Brenta::OS::VIG::Tool {
 

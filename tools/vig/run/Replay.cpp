@@ -7,22 +7,10 @@
 
 #include "tools/vig/events/EventReader.h"
 #include "tools/vig/io/Progress.h"
-#include "tools/vig/words/Text.h"
 
 namespace Brenta::OS::VIG::Tool {
 
 namespace {
-
-// Returns no open file, with errno set, if the records cannot be read: a folder can only be opened.
-Descriptor openRecords(const std::string& events, const Console& console) {
-    Descriptor file = openEvents(events, console);
-    struct stat status = {};
-    if (file.isOpen() && fstat(file.get(), &status) == 0 && S_ISDIR(status.st_mode)) {
-        errno = EISDIR;
-        return Descriptor(-1);
-    }
-    return file;
-}
 
 // Returns the size in bytes, or 0 if it is not known before the end.
 std::uint64_t sizeOf(const Descriptor& file) {
@@ -34,9 +22,9 @@ std::uint64_t sizeOf(const Descriptor& file) {
 }  // namespace
 
 Replay::Replay(const std::string& recordedEvents, const Console& console, const Interruption& interruption)
-    : events(recordedEvents), interruption(interruption), file(openRecords(events, console)) {
+    : events(recordedEvents), interruption(interruption), file(openEvents(events, console)) {
     if (!file.isOpen() && !interruption.requested()) {
-        reason = "vig: error: " + whyEventsNotOpened(events, errno);
+        reason = whyEventsNotOpened(events, errno);
     }
 }
 

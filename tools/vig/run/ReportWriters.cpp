@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "tools/vig/events/EventNames.h"
+#include "tools/vig/io/Console.h"
 #include "tools/vig/trace/ExplainText.h"
 #include "tools/vig/words/PriorityName.h"
 #include "tools/vig/words/Text.h"
@@ -21,11 +22,9 @@ namespace Brenta::OS::VIG::Tool {
 namespace {
 
 constexpr std::string_view kRed = "\x1b[31m";
-constexpr std::string_view kBoldYellow = "\x1b[1;33m";
 constexpr std::string_view kCyan = "\x1b[36m";
 constexpr std::string_view kDim = "\x1b[2m";
 constexpr std::string_view kPlain;
-constexpr std::string_view kReset = "\x1b[0m";
 
 constexpr std::size_t kDetailColumn = 35;
 constexpr std::size_t kMostNames = 1000;  // of triggers that are counted apart
@@ -57,7 +56,7 @@ class TextReport final : public Report {
         for (const std::string& entry : line.metadata) {
             metadata += (metadata.empty() ? "" : "  ") + printable(entry);
         }
-        output.write(std::string(kDetailColumn, ' ') + inColour(kDim, metadata) + "\n");
+        output.write(std::string(kDetailColumn, ' ') + inColour(kDim, metadata, coloured) + "\n");
         if (triggersByName.size() < kMostNames || triggersByName.contains(line.name)) {
             ++triggersByName[line.name];
         } else {
@@ -121,18 +120,16 @@ class TextReport final : public Report {
     }
 
   private:
-    std::string inColour(std::string_view colour, std::string_view text) const {
-        return coloured && !colour.empty() ? fmt::format("{}{}{}", colour, text, kReset) : std::string(text);
-    }
-
     void row(std::uint64_t event, std::string_view what, std::string_view colour, std::string_view who,
              std::string_view detail) {
         if (!std::exchange(headed, true)) {
-            output.write(inColour(kDim, fmt::format("{:>9}  {:<7}  {:<14} {}", "event", "what", "who", "detail")) +
-                         "\n");
+            output.write(
+                inColour(kDim, fmt::format("{:>9}  {:<7}  {:<14} {}", "event", "what", "who", "detail"), coloured) +
+                "\n");
         }
-        output.write(fmt::format("{:>9}  {}  {:<14} {}\n", event, inColour(colour, fmt::format("{:<7}", what)), who,
-                                 inColour(colour == kBoldYellow ? kBoldYellow : kPlain, detail)));
+        output.write(fmt::format("{:>9}  {}  {:<14} {}\n", event,
+                                 inColour(colour, fmt::format("{:<7}", what), coloured), who,
+                                 inColour(colour == kBoldYellow ? kBoldYellow : kPlain, detail, coloured)));
     }
 
     // The most frequent ones come first.
@@ -154,7 +151,7 @@ class TextReport final : public Report {
     Output& output;
     const bool coloured;
     bool headed = false;
-    std::map<std::string, std::uint64_t, std::less<>> triggersByName;  // bounded
+    std::map<std::string, std::uint64_t> triggersByName;  // bounded
     std::uint64_t otherTriggers = 0;
 };
 
@@ -180,9 +177,9 @@ class JsonlReport final : public Report {
     void trigger(const TriggerLine& line) override {
         writeLine(fmt::format(
             R"({{"type":"trigger","event":{},"machine":{},"config_id":{},"trigger_name":{},"process_name":{},)"
-            R"("metadata":[{}]}})",
+            R"("metadata":{}}})",
             line.event, line.machine.index, line.machine.configId, quoted(line.name),
-            line.processName ? quoted(*line.processName) : "null", joined(line.metadata, ",", quoted)));
+            line.processName ? quoted(*line.processName) : "null", jsonArray(line.metadata, quoted)));
     }
 
     void log(const LogLine& line) override {
@@ -208,9 +205,9 @@ class JsonlReport final : public Report {
     void whyNot(const WhyNot& answer) override { writeLine(whyNotJson(answer)); }
 
     void end(const Summary& summary) override {
-        writeLine(fmt::format(R"({{"type":"end","events":{},"triggers":{},"machines":[{}]{}}})", summary.events,
+        writeLine(fmt::format(R"({{"type":"end","events":{},"triggers":{},"machines":{}{}}})", summary.events,
                               summary.triggers,
-                              joined(summary.machines, ",", [](const auto& each) { return jsonOf(each); }),
+                              jsonArray(summary.machines, [](const auto& each) { return jsonOf(each); }),
                               summary.sampling ? jsonOf(*summary.sampling) : ""));
     }
 

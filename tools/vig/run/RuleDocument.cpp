@@ -8,6 +8,7 @@
 #include <mutex>
 #include <utility>
 
+#include "tools/vig/io/Descriptor.h"
 #include "tools/vig/trace/Tracer.h"
 #include "vig/ResponseProperty.h"
 #include "vig/VIGManager.h"
@@ -21,23 +22,22 @@ class RuleDocument::Slot {
     Slot() : event(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {}
     Slot(const Slot&) = delete;
     Slot& operator=(const Slot&) = delete;
-    ~Slot() { ::close(event); }
 
     void put(Delivery delivery) {
         const std::lock_guard lock(mutex);
         latest = std::move(delivery);
         const std::uint64_t one = 1;
-        [[maybe_unused]] const ssize_t written = write(event, &one, sizeof one);
+        [[maybe_unused]] const ssize_t written = write(event.get(), &one, sizeof one);
     }
 
     std::optional<Delivery> take() {
         const std::lock_guard lock(mutex);
         std::uint64_t count = 0;
-        [[maybe_unused]] const ssize_t got = read(event, &count, sizeof count);
+        [[maybe_unused]] const ssize_t got = read(event.get(), &count, sizeof count);
         return std::exchange(latest, std::nullopt);
     }
 
-    const int event;
+    const Descriptor event;
 
   private:
     std::mutex mutex;
@@ -83,7 +83,7 @@ RuleDocument::RuleDocument(const std::string& path, const Tracer* tracer) : slot
 RuleDocument::~RuleDocument() = default;
 
 int RuleDocument::descriptor() const {
-    return slot->event;
+    return slot->event.get();
 }
 
 std::optional<Delivery> RuleDocument::take() {

@@ -9,7 +9,6 @@
 #include "tools/vig/commandline/CommandLine.h"
 #include "tools/vig/events/EventReader.h"
 #include "tools/vig/io/Descriptor.h"
-#include "tools/vig/io/FileText.h"
 #include "tools/vig/words/Text.h"
 
 namespace Brenta::OS::VIG::Tool {
@@ -87,15 +86,15 @@ int RuleRun::abandon(int status) {
     return console.finish(out, status);
 }
 
-void addRules(Verb& verb, std::string& rules) {
-    verb.argument("RULES", rules, Verb::Need::Required, "The rule document");
+void addRules(Verb& verb, MachineOptions& options) {
+    verb.argument("RULES", options.rules, Verb::Need::Required, "The rule document");
 }
 
-void addSurroundings(Verb& verb, std::uint32_t& seed, std::string& contextFile, const std::string& moreOnSeed) {
-    verb.wholeNumber("--seed", seed, 0, std::numeric_limits<std::uint32_t>::max(),
+void addSurroundings(Verb& verb, MachineOptions& options, const std::string& moreOnSeed) {
+    verb.wholeNumber("--seed", options.seed, 0, std::numeric_limits<std::uint32_t>::max(),
                      "Seed of the function PseudoRandomDouble, so that a run repeats exactly (default: " +
-                         std::to_string(seed) + ")" + moreOnSeed);
-    verb.name("--context", contextFile, "FILE",
+                         std::to_string(options.seed) + ")" + moreOnSeed);
+    verb.name("--context", options.contextFile, "FILE",
               "A file with one event record: the attributes of every machine's context");
 }
 

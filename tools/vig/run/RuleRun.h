@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <random>
 #include <string>
 #include <string_view>
 
@@ -20,8 +21,8 @@ class Verb;
 // Machines depend on these besides the events.
 struct MachineOptions {
     std::string rules;
-    std::uint32_t seed = 5489;  // the one with which the generator's own definition starts
-    std::string contextFile;    // empty if there is none
+    std::uint32_t seed = std::mt19937::default_seed;
+    std::string contextFile;  // empty if there is none
 };
 
 // The verbs that report what machines do have these in common.
@@ -29,9 +30,9 @@ struct RuleOptions : MachineOptions {
     ReportFormat format = ReportFormat::Text;
 };
 
-// Adds what verbs take that let rules run. The values must outlive the command line.
-void addRules(Verb& verb, std::string& rules);
-void addSurroundings(Verb& verb, std::uint32_t& seed, std::string& contextFile, const std::string& moreOnSeed);
+// Adds what verbs take that let rules run. The options must outlive the command line.
+void addRules(Verb& verb, MachineOptions& options);
+void addSurroundings(Verb& verb, MachineOptions& options, const std::string& moreOnSeed);
 
 // It is one run of a verb from the loading of the rules to the exit status, its report on the console.
 class RuleRun {
@@ -55,9 +56,6 @@ class RuleRun {
     Output& output() { return out; }
 
     Report& reporter() { return *report; }
-
-    // Returns true if the run is to end: it was interrupted, or nobody can read what it writes.
-    bool mustStop() const { return interruption.requested() || out.failed(); }
 
     // Says what is wrong after all that has been reported.
     void complainAfterOutput(std::string_view line);

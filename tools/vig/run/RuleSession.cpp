@@ -73,11 +73,7 @@ RuleSession::Loading RuleSession::load(Changes later, const Interruption& interr
         services.awaitLine(kListeningMessage, kLongestSubscription);
     }
     services.passOnLines();
-    adopt(std::move(*delivery));
-    if (isGone) {
-        return Loading::Unreadable;
-    }
-    return reason.empty() ? Loading::Done : Loading::Refused;
+    return adopt(std::move(*delivery));
 }
 
 // The manager's thread would read the pipe to its end, whatever happens meanwhile.
@@ -102,11 +98,11 @@ bool RuleSession::update() {
     return true;
 }
 
-void RuleSession::adopt(Delivery delivery) {
+RuleSession::Loading RuleSession::adopt(Delivery delivery) {
     reason = explain(delivery.error);
+    const bool isRefused = !reason.empty();
     // The device configuration reads a file that is not there as a document without configurations.
-    isGone = reason.empty() && delivery.configs.empty() && !whyUnreadable(path).empty();
-    if (isGone) {
+    if (!isRefused && delivery.configs.empty()) {
         reason = whyUnreadable(path);
     }
     if (reason.empty()) {
@@ -114,6 +110,7 @@ void RuleSession::adopt(Delivery delivery) {
         text = std::move(delivery.text);
     }
     group.adopt(tracer && reason.empty() ? tracer->watch(document(), delivery.configs) : std::move(delivery.configs));
+    return reason.empty() ? Loading::Done : isRefused ? Loading::Refused : Loading::Unreadable;
 }
 
 const DocumentModel& RuleSession::document() {

@@ -59,7 +59,7 @@ class RuleSession final {
 
   private:
     bool copyPipe(const Interruption& interruption);
-    void adopt(Delivery delivery);
+    Loading adopt(Delivery delivery);
 
     const std::string path;
     const AttributeSet context;
@@ -72,7 +72,6 @@ class RuleSession final {
     std::optional<Descriptor> pipeCopy;  // in memory, if the document comes by a pipe
     std::optional<RuleDocument> deliveries;
     std::string reason;
-    bool isGone = false;  // the document can no longer be read
 };
 
 }  // namespace Brenta::OS::VIG::Tool

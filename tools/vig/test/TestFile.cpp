@@ -3,7 +3,6 @@
 #include <fcntl.h>
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <charconv>
 #include <filesystem>
@@ -15,12 +14,12 @@
 
 #include "tools/vig/document/DocumentText.h"
 #include "tools/vig/document/StrictJson.h"
+#include "tools/vig/events/EventNames.h"
 #include "tools/vig/events/EventReader.h"
 #include "tools/vig/events/LineReader.h"
 #include "tools/vig/events/RecordParser.h"
 #include "tools/vig/io/Descriptor.h"
 #include "tools/vig/io/FileText.h"
-#include "tools/vig/run/RuleDocument.h"
 #include "tools/vig/words/NearestName.h"
 #include "tools/vig/words/PriorityName.h"
 #include "tools/vig/words/Text.h"
@@ -155,7 +154,7 @@ class TestFileReader {
 
     // Reads the attributes of a record without its event.
     AttributeSet context(const Json::Value& json, const std::string& path) {
-        if (!check.isObject(json, path, {"uint64", "int64", "double", "bool", "string"})) {
+        if (!check.isObject(json, path, {kKindNames.begin(), kKindNames.end()})) {
             return {};
         }
         const Place range = document.placeOf(json, path);

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -46,7 +47,7 @@ struct TestCase {
     std::string name = {};
     std::size_t line = 0;  // in the test file
     TestEvents events = {};
-    std::uint32_t seed = 5489;
+    std::uint32_t seed = std::mt19937::default_seed;
     AttributeSet context = {};
     Expectation expect = {};
 };

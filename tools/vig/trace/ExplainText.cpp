@@ -76,11 +76,6 @@ std::string json(const ComparedValue& compared) {
     return number != nullptr && !std::isfinite(*number) ? quoted(shown(compared)) : shown(compared);
 }
 
-// Returns `render` of each element as a JSON array.
-std::string jsonArray(const auto& elements, const auto& render) {
-    return "[" + joined(elements, ",", render) + "]";
-}
-
 std::string json(const Comparison& comparison) {
     return fmt::format(R"({{"condition":{},"left":{},"right":{},"verdict":{}}})",
                        quoted(conditionOf(*comparison.filter)), json(comparison.left), json(comparison.right),

@@ -45,10 +45,7 @@ class StepRecorder {
   public:
     explicit StepRecorder(Trace& listener) : trace(listener) {}
 
-    void begin(Step first) {
-        step = std::move(first);
-        results.clear();
-    }
+    void begin(Step first) { step = std::move(first); }
 
     void tried(std::size_t index, const TransitionModel& transition) {
         step.attempts.push_back({index, &transition, {}, false});

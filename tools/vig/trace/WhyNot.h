@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -43,8 +42,8 @@ class WhyNot final : public Trace {
     std::size_t machine = 0;
     std::uint64_t events = 0;      // offered to the machine, and raised by it where the transition listens for them
     std::uint64_t otherTypes = 0;  // for which the transition does not listen
-    std::map<std::string, std::uint64_t, std::less<>> otherStates;  // in which an event of its type met the machine
-    std::uint64_t earlierFired = 0;                                 // before it was tried
+    std::map<std::string, std::uint64_t> otherStates;  // in which an event of its type met the machine
+    std::uint64_t earlierFired = 0;                    // before it was tried
     std::uint64_t tried = 0;
     std::vector<Stops> stops;  // by the index of the filter
     std::uint64_t fired = 0;

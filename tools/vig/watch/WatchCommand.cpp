@@ -2,19 +2,15 @@
 
 #include <fcntl.h>
 #include <poll.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdint>
 #include <filesystem>
-#include <optional>
 #include <system_error>
 
 #include "tools/vig/commandline/CommandLine.h"
 #include "tools/vig/events/EventRecord.h"
 #include "tools/vig/io/Descriptor.h"
-#include "tools/vig/io/FileText.h"
 #include "tools/vig/io/Output.h"
 #include "tools/vig/watch/SystemSampler.h"
 #include "tools/vig/words/Text.h"
@@ -125,7 +121,10 @@ class Watch {
         ruleRun.output().flush();
     }
 
-    bool mustStop() const { return ruleRun.mustStop() || (record != nullptr && record->failed()); }
+    // Returns true if the watch was interrupted, or nobody can read what it writes.
+    bool mustStop() const {
+        return interruption.requested() || ruleRun.output().failed() || (record != nullptr && record->failed());
+    }
 
     const WatchOptions& options;
     const Interruption& interruption;
@@ -173,10 +172,10 @@ Example: watch for ten seconds, then play the recording to rules that were chang
 void addWatch(CommandLine& commandLine, WatchOptions& options) {
     Verb verb = commandLine.addVerb("watch", "Offers live events of this machine to the machines of a rule document.",
                                     kHelp, watch, options);
-    addRules(verb, options.rules);
+    addRules(verb, options);
     verb.choice("--format", options.format, {{"text", ReportFormat::Text}, {"jsonl", ReportFormat::Jsonl}},
                 "text for people, jsonl for programs");
-    addSurroundings(verb, options.seed, options.contextFile, "");
+    addSurroundings(verb, options, "");
     verb.duration("--interval", options.interval, std::chrono::milliseconds(1),
                   "The time from one sample to the next (default: 1s)");
     verb.duration("--duration", options.duration, std::chrono::milliseconds(0),

@@ -66,4 +66,9 @@ std::string joined(const auto& elements, std::string_view separator, const auto&
     return all;
 }
 
+// Returns `render` of each element as a JSON array.
+std::string jsonArray(const auto& elements, const auto& render) {
+    return "[" + joined(elements, ",", render) + "]";
+}
+
 }  // namespace Brenta::OS::VIG::Tool
