@@ -34,7 +34,8 @@ use() {
         FILES=('os/*.h' 'rulesengine/*.h' 'rulesengine/*.cpp' 'vig/*.h' 'vig/*.cpp')
     else
         TARGET=vig_tool
-        TESTS=(tools_test fleet_test)
+        # The tool itself stands for the transcripts of what it prints.
+        TESTS=(tools_test fleet_test vig_cli)
         FILES=('tools/vig/events/RecordParser.*' 'tools/vig/events/LineReader.*' 'tools/vig/events/ByteSource.*' 'tools/vig/test/Expectation.*'
             'tools/vig/fleet/FleetSummary.*' 'tools/vig/fleet/FleetSummaryReader.*')
     fi
@@ -64,12 +65,17 @@ build() {
 # of the time would go into those faults that nothing notices. What a test leaves behind that has ended too early goes
 # with the next run.
 run() {
+    local command=("$WORK/$1/build/tests/$2" --gtest_fail_fast
+        --gtest_filter=-HostileText.AHundredThousandMutationsAreSurvived)
+    if [ "$2" = vig_cli ]; then
+        command=(env "PATH=$WORK/$1/build/tools/vig:$PATH" "VIG_SOURCE=$WORK/$1/source"
+            cram3 --shell=bash "$WORK/$1/source/tests/tools")
+    fi
     rm -rf "$WORK/$1/tmp"
     mkdir "$WORK/$1/tmp"
     (
         ulimit -c 0 -v "$LIMIT_KB" -f "$LIMIT_KB"
-        TMPDIR=$WORK/$1/tmp nice timeout "$3" "$WORK/$1/build/tests/$2" --gtest_fail_fast \
-            --gtest_filter=-HostileText.AHundredThousandMutationsAreSurvived
+        TMPDIR=$WORK/$1/tmp nice timeout "$3" "${command[@]}"
     ) >"$WORK/$1/log" 2>&1 </dev/null
 }
 

@@ -1,9 +1,8 @@
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <algorithm>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <regex>
 #include <string>
 #include <utility>
@@ -13,22 +12,18 @@
 
 namespace docs {
 
-inline std::string read(const std::filesystem::path& path) {
-    std::ifstream file(path);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
-// The first group of every match.
+// Returns the first group of every match, of which it expects one.
 inline std::vector<std::string> allOf(const std::string& text, const std::string& pattern) {
     const std::regex regex(pattern);
     std::vector<std::string> found;
     for (std::sregex_iterator match(text.begin(), text.end(), regex), end; match != end; ++match) {
         found.push_back(match->str(1));
     }
+    EXPECT_FALSE(found.empty()) << pattern;
     return found;
 }
 
-inline const std::string kJsonBlock = "```json\n([^`]*)```";
+inline const std::string kJsonBlock = "```json[^\n]*\n([^`]*)```";
 
 // A part of a document, known by its outermost key, made a whole one.
 inline std::string wholeOf(const std::string& block) {

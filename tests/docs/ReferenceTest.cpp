@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "tests/docs/Fragments.h"
+#include "tests/support/Documents.h"
 #include "tests/support/LogCapture.h"
 #include "tools/vig/check/ActionNeeds.h"
 #include "tools/vig/document/Registry.h"
@@ -20,7 +21,7 @@ namespace {
 using namespace Brenta::OS::VIG;
 namespace fs = std::filesystem;
 
-const std::string kReference = docs::read(VIG_SOURCE_DIR "/docs/rule-documents.md");
+const std::string kReference = support::textOf(VIG_SOURCE_DIR "/docs/rule-documents.md");
 
 std::set<std::string> setOf(const std::string& text, const std::string& pattern) {
     const auto all = docs::allOf(text, pattern);
@@ -37,7 +38,7 @@ TEST(Reference, NamesEverythingThatDocumentsMayName) {
         expectRow(std::string(name));
         eventTypes.emplace(name);
     }
-    EXPECT_EQ(setOf(docs::read(VIG_SOURCE_DIR "/rulesengine/EventType.h"), "(\\w+) = \\d+,"), eventTypes);
+    EXPECT_EQ(setOf(support::textOf(VIG_SOURCE_DIR "/rulesengine/EventType.h"), "(\\w+) = \\d+,"), eventTypes);
     for (const auto& [name, factory] : registry.getActionFunctionFactories()) {
         expectRow(name);
     }
@@ -64,7 +65,7 @@ TEST(Reference, NamesEverythingThatDocumentsMayName) {
 TEST(Reference, ListsExactlyTheMessagesOfTheLibrary) {
     std::string sources;
     for (const auto& entry : fs::recursive_directory_iterator(VIG_SOURCE_DIR "/vig")) {
-        sources += entry.path().extension() == ".cpp" ? docs::read(entry.path()) : "";
+        sources += entry.path().extension() == ".cpp" ? support::textOf(entry.path()) : "";
     }
     // The tool knows one message by a constant.
     const std::string constant = R"("%s", kListeningMessage)";

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <cstdint>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <iostream>
 #include <iterator>
 #include <sstream>
 #include <string>
@@ -84,13 +86,22 @@ inline const std::string kCompleteDocument =
                            filters({"integer vmRssKB > =2097152", "double PseudoRandomDouble() < =0.1"}),
                            R"([{"name":"TriggerVelora"}])")});
 
+// Returns the whole file, byte for byte. Without it no test means anything: the process ends.
+inline std::string textOf(const std::filesystem::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    if (!file) {
+        std::cerr << path << " cannot be read\n";
+        std::abort();
+    }
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
 // Returns the rule documents in examples/, without their tests.
 inline std::vector<std::string> exampleDocuments() {
     std::vector<std::string> documents;
     for (const auto& entry : std::filesystem::directory_iterator(VIG_SOURCE_DIR "/examples")) {
         if (entry.path().extension() == ".json" && entry.path().stem().extension() != ".test") {
-            std::ifstream file(entry.path());
-            documents.emplace_back(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
+            documents.push_back(textOf(entry.path()));
         }
     }
     return documents;

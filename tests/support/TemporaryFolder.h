@@ -4,7 +4,6 @@
 
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -32,12 +31,6 @@ class TemporaryFolder {
     std::filesystem::path write(std::string_view name, std::string_view text) const {
         std::ofstream(path(name), std::ios::binary) << text;
         return path(name);
-    }
-
-    // Returns the whole file, byte for byte.
-    std::string read(std::string_view name) const {
-        std::ifstream file(path(name), std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), {}};
     }
 
   private:

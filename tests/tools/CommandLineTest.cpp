@@ -2,11 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
 
+#include "tests/support/Documents.h"
 #include "tools/vig/Verbs.h"
 
 namespace Brenta::OS::VIG::Tool {
@@ -71,8 +70,7 @@ TEST(CommandLine, VerbsHaveTheirDefaultsAndOptions) {
 }
 
 TEST(CommandLine, EveryOptionHasATest) {
-    std::ifstream file(VIG_SOURCE_DIR "/tests/tools/CommandLineTest.cpp");
-    const std::string tests(std::istreambuf_iterator<char>(file), {});
+    const std::string tests = support::textOf(VIG_SOURCE_DIR "/tests/tools/CommandLineTest.cpp");
     for (const VerbHelp& verb : Verbs().commandLine.help().verbs) {
         for (const OptionHelp& option : verb.options) {
             EXPECT_TRUE(option.names[0] == "-h" || option.isPositional || tests.find(option.names[0]) != tests.npos)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <gtest/gtest.h>
+#include <sys/ioctl.h>
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -12,6 +13,7 @@
 #include <iterator>
 #include <string>
 #include <string_view>
+#include <thread>
 #include <vector>
 
 #include "tests/support/TemporaryFolder.h"
@@ -68,6 +70,16 @@ inline int runTool(const std::vector<std::string>& arguments, const Tool::Consol
     verbs.watch.sysFolder = machine / "sys";
     const auto status = verbs.commandLine.parse(static_cast<int>(all.size()), all.data(), console);
     return status ? *status : verbs.commandLine.run(console, interruption);
+}
+
+// Interrupts as soon as all that is in the pipe has been read.
+inline std::jthread interruptOnceRead(int pipe, Tool::Interruption& interruption) {
+    return std::jthread([pipe, &interruption] {
+        for (int unread = 1; unread > 0; ioctl(pipe, FIONREAD, &unread)) {
+            std::this_thread::yield();
+        }
+        interruption.request();
+    });
 }
 
 // Returns what a shell command writes, errors included.

@@ -2,11 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-
-#include "tools/vig/check/ActionNeeds.h"
-#include "tools/vig/check/Warnings.h"
-#include "vig/EventTypeNames.h"
+#include <string>
 
 namespace Brenta::OS::VIG::Tool {
 

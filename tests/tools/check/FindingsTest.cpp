@@ -1,7 +1,6 @@
 #include "tools/vig/check/Findings.h"
 
 #include <gtest/gtest.h>
-#include <host/Host.h>
 
 #include <algorithm>
 #include <memory>

@@ -14,8 +14,8 @@ come states, then transitions behind others, and cycles that need no event.
   >     / \[[a-z-]*\]$/ { name = (/: error: / ? "error " : "") substr($NF, 2, length($NF) - 2) }
   >     sub(/^    path: configs\[/, "") { line = $0 + 0; sub(/^[0-9]*\]\.payload\.data\.transitions/, "")
   >       sub(/operand1\.value/, "left"); sub(/operand2\.value/, "right")
-  >       found[line] = found[line] (found[line] ? ", " : line ": ") name " " $0 }
-  >     END { for (line = 0; line < NR; ++line) if (line in found) print found[line] }'
+  >       found[line] = found[line] (found[line] ? ", " : line ": ") name " " $0; any = 1 }
+  >     END { if (!any) print; for (line = 0; line < NR; ++line) if (line in found) print found[line] }'
   > }
   $ named <<EOF
   > start hto Test; hot end Test
@@ -150,6 +150,7 @@ And filters that may hold or not.
   > $cpu | double cpuAvgUtilization > =0 & double cpuAvgUtilization < =1e-300
   > $cpu | double cpuAvgUtilization != =nan & double cpuAvgUtilization != =1
   > EOF
+  nothing found in 1 file
 
 Numbers that are read as others, and those that are not.
 

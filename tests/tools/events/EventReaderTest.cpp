@@ -7,7 +7,6 @@
 #include <zlib.h>
 #include <zstd.h>
 
-#include <algorithm>
 #include <bit>
 #include <cmath>
 #include <cstdint>
@@ -242,7 +241,7 @@ TEST(EventReader, CompressedDataIsReadInAllItsPartsAndWhatIsNoneIsAnError) {
     };
     const struct {
         std::string data;
-        std::size_t records;  // at least, where the data ends too early, since zlib gives what it has in parts
+        std::size_t records;  // any number where the data ends too early, since zlib gives what it has in parts
         std::string error;
     } cases[] = {
         {gzipped(many), 20'000, ""},
@@ -274,7 +273,9 @@ TEST(EventReader, CompressedDataIsReadInAllItsPartsAndWhatIsNoneIsAnError) {
         const Reading all(each.data);
         const std::string place = "events.jsonl:" + std::to_string(all.records.size() + 1) + ": error: ";
         EXPECT_TRUE(each.error.empty() ? all.error.empty() : all.error.starts_with(place + each.error)) << all.error;
-        EXPECT_GE(all.records.size(), each.records) << each.error;
+        if (!each.error.ends_with("truncated")) {
+            EXPECT_EQ(all.records.size(), each.records) << each.error;
+        }
     }
 }
 

@@ -1,5 +1,4 @@
 #include <gmock/gmock.h>
-#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -157,12 +156,7 @@ TEST_F(Fleet, InterruptionEndsWithTheSummaryOfWhatWasDone) {
     ASSERT_EQ(write(ends[1], "{\"event\":\"Test\"}\n", 17), 17);
     {
         // Once its record is taken, the second device stays silent.
-        const std::jthread user([&] {
-            for (int unread = 1; unread > 0; ioctl(ends[0], FIONREAD, &unread)) {
-                std::this_thread::yield();
-            }
-            interruption.request();
-        });
+        const std::jthread user = support::interruptOnceRead(ends[0], interruption);
         EXPECT_EQ(fleet(options, {ends[0], out.descriptor, STDERR_FILENO}, interruption), 130);
     }
     EXPECT_THAT(out.content(), HasSubstr(R"("devices":2,"failed":0,"unfinished":2,)"));

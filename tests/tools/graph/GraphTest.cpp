@@ -1,5 +1,5 @@
-#include <fcntl.h>
 #include <gmock/gmock.h>
+#include <pty.h>
 #include <stdlib.h>
 #include <sys/stat.h>
 
@@ -90,10 +90,10 @@ TEST(Pictures, InTheDocumentationAreCurrentAndAreAlsoWrittenAsPng) {
 }
 
 TEST(GraphCommand, DoesNotWriteAPictureToATerminal) {
-    const int controller = posix_openpt(O_RDWR | O_NOCTTY);
-    ASSERT_TRUE(controller >= 0 && grantpt(controller) == 0 && unlockpt(controller) == 0);
-    const Descriptor closed(controller);
-    const Descriptor terminal(open(ptsname(controller), O_RDWR | O_NOCTTY));
+    int ends[2];
+    ASSERT_EQ(openpty(&ends[0], &ends[1], nullptr, nullptr, nullptr), 0);
+    const Descriptor controller(ends[0]);
+    const Descriptor terminal(ends[1]);
     const MemoryFile err;
     EXPECT_EQ(graph(optionsOf(GraphFormat::Png), {STDIN_FILENO, terminal.get(), err.descriptor}, Interruption()), 2);
     EXPECT_THAT(err.content(), HasSubstr("redirect it to a file"));

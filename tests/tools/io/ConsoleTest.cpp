@@ -1,7 +1,7 @@
 #include "tools/vig/io/Console.h"
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <pty.h>
 #include <stdlib.h>
 #include <unistd.h>
 
@@ -49,10 +49,9 @@ TEST(Text, JsonStringIsValidWhateverTheText) {
 }
 
 TEST(Console, ColoursAreForTerminalsWhoseUserWantsThem) {
-    const int controller = posix_openpt(O_RDWR | O_NOCTTY);
-    ASSERT_TRUE(controller >= 0 && grantpt(controller) == 0 && unlockpt(controller) == 0);
-    const int terminal = open(ptsname(controller), O_RDWR | O_NOCTTY);
-    ASSERT_GE(terminal, 0);
+    int controller = 0;
+    int terminal = 0;
+    ASSERT_EQ(openpty(&controller, &terminal, nullptr, nullptr, nullptr), 0);
     const Console console{STDIN_FILENO, terminal, STDERR_FILENO};
     setenv("TERM", "dumb", 1);
     EXPECT_FALSE(console.wantsColours());

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 #include <signal.h>
-#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <map>
@@ -83,12 +82,7 @@ TEST(Interruption, EndsWhateverWaitsForAPipe) {
         Interruption interruption;
         {
             // The pipe has no end.
-            const std::jthread user([&] {
-                for (int unread = 1; unread > 0; ioctl(ends[0], FIONREAD, &unread)) {
-                    std::this_thread::yield();
-                }
-                interruption.request();
-            });
+            const std::jthread user = support::interruptOnceRead(ends[0], interruption);
             EXPECT_EQ(support::runTool(command, {ends[0], out.descriptor, err.descriptor}, interruption), 130);
         }
         EXPECT_EQ(err.content(), "");

@@ -1,6 +1,6 @@
 #include "tools/vig/watch/WatchCommand.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 #include <unistd.h>
 
 #include <array>
@@ -93,9 +93,8 @@ TEST_F(WatchCommand, DurationIsFilledWithSamplesAtItsIntervals) {
     options.duration = std::chrono::milliseconds(25);
     options.interval = std::chrono::milliseconds(10);
     const ToolResult result = runVerb(watch, options);
-    EXPECT_NE(result.out.find(R"("samples":)"), std::string::npos);
-    // A busy machine may miss one; none is made up.
-    EXPECT_EQ(result.out.find(R"("samples":4)"), std::string::npos);
+    // A busy machine may miss some; none is made up.
+    EXPECT_THAT(result.out, testing::ContainsRegex("\"samples\":[1-3],"));
 }
 
 TEST_F(WatchCommand, SavedDocumentTakesThePlaceOfTheOneBefore) {

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include "tests/support/LogCapture.h"
-#include "tests/support/TestEvent.h"
 #include "vig/actions/TestActionFunctionFactory.h"
 
 namespace {

@@ -116,6 +116,7 @@ TEST_F(HostileText, TheDeepestDocumentNeedsAStackOf640Kilobytes) {
         const std::string deep = begin + "1" + repeated(close, levels);
         for (const std::string& text : {R"({"x":)" + deep + R"(,"configs":[]})", R"({"configs":[{"x":)" + deep + "}]}",
                                         begin + begin + "1", begin + "x"}) {
+            SCOPED_TRACE(text.substr(0, 30) + "..." + text.substr(text.size() - 3));
             support::peakMemory([&] {
                 pthread_attr_t attributes;
                 pthread_getattr_default_np(&attributes);
@@ -123,7 +124,6 @@ TEST_F(HostileText, TheDeepestDocumentNeedsAStackOf640Kilobytes) {
                 pthread_setattr_default_np(&attributes);
                 std::thread([&] { manager.parseResponse(text); }).join();
             });
-            EXPECT_FALSE(HasFailure()) << text;
         }
     }
 }
