@@ -128,8 +128,8 @@ The seed and the context decide what happens.
 
 Nobody has to read what is printed.
 
-  $ exec 3> >(exec true)
-  $ wait $!
+  $ mkfifo unread
+  $ exec 4<>unread 3>unread 4>&-
   $ vig run rules.json events.jsonl >&3
 
 An interruption ends the run with the summary of what happened.
