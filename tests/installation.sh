@@ -1,15 +1,43 @@
 #!/usr/bin/env bash
-# Installs a build (the argument, its folder) in another place, and fails unless all that belongs to the tool works there.
+# Installs a build (the argument, its folder) for a user who keeps all from others, moves it, and fails unless exactly
+# what belongs to it is there, readable by all, and works.
 set -euo pipefail
 
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
+umask 077
+for component in library development tool; do
+    # Names the components so that the list of an earlier installation by root is left alone.
+    cmake --install "$1" --prefix "$work/first" --component "$component" >/dev/null
+done
 prefix="$work/some where"
-# Names the component, which is the only one, so that the list of an earlier installation by root is left alone.
-cmake --install "$1" --prefix "$prefix" --component Unspecified >/dev/null
+mv "$work/first" "$prefix"
 cd "$prefix"
 
-diff <(find . -type f -printf '%f\n' | sort) <(printf '%s\n' _vig libvig_platform.so vig vig vig.1 | LC_ALL=C sort)
+diff - <(find . ! -type d ! -path './include/vig/*' | sed -E 's/(so\.[0-9]+)\..*/\1.x/; s/-[a-z]*(\.cmake)/-*\1/' | LC_ALL=C sort) <<'END'
+./bin/vig
+./lib/cmake/vig/vigConfig-*.cmake
+./lib/cmake/vig/vigConfig.cmake
+./lib/cmake/vig/vigConfigVersion.cmake
+./lib/libvig-host.so
+./lib/libvig-host.so.1
+./lib/libvig-host.so.1.x
+./lib/libvig.so
+./lib/libvig.so.1
+./lib/libvig.so.1.x
+./lib/pkgconfig/vig-host.pc
+./lib/pkgconfig/vig.pc
+./share/bash-completion/completions/vig
+./share/man/man1/vig.1
+./share/zsh/site-functions/_vig
+END
+[ -z "$(find . ! -type l ! -perm -444)" ]
+# No path leads back into the tree, and each public header can be read alone.
+! grep -rlF "$(cd "$1" && pwd)" . || exit 1
+(cd include/vig && find . -name '*.h' ! -path './platform/*' -printf '#include "%P"\n') | while read -r include; do
+    c++ -std=c++20 -Wall -Wextra -Werror -Iinclude/vig -fsyntax-only -x c++ - <<<"$include"
+done
+
 [[ $(bin/vig --version) == vig\ * ]]
 # The library is the one beside it, not that of the build.
 [[ $(ldd bin/vig) == *"=> $prefix/bin/../lib"* ]]

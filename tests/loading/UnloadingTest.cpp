@@ -17,7 +17,7 @@ auto entriesOf(const char* folder) {
 }
 
 bool isLoaded() {
-    void* const library = dlopen("libvig.so", RTLD_NOW | RTLD_NOLOAD);
+    void* const library = dlopen(VIG_LIBRARY, RTLD_NOW | RTLD_NOLOAD);
     return library != nullptr && dlclose(library) == 0;
 }
 
