@@ -24,7 +24,7 @@
 // A second engine for rule documents, to compare the library with. It shares nothing with it. It builds nothing either:
 // the rules stay JSON, which is read again on every event. Slow, and short enough to be checked by eye against
 // docs/rule-documents.md.
-namespace naive {
+namespace reference {
 
 using Names = std::set<std::string>;
 
@@ -334,4 +334,4 @@ class Engine {
     std::size_t fired = 0;
 };
 
-}  // namespace naive
+}  // namespace reference
