@@ -16,7 +16,6 @@ class String16 {
     }
 
     void append(const String16& other) { text += other.text; }
-    void setTo(const String16& other) { text = other.text; }
 
     bool operator==(const String16&) const = default;
 
