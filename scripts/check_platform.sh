@@ -13,25 +13,26 @@ done
 install_packages "${BUILD_PACKAGES[@]}" "${TEST_PACKAGES[@]}"
 require_build_folder
 
-# mistakes: the errors in the log of a step, and what docs/porting.md says of the calls that are named there.
+# mistakes LOG: what went wrong in a step, and what docs/porting.md says of the calls that are named there.
 mistakes() {
-    local errors word
-    errors=$(grep -hE 'error:|undefined reference|no target' "$PROJECT/build/other.log" | sort -u | head -n 8) || errors=$(tail "$PROJECT/build/other.log")
-    printf '%s\n' "$errors"
-    grep -oE '[A-Za-z0-9_]{4,}' <<<"$errors" | sort -u | while read -r word; do
+    local found word
+    found=$(grep -E 'error:|undefined reference|No target' "$1" | sort -u | head -n 8) ||
+        found=$(grep -A 4 'Failure$' "$1" | head -n 15) || found=$(tail -n 15 "$1")
+    printf '%s\n' "$found"
+    grep -oE '\w{4,}' <<<"$found" | sort -u | while read -r word; do
         grep -E "^\| \`[^\`]*\b$word\(" "$PROJECT/docs/porting.md" || true
     done
 }
 
 # item WHAT COMMAND...: one line of the checklist.
 item() {
-    local what=$1
+    local what=$1 log=$PROJECT/build/other.log
     shift
-    if "$@" >"$PROJECT/build/other.log" 2>&1 </dev/null; then
+    if "$@" >"$log" 2>&1 </dev/null; then
         echo "ok    $what"
     else
         echo "FAIL  $what"
-        mistakes
+        mistakes "$log"
         give_up "Mend that, and run this again; all that was said is in build/other.log."
     fi
 }

@@ -5,12 +5,12 @@
 
 namespace android {
 
-// It takes ASCII text only.
+// It understands ASCII text only.
 class String16 {
   public:
     String16() = default;
-    explicit String16(const char* ascii) {
-        for (const char character : std::string_view(ascii)) {
+    explicit String16(const char* utf8) {
+        for (const char character : std::string_view(utf8)) {
             text += static_cast<char16_t>(character);
         }
     }
