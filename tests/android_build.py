@@ -32,9 +32,9 @@ exporting = root / library["version_script"]
 
 failed = False
 for what, here, there in (
-    ("sources", sources(library) | sources(manager), set(commands)),
+    ("sources", sources(library), set(commands) - sources(manager)),
     ("sources with exceptions", sources(manager), {name for name, each in commands.items() if "-fexceptions" in each}),
-    ("flags of these", manager["cppflags"], ["-fexceptions"]),
+    ("flags of these", manager.get("cppflags"), ["-fexceptions"]),
     (
         "flags",
         set(defaults["cppflags"]) | {f"-std={defaults['cpp_std']}"},
