@@ -289,8 +289,10 @@ class Engine {
                 fmt::format("Received VIG zram heart beat. memUsedMaxBytes: {}, numCompressedDataBytes: {}",
                             figure("memUsedMaxBytes"), figure("numCompressedDataBytes"));
             trace.push_back(logEntry(current->state, false, message));
-        } else if (action != "Test") {
+        } else if (action == "TriggerVelora" || action == "TriggerVeloraCpu") {
             trigger(action == "TriggerVelora", event);
+        } else if (action != "Test") {
+            std::abort();  // it is listed as known
         }
     }
 

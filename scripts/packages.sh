@@ -29,7 +29,9 @@ readonly COVERAGE_PACKAGES=(gcovr)
 # shellcheck disable=SC2034
 readonly MUTATION_PACKAGES=(ccache lld)
 # What the slower checks need besides.
-readonly CHECK_PACKAGES=(clang clang-format clang-tidy doxygen libclang-rt-14-dev shellcheck zsh)
+readonly CHECK_PACKAGES=(
+    clang clang-format clang-tidy doxygen libc++-14-dev libc++abi-14-dev libclang-rt-14-dev shellcheck zsh
+)
 # What explores the model of the manager.
 # shellcheck disable=SC2034
 readonly MODEL_PACKAGES=(gcc libc6-dev spin)
