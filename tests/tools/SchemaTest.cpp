@@ -197,7 +197,8 @@ TEST(Schemas, AndTablesHaveTheNamesOfTheLibrary) {
     EXPECT_EQ(namesIn(kActions, &KnownAction::name), actions);
     for (const std::string& key : actions) {
         EXPECT_EQ(key.find('('), key.npos)
-            << key << " takes parameters: the schema refuses them, and the generator and the reference engine know of none";
+            << key
+            << " takes parameters: the schema refuses them, and the generator and the reference engine know of none";
     }
     EXPECT_EQ(namesIn(kDoubleFunctions, &DoubleFunction::name), functions);
     EXPECT_TRUE(registry.getInt64PureFunctions().empty() && registry.getStringPureFunctions().empty());
