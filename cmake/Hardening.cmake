@@ -16,8 +16,11 @@ foreach(flag -fstack-protector-strong -fstack-clash-protection -fcf-protection=f
 endforeach()
 unset(CMAKE_REQUIRED_FLAGS)
 
-# Only an optimised build has what it checks with, and the sanitizers check the same themselves.
-if(CMAKE_BUILD_TYPE MATCHES "^(Rel|MinSize)" AND NOT CMAKE_CXX_FLAGS MATCHES "-fsanitize")
+# Only an optimised build, also one whose type says nothing of it, has what it checks with, and the sanitizers check the
+# same themselves.
+string(TOUPPER "CMAKE_CXX_FLAGS_${CMAKE_BUILD_TYPE}" type_flags)
+set(flags " ${CMAKE_CXX_FLAGS} ${${type_flags}}")
+if(flags MATCHES " -O[1-9gsz]" AND NOT flags MATCHES "-fsanitize")
   add_compile_options(-U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=3)
   if(CMAKE_CXX_COMPILER_ID STREQUAL GNU)
     set(VIG_FORTIFIED --fortified)
