@@ -28,6 +28,12 @@ readonly COVERAGE_PACKAGES=(gcovr)
 # What makes the many small builds of the mutation test fast.
 # shellcheck disable=SC2034
 readonly MUTATION_PACKAGES=(ccache lld)
+# What makes the Debian packages; debian/control names again what they are built with.
+# shellcheck disable=SC2034
+readonly PACKAGING_PACKAGES=(build-essential debhelper)
+# What tries them.
+# shellcheck disable=SC2034
+readonly PACKAGE_CHECK_PACKAGES=(binutils lintian mmdebstrap)
 # What the slower checks need besides.
 readonly CHECK_PACKAGES=(
     clang clang-format clang-tidy doxygen libc++-14-dev libc++abi-14-dev libclang-rt-14-dev shellcheck zsh

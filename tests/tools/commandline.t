@@ -104,4 +104,4 @@ Every verb has a help with an example.
     test                        Runs the tests of rule documents.
     graph                       Draws the machines of a rule document.
   $ vig --version
-  vig 1.0.0
+  vig \d+\.\d+\.\d+ (re)
