@@ -33,7 +33,7 @@ readonly MUTATION_PACKAGES=(ccache lld)
 readonly PACKAGING_PACKAGES=(build-essential debhelper)
 # What tries them.
 # shellcheck disable=SC2034
-readonly PACKAGE_CHECK_PACKAGES=(binutils lintian mmdebstrap)
+readonly PACKAGE_CHECK_PACKAGES=(abigail-tools binutils lintian mmdebstrap)
 # What the slower checks need besides.
 readonly CHECK_PACKAGES=(
     clang clang-format clang-tidy doxygen libc++-14-dev libc++abi-14-dev libclang-rt-14-dev shellcheck zsh

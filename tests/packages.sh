@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Builds the Debian packages, without the tests of the project, and tries them: what lintian says, how they are hardened;
-# and in a root in which there is nothing else of ours, what a person does who installs them.
+# Builds the Debian packages, without the tests of the project, and tries them: what lintian says, how they are hardened,
+# the binary interface; and in a root in which there is nothing else of ours, what a person does who installs them.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 # shellcheck source=scripts/packages.sh
@@ -24,6 +24,9 @@ tests/hardening.sh --fortified "${files[@]}"
 for file in "${files[@]}"; do
     ! readelf --dynamic "$file" | grep -E 'R(UN)?PATH' || exit 1
 done
+
+echo "== the binary interface"
+tests/binary_interface.sh
 
 mkdir "$packages/try"
 cp "$packages"/lib*_*.deb "$packages"/vig-tools_*.deb examples/memory-budget.json examples/trace.jsonl "$packages/try"
