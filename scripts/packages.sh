@@ -28,6 +28,9 @@ readonly COVERAGE_PACKAGES=(gcovr)
 # What makes the many small builds of the mutation test fast.
 # shellcheck disable=SC2034
 readonly MUTATION_PACKAGES=(ccache lld)
+# What clients of the library are built with, besides CMake and g++.
+# shellcheck disable=SC2034
+readonly CLIENT_PACKAGES=(clang make pkg-config)
 # What the slower checks need besides.
 readonly CHECK_PACKAGES=(clang clang-format clang-tidy libclang-rt-14-dev shellcheck zsh)
 # What explores the model of the manager.
