@@ -18,7 +18,7 @@ tree="$work/the tree"
 mkdir "$tree" "$work/client"
 git ls-files -z | xargs -0 cp --parents -t "$tree"
 # The commands of the page: which install, and which use what is installed.
-block() { awk -v wanted="$1" '/^```/ { inside = $0 == "```sh" && ++count == wanted; next } inside' README.md; }
+block() { awk -v wanted="$1" '/^```/ { inside = $0 == "```sh" && ++count == wanted; next } inside { printf "%s%s", and, $0; and = " && " }' README.md; }
 to_install=$(block 1)
 to_use=$(block 2)
 [[ $to_install == *"--prefix /usr/local"* ]] || give_up "README.md installs in another way than this script knows"
@@ -30,7 +30,7 @@ cp rules.json device/korvel_vig/vig_response
 export VIG_DEVICE_CONFIG=device
 
 prefix="$work/first place"
-(cd "$tree" && eval "set -e; ${to_install//\/usr\/local/\"\$prefix\"}") >install.log 2>&1 || { tail -n 30 install.log; exit 1; }
+(cd "$tree" && eval "${to_install//\/usr\/local/\"\$prefix\"}") >install.log 2>&1 || { tail -n 30 install.log; exit 1; }
 grep -q '^CMAKE_BUILD_TYPE:.*=Release$' "$tree/build/library/CMakeCache.txt" || give_up "the library is not optimised"
 rm -r "$tree/build"
 source="$work/its source"
@@ -73,7 +73,7 @@ prefix="$work/second place"
 LD_LIBRARY_PATH=$prefix/lib runs examples/health_service "the programs of make, once the library was moved"
 export CMAKE_PREFIX_PATH=$prefix PKG_CONFIG_PATH=$prefix/lib/pkgconfig
 rm examples/health_service/health_service
-(eval "set -e; $to_use") >log 2>&1 || { cat log; give_up "the commands of README.md"; }
+eval "$to_use" >log 2>&1 || { cat log; give_up "the commands of README.md"; }
 runs build/health_service "the commands of README.md, where the library was moved to"
 LD_LIBRARY_PATH=$prefix/lib runs examples/health_service "the same with make"
 
