@@ -15,7 +15,7 @@
 #include <vector>
 
 #include "fuzz/Inputs.h"
-#include "fuzz/NaiveEngine.h"
+#include "fuzz/ReferenceEngine.h"
 #include "rulesengine/FiniteStateMachine.h"
 #include "tests/support/FakeTriggerService.h"
 #include "tests/support/TestEvent.h"
@@ -23,8 +23,8 @@
 #include "vig/VIGManager.h"
 #include "vig/functions/PseudoRandomGenerator.h"
 
-// A rule document and, after the first NUL, bytes that stand for what its machines are given. The library and the naive
-// engine must do the same with them.
+// A rule document and, after the first NUL, bytes that stand for what its machines are given. The library and the
+// reference engine must do the same with them.
 
 namespace {
 
@@ -68,9 +68,9 @@ class Script {
         }
     }
 
-    naive::World world;
+    reference::World world;
     unsigned seed;
-    std::vector<naive::Event> events;
+    std::vector<reference::Event> events;
 
   private:
     // JSON and UTF-8 make nothing else of it.
@@ -132,18 +132,18 @@ class Script {
                      "camera\0evil"s};
 };
 
-// The library, seen as the naive engine shows itself.
+// The library, seen as the reference engine shows itself.
 class Library {
   public:
     Library() {
         for (const auto& [name, factory] : registry().getActionFunctionFactories()) {
-            if (!naive::kActions.contains(name)) {
-                fuzz::fail("the naive engine lacks the action " + name);
+            if (!reference::kActions.contains(name)) {
+                fuzz::fail("the reference engine lacks the action " + name);
             }
         }
         host::setLogSink([this](int priority, std::string_view, std::string_view message) {
             noteTriggers();
-            trace.push_back(naive::logEntry(state(), priority == ANDROID_LOG_ERROR, std::string(message)));
+            trace.push_back(reference::logEntry(state(), priority == ANDROID_LOG_ERROR, std::string(message)));
         });
     }
 
@@ -161,8 +161,8 @@ class Library {
                 running = payload.getFiniteStateMachine();
                 use(*running);
                 noteTriggers();
-                trace.push_back(naive::machineEntry(config->getConfigId(), payload.getConfigPayloadId(), state(),
-                                                    running->getContext()->timeoutIds));
+                trace.push_back(reference::machineEntry(config->getConfigId(), payload.getConfigPayloadId(), state(),
+                                                        running->getContext()->timeoutIds));
             }
         };
         forEachMachine([&](FiniteStateMachine& machine) {
@@ -183,12 +183,12 @@ class Library {
         return !configs.empty();
     }
 
-    naive::Trace trace;
+    reference::Trace trace;
 
   private:
     void noteTriggers() {
         for (const support::Trigger& each : service ? service->takeTriggers() : std::vector<support::Trigger>()) {
-            trace.push_back(naive::triggerEntry(each.triggerName, each.processName, each.metadata));
+            trace.push_back(reference::triggerEntry(each.triggerName, each.processName, each.metadata));
         }
     }
 
@@ -212,14 +212,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const Script script(document, input.substr(std::min(size, document.size() + 1)));
     auto& random = Brenta::OS::VIG::PseudoRandomGenerator::ofProcess();
     random.seed(script.seed);
-    naive::Engine expected(script.world);
+    reference::Engine expected(script.world);
     expected.run(document, script.events);
     random.seed(script.seed);
     const bool hasMachines = library.run(document, script, expected.delivered);
     if (hasMachines != expected.hasMachines() || library.trace != expected.trace) {
         const auto [left, right] = std::ranges::mismatch(expected.trace, library.trace);
-        fuzz::fail("naive:   " + (left == expected.trace.end() ? "(end)" : *left) +
-                   "\nlibrary: " + (right == library.trace.end() ? "(end)" : *right));
+        fuzz::fail("reference: " + (left == expected.trace.end() ? "(end)" : *left) +
+                   "\nlibrary:   " + (right == library.trace.end() ? "(end)" : *right));
     }
     return 0;
 }

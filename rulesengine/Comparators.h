@@ -15,16 +15,17 @@
 
 namespace Brenta::OS::RulesEngine {
 
-// The typed comparisons with a constant, for T one of std::int64_t, double and std::string, and Op one of the
-// six transparent comparisons of <functional>. The value is always the left operand, the constant the right.
-// Integers compare signed; doubles by IEEE-754, exactly; strings byte by byte, unsigned.
-// They are immutable, allocate nothing (but for what a string-valued function returns) and may be shared.
-
 // Compares an attribute of the event or, where the event lacks it, of the context. A number that both lack
 // makes the filter false, whatever the comparison; a string that both lack compares as the empty string.
+//
+// T is one of std::int64_t, double and std::string, and Op one of the six transparent comparisons of the standard
+// library, such as std::less<>. The value is the left operand, the constant the right. Integers compare signed; doubles
+// by IEEE-754, exactly; strings byte by byte, unsigned. A comparator is immutable and allocates nothing; machines on
+// different threads may share it.
 template <typename T, typename Op>
 class VIG_EXPORT EvtAndContextComparator final : public Filter {
   public:
+    // Any name is accepted; one that neither event nor context knows is missing.
     EvtAndContextComparator(std::string attribute, T rightOperand)
         : attributeName(std::move(attribute)), constant(std::move(rightOperand)) {}
 
@@ -57,7 +58,8 @@ class VIG_EXPORT EvtAndContextComparator final : public Filter {
     const T constant;
 };
 
-// Compares what a function returns, which is called afresh on every evaluation.
+// Compares what a function returns, which is called afresh on every evaluation, with a constant: T and Op are those of
+// EvtAndContextComparator, and so is the rest but for what the function itself allocates.
 template <typename T, typename Op>
 class VIG_EXPORT ReturnValueComparator final : public Filter {
   public:

@@ -28,8 +28,8 @@ class Event;
 // is dropped silently.
 class VIG_EXPORT FiniteStateMachine {
   public:
-    static const std::string STATE_START;
-    static const std::string STATE_END;
+    static const std::string STATE_START;  // "start"
+    static const std::string STATE_END;    // "end"
 
     // One call of onEvent, start or enterState makes at most so many moves along EnteringState transitions.
     // A document can describe a cycle of such transitions that never ends; the machine then stays in the

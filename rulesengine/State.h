@@ -19,9 +19,8 @@ class FiniteStateMachine;
 // A state belongs to its machine, and owns the transitions that leave it.
 class VIG_EXPORT State {
   public:
-    // Every machine has the two states of these names.
-    static const std::string START_STATE;
-    static const std::string END_STATE;
+    static const std::string START_STATE;  // the name "start" of a state that every machine has
+    static const std::string END_STATE;    // the name "end" of the other one
 
     // `owner` must outlive the state.
     State(std::string stateName, FiniteStateMachine& owner);
@@ -42,10 +41,10 @@ class VIG_EXPORT State {
     // Adds the event type of each transition to `eventTypes`.
     void getListeningEventTypes(std::unordered_set<EventType>& eventTypes) const;
 
-    // The view is valid as long as the state.
+    // Returns the name, valid as long as the state.
     std::string_view getName() const;
 
-    // They stand in the order in which they are tried. The list is valid until one is added.
+    // Returns them in the order in which they are tried. The list is valid until one is added.
     const std::vector<std::unique_ptr<Transition>>& getTransitions() const { return transitions; }
 
   private:

@@ -12,8 +12,10 @@ namespace Brenta::OS::RulesEngine {
 // must be of this class, since the engine reads `timeoutId` from them directly.
 class VIG_EXPORT TimeoutEvent : public Event {
   public:
+    // Any identifier is accepted, also one that is not armed.
     explicit TimeoutEvent(std::int64_t id) : Event(EventType::Timeout), timeoutId(id) {}
 
+    // It tells which timer ran out: the number that was put into `timeoutIds`.
     const std::int64_t timeoutId;
 };
 

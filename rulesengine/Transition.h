@@ -22,13 +22,17 @@ class VIG_EXPORT Transition {
     Transition(State* source, State* target, EventType listensFor, std::vector<std::shared_ptr<Filter>> conditions,
                std::vector<std::shared_ptr<Action>> effects);
 
+    // Returns the type that it listens for.
     EventType getEventType() const;
 
+    // Returns the state that it leads to, which is valid as long as the machine.
     const State& getTarget() const { return *to; }
 
-    // They stand in the order in which they are asked, and run, and are valid as long as the transition. A tool builds
-    // a machine of the same ones to watch them at work.
+    // Returns its conditions in the order in which they are asked, valid as long as the transition. A tool builds a
+    // machine of the same ones to watch them at work.
     const std::vector<std::shared_ptr<Filter>>& getFilters() const { return filters; }
+
+    // Returns what it does, in that order, valid as long as the transition.
     const std::vector<std::shared_ptr<Action>>& getActions() const { return actions; }
 
     // Tries to fire: asks the event whether it matches, then the filters in order up to the first that is

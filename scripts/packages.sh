@@ -39,7 +39,9 @@ readonly ARM64_PACKAGES=(
     libcli11-dev libfmt-dev libgmock-dev libjsoncpp-dev libsimdjson-dev libzstd-dev zlib1g-dev
 )
 # What the slower checks need besides.
-readonly CHECK_PACKAGES=(clang clang-format clang-tidy libclang-rt-14-dev shellcheck zsh)
+readonly CHECK_PACKAGES=(
+    clang clang-format clang-tidy doxygen libc++-14-dev libc++abi-14-dev libclang-rt-14-dev shellcheck zsh
+)
 # What explores the model of the manager.
 # shellcheck disable=SC2034
 readonly MODEL_PACKAGES=(gcc libc6-dev spin)

@@ -43,6 +43,8 @@ class VIGTriggerVeloraFuncActionFactoryImpl;
 // The order of the virtual operations and of the members is part of the binary interface.
 class VIG_EXPORT VIGManager {
   public:
+    // Receives the configurations of one delivery, which it owns from then on: on a thread of the manager, never two at
+    // a time. An empty one has nothing delivered.
     using Callback = std::function<void(std::vector<std::unique_ptr<VIGConfig>>&&)>;
 
     // Starts no thread and calls no service.

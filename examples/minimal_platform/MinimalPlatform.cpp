@@ -4,19 +4,18 @@
 #include <binder/IServiceManager.h>
 #include <deviceconfig/DeviceConfig.h>
 
-#include <condition_variable>
 #include <cstdarg>
 #include <cstdio>
 #include <mutex>
 #include <utility>
+#include <vector>
 
 namespace {
 
 using Listener = std::shared_ptr<com::korvel::deviceconfig::OnPropertiesChangeListener>;
 
 std::mutex mutex;
-std::condition_variable listenerAdded;
-std::vector<std::string> lines;                        // guarded by mutex
+std::function<void(std::string_view)> logReceiver;     // guarded by mutex
 android::sp<vendor::orlan::velora::ITrigger> trigger;  // guarded by mutex
 com::korvel::deviceconfig::Properties properties;      // guarded by mutex
 std::vector<Listener> listeners;                       // guarded by mutex
@@ -25,9 +24,9 @@ std::vector<Listener> listeners;                       // guarded by mutex
 
 namespace minimal {
 
-std::vector<std::string> logged() {
+void setLogReceiver(std::function<void(std::string_view message)> receiver) {
     const std::lock_guard lock(mutex);
-    return lines;
+    logReceiver = std::move(receiver);
 }
 
 void setTriggerService(std::shared_ptr<vendor::orlan::velora::ITrigger> service) {
@@ -45,11 +44,6 @@ void setResponse(const std::string& document) {
     }
 }
 
-void waitForListener() {
-    std::unique_lock lock(mutex);
-    listenerAdded.wait(lock, [] { return !listeners.empty(); });
-}
-
 }  // namespace minimal
 
 int __android_log_print(int /*priority*/, const char* /*tag*/, const char* format, ...) {
@@ -58,8 +52,12 @@ int __android_log_print(int /*priority*/, const char* /*tag*/, const char* forma
     va_start(arguments, format);
     const int length = std::vsnprintf(line, sizeof line, format, arguments);
     va_end(arguments);
-    const std::lock_guard lock(mutex);
-    lines.emplace_back(line);
+    std::unique_lock lock(mutex);
+    const auto receiver = logReceiver;
+    lock.unlock();
+    if (receiver) {
+        receiver(line);
+    }
     return length;
 }
 
@@ -90,7 +88,6 @@ Properties DeviceConfig::getProperties(const std::string& /*ns*/, std::initializ
 void DeviceConfig::addOnPropertiesChangeListener(const std::string& /*ns*/, const Listener& listener) {
     const std::lock_guard lock(mutex);
     listeners.push_back(listener);
-    listenerAdded.notify_all();
 }
 
 void DeviceConfig::removeOnPropertiesChangeListener(const Listener& listener) {

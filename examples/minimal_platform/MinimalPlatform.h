@@ -2,23 +2,21 @@
 
 #include <vendor/orlan/velora/ITrigger.h>
 
+#include <functional>
 #include <memory>
 #include <string>
-#include <vector>
+#include <string_view>
 
-// The test acts on the platform with these, from any thread.
+// A test acts on the platform with these, from any thread.
 namespace minimal {
 
-// Returns the messages logged so far.
-std::vector<std::string> logged();
+// Gives all later messages of the log to the receiver.
+void setLogReceiver(std::function<void(std::string_view message)> receiver);
 
-// A null one takes the service out.
+// Takes the place of the one before.
 void setTriggerService(std::shared_ptr<vendor::orlan::velora::ITrigger> service);
 
 // Changes the rule document and tells the listeners, on the calling thread.
 void setResponse(const std::string& document);
-
-// Returns once somebody listens.
-void waitForListener();
 
 }  // namespace minimal

@@ -41,7 +41,6 @@ using Listener = std::shared_ptr<OnPropertiesChangeListener>;
 constexpr Clock::duration kShortestPause = std::chrono::milliseconds(100);
 // A file that never rests is told of as it is, each time after as many looks.
 constexpr int kMostChanges = 10;
-constexpr std::size_t kTooManyBytes = std::size_t{1} << 30;
 
 std::mutex boundMutex;
 Files boundFiles;  // guarded by boundMutex
@@ -63,10 +62,12 @@ std::optional<std::string> contentOf(const fs::path& path) {
         return std::nullopt;
     }
     struct stat status = {};
-    ssize_t got = fstat(file, &status) == 0 && S_ISREG(status.st_mode) ? 1 : -1;
+    const bool isReadable = fstat(file, &status) == 0 && S_ISREG(status.st_mode) &&
+                            static_cast<std::size_t>(status.st_size) < host::kTooManyBytes;
+    ssize_t got = isReadable ? 1 : -1;
     std::string content;
     std::array<char, 65536> buffer;
-    while (got > 0 && content.size() < kTooManyBytes) {
+    while (got > 0 && content.size() < host::kTooManyBytes) {
         got = read(file, buffer.data(), buffer.size());
         content.append(buffer.data(), static_cast<std::size_t>(std::max<ssize_t>(got, 0)));
     }

@@ -177,6 +177,11 @@ TEST(DeviceConfig, UnboundPropertiesAreTheFilesOfTheEnvironmentsFolder) {
     EXPECT_THAT(watch.told(), ElementsAre("text"));
     folder.write("later/unbound/.rules.swp", "an editor's own");
     EXPECT_THAT(watch.told(), IsEmpty());
+    host::bindProperty("unbound", "rules", folder.write("bound", "elsewhere"));
+    setenv("VIG_DEVICE_CONFIG", folder.path("later").c_str(), 1);
+    com::korvel::deviceconfig::DeviceConfig client;
+    unsetenv("VIG_DEVICE_CONFIG");
+    EXPECT_EQ(client.getProperties("unbound", {"rules"}).getString("rules", ""), "elsewhere");
 }
 
 TEST(DeviceConfig, ListenerMayRemoveItselfAndOthersWithinANotification) {

@@ -97,9 +97,9 @@ Every verb has a help with an example.
   $ vig --help | grep -A7 Subcommands
   Subcommands:
     check                       Says what is wrong with rule documents, all at once.
-    run                         Offers recorded events to the machines of a rule document.
+    run                         Replays recorded events, and shows what the rules do with them.
     summary                     Merges the summaries of runs over parts of a fleet.
-    watch                       Offers live events of this machine to the machines of a rule document.
+    watch                       Observes this machine, and shows what the rules do with its events.
     catalogue                   Prints which attributes the events of a recording have.
     test                        Runs the tests of rule documents.
     graph                       Draws the machines of a rule document.

@@ -12,14 +12,16 @@ namespace Brenta::OS::VIG {
 // thread, one at a time.
 class VIG_EXPORT VIGConfig {
   public:
+    // Takes ownership of the payload, and gives out null if it is given null.
     VIGConfig(std::int64_t id, std::unique_ptr<VIGConfigPayload> payload);
     VIGConfig(const VIGConfig&) = delete;
     VIGConfig& operator=(const VIGConfig&) = delete;
 
-    // It is as the document gives it; ids need not be unique.
+    // Returns the id as the document gives it; ids need not be unique. It is for the service, the library does nothing
+    // with it.
     std::int64_t getConfigId() const;
 
-    // The payload stays owned by the configuration.
+    // Returns the payload, which stays owned by the configuration. It is never null in what a document gave.
     VIGConfigPayload* getConfigPayload() const;
 
   private:

@@ -2,6 +2,7 @@
 
 #include <utils/String16.h>
 
+#include <cstddef>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -19,9 +20,11 @@ using LogSink = std::function<void(int priority, std::string_view tag, std::stri
 // live until every thread that could be in it has come out.
 LogSink setLogSink(LogSink sink);
 
+inline constexpr std::size_t kTooManyBytes = std::size_t{1} << 30;
+
 // Makes the file's whole content, byte for byte, the value of a property of the device configuration, for the clients
-// that are created afterwards. The property is absent while there is no such file, or it is no regular file, has 1 GiB
-// or more, or cannot be read. A relative path is one of the folder that is current now.
+// that are created afterwards. The property is absent while there is no such file, or it is no regular file, has
+// kTooManyBytes or more, or cannot be read. A relative path is one of the folder that is current now.
 //
 // A property P of a namespace N that is not bound is the file N/P in the folder that the environment variable
 // VIG_DEVICE_CONFIG names, if it is set. The service is available while that folder exists, or the folder of a bound

@@ -132,6 +132,22 @@ Nobody has to read what is printed.
   $ exec 4<>unread 3>unread 4>&-
   $ vig run rules.json events.jsonl >&3
 
+When it cannot be printed, the run ends, and does not wait for the end of the events.
+
+  $ yes "$camera" 2>/dev/null | timeout 60 vig run rules.json - --explain >/dev/full
+  vig: error: standard output: No space left on device
+  [2]
+
+A document that the device configuration cannot read is no empty one.
+
+  $ truncate --size 1G large.json
+  $ for file in large.json /proc/self/mem; do vig run $file events.jsonl >/dev/null; vig graph $file; done
+  vig: error: large.json: too large: 1 GiB or more
+  vig: error: large.json: too large: 1 GiB or more
+  vig: error: /proc/self/mem: Input/output error
+  vig: error: /proc/self/mem: Input/output error
+  [2]
+
 An interruption ends the run with the summary of what happened.
 
   $ mkfifo in out.pipe

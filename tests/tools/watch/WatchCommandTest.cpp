@@ -131,6 +131,8 @@ TEST_F(WatchCommand, SavedDocumentTakesThePlaceOfTheOneBefore) {
     folder.write("new.json", sampling("mended"));
     fs::rename(folder.path("new.json"), options.rules);
     waitFor(R"("to":"mended")");
+    fs::remove(options.rules);
+    waitFor("No such file or directory");
     interruption.request();
     std::string last;
     while (reader.next(line) == LineReader::Status::Line) {

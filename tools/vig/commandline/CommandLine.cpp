@@ -131,8 +131,8 @@ void Verb::option(const std::string& name, const std::string& kind, const std::s
 }
 
 CommandLine::CommandLine()
-    : app(std::make_unique<CLI::App>("Runs rule documents at a desk, with the library that runs them on a device.",
-                                     "vig")) {
+    : app(std::make_unique<CLI::App>(
+          "Checks, runs and tests rule documents with the library that runs them on a device.", "vig")) {
     app->set_version_flag("--version", "vig " VIG_VERSION, "Prints the version and exits");
     app->set_help_flag("-h,--help", "Prints this help and exits");
     app->require_subcommand(1);

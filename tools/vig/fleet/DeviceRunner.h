@@ -41,7 +41,7 @@ class DeviceRunner {
     DeviceRunner(const DeviceRunner&) = delete;
     DeviceRunner& operator=(const DeviceRunner&) = delete;
 
-    // Offers the records of the device to its machines, which see the same as those of `vig run` with that file alone
+    // Replays the records of the device to its machines, which see the same as those of `vig run` with that file alone
     // and with deviceSeed(). What they do is written to `output`. Takes the place of the receiver of the thread
     // meanwhile.
     DeviceResult run(const std::string& device, Output& output);

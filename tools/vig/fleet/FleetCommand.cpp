@@ -130,6 +130,9 @@ Kinds are uint64, int64, double, bool and string; "time_ms" may tell when it was
 
 Files of records may be compressed by gzip or zstd.
 
+A rule document describes state machines, which are told by their place in it, from 0, and by the id of their
+configuration. A trigger is what the device's trigger service would be asked for: to collect diagnostics.
+
 --explain shows each transition that listens for the event, up to the one that fires, and each filter, up to the
 one that does not hold, with the values that it compared. What listens for other events is left out.
 
@@ -168,7 +171,7 @@ int runOneOrMany(const FleetOptions& given, const Console& console, const Interr
 
 void addRun(CommandLine& commandLine, FleetOptions& options) {
     Verb verb =
-        commandLine.addVerb("run", "Offers recorded events to the machines of a rule document.",
+        commandLine.addVerb("run", "Replays recorded events, and shows what the rules do with them.",
                             fmt::format(kHelp, FleetSummary::Storm::LEAST_TRIGGERS, FleetSummary::Storm::MOST_EVENTS),
                             runOneOrMany, options);
     addRules(verb, options);

@@ -40,7 +40,7 @@ class TransitionCounter final : public Trace {
     }
 };
 
-// Offers the events to the machines. If that fails, says why and returns the exit status.
+// Replays the events to the machines. If that fails, says why and returns the exit status.
 std::optional<int> replay(const GraphOptions& options, RuleRun& rules, const Console& console,
                           const Interruption& interruption) {
     Replay replay(options.events, console, interruption);

@@ -28,7 +28,12 @@ std::string whyUnreadable(const std::string& path) {
     if (!S_ISREG(status.st_mode) && !isOfShell) {
         return "not a regular file";
     }
-    return faccessat(AT_FDCWD, path.c_str(), R_OK, AT_EACCESS) == 0 ? std::string() : systemError(errno);
+    if (isOfShell) {
+        return faccessat(AT_FDCWD, path.c_str(), R_OK, AT_EACCESS) == 0 ? std::string() : systemError(errno);
+    }
+    const Descriptor file(open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    char byte = 0;
+    return file.isOpen() && pread(file.get(), &byte, 1, 0) >= 0 ? std::string() : systemError(errno);
 }
 
 std::optional<std::string> readFile(const std::string& path, const Interruption& interruption, std::string& problem) {

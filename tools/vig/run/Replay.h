@@ -22,8 +22,8 @@ class Replay {
     // them.
     const std::string& problem() const { return reason; }
 
-    // Offers the records, if they are open, until they end or are bad, or the run is interrupted or nobody can read the
-    // output any more. Returns true if they ended. `terminal` shows how far it is; -1 if nobody wants to know.
+    // Replays the records, if they are open, until they end or are bad, or the run is interrupted or nobody can read
+    // the output any more. Returns true if they ended. `terminal` shows how far it is; -1 if nobody wants to know.
     bool offerTo(MachineGroup& machines, Output& output, int terminal);
 
   private:

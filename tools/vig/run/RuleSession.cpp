@@ -1,10 +1,13 @@
 #include "tools/vig/run/RuleSession.h"
 
+#include <host/Host.h>
 #include <poll.h>
 #include <sys/stat.h>
 
 #include <chrono>
+#include <filesystem>
 #include <memory>
+#include <system_error>
 #include <utility>
 
 #include "tools/vig/document/ParseErrorText.h"
@@ -23,6 +26,15 @@ constexpr std::chrono::seconds kLongestSubscription{2};
 bool isPipe(const std::string& path) {
     struct stat status = {};
     return stat(path.c_str(), &status) == 0 && S_ISFIFO(status.st_mode);
+}
+
+// Returns why the device configuration has no document, which it does not say.
+std::string whyAbsent(const std::string& path) {
+    std::error_code ignored;
+    const std::string reason = whyUnreadable(path);
+    return !reason.empty() || std::filesystem::file_size(path, ignored) < host::kTooManyBytes || ignored
+               ? reason
+               : "too large: 1 GiB or more";
 }
 
 std::string explain(VIGParseError error) {
@@ -101,9 +113,9 @@ bool RuleSession::update() {
 RuleSession::Loading RuleSession::adopt(Delivery delivery) {
     reason = explain(delivery.error);
     const bool isRefused = !reason.empty();
-    // The device configuration reads a file that is not there as a document without configurations.
+    // An absent document reads as one without configurations.
     if (!isRefused && delivery.configs.empty()) {
-        reason = whyUnreadable(path);
+        reason = whyAbsent(path);
     }
     if (reason.empty()) {
         model.reset();

@@ -14,7 +14,7 @@ struct RunOptions : RuleOptions {
     std::string whyNot;        // the JSON path of a transition to account for; empty if there is none
 };
 
-// `vig run` offers recorded events to the machines of a rule document. Returns the exit status.
+// `vig run` replays recorded events to the machines of a rule document. Returns the exit status.
 int run(const RunOptions& options, const Console& console, const Interruption& interruption);
 
 }  // namespace Brenta::OS::VIG::Tool

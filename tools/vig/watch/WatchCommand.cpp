@@ -163,14 +163,15 @@ int watch(const WatchOptions& options, const Console& console, const Interruptio
 
 constexpr const char* kHelp =
     R"(Events: ProcessMemoryHeartBeat and ProcessCpuHeartBeat of each process, SystemMemoryHeartBeat, and
-ZramHeartBeat of each zram device. A change of RULES is delivered meanwhile; Ctrl-C ends with the summary.
+ZramHeartBeat of each zram device, which is swap that is compressed in memory. A change of RULES is delivered
+meanwhile; Ctrl-C ends with the summary.
 
 Example: watch for ten seconds, then play the recording to rules that were changed:
   vig watch rules.json --duration 10s --record trace.jsonl
   vig run changed.json trace.jsonl)";
 
 void addWatch(CommandLine& commandLine, WatchOptions& options) {
-    Verb verb = commandLine.addVerb("watch", "Offers live events of this machine to the machines of a rule document.",
+    Verb verb = commandLine.addVerb("watch", "Observes this machine, and shows what the rules do with its events.",
                                     kHelp, watch, options);
     addRules(verb, options);
     verb.choice("--format", options.format, {{"text", ReportFormat::Text}, {"jsonl", ReportFormat::Jsonl}},

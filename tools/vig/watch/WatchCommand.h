@@ -20,7 +20,7 @@ struct WatchOptions : RuleOptions {
     std::string sysFolder = "/sys";
 };
 
-// `vig watch` offers events of this very machine to the machines of a rule document, which is followed when it changes.
+// `vig watch` gives events of this very machine to the machines of a rule document, which is followed when it changes.
 // Samples are taken at once and after each interval up to the duration. Returns the exit status.
 int watch(const WatchOptions& options, const Console& console, const Interruption& interruption);
 

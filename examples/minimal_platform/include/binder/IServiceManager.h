@@ -7,8 +7,7 @@ namespace android {
 
 using status_t = int;
 
-// The one service that there may be, or null.
-sp<void> findService(const String16& name);
+sp<void> findService(const String16& name);  // of this platform alone: the one service that there may be, or null
 
 template <typename INTERFACE>
 status_t getService(const String16& name, sp<INTERFACE>* service) {

@@ -7,11 +7,11 @@
 
 namespace com::korvel::deviceconfig {
 
-// Holds the one property that there is.
+// It holds the one property that there is.
 struct Properties {
     std::string getString(const std::string& name, const std::string& fallback) const;
 
-    std::optional<std::string> response;
+    std::optional<std::string> response;  // of this platform alone
 };
 
 class OnPropertiesChangeListener : public std::enable_shared_from_this<OnPropertiesChangeListener> {
@@ -20,7 +20,7 @@ class OnPropertiesChangeListener : public std::enable_shared_from_this<OnPropert
     virtual ~OnPropertiesChangeListener() = default;
 };
 
-// Always available.
+// It is always available.
 class DeviceConfig {
   public:
     DeviceConfig() = default;

@@ -5,18 +5,17 @@
 
 namespace android {
 
-// It takes ASCII text only.
+// It understands ASCII text only.
 class String16 {
   public:
     String16() = default;
-    explicit String16(const char* ascii) {
-        for (const char character : std::string_view(ascii)) {
+    explicit String16(const char* utf8) {
+        for (const char character : std::string_view(utf8)) {
             text += static_cast<char16_t>(character);
         }
     }
 
     void append(const String16& other) { text += other.text; }
-    void setTo(const String16& other) { text = other.text; }
 
     bool operator==(const String16&) const = default;
 

@@ -24,7 +24,7 @@
 // A second engine for rule documents, to compare the library with. It shares nothing with it. It builds nothing either:
 // the rules stay JSON, which is read again on every event. Slow, and short enough to be checked by eye against
 // docs/rule-documents.md.
-namespace naive {
+namespace reference {
 
 using Names = std::set<std::string>;
 
@@ -289,8 +289,10 @@ class Engine {
                 fmt::format("Received VIG zram heart beat. memUsedMaxBytes: {}, numCompressedDataBytes: {}",
                             figure("memUsedMaxBytes"), figure("numCompressedDataBytes"));
             trace.push_back(logEntry(current->state, false, message));
-        } else if (action != "Test") {
+        } else if (action == "TriggerVelora" || action == "TriggerVeloraCpu") {
             trigger(action == "TriggerVelora", event);
+        } else if (action != "Test") {
+            std::abort();  // it is listed as known
         }
     }
 
@@ -334,4 +336,4 @@ class Engine {
     std::size_t fired = 0;
 };
 
-}  // namespace naive
+}  // namespace reference

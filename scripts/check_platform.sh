@@ -1,0 +1,46 @@
+#!/usr/bin/env bash
+# check_platform.sh FOLDER: goes through the checklist of docs/porting.md with the platform in the folder, in build/other,
+# and says what is missing.
+set -euo pipefail
+# shellcheck source=scripts/packages.sh
+. "$(dirname "${BASH_SOURCE[0]}")/packages.sh"
+
+[ "$#" -eq 1 ] || give_up "Name the folder of the platform."
+folder=$(realpath -- "$1") build=$PROJECT/build/other
+for file in CMakeLists.txt SeamDriver.cpp; do
+    [ -e "$folder/$file" ] || give_up "There is no $file in $folder; docs/porting.md says what it is for."
+done
+install_packages "${BUILD_PACKAGES[@]}" "${TEST_PACKAGES[@]}"
+require_build_folder
+
+# mistakes LOG: what went wrong in a step, and what docs/porting.md says of the calls that are named there.
+mistakes() {
+    local found word
+    found=$(grep -E 'error:|undefined reference|No target' "$1" | sort -u | head -n 8) ||
+        found=$(grep -A 4 'Failure$' "$1" | head -n 15) || found=$(tail -n 15 "$1")
+    printf '%s\n' "$found"
+    grep -oE '\w{4,}' <<<"$found" | sort -u | while read -r word; do
+        grep -E "^\| \`[^\`]*\b$word\(" "$PROJECT/docs/porting.md" || true
+    done
+}
+
+# item WHAT COMMAND...: one line of the checklist.
+item() {
+    local what=$1 log=$PROJECT/build/other.log
+    shift
+    if "$@" >"$log" 2>&1 </dev/null; then
+        echo "ok    $what"
+    else
+        echo "FAIL  $what"
+        mistakes "$log"
+        give_up "Mend that, and run this again; all that was said is in build/other.log."
+    fi
+}
+
+tests() { ctest --test-dir "$build" --no-tests=error --output-on-failure --tests-regex "$1"; }
+
+item "configures" cmake -S "$PROJECT" -B "$build" -DVIG_PLATFORM_DIR="$folder" -DVIG_HOST=OFF -DVIG_TESTS=ON
+item "builds, and has each type and call" cmake --build "$build" --parallel "$(nproc)"
+item "symbols: the library shows no more than its own" tests '_symbols$|^hardening$'
+item "a delivery, and another after a change" tests '^Seam.DocumentsAreDelivered$'
+item "a trigger" tests '^Seam.ATriggerReachesTheService$'
