@@ -34,6 +34,16 @@ readonly PACKAGING_PACKAGES=(build-essential debhelper)
 # What tries them.
 # shellcheck disable=SC2034
 readonly PACKAGE_CHECK_PACKAGES=(abigail-tools binutils lintian mmdebstrap)
+# What clients of the library are built with, besides CMake and g++.
+# shellcheck disable=SC2034
+readonly CLIENT_PACKAGES=(clang make pkg-config)
+# What builds for arm64 on another machine and runs that there, and what is unpacked of that architecture.
+# shellcheck disable=SC2034
+readonly ARM64_TOOL_PACKAGES=(g++-aarch64-linux-gnu qemu-user)
+# shellcheck disable=SC2034
+readonly ARM64_PACKAGES=(
+    libcli11-dev libfmt-dev libgmock-dev libjsoncpp-dev libsimdjson-dev libzstd-dev zlib1g-dev
+)
 # What the slower checks need besides.
 readonly CHECK_PACKAGES=(
     clang clang-format clang-tidy doxygen libc++-14-dev libc++abi-14-dev libclang-rt-14-dev shellcheck zsh
@@ -69,6 +79,33 @@ install_packages() {
         umask 022
         apt-get update
         exec apt-get install -y --no-install-recommends "$@"' sh "${missing[@]}" || give_up "$(install_advice "$log" "$command")"
+}
+
+# unpack_packages ARCHITECTURE PACKAGE...: these of that architecture, and what they need, in build/ARCHITECTURE-root. They
+# are not installed: no rights are needed, and the packages of this machine stay as they are.
+unpack_packages() {
+    local root=$PROJECT/build/$1-root log=$PROJECT/build/packages.log
+    [ "$(cat "$root/unpacked" 2>/dev/null)" != "$*" ] || return 0
+    require_build_folder
+    echo "Unpacking packages of $1 in build/$1-root; log in build/packages.log" >&2
+    rm -rf "$root"
+    # shellcheck disable=SC2016
+    logged packages.log env LC_ALL=C sh -euc '
+        root=$1 architecture=$2
+        shift 2
+        mkdir -p "$root/apt/lists/partial" "$root/apt/archives/partial"
+        : >"$root/apt/status"
+        apt() {
+            apt-get -o APT::Architecture="$architecture" -o APT::Architectures::="$architecture" -o Dir::State="$root/apt" \
+                -o Dir::State::status="$root/apt/status" -o Dir::Cache="$root/apt" "$@"
+        }
+        apt update
+        apt install -y --no-install-recommends --download-only "$@"
+        for package in "$root"/apt/archives/*.deb; do
+            dpkg-deb -x "$package" "$root"
+        done
+        rm -r "$root/apt"' sh "$root" "$@" || give_up "$(install_advice "$log" "apt-get update")"
+    echo "$*" >"$root/unpacked"
 }
 
 # install_advice LOG COMMAND: what to do about packages that could not be installed.

@@ -47,6 +47,13 @@ expect 'no room' $'Installing*\nme: A disk is full, most likely that of *' 'inst
 fake apt-get '[ "$1" = update ] || { umask; cat; }'
 expect 'for all users, and without what is for the tool' $'Installing*packages.log\n0022\n.' \
     "umask 077; echo events | install_packages foreign; cat \"\$PROJECT/build/packages.log\"; printf ."
+fake apt-get 'for option; do case $option in Dir::Cache=*) : >"${option#*=}/archives/a.deb" ;; esac; done'
+fake dpkg-deb 'echo "dpkg-deb $*"'
+expect 'packages of another architecture' $'Unpacking packages of arm64 in build/arm64-root;*\ndpkg-deb -x *a project/build/arm64-root/apt/archives/a.deb *a project/build/arm64-root\n.' \
+    'unpack_packages arm64 here; cat "$PROJECT/build/packages.log"; printf .'
+expect 'they are there' '' 'unpack_packages arm64 here'
+fake apt-get 'echo "E: Unable to locate package"; exit 100'
+expect 'others are not' $'Unpacking*\nme: No packages: see that there is a network*' 'unpack_packages arm64 here there'
 fake id 'echo 1000'
 expect 'no sudo' $'me: There is no sudo: as root, run \'apt-get update && apt-get install --no-install-recommends foreign\', and then *' \
     'install_packages foreign'

@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
 # Runs the commands of the console blocks in a page, in a folder, and holds what they print against what the page says:
-# console_blocks.sh FOLDER_OF_VIG FOLDER PAGE. With --update as a fourth argument, writes it into the page instead.
-# A block "json NAME" is a file that the commands find there.
+# console_blocks.sh FOLDERS_OF_PROGRAMS FOLDER PAGE. With --update as a fourth argument, writes it into the page instead.
+# A block "json NAME" is a file that the commands find there, and a block "cpp NAME" is that file of the folder.
 set -euo pipefail
 
-vig_folder=$(realpath "$1") folder=$(realpath "$2") page=$(realpath "$3")
-export PATH=$vig_folder:$PATH
+folder=$(realpath "$2") page=$(realpath "$3")
+export PATH=$1:$PATH
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 replayed=$work/replayed
@@ -20,6 +20,10 @@ commands=0 inside=false
 while IFS= read -r line || [ -n "$line" ]; do
     if [ "$line" = '```console' ]; then
         inside=true
+    elif [[ $line == '```cpp '* ]]; then
+        printf '%s\n' "$line"
+        cat "$folder/${line#* }"
+        while IFS= read -r line && [ "$line" != '```' ]; do :; done
     elif [ "$line" = '```' ]; then
         inside=false
     elif $inside && [[ $line == '$ '* ]]; then
