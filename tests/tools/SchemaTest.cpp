@@ -99,8 +99,8 @@ void compare(const std::string& name, const Accepts& accepts, const Strings& see
         lines += text + "\n";
     }
     const support::TemporaryFolder folder;
-    const std::string output = support::outputOf(VIG_SOURCE_DIR "/tests/tools/schema_verdicts.py " + kSchemas + name +
-                                                 " <" + folder.write("texts", lines).string());
+    const std::string output = support::outputOf("'" VIG_SOURCE_DIR "/tests/tools/schema_verdicts.py' '" + kSchemas +
+                                                 name + "' <" + folder.write("texts", lines).string());
     ASSERT_EQ(output.size(), 2 * texts.size()) << output;
     for (std::size_t index = 0; index < texts.size(); ++index) {
         EXPECT_EQ(output[2 * index] == '1', accepted[index]) << texts[index];
