@@ -12,7 +12,7 @@ project=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 
 install_packages "${BUILD_PACKAGES[@]}"
 # All that can be installed.
-build_preset release vig_cli vig_help_pages
+build_preset release vig vig_cli vig_help_pages
 vig=$project/build/release/tools/vig/vig
 
 if [ $# -gt 0 ]; then
