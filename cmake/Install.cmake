@@ -1,4 +1,4 @@
-# What the components "library", "development" and "tool" bring.
+# This says what the components "library", "development" and "tool" bring.
 include(CMakePackageConfigHelpers)
 include(GNUInstallDirs)
 
@@ -11,6 +11,7 @@ function(vig_install component destination)
   install(CODE "
     set(missing)
     set(folder \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${destination}\")
+    cmake_path(ABSOLUTE_PATH folder)
     while(NOT EXISTS \"\${folder}\")
       list(PREPEND missing \"\${folder}\")
       cmake_path(GET folder PARENT_PATH folder)

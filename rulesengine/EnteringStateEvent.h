@@ -5,7 +5,7 @@
 
 namespace Brenta::OS::RulesEngine {
 
-// The event that a machine offers to every state that it enters; see Event::ENTERING_STATE. It has no
+// The event that a machine gives to every state that it enters; see Event::ENTERING_STATE. It has no
 // attributes, so filters on entering a state see those of the machine's context alone.
 class VIG_EXPORT EnteringStateEvent : public Event {
   public:

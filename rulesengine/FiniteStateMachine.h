@@ -63,8 +63,8 @@ class VIG_EXPORT FiniteStateMachine {
     // it may be called again.
     void start();
 
-    // Offers the event to the current state. If a transition fires, its actions run, the machine moves, and
-    // each state entered is offered Event::ENTERING_STATE until no transition fires.
+    // Gives the event to the current state. If a transition fires, its actions run, the machine moves, and
+    // each state entered is given Event::ENTERING_STATE until no transition fires.
     // REQUIRES: an event that can match a Timeout transition is a TimeoutEvent.
     void onEvent(const Event& event);
 

@@ -34,7 +34,7 @@ class VIG_EXPORT State {
     void addTransition(State* to, EventType eventType, std::vector<std::shared_ptr<Filter>> filters,
                        std::vector<std::shared_ptr<Action>> actions);
 
-    // Offers the event to the transitions, with the machine's context. Returns the target of the first that fires, null
+    // Gives the event to the transitions, with the machine's context. Returns the target of the first that fires, null
     // if none does.
     State* onEvent(const Event& event);
 

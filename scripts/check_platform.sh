@@ -1,12 +1,12 @@
 #!/usr/bin/env bash
-# check_platform.sh FOLDER: goes through the checklist of docs/porting.md with the platform in the folder, in build/other,
-# and says what is missing.
+# check_platform.sh FOLDER: goes through the checklist of docs/porting.md with the platform in the folder, in
+# build/checked_platform, and says what is missing.
 set -euo pipefail
 # shellcheck source=scripts/packages.sh
 . "$(dirname "${BASH_SOURCE[0]}")/packages.sh"
 
 [ "$#" -eq 1 ] || give_up "Name the folder of the platform."
-folder=$(realpath -- "$1") build=$PROJECT/build/other
+folder=$(realpath -- "$1") build=$PROJECT/build/checked_platform
 for file in CMakeLists.txt SeamDriver.cpp; do
     [ -e "$folder/$file" ] || give_up "There is no $file in $folder; docs/porting.md says what it is for."
 done
@@ -26,20 +26,20 @@ mistakes() {
 
 # item WHAT COMMAND...: one line of the checklist.
 item() {
-    local what=$1 log=$PROJECT/build/other.log
+    local what=$1 log=$PROJECT/build/checked_platform.log
     shift
     if "$@" >"$log" 2>&1 </dev/null; then
         echo "ok    $what"
     else
         echo "FAIL  $what"
         mistakes "$log"
-        give_up "Mend that, and run this again; all that was said is in build/other.log."
+        give_up "Mend that, and run this again; all that was said is in build/checked_platform.log."
     fi
 }
 
 tests() { ctest --test-dir "$build" --no-tests=error --output-on-failure --tests-regex "$1"; }
 
-item "configures" cmake -S "$PROJECT" -B "$build" -DVIG_PLATFORM_DIR="$folder" -DVIG_HOST=OFF -DVIG_TESTS=ON
+item "configures" cmake -G Ninja -S "$PROJECT" -B "$build" -DVIG_PLATFORM_DIR="$folder" -DVIG_HOST=OFF -DVIG_TESTS=ON
 item "builds, and has each type and call" cmake --build "$build" --parallel "$(nproc)"
 item "symbols: the library shows no more than its own" tests '_symbols$|^hardening$'
 item "a delivery, and another after a change" tests '^Seam.DocumentsAreDelivered$'

@@ -78,9 +78,11 @@ runs build/health_service "the commands of README.md, where the library was move
 LD_LIBRARY_PATH=$prefix/lib runs examples/health_service "the same with make"
 
 unset CMAKE_PREFIX_PATH
-by_cmake added -DCMAKE_CXX_COMPILER=g++ -DVIG_SOURCE="$source"
-runs added "g++, with the source added to its build"
-! grep -rq --include=flags.make --include=build.ninja -e -Werror added || give_up "warnings fail the builds of others"
+for compiler in clang++ g++; do
+    by_cmake "added $compiler" -DCMAKE_CXX_COMPILER="$compiler" -DVIG_SOURCE="$source"
+    runs "added $compiler" "$compiler, with the source added to its build"
+done
+! grep -rq --include=flags.make --include=build.ninja -e -Werror added* || give_up "warnings fail the builds of others"
 
 # The same service, as for a device: on the smallest platform, which has no rules.
 cat >fetch.cmake <<'CMAKE'

@@ -3,15 +3,17 @@
 # what belongs to it is there, readable by all, and works.
 set -euo pipefail
 
+build=$(cd "$1" && pwd)
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 umask 077
+cd "$work"
 for component in library development tool; do
     # Names the components so that the list of an earlier installation by root is left alone.
-    cmake --install "$1" --prefix "$work/first" --component "$component" >/dev/null
+    cmake --install "$build" --prefix first --component "$component" >/dev/null
 done
 prefix="$work/some where"
-mv "$work/first" "$prefix"
+mv first "$prefix"
 cd "$prefix"
 
 diff - <(find . ! -type d ! -path './include/vig/*' | sed -E 's/(so\.[0-9]+)\..*/\1.x/; s/-[a-z]*(\.cmake)/-*\1/' | LC_ALL=C sort) <<'END'
@@ -32,8 +34,9 @@ diff - <(find . ! -type d ! -path './include/vig/*' | sed -E 's/(so\.[0-9]+)\..*
 ./share/zsh/site-functions/_vig
 END
 [ -z "$(find . ! -type l ! -perm -444)" ]
-# No path leads back into the tree, and each public header can be read alone.
-! grep -rlF "$(cd "$1" && pwd)" . || exit 1
+# No text and no run path leads back into the tree, though debug information may. Each public header can be read alone.
+! grep -rlIF "$build" . || exit 1
+! readelf --dynamic bin/vig lib/*.so.?.*.* | grep -E 'R(UN)?PATH' | grep -vE '\[[$]ORIGIN' || exit 1
 (cd include/vig && find . -name '*.h' ! -path './platform/*' -printf '#include "%P"\n') | while read -r include; do
     c++ -std=c++20 -Wall -Wextra -Werror -Iinclude/vig -fsyntax-only -x c++ - <<<"$include"
 done

@@ -98,17 +98,19 @@ if ! "${sudo[@]}" unshare --mount true; then
     echo "Nothing may be mounted here: the packages are not installed." >&2
     exit 0
 fi
-# From where this machine gets its packages.
+# The root is made of what this machine gets its packages from.
 sources=() status=0
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
 for file in /etc/apt/sources.list /etc/apt/sources.list.d/*.{list,sources}; do
     [ ! -s "$file" ] || sources+=("$file")
 done
 # shellcheck disable=SC1091,SC2016
 "${sudo[@]}" mmdebstrap --quiet --variant=minbase --include=bash-completion,cmake,g++,make,man-db,pkg-config --skip=cleanup/apt \
-    --customize-hook="copy-in '$packages/try' /" --customize-hook="touch '$packages/made'" \
+    --customize-hook="touch '$work/made'" --customize-hook="copy-in '$packages/try' /" \
     --customize-hook='chroot "$1" bash /try/try.sh' \
     "$(. /etc/os-release && echo "$VERSION_CODENAME")" /dev/null "${sources[@]}" || status=$?
-if [ ! -e "$packages/made" ]; then
+if [ ! -e "$work/made" ]; then
     echo "No root can be made here: the packages are not installed." >&2
     exit 0
 fi

@@ -206,7 +206,7 @@ int main() {
         }
     });
 
-    for (int tick = 0; tick < 100; ++tick) {
+    for (int tick = 0; tick < 300; ++tick) {
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
         const std::lock_guard lock(mutex);
         for (const std::int64_t id : timers->takeExpired()) {

@@ -5,7 +5,8 @@
 set -euo pipefail
 
 folder=$(realpath "$2") page=$(realpath "$3")
-export PATH=$1:$PATH
+PATH=$(tr : '\n' <<<"$1" | xargs -d '\n' realpath | paste -sd :):$PATH
+export PATH
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 replayed=$work/replayed
@@ -29,7 +30,9 @@ while IFS= read -r line || [ -n "$line" ]; do
     elif $inside && [[ $line == '$ '* ]]; then
         commands=$((commands + 1))
         printf '%s\n' "$line"
-        (cd "$folder" && bash -c "${line#'$ '}" 2>&1) || true # a command that finds mistakes fails
+        status=0
+        (cd "$folder" && bash -c "${line#'$ '}" 2>&1) || status=$? # a command that finds mistakes fails
+        [ "$status" -ne 127 ] || { echo "there is no such program: ${line#'$ '}" >&2; exit 1; }
         continue
     fi
     if ! $inside || [ "$line" = '```console' ]; then
