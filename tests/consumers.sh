@@ -17,7 +17,7 @@ umask 077
 tree="$work/the tree"
 mkdir "$tree" "$work/client"
 git ls-files -z | xargs -0 cp --parents -t "$tree"
-# The commands of the page: which install, and which use what is installed.
+# These are the commands of the page: which install, and which use what is installed.
 block() { awk -v wanted="$1" '/^```/ { inside = $0 == "```sh" && ++count == wanted; next } inside { printf "%s%s", and, $0; and = " && " }' README.md; }
 to_install=$(block 1)
 to_use=$(block 2)
@@ -84,7 +84,7 @@ for compiler in clang++ g++; do
 done
 ! grep -rq --include=flags.make --include=build.ninja -e -Werror added* || give_up "warnings fail the builds of others"
 
-# The same service, as for a device: on the smallest platform, which has no rules.
+# This is the same service as for a device, on the smallest platform, which has no rules.
 cat >fetch.cmake <<'CMAKE'
 include(FetchContent)
 FetchContent_Declare(vig SOURCE_DIR ${FETCHED} OVERRIDE_FIND_PACKAGE)

@@ -26,7 +26,7 @@ class PrintingTriggerService : public BnTrigger {
     }
 };
 
-// Before main begins, and so before the service creates its manager.
+// It is done before main begins, and so before the service creates its manager.
 [[maybe_unused]] const bool isSetUp = [] {
     host::bindProperty("korvel_vig", "vig_response", "rules.json");
     android::defaultServiceManager()->addService(android::String16("vendor.orlan.velora.ITrigger/default"),
