@@ -27,7 +27,7 @@ without() {
     cp "$work/whole" "$other/$2"
 }
 
-whole=$'ok  *\nok  *\nok  *\nok  *\nok    a trigger'
+whole=$'*\nok  *\nok  *\nok  *\nok  *\nok    a trigger\n*'
 expect 'shared' "$whole"
 without 'static' CMakeLists.txt 's/SHARED/STATIC/' "$whole"
 without 'a target of another name' CMakeLists.txt 's/vig_platform/platform/g' '*FAIL  configures*No target vig_platform*'

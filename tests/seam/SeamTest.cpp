@@ -12,6 +12,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "rulesengine/FiniteStateMachine.h"
@@ -35,10 +36,12 @@ class Log {
         return log;
     }
 
-    bool sees(std::string_view message) {
+    testing::AssertionResult sees(std::string_view message) {
         std::unique_lock lock(mutex);
-        return logged.wait_for(lock, std::chrono::seconds(30),
-                               [&] { return std::ranges::find(messages, message) != messages.end(); });
+        const bool isSeen = logged.wait_for(lock, std::chrono::seconds(30),
+                                            [&] { return std::ranges::find(messages, message) != messages.end(); });
+        return (isSeen ? testing::AssertionSuccess() : testing::AssertionFailure())
+               << "the log has " << testing::PrintToString(messages);
     }
 
   private:
@@ -64,7 +67,11 @@ TEST(Seam, DocumentsAreDelivered) {
     support::Receiver receiver;
     {
         VIGManager manager;
-        manager.registerCallback(receiver.callback());
+        manager.registerCallback([&, receive = receiver.callback()](auto&& configs) {
+            // A platform that holds a lock while it tells a listener hangs here.
+            EXPECT_NE(manager.getConfig(), "");
+            receive(std::move(configs));
+        });
         receiver.waitFor(1);
         ASSERT_TRUE(log.sees(Brenta::OS::VIG::kListeningMessage));
         seam::setResponse(kDocument);
