@@ -16,8 +16,32 @@ prefix="$work/some where"
 mv first "$prefix"
 cd "$prefix"
 
-diff - <(find . ! -type d ! -path './include/vig/*' | sed -E 's/(so\.[0-9]+)\..*/\1.x/; s/-[a-z]*(\.cmake)/-*\1/' | LC_ALL=C sort) <<'END'
+diff - <(find . ! -type d ! -path './include/vig/platform/*' | sed -E 's/(so\.[0-9]+)\..*/\1.x/; s/-[a-z]*(\.cmake)/-*\1/' | LC_ALL=C sort) <<'END'
 ./bin/vig
+./include/vig/os/Export.h
+./include/vig/rulesengine/Action.h
+./include/vig/rulesengine/Comparators.h
+./include/vig/rulesengine/EnteringStateEvent.h
+./include/vig/rulesengine/EvaluationContext.h
+./include/vig/rulesengine/Event.h
+./include/vig/rulesengine/EventType.h
+./include/vig/rulesengine/Filter.h
+./include/vig/rulesengine/FiniteStateMachine.h
+./include/vig/rulesengine/FuncAction.h
+./include/vig/rulesengine/FuncFilter.h
+./include/vig/rulesengine/State.h
+./include/vig/rulesengine/TimeoutEvent.h
+./include/vig/rulesengine/Transition.h
+./include/vig/vig/VIGManager.h
+./include/vig/vig/actions/VIGActionFunction.h
+./include/vig/vig/actions/VIGActionFunctionFactory.h
+./include/vig/vig/parsers/VIGConfig.h
+./include/vig/vig/parsers/VIGConfigPayload.h
+./include/vig/vig/parsers/VIGIParser.h
+./include/vig/vig/parsers/VIGParseError.h
+./include/vig/vig/parsers/VIGParseResult.h
+./include/vig/vig/parsers/VIGParserConfig.h
+./include/vig/vig/parsers/VIGResponseParser.h
 ./lib/cmake/vig/vigConfig-*.cmake
 ./lib/cmake/vig/vigConfig.cmake
 ./lib/cmake/vig/vigConfigVersion.cmake
@@ -33,7 +57,7 @@ diff - <(find . ! -type d ! -path './include/vig/*' | sed -E 's/(so\.[0-9]+)\..*
 ./share/man/man1/vig.1
 ./share/zsh/site-functions/_vig
 END
-[ -z "$(find . ! -type l ! -perm -444)" ]
+[ -z "$(find . ! -type l \( ! -perm -444 -o -perm /022 \))" ]
 # No text and no run path leads back into the tree, though debug information may. Each public header can be read alone.
 ! grep -rlIF "$build" . || exit 1
 ! readelf --dynamic bin/vig lib/*.so.?.*.* | grep -E 'R(UN)?PATH' | grep -vE '\[[$]ORIGIN' || exit 1
