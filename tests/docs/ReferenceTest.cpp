@@ -9,7 +9,7 @@
 #include "tests/docs/Fragments.h"
 #include "tests/support/Documents.h"
 #include "tests/support/LogCapture.h"
-#include "tools/vig/check/ActionNeeds.h"
+#include "tools/vig/catalogue/ActionNeeds.h"
 #include "tools/vig/document/Registry.h"
 #include "vig/EventTypeNames.h"
 #include "vig/ResponseProperty.h"

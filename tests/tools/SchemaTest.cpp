@@ -13,7 +13,7 @@
 #include "tests/support/LogCapture.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/tools/ToolRun.h"
-#include "tools/vig/check/ActionNeeds.h"
+#include "tools/vig/catalogue/ActionNeeds.h"
 #include "tools/vig/document/DocumentText.h"
 #include "tools/vig/document/Registry.h"
 #include "tools/vig/events/LineReader.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tools/vig/check/CatalogueCommand.h"
+#include "tools/vig/catalogue/CatalogueCommand.h"
 #include "tools/vig/check/CheckCommand.h"
 #include "tools/vig/commandline/CommandLine.h"
 #include "tools/vig/fleet/FleetCommand.h"

@@ -14,7 +14,7 @@
 #include "tests/support/TemporaryFolder.h"
 #include "tests/tools/ToolRun.h"
 #include "tests/tools/events/Reading.h"
-#include "tools/vig/check/Catalogue.h"
+#include "tools/vig/catalogue/Catalogue.h"
 #include "tools/vig/events/EventRecord.h"
 
 namespace Brenta::OS::VIG::Tool {

@@ -4,9 +4,9 @@
 
 #include <algorithm>
 
-#include "tools/vig/check/ActionNeeds.h"
+#include "tools/vig/catalogue/ActionNeeds.h"
 #include "tools/vig/check/Hints.h"
-#include "tools/vig/check/NormalFilter.h"
+#include "tools/vig/document/NormalFilter.h"
 #include "tools/vig/events/EventNames.h"
 #include "tools/vig/words/NearestName.h"
 #include "tools/vig/words/Text.h"

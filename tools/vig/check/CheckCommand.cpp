@@ -9,8 +9,8 @@
 #include <utility>
 #include <vector>
 
-#include "tools/vig/check/Catalogue.h"
-#include "tools/vig/check/CatalogueCommand.h"
+#include "tools/vig/catalogue/Catalogue.h"
+#include "tools/vig/catalogue/CatalogueCommand.h"
 #include "tools/vig/check/WarningNames.h"
 #include "tools/vig/commandline/CommandLine.h"
 #include "tools/vig/document/Registry.h"

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "tools/vig/check/Catalogue.h"
+#include "tools/vig/catalogue/Catalogue.h"
 #include "tools/vig/document/DocumentText.h"
 #include "vig/parsers/VIGParserConfig.h"
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <tuple>
 
-#include "tools/vig/check/NormalFilter.h"
+#include "tools/vig/document/NormalFilter.h"
 #include "tools/vig/check/ValueRange.h"
 #include "vig/parsers/FilterParser.h"
 #include "vig/parsers/NumberText.h"

@@ -2,7 +2,7 @@
 
 #include <json/value.h>
 
-#include "tools/vig/check/NormalFilter.h"
+#include "tools/vig/document/NormalFilter.h"
 #include "tools/vig/words/Text.h"
 
 namespace Brenta::OS::VIG::Tool {

@@ -8,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-#include "tools/vig/check/NormalFilter.h"
+#include "tools/vig/document/NormalFilter.h"
 #include "tools/vig/words/Text.h"
 #include "vig/parsers/NumberText.h"
 

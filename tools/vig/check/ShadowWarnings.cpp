@@ -9,7 +9,7 @@
 #include <unordered_map>
 #include <utility>
 
-#include "tools/vig/check/NormalFilter.h"
+#include "tools/vig/document/NormalFilter.h"
 #include "tools/vig/events/EventNames.h"
 #include "tools/vig/words/Text.h"
 #include "vig/parsers/NumberText.h"

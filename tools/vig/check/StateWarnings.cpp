@@ -4,8 +4,8 @@
 #include <cstddef>
 #include <string>
 
-#include "tools/vig/check/ActionNeeds.h"
-#include "tools/vig/check/NormalFilter.h"
+#include "tools/vig/catalogue/ActionNeeds.h"
+#include "tools/vig/document/NormalFilter.h"
 #include "tools/vig/events/EventNames.h"
 #include "tools/vig/words/NearestName.h"
 #include "tools/vig/words/Text.h"

@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include "tools/vig/check/Catalogue.h"
+#include "tools/vig/catalogue/Catalogue.h"
 #include "tools/vig/check/Findings.h"
 #include "tools/vig/check/StateGraph.h"
 #include "tools/vig/document/RuleModel.h"

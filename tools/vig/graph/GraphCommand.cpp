@@ -5,7 +5,7 @@
 #include <optional>
 #include <vector>
 
-#include "tools/vig/check/Catalogue.h"
+#include "tools/vig/catalogue/Catalogue.h"
 #include "tools/vig/check/Findings.h"
 #include "tools/vig/commandline/CommandLine.h"
 #include "tools/vig/document/Registry.h"

@@ -5,7 +5,7 @@
 #include <span>
 #include <string_view>
 
-#include "tools/vig/check/Catalogue.h"
+#include "tools/vig/catalogue/Catalogue.h"
 
 namespace Brenta::OS::VIG::Tool {
 

@@ -1,8 +1,8 @@
-#include "tools/vig/check/CatalogueCommand.h"
+#include "tools/vig/catalogue/CatalogueCommand.h"
 
 #include <cerrno>
 
-#include "tools/vig/check/Catalogue.h"
+#include "tools/vig/catalogue/Catalogue.h"
 #include "tools/vig/commandline/CommandLine.h"
 #include "tools/vig/events/EventReader.h"
 #include "tools/vig/io/Output.h"

@@ -3,7 +3,7 @@
 #include <optional>
 #include <string>
 
-#include "tools/vig/check/Catalogue.h"
+#include "tools/vig/catalogue/Catalogue.h"
 #include "tools/vig/io/Console.h"
 #include "tools/vig/io/Interruption.h"
 

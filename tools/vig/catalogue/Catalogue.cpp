@@ -1,11 +1,10 @@
-#include "tools/vig/check/Catalogue.h"
+#include "tools/vig/catalogue/Catalogue.h"
 
 #include <fmt/format.h>
 
 #include <utility>
 #include <vector>
 
-#include "tools/vig/check/Hints.h"
 #include "tools/vig/document/StrictJson.h"
 #include "tools/vig/io/FileText.h"
 #include "tools/vig/words/Text.h"
@@ -44,7 +43,8 @@ std::string textOf(const CataloguedAttributes& attributes, const std::string& in
             }
         }
         if (!names.empty()) {
-            kinds.push_back(fmt::format("\n{}  {}: [{}]", indentation, quoted(kKindNames[kind]), listOf(names)));
+            kinds.push_back(
+                fmt::format("\n{}  {}: [{}]", indentation, quoted(kKindNames[kind]), joined(names, ", ", quoted)));
         }
     }
     return kinds.empty() ? "{}" : fmt::format("{{{}\n{}}}", fmt::join(kinds, ","), indentation);

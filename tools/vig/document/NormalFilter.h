@@ -6,7 +6,7 @@
 #include <string>
 #include <type_traits>
 
-#include "tools/vig/check/Catalogue.h"
+#include "rulesengine/Event.h"
 #include "tools/vig/document/RuleModel.h"
 #include "vig/functions/DoubleFunctions.h"
 
@@ -81,16 +81,16 @@ auto withComparedType(FilterValueType type, const auto& visit) {
 }
 
 // Returns the kind of the attributes that the filter reads.
-inline AttributeKind kindOf(FilterValueType type) {
+inline RulesEngine::Event::ValueType kindOf(FilterValueType type) {
     switch (type) {
         case FilterValueType::Integer:
-            return AttributeKind::Int64;
+            return RulesEngine::Event::ValueType::Int64;
         case FilterValueType::Double:
-            return AttributeKind::Double;
+            return RulesEngine::Event::ValueType::Double;
         case FilterValueType::String:
             break;
     }
-    return AttributeKind::String;
+    return RulesEngine::Event::ValueType::String;
 }
 
 }  // namespace Brenta::OS::VIG::Tool

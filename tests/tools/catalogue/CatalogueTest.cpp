@@ -1,4 +1,4 @@
-#include "tools/vig/check/Catalogue.h"
+#include "tools/vig/catalogue/Catalogue.h"
 
 #include <gtest/gtest.h>
 
