@@ -21,24 +21,6 @@ namespace {
 
 enum class Truth { Depends, Always, Never };
 
-FilterOperator negated(FilterOperator op) {
-    switch (op) {
-        case FilterOperator::Equal:
-            return FilterOperator::NotEqual;
-        case FilterOperator::NotEqual:
-            return FilterOperator::Equal;
-        case FilterOperator::Greater:
-            return FilterOperator::LessEqual;
-        case FilterOperator::Less:
-            return FilterOperator::GreaterEqual;
-        case FilterOperator::GreaterEqual:
-            return FilterOperator::Less;
-        case FilterOperator::LessEqual:
-            break;
-    }
-    return FilterOperator::Greater;
-}
-
 // Returns all values that a comparison with a constant can meet.
 template <typename T>
 ValueRange<T> domainOf(const OperandModel& operand) {

@@ -67,6 +67,25 @@ inline NormalFilter normalFormOf(const FilterModel& filter) {
     return {filter.op, filter.operand1, filter.operand2};
 }
 
+// Returns the operator that holds where the other one does not, but for what cannot be compared.
+inline FilterOperator negated(FilterOperator op) {
+    switch (op) {
+        case FilterOperator::Equal:
+            return FilterOperator::NotEqual;
+        case FilterOperator::NotEqual:
+            return FilterOperator::Equal;
+        case FilterOperator::Greater:
+            return FilterOperator::LessEqual;
+        case FilterOperator::Less:
+            return FilterOperator::GreaterEqual;
+        case FilterOperator::GreaterEqual:
+            return FilterOperator::Less;
+        case FilterOperator::LessEqual:
+            break;
+    }
+    return FilterOperator::Greater;
+}
+
 // Calls `visit` with std::type_identity<T>, where T is what the library compares in filters of that value type.
 auto withComparedType(FilterValueType type, const auto& visit) {
     switch (type) {

@@ -1,0 +1,340 @@
+#include "tools/vig/decide/CellSolver.h"
+
+#include <bit>
+
+namespace Brenta::OS::VIG::Tool {
+
+namespace {
+
+using Cell = Scale::Cell;
+
+// It is what clauses without a choice leave of a variable, or more.
+struct Frame {
+    Cell first = 0;
+    Cell last = 0;
+    bool absent = false;
+    bool nan = false;
+
+    void narrow(const CellSet& cells) {
+        if (cells.isInside) {
+            first = std::max(first, cells.first);
+            last = std::min(last, cells.last);
+        }
+        absent = absent && cells.absent;
+        nan = nan && cells.nan;
+    }
+
+    bool isWithin(const CellSet& cells) const {
+        const bool overlaps = std::max(first, cells.first) < std::min(last, cells.last);
+        const bool isCovered = first >= last || (cells.first <= first && last <= cells.last);
+        return (cells.isInside ? isCovered : !overlaps) && (!absent || cells.absent) && (!nan || cells.nan);
+    }
+};
+
+// Returns where to begin the search for values, so that they are small ones if that will do.
+Value plainValue(FilterValueType type) {
+    return type == FilterValueType::Integer  ? Value(std::int64_t{1})
+           : type == FilterValueType::Double ? Value(1.0)
+                                             : Value(std::string("app"));
+}
+
+}  // namespace
+
+CellSolver::CellSolver(const Space& space, Values which, Attributes attributes)
+    : space(space), which(which), attributes(attributes) {}
+
+Verdict CellSolver::solve(const std::vector<const Clause*>& question, Effort& budget) {
+    effort = &budget;
+    chosen.assign(space.variables.size(), {});
+    values.assign(space.variables.size(), std::nullopt);
+    impossible.clear();
+    if (!simplify(question)) {
+        return Verdict::No;
+    }
+    Bits left((clauses.size() + 63) / 64);
+    for (std::size_t index = 0; index < clauses.size(); ++index) {
+        left[index / 64] |= std::uint64_t{1} << index % 64;
+    }
+    const bool isPossible = search(left, false);
+    return isPossible ? Verdict::Yes : budget.left == 0 ? Verdict::Undecided : Verdict::No;
+}
+
+// Leaves out what clauses without a choice decide already: most transitions of a state exclude each other. Returns
+// false if a clause cannot be fulfilled.
+bool CellSolver::simplify(const std::vector<const Clause*>& question) {
+    std::vector<Frame> frames;
+    for (std::size_t variable = 0; variable < space.variables.size(); ++variable) {
+        const Cell last = canBe(variable, Kind::Present) ? space.variables[variable].scale.cellCount() : 0;
+        frames.push_back({0, last, canBe(variable, Kind::Absent), canBe(variable, Kind::Nan)});
+    }
+    for (const Clause* const clause : question) {
+        effort->spend(clause->size());
+        if (clause->size() == 1) {
+            frames[clause->front().variable].narrow(clause->front().cells);
+        }
+    }
+    clauses.clear();
+    for (const Clause* const clause : question) {
+        const auto isFulfilled = [&](const Literal& each) { return frames[each.variable].isWithin(each.cells); };
+        if (clause->size() != 1 && std::ranges::any_of(*clause, isFulfilled)) {
+            continue;
+        }
+        Clause open;
+        for (const Literal& each : *clause) {
+            if (!frames[each.variable].isWithin(each.cells.complement())) {
+                open.push_back(each);
+            }
+        }
+        if (open.empty()) {
+            return false;
+        }
+        clauses.push_back(std::move(open));
+    }
+    return true;
+}
+
+bool CellSolver::canBe(std::size_t variable, Kind kind) const {
+    const Variable& it = space.variables[variable];
+    const bool canBePresent = it.canBePresent && (it.isNamedInUtf8 || which == Values::All);
+    switch (kind) {
+        case Kind::Present:
+            return canBePresent;
+        case Kind::Absent:
+            return it.canBeAbsent && !(attributes == Attributes::Promised && it.isPromised && canBePresent);
+        case Kind::Nan:
+            return which == Values::All && canBePresent && it.type == FilterValueType::Double;
+        case Kind::Open:
+            break;
+    }
+    return true;
+}
+
+bool CellSolver::isLinked(std::size_t variable) const {
+    return space.variables[variable].isCompared;
+}
+
+void CellSolver::forEachLeft(const Bits& left, const auto& visit) const {
+    for (std::size_t word = 0; word < left.size(); ++word) {
+        for (std::uint64_t rest = left[word]; rest != 0; rest &= rest - 1) {
+            visit(64 * word + static_cast<std::size_t>(std::countr_zero(rest)));
+        }
+    }
+}
+
+CellSolver::Next CellSolver::nextVariable(const Bits& left) const {
+    Next next;
+    std::vector<std::size_t> weights(space.variables.size());
+    forEachLeft(left, [&](std::size_t index) {
+        const auto isOpen = [&](const Literal& each) { return chosen[each.variable].kind == Kind::Open; };
+        const auto open = std::ranges::count_if(clauses[index], isOpen);
+        next.isDead = next.isDead || open == 0;
+        for (const Literal& each : clauses[index]) {
+            // More than all clauses together weighs a clause without a choice, and even more what is compared.
+            const std::size_t weight = 1 + (open == 1 ? clauses.size() : 0);
+            weights[each.variable] += isOpen(each) ? weight : 0;
+        }
+    });
+    std::size_t most = 0;
+    for (std::size_t variable = 0; variable < weights.size(); ++variable) {
+        const std::size_t beyondAll = clauses.size() * (clauses.size() + 1);
+        const std::size_t weight = weights[variable] + (isLinked(variable) && weights[variable] > 0 ? beyondAll : 0);
+        if (weight > most) {
+            most = weight;
+            next.variable = variable;
+        }
+    }
+    return next;
+}
+
+bool CellSolver::search(const Bits& left, bool areValuesFound) {
+    const Next next = nextVariable(left);
+    if (next.isDead || !effort->spend(1)) {
+        return false;
+    }
+    if (!areValuesFound && !(next.variable && isLinked(*next.variable))) {
+        return findValues() && search(left, true);
+    }
+    if (!next.variable) {
+        return true;
+    }
+    std::vector<bool> assigned;
+    if (areValuesFound) {
+        std::ranges::transform(chosen, std::back_inserter(assigned),
+                               [](const Region& each) { return each.kind != Kind::Open; });
+        if (impossible.contains({assigned, left})) {
+            return false;
+        }
+    }
+    std::vector<Bits> failed;
+    for (Branch& branch : branchesOf(*next.variable, left)) {
+        const auto leavesMore = [&](const Bits& than) {
+            return std::ranges::equal(than, branch.left, [](auto less, auto more) { return (less & ~more) == 0; });
+        };
+        if (areValuesFound && std::ranges::any_of(failed, leavesMore)) {
+            continue;
+        }
+        chosen[*next.variable] = branch.region;
+        if (search(branch.left, areValuesFound)) {
+            return true;
+        }
+        failed.push_back(std::move(branch.left));
+    }
+    chosen[*next.variable] = {};
+    if (areValuesFound && effort->left > 0) {
+        impossible.emplace(std::move(assigned), left);
+    }
+    return false;
+}
+
+// Those that fulfil most come first; among these, values before their absence.
+std::vector<CellSolver::Branch> CellSolver::branchesOf(std::size_t variable, const Bits& left) {
+    std::vector<std::pair<std::size_t, const CellSet*>> literals;
+    std::vector<Cell> bounds = {0, space.variables[variable].scale.cellCount()};
+    forEachLeft(left, [&](std::size_t index) {
+        for (const Literal& each : clauses[index]) {
+            if (each.variable == variable) {
+                literals.emplace_back(index, &each.cells);
+                bounds.push_back(each.cells.first);
+                bounds.push_back(each.cells.last);
+            }
+        }
+    });
+    std::vector<Branch> branches;
+    std::vector<std::size_t> fulfilled;
+    for (const Region& region : regionsOf(variable, std::move(bounds))) {
+        if (!effort->spend(literals.size())) {
+            return {};
+        }
+        Branch branch{region, left};
+        for (const auto& [index, cells] : literals) {
+            const bool holds = region.kind == Kind::Present  ? cells->has(region.first)
+                               : region.kind == Kind::Absent ? cells->absent
+                                                             : cells->nan;
+            branch.left[index / 64] &= ~(std::uint64_t{holds} << index % 64);
+        }
+        branches.push_back(std::move(branch));
+    }
+    std::ranges::stable_sort(branches, {}, [](const Branch& each) {
+        int count = 0;
+        for (const std::uint64_t word : each.left) {
+            count += std::popcount(word);
+        }
+        return count;
+    });
+    return branches;
+}
+
+std::vector<CellSolver::Region> CellSolver::regionsOf(std::size_t variable, std::vector<Cell> bounds) const {
+    std::vector<Region> regions;
+    std::ranges::sort(bounds);
+    for (std::size_t index = 0; canBe(variable, Kind::Present) && index + 1 < bounds.size(); ++index) {
+        if (space.variables[variable].scale.haveValue(bounds[index], bounds[index + 1], which)) {
+            regions.push_back({Kind::Present, bounds[index], bounds[index + 1]});
+        }
+    }
+    for (const Kind kind : {Kind::Absent, Kind::Nan}) {
+        if (canBe(variable, kind)) {
+            regions.push_back({kind});
+        }
+    }
+    return regions;
+}
+
+bool CellSolver::findValues() {
+    std::vector<Region> regions = chosen;
+    return findValues(regions, 0);
+}
+
+// Tries every way in which the attributes of the relations that matter can be present, absent or NaN, as far as that is
+// open.
+bool CellSolver::findValues(std::vector<Region>& regions, std::size_t next) {
+    if (!effort->spend(space.relations.size())) {
+        return false;
+    }
+    for (; next < 2 * space.relations.size(); ++next) {
+        const Relation& relation = space.relations[next / 2];
+        const std::size_t variable = next % 2 == 0 ? relation.left : relation.right;
+        if (regions[relation.variable].kind == Kind::Open || regions[variable].kind != Kind::Open) {
+            continue;
+        }
+        const Cell last = space.variables[variable].scale.cellCount();
+        for (const Region& each : regionsOf(variable, {0, last})) {
+            regions[variable] = each;
+            if (findValues(regions, next + 1)) {
+                return true;
+            }
+        }
+        regions[variable] = {};
+        return false;
+    }
+    for (const Relation& relation : space.relations) {
+        const bool hasNan = regions[relation.left].kind == Kind::Nan || regions[relation.right].kind == Kind::Nan;
+        if (regions[relation.variable].kind != Kind::Open && hasNan != (regions[relation.variable].kind == Kind::Nan)) {
+            return false;
+        }
+    }
+    found = regions;
+    return order(regions, true) || order(regions, false);
+}
+
+// Gives each attribute the least value that its cells and its relations to others permit, which leaves the others most.
+bool CellSolver::order(const std::vector<Region>& regions, bool fromPlainValues) {
+    values.assign(values.size(), std::nullopt);
+    std::vector<const Relation*> relations;
+    for (const Relation& relation : space.relations) {
+        if (regions[relation.variable].kind != Kind::Present) {
+            continue;
+        }
+        relations.push_back(&relation);
+        for (const std::size_t variable : {relation.left, relation.right}) {
+            const FilterValueType type = space.variables[variable].type;
+            const Scale& scale = space.variables[variable].scale;
+            const Region& region = regions[variable];
+            const bool isPlain = fromPlainValues && region.first == 0;
+            values[variable] = region.kind == Kind::Absent
+                                   ? std::optional(absentValue(type))
+                                   : scale.leastFrom(isPlain ? plainValue(type) : leastValue(type, which), region.first,
+                                                     region.last, which);
+            if (!values[variable]) {
+                return false;
+            }
+        }
+    }
+    // Each round brings what the relations ask for one step further; where it does not end, they go round in a circle.
+    bool hasChanged = true;
+    for (std::size_t round = 0; hasChanged; ++round) {
+        hasChanged = false;
+        for (const Relation* const each : relations) {
+            const auto& [kind, first, last] = regions[each->variable];
+            const bool isPossible =
+                (last == 3 || raise(each->right, *values[each->left], last == 1, regions[each->right], hasChanged)) &&
+                (first == 0 || raise(each->left, *values[each->right], first == 2, regions[each->left], hasChanged));
+            if (!isPossible || !effort->spend(1) || round > 2 * space.relations.size()) {
+                return false;
+            }
+        }
+    }
+    return true;
+}
+
+bool CellSolver::raise(std::size_t variable, const Value& from, bool isStrict, const Region& region, bool& hasChanged) {
+    const std::optional<Value> bound = isStrict ? valueAbove(from, which) : from;
+    if (!bound || *values[variable] >= *bound) {
+        return bound.has_value();
+    }
+    hasChanged = true;
+    values[variable] = region.kind == Kind::Absent
+                           ? std::nullopt
+                           : space.variables[variable].scale.leastFrom(*bound, region.first, region.last, which);
+    return values[variable].has_value();
+}
+
+std::optional<Value> CellSolver::valueOf(std::size_t variable) const {
+    const Region& region = chosen[variable].kind == Kind::Open ? found[variable] : chosen[variable];
+    if (region.kind != Kind::Present) {
+        return std::nullopt;
+    }
+    return values[variable] ? values[variable] : space.variables[variable].scale.pick(region.first, region.last);
+}
+
+}  // namespace Brenta::OS::VIG::Tool

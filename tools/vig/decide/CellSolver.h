@@ -1,0 +1,136 @@
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <set>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "tools/vig/decide/Scale.h"
+
+namespace Brenta::OS::VIG::Tool {
+
+// It has cells of one scale, as a filter tells them apart: a run of cells or all but that, and whether the attribute
+// may be absent or NaN.
+struct CellSet {
+    Scale::Cell first = 0;
+    Scale::Cell last = 0;  // the one behind
+    bool isInside = true;
+    bool absent = false;
+    bool nan = false;
+
+    CellSet complement() const { return {first, last, !isInside, !absent, !nan}; }
+    bool has(Scale::Cell cell) const { return (first <= cell && cell < last) == isInside; }
+};
+
+// One of the literals of a clause has to hold, and each clause of a question.
+struct Literal {
+    std::size_t variable;
+    CellSet cells;
+};
+using Clause = std::vector<Literal>;
+
+// It is an attribute of an event, or how two of them lie to each other: the cells are then less, equal and greater, and
+// NaN is that they cannot be compared.
+struct Variable {
+    FilterValueType type;
+    std::string_view name;
+    Scale scale;
+    bool canBePresent = true;
+    bool isNamedInUtf8 = true;  // otherwise no record can hold it
+    bool canBeAbsent = true;
+    bool isPromised = false;  // events of the type are known to have it
+    bool isCompared = false;  // with another attribute
+};
+
+struct Relation {
+    std::size_t variable;
+    std::size_t left;
+    std::size_t right;
+};
+
+struct Space {
+    std::vector<Variable> variables;
+    std::vector<Relation> relations;
+};
+
+enum class Verdict { Yes, No, Undecided };
+
+// It bounds how much is looked at, so that no document takes long. What is asked when it is used up is undecided.
+struct Effort {
+    std::uint64_t left;
+
+    bool spend(std::uint64_t amount) {
+        left -= std::min(left, amount);
+        return left > 0;
+    }
+};
+
+// Decides, exactly, whether an event can fulfil all clauses of a question. It is split on one variable after the other,
+// that of a clause with no other choice or else the one in most clauses, into the runs of cells that the clauses tell
+// apart. What is left depends only on which clauses are not fulfilled yet: what was found impossible once is not tried
+// again. Attributes that are compared with each other come first, and then values for them are looked for.
+class CellSolver {
+  public:
+    enum class Attributes { Any, Promised };
+
+    // With Attributes::Promised, those that events of the type are known to have are not absent.
+    CellSolver(const Space& space, Values which, Attributes attributes);
+
+    Verdict solve(const std::vector<const Clause*>& question, Effort& budget);
+
+    // After the verdict Yes: returns the value that fulfils it, nothing for an attribute that is absent or that nothing
+    // is asked of. REQUIRES: recordable values were asked for.
+    std::optional<Value> valueOf(std::size_t variable) const;
+
+  private:
+    enum class Kind { Open, Present, Absent, Nan };
+
+    // Cells that no clause tells apart.
+    struct Region {
+        Kind kind = Kind::Open;
+        Scale::Cell first = 0;
+        Scale::Cell last = 0;
+    };
+
+    using Bits = std::vector<std::uint64_t>;  // of the clauses, those that are not fulfilled
+
+    struct Branch {
+        Region region;
+        Bits left;
+    };
+
+    struct Next {
+        bool isDead = false;  // a clause can no more be fulfilled
+        std::optional<std::size_t> variable = {};
+    };
+
+    bool simplify(const std::vector<const Clause*>& question);
+    bool search(const Bits& left, bool areValuesFound);
+    Next nextVariable(const Bits& left) const;
+    std::vector<Branch> branchesOf(std::size_t variable, const Bits& left);
+    std::vector<Region> regionsOf(std::size_t variable, std::vector<Scale::Cell> bounds) const;
+    bool canBe(std::size_t variable, Kind kind) const;
+    bool isLinked(std::size_t variable) const;
+    void forEachLeft(const Bits& left, const auto& visit) const;
+
+    bool findValues();
+    bool findValues(std::vector<Region>& regions, std::size_t next);
+    bool order(const std::vector<Region>& regions, bool fromPlainValues);
+    bool raise(std::size_t variable, const Value& from, bool isStrict, const Region& region, bool& hasChanged);
+
+    const Space& space;
+    const Values which;
+    const Attributes attributes;
+    std::vector<Clause> clauses;
+    std::vector<Region> chosen;                // of each variable
+    std::vector<Region> found;                 // with the values, of those that are compared with each other
+    std::vector<std::optional<Value>> values;  // of those that are compared with each other
+    std::set<std::pair<std::vector<bool>, Bits>> impossible;
+    Effort* effort = nullptr;
+};
+
+}  // namespace Brenta::OS::VIG::Tool

@@ -1,0 +1,505 @@
+#include "tools/vig/decide/Junction.h"
+
+#include <algorithm>
+#include <cmath>
+#include <string>
+
+#include "tools/vig/document/NormalFilter.h"
+#include "vig/base/Utf8.h"
+#include "vig/parsers/NumberText.h"
+
+namespace Brenta::OS::VIG::Tool {
+
+using RulesEngine::EventType;
+
+namespace {
+
+constexpr std::size_t kNothing = 0;  // the variable that is always absent, of literals that ask nothing of an event
+
+Literal truth(bool isTrue) {
+    return {kNothing, {0, 0, true, isTrue, false}};
+}
+
+std::optional<FilterValueType> comparedAs(AttributeKind kind) {
+    for (const auto& [type, text] : kFilterValueTypeTable.pairs) {
+        if (kindOf(type) == kind) {
+            return type;
+        }
+    }
+    return std::nullopt;
+}
+
+Value constantOf(const std::string& text, FilterValueType type) {
+    return withComparedType(type, [&]<typename T>(std::type_identity<T>) { return Value(readNearest<T>(text)); });
+}
+
+std::optional<Value> attributeOf(const AttributeSet& attributes, std::string_view name, FilterValueType type) {
+    switch (type) {
+        case FilterValueType::Integer:
+            return attributes.find<std::int64_t>(name);
+        case FilterValueType::Double:
+            return attributes.find<double>(name);
+        case FilterValueType::String:
+            break;
+    }
+    const auto text = attributes.find<std::string_view>(name).value_or("");
+    return text.empty() ? std::nullopt : std::optional<Value>(std::string(text));
+}
+
+// Tells whether a number that is drawn from the range can compare like that.
+bool canDraw(double least, double most, FilterOperator op, const Value& other) {
+    switch (op) {
+        case FilterOperator::Less:
+        case FilterOperator::LessEqual:
+            return compares(op, least, other);
+        case FilterOperator::Greater:
+        case FilterOperator::GreaterEqual:
+            return compares(op, most, other);
+        case FilterOperator::Equal:
+            return compares(FilterOperator::LessEqual, least, other) &&
+                   compares(FilterOperator::GreaterEqual, most, other);
+        case FilterOperator::NotEqual:
+            break;
+    }
+    return true;
+}
+
+// Returns how probable it is that a number between 0 and 1, or what corresponds to it in another range, compares so.
+double oddsOf(FilterOperator op, double shareBelow) {
+    switch (op) {
+        case FilterOperator::Less:
+        case FilterOperator::LessEqual:
+            return shareBelow;
+        case FilterOperator::Greater:
+        case FilterOperator::GreaterEqual:
+            return 1 - shareBelow;
+        case FilterOperator::Equal:
+            return 0;
+        case FilterOperator::NotEqual:
+            break;
+    }
+    return 1;
+}
+
+}  // namespace
+
+Junction::Junction(std::vector<const TransitionModel*> listening, EventType event,
+                   std::span<const FilterModel* const> furtherFilters, const Surroundings& surroundings)
+    : type(event), surroundings(surroundings) {
+    space.variables.push_back({FilterValueType::String, {}, Scale(FilterValueType::String), false});
+    for (const TransitionModel* const each : listening) {
+        Listener& listener = transitions.emplace_back(Listener{each, {}, {}});
+        for (const FilterModel& filter : each->filters) {
+            listener.filters.push_back(readFilter(filter));
+        }
+        for (const ActionModel& action : each->actions) {
+            const KnownAction* const known = findAction(action.key);
+            for (const ActionNeed& need : known != nullptr ? known->needs : std::span<const ActionNeed>()) {
+                if (const auto kind = comparedAs(need.kind)) {
+                    variableOf(need.attribute, *kind);
+                }
+            }
+        }
+    }
+    for (const FilterModel* const filter : furtherFilters) {
+        further.push_back(readFilter(*filter));
+    }
+    for (std::size_t index = 0; index < space.variables.size(); ++index) {
+        Scale& scale = space.variables[index].scale;
+        scale.settle();
+        presence[index] = {{{index, {0, scale.cellCount(), true, false, true}}}, {{index, {0, 0, true, true, false}}}};
+    }
+    for (Listener& listener : transitions) {
+        for (Meaning& meaning : listener.filters) {
+            giveMeaning(meaning);
+            listener.fails.push_back(meaning.fails.front());
+        }
+    }
+    std::ranges::for_each(further, [this](Meaning& each) { giveMeaning(each); });
+}
+
+// What the library does with operands of these kinds is told beside it; each of the two builds another filter.
+Junction::Meaning Junction::readFilter(const FilterModel& filter) {
+    const NormalFilter normal = normalFormOf(filter);
+    const bool looksInContext = hasConstant(filter) && !isOfConstants(filter);
+    Meaning meaning{normal.op,
+                    filter.valueType,
+                    looksInContext,
+                    sideOf(normal.left, filter.valueType, looksInContext),
+                    sideOf(normal.right, filter.valueType, looksInContext),
+                    {},
+                    {}};
+    for (const auto& [side, other] :
+         {std::pair(&meaning.left, &meaning.right), std::pair(&meaning.right, &meaning.left)}) {
+        if (side->kind != Side::Kind::Attribute) {
+            continue;
+        }
+        Scale& scale = space.variables[variableOf(side->name, filter.valueType)].scale;
+        if (other->kind == Side::Kind::Fixed) {
+            scale.add(other->value);
+        } else if (other->kind == Side::Kind::Draw) {
+            for (const double constant : {other->least, other->most, 0.0}) {
+                scale.add(constant);
+            }
+        }
+    }
+    return meaning;
+}
+
+Junction::Side Junction::sideOf(const OperandModel& operand, FilterValueType kind, bool looksInContext) const {
+    const std::string& text = operand.operand.value;
+    if (isConstant(operand)) {
+        return {Side::Kind::Fixed, constantOf(text, kind)};
+    }
+    if (isFunction(operand)) {
+        const DoubleFunction* const function = doubleFunctionOf(operand);
+        if (function != nullptr && kind == FilterValueType::Double) {
+            return {Side::Kind::Draw, {}, {}, function->least, std::nextafter(function->limit, function->least)};
+        }
+        const bool isKnown = withComparedType(kind, [&]<typename T>(std::type_identity<T>) {
+            std::function<T()> found;
+            return surroundings.registry.getPureFunction(text, found);
+        });
+        return {isKnown ? Side::Kind::Unknown : Side::Kind::Fixed, absentValue(kind)};
+    }
+    if (type != EventType::EnteringState || (looksInContext && isOfOpenContext(text, kind))) {
+        return {Side::Kind::Attribute, {}, text};
+    }
+    const auto given = looksInContext ? ofContext(text, kind) : std::nullopt;
+    const bool isMissing = looksInContext && !given && kind != FilterValueType::String;
+    return {isMissing ? Side::Kind::Missing : Side::Kind::Fixed, given.value_or(absentValue(kind))};
+}
+
+std::optional<Value> Junction::ofContext(std::string_view name, FilterValueType kind) const {
+    return attributeOf(surroundings.context, name, kind);
+}
+
+bool Junction::isOfOpenContext(std::string_view name, FilterValueType kind) const {
+    const CataloguedAttributes& known = surroundings.catalogue.context();
+    const auto found = known.find(name);
+    return surroundings.kind == Surroundings::Context::Catalogued && found != known.end() &&
+           found->second.has(kindOf(kind));
+}
+
+std::size_t Junction::variableOf(std::string_view name, FilterValueType kind) {
+    const auto [place, isNew] = variables.emplace(std::pair(kind, name), space.variables.size());
+    if (isNew) {
+        const CataloguedAttributes* const known = surroundings.catalogue.find(type);
+        const bool isPromised =
+            known != nullptr && known->contains(name) && known->find(name)->second.has(kindOf(kind));
+        const std::string text(name);
+        Variable variable{kind, name, Scale(kind)};
+        variable.isNamedInUtf8 = replaceInvalidUtf8(text) == text;
+        variable.isPromised = isPromised;
+        space.variables.push_back(std::move(variable));
+    }
+    return place->second;
+}
+
+CellSet Junction::cellsOf(FilterOperator op, std::size_t variable, const Value& constant) const {
+    const Scale& scale = space.variables[variable].scale;
+    const Scale::Cell cell = scale.cellOf(constant);
+    const bool isUnequal = op == FilterOperator::NotEqual;
+    if (!compares(FilterOperator::Equal, constant, constant)) {
+        return {0, 0, !isUnequal, isUnequal, isUnequal};  // it is NaN
+    }
+    switch (op) {
+        case FilterOperator::Equal:
+        case FilterOperator::NotEqual:
+            return {cell, cell + 1, !isUnequal, false, isUnequal};
+        case FilterOperator::Greater:
+            return {cell + 1, scale.cellCount()};
+        case FilterOperator::Less:
+            return {0, cell};
+        case FilterOperator::GreaterEqual:
+            return {cell, scale.cellCount()};
+        case FilterOperator::LessEqual:
+            break;
+    }
+    return {0, cell + 1};
+}
+
+// Returns where an attribute can be for the filter to hold, as its left side.
+CellSet Junction::comparedWith(const Side& other, FilterOperator op, std::size_t variable,
+                               const Meaning& meaning) const {
+    CellSet cells;
+    if (other.kind == Side::Kind::Fixed) {
+        cells = cellsOf(op, variable, other.value);
+        const auto given = meaning.looksInContext ? ofContext(space.variables[variable].name, meaning.type)
+                                                  : std::optional(absentValue(meaning.type));
+        const bool isText = meaning.type == FilterValueType::String;
+        cells.absent =
+            given ? compares(op, *given, other.value) : isText && compares(op, Value(std::string()), other.value);
+        return cells;
+    }
+    switch (op) {
+        case FilterOperator::Greater:
+        case FilterOperator::GreaterEqual:
+            cells = cellsOf(op, variable, other.least);
+            break;
+        case FilterOperator::Less:
+        case FilterOperator::LessEqual:
+            cells = cellsOf(op, variable, other.most);
+            break;
+        case FilterOperator::Equal:
+            cells = {cellsOf(op, variable, other.least).first, cellsOf(op, variable, other.most).last};
+            break;
+        case FilterOperator::NotEqual:
+            cells = {0, 0, false, false, true};
+            break;
+    }
+    cells.absent = cells.has(space.variables[variable].scale.cellOf(0.0));
+    return cells;
+}
+
+void Junction::giveMeaning(Meaning& meaning) {
+    using Kind = Side::Kind;
+    const auto& [op, kind, looksInContext, left, right, holds, fails] = meaning;
+    const auto both = [&](const Literal& holding, const Literal& failing) {
+        meaning.holds = {holding};
+        meaning.fails = {failing};
+    };
+    if (left.kind == Kind::Unknown || right.kind == Kind::Unknown ||
+        (left.kind == Kind::Draw && right.kind == Kind::Draw)) {
+        both(truth(true), truth(true));
+    } else if (left.kind == Kind::Missing || right.kind == Kind::Missing) {
+        both(truth(false), truth(true));
+    } else if (left.kind == Kind::Attribute && right.kind == Kind::Attribute) {
+        const Literal literal = relation(meaning);
+        both(literal, {literal.variable, literal.cells.complement()});
+    } else if (left.kind == Kind::Attribute || right.kind == Kind::Attribute) {
+        const bool isLeft = left.kind == Kind::Attribute;
+        const Side& other = isLeft ? right : left;
+        const FilterOperator seen = isLeft ? op : mirrored(op);
+        const std::size_t variable = variableOf(isLeft ? left.name : right.name, kind);
+        CellSet cells = comparedWith(other, seen, variable, meaning);
+        CellSet failing = cells.complement();
+        if (other.kind == Kind::Draw) {
+            failing = comparedWith(other, negated(seen), variable, meaning);
+            failing.nan = !cells.nan;
+        }
+        if (looksInContext && isOfOpenContext(space.variables[variable].name, kind)) {
+            cells.absent = failing.absent = true;
+        }
+        both({variable, cells}, {variable, failing});
+    } else if (left.kind == Kind::Draw || right.kind == Kind::Draw) {
+        const Side& drawn = left.kind == Kind::Draw ? left : right;
+        const Value& other = left.kind == Kind::Draw ? right.value : left.value;
+        const FilterOperator seen = left.kind == Kind::Draw ? op : mirrored(op);
+        const bool isNan = !compares(FilterOperator::Equal, other, other);
+        const bool canHold = isNan ? op == FilterOperator::NotEqual : canDraw(drawn.least, drawn.most, seen, other);
+        const bool canFail = isNan ? !canHold : canDraw(drawn.least, drawn.most, negated(seen), other);
+        both(truth(canHold), truth(canFail));
+    } else {
+        const bool isTrue = compares(op, left.value, right.value);
+        both(truth(isTrue), truth(!isTrue));
+    }
+}
+
+// The cells of a relation are those of a scale with one constant: less, equal, greater.
+Literal Junction::relation(const Meaning& meaning) {
+    std::size_t left = variableOf(meaning.left.name, meaning.type);
+    std::size_t right = variableOf(meaning.right.name, meaning.type);
+    FilterOperator op = meaning.op;
+    if (left == right) {
+        const bool isEqual = compares(op, absentValue(meaning.type), absentValue(meaning.type));
+        return {left, {0, 0, !isEqual, isEqual, op == FilterOperator::NotEqual}};
+    }
+    if (left > right) {
+        std::swap(left, right);
+        op = mirrored(op);
+    }
+    auto found = std::ranges::find_if(space.relations,
+                                      [&](const Relation& each) { return each.left == left && each.right == right; });
+    if (found == space.relations.end()) {
+        Variable variable{meaning.type, {}, Scale(FilterValueType::Integer)};
+        variable.scale.add(std::int64_t{0});
+        variable.scale.settle();
+        variable.canBeAbsent = false;
+        variable.isCompared = true;
+        space.variables[left].isCompared = space.variables[right].isCompared = true;
+        found = space.relations.insert(found, {space.variables.size(), left, right});
+        space.variables.push_back(std::move(variable));
+    }
+    return {found->variable, cellsOf(op, found->variable, std::int64_t{0})};
+}
+
+Junction::Question Junction::toReach(const Target& target) const {
+    Question question;
+    for (std::size_t index = 0; index < target.transition; ++index) {
+        question.push_back(&transitions[index].fails);
+    }
+    for (const Clause* const each :
+         toHold(target.transition, target.filter.value_or(transitions[target.transition].filters.size()))) {
+        question.push_back(each);
+    }
+    if (target.filter) {
+        question.push_back(&toHold(target.transition, *target.filter, target.outcome));
+    }
+    return question;
+}
+
+Junction::Question Junction::toPass() const {
+    Question question;
+    for (const Listener& each : transitions) {
+        question.push_back(&each.fails);
+    }
+    return question;
+}
+
+Junction::Question Junction::toHold(std::size_t transition, std::size_t filters) const {
+    Question question;
+    for (std::size_t index = 0; index < filters; ++index) {
+        question.push_back(&transitions[transition].filters[index].holds);
+    }
+    return question;
+}
+
+const Clause& Junction::present(AttributeKind kind, std::string_view name) const {
+    return presence.at(variables.at({*comparedAs(kind), name})).first;
+}
+
+const Clause& Junction::absent(AttributeKind kind, std::string_view name) const {
+    return presence.at(variables.at({*comparedAs(kind), name})).second;
+}
+
+Verdict Junction::decide(const Question& question, Values which, Effort& effort) const {
+    return CellSolver(space, which, CellSolver::Attributes::Any).solve(question, effort);
+}
+
+std::optional<EventRecord> Junction::eventFor(const Question& question, Effort& effort) const {
+    for (const auto attributes : {CellSolver::Attributes::Promised, CellSolver::Attributes::Any}) {
+        CellSolver solver(space, Values::Recordable, attributes);
+        if (solver.solve(question, effort) != Verdict::Yes) {
+            continue;
+        }
+        EventRecord record;
+        record.type = type;
+        if (type == EventType::Timeout) {
+            record.timeoutId = 1;
+        }
+        for (const auto& [key, variable] : variables) {
+            const auto value = solver.valueOf(variable);
+            if (!value) {
+                continue;
+            }
+            std::visit(
+                [&, name = key.second]<typename T>(const T& each) {
+                    using Stored = std::conditional_t<std::is_same_v<T, std::string>, std::string_view, T>;
+                    record.attributes.add<Stored>(name, each);
+                },
+                *value);
+        }
+        record.attributes.sort<std::int64_t>();
+        record.attributes.sort<double>();
+        record.attributes.sort<std::string_view>();
+        return record;
+    }
+    return std::nullopt;
+}
+
+std::optional<Value> Junction::valueOf(const Side& side, const Meaning& meaning, const EventRecord& record) const {
+    if (side.kind != Side::Kind::Attribute) {
+        return side.kind == Side::Kind::Missing ? std::nullopt : std::optional(side.value);
+    }
+    auto found = attributeOf(record.attributes, side.name, meaning.type);
+    if (!found && meaning.looksInContext) {
+        found = ofContext(side.name, meaning.type);
+    }
+    const bool isMissing = !found && meaning.looksInContext && meaning.type != FilterValueType::String;
+    return isMissing ? std::nullopt : std::optional(found.value_or(absentValue(meaning.type)));
+}
+
+bool Junction::can(const Meaning& meaning, const EventRecord& record, bool outcome) const {
+    const auto left = valueOf(meaning.left, meaning, record);
+    const auto right = valueOf(meaning.right, meaning, record);
+    if (!left || !right) {
+        return !outcome;
+    }
+    if (!meaning.draws()) {
+        return compares(meaning.op, *left, *right) == outcome;
+    }
+    if (meaning.left.kind == meaning.right.kind) {
+        return true;
+    }
+    const bool isLeft = meaning.left.kind == Side::Kind::Draw;
+    const Side& drawn = isLeft ? meaning.left : meaning.right;
+    const FilterOperator op = isLeft ? meaning.op : mirrored(meaning.op);
+    const Value& other = isLeft ? *right : *left;
+    if (!compares(FilterOperator::Equal, other, other)) {
+        return (op == FilterOperator::NotEqual) == outcome;
+    }
+    return canDraw(drawn.least, drawn.most, outcome ? op : negated(op), other);
+}
+
+// Takes numbers that are easily read, if they will do.
+void Junction::draw(const Meaning& meaning, const EventRecord& record, bool outcome, Draws& draws) const {
+    const auto candidatesOf = [&](const Side& side, const Side& other) {
+        if (side.kind != Side::Kind::Draw) {
+            return std::vector<Value>{*valueOf(side, meaning, record)};
+        }
+        std::vector<double> numbers = {0.5, 0.25, 0.75, side.least, side.most};
+        if (other.kind != Side::Kind::Draw) {
+            const double limit = std::get<double>(*valueOf(other, meaning, record));
+            numbers = {limit / 2,
+                       (limit + side.most) / 2,
+                       0.5,
+                       0.25,
+                       limit,
+                       std::nextafter(limit, 1),
+                       std::nextafter(limit, 0),
+                       side.least,
+                       side.most};
+        }
+        std::erase_if(numbers, [&](double each) { return !(side.least <= each && each <= side.most); });
+        return std::vector<Value>(numbers.begin(), numbers.end());
+    };
+    for (const Value& left : candidatesOf(meaning.left, meaning.right)) {
+        for (const Value& right : candidatesOf(meaning.right, meaning.left)) {
+            if (compares(meaning.op, left, right) != outcome) {
+                continue;
+            }
+            double share = 0.5;
+            for (const auto& [side, number, other] :
+                 {std::tuple(&meaning.left, &left, &right), std::tuple(&meaning.right, &right, &left)}) {
+                if (side->kind == Side::Kind::Draw) {
+                    draws.numbers.push_back(std::get<double>(*number));
+                } else {
+                    const double limit = std::get<double>(*number);
+                    const bool isLeft = side == &meaning.left;
+                    const Side& drawn = isLeft ? meaning.right : meaning.left;
+                    const double below =
+                        std::clamp((limit - drawn.least) / (std::nextafter(drawn.most, 2) - drawn.least), 0.0, 1.0);
+                    share = isLeft ? 1 - below : below;
+                }
+            }
+            const double odds = oddsOf(meaning.op, share);
+            draws.odds *= outcome ? odds : 1 - odds;
+            return;
+        }
+    }
+}
+
+Draws Junction::drawsFor(const EventRecord& record, const std::optional<Target>& target) const {
+    Draws draws;
+    for (std::size_t index = 0; index < transitions.size(); ++index) {
+        const bool isTarget = target && target->transition == index;
+        const auto& filters = transitions[index].filters;
+        for (std::size_t filter = 0; filter < filters.size(); ++filter) {
+            const bool wanted = isTarget && (filter != target->filter || target->outcome);
+            const bool outcome = can(filters[filter], record, wanted) == wanted;
+            if (filters[filter].draws()) {
+                draw(filters[filter], record, outcome, draws);
+            }
+            if (!outcome) {
+                break;
+            }
+        }
+        if (isTarget) {
+            break;
+        }
+    }
+    return draws;
+}
+
+}  // namespace Brenta::OS::VIG::Tool

@@ -1,0 +1,156 @@
+#pragma once
+
+#include <cstddef>
+#include <map>
+#include <optional>
+#include <span>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "rulesengine/EventType.h"
+#include "tools/vig/catalogue/ActionNeeds.h"
+#include "tools/vig/catalogue/Catalogue.h"
+#include "tools/vig/decide/CellSolver.h"
+#include "tools/vig/document/RuleModel.h"
+#include "tools/vig/events/AttributeSet.h"
+#include "tools/vig/events/EventRecord.h"
+#include "vig/parsers/VIGParserConfig.h"
+
+namespace Brenta::OS::VIG::Tool {
+
+// It is what decides over a document besides the document. All of it must outlive who decides.
+struct Surroundings {
+    enum class Context {
+        Given,      // each machine's context has the attributes of `context`
+        Catalogued  // it may have any of those that the catalogue knows, with any value
+    };
+
+    const VIGParserConfig& registry;
+    const Catalogue& catalogue;  // values of the attributes that it knows are preferred to their absence
+    const AttributeSet& context;
+    Effort& effort;  // that is left for all of the document
+    Context kind = Context::Given;
+};
+
+// It is what the random function gives while one event is offered, in order, and how probable it is that it does as
+// much for the filters.
+struct Draws {
+    std::vector<double> numbers;
+    double odds = 1;
+};
+
+// It has the transitions of one state that listen for one event type, in order, and says which events they take: an
+// event can fire one if it fulfils all its filters, and of each transition before it fails one filter. A filter with a
+// draw can be fulfilled by some events, and fails for some, which may be the same.
+class Junction {
+  public:
+    // It is what an event has to do: be asked of the filters of a transition, one after the other, until the one given;
+    // with none given it fires.
+    struct Target {
+        std::size_t transition;
+        std::optional<std::size_t> filter = {};
+        bool outcome = true;  // of that filter
+    };
+
+    using Question = std::vector<const Clause*>;
+
+    // `further` are filters about which is asked as well; they are not compared with draws. All must outlive it.
+    Junction(std::vector<const TransitionModel*> listening, RulesEngine::EventType event,
+             std::span<const FilterModel* const> further, const Surroundings& surroundings);
+    Junction(const Junction&) = delete;
+    Junction& operator=(const Junction&) = delete;
+
+    RulesEngine::EventType event() const { return type; }
+    std::size_t size() const { return transitions.size(); }
+    const TransitionModel& transition(std::size_t index) const { return *transitions[index].model; }
+
+    Question toReach(const Target& target) const;
+
+    // The event passes all transitions.
+    Question toPass() const;
+
+    // They are asked by themselves: the filters of a transition until before one of them, and that a transition fails.
+    Question toHold(std::size_t transition, std::size_t filters) const;
+    const Clause& toFail(std::size_t transition) const { return transitions[transition].fails; }
+    const Clause& toHold(std::size_t transition, std::size_t filter, bool outcome) const {
+        const Meaning& meaning = transitions[transition].filters[filter];
+        return outcome ? meaning.holds : meaning.fails;
+    }
+    const Clause& furtherHolds(std::size_t filter) const { return further[filter].holds; }
+    const Clause& furtherFails(std::size_t filter) const { return further[filter].fails; }
+
+    // Returns the clause that an attribute is there, or is not. REQUIRES: an action that asks for a collection needs
+    // it, or a filter reads it.
+    const Clause& present(AttributeKind kind, std::string_view name) const;
+    const Clause& absent(AttributeKind kind, std::string_view name) const;
+
+    Verdict decide(const Question& question, Values which, Effort& effort) const;
+
+    // Returns an event that fulfils the question, if that is decided.
+    std::optional<EventRecord> eventFor(const Question& question, Effort& effort) const;
+
+    // Returns what has to be drawn for the event to come to the target; nothing of a target is that it passes all.
+    Draws drawsFor(const EventRecord& record, const std::optional<Target>& target) const;
+
+  private:
+    // One side of a comparison.
+    struct Side {
+        enum class Kind {
+            Fixed,
+            Missing,  // a number that is nowhere, which makes the filter false
+            Attribute,
+            Draw,
+            Unknown
+        };
+        Kind kind;
+        Value value = {};
+        std::string_view name = {};
+        double least = 0;  // of the numbers that are drawn
+        double most = 0;
+    };
+
+    // What a filter asks, as clauses of one literal.
+    struct Meaning {
+        FilterOperator op;
+        FilterValueType type;
+        bool looksInContext;  // for an attribute that the event lacks
+        Side left;
+        Side right;
+        Clause holds;
+        Clause fails;
+
+        bool draws() const { return left.kind == Side::Kind::Draw || right.kind == Side::Kind::Draw; }
+    };
+
+    struct Listener {
+        const TransitionModel* model;
+        std::vector<Meaning> filters;
+        Clause fails;  // one of its filters does
+    };
+
+    Meaning readFilter(const FilterModel& filter);
+    Side sideOf(const OperandModel& operand, FilterValueType kind, bool looksInContext) const;
+    std::optional<Value> ofContext(std::string_view name, FilterValueType kind) const;
+    bool isOfOpenContext(std::string_view name, FilterValueType kind) const;
+    std::size_t variableOf(std::string_view name, FilterValueType kind);
+    void giveMeaning(Meaning& meaning);
+    CellSet cellsOf(FilterOperator op, std::size_t variable, const Value& constant) const;
+    CellSet comparedWith(const Side& other, FilterOperator op, std::size_t variable, const Meaning& meaning) const;
+    Literal relation(const Meaning& meaning);
+
+    // Returns the value of a side that is no draw, or nothing if it is missing.
+    std::optional<Value> valueOf(const Side& side, const Meaning& meaning, const EventRecord& record) const;
+    bool can(const Meaning& meaning, const EventRecord& record, bool outcome) const;
+    void draw(const Meaning& meaning, const EventRecord& record, bool outcome, Draws& draws) const;
+
+    const RulesEngine::EventType type;
+    const Surroundings& surroundings;
+    Space space;
+    std::map<std::pair<FilterValueType, std::string_view>, std::size_t> variables;
+    std::vector<Listener> transitions;
+    std::vector<Meaning> further;
+    std::map<std::size_t, std::pair<Clause, Clause>> presence;  // by variable: that it is there, that it is not
+};
+
+}  // namespace Brenta::OS::VIG::Tool
