@@ -4,12 +4,12 @@
 #include <utility>
 
 #include "rulesengine/FuncFilter.h"
+#include "tools/vig/document/Registry.h"
 #include "tools/vig/events/EventReader.h"
 #include "tools/vig/run/PlatformServices.h"
 #include "tools/vig/run/Replay.h"
 #include "tools/vig/trace/RebuiltMachines.h"
 #include "tools/vig/words/Text.h"
-#include "vig/functions/DoubleFunctions.h"
 #include "vig/parsers/VIGResponseParser.h"
 
 namespace Brenta::OS::VIG::Tool {
@@ -28,22 +28,6 @@ class NoReceiver final : public PlatformServices::Receiver {
     void onTrigger(const vendor::orlan::velora::TriggerContext& /*context*/) override {}
 };
 
-// Returns the same registry with a generator in the place of that of the process. It must outlive what is parsed.
-VIGParserConfig registryWith(PseudoRandomGenerator& generator, const VIGParserConfig& library) {
-    auto doubleFunctions = library.getDoublePureFunctions();
-    for (const DoubleFunction& each : kDoubleFunctions) {
-        if (each.isRandom) {
-            doubleFunctions.insert_or_assign(each.name, [&generator, least = each.least, limit = each.limit] {
-                return least + (limit - least) * generator.draw();
-            });
-        }
-    }
-    // Filters have no use for functions that return bool.
-    return VIGParserConfig(library.getEventTypes(), library.getActionFunctionFactories(),
-                           library.getInt64PureFunctions(), std::move(doubleFunctions),
-                           library.getStringPureFunctions(), {});
-}
-
 MachineGroup::Configs parse(const DocumentModel& document, const VIGParserConfig& registry) {
     NoReceiver quiet;
     const PlatformServices::OnThread receiver(quiet);
@@ -58,7 +42,9 @@ std::uint32_t deviceSeed(std::uint32_t seed, std::string_view name) {
 }
 
 DeviceRunner::DeviceRunner(const FleetPlan& plan)
-    : plan(plan), generator(plan.seed), parsed(parse(plan.document, registryWith(generator, plan.registry))) {}
+    : plan(plan),
+      generator(plan.seed),
+      parsed(parse(plan.document, withDraws(plan.registry, [this] { return generator.draw(); }))) {}
 
 MachineGroup::Configs DeviceRunner::newMachines(FiredCounts& fired) const {
     for (const ConfigModel& each : plan.document.configs) {
