@@ -390,12 +390,12 @@ std::optional<Route> Behaviour::search(const Options& options) {
 
 // Adds the draws that lead along the chain to the stop, and there to the ending, or to rest.
 void Behaviour::steer(const Chain& chain, std::size_t stop, const std::optional<Junction::Target>& ending,
-                      Draws& draws) {
+                      DrawPlan& draws) {
     EventRecord entering;
     entering.type = EventType::EnteringState;
     const auto add = [&](std::size_t state, const std::optional<Junction::Target>& target) {
         if (const Crossing* const crossing = enteringCrossing(state)) {
-            const Draws more = crossing->junction->drawsFor(entering, target);
+            const DrawPlan more = crossing->junction->drawsFor(entering, target);
             draws.numbers.insert(draws.numbers.end(), more.numbers.begin(), more.numbers.end());
             draws.odds *= more.odds;
         }
@@ -419,7 +419,7 @@ std::optional<Plan> Behaviour::planFor(const Route& route) {
         return steps == route.steps.size() ? route.ending : std::nullopt;
     };
     Plan plan;
-    Draws draws;
+    DrawPlan draws;
     steer(chainFrom(kStart), route.startStop, endingAfter(0), draws);
     plan.draws.push_back(draws.numbers);
     plan.odds.push_back(draws.odds);

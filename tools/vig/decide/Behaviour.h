@@ -135,6 +135,8 @@ class Behaviour {
     // Returns what makes the machine take the route; nothing if that could not be found within the effort.
     std::optional<Plan> planFor(const Route& route);
 
+    Effort& budget() { return effort; }
+
     Verdict decide(const Junction& junction, const Junction::Question& question, Values which = Values::Recordable);
 
     // Returns true if something was left undecided since the object was made.
@@ -178,7 +180,7 @@ class Behaviour {
     const Entering& enteringOf(std::size_t state);
     const Crossing* enteringCrossing(std::size_t state) const;
     Route routeBy(const Arrival& last);
-    void steer(const Chain& chain, std::size_t stop, const std::optional<Junction::Target>& ending, Draws& draws);
+    void steer(const Chain& chain, std::size_t stop, const std::optional<Junction::Target>& ending, DrawPlan& draws);
 
     const ConfigModel& model;
     Effort& effort;

@@ -433,7 +433,7 @@ bool Junction::can(const Meaning& meaning, const EventRecord& record, bool outco
 }
 
 // Takes numbers that are easily read, if they will do.
-void Junction::draw(const Meaning& meaning, const EventRecord& record, bool outcome, Draws& draws) const {
+void Junction::draw(const Meaning& meaning, const EventRecord& record, bool outcome, DrawPlan& draws) const {
     const auto candidatesOf = [&](const Side& side, const Side& other) {
         if (side.kind != Side::Kind::Draw) {
             return std::vector<Value>{*valueOf(side, meaning, record)};
@@ -480,8 +480,8 @@ void Junction::draw(const Meaning& meaning, const EventRecord& record, bool outc
     }
 }
 
-Draws Junction::drawsFor(const EventRecord& record, const std::optional<Target>& target) const {
-    Draws draws;
+DrawPlan Junction::drawsFor(const EventRecord& record, const std::optional<Target>& target) const {
+    DrawPlan draws;
     for (std::size_t index = 0; index < transitions.size(); ++index) {
         const bool isTarget = target && target->transition == index;
         const auto& filters = transitions[index].filters;

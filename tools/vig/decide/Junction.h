@@ -35,7 +35,7 @@ struct Surroundings {
 
 // It is what the random function gives while one event is offered, in order, and how probable it is that it does as
 // much for the filters.
-struct Draws {
+struct DrawPlan {
     std::vector<double> numbers;
     double odds = 1;
 };
@@ -91,7 +91,7 @@ class Junction {
     std::optional<EventRecord> eventFor(const Question& question, Effort& effort) const;
 
     // Returns what has to be drawn for the event to come to the target; nothing of a target is that it passes all.
-    Draws drawsFor(const EventRecord& record, const std::optional<Target>& target) const;
+    DrawPlan drawsFor(const EventRecord& record, const std::optional<Target>& target) const;
 
   private:
     // One side of a comparison.
@@ -142,7 +142,7 @@ class Junction {
     // Returns the value of a side that is no draw, or nothing if it is missing.
     std::optional<Value> valueOf(const Side& side, const Meaning& meaning, const EventRecord& record) const;
     bool can(const Meaning& meaning, const EventRecord& record, bool outcome) const;
-    void draw(const Meaning& meaning, const EventRecord& record, bool outcome, Draws& draws) const;
+    void draw(const Meaning& meaning, const EventRecord& record, bool outcome, DrawPlan& draws) const;
 
     const RulesEngine::EventType type;
     const Surroundings& surroundings;

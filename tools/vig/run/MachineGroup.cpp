@@ -4,6 +4,7 @@
 
 #include <utility>
 
+#include "rulesengine/State.h"
 #include "tools/vig/events/EventRecord.h"
 
 namespace Brenta::OS::VIG::Tool {
@@ -52,6 +53,18 @@ void MachineGroup::drive(EventType type, std::optional<std::int64_t> timeMs, boo
 void MachineGroup::start() {
     current = 0;
     drive(EventType::EnteringState, std::nullopt, true, [](FiniteStateMachine& machine) { machine.start(); });
+}
+
+void MachineGroup::startAnew() {
+    events = 0;
+    triggers = 0;
+    current = 0;
+    for (Machine& each : machines) {
+        each.state = each.machine->getStateByName(State::START_STATE);
+    }
+    drive(EventType::EnteringState, std::nullopt, true, [](FiniteStateMachine& machine) {
+        machine.enterState(machine.getStateByName(State::START_STATE));
+    });
 }
 
 void MachineGroup::offer(const EventRecord& record) {

@@ -33,12 +33,19 @@ class MachineGroup final : public PlatformServices::Receiver {
 
     void start();
 
+    // Puts the machines back into their start states and starts them, as if nothing had been offered yet.
+    void startAnew();
+
     void offer(const EventRecord& record);
 
     // Lets what is logged until the next event belong to none.
     void leaveEvent() { current = 0; }
 
     std::size_t size() const { return machines.size(); }
+
+    // Returns the place of the machine that does something. REQUIRES: called while one does.
+    std::size_t drivenIndex() const { return driven->name.index; }
+
     std::uint64_t eventCount() const { return events; }
     std::uint64_t triggerCount() const { return triggers; }
 

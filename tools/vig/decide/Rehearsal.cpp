@@ -1,0 +1,73 @@
+#include "tools/vig/decide/Rehearsal.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "tools/vig/document/Registry.h"
+#include "vig/parsers/VIGResponseParser.h"
+
+namespace Brenta::OS::VIG::Tool {
+
+bool Witness::firesAtTheEnd(std::size_t transition) const {
+    return std::ranges::any_of(trials, [&](const Trial& each) {
+        return each.fired && each.transition == transition && each.event == events.size();
+    });
+}
+
+Rehearsal::Rehearsal(std::string text, const AttributeSet& context)
+    : model({}, std::move(text)), tracer(*this), group(context, *this, &tracer), services(group) {
+    const auto registry = tracer.registryFrom(withDraws(libraryRegistry(), [this] { return draw(); }));
+    if (const auto parsed = VIGResponseParser().parseFromString(model.text.source().text(), registry); parsed.value) {
+        group.adopt(tracer.watch(model, *parsed.value));
+    }
+}
+
+Witness Rehearsal::play(std::size_t machine, const Plan& plan) {
+    witness = {plan.events, {}, {}, {}};
+    played = machine;
+    const auto prepare = [&](std::size_t event) {
+        numbers = &plan.draws[event];
+        drawn = 0;
+    };
+    prepare(0);
+    group.startAnew();
+    for (std::size_t event = 0; event < plan.events.size(); ++event) {
+        prepare(event + 1);
+        group.offer(plan.events[event]);
+    }
+    std::vector<double>& draws = witness.draws;
+    while (draws.size() > 1 && draws[draws.size() - 1] == draws[draws.size() - 2]) {
+        draws.pop_back();
+    }
+    return std::move(witness);
+}
+
+double Rehearsal::draw() {
+    constexpr double kOfOthers = 0.5;
+    const bool isPlanned = group.drivenIndex() == played && drawn < numbers->size();
+    const double number = isPlanned ? (*numbers)[drawn++] : kOfOthers;
+    witness.draws.push_back(number);
+    return number;
+}
+
+void Rehearsal::loaded(const DocumentModel& /*document*/) {}
+
+void Rehearsal::step(const Step& step) {
+    for (const Attempt& attempt : step.attempts) {
+        if (step.machine.index == played) {
+            Witness::Trial trial{step.event, attempt.index, {}, attempt.fired};
+            for (const Comparison& each : attempt.comparisons) {
+                trial.verdicts.push_back(each.verdict);
+            }
+            witness.trials.push_back(std::move(trial));
+        }
+    }
+}
+
+void Rehearsal::trigger(const TriggerLine& line) {
+    if (line.machine.index == played) {
+        witness.triggers.push_back(line.event);
+    }
+}
+
+}  // namespace Brenta::OS::VIG::Tool

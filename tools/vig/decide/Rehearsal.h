@@ -1,0 +1,70 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "tools/vig/decide/Behaviour.h"
+#include "tools/vig/document/RuleModel.h"
+#include "tools/vig/events/AttributeSet.h"
+#include "tools/vig/run/MachineGroup.h"
+#include "tools/vig/run/PlatformServices.h"
+#include "tools/vig/trace/Report.h"
+#include "tools/vig/trace/Trace.h"
+#include "tools/vig/trace/Tracer.h"
+
+namespace Brenta::OS::VIG::Tool {
+
+// It is a recording that shows something, and what the machine that it is about did with it, in the library.
+struct Witness {
+    // One transition that the machine tried.
+    struct Trial {
+        std::uint64_t event;  // counted from 1, and 0 when it starts
+        std::size_t transition;
+        std::vector<bool> verdicts;  // of its filters, up to the first that is false
+        bool fired;
+    };
+
+    std::vector<EventRecord> events;
+    std::vector<double> draws;            // of all machines of the document, in order; the last one is drawn for ever
+    std::vector<Trial> trials;            // those of all events
+    std::vector<std::uint64_t> triggers;  // the events by which it asked for collections
+
+    // Tells whether the machine fired it by the last event, or after that.
+    bool firesAtTheEnd(std::size_t transition) const;
+};
+
+// Has the library play what was decided: nothing is shown that did not happen there. It stands in for the platform as
+// long as it lives, so that nothing else may; used on one thread.
+class Rehearsal final : private Trace, private NoReport {
+  public:
+    // `text` is a rule document that the library accepts; the context, which must outlive it, is that of every machine.
+    Rehearsal(std::string text, const AttributeSet& context);
+    Rehearsal(const Rehearsal&) = delete;
+    Rehearsal& operator=(const Rehearsal&) = delete;
+
+    const DocumentModel& document() const { return model; }
+
+    // Lets all machines of the document start anew and offers them the events of the plan, which is one for that
+    // machine. The others draw numbers of their own.
+    Witness play(std::size_t machine, const Plan& plan);
+
+  private:
+    void loaded(const DocumentModel& document) override;
+    void step(const Step& step) override;
+    void trigger(const TriggerLine& line) override;
+
+    double draw();
+
+    const DocumentModel model;
+    Tracer tracer;
+    MachineGroup group;
+    PlatformServices services;
+    std::size_t played = 0;                        // the machine in question
+    const std::vector<double>* numbers = nullptr;  // that it is to draw for the event
+    std::size_t drawn = 0;                         // so many of them
+    Witness witness;
+};
+
+}  // namespace Brenta::OS::VIG::Tool
