@@ -25,33 +25,38 @@ struct Parsed : Verbs {
 TEST(CommandLine, VerbsHaveTheirDefaultsAndOptions) {
     const auto plain = Parsed({"run", "r.json"}).run;
     EXPECT_EQ(plain.format, ReportFormat::Text);
-    EXPECT_EQ(plain.seed, 5489u);
+    EXPECT_EQ(plain.draws.seed, 5489u);
     const auto run = Parsed({"run", "r", "--format", "jsonl", "a", "-", "--seed=4294967295", "--context", "c",
                              "--explain", "--why-not", "p", "-j", "3", "--summary-only"})
                          .run;
     EXPECT_EQ(run.devices, (Strings{"a", "-"}));
     EXPECT_EQ(run.rules + run.contextFile + run.whyNot, "rcp");
     EXPECT_EQ(run.format, ReportFormat::Jsonl);
-    EXPECT_EQ(run.seed, 4294967295u);
+    EXPECT_EQ(run.draws.seed, 4294967295u);
     EXPECT_EQ(run.threads, 3u);
     EXPECT_TRUE(run.explain && run.summaryOnly);
+    const auto drawn = Parsed({"run", "r", "--draw", "0.05", "a", "--draw=0"}).run;
+    EXPECT_EQ(drawn.draws.numbers, (std::vector{0.05, 0.0}));
+    EXPECT_EQ(drawn.devices, Strings{"a"});
     const auto summary = Parsed({"summary", "a", "b", "--format", "json"}).summary;
     EXPECT_EQ(summary.files, (Strings{"a", "b"}));
     EXPECT_EQ(summary.format, ReportFormat::Json);
     EXPECT_EQ(Parsed({"summary"}).summary.files, Strings{"-"});
-    const auto test =
-        Parsed({"test", "--filter", "n", "a", "b", "--coverage", "--coverage-min", "99.5", "--junit", "x"}).test;
+    const auto test = Parsed({"test", "--filter", "n", "a", "b", "--coverage", "--coverage-min", "99.5", "--junit", "x",
+                              "--draw", "0.7"})
+                          .test;
     EXPECT_EQ(test.files, (Strings{"a", "b"}));
     EXPECT_EQ(test.filter + test.junitFile, "nx");
     EXPECT_TRUE(test.coverage);
     EXPECT_EQ(test.coverageMin, 99.5);
+    EXPECT_EQ(test.draws.numbers, std::vector{0.7});
     const auto watch = Parsed({"watch", "r", "--interval", "500ms", "--duration", "2m", "--record", "f", "--force",
                                "--seed", "7", "--context", "c"})
                            .watch;
     EXPECT_EQ(watch.interval, milliseconds(500));
     EXPECT_EQ(watch.duration, milliseconds(120'000));
     EXPECT_EQ(watch.rules + watch.recordFile + watch.contextFile, "rfc");
-    EXPECT_EQ(watch.seed, 7u);
+    EXPECT_EQ(watch.draws.seed, 7u);
     EXPECT_TRUE(watch.overwrite);
     EXPECT_EQ(Parsed({"catalogue", "e.jsonl"}).catalogue.events, "e.jsonl");
     const auto check = Parsed({"check", "--format=sarif", "--allow", "no-way-out", "a", "b", "--strict", "--allow",
@@ -66,7 +71,7 @@ TEST(CommandLine, VerbsHaveTheirDefaultsAndOptions) {
         Parsed({"graph", "r", "--format", "png", "--events", "e", "--seed", "7", "--context", "c"}).graph;
     EXPECT_EQ(graph.rules + graph.events + graph.contextFile, "rec");
     EXPECT_EQ(graph.format, GraphFormat::Png);
-    EXPECT_EQ(graph.seed, 7u);
+    EXPECT_EQ(graph.draws.seed, 7u);
 }
 
 TEST(CommandLine, EveryOptionHasATest) {

@@ -158,11 +158,11 @@ TEST(Schemas, RuleTestsAcceptWhatTheToolReads) {
         Strings ignored;
         // A file that is cut and written again goes to the disk at once.
         std::filesystem::remove(folder.path("test.json"));
-        return readTestFile(folder.write("test.json", text), Interruption(), ignored).has_value();
+        return readTestFile(folder.write("test.json", text), {}, Interruption(), ignored).has_value();
     };
     compare(
         "rule-test.schema.json", accepts,
-        {R"({"$schema":"x","rules":"x","tests":[{"name":"a","events":"x","expect":{}}]})",
+        {R"({"$schema":"x","rules":"x","tests":[{"name":"a","events":"x","expect":{},"draws":[0,0.5]}]})",
          R"({"rules":"x","tests":[{"name":"a","seed":4294967295,"context":{"int64":{"b":1}},"events":[{"event":"Test"}],)"
          R"("expect":{"log":["x",{"message":"x","priority":"info"}],"states":{"7":"a"},"moves":0,"triggers":[{"event":0,)"
          R"("name":"x","process":"x","config":-1,"metadata":[],"metadata_contains":["x"]}]}}]})"},

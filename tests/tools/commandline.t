@@ -20,6 +20,14 @@ What is missing or wrong is a usage error, which names the help to read.
   > run r --seed 4294967296
   > run r --seed 0x10
   > run r --seed ''
+  > run r --draw 1
+  > run r --draw 0 --draw -0.1
+  > run r --draw ''
+  > run r --draw {}
+  > run r --draw 0.1x
+  > graph r --draw 1e-400
+  > test r --draw nan
+  > watch r --draw 0 --seed 1
   > run r --format xml
   > run r --interval 1s
   > run r --context ''
@@ -53,6 +61,14 @@ What is missing or wrong is a usage error, which names the help to read.
   2 vig: error: --seed: expected a whole number from 0 to 4294967295, got 4294967296. Try: vig run --help
   2 vig: error: --seed: expected a whole number from 0 to 4294967295, got 0x10. Try: vig run --help
   2 vig: error: --seed: expected a whole number from 0 to 4294967295, got nothing. Try: vig run --help
+  2 vig: error: --draw: expected a number from 0 up to, but not including, 1, got 1. Try: vig run --help
+  2 vig: error: --draw: expected a number from 0 up to, but not including, 1, got -0.1. Try: vig run --help
+  2 vig: error: --draw: expected a number from 0 up to, but not including, 1, got nothing. Try: vig run --help
+  2 vig: error: --draw: expected a number from 0 up to, but not including, 1, got {}. Try: vig run --help
+  2 vig: error: --draw: expected a number from 0 up to, but not including, 1, got 0.1x. Try: vig run --help
+  2 vig: error: --draw: expected a number from 0 up to, but not including, 1, got 1e-400. Try: vig graph --help
+  2 vig: error: --draw: expected a number from 0 up to, but not including, 1, got nan. Try: vig test --help
+  2 vig: error: --seed excludes --draw. Try: vig watch --help
   2 vig: error: --format: expected text|jsonl|json, got xml. Try: vig run --help
   2 vig: error: The following argument was not expected: --interval. Try: vig run --help
   2 vig: error: --context: expected a name, got nothing. Try: vig run --help

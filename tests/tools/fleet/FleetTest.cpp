@@ -90,7 +90,7 @@ TEST_F(Fleet, OutputIsThatOfTheDevicesAloneInTheirOrderWhateverTheNumberOfThread
         RunOptions alone;
         static_cast<RuleOptions&>(alone) = options;
         alone.events = device;
-        alone.seed = deviceSeed(options.seed, device);
+        alone.draws.seed = deviceSeed(options.draws.seed, device);
         for (std::string& line : linesWith(runVerb(Tool::run, alone).out, "")) {
             // The delivery of the document is told once.
             if (!line.starts_with(R"({"type":"log","event":0)") || expected.empty()) {

@@ -25,7 +25,7 @@ using namespace support;
 using testing::HasSubstr;
 
 GraphOptions optionsOf(GraphFormat format, const std::string& events = {}) {
-    return {{VIG_SOURCE_DIR "/examples/escalation.json", MachineOptions().seed, ""}, format, events};
+    return {{VIG_SOURCE_DIR "/examples/escalation.json", MachineOptions().draws, ""}, format, events};
 }
 
 TEST(GraphText, IsCutBetweenCharacters) {

@@ -126,6 +126,23 @@ The seed and the context decide what happens.
   twice.jsonl: error: expected exactly one record
   [2]
 
+Draws are made as they are listed, by each device anew, and the last one stays.
+
+  $ half=$(filters 'double PseudoRandomDouble() < =0.5')
+  $ document_of "$(transition start other Test "$half")" "$(transition other start Test "$half")" >flip.json
+  $ yes '{"event":"Test"}' | head -5 >five.jsonl
+  $ vig run flip.json five.jsonl --draw 0.5 --draw 0 --draw 0.49999999999999994 --draw 0.75 --explain | grep -E 'move|<'
+                                         no    PseudoRandomDouble() < 0.5  0.5 < 0.5
+                                         yes   PseudoRandomDouble() < 0.5  0 < 0.5
+          2  move     0 (id 7)       start -> other
+                                         yes   PseudoRandomDouble() < 0.5  0.49999999999999994 < 0.5
+          3  move     0 (id 7)       other -> start
+                                         no    PseudoRandomDouble() < 0.5  0.75 < 0.5
+                                         no    PseudoRandomDouble() < 0.5  0.75 < 0.5
+  $ vig run flip.json five.jsonl five.jsonl -j 1 --draw 0 --draw 0.5 | grep move
+          1  move     0 (id 7)       start -> other
+          1  move     0 (id 7)       start -> other
+
 Nobody has to read what is printed.
 
   $ mkfifo unread

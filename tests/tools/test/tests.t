@@ -86,6 +86,21 @@ An explanation draws the random numbers of the test.
   FAIL  r.test.json: 3 of 6 passed
   [1]
 
+It makes the draws that the test or, if that has no seed either, the command line lists.
+
+  $ tests random.json "$(case_of listed "$z,$z" '},"draws":[0.5,0.75],"context":{')" \
+  >   "$(case_of seeded $z '},"seed":2,"context":{')" "$(case_of open $z '')" >d.test.json
+  $ for draw in 0.25 0.875; do vig test d.test.json --draw $draw | grep -E '^FAIL|[0-9] > 0'; done
+  FAIL  d.test.json:2: listed
+            yes   PseudoRandomDouble() > 0.5  0.75 > 0.5
+  FAIL  d.test.json: 2 of 3 passed
+  FAIL  d.test.json:2: listed
+            yes   PseudoRandomDouble() > 0.5  0.75 > 0.5
+  FAIL  d.test.json:4: open
+            yes   PseudoRandomDouble() > 0.5  0.875 > 0.5
+  FAIL  d.test.json: 1 of 3 passed
+  [1]
+
 Coverage tells what no test reaches, which can be too little.
 
   $ tests rules.json "$good" >good.test.json
@@ -192,6 +207,10 @@ What is not part of a test file is an error at its place.
   > {"rules":1,"tests":{}}
   > {"rules":"","tests":[7]}
   > {"rules":"","tests":[{"name":"a","events":[],"expect":{},"seed":-1}]}
+  > {"rules":"","tests":[{"name":"a","events":[],"expect":{},"draws":[]}]}
+  > {"rules":"","tests":[{"name":"a","events":[],"expect":{},"draws":0.5}]}
+  > {"rules":"","tests":[{"name":"a","events":[],"expect":{},"draws":[0,1,-0.1,true,"0",0.99999999999999999999]}]}
+  > {"rules":"","tests":[{"name":"a","events":[],"expect":{},"seed":1,"draws":[0]}]}
   > {"rules":"","tests":[{"name":"a","events":[],"expect":{},"context":{"int":{}}}]}
   > {"rules":"","tests":[{"name":"a","events":[],"expect":{},"context":{"int64":{"a":"b"}}}]}
   > {"rules":"","tests":[{"name":"a","events":[{"event":"Tst"}],"expect":{}}]}
@@ -210,6 +229,14 @@ What is not part of a test file is an error at its place.
   b.test.json:1:20: error: tests: expected an array, got an object
   b.test.json:1:22: error: tests[0]: expected an object, got a number
   b.test.json:1:65: error: tests[0].seed: expected an integer from 0 to 4294967295
+  b.test.json:1:66: error: tests[0].draws: there is no draw
+  b.test.json:1:66: error: tests[0].draws: expected an array, got a number
+  b.test.json:1:69: error: tests[0].draws[1]: expected a number from 0 up to, but not including, 1
+  b.test.json:1:71: error: tests[0].draws[2]: expected a number from 0 up to, but not including, 1
+  b.test.json:1:76: error: tests[0].draws[3]: expected a number from 0 up to, but not including, 1
+  b.test.json:1:81: error: tests[0].draws[4]: expected a number from 0 up to, but not including, 1
+  b.test.json:1:85: error: tests[0].draws[5]: expected a number from 0 up to, but not including, 1
+  b.test.json:1:75: error: tests[0].draws: not together with "seed"
   b.test.json:1:75: error: tests[0].context: unknown key "int"; did you mean "int64"?
   b.test.json:1:68: error: tests[0].context: int64.a: expected a signed 64-bit integer, got "b"
   b.test.json:1:44: error: tests[0].events[0]: event: unknown event "Tst"; did you mean "Test"?

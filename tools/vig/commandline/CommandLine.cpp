@@ -89,12 +89,12 @@ void Verb::name(const std::string& name, std::string& value, const std::string& 
 
 void Verb::names(const std::string& name, std::vector<std::string>& values, std::vector<std::string_view> known,
                  const std::string& what, const std::string& description) {
-    const auto check = [known = std::move(known), what](const std::string& text) {
+    repeated(name, "NAME", description, [&values, known = std::move(known), what](const std::string& text) {
+        values.push_back(text);
         return std::ranges::find(known, text) != known.end()
                    ? ""
                    : "there is no " + what + " " + Tool::quoted(text) + suggestion(text, known);
-    };
-    app.add_option(name, values, description)->check(check)->type_name("NAME")->allow_extra_args(false);
+    });
 }
 
 void Verb::wholeNumber(const std::string& names, std::uint32_t& value, std::uint32_t least, std::uint32_t most,
@@ -128,6 +128,20 @@ void Verb::option(const std::string& name, const std::string& kind, const std::s
         }
     };
     app.add_option_function<std::string>(name, take, description)->type_name(kind);
+}
+
+void Verb::repeated(const std::string& name, const std::string& kind, const std::string& description,
+                    const std::function<std::string(const std::string& text)>& read) {
+    // The check is given each text as it is; of the list that is made of them, nothing is needed any more.
+    app.add_option_function<std::vector<std::string>>(
+           name, [](const auto&) {}, description)
+        ->check(read)
+        ->type_name(kind)
+        ->allow_extra_args(false);
+}
+
+void Verb::refuseTogether(const std::string& name, const std::string& other) {
+    app.get_option(name)->excludes(app.get_option(other));
 }
 
 CommandLine::CommandLine()

@@ -100,6 +100,13 @@ class Verb {
     void option(const std::string& name, const std::string& kind, const std::string& description,
                 const std::function<std::string(const std::string& text)>& read);
 
+    // Does the same for an option that may be repeated: `read` is given each text, in order.
+    void repeated(const std::string& name, const std::string& kind, const std::string& description,
+                  const std::function<std::string(const std::string& text)>& read);
+
+    // Refuses two of the options together.
+    void refuseTogether(const std::string& name, const std::string& other);
+
   private:
     CLI::App& app;
 };

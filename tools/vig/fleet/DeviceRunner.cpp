@@ -42,9 +42,7 @@ std::uint32_t deviceSeed(std::uint32_t seed, std::string_view name) {
 }
 
 DeviceRunner::DeviceRunner(const FleetPlan& plan)
-    : plan(plan),
-      generator(plan.seed),
-      parsed(parse(plan.document, withDraws(plan.registry, [this] { return generator.draw(); }))) {}
+    : plan(plan), parsed(parse(plan.document, withDraws(plan.registry, [this] { return draw(); }))) {}
 
 MachineGroup::Configs DeviceRunner::newMachines(FiredCounts& fired) const {
     for (const ConfigModel& each : plan.document.configs) {
@@ -73,7 +71,7 @@ DeviceResult DeviceRunner::run(const std::string& device, Output& output) {
     result.begun = replay.isOpen();
     if (result.begun) {
         const auto report = reportOf(plan.format, output, plan.coloured, name);
-        generator.seed(deviceSeed(plan.seed, name));
+        draw = Draws{deviceSeed(plan.draws.seed, name), plan.draws.numbers}.source();
         MachineGroup machines(plan.context, *report, nullptr);
         machines.adopt(newMachines(result.fired));
         const PlatformServices::OnThread receiver(machines);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -10,9 +11,9 @@
 #include "tools/vig/io/Console.h"
 #include "tools/vig/io/Interruption.h"
 #include "tools/vig/io/Output.h"
+#include "tools/vig/run/Draws.h"
 #include "tools/vig/run/MachineGroup.h"
 #include "tools/vig/run/ReportWriters.h"
-#include "vig/functions/PseudoRandomGenerator.h"
 #include "vig/parsers/VIGParserConfig.h"
 
 namespace Brenta::OS::VIG::Tool {
@@ -22,7 +23,7 @@ struct FleetPlan {
     const DocumentModel& document;
     const VIGParserConfig registry;  // the library's own
     const AttributeSet& context;
-    std::uint32_t seed;  // of the run
+    const Draws& draws;  // of the run
     ReportFormat format;
     bool coloured;
     const Console& console;
@@ -51,7 +52,7 @@ class DeviceRunner {
     MachineGroup::Configs newMachines(FiredCounts& fired) const;
 
     const FleetPlan& plan;
-    PseudoRandomGenerator generator;
+    std::function<double()> draw;  // of the device that runs
     const MachineGroup::Configs parsed;
 };
 

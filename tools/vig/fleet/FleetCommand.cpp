@@ -108,7 +108,7 @@ int fleet(const FleetOptions& options, const Console& console, const Interruptio
     const FleetPlan plan{session.document(),
                          libraryRegistry(),
                          session.contextAttributes(),
-                         options.seed,
+                         options.draws,
                          format,
                          console.wantsColours(),
                          console,

@@ -8,6 +8,7 @@
 #include <mutex>
 #include <utility>
 
+#include "tools/vig/document/Registry.h"
 #include "tools/vig/io/Descriptor.h"
 #include "tools/vig/trace/Tracer.h"
 #include "vig/ResponseProperty.h"
@@ -47,7 +48,7 @@ class RuleDocument::Slot {
 // Remembers what the parser found, which a delivery does not say.
 class RuleDocument::Manager : public VIGManager {
   public:
-    explicit Manager(const Tracer* watcher) : tracer(watcher) {}
+    Manager(std::function<double()> source, const Tracer* watcher) : draw(std::move(source)), tracer(watcher) {}
     ~Manager() override { stop(); }
 
     std::vector<std::unique_ptr<VIGConfig>> parseResponse(const std::string& response) const override {
@@ -64,17 +65,20 @@ class RuleDocument::Manager : public VIGManager {
 
   private:
     VIGParserConfig registry() const {
-        return tracer != nullptr ? tracer->registryFrom(createParserConfig()) : createParserConfig();
+        auto drawing = withDraws(createParserConfig(), draw);
+        return tracer != nullptr ? tracer->registryFrom(drawing) : drawing;
     }
 
+    const std::function<double()> draw;
     const Tracer* const tracer;
     mutable VIGParseError lastError = VIGParseError::Ok;
     mutable std::string lastText;
 };
 
-RuleDocument::RuleDocument(const std::string& path, const Tracer* tracer) : slot(std::make_unique<Slot>()) {
+RuleDocument::RuleDocument(const std::string& path, std::function<double()> draw, const Tracer* tracer)
+    : slot(std::make_unique<Slot>()) {
     host::bindProperty(kNamespace, kResponseKey, path);
-    manager = std::make_unique<Manager>(tracer);
+    manager = std::make_unique<Manager>(std::move(draw), tracer);
     manager->registerCallback([&to = *slot, &from = *manager](std::vector<std::unique_ptr<VIGConfig>>&& configs) {
         to.put(from.delivery(std::move(configs)));
     });

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -23,9 +24,9 @@ struct Delivery {
 // device configuration, and a manager delivers it. Used on one thread.
 class RuleDocument {
   public:
-    // Asks for the first delivery. With a tracer, which must then outlive the object, documents are parsed so that it
-    // can watch their machines. REQUIRES: whyUnreadable(path) says nothing.
-    RuleDocument(const std::string& path, const Tracer* tracer);
+    // Asks for the first delivery. The machines of documents draw from `draw`. With a tracer, which must then outlive
+    // the object, documents are parsed so that it can watch their machines. REQUIRES: whyUnreadable(path) says nothing.
+    RuleDocument(const std::string& path, std::function<double()> draw, const Tracer* tracer);
     RuleDocument(const RuleDocument&) = delete;
     RuleDocument& operator=(const RuleDocument&) = delete;
     ~RuleDocument();

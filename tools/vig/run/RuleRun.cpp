@@ -1,9 +1,12 @@
 #include "tools/vig/run/RuleRun.h"
 
 #include <fcntl.h>
+#include <fmt/format.h>
 
 #include <cerrno>
+#include <charconv>
 #include <limits>
+#include <system_error>
 #include <utility>
 
 #include "tools/vig/commandline/CommandLine.h"
@@ -26,7 +29,7 @@ std::optional<int> RuleRun::load(RuleSession::Changes later) {
     if (const auto status = options.contextFile.empty() ? std::nullopt : readContext(context)) {
         return status;
     }
-    rules.emplace(options.rules, options.seed, std::move(context), *report, trace);
+    rules.emplace(options.rules, options.draws, std::move(context), *report, trace);
     switch (rules->load(later, interruption)) {
         case RuleSession::Loading::Done:
             return std::nullopt;
@@ -90,10 +93,29 @@ void addRules(Verb& verb, MachineOptions& options) {
     verb.argument("RULES", options.rules, Verb::Need::Required, "The rule document");
 }
 
+void addDraws(Verb& verb, Draws& draws, const std::string& moreOnDraws) {
+    verb.repeated(
+        "--draw", "NUMBER",
+        fmt::format("What the function PseudoRandomDouble gives, {}; repeated, one after the other, the last one for "
+                    "ever{}",
+                    Draws::NUMBER, moreOnDraws),
+        [&draws](const std::string& text) {
+            double number = 0;
+            const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+            if (error != std::errc() || end != text.data() + text.size() || !Draws::canBe(number)) {
+                return fmt::format("expected {}, got {}", Draws::NUMBER, text.empty() ? "nothing" : text);
+            }
+            draws.numbers.push_back(number);
+            return std::string();
+        });
+}
+
 void addSurroundings(Verb& verb, MachineOptions& options, const std::string& moreOnSeed) {
-    verb.wholeNumber("--seed", options.seed, 0, std::numeric_limits<std::uint32_t>::max(),
+    verb.wholeNumber("--seed", options.draws.seed, 0, std::numeric_limits<std::uint32_t>::max(),
                      "Seed of the function PseudoRandomDouble, so that a run repeats exactly (default: " +
-                         std::to_string(options.seed) + ")" + moreOnSeed);
+                         std::to_string(options.draws.seed) + ")" + moreOnSeed);
+    addDraws(verb, options.draws, "; not together with --seed");
+    verb.refuseTogether("--seed", "--draw");
     verb.name("--context", options.contextFile, "FILE",
               "A file with one event record: the attributes of every machine's context");
 }

@@ -1,15 +1,14 @@
 #pragma once
 
-#include <cstdint>
 #include <memory>
 #include <optional>
-#include <random>
 #include <string>
 #include <string_view>
 
 #include "tools/vig/io/Console.h"
 #include "tools/vig/io/Interruption.h"
 #include "tools/vig/io/Output.h"
+#include "tools/vig/run/Draws.h"
 #include "tools/vig/run/ReportWriters.h"
 #include "tools/vig/run/RuleSession.h"
 #include "tools/vig/trace/Report.h"
@@ -21,7 +20,7 @@ class Verb;
 // Machines depend on these besides the events.
 struct MachineOptions {
     std::string rules;
-    std::uint32_t seed = std::mt19937::default_seed;
+    Draws draws = {};
     std::string contextFile;  // empty if there is none
 };
 
@@ -32,6 +31,7 @@ struct RuleOptions : MachineOptions {
 
 // Adds what verbs take that let rules run. The options must outlive the command line.
 void addRules(Verb& verb, MachineOptions& options);
+void addDraws(Verb& verb, Draws& draws, const std::string& moreOnDraws);
 void addSurroundings(Verb& verb, MachineOptions& options, const std::string& moreOnSeed);
 
 // It is one run of a verb from the loading of the rules to the exit status, its report on the console.

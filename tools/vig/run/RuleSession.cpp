@@ -13,7 +13,6 @@
 #include "tools/vig/document/ParseErrorText.h"
 #include "tools/vig/io/FileText.h"
 #include "vig/ResponseProperty.h"
-#include "vig/functions/PseudoRandomGenerator.h"
 
 namespace Brenta::OS::VIG::Tool {
 
@@ -47,16 +46,15 @@ std::string explain(VIGParseError error) {
 
 }  // namespace
 
-RuleSession::RuleSession(std::string rulesPath, std::uint32_t seed, AttributeSet contextAttributes, Report& report,
+RuleSession::RuleSession(std::string rulesPath, const Draws& draws, AttributeSet contextAttributes, Report& report,
                          Trace* trace)
     : path(std::move(rulesPath)),
+      draw(draws.source()),
       context(std::move(contextAttributes)),
       report(report),
       tracer(trace != nullptr ? std::make_unique<Tracer>(*trace) : nullptr),
       group(context, report, tracer.get()),
-      services(group) {
-    PseudoRandomGenerator::ofProcess().seed(seed);
-}
+      services(group) {}
 
 RuleSession::Loading RuleSession::load(Changes later, const Interruption& interruption) {
     reason = whyUnreadable(path);
@@ -66,7 +64,7 @@ RuleSession::Loading RuleSession::load(Changes later, const Interruption& interr
     if (isPipe(path) && !copyPipe(interruption)) {
         return interruption.requested() ? Loading::Interrupted : Loading::Unreadable;
     }
-    deliveries.emplace(pipeCopy ? pathOf(*pipeCopy) : path, tracer.get());
+    deliveries.emplace(pipeCopy ? pathOf(*pipeCopy) : path, draw, tracer.get());
     pollfd sources[] = {{deliveries->descriptor(), POLLIN, 0}, {interruption.descriptor(), POLLIN, 0}};
     while (poll(sources, 2, kLongestWaitMs) < 0 && !interruption.requested()) {
     }

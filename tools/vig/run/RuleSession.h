@@ -1,6 +1,6 @@
 #pragma once
 
-#include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -9,6 +9,7 @@
 #include "tools/vig/events/EventRecord.h"
 #include "tools/vig/io/Descriptor.h"
 #include "tools/vig/io/Interruption.h"
+#include "tools/vig/run/Draws.h"
 #include "tools/vig/run/MachineGroup.h"
 #include "tools/vig/run/PlatformServices.h"
 #include "tools/vig/run/RuleDocument.h"
@@ -25,10 +26,10 @@ class RuleSession final {
     enum class Loading { Done, Refused, Unreadable, Interrupted };
     enum class Changes { Ignore, Follow };
 
-    // `seed` is that of the random function. Every machine's context has the attributes given. `trace`, which may be
-    // null, is told what the machines decide; it changes nothing of what they do. It and the report must outlive the
-    // session.
-    RuleSession(std::string rulesPath, std::uint32_t seed, AttributeSet contextAttributes, Report& report,
+    // The machines of all deliveries make the draws one after the other. Every machine's context has the attributes
+    // given. `trace`, which may be null, is told what the machines decide; it changes nothing of what they do. It and
+    // the report must outlive the session.
+    RuleSession(std::string rulesPath, const Draws& draws, AttributeSet contextAttributes, Report& report,
                 Trace* trace);
     RuleSession(const RuleSession&) = delete;
     RuleSession& operator=(const RuleSession&) = delete;
@@ -62,6 +63,7 @@ class RuleSession final {
     Loading adopt(Delivery delivery);
 
     const std::string path;
+    const std::function<double()> draw;
     const AttributeSet context;
     Report& report;
     const std::unique_ptr<Tracer> tracer;  // null if nobody wants a trace

@@ -16,6 +16,7 @@
 #include "tools/vig/io/Descriptor.h"
 #include "tools/vig/io/FileText.h"
 #include "tools/vig/io/Output.h"
+#include "tools/vig/run/RuleRun.h"
 #include "tools/vig/test/Coverage.h"
 #include "tools/vig/test/JUnit.h"
 #include "tools/vig/test/TestFile.h"
@@ -66,7 +67,7 @@ class TestSuite {
     bool read() {
         std::vector<std::string> errors;
         for (const std::string& path : options.files) {
-            auto file = readTestFile(path, interruption, errors);
+            auto file = readTestFile(path, options.draws, interruption, errors);
             if (interruption.requested()) {
                 return false;
             }
@@ -260,6 +261,7 @@ constexpr const char* kHelp =
 (id), "event" (number), "metadata" (all of it) and "metadata_contains"; a log line is its message, or an object with
 "message" and "priority". Triggers and log lines that are not expected fail the test, but for the line that the
 document was found. States and moves are checked where they are given. "seed" and "context" may be left out.
+In the place of "seed", "draws": [0.05, 0.7] says what the function PseudoRandomDouble gives, the last number for ever.
 
 Coverage counts the transitions that fired, and for each filter whether it was ever true and whether it was ever false.
 
@@ -282,6 +284,7 @@ void addTest(CommandLine& commandLine, TestOptions& options) {
                     return isOne ? "" : "expected a number from 0 to 100, got " + text;
                 });
     verb.name("--junit", options.junitFile, "FILE", "Writes the results there, as JUnit XML");
+    addDraws(verb, options.draws, "; for the tests without \"draws\" and \"seed\"");
 }
 
 }  // namespace Brenta::OS::VIG::Tool

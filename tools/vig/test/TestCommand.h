@@ -6,6 +6,7 @@
 
 #include "tools/vig/io/Console.h"
 #include "tools/vig/io/Interruption.h"
+#include "tools/vig/run/Draws.h"
 
 namespace Brenta::OS::VIG::Tool {
 
@@ -17,6 +18,7 @@ struct TestOptions {
     bool coverage = false;              // tells what the tests have not reached
     std::optional<double> coverageMin;  // in percent; less of any rule document is a failure
     std::string junitFile;              // empty if no JUnit report is wanted
+    Draws draws = {};                   // of the tests that say nothing of theirs
 };
 
 // `vig test` runs the tests of rule documents. Returns the exit status.

@@ -30,8 +30,10 @@ namespace {
 
 class TestFileReader {
   public:
-    TestFileReader(const DocumentText& document, const Interruption& interruption, std::vector<std::string>& errors)
+    TestFileReader(const DocumentText& document, const Draws& draws, const Interruption& interruption,
+                   std::vector<std::string>& errors)
         : document(document),
+          draws(draws),
           interruption(interruption),
           errors(errors),
           check(document, errors),
@@ -77,7 +79,7 @@ class TestFileReader {
 
     TestCase testCase(const Json::Value& json, const std::string& path) {
         TestCase test;
-        if (!check.isObject(json, path, {"name", "events", "seed", "context", "expect"})) {
+        if (!check.isObject(json, path, {"name", "events", "seed", "draws", "context", "expect"})) {
             return test;
         }
         test.line = document.source().positionOf(document.placeOf(json, path).begin).line;
@@ -86,9 +88,7 @@ class TestFileReader {
             check.complain(json["name"], StrictJson::member(path, "name"),
                            "there is another test " + shownQuoted(test.name));
         }
-        constexpr std::int64_t kMostSeed = std::numeric_limits<std::uint32_t>::max();
-        test.seed =
-            static_cast<std::uint32_t>(check.optionalInteger(json, "seed", path, 0, kMostSeed).value_or(test.seed));
+        test.draws = drawsOf(json, path);
         if (check.hasMember(json, "events", path)) {
             test.events = eventsOf(json["events"], StrictJson::member(path, "events"));
         }
@@ -99,6 +99,31 @@ class TestFileReader {
             test.expect = expectation(json["expect"], StrictJson::member(path, "expect"));
         }
         return test;
+    }
+
+    Draws drawsOf(const Json::Value& json, const std::string& path) {
+        const std::string place = StrictJson::member(path, "draws");
+        if (json.isMember("seed") && json.isMember("draws")) {
+            check.complain(json["draws"], place, "not together with \"seed\"");
+        }
+        constexpr std::int64_t kMostSeed = std::numeric_limits<std::uint32_t>::max();
+        if (const auto seed = check.optionalInteger(json, "seed", path, 0, kMostSeed)) {
+            return {static_cast<std::uint32_t>(*seed)};
+        }
+        if (!json.isMember("draws")) {
+            return draws;
+        }
+        Draws own;
+        forEachOf(json, "draws", path, [&](const Json::Value& each, const std::string& placeOfOne) {
+            own.numbers.push_back(each.isNumeric() ? each.asDouble() : -1);
+            if (!Draws::canBe(own.numbers.back())) {
+                check.complain(each, placeOfOne, "expected " + std::string(Draws::NUMBER));
+            }
+        });
+        if (json["draws"].isArray() && json["draws"].empty()) {
+            check.complain(json["draws"], place, "there is no draw");
+        }
+        return own;
     }
 
     TestEvents eventsOf(const Json::Value& json, const std::string& path) {
@@ -238,6 +263,7 @@ class TestFileReader {
     }
 
     const DocumentText& document;
+    const Draws& draws;
     const Interruption& interruption;
     std::vector<std::string>& errors;
     StrictJson check;
@@ -249,7 +275,7 @@ class TestFileReader {
 
 }  // namespace
 
-std::optional<TestFile> readTestFile(const std::string& path, const Interruption& interruption,
+std::optional<TestFile> readTestFile(const std::string& path, const Draws& draws, const Interruption& interruption,
                                      std::vector<std::string>& errors) {
     std::string problem;
     auto content = readFile(path, interruption, problem);
@@ -263,7 +289,7 @@ std::optional<TestFile> readTestFile(const std::string& path, const Interruption
         return std::nullopt;
     }
     std::vector<std::string> ofFile;
-    TestFile file = TestFileReader(document, interruption, ofFile).read();
+    TestFile file = TestFileReader(document, draws, interruption, ofFile).read();
     errors.insert(errors.end(), ofFile.begin(), ofFile.end());
     return ofFile.empty() ? std::optional(std::move(file)) : std::nullopt;
 }

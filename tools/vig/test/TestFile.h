@@ -3,13 +3,13 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
-#include <random>
 #include <string>
 #include <vector>
 
 #include "tools/vig/events/AttributeSet.h"
 #include "tools/vig/events/EventRecord.h"
 #include "tools/vig/io/Interruption.h"
+#include "tools/vig/run/Draws.h"
 
 namespace Brenta::OS::VIG::Tool {
 
@@ -47,7 +47,7 @@ struct TestCase {
     std::string name = {};
     std::size_t line = 0;  // in the test file
     TestEvents events = {};
-    std::uint32_t seed = std::mt19937::default_seed;
+    Draws draws = {};
     AttributeSet context = {};
     Expectation expect = {};
 };
@@ -62,8 +62,9 @@ struct TestFile {
 
 // Reads a file of tests and the files of events that it names; paths in it are relative to it. Nothing is ignored:
 // what is not part of a test file is an error. If there is one, returns nothing and adds to `errors` what is wrong and
-// where, "file:line:column: error: tests[0].seed: …". Once it is interrupted, what is returned means nothing.
-std::optional<TestFile> readTestFile(const std::string& path, const Interruption& interruption,
+// where, "file:line:column: error: tests[0].seed: …". A test that says nothing of its draws has those given. Once it is
+// interrupted, what is returned means nothing.
+std::optional<TestFile> readTestFile(const std::string& path, const Draws& draws, const Interruption& interruption,
                                      std::vector<std::string>& errors);
 
 }  // namespace Brenta::OS::VIG::Tool

@@ -113,7 +113,7 @@ std::vector<std::string> explain(const std::string& rules, const TestCase& test,
                                  const Interruption& interruption) {
     NoReport report;
     Explainer explainer(divergence);
-    RuleSession session(rules, test.seed, test.context, report, &explainer);
+    RuleSession session(rules, test.draws, test.context, report, &explainer);
     const auto loading = play(session, test, report, interruption);
     return loading == RuleSession::Loading::Done ? explainer.explanation() : std::vector<std::string>();
 }
@@ -124,7 +124,7 @@ TestOutcome runTest(const std::string& rules, const TestCase& test, Trace& trace
     Observed observed(test.expect);
     TestOutcome outcome{};
     {
-        RuleSession session(rules, test.seed, test.context, observed, &trace);
+        RuleSession session(rules, test.draws, test.context, observed, &trace);
         outcome.loading = play(session, test, observed, interruption);
         outcome.problem = session.problem();
     }
