@@ -285,39 +285,47 @@ std::optional<Route> Behaviour::routeToOutcome(std::size_t transition, std::opti
     return route;
 }
 
+std::vector<Junction::Question> Behaviour::waysToTrigger(std::size_t transition) const {
+    const Junction& junction = junctionOf(transition);
+    std::vector<Junction::Question> ways;
+    for (const KnownAction& action : kActions) {
+        const bool isAsked =
+            std::ranges::count(model.transitions[transition].actions, action.name, &ActionModel::key) > 0;
+        // A machine's own events have none of the attributes.
+        if (isAsked && action.startsCollection && junction.event() != EventType::EnteringState) {
+            Junction::Question& way = ways.emplace_back(junction.toReach(targetOf(transition)));
+            for (const ActionNeed& need : action.needs) {
+                way.push_back(&junction.present(need.kind, need.attribute));
+            }
+        }
+    }
+    return ways;
+}
+
 const Behaviour::Triggers& Behaviour::triggersOf(std::size_t transition) {
     std::optional<Triggers>& known = triggers[transition];
     if (known) {
         return *known;
     }
     known.emplace();
-    const Junction& junction = junctionOf(transition);
-    std::vector<std::pair<const KnownAction*, std::size_t>>
-        asked;  // the actions that ask for a collection, with their number
-    for (const ActionModel& action : model.transitions[transition].actions) {
-        const auto place =
-            std::ranges::find(asked, findAction(action.key), [](const auto& each) { return each.first; });
-        if (place != asked.end()) {
-            ++place->second;
-        } else if (startsCollection(action.key)) {
-            asked.emplace_back(findAction(action.key), 1);
+    // An event need not have what all actions need.
+    const std::vector<Junction::Question> ways = waysToTrigger(transition);
+    std::vector<std::size_t> counts;
+    for (const KnownAction& action : kActions) {
+        const auto count = std::ranges::count(model.transitions[transition].actions, action.name, &ActionModel::key);
+        if (action.startsCollection && count > 0) {
+            counts.push_back(static_cast<std::size_t>(count));
         }
     }
-    if (junction.event() == EventType::EnteringState) {
-        return *known;
-    }
-    // An event need not have what all of them need.
-    for (std::uint64_t chosen = 1; chosen < std::uint64_t{1} << asked.size(); ++chosen) {
-        Triggers some{0, junction.toReach(targetOf(transition))};
-        for (std::size_t index = 0; index < asked.size(); ++index) {
+    for (std::size_t chosen = 1; chosen < std::size_t{1} << ways.size(); ++chosen) {
+        Triggers some{0, {}};
+        for (std::size_t index = 0; index < ways.size(); ++index) {
             if ((chosen >> index & 1) != 0) {
-                some.count += asked[index].second;
-                for (const ActionNeed& need : asked[index].first->needs) {
-                    some.question.push_back(&junction.present(need.kind, need.attribute));
-                }
+                some.count += counts[index];
+                some.question.insert(some.question.end(), ways[index].begin(), ways[index].end());
             }
         }
-        if (some.count > known->count && decide(junction, some.question) == Verdict::Yes) {
+        if (some.count > known->count && decide(junctionOf(transition), some.question) == Verdict::Yes) {
             known = std::move(some);
         }
     }

@@ -112,6 +112,10 @@ class Behaviour {
     };
     const Triggers& triggersOf(std::size_t transition);
 
+    // Returns what an event that fires the transition may fulfil to ask for a collection, one way for each action that
+    // asks for one.
+    std::vector<Junction::Question> waysToTrigger(std::size_t transition) const;
+
     // It is an event that brings the machine from one state where it waits to another.
     struct Edge {
         std::size_t transition;
