@@ -143,7 +143,7 @@ void Scale::add(const Value& constant) {
 
 void Scale::settle() {
     std::ranges::sort(constants);
-    constants.erase(std::ranges::unique(constants).begin(), constants.end());
+    constants.erase(std::unique(constants.begin(), constants.end()), constants.end());
     for (const auto& [which, counts] : {std::pair(Values::Recordable, &recordable), std::pair(Values::All, &all)}) {
         counts->assign(1, 0);
         for (Cell cell = 0; cell < cellCount(); ++cell) {
