@@ -31,13 +31,13 @@ ATTRIBUTES = {"integer": ["x", "y", "z", "vmRssKB", "vmSwapKB"], "double": ["x",
 CONSTANTS = {
     "integer": [["5", "6", "7"], ["0", "-0", "1", "1.5", "-1"], ["12kB", " 12", "+11", "13", "0x10", "1e400"],
                 ["9223372036854775807", "9223372036854775806"], ["-9223372036854775808", "-9223372036854775807"]],
-    "double": [["5", "6", "7e0"], ["0.1", "0.10000000000000002", "0.10000000000000001"], ["12kB", "0x10", ".5", "1e308"],
+    "double": [["5", "6", "7e0"], ["0.1", "0.10000000000000002", "0.10000000000000001"], ["12kB", "0x10", ".5", "12"],
                ["-0", "0", "5e-324", "-5e-324", "1e-310"], ["0.5", "1", "0.9999999999999999", "0.9999999999999998"],
                ["inf", "-inf", "nan", "1.7976931348623157e308", "-1.7976931348623157e308"]],
     "string": [["a", "a\0", "a\0\0\0", "ab"], ["", "\0", "\0\0", "a"], ["camera", "camera\0x", "camerb", "b"],
                ["~", "é", "\U0010ffff"]],
 }
-# These texts are accepted, if they are numbers of the type at all, only beside another constant.
+# Most of these texts are accepted only beside another constant.
 ODD_NUMBERS = ["", "abc", "1e400", "-1e400", "1e-400", "9223372036854775808", ".5", "nan"]
 
 
@@ -71,19 +71,27 @@ class Vocabulary:
         kind = self.rng.choice(self.kinds)
         shapes = {("attribute", "constant"): 60, ("attribute", "attribute"): 12, ("any constant", "any constant"): 3}
         if with_functions and self.rng.random() < self.draws:
-            kind = "double"
-            shapes = {("draw", "constant"): 6, ("attribute", "draw"): 3, ("draw", "draw"): 2, ("draw", "unknown"): 1}
-        elif with_functions:
+            return self.draw_filter()
+        if with_functions:
             shapes |= {("attribute", "unknown"): 3, ("unknown", "unknown"): 1}
+        return self.filter_of(kind, shapes)
+
+    def draw_filter(self):
+        return self.filter_of("double", {("draw", "constant"): 6, ("attribute", "draw"): 3, ("draw", "draw"): 2,
+                                         ("draw", "unknown"): 1})
+
+    def filter_of(self, kind, shapes):
         (shape,) = self.rng.choices(list(shapes), shapes.values())
         left, right = (self.operand(what, kind) for what in self.rng.choice([shape, shape, shape[::-1]]))
         return {"operator": self.rng.choice(list(semantics.COMPARE)), "value_type": kind, "operand1": left,
                 "operand2": right}
 
-    def some_filters(self, counts):
+    def some_filters(self, counts, event):
+        if event == "EnteringState" and self.rng.random() < self.draws * 2:
+            return [self.draw_filter()]
         filters = [self.filter() if self.rng.random() < 0.2 else self.rng.choice(self.filters)
                    for _ in range(self.rng.choice(counts))]
-        return [each for each in filters if is_accepted(each)]
+        return filters
 
     def context(self):
         """Returns attributes with values that are the constants, or beside them, grouped as in an event record."""
@@ -108,34 +116,32 @@ def is_accepted(rule):
 def make_machine(rng, words):
     states = ["start"] + rng.sample(["end", "a", "b", "c", "", "d\0", "é"], rng.randint(0, 5))
     events = rng.sample(EVENT_TYPES, rng.choice([1, 1, 2, 3])) + ["EnteringState"] * rng.choice([0, 0, 1])
-    triggering = rng.choice([0, 0.2, 0.6])
+    triggering = rng.choice([0.1, 0.3, 0.6])
     counts = rng.choice([[0, 1], [1, 2], [0, 1, 1, 2, 3], [2, 3, 4]])
 
-    def transition(source, target, event, filters):
-        names = rng.choices(["Test", "LogZramHeartBeat"], k=rng.choice([0, 0, 0, 1]))
-        if rng.random() < triggering:
-            names += rng.choices(["TriggerVelora", "TriggerVeloraCpu"], k=rng.choice([1, 1, 1, 2, 3]))
-        return {"from_state": source, "to_state": target, "event": event, "filters": filters,
-                "actions": [{"name": name} for name in names]}
-
-    # Some machines only go forward, so that their triggers are bounded.
     forward = rng.random() < 0.35
     rules = []
+
+    def add(source, target, event, counts):
+        names = rng.choices(["Test", "LogZramHeartBeat"], k=rng.choice([0, 0, 0, 1]))
+        if rng.random() < triggering:
+            names += rng.choices(["TriggerVelora", "TriggerVeloraCpu"], k=rng.choice([1, 1, 1, 1, 2, 3]))
+        rules.insert(rng.randint(0, len(rules)), {
+            "from_state": states[source], "to_state": states[target], "event": event,
+            "filters": [each for each in words.some_filters(counts, event) if is_accepted(each)],
+            "actions": [{"name": name} for name in names]})
+
     for _ in range(rng.choice([rng.randint(0, 6), rng.randint(3, 12), rng.randint(8, 24)])):
         source, target = rng.choices(range(len(states)), k=2)
-        if not forward or source < target:
-            rules.append(transition(states[source], states[target], rng.choice(events), words.some_filters(counts)))
-    # Most states have a way from the first.
-    for target in range(1, len(states)):
+        if not forward or source < target:  # machines that only go forward have a bound of triggers
+            add(source, target, rng.choice(events), counts)
+    for target in range(1, len(states)):  # most states have a way from the first
         if rng.random() < 0.7:
-            rules.insert(rng.randint(0, len(rules)), transition(
-                states[rng.randrange(target)], states[target], rng.choice(events), words.some_filters([0, 1])))
-    # Some have a circle without end, which a filter may leave.
-    if rng.random() < 0.15:
-        circle = rng.sample(states, rng.randint(1, min(3, len(states))))
+            add(rng.randrange(target), target, rng.choice(events), [0, 1])
+    if rng.random() < 0.15:  # a circle without end, which a filter may leave
+        circle = rng.sample(range(len(states)), rng.randint(1, min(3, len(states))))
         for source, target in zip(circle, circle[1:] + circle[:1]):
-            filters = words.some_filters([0, 0, 1])
-            rules.insert(rng.randint(0, len(rules)), transition(source, target, "EnteringState", filters))
+            add(source, target, "EnteringState", [0, 0, 1])
     return {"transitions": rules}
 
 
@@ -203,7 +209,8 @@ class Case:
 
         @functools.cache
         def machines_in(context):
-            return [Machine(config["payload"]["data"]["transitions"], context, events) for config in document["configs"]]
+            return [Machine(config["payload"]["data"]["transitions"], context, events)
+                    for config in document["configs"]]
 
         self.machines = machines_in(context_of(self.context))
         self.properties, self.verdicts = [], []
@@ -242,7 +249,7 @@ class Case:
         return self.replays[key][machine]
 
     def compare_answer(self, what, answer, verdict, by_recordable, by_any, first):
-        """Compares whether something can be, and with how many events, in the last of which its witness first does it."""
+        """Compares whether something can be, and after how many events, with the last of which the witness shows it."""
         self.counts[f"{what.split()[0]} {verdict}"] += 1
         if verdict == "not decided":
             return
@@ -287,10 +294,12 @@ class Case:
                 self.compare_answer(f"state {name!r} of machine {index}", state, state["reached"],
                                     machine.reached.states.get(name), machine.reached_by_any.states.get(name),
                                     lambda witness: self.replay(witness, index).visited.get(name))
-            paths = [f"configs[{index}].payload.data.transitions[{number}]" for number in range(len(machine.transitions))]
+            paths = [f"configs[{index}].payload.data.transitions[{number}]"
+                     for number in range(len(machine.transitions))]
             self.expect("transitions", paths, [rule["path"] for rule in got["transitions"]])
             for number, (path, rule) in enumerate(zip(paths, got["transitions"])):
-                self.compare_answer(f"transition {path}", rule, rule["fires"], machine.reached.transitions.get(number),
+                self.compare_answer(f"transition {path}", rule, rule["fires"],
+                                    machine.reached.transitions.get(number),
                                     machine.reached_by_any.transitions.get(number),
                                     lambda witness: self.replay(witness, index).fired.get(path))
             self.compare_load(f"load of machine {index}", index, got["load"])
@@ -300,7 +309,8 @@ class Case:
         if all(got["load"]["decided"] for got in answer["machines"]):
             most = [machine.most_ever() for machine in self.machines]
             rate = sum(machine.rate() for machine in self.machines)
-            self.expect("load of all", {"rate": as_rate(rate)} if None in most else {"triggers": sum(most)}, answer["load"])
+            expected = {"rate": as_rate(rate)} if None in most else {"triggers": sum(most)}
+            self.expect("load of all", expected, answer["load"])
 
     def compare_properties(self):
         done = self.vig("test", "rules.test.json")
@@ -309,7 +319,9 @@ class Case:
         failed = {int(number): why for number, why in failed}
         for number, (prop, verdict) in enumerate(zip(self.properties, self.verdicts)):
             (kind,) = prop.keys() & set(PROPERTIES)
-            answer = "not decided" if "not decided" in failed.get(number, "") else "fails" if number in failed else "holds"
+            answer = "fails" if number in failed else "holds"
+            if "not decided" in failed.get(number, ""):
+                answer = "not decided"
             self.counts[f"property {kind} {answer}"] += 1
             if answer != "not decided":
                 self.expect(f"property {number}", "holds" if verdict else "fails", answer)

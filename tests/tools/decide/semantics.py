@@ -6,9 +6,9 @@ Every value is its place on a line of integers, so that z3 compares nothing but 
   integer  The place is the number itself.
   double   The place is the bit pattern without its sign, negated below 0. Neighbours have neighbouring places, -0 and 0
            the same one, an infinity the one behind the last finite number. A NaN is a flag beside it.
-  string   The place is counted in the sorted texts that occur in documents, which TEXTS lists. Strictly between two of
-           them, a < b, there are exactly n - 1 texts if b is a with n NULs behind it. Otherwise there are a\\0, a\\0\\0 and
-           so on without end, all below b, and GAP of them are enough, for no document has so many attributes.
+  string   The place is counted along TEXTS, the sorted texts that occur in documents. Strictly between two of them,
+           a < b, there are exactly n - 1 texts if b is a with n NULs behind it. Otherwise a with any number of NULs
+           behind it is below b, and GAP of these are enough, for no document has so many attributes.
 """
 import collections
 import ctypes
@@ -117,7 +117,7 @@ def compare(comparison, left, right):
 
 
 def draw_outcomes(comparison, value):
-    """Tells when a draw may compare so with the value and when it may not: if one does, so does the least or greatest."""
+    """Tells when a draw may compare so and when it may not: if one does so, so does the least or the greatest."""
     if comparison in ("==", "!="):
         equal = conjunction([negation(value.nan), value.place >= 0, value.place <= LAST_DRAW])
         return (equal, True) if comparison == "==" else (True, equal)
@@ -234,7 +234,7 @@ def triggers(rule, least):
 
 
 def breaks(rule, filters):
-    """The condition that an event that fires the transition fails one of the filters, each paired with its event type."""
+    """The condition that an event that fires the transition fails one of the filters, each with its event type."""
     if any(event not in (None, rule.event) for _, event in filters):
         return "may hold", frozenset()
     return "may not hold", frozenset(each for each, _ in filters)
