@@ -78,22 +78,23 @@ Verdict Behaviour::decide(const Junction& junction, const Junction::Question& qu
     return verdict;
 }
 
-Answer Behaviour::canFire(std::size_t transition) {
-    std::optional<Answer>& answer = guards[transition];
-    if (!answer) {
-        const Junction& junction = junctionOf(transition);
-        const auto question = junction.toReach(targetOf(transition));
-        answer = Answer::No;
-        for (const auto& [which, yes] :
-             {std::pair(Values::Recordable, Answer::Yes), std::pair(Values::All, Answer::Unrecordable)}) {
-            const Verdict verdict = decide(junction, question, which);
-            if (verdict != Verdict::No) {
-                answer = verdict == Verdict::Yes ? yes : Answer::Undecided;
-                break;
-            }
+Answer Behaviour::answer(const Junction& junction, const Junction::Question& question) {
+    for (const auto& [which, yes] :
+         {std::pair(Values::Recordable, Answer::Yes), std::pair(Values::All, Answer::Unrecordable)}) {
+        const Verdict verdict = decide(junction, question, which);
+        if (verdict != Verdict::No) {
+            return verdict == Verdict::Yes ? yes : Answer::Undecided;
         }
     }
-    return *answer;
+    return Answer::No;
+}
+
+Answer Behaviour::canFire(std::size_t transition) {
+    std::optional<Answer>& known = guards[transition];
+    if (!known) {
+        known = answer(junctionOf(transition), junctionOf(transition).toReach(targetOf(transition)));
+    }
+    return *known;
 }
 
 const Behaviour::Crossing* Behaviour::enteringCrossing(std::size_t state) const {

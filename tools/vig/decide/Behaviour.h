@@ -143,6 +143,9 @@ class Behaviour {
 
     Verdict decide(const Junction& junction, const Junction::Question& question, Values which = Values::Recordable);
 
+    // Tells whether an event can fulfil the question.
+    Answer answer(const Junction& junction, const Junction::Question& question);
+
     // Returns true if something was left undecided since the object was made.
     bool hasGaps() const { return wasCut; }
 

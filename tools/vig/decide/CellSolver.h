@@ -42,8 +42,9 @@ struct Variable {
     bool canBePresent = true;
     bool isNamedInUtf8 = true;  // otherwise no record can hold it
     bool canBeAbsent = true;
-    bool isPromised = false;  // events of the type are known to have it
-    bool isCompared = false;  // with another attribute
+    bool isPromised = false;    // events of the type are known to have it
+    bool isCompared = false;    // with another attribute
+    bool isAskedAlone = false;  // somewhere the event alone is asked for it, and not the context
 };
 
 struct Relation {
@@ -61,7 +62,9 @@ enum class Verdict { Yes, No, Undecided };
 
 // It bounds how much is looked at, so that no document takes long. What is asked when it is used up is undecided.
 struct Effort {
-    std::uint64_t left;
+    static constexpr std::uint64_t OF_DOCUMENT = 1'500'000'000;  // to begin with
+
+    std::uint64_t left = OF_DOCUMENT;
 
     bool spend(std::uint64_t amount) {
         left -= std::min(left, amount);

@@ -134,7 +134,9 @@ Junction::Meaning Junction::readFilter(const FilterModel& filter) {
         if (side->kind != Side::Kind::Attribute) {
             continue;
         }
-        Scale& scale = space.variables[variableOf(side->name, filter.valueType)].scale;
+        Variable& variable = space.variables[variableOf(side->name, filter.valueType)];
+        variable.isAskedAlone = variable.isAskedAlone || !looksInContext;
+        Scale& scale = variable.scale;
         if (other->kind == Side::Kind::Fixed) {
             scale.add(other->value);
         } else if (other->kind == Side::Kind::Draw) {
@@ -278,7 +280,9 @@ void Junction::giveMeaning(Meaning& meaning) {
             failing = comparedWith(other, negated(seen), variable, meaning);
             failing.nan = !cells.nan;
         }
-        if (looksInContext && isOfOpenContext(space.variables[variable].name, kind)) {
+        // Where all filters ask for it in the same way, it does not matter where they find it.
+        if (looksInContext && space.variables[variable].isAskedAlone &&
+            isOfOpenContext(space.variables[variable].name, kind)) {
             cells.absent = failing.absent = true;
         }
         both({variable, cells}, {variable, failing});
