@@ -86,7 +86,7 @@ int check(const CheckOptions& options, const Console& console, const Interruptio
         const auto errors =
             static_cast<std::size_t>(std::ranges::count(findings.all, Severity::Error, &Finding::severity));
         counts = {counts.errors + errors, counts.warnings + findings.all.size() - errors, counts.files + 1,
-                  counts.machines + findings.machines, counts.undecided + findings.undecided};
+                  counts.undecided + findings.undecided};
     }
     writer->end(counts);
     const bool areRefused = counts.errors > 0 || (options.strict && counts.warnings > 0);

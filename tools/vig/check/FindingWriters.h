@@ -16,7 +16,6 @@ struct FindingCounts {
     std::size_t errors = 0;
     std::size_t warnings = 0;
     std::size_t files = 0;
-    std::size_t machines = 0;
     std::size_t undecided = 0;  // machines of which not everything could be decided
 };
 

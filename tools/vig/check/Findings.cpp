@@ -62,7 +62,6 @@ void judge(const DocumentText& document, const std::vector<Json::ArrayIndex>& ac
         appendRuleWarnings(machine, findings.all);
         findings.undecided += machine.wasCut || machine.possible.hasGaps() || shown.hasGaps() ? 1 : 0;
     }
-    findings.machines = configs.size();
     findings.unconfirmed = std::move(evidence.faults);
 }
 

@@ -25,8 +25,7 @@ struct Finding {
 };
 
 struct Findings {
-    std::vector<Finding> all;  // by place
-    std::size_t machines = 0;
+    std::vector<Finding> all;              // by place
     std::size_t undecided = 0;             // machines of which not everything could be decided
     std::vector<std::string> unconfirmed;  // what was found, and the library does something else: faults of the tool
 };

@@ -30,8 +30,8 @@ class JsonFindings final : public FindingWriter {
     }
 
     void end(const FindingCounts& counts) override {
-        output.write(fmt::format("\n],\"errors\":{},\"warnings\":{},\"files\":{},\"machines\":{},\"undecided\":{}}}\n",
-                                 counts.errors, counts.warnings, counts.files, counts.machines, counts.undecided));
+        output.write(fmt::format("\n],\"errors\":{},\"warnings\":{},\"files\":{},\"undecided\":{}}}\n", counts.errors,
+                                 counts.warnings, counts.files, counts.undecided));
     }
 
   private:
