@@ -9,6 +9,7 @@
 #include <charconv>
 #include <cmath>
 #include <filesystem>
+#include <functional>
 #include <map>
 #include <system_error>
 
@@ -19,6 +20,7 @@
 #include "tools/vig/run/RuleRun.h"
 #include "tools/vig/test/Coverage.h"
 #include "tools/vig/test/JUnit.h"
+#include "tools/vig/test/Property.h"
 #include "tools/vig/test/TestFile.h"
 #include "tools/vig/test/TestRun.h"
 #include "tools/vig/words/Text.h"
@@ -63,6 +65,13 @@ class TestSuite {
         Coverage coverage;
     };
 
+    // It is a test or a property.
+    struct Check {
+        const std::string& name;
+        std::size_t line;
+        std::function<TestOutcome()> run;
+    };
+
     // Reads all files before the first test runs.
     bool read() {
         std::vector<std::string> errors;
@@ -74,8 +83,10 @@ class TestSuite {
             if (!file) {
                 continue;
             }
-            std::erase_if(file->tests, [&](const TestCase& each) { return !isSelected(each.name); });
-            if (options.filter.empty() || !file->tests.empty()) {
+            const auto isLeftOut = [&](const auto& each) { return !isSelected(each.name); };
+            std::erase_if(file->tests, isLeftOut);
+            std::erase_if(file->properties, isLeftOut);
+            if (options.filter.empty() || !file->tests.empty() || !file->properties.empty()) {
                 files.push_back(std::move(*file));
             }
         }
@@ -124,24 +135,35 @@ class TestSuite {
             std::string problem;
             auto copy = copyInMemory(file.rules, interruption, problem);
             if (!copy) {
-                return interruption.requested() ? kExitInterrupted : unusable(file, problem);
+                return interruption.requested() ? kExitInterrupted : unusable(file.rules + ": " + problem);
             }
             under = rulesByPath.try_emplace(rules, Rules{file.rules, std::move(*copy), Coverage(file.rules)}).first;
         }
-        auto& [path, copy, coverage] = under->second;
-        std::size_t failed = 0;
+        const std::string rulesCopy = pathOf(under->second.copy);
+        std::vector<Check> checks;
         for (const TestCase& each : file.tests) {
-            const TestOutcome outcome = runTest(pathOf(copy), each, coverage, interruption);
+            checks.push_back(
+                {each.name, each.line, [&] { return runTest(rulesCopy, each, under->second.coverage, interruption); }});
+        }
+        for (const Property& each : file.properties) {
+            checks.push_back({each.name, each.line, [&] { return checkProperty(rulesCopy, each, interruption); }});
+        }
+        std::size_t failed = 0;
+        for (const Check& each : checks) {
+            const TestOutcome outcome = each.run();
             switch (outcome.loading) {
                 case RuleSession::Loading::Done:
                     break;
                 case RuleSession::Loading::Refused:
-                    refuse(file, outcome.problem);
+                    refuse(file, checks, outcome.problem);
                     return std::nullopt;
                 case RuleSession::Loading::Unreadable:
-                    return unusable(file, outcome.problem);
+                    return unusable(file.rules + ": " + outcome.problem);
                 case RuleSession::Loading::Interrupted:
                     return kExitInterrupted;
+            }
+            if (!outcome.fault.empty()) {
+                return unusable(fmt::format("{}:{}: a fault of vig: {}", file.path, each.line, outcome.fault));
             }
             verdicts.push_back({file.path, each.name, outcome.failure});
             failed += outcome.failure.empty() ? 0 : 1;
@@ -150,19 +172,19 @@ class TestSuite {
             }
         }
         out.write(fmt::format("{}  {}: {} of {} passed\n", failed == 0 ? "ok  " : "FAIL", printable(file.path),
-                              file.tests.size() - failed, file.tests.size()));
+                              checks.size() - failed, checks.size()));
         // Whatever becomes of the next file, this one's verdict is told.
         out.flush();
         return std::nullopt;
     }
 
-    int unusable(const TestFile& file, const std::string& problem) {
+    int unusable(const std::string& what) {
         out.flush();
-        console.complain(file.rules + ": " + problem);
+        console.complain(what);
         return kExitUnusable;
     }
 
-    void show(const TestFile& file, const TestCase& failed, const std::vector<std::string>& failure) {
+    void show(const TestFile& file, const Check& failed, const std::vector<std::string>& failure) {
         out.write(fmt::format("FAIL  {}:{}: {}\n", printable(file.path), failed.line, shownName(failed.name)));
         for (const std::string& line : failure) {
             out.write("    " + line + "\n");
@@ -170,13 +192,13 @@ class TestSuite {
     }
 
     // Tells that none of the tests of refused rules can pass.
-    void refuse(const TestFile& file, const std::string& problem) {
+    void refuse(const TestFile& file, const std::vector<Check>& checks, const std::string& problem) {
         std::vector<std::string> lines = printableLines(problem);
         std::for_each(lines.begin() + 1, lines.end(), [](std::string& line) { line.insert(0, "  "); });
         lines.front().insert(0, file.rules + ": error: ");
-        for (const TestCase& each : file.tests) {
+        for (const Check& each : checks) {
             // It is added once for the file: a large document has many lines, and may have many tests.
-            const bool isFirst = &each == &file.tests.front();
+            const bool isFirst = &each == &checks.front();
             verdicts.push_back({file.path, each.name, isFirst ? lines : std::vector(1, lines.front())});
         }
         out.write(fmt::format("FAIL  {}: the rules cannot be tested\n", printable(file.path)));
@@ -263,13 +285,24 @@ constexpr const char* kHelp =
 document was found. States and moves are checked where they are given. "seed" and "context" may be left out.
 In the place of "seed", "draws": [0.05, 0.7] says what the function PseudoRandomDouble gives, the last number for ever.
 
+Beside or in the place of "tests", "properties" are decided for all recordings of events, each for every machine:
+  "properties": [
+    { "name": "only a large process is collected", "trigger_only_if": [ FILTER, ... ] },
+    { "name": "it shrinks in between", "config": 7, "between_triggers": [ FILTER, ... ] },
+    { "name": "not too often", "context": {}, "at_most": { "triggers": 1, "events": 100 } },
+    { "name": "it can stop", "can_reach": { "7": "end" } },
+    { "name": "it never fails", "cannot_reach": { "7": "failed" } } ]
+An event has to fulfil all filters, which are written as in a rule document but for functions, and may have an "event":
+its type. "config" (id) and "context" may be left out, and so may "events": at most so many triggers then ever. A
+property that is not true fails with a shortest recording that shows it; one that cannot be decided fails as well.
+
 Coverage counts the transitions that fired, and for each filter whether it was ever true and whether it was ever false.
 
 Example: all tests, with what they do not reach, and a report for the build server:
   vig test rules/*.test.json --coverage-min 100 --junit results.xml)";
 
 void addTest(CommandLine& commandLine, TestOptions& options) {
-    Verb verb = commandLine.addVerb("test", "Runs the tests of rule documents.", kHelp, test, options);
+    Verb verb = commandLine.addVerb("test", "Runs the tests of rule documents, and decides their properties.", kHelp, test, options);
     verb.argument("FILE", options.files, Verb::Need::Required, "Files of tests");
     verb.text("--filter", options.filter, "NAME",
               "Runs only the tests whose name has this part; * and ? are wildcards");
