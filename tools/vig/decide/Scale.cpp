@@ -237,9 +237,11 @@ std::vector<Value> Scale::plainValues(Cell first, Cell last) const {
         values.emplace_back(
             std::midpoint(std::get<double>(constants[(first - 1) / 2]), std::get<double>(constants[(last - 1) / 2])));
     }
-    for (const int plain : {1, 0, -1}) {
-        if (kind != FilterValueType::String) {
-            values.push_back(kind == FilterValueType::Integer ? Value(std::int64_t{plain}) : Value(double(plain)));
+    for (const std::int64_t plain : {1, 0, -1}) {
+        if (kind == FilterValueType::Integer) {
+            values.emplace_back(plain);
+        } else if (kind == FilterValueType::Double) {
+            values.emplace_back(static_cast<double>(plain));
         }
     }
     return values;
