@@ -61,7 +61,7 @@ enum class Verdict { Yes, No, Undecided };
 
 // It bounds how much is looked at, so that no document takes long. What is asked when it is used up is undecided.
 struct Effort {
-    std::uint64_t left;
+    std::uint64_t left = 100'000'000;  // literals, or what takes as long; a second or two
 
     bool spend(std::uint64_t amount) {
         left -= std::min(left, amount);

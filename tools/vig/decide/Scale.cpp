@@ -179,7 +179,7 @@ bool Scale::isIn(const Value& value, Cell first, Cell last, Values which) const 
 
 std::optional<Value> Scale::leastFrom(const Value& bound, Cell first, Cell last, Values which) const {
     std::optional<Value> least = bound;
-    for (Cell cell = first; cell < last && least; ++cell) {
+    for (Cell cell = std::max(first, cellOf(bound)); cell < last && least; ++cell) {
         if (cell % 2 == 1 && *least < constants[cell / 2]) {
             least = constants[cell / 2];
         } else if (cell % 2 == 0 && cell > 0 && *least <= constants[cell / 2 - 1]) {
