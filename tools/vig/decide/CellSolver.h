@@ -61,10 +61,7 @@ enum class Verdict { Yes, No, Undecided };
 
 // It bounds how much is looked at, so that no document takes long. What is asked when it is used up is undecided.
 struct Effort {
-    // It is the amount to begin with.
-    static constexpr std::uint64_t WHOLE = 1'500'000'000;
-
-    std::uint64_t left = WHOLE;
+    std::uint64_t left = 100'000'000;  // literals, or what takes as long; a second or two
 
     bool spend(std::uint64_t amount) {
         left -= std::min(left, amount);

@@ -33,6 +33,9 @@ constexpr std::size_t kMostShownNumbers = 10;
 // What a search with modes looks at, so that a limit of millions does not take long.
 constexpr std::size_t kMostLooks = 200'000;
 
+// A longer recording is not made, let alone read by anybody.
+constexpr std::size_t kMostEvents = 10'000;
+
 // It refutes a property.
 struct Counterexample {
     Witness witness;
@@ -197,7 +200,7 @@ class MachineJudge {
             }
             return options;
         });
-        if (!route && looks > kMostLooks) {
+        if (route ? route->steps.size() > kMostEvents : looks > kMostLooks) {
             failure =
                 fmt::format("not decided for {}: a recording with so many triggers is too long to look for", name());
             return;
