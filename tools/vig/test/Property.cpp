@@ -372,11 +372,8 @@ std::vector<std::size_t> machinesOf(const Property& property, const std::vector<
 // Shows the counterexample as a failed test shows what happened.
 std::vector<std::string> linesOf(const Counterexample& shown) {
     std::vector<std::string> lines = {"  " + printable(shown.what) + (shown.witness.events.empty() ? "" : ":")};
-    Output output([&](std::string_view text) {
-        for (std::size_t end = text.find('\n'); end != text.npos; end = text.find('\n')) {
-            lines.push_back("    " + std::string(text.substr(0, end)));
-            text.remove_prefix(end + 1);
-        }
+    Output output([&](std::string_view line) {
+        lines.push_back("    " + std::string(line.substr(0, line.size() - 1)));
         return 0;
     });
     const std::size_t count = shown.witness.events.size();

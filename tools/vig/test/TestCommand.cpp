@@ -19,6 +19,7 @@
 #include "tools/vig/io/Output.h"
 #include "tools/vig/run/RuleRun.h"
 #include "tools/vig/test/Coverage.h"
+#include "tools/vig/test/Generate.h"
 #include "tools/vig/test/JUnit.h"
 #include "tools/vig/test/Property.h"
 #include "tools/vig/test/TestFile.h"
@@ -266,6 +267,12 @@ class TestSuite {
 }  // namespace
 
 int test(const TestOptions& options, const Console& console, const Interruption& interruption) {
+    if (!options.generate.empty()) {
+        return generateTests(options.generate, console, interruption);
+    }
+    if (options.files.empty()) {
+        return refuseArguments(console, "FILE is required", "test");
+    }
     return TestSuite(options, console, interruption).run();
 }
 
@@ -296,14 +303,22 @@ An event has to fulfil all filters, which are written as in a rule document but 
 its type. "config" (id) and "context" may be left out, and so may "events": at most so many triggers then ever. A
 property that is not true fails with a shortest recording that shows it; one that cannot be decided fails as well.
 
+--generate RULES writes such a file to the standard output: recordings that together fire all transitions and see all
+outcomes of filters that any events can, and what the library does with them. What no event does is listed besides.
+"rules" is RULES as it is given, so that the file is kept where that path leads to the document.
+
 Coverage counts the transitions that fired, and for each filter whether it was ever true and whether it was ever false.
 
 Example: all tests, with what they do not reach, and a report for the build server:
   vig test rules/*.test.json --coverage-min 100 --junit results.xml)";
 
 void addTest(CommandLine& commandLine, TestOptions& options) {
-    Verb verb = commandLine.addVerb("test", "Runs the tests of rule documents, and decides their properties.", kHelp, test, options);
-    verb.argument("FILE", options.files, Verb::Need::Required, "Files of tests");
+    Verb verb = commandLine.addVerb("test", "Runs the tests of rule documents, and decides their properties.", kHelp,
+                                    test, options);
+    verb.argument("FILE", options.files, Verb::Need::Optional, "Files of tests");
+    verb.name(
+        "--generate", options.generate, "RULES",
+        "Writes a file of tests that reach all of this rule document that can be reached, in the place of running any");
     verb.text("--filter", options.filter, "NAME",
               "Runs only the tests whose name has this part; * and ? are wildcards");
     verb.flag("--coverage", options.coverage, "Tells which transitions and filters the tests do not reach");
@@ -318,6 +333,9 @@ void addTest(CommandLine& commandLine, TestOptions& options) {
                 });
     verb.name("--junit", options.junitFile, "FILE", "Writes the results there, as JUnit XML");
     addDraws(verb, options.draws, "; for the tests without \"draws\" and \"seed\"");
+    for (const char* const other : {"FILE", "--filter", "--coverage", "--coverage-min", "--junit", "--draw"}) {
+        verb.refuseTogether("--generate", other);
+    }
 }
 
 }  // namespace Brenta::OS::VIG::Tool

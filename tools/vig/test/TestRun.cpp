@@ -91,23 +91,6 @@ class Explainer final : public Trace {
     std::size_t linesLeftOut = 0;
 };
 
-RuleSession::Loading play(RuleSession& session, const TestCase& test, Report& report,
-                          const Interruption& interruption) {
-    const auto loading = session.load(RuleSession::Changes::Ignore, interruption);
-    if (loading != RuleSession::Loading::Done) {
-        return loading;
-    }
-    session.start();
-    for (const EventRecord& event : *test.events) {
-        if (interruption.requested()) {
-            return RuleSession::Loading::Interrupted;
-        }
-        session.machines().offer(event);
-    }
-    report.end(session.machines().summary());
-    return loading;
-}
-
 // Says why the rules were not loaded.
 std::string problemOf(const RuleSession& session, const Observed& observed) {
     std::string problem = session.problem();
@@ -129,6 +112,23 @@ TestOutcome loadRules(const std::string& rules, const Interruption& interruption
     }
     text = session.document().text.source().text();
     return {loading, {}, {}};
+}
+
+RuleSession::Loading play(RuleSession& session, const TestCase& test, Report& report,
+                          const Interruption& interruption) {
+    const auto loading = session.load(RuleSession::Changes::Ignore, interruption);
+    if (loading != RuleSession::Loading::Done) {
+        return loading;
+    }
+    session.start();
+    for (const EventRecord& event : *test.events) {
+        if (interruption.requested()) {
+            return RuleSession::Loading::Interrupted;
+        }
+        session.machines().offer(event);
+    }
+    report.end(session.machines().summary());
+    return loading;
 }
 
 std::vector<std::string> explain(const std::string& rules, const TestCase& test, const Divergence& divergence,

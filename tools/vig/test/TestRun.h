@@ -26,6 +26,9 @@ TestOutcome loadRules(const std::string& rules, const Interruption& interruption
 // explanation.
 TestOutcome runTest(const std::string& rules, const TestCase& test, Trace& trace, const Interruption& interruption);
 
+// Loads the rules of a session and offers its machines the events of the test. REQUIRES: the session has the report.
+RuleSession::Loading play(RuleSession& session, const TestCase& test, Report& report, const Interruption& interruption);
+
 // Runs it and returns why it went that way at the divergence, in printable lines.
 std::vector<std::string> explain(const std::string& rules, const TestCase& test, const Divergence& divergence,
                                  const Interruption& interruption);
