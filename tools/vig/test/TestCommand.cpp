@@ -320,7 +320,7 @@ void addTest(CommandLine& commandLine, TestOptions& options) {
         "--generate", options.generate, "RULES",
         "Writes a file of tests that reach all of this rule document that can be reached, in the place of running any");
     verb.text("--filter", options.filter, "NAME",
-              "Runs only the tests whose name has this part; * and ? are wildcards");
+              "Runs only the tests and properties whose name has this part; * and ? are wildcards");
     verb.flag("--coverage", options.coverage, "Tells which transitions and filters the tests do not reach");
     verb.option("--coverage-min", "PERCENT", "Fails if less of any rule document is reached",
                 [&options](const std::string& text) {
