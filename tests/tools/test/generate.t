@@ -25,7 +25,7 @@ The tests of a document reach all of it that can be reached, and tell what the l
         "events": [
           {"event":"ProcessMemoryHeartBeat","int64":{"vmRssKB":10}}
         ],
-        "draws": [0.625],
+        "draws": [0.5],
         "expect": {
           "states": { "0": "start", "1": "start" },
           "moves": 0
@@ -37,7 +37,7 @@ The tests of a document reach all of it that can be reached, and tell what the l
           {"event":"ProcessMemoryHeartBeat","int64":{"vmRssKB":10,"vmSwapKB":1},"string":{"processName":"app"}},
           {"event":"Timeout","timeout_id":1}
         ],
-        "draws": [0.125, 0.75],
+        "draws": [0.125, 0.5],
         "expect": {
           "triggers": [
             { "name": "vig:memory_heartbeat_over_budget:app", "process": "app", "config": 0, "event": 1 }
