@@ -46,7 +46,7 @@ class FilterJudge {
   private:
     void judgeAlone(std::size_t index, bool isExplained) {
         const FilterModel& filter = filters[index];
-        const Answer holds = behaviour.answer(junction, {&junction.toHold(place, index, true)});
+        const Answer holds = behaviour.answerTo(junction, {&junction.toHold(place, index, true)});
         logic.holds = std::max(logic.holds, holds);
         if (holds == Answer::Yes || holds == Answer::Undecided) {
             possible.push_back(index);
@@ -73,7 +73,7 @@ class FilterJudge {
         for (const std::size_t index : possible) {
             question.push_back(&junction.toHold(place, index, true));
         }
-        const Answer together = question.size() > 1 ? behaviour.answer(junction, question) : Answer::Yes;
+        const Answer together = question.size() > 1 ? behaviour.answerTo(junction, question) : Answer::Yes;
         logic.holds = std::max(logic.holds, together);
         if (together == Answer::Yes || together == Answer::Undecided) {
             return;

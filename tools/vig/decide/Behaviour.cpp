@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <set>
 
 #include "rulesengine/FiniteStateMachine.h"
 #include "rulesengine/State.h"
@@ -18,7 +19,7 @@ constexpr std::size_t kMostMoves = FiniteStateMachine::MAX_ENTERING_STATE_MOVES;
 constexpr std::size_t kNone = std::numeric_limits<std::size_t>::max();
 
 // A question is a small part of all that may be looked at, so that one that is hard leaves enough to the others.
-constexpr std::uint64_t kMostOfQuestion = 20'000'000;
+constexpr std::uint64_t kMostOfQuestion = 2'000'000;
 constexpr std::uint64_t kEffortOfStop = 20;
 
 }  // namespace
@@ -78,7 +79,7 @@ Verdict Behaviour::decide(const Junction& junction, const Junction::Question& qu
     return verdict;
 }
 
-Answer Behaviour::answer(const Junction& junction, const Junction::Question& question) {
+Answer Behaviour::answerTo(const Junction& junction, const Junction::Question& question) {
     for (const auto& [which, yes] :
          {std::pair(Values::Recordable, Answer::Yes), std::pair(Values::All, Answer::Unrecordable)}) {
         const Verdict verdict = decide(junction, question, which);
@@ -90,11 +91,22 @@ Answer Behaviour::answer(const Junction& junction, const Junction::Question& que
 }
 
 Answer Behaviour::canFire(std::size_t transition) {
-    std::optional<Answer>& known = guards[transition];
-    if (!known) {
-        known = answer(junctionOf(transition), junctionOf(transition).toReach(targetOf(transition)));
+    std::optional<Answer>& answer = guards[transition];
+    if (!answer) {
+        const Junction& junction = junctionOf(transition);
+        answer = answerTo(junction, junction.toReach(targetOf(transition)));
     }
-    return *known;
+    return *answer;
+}
+
+Answer Behaviour::sees(std::size_t transition, std::size_t filter, bool outcome) {
+    explore();
+    const bool isEntering = model.transitions[transition].event == EventType::EnteringState;
+    const Answer place = (isEntering ? visits : waits)[from(transition)].answer;
+    const Junction& junction = junctionOf(transition);
+    return place == Answer::No
+               ? Answer::No
+               : std::max(place, answerTo(junction, junction.toReach({sites[transition].index, filter, outcome})));
 }
 
 const Behaviour::Crossing* Behaviour::enteringCrossing(std::size_t state) const {
@@ -131,8 +143,9 @@ const Chain& Behaviour::chainFrom(std::size_t state) {
         return chain;
     }
     chain.stops.push_back({state, kNone, kNone, 0});
-    std::map<std::size_t, bool> rested;
-    std::map<std::size_t, std::size_t> inNext;  // the states that so many moves lead to
+    std::set<std::size_t> rested;
+    std::set<std::size_t> inNext;  // the states that one move more leads to
+    std::set<std::size_t> followedOnes;
     for (std::size_t index = 0; index < chain.stops.size(); ++index) {
         const Chain::Stop stop = chain.stops[index];
         if (index > 0 && chain.stops[index - 1].moves != stop.moves) {
@@ -141,12 +154,14 @@ const Chain& Behaviour::chainFrom(std::size_t state) {
         const Entering& entering = enteringOf(stop.state);
         chain.isWhole = chain.isWhole && entering.isWhole;
         const bool isLast = stop.moves == kMostMoves;
-        if ((isLast || entering.canRest) && !std::exchange(rested[stop.state], true)) {
+        if ((isLast || entering.canRest) && rested.insert(stop.state).second) {
             chain.rests.push_back(index);
         }
         for (const std::size_t each : isLast ? std::vector<std::size_t>() : entering.transitions) {
-            if (inNext.emplace(sites[each].to, index).second) {
-                chain.stops.push_back({sites[each].to, index, each, stop.moves + 1});
+            // One of several that lead to the same state is enough, once each of them has been followed.
+            const bool isNewState = inNext.insert(to(each)).second;
+            if (followedOnes.insert(each).second || isNewState) {
+                chain.stops.push_back({to(each), index, each, stop.moves + 1});
             }
         }
         if (!effort.spend(kEffortOfStop)) {

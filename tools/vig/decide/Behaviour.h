@@ -91,6 +91,9 @@ class Behaviour {
     Answer reaches(std::size_t state);
     Answer fires(std::size_t transition);
 
+    // Tells whether a filter of the transition is asked and has the outcome.
+    Answer sees(std::size_t transition, std::size_t filter, bool outcome);
+
     // Tells whether the machine can wait for an event in the state.
     bool waitsIn(std::size_t state);
 
@@ -144,7 +147,7 @@ class Behaviour {
     Verdict decide(const Junction& junction, const Junction::Question& question, Values which = Values::Recordable);
 
     // Tells whether an event can fulfil the question.
-    Answer answer(const Junction& junction, const Junction::Question& question);
+    Answer answerTo(const Junction& junction, const Junction::Question& question);
 
     // Returns true if something was left undecided since the object was made.
     bool hasGaps() const { return wasCut; }

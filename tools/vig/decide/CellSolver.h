@@ -62,9 +62,7 @@ enum class Verdict { Yes, No, Undecided };
 
 // It bounds how much is looked at, so that no document takes long. What is asked when it is used up is undecided.
 struct Effort {
-    static constexpr std::uint64_t OF_DOCUMENT = 1'500'000'000;  // to begin with
-
-    std::uint64_t left = OF_DOCUMENT;
+    std::uint64_t left = 100'000'000;  // literals, or what takes as long; a second or two
 
     bool spend(std::uint64_t amount) {
         left -= std::min(left, amount);
@@ -123,7 +121,7 @@ class CellSolver {
     bool findValues();
     bool findValues(std::vector<Region>& regions, std::size_t next);
     bool order(const std::vector<Region>& regions, bool fromPlainValues);
-    bool raise(std::size_t variable, const Value& from, bool isStrict, const Region& region, bool& hasChanged);
+    bool raise(std::size_t variable, const std::optional<Value>& bound, const Region& region, bool& hasChanged);
 
     const Space& space;
     const Values which;

@@ -179,7 +179,7 @@ bool Scale::isIn(const Value& value, Cell first, Cell last, Values which) const 
 
 std::optional<Value> Scale::leastFrom(const Value& bound, Cell first, Cell last, Values which) const {
     std::optional<Value> least = bound;
-    for (Cell cell = first; cell < last && least; ++cell) {
+    for (Cell cell = std::max(first, cellOf(bound)); cell < last && least; ++cell) {
         if (cell % 2 == 1 && *least < constants[cell / 2]) {
             least = constants[cell / 2];
         } else if (cell % 2 == 0 && cell > 0 && *least <= constants[cell / 2 - 1]) {
@@ -209,6 +209,7 @@ std::vector<Value> Scale::plainValues(Cell first, Cell last) const {
         const Value& constant = constants[place];
         values.push_back(constant);
         if (const auto* const number = std::get_if<double>(&constant)) {
+            values.emplace_back(std::round(*number + step) + 0.0);  // which makes no -0
             values.emplace_back(*number + step);
             values.emplace_back(*number + step / 8.0);
         } else if (const auto* const whole = std::get_if<std::int64_t>(&constant)) {
@@ -237,9 +238,11 @@ std::vector<Value> Scale::plainValues(Cell first, Cell last) const {
         values.emplace_back(
             std::midpoint(std::get<double>(constants[(first - 1) / 2]), std::get<double>(constants[(last - 1) / 2])));
     }
-    for (const int plain : {1, 0, -1}) {
-        if (kind != FilterValueType::String) {
-            values.push_back(kind == FilterValueType::Integer ? Value(std::int64_t{plain}) : Value(double(plain)));
+    for (const std::int64_t plain : {1, 0, -1}) {
+        if (kind == FilterValueType::Integer) {
+            values.emplace_back(plain);
+        } else if (kind == FilterValueType::Double) {
+            values.emplace_back(static_cast<double>(plain));
         }
     }
     return values;
