@@ -48,6 +48,9 @@ readonly ARM64_PACKAGES=(
 readonly CHECK_PACKAGES=(
     clang clang-format clang-tidy doxygen libc++-14-dev libc++abi-14-dev libclang-rt-14-dev shellcheck zsh
 )
+# What answers a second time what the tool decides.
+# shellcheck disable=SC2034
+readonly JUDGE_PACKAGES=(python3 python3-z3)
 # What explores the model of the manager.
 # shellcheck disable=SC2034
 readonly MODEL_PACKAGES=(gcc libc6-dev spin)

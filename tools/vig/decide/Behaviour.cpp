@@ -18,7 +18,7 @@ constexpr std::size_t kMostMoves = FiniteStateMachine::MAX_ENTERING_STATE_MOVES;
 constexpr std::size_t kNone = std::numeric_limits<std::size_t>::max();
 
 // A question is a small part of all that may be looked at, so that one that is hard leaves enough to the others.
-constexpr std::uint64_t kMostOfQuestion = 20'000'000;
+constexpr std::uint64_t kMostOfQuestion = 2'000'000;
 constexpr std::uint64_t kEffortOfStop = 20;
 
 }  // namespace

@@ -8,6 +8,8 @@ namespace {
 
 using Cell = Scale::Cell;
 
+constexpr std::uint64_t kEffortOfComparison = 10;  // of values, beside looking at a literal
+
 // It is what clauses without a choice leave of a variable, or more.
 struct Frame {
     Cell first = 0;
@@ -174,7 +176,7 @@ bool CellSolver::search(const Bits& left, bool areValuesFound) {
             continue;
         }
         chosen[*next.variable] = branch.region;
-        if (search(branch.left, areValuesFound)) {
+        if ((areValuesFound || findValues()) && search(branch.left, areValuesFound)) {
             return true;
         }
         failed.push_back(std::move(branch.left));
@@ -309,7 +311,7 @@ bool CellSolver::order(const std::vector<Region>& regions, bool fromPlainValues)
             const bool isPossible =
                 (last == 3 || raise(each->right, *values[each->left], last == 1, regions[each->right], hasChanged)) &&
                 (first == 0 || raise(each->left, *values[each->right], first == 2, regions[each->left], hasChanged));
-            if (!isPossible || !effort->spend(1) || round > 2 * space.relations.size()) {
+            if (!isPossible || !effort->spend(kEffortOfComparison) || round > 2 * space.relations.size()) {
                 return false;
             }
         }

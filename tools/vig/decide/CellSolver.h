@@ -63,9 +63,7 @@ enum class Verdict { Yes, No, Undecided };
 // It bounds how much is looked at, so that no document takes long. What is asked when it is used up is undecided; an
 // interruption, if there may be one, uses it up.
 struct Effort {
-    static constexpr std::uint64_t OF_DOCUMENT = 1'500'000'000;
-
-    std::uint64_t left = OF_DOCUMENT;
+    std::uint64_t left = 100'000'000;  // literals, or what takes as long; a second or two
     const Interruption* interruption = nullptr;
 
     bool spend(std::uint64_t amount) {

@@ -19,7 +19,7 @@ using RulesEngine::EventType;
 namespace {
 
 // So much costs a transition of a machine that is decided again, besides what is looked at.
-constexpr std::uint64_t kEffortOfTransition = 500;
+constexpr std::uint64_t kEffortOfTransition = 200;
 
 // It is an attribute of a context with another value, or without one.
 struct Change {

@@ -60,23 +60,6 @@ bool canDraw(double least, double most, FilterOperator op, const Value& other) {
     return true;
 }
 
-// Returns how probable it is that a number between 0 and 1, or what corresponds to it in another range, compares so.
-double oddsOf(FilterOperator op, double shareBelow) {
-    switch (op) {
-        case FilterOperator::Less:
-        case FilterOperator::LessEqual:
-            return shareBelow;
-        case FilterOperator::Greater:
-        case FilterOperator::GreaterEqual:
-            return 1 - shareBelow;
-        case FilterOperator::Equal:
-            return 0;
-        case FilterOperator::NotEqual:
-            break;
-    }
-    return 1;
-}
-
 }  // namespace
 
 Value constantOf(const std::string& text, FilterValueType type) {
@@ -415,74 +398,66 @@ std::optional<Value> Junction::valueOf(const Side& side, const Meaning& meaning,
     return isMissing ? std::nullopt : std::optional(found.value_or(absentValue(meaning.type)));
 }
 
-bool Junction::can(const Meaning& meaning, const EventRecord& record, bool outcome) const {
-    const auto left = valueOf(meaning.left, meaning, record);
-    const auto right = valueOf(meaning.right, meaning, record);
-    if (!left || !right) {
-        return !outcome;
+std::vector<Value> Junction::candidates(const Side& side, const std::optional<Value>& other) {
+    const double limit = other ? std::get<double>(*other) : side.most;
+    std::vector<Value> numbers;
+    // Some are easily read, the others lie nearest to the limit or farthest from it.
+    for (const double each :
+         {limit / 2, (limit + side.most) / 2, 0.5, 0.25, 0.75, limit, std::nextafter(limit, side.least),
+          std::nextafter(limit, side.most), side.least, side.most}) {
+        if (side.least <= each && each <= side.most) {
+            numbers.emplace_back(each);
+        }
     }
-    if (!meaning.draws()) {
-        return compares(meaning.op, *left, *right) == outcome;
-    }
-    if (meaning.left.kind == meaning.right.kind) {
-        return true;
-    }
-    const bool isLeft = meaning.left.kind == Side::Kind::Draw;
-    const Side& drawn = isLeft ? meaning.left : meaning.right;
-    const FilterOperator op = isLeft ? meaning.op : mirrored(meaning.op);
-    const Value& other = isLeft ? *right : *left;
-    if (!compares(FilterOperator::Equal, other, other)) {
-        return (op == FilterOperator::NotEqual) == outcome;
-    }
-    return canDraw(drawn.least, drawn.most, outcome ? op : negated(op), other);
+    return numbers;
 }
 
-// Takes numbers that are easily read, if they will do.
-void Junction::draw(const Meaning& meaning, const EventRecord& record, bool outcome, DrawPlan& draws) const {
-    const auto candidatesOf = [&](const Side& side, const Side& other) {
-        if (side.kind != Side::Kind::Draw) {
-            return std::vector<Value>{*valueOf(side, meaning, record)};
+// Numbers are drawn evenly; of two, each is as probably the greater one.
+double Junction::oddsOf(const Meaning& meaning, const std::optional<Value>& left, const std::optional<Value>& right,
+                        bool outcome) {
+    if (left && right) {
+        return 1;
+    }
+    double isAbove = 0.5;  // that the left side is
+    if (left || right) {
+        const Side& drawn = left ? meaning.right : meaning.left;
+        const double limit = std::get<double>(left ? *left : *right);
+        if (std::isnan(limit)) {
+            return 1;  // no draw decides anything
         }
-        std::vector<double> numbers = {0.5, 0.25, 0.75, side.least, side.most};
-        if (other.kind != Side::Kind::Draw) {
-            const double limit = std::get<double>(*valueOf(other, meaning, record));
-            numbers = {limit / 2,
-                       (limit + side.most) / 2,
-                       0.5,
-                       0.25,
-                       limit,
-                       std::nextafter(limit, 1),
-                       std::nextafter(limit, 0),
-                       side.least,
-                       side.most};
-        }
-        std::erase_if(numbers, [&](double each) { return !(side.least <= each && each <= side.most); });
-        return std::vector<Value>(numbers.begin(), numbers.end());
-    };
-    for (const Value& left : candidatesOf(meaning.left, meaning.right)) {
-        for (const Value& right : candidatesOf(meaning.right, meaning.left)) {
-            if (compares(meaning.op, left, right) != outcome) {
+        const double share = (limit - drawn.least) / (drawn.most - drawn.least);
+        isAbove = left ? std::clamp(share, 0.0, 1.0) : 1 - std::clamp(share, 0.0, 1.0);
+    }
+    const bool takesAbove = compares(meaning.op, 1.0, 0.0);
+    const bool takesBelow = compares(meaning.op, 0.0, 1.0);
+    const double odds = (takesAbove ? isAbove : 0) + (takesBelow ? 1 - isAbove : 0);
+    return outcome ? odds : 1 - odds;
+}
+
+bool Junction::steer(const Meaning& meaning, const EventRecord& record, bool outcome, DrawPlan& draws) const {
+    const bool drawsLeft = meaning.left.kind == Side::Kind::Draw;
+    const bool drawsRight = meaning.right.kind == Side::Kind::Draw;
+    const auto left = drawsLeft ? std::nullopt : valueOf(meaning.left, meaning, record);
+    const auto right = drawsRight ? std::nullopt : valueOf(meaning.right, meaning, record);
+    if ((!left && !drawsLeft) || (!right && !drawsRight)) {
+        return !outcome;
+    }
+    for (const Value& first : drawsLeft ? candidates(meaning.left, right) : std::vector{*left}) {
+        for (const Value& second : drawsRight ? candidates(meaning.right, left) : std::vector{*right}) {
+            if (compares(meaning.op, first, second) != outcome) {
                 continue;
             }
-            double share = 0.5;
-            for (const auto& [side, number, other] :
-                 {std::tuple(&meaning.left, &left, &right), std::tuple(&meaning.right, &right, &left)}) {
-                if (side->kind == Side::Kind::Draw) {
-                    draws.numbers.push_back(std::get<double>(*number));
-                } else {
-                    const double limit = std::get<double>(*number);
-                    const bool isLeft = side == &meaning.left;
-                    const Side& drawn = isLeft ? meaning.right : meaning.left;
-                    const double below =
-                        std::clamp((limit - drawn.least) / (std::nextafter(drawn.most, 2) - drawn.least), 0.0, 1.0);
-                    share = isLeft ? 1 - below : below;
-                }
+            if (drawsLeft) {
+                draws.numbers.push_back(std::get<double>(first));
             }
-            const double odds = oddsOf(meaning.op, share);
-            draws.odds *= outcome ? odds : 1 - odds;
-            return;
+            if (drawsRight) {
+                draws.numbers.push_back(std::get<double>(second));
+            }
+            draws.odds *= oddsOf(meaning, left, right, outcome);
+            return true;
         }
     }
+    return false;
 }
 
 DrawPlan Junction::drawsFor(const EventRecord& record, const std::optional<Target>& target) const {
@@ -492,9 +467,9 @@ DrawPlan Junction::drawsFor(const EventRecord& record, const std::optional<Targe
         const auto& filters = transitions[index].filters;
         for (std::size_t filter = 0; filter < filters.size(); ++filter) {
             const bool wanted = isTarget && (filter != target->filter || target->outcome);
-            const bool outcome = can(filters[filter], record, wanted) == wanted;
-            if (filters[filter].draws()) {
-                draw(filters[filter], record, outcome, draws);
+            const bool outcome = steer(filters[filter], record, wanted, draws) == wanted;
+            if (outcome != wanted) {
+                steer(filters[filter], record, outcome, draws);
             }
             if (!outcome) {
                 break;

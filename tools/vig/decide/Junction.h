@@ -123,8 +123,6 @@ class Junction {
         Side right;
         Clause holds;
         Clause fails;
-
-        bool draws() const { return left.kind == Side::Kind::Draw || right.kind == Side::Kind::Draw; }
     };
 
     struct Listener {
@@ -145,8 +143,16 @@ class Junction {
 
     // Returns the value of a side that is no draw, or nothing if it is missing.
     std::optional<Value> valueOf(const Side& side, const Meaning& meaning, const EventRecord& record) const;
-    bool can(const Meaning& meaning, const EventRecord& record, bool outcome) const;
-    void draw(const Meaning& meaning, const EventRecord& record, bool outcome, DrawPlan& draws) const;
+
+    // Returns the values of a side that are worth trying against the other one, which decide between all that may be
+    // drawn.
+    static std::vector<Value> candidates(const Side& side, const std::optional<Value>& other);
+
+    static double oddsOf(const Meaning& meaning, const std::optional<Value>& left, const std::optional<Value>& right,
+                         bool outcome);
+
+    // Tells whether the filter can have the outcome for the event, and adds what has to be drawn for it.
+    bool steer(const Meaning& meaning, const EventRecord& record, bool outcome, DrawPlan& draws) const;
 
     const RulesEngine::EventType type;
     const Surroundings& surroundings;

@@ -182,7 +182,7 @@ void findRate(const WaitGraph& graph, Effort& effort, Load& load) {
     const auto first = std::ranges::min_element(circle, {}, [&](std::size_t arrow) {
         return graph.machine.routeToWait(graph.arrows[arrow].from).steps.size();
     });
-    std::ranges::rotate(circle, first);
+    std::rotate(circle.begin(), first, circle.end());
     load.route = graph.machine.routeToWait(graph.arrows[circle.front()].from);
     for (const std::size_t arrow : circle) {
         load.route.steps.push_back(graph.stepOf(graph.arrows[arrow]));

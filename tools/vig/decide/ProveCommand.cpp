@@ -29,7 +29,7 @@ namespace Brenta::OS::VIG::Tool {
 namespace {
 
 // What other contexts would change is to cost a document a second at most.
-constexpr std::uint64_t kEffortForContexts = 100'000'000;
+constexpr std::uint64_t kEffortForContexts = 50'000'000;
 
 class ProveRun {
   public:
@@ -99,7 +99,7 @@ class ProveRun {
     }
 
     void proveDocument(const std::string& path, const std::string& text) {
-        Effort effort{Effort::OF_DOCUMENT, &interruption};
+        Effort effort{.interruption = &interruption};
         Effort forContexts{kEffortForContexts, &interruption};
         Rehearsal rehearsal(text, context);
         const Surroundings surroundings{registry, catalogue, context, effort};

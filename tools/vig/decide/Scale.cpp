@@ -143,7 +143,7 @@ void Scale::add(const Value& constant) {
 
 void Scale::settle() {
     std::ranges::sort(constants);
-    constants.erase(std::ranges::unique(constants).begin(), constants.end());
+    constants.erase(std::unique(constants.begin(), constants.end()), constants.end());
     for (const auto& [which, counts] : {std::pair(Values::Recordable, &recordable), std::pair(Values::All, &all)}) {
         counts->assign(1, 0);
         for (Cell cell = 0; cell < cellCount(); ++cell) {
@@ -179,7 +179,7 @@ bool Scale::isIn(const Value& value, Cell first, Cell last, Values which) const 
 
 std::optional<Value> Scale::leastFrom(const Value& bound, Cell first, Cell last, Values which) const {
     std::optional<Value> least = bound;
-    for (Cell cell = first; cell < last && least; ++cell) {
+    for (Cell cell = std::max(first, cellOf(bound)); cell < last && least; ++cell) {
         if (cell % 2 == 1 && *least < constants[cell / 2]) {
             least = constants[cell / 2];
         } else if (cell % 2 == 0 && cell > 0 && *least <= constants[cell / 2 - 1]) {
@@ -237,9 +237,11 @@ std::vector<Value> Scale::plainValues(Cell first, Cell last) const {
         values.emplace_back(
             std::midpoint(std::get<double>(constants[(first - 1) / 2]), std::get<double>(constants[(last - 1) / 2])));
     }
-    for (const int plain : {1, 0, -1}) {
-        if (kind != FilterValueType::String) {
-            values.push_back(kind == FilterValueType::Integer ? Value(std::int64_t{plain}) : Value(double(plain)));
+    for (const std::int64_t plain : {1, 0, -1}) {
+        if (kind == FilterValueType::Integer) {
+            values.emplace_back(plain);
+        } else if (kind == FilterValueType::Double) {
+            values.emplace_back(static_cast<double>(plain));
         }
     }
     return values;

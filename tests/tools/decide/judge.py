@@ -1,0 +1,374 @@
+#!/usr/bin/python3
+"""Holds what `vig prove` and `vig test` decide against semantics.py, on random documents.
+
+Document i is made of the seed S + i alone. What the tool answers must be what semantics.py answers, and `vig run` must
+do on every witness what is said of it. "not decided" is counted and is no disagreement. The exit status is 1 if there
+is a disagreement; its documents are written to DIR, with what was answered.
+"""
+import argparse
+import collections
+import functools
+import itertools
+import json
+import multiprocessing
+import pathlib
+import random
+import re
+import shutil
+import subprocess
+import sys
+import tempfile
+
+import semantics
+from semantics import Machine, context_of, read_constant
+
+PROPERTIES = ["trigger_only_if", "between_triggers", "at_most", "can_reach", "cannot_reach"]
+EVENT_TYPES = ["Test", "Timeout", "ProcessMemoryHeartBeat", "ProcessCpuHeartBeat", "ZramHeartBeat",
+               "TelemetryEventEnd"]
+ATTRIBUTES = {"integer": ["x", "y", "z", "vmRssKB", "vmSwapKB"], "double": ["x", "y", "z", "cpuAvgUtilization"],
+              "string": ["x", "y", "z", "processName"]}
+# The constants of a group are neighbours, or the same number by another text.
+CONSTANTS = {
+    "integer": [["5", "6", "7"], ["0", "-0", "1", "1.5", "-1"], ["12kB", " 12", "+11", "13", "0x10", "1e400"],
+                ["9223372036854775807", "9223372036854775806"], ["-9223372036854775808", "-9223372036854775807"]],
+    "double": [["5", "6", "7e0"], ["0.1", "0.10000000000000002", "0.10000000000000001"], ["12kB", "0x10", ".5", "12"],
+               ["-0", "0", "5e-324", "-5e-324", "1e-310"], ["0.5", "1", "0.9999999999999999", "0.9999999999999998"],
+               ["inf", "-inf", "nan", "1.7976931348623157e308", "-1.7976931348623157e308"]],
+    "string": [["a", "a\0", "a\0\0\0", "ab"], ["", "\0", "\0\0", "a"], ["camera", "camera\0x", "camerb", "b"],
+               ["~", "é", "\U0010ffff"]],
+}
+# Most of these texts are accepted only beside another constant.
+ODD_NUMBERS = ["", "abc", "1e400", "-1e400", "1e-400", "9223372036854775808", ".5", "nan"]
+
+
+class Vocabulary:
+    """The few attributes, constants and filters of one document, so that its transitions have much in common."""
+
+    def __init__(self, rng):
+        self.rng = rng
+        self.kinds = rng.sample(list(ATTRIBUTES), rng.choice([1, 1, 2, 2, 3]))
+        self.attributes = {kind: rng.sample(names, rng.choice([1, 1, 2, 3])) for kind, names in ATTRIBUTES.items()}
+        self.draws = rng.choice([0, 0, 0.1, 0.3])
+        self.constants = {}
+        for kind, groups in CONSTANTS.items():
+            group = rng.choice(groups)
+            others = rng.choices(sum(groups, []), k=rng.choice([0, 0, 1]))
+            self.constants[kind] = rng.sample(group, rng.randint(1, len(group))) + others
+        self.filters = [self.filter() for _ in range(rng.randint(2, 8))]
+
+    def operand(self, what, kind):
+        if what == "attribute":
+            return {"type": "envvar", "value": self.rng.choice(self.attributes[kind])}
+        if what == "draw":
+            return {"type": "function", "value": "PseudoRandomDouble"}
+        if what == "unknown":
+            names = ["Unknown"] if kind == "double" else ["Unknown", "PseudoRandomDouble"]
+            return {"type": "function", "value": self.rng.choice(names)}
+        odd = ODD_NUMBERS if what == "any constant" and kind != "string" else []
+        return {"type": "constant", "value": self.rng.choice(self.constants[kind] + odd)}
+
+    def filter(self, with_functions=True):
+        kind = self.rng.choice(self.kinds)
+        shapes = {("attribute", "constant"): 60, ("attribute", "attribute"): 12, ("any constant", "any constant"): 3}
+        if with_functions and self.rng.random() < self.draws:
+            return self.draw_filter()
+        if with_functions:
+            shapes |= {("attribute", "unknown"): 3, ("unknown", "unknown"): 1}
+        return self.filter_of(kind, shapes)
+
+    def draw_filter(self):
+        return self.filter_of("double", {("draw", "constant"): 6, ("attribute", "draw"): 3, ("draw", "draw"): 2,
+                                         ("draw", "unknown"): 1})
+
+    def filter_of(self, kind, shapes):
+        (shape,) = self.rng.choices(list(shapes), shapes.values())
+        left, right = (self.operand(what, kind) for what in self.rng.choice([shape, shape, shape[::-1]]))
+        return {"operator": self.rng.choice(list(semantics.COMPARE)), "value_type": kind, "operand1": left,
+                "operand2": right}
+
+    def some_filters(self, counts, event):
+        if event == "EnteringState" and self.rng.random() < self.draws * 2:
+            return [self.draw_filter()]
+        filters = [self.filter() if self.rng.random() < 0.2 else self.rng.choice(self.filters)
+                   for _ in range(self.rng.choice(counts))]
+        return filters
+
+    def context(self):
+        """Returns attributes with values that are the constants, or beside them, grouped as in an event record."""
+        groups = collections.defaultdict(dict)
+        for kind, name in ((kind, name) for kind in self.kinds for name in self.attributes[kind]):
+            value = self.rng.choice(self.constants[kind])
+            if kind == "integer":
+                value = read_constant(kind, value)[0].place + self.rng.choice([0, 0, 1, -1])
+                value = min(max(value, -2**63), 2**63 - 1)
+            elif kind == "double":
+                value = self.rng.choice([5.0, 0.1, -0.0, 1.0, 0.5, 1e308])
+            groups[semantics.KINDS[kind]][name] = value
+        return dict(groups)
+
+
+def is_accepted(rule):
+    """A constant that is no number is refused but in the company of another constant."""
+    constants = [rule[side]["value"] for side in ("operand1", "operand2") if rule[side]["type"] == "constant"]
+    return len(constants) != 1 or read_constant(rule["value_type"], constants[0])[1]
+
+
+def make_machine(rng, words):
+    states = ["start"] + rng.sample(["end", "a", "b", "c", "", "d\0", "é"], rng.randint(0, 5))
+    events = rng.sample(EVENT_TYPES, rng.choice([1, 1, 2, 3])) + ["EnteringState"] * rng.choice([0, 0, 1])
+    triggering = rng.choice([0.1, 0.3, 0.6])
+    counts = rng.choice([[0, 1], [1, 2], [0, 1, 1, 2, 3], [2, 3, 4]])
+
+    forward = rng.random() < 0.35
+    rules = []
+
+    def add(source, target, event, counts):
+        names = rng.choices(["Test", "LogZramHeartBeat"], k=rng.choice([0, 0, 0, 1]))
+        if rng.random() < triggering:
+            names += rng.choices(["TriggerVelora", "TriggerVeloraCpu"], k=rng.choice([1, 1, 1, 1, 2, 3]))
+        rules.insert(rng.randint(0, len(rules)), {
+            "from_state": states[source], "to_state": states[target], "event": event,
+            "filters": [each for each in words.some_filters(counts, event) if is_accepted(each)],
+            "actions": [{"name": name} for name in names]})
+
+    for _ in range(rng.choice([rng.randint(0, 6), rng.randint(3, 12), rng.randint(8, 24)])):
+        source, target = rng.choices(range(len(states)), k=2)
+        if not forward or source < target:  # machines that only go forward have a bound of triggers
+            add(source, target, rng.choice(events), counts)
+    for target in range(1, len(states)):  # most states have a way from the first
+        if rng.random() < 0.7:
+            add(rng.randrange(target), target, rng.choice(events), [0, 1])
+    if rng.random() < 0.15:  # a circle without end, which a filter may leave
+        circle = rng.sample(range(len(states)), rng.randint(1, min(3, len(states))))
+        for source, target in zip(circle, circle[1:] + circle[:1]):
+            add(source, target, "EnteringState", [0, 0, 1])
+    return {"transitions": rules}
+
+
+def make_property(rng, words, document, machines):
+    """Returns a property, and the machines of which it is said."""
+    kind = rng.choice(PROPERTIES + ["at_most in"])
+    chosen = rng.randrange(len(machines)) if rng.random() < 0.5 or "reach" in kind else None
+    own = {} if chosen is None or "reach" in kind else {"config": document["configs"][chosen]["id"]}
+    asked = machines if chosen is None else [machines[chosen]]
+    if "reach" in kind:
+        return {kind: {str(document["configs"][chosen]["id"]): rng.choice(asked[0].states)}}, asked
+    if kind == "at_most":
+        most = (rng.choice(asked).most_ever() or 0) + rng.choice([0, 0, 1, -1])
+        return own | {kind: {"triggers": max(0, most)}}, asked
+    if kind == "at_most in":
+        events = rng.randint(1, 7)
+        most = max(rng.choice(asked).most_within(events).values()) + rng.choice([0, 0, 1, -1])
+        return own | {"at_most": {"triggers": max(0, most), "events": events}}, asked
+    filters = [words.filter(with_functions=False) for _ in range(rng.choice([0, 0, 1, 2]))]
+    used = [each for config in document["configs"] for rule in config["payload"]["data"]["transitions"]
+            for each in rule["filters"] if '"function"' not in json.dumps(each)]
+    filters += rng.choices(used, k=1) if used else []
+    return own | {kind: [each | ({"event": rng.choice(EVENT_TYPES)} if rng.random() < 0.2 else {})
+                         for each in filters if is_accepted(each)]}, asked
+
+
+class Replay:
+    """What `vig run --explain` says of one machine: what happened first in which event, and where it was afterwards."""
+
+    def __init__(self, events):
+        self.visited, self.fired, self.triggers = {"start": 0}, {}, []
+        self.after = ["start"] * (events + 1)
+
+    def add(self, line):
+        event = line["event"]
+        if line["type"] == "trigger":
+            self.triggers.append(event)
+        for tried in line.get("transitions", []):
+            if tried["fired"]:
+                self.visited.setdefault(tried["to"], event)
+                self.fired.setdefault(tried["path"], event)
+                self.after[event:] = [tried["to"]] * (len(self.after) - event)
+
+    def least_distance(self):
+        return min((after - before for before, after in itertools.pairwise(self.triggers)), default=None)
+
+    def has_cycle(self, rate):
+        """Tells whether some events lead from a state back to it with triggers at that rate."""
+        return any(self.after[begin] == self.after[end]
+                   and rate * (end - begin) == sum(begin < event <= end for event in self.triggers)
+                   for begin, end in itertools.combinations(range(len(self.after)), 2))
+
+
+class Case:
+    """One document, what is expected of it, and the tool's answers, which are compared in a folder of their own."""
+
+    def __init__(self, program, seed, folder):
+        self.program, self.folder, self.replays = program, folder, {}
+        self.counts, self.disagreements = collections.Counter(documents=1), []
+        rng, events = random.Random(seed), semantics.Events()
+        words = Vocabulary(rng)
+        document = {"configs": [{"id": number, "payload": {"id": 1, "data": make_machine(rng, words)}}
+                                for number in rng.sample([7, 8, 0, -1, 2**63 - 1], rng.choice([1, 1, 1, 2, 2, 3]))]}
+        self.context = words.context() if rng.random() < 0.35 else {}
+
+        @functools.cache
+        def machines_in(context):
+            return [Machine(config["payload"]["data"]["transitions"], context, events)
+                    for config in document["configs"]]
+
+        self.machines = machines_in(context_of(self.context))
+        self.properties, self.verdicts = [], []
+        for number in range(rng.randint(3, 8)):
+            own = {"context": words.context()} if rng.random() < 0.2 else {}
+            prop, asked = make_property(rng, words, document, machines_in(context_of(own.get("context", {}))))
+            self.properties.append({"name": f"property {number}"} | own | prop)
+            self.verdicts.append(all(machine.holds(prop) for machine in asked))
+        tests = {"rules": "rules.json", "properties": self.properties}
+        (folder / "rules.json").write_text(json.dumps(document, indent=1))
+        (folder / "rules.test.json").write_text(json.dumps(tests, indent=1))
+        (folder / "context.json").write_text(json.dumps({"event": "Test"} | self.context) + "\n")
+
+    def vig(self, verb, *arguments, text=""):
+        if self.context and verb != "test":
+            arguments += "--context", "context.json"
+        return subprocess.run([self.program, verb, *arguments], cwd=self.folder, input=text, capture_output=True,
+                              encoding="utf-8", timeout=120, check=False)
+
+    def expect(self, what, expected, got):
+        if expected != got:
+            self.disagreements.append(f"{what}: expected {expected}, got {got}")
+
+    def replay(self, witness, machine):
+        key = json.dumps(witness)
+        if key not in self.replays:
+            self.counts["witnesses"] += 1
+            found = self.replays[key] = collections.defaultdict(lambda: Replay(len(witness["events"])))
+            done = self.vig("run", "rules.json", "--explain", "--format", "jsonl",
+                            *(f"--draw={draw!r}" for draw in witness["draws"]),
+                            text="".join(json.dumps(event) + "\n" for event in witness["events"]))
+            self.expect(f"exit status of run, which says {done.stderr}", 0, done.returncode)
+            for line in map(json.loads, done.stdout.splitlines()):
+                if "machine" in line:
+                    found[line["machine"]].add(line)
+        return self.replays[key][machine]
+
+    def compare_answer(self, what, answer, verdict, by_recordable, by_any, first):
+        """Compares whether something can be, and after how many events, with the last of which the witness shows it."""
+        self.counts[f"{what.split()[0]} {verdict}"] += 1
+        if verdict == "not decided":
+            return
+        expected = "no" if by_any is None else "unrecordable" if by_recordable is None else "yes"
+        self.expect(what, expected, verdict)
+        if verdict == expected == "yes":
+            found = answer["events"], len(answer["witness"]["events"]), first(answer["witness"])
+            self.expect(f"{what}, after events, events of its witness, and seen first", (by_recordable,) * 3, found)
+
+    def compare_load(self, what, index, load):
+        if not load["decided"]:
+            self.counts["load not decided"] += 1
+            return
+        machine = self.machines[index]
+        most, rate, distance = machine.most_ever(), None, machine.distance()
+        if most is None:
+            rate = machine.rate()
+        self.counts["load " + ("unbounded" if rate else "bounded" if most else "none")] += 1
+        self.expect(f"{what}: triggers", most, load.get("triggers"))
+        self.expect(f"{what}: rate", rate and as_rate(rate), load.get("rate"))
+        self.expect(f"{what}: distance", distance, load["distance"])
+        if most != 0:
+            replay = self.replay(load["witness"], index)
+            shown = replay.has_cycle(rate) if rate else len(replay.triggers) == most
+            self.expect(f"{what}: what the witness shows", True, shown)
+        if distance is not None:
+            replay = self.replay(load["distance_witness"], index)
+            self.expect(f"{what}: distance of its witness", distance, replay.least_distance())
+
+    def compare_prove(self):
+        done = self.vig("prove", "rules.json", "--format", "json")
+        (self.folder / "answer.json").write_text(done.stdout)
+        if done.returncode not in (0, 1):
+            self.disagreements.append(f"vig prove ends with {done.returncode} and says {done.stderr}")
+            return
+        answer = json.loads(done.stdout)
+        self.expect("number of machines", len(self.machines), len(answer["machines"]))
+        for index, (machine, got) in enumerate(zip(self.machines, answer["machines"])):
+            self.expect("states", machine.states, [state["name"] for state in got["states"]])
+            for state in got["states"]:
+                name = state["name"]
+                self.compare_answer(f"state {name!r} of machine {index}", state, state["reached"],
+                                    machine.reached.states.get(name), machine.reached_by_any.states.get(name),
+                                    lambda witness: self.replay(witness, index).visited.get(name))
+            paths = [f"configs[{index}].payload.data.transitions[{number}]"
+                     for number in range(len(machine.transitions))]
+            self.expect("transitions", paths, [rule["path"] for rule in got["transitions"]])
+            for number, (path, rule) in enumerate(zip(paths, got["transitions"])):
+                self.compare_answer(f"transition {path}", rule, rule["fires"],
+                                    machine.reached.transitions.get(number),
+                                    machine.reached_by_any.transitions.get(number),
+                                    lambda witness: self.replay(witness, index).fired.get(path))
+            self.compare_load(f"load of machine {index}", index, got["load"])
+            self.expect(f"stays of machine {index}", machine.stays(), set(map(frozenset, got["stays"])))
+        undecided = any(what.endswith("not decided") for what in self.counts)
+        self.expect("exit status of prove", int(undecided), done.returncode)
+        if all(got["load"]["decided"] for got in answer["machines"]):
+            most = [machine.most_ever() for machine in self.machines]
+            rate = sum(machine.rate() for machine in self.machines)
+            expected = {"rate": as_rate(rate)} if None in most else {"triggers": sum(most)}
+            self.expect("load of all", expected, answer["load"])
+
+    def compare_properties(self):
+        done = self.vig("test", "rules.test.json")
+        (self.folder / "properties.txt").write_text(done.stdout + done.stderr)
+        failed = re.findall(r"^FAIL .*: property (\d+)\n((?: .*\n)*)", done.stdout, re.MULTILINE)
+        failed = {int(number): why for number, why in failed}
+        for number, (prop, verdict) in enumerate(zip(self.properties, self.verdicts)):
+            (kind,) = prop.keys() & set(PROPERTIES)
+            answer = "fails" if number in failed else "holds"
+            if "not decided" in failed.get(number, ""):
+                answer = "not decided"
+            self.counts[f"property {kind} {answer}"] += 1
+            if answer != "not decided":
+                self.expect(f"property {number}", "holds" if verdict else "fails", answer)
+        self.expect("exit status of test", int(bool(failed)), done.returncode)
+
+
+def as_rate(rate):
+    return {"triggers": rate.numerator, "events": rate.denominator}
+
+
+def judge(program, keep, seed):
+    """Returns the counts of one document and its disagreements."""
+    with tempfile.TemporaryDirectory(prefix="judge-") as folder:
+        case = Case(program, seed, pathlib.Path(folder))
+        for compare in (case.compare_prove, case.compare_properties):
+            try:
+                compare()
+            except (LookupError, TypeError, ValueError, subprocess.TimeoutExpired) as error:
+                case.disagreements.append(f"{compare.__name__} cannot read the answer: {error!r}")
+        if case.disagreements and keep:
+            (case.folder / "disagreements.txt").write_text("\n".join(case.disagreements) + "\n")
+            shutil.copytree(folder, keep / str(seed), dirs_exist_ok=True)
+        return seed, case.counts, case.disagreements
+
+
+def main():
+    parser = argparse.ArgumentParser(description="Holds what vig decides against another way to decide it.")
+    parser.add_argument("vig", type=pathlib.Path)
+    parser.add_argument("--documents", metavar="N", type=int, default=300)
+    parser.add_argument("--seed", metavar="S", type=int, default=0)
+    parser.add_argument("--keep", metavar="DIR", type=pathlib.Path)
+    parser.add_argument("--jobs", metavar="J", type=int, default=2)
+    options = parser.parse_args()
+    total, disagreements = collections.Counter(), 0
+    seeds = range(options.seed, options.seed + options.documents)
+    with multiprocessing.Pool(options.jobs) as pool:
+        one = functools.partial(judge, options.vig.resolve(), options.keep)
+        for seed, counts, found in pool.imap(one, seeds, chunksize=8):
+            total += counts
+            disagreements += len(found)
+            for each in found:
+                print(f"seed {seed}: {each}", flush=True)
+    for what, count in sorted(total.items()):
+        print(f"{count:9d}  {what}")
+    print(f"{disagreements:9d}  disagreements")
+    return int(disagreements > 0)
+
+
+if __name__ == "__main__":
+    sys.exit(main())
