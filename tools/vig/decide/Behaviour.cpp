@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <set>
 
 #include "rulesengine/FiniteStateMachine.h"
 #include "rulesengine/State.h"
@@ -130,8 +131,9 @@ const Chain& Behaviour::chainFrom(std::size_t state) {
         return chain;
     }
     chain.stops.push_back({state, kNone, kNone, 0});
-    std::map<std::size_t, bool> rested;
-    std::map<std::size_t, std::size_t> inNext;  // the states that so many moves lead to
+    std::set<std::size_t> rested;
+    std::set<std::size_t> inNext;  // the states that one move more leads to
+    std::set<std::size_t> followedOnes;
     for (std::size_t index = 0; index < chain.stops.size(); ++index) {
         const Chain::Stop stop = chain.stops[index];
         if (index > 0 && chain.stops[index - 1].moves != stop.moves) {
@@ -140,12 +142,14 @@ const Chain& Behaviour::chainFrom(std::size_t state) {
         const Entering& entering = enteringOf(stop.state);
         chain.isWhole = chain.isWhole && entering.isWhole;
         const bool isLast = stop.moves == kMostMoves;
-        if ((isLast || entering.canRest) && !std::exchange(rested[stop.state], true)) {
+        if ((isLast || entering.canRest) && rested.insert(stop.state).second) {
             chain.rests.push_back(index);
         }
         for (const std::size_t each : isLast ? std::vector<std::size_t>() : entering.transitions) {
-            if (inNext.emplace(sites[each].to, index).second) {
-                chain.stops.push_back({sites[each].to, index, each, stop.moves + 1});
+            // One of several that lead to the same state is enough, once each of them has been followed.
+            const bool isNewState = inNext.insert(to(each)).second;
+            if (followedOnes.insert(each).second || isNewState) {
+                chain.stops.push_back({to(each), index, each, stop.moves + 1});
             }
         }
         if (!effort.spend(kEffortOfStop)) {

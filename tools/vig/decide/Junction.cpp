@@ -402,9 +402,10 @@ std::vector<Value> Junction::candidates(const Side& side, const std::optional<Va
     const double limit = other ? std::get<double>(*other) : side.most;
     std::vector<Value> numbers;
     // Some are easily read, the others lie nearest to the limit or farthest from it.
+    const double behind = std::nextafter(side.most, side.most + 1);
     for (const double each :
-         {limit / 2, (limit + side.most) / 2, 0.5, 0.25, 0.75, limit, std::nextafter(limit, side.least),
-          std::nextafter(limit, side.most), side.least, side.most}) {
+         {0.5, 0.25, 0.75, limit / 2, (limit + behind) / 2, limit, std::nextafter(limit, side.least),
+          std::nextafter(limit, behind), side.least, side.most}) {
         if (side.least <= each && each <= side.most) {
             numbers.emplace_back(each);
         }

@@ -209,6 +209,7 @@ std::vector<Value> Scale::plainValues(Cell first, Cell last) const {
         const Value& constant = constants[place];
         values.push_back(constant);
         if (const auto* const number = std::get_if<double>(&constant)) {
+            values.emplace_back(std::round(*number + step) + 0.0);  // which makes no -0
             values.emplace_back(*number + step);
             values.emplace_back(*number + step / 8.0);
         } else if (const auto* const whole = std::get_if<std::int64_t>(&constant)) {
