@@ -119,6 +119,8 @@ class Comparison {
         : model(machine.config()), given(surroundings), load(load), stays(stays), verdicts(machine) {
         found.states.resize(verdicts.states.size());
         found.transitions.resize(verdicts.transitions.size());
+        found.stays.resize(stays.size());
+        ofOne = found;
     }
 
     std::optional<ContextDependence> run() {
@@ -160,7 +162,11 @@ class Comparison {
             const Load other = worstLoad(machine);
             const auto keyOf = [](const Load& each) { return std::tuple(each.most, each.rate, each.distance); };
             note(keyOf(other) != keyOf(load), variation, ofOne.load, found.load);
-            note(statesToStay(machine) != stays, variation, ofOne.stays, found.stays);
+            const auto others = statesToStay(machine);
+            for (std::size_t index = 0; index < stays.size(); ++index) {
+                const bool isOther = std::ranges::find(others, stays[index]) == others.end();
+                note(isOther, variation, ofOne.stays[index], found.stays[index]);
+            }
         }
         return !machine.hasGaps();
     }
@@ -170,7 +176,7 @@ class Comparison {
                         std::vector<ContextDependence::Names>& names) {
         for (std::size_t index = 0; index < before.size(); ++index) {
             const bool isOther = before[index] != Answer::Undecided && now[index] != before[index];
-            note(isOther, variation, known.empty() ? ContextDependence::Names() : known[index], names[index]);
+            note(isOther, variation, known[index], names[index]);
         }
     }
 

@@ -18,7 +18,7 @@ struct ContextDependence {
 
     std::vector<Names> states;
     std::vector<Names> transitions;
-    Names stays;
+    std::vector<Names> stays;  // for each set of states
     Names load;
 };
 

@@ -426,7 +426,8 @@ double Junction::oddsOf(const Meaning& meaning, const std::optional<Value>& left
         if (std::isnan(limit)) {
             return 1;  // no draw decides anything
         }
-        const double share = (limit - drawn.least) / (drawn.most - drawn.least);
+        const double behind = std::nextafter(drawn.most, drawn.most + 1);
+        const double share = (limit - drawn.least) / (behind - drawn.least);
         isAbove = left ? std::clamp(share, 0.0, 1.0) : 1 - std::clamp(share, 0.0, 1.0);
     }
     const bool takesAbove = compares(meaning.op, 1.0, 0.0);

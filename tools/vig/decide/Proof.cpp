@@ -82,7 +82,7 @@ class Confirmation {
         }
         Witness witness = rehearsal.play(proof.index, *plan);
         if (!isShown(witness, *plan)) {
-            proof.fault = fmt::format("{} after {} events", what, plan->events.size());
+            proof.fault = proof.fault.empty() ? fmt::format("{} by event {}", what, plan->events.size()) : proof.fault;
             return std::nullopt;
         }
         return Recording{std::move(witness.events), std::move(witness.draws)};
@@ -144,7 +144,9 @@ void addContext(const ContextDependence& dependence, Proof& proof) {
         }
     }
     proof.load.context = listOf(dependence.load);
-    proof.staysContext = listOf(dependence.stays);
+    for (std::size_t index = 0; index < dependence.stays.size(); ++index) {
+        proof.staysContext[index] = listOf(dependence.stays[index]);
+    }
 }
 
 }  // namespace
@@ -165,6 +167,7 @@ Proof prove(const ConfigModel& config, std::size_t machine, const Surroundings& 
     if (!behaviour.hasGaps()) {
         proof.stays = stays;
     }
+    proof.staysContext.resize(stays.size());
     const Surroundings varied{surroundings.registry, surroundings.catalogue, surroundings.context, forContexts};
     const auto dependence = dependenceOf(behaviour, load, stays, varied);
     Confirmation confirmation(behaviour, rehearsal, proof);

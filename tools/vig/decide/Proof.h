@@ -51,10 +51,10 @@ struct Proof {
     std::vector<Claim> states = {};
     std::vector<Claim> transitions = {};
     std::optional<std::vector<std::vector<std::size_t>>> stays = {};  // nothing if it is not decided
-    Names staysContext = {};
+    std::vector<Names> staysContext = {};                             // of each set of states
     WorstLoad load = {};
     bool isContextDecided = false;
-    std::string fault = {};  // what the library did not do, although it was decided; nothing else counts then
+    std::string fault = {};  // what was decided and the library did not do; nothing else counts then
 
     bool isDecided() const;
 };

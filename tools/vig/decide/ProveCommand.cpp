@@ -86,7 +86,7 @@ class ProveRun {
                 return session.document().text.source().text();
             case RuleSession::Loading::Refused:
                 out.flush();
-                console.say(fmt::format("{}: error: {}; `vig check` tells where", path, session.problem()));
+                console.say(fmt::format("{}: error: {}; `vig check` tells what is wrong", path, session.problem()));
                 isUsable = false;
                 break;
             case RuleSession::Loading::Unreadable:
@@ -204,16 +204,27 @@ int prove(const ProveOptions& options, const Console& console, const Interruptio
     return ProveRun(options, console, interruption).run();
 }
 
-constexpr const char* kHelp = R"(TODO)";
+constexpr const char* kHelp =
+    R"(For each machine: the states that it can reach and the transitions that can fire, with the length of the shortest
+recording that gets it there; where it stays for ever; and how many triggers it can cause at worst, how near to each
+other. Events are any that records can hold, and draws may be any. The library has played all recordings before. With
+--witness, each answer names its file, and the draws to replay it with: `vig run RULES` takes both, and --context.
+
+Exit status: 0 all is decided, 1 something is not, 2 a document is refused or cannot be read, or the library does not do
+what was decided.
+
+Example: what makes the machine cause so many triggers?
+  vig prove rules.json --witness shown
+  vig run rules.json shown/0-load.jsonl --explain)";
 
 void addProve(CommandLine& commandLine, ProveOptions& options) {
-    Verb verb = commandLine.addVerb("prove", "Decides what rule documents can do, whatever events come.", kHelp, prove,
-                                    options);
+    Verb verb =
+        commandLine.addVerb("prove", "Decides what rule documents can do, for all events.", kHelp, prove, options);
     verb.argument("RULES", options.rules, Verb::Need::Required, "The rule documents");
     verb.choice("--format", options.format, {{"text", ProofFormat::Text}, {"json", ProofFormat::Json}},
                 "text for people, json for programs, with the recordings");
     verb.name("--witness", options.witnessFolder, "DIR",
-              "Writes a recording that shows it to that folder, for each answer that something happens");
+              "Writes the recordings to files in that folder; for one rule document");
     addContext(verb, options.contextFile);
     addCatalogueFile(verb, options.catalogueFile);
 }

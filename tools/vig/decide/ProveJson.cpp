@@ -47,9 +47,7 @@ std::string jsonOf(const Recording& recording) {
                        fmt::join(recording.draws, ","), path);
 }
 
-std::string jsonOf(const Proof::Names& names) {
-    return jsonArray(names, quoted);
-}
+constexpr auto kNames = [](const Proof::Names& names) { return jsonArray(names, quoted); };
 
 // Returns the end of the object of which `names` are the first members.
 std::string jsonOf(const Proof::Claim& claim, std::string_view verb) {
@@ -57,7 +55,7 @@ std::string jsonOf(const Proof::Claim& claim, std::string_view verb) {
     if (claim.recording) {
         json += fmt::format(R"(,"events":{},"witness":{})", claim.recording->events.size(), jsonOf(*claim.recording));
     }
-    return json + ",\"context\":" + jsonOf(claim.context) + "}";
+    return json + ",\"context\":" + kNames(claim.context) + "}";
 }
 
 std::string jsonOf(Rate rate) {
@@ -74,7 +72,7 @@ std::string jsonOf(const Proof::WorstLoad& load) {
     json += ",\"distance\":" + (load.distance ? std::to_string(*load.distance) : "null");
     json += load.recording ? ",\"witness\":" + jsonOf(*load.recording) : "";
     json += load.distanceRecording ? ",\"distance_witness\":" + jsonOf(*load.distanceRecording) : "";
-    return json + ",\"context\":" + jsonOf(load.context) + "}";
+    return json + ",\"context\":" + kNames(load.context) + "}";
 }
 
 }  // namespace
@@ -112,8 +110,8 @@ std::string jsonOf(const Proof& proof, const std::string& file) {
     const auto nameOfState = [&](std::size_t state) { return quoted(proof.stateNames[state]); };
     const auto listOf = [&](const auto& states) { return jsonArray(states, nameOfState); };
     return json + fmt::format("\n],\"stays\":{},\"stays_context\":{},\n\"load\":{},\"context_decided\":{}}}",
-                              proof.stays ? jsonArray(*proof.stays, listOf) : "null", jsonOf(proof.staysContext),
-                              jsonOf(proof.load), proof.isContextDecided);
+                              proof.stays ? jsonArray(*proof.stays, listOf) : "null",
+                              jsonArray(proof.staysContext, kNames), jsonOf(proof.load), proof.isContextDecided);
 }
 
 }  // namespace Brenta::OS::VIG::Tool
