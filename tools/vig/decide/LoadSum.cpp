@@ -1,7 +1,6 @@
-#include <algorithm>
-#include <numeric>
+#include "tools/vig/decide/LoadSum.h"
 
-#include "tools/vig/decide/ProofWriters.h"
+#include <numeric>
 
 namespace Brenta::OS::VIG::Tool {
 
