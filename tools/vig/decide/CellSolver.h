@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "tools/vig/decide/Scale.h"
+#include "tools/vig/io/Interruption.h"
 
 namespace Brenta::OS::VIG::Tool {
 
@@ -59,12 +60,15 @@ struct Space {
 
 enum class Verdict { Yes, No, Undecided };
 
-// It bounds how much is looked at, so that no document takes long. What is asked when it is used up is undecided.
+// It bounds how much is looked at, so that no document takes long. What is asked when it is used up is undecided; an
+// interruption, if there may be one, uses it up.
 struct Effort {
     std::uint64_t left = 100'000'000;  // literals, or what takes as long; a second or two
+    const Interruption* interruption = nullptr;
 
     bool spend(std::uint64_t amount) {
-        left -= std::min(left, amount);
+        const bool isOver = interruption != nullptr && interruption->requested();
+        left = isOver ? 0 : left - std::min(left, amount);
         return left > 0;
     }
 };

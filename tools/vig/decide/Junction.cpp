@@ -29,10 +29,6 @@ std::optional<FilterValueType> comparedAs(AttributeKind kind) {
     return std::nullopt;
 }
 
-Value constantOf(const std::string& text, FilterValueType type) {
-    return withComparedType(type, [&]<typename T>(std::type_identity<T>) { return Value(readNearest<T>(text)); });
-}
-
 std::optional<Value> attributeOf(const AttributeSet& attributes, std::string_view name, FilterValueType type) {
     switch (type) {
         case FilterValueType::Integer:
@@ -65,6 +61,10 @@ bool canDraw(double least, double most, FilterOperator op, const Value& other) {
 }
 
 }  // namespace
+
+Value constantOf(const std::string& text, FilterValueType type) {
+    return withComparedType(type, [&]<typename T>(std::type_identity<T>) { return Value(readNearest<T>(text)); });
+}
 
 Junction::Junction(std::vector<const TransitionModel*> listening, EventType event,
                    std::span<const FilterModel* const> furtherFilters, const Surroundings& surroundings)
@@ -158,6 +158,9 @@ std::optional<Value> Junction::ofContext(std::string_view name, FilterValueType 
 }
 
 bool Junction::isOfOpenContext(std::string_view name, FilterValueType kind) const {
+    if (surroundings.kind == Surroundings::Context::Open) {
+        return true;
+    }
     const CataloguedAttributes& known = surroundings.catalogue.context();
     const auto found = known.find(name);
     return surroundings.kind == Surroundings::Context::Catalogued && found != known.end() &&
@@ -261,7 +264,9 @@ void Junction::giveMeaning(Meaning& meaning) {
             failing = comparedWith(other, negated(seen), variable, meaning);
             failing.nan = !cells.nan;
         }
-        if (looksInContext && isOfOpenContext(space.variables[variable].name, kind)) {
+        // What a machine's own event has is its context, and what that lacks is nowhere.
+        const bool isOfEvent = type != EventType::EnteringState;
+        if (isOfEvent && looksInContext && isOfOpenContext(space.variables[variable].name, kind)) {
             cells.absent = failing.absent = true;
         }
         both({variable, cells}, {variable, failing});
@@ -421,7 +426,8 @@ double Junction::oddsOf(const Meaning& meaning, const std::optional<Value>& left
         if (std::isnan(limit)) {
             return 1;  // no draw decides anything
         }
-        const double share = (limit - drawn.least) / (drawn.most - drawn.least);
+        const double behind = std::nextafter(drawn.most, drawn.most + 1);
+        const double share = (limit - drawn.least) / (behind - drawn.least);
         isAbove = left ? std::clamp(share, 0.0, 1.0) : 1 - std::clamp(share, 0.0, 1.0);
     }
     const bool takesAbove = compares(meaning.op, 1.0, 0.0);
