@@ -68,6 +68,11 @@ TEST(CommandLine, VerbsHaveTheirDefaultsAndOptions) {
     EXPECT_EQ(check.format, FindingFormat::Sarif);
     EXPECT_EQ(check.catalogueFile + check.eventsFile, "ce");
     EXPECT_TRUE(check.strict);
+    const auto prove =
+        Parsed({"prove", "a", "b", "--format", "json", "--witness", "w", "--context", "c", "--catalogue", "k"}).prove;
+    EXPECT_EQ(prove.rules, (Strings{"a", "b"}));
+    EXPECT_EQ(prove.format, ProofFormat::Json);
+    EXPECT_EQ(prove.witnessFolder + prove.contextFile + prove.catalogueFile, "wck");
     const auto graph =
         Parsed({"graph", "r", "--format", "png", "--events", "e", "--seed", "7", "--context", "c"}).graph;
     EXPECT_EQ(graph.rules + graph.events + graph.contextFile, "rec");

@@ -62,6 +62,9 @@ class EveryVerb : public testing::Test {
         for (const char* const format : {"text", "json", "sarif"}) {
             commands.push_back({"check", rules, refused, "--format", format});
         }
+        for (const char* const format : {"text", "json"}) {
+            commands.push_back({"prove", rules, "--format", format});
+        }
         for (const char* const format : {"dot", "mermaid"}) {
             commands.push_back({"graph", rules, "--events", events, "--format", format});
         }

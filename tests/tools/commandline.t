@@ -44,6 +44,9 @@ What is missing or wrong is a usage error, which names the help to read.
   > check r --catalogue ''
   > check r --events ''
   > graph r --events ''
+  > prove r --format sarif
+  > prove r --witness ''
+  > prove a b --witness w
   > EOF
   2 vig: error: A subcommand is required. Try: vig --help
   2 vig: error: RULES is required. Try: vig run --help
@@ -85,6 +88,9 @@ What is missing or wrong is a usage error, which names the help to read.
   2 vig: error: --catalogue: expected a name, got nothing. Try: vig check --help
   2 vig: error: --events: expected a name, got nothing. Try: vig check --help
   2 vig: error: --events: expected a name, got nothing. Try: vig graph --help
+  2 vig: error: --format: expected text|json, got sarif. Try: vig prove --help
+  2 vig: error: --witness: expected a name, got nothing. Try: vig prove --help
+  2 vig: error: --witness takes the recordings of one rule document. Try: vig prove --help
   $ for time in '' s -1s '1 s' 1e3 nan inf 1sec 99999999h; do vig watch r --duration "$time" 2>&1 | grep -o 'got .*'; done
   got 
   got s
@@ -102,17 +108,19 @@ What is missing or wrong is a usage error, which names the help to read.
 
 Every verb has a help with an example.
 
-  $ for verb in run summary watch test check catalogue graph; do vig "$verb" --help | grep ^Example; done
+  $ for verb in run summary watch test check prove catalogue graph; do vig "$verb" --help | grep ^Example; done
   Example: which events of a recording fire a trigger? And why did the second transition not fire?
   Example: two halves of a fleet, replayed apart
   Example: watch for ten seconds, then play the recording to rules that were changed:
   Example: all tests, with what they do not reach, and a report for the build server:
   Example: check before a commit, as strictly as possible, for a service that arms timeouts:
+  Example: what makes the machine cause so many triggers?
   Example: what do the events of this machine have?
   Example: where does the recording get stuck?
-  $ vig --help | grep -A7 Subcommands
+  $ vig --help | grep -A8 Subcommands
   Subcommands:
     check                       Says what is wrong with rule documents, all at once.
+    prove                       Decides what rule documents can do, for all events.
     run                         Replays recorded events, and shows what the rules do with them.
     summary                     Merges the summaries of runs over parts of a fleet.
     watch                       Observes this machine, and shows what the rules do with its events.

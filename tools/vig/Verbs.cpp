@@ -4,6 +4,7 @@ namespace Brenta::OS::VIG::Tool {
 
 Verbs::Verbs() {
     addCheck(commandLine, check);
+    addProve(commandLine, prove);
     addRun(commandLine, run);
     addSummary(commandLine, summary);
     addWatch(commandLine, watch);

@@ -3,6 +3,7 @@
 #include "tools/vig/catalogue/CatalogueCommand.h"
 #include "tools/vig/check/CheckCommand.h"
 #include "tools/vig/commandline/CommandLine.h"
+#include "tools/vig/decide/ProveCommand.h"
 #include "tools/vig/fleet/FleetCommand.h"
 #include "tools/vig/fleet/SummaryCommand.h"
 #include "tools/vig/graph/GraphCommand.h"
@@ -17,6 +18,7 @@ struct Verbs {
 
     CommandLine commandLine;
     CheckOptions check;
+    ProveOptions prove;
     FleetOptions run;
     SummaryOptions summary;
     WatchOptions watch;

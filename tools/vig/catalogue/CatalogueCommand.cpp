@@ -1,6 +1,7 @@
 #include "tools/vig/catalogue/CatalogueCommand.h"
 
 #include <cerrno>
+#include <utility>
 
 #include "tools/vig/catalogue/Catalogue.h"
 #include "tools/vig/commandline/CommandLine.h"
@@ -31,6 +32,31 @@ std::optional<int> learnFrom(const std::string& events, const Console& console, 
             break;
     }
     return std::nullopt;
+}
+
+std::optional<int> loadCatalogue(const std::string& file, const Console& console, const Interruption& interruption,
+                                 Catalogue& catalogue) {
+    if (file.empty()) {
+        catalogue = Catalogue::builtIn();
+        return std::nullopt;
+    }
+    std::string problem;
+    auto read = Catalogue::readFrom(file, interruption, problem);
+    if (interruption.requested()) {
+        return kExitInterrupted;
+    }
+    if (!read) {
+        console.say(problem);
+        return kExitUnusable;
+    }
+    catalogue = std::move(*read);
+    return std::nullopt;
+}
+
+void addCatalogueFile(Verb& verb, std::string& file) {
+    verb.name("--catalogue", file, "FILE",
+              "The attributes of events and contexts, as `vig catalogue` prints them (default: what `vig watch`\n"
+              "produces)");
 }
 
 int catalogue(const CatalogueOptions& options, const Console& console, const Interruption& interruption) {

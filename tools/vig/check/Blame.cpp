@@ -1,6 +1,6 @@
 #include "tools/vig/check/Blame.h"
 
-#include <utility>
+#include <algorithm>
 
 namespace Brenta::OS::VIG::Tool {
 
@@ -20,9 +20,12 @@ Blame blameFor(Behaviour& machine, const Junction& junction, Junction::Question 
     std::size_t end = candidates.size();
     while (!isImpossible(0)) {
         std::size_t possible = 0;
+        bool isFound = false;  // a part that leaves nothing; until then few are tried first
         while (end > possible + 1 && asked < kMostAsked) {
-            const std::size_t middle = possible + (end - possible) / 2;
-            (isImpossible(middle) ? end : possible) = middle;
+            const std::size_t middle = isFound ? possible + (end - possible) / 2 : std::min(2 * possible + 1, end - 1);
+            const bool isEnough = isImpossible(middle);
+            (isEnough ? end : possible) = middle;
+            isFound = isFound || isEnough;
         }
         if (asked == kMostAsked || end == 0) {
             blame.isWhole = false;

@@ -24,24 +24,13 @@ namespace {
 // If it cannot be read, says why and returns the exit status.
 std::optional<int> loadCatalogue(const CheckOptions& options, const Console& console, const Interruption& interruption,
                                  Catalogue& catalogue) {
-    if (!options.catalogueFile.empty()) {
-        std::string problem;
-        auto read = Catalogue::readFrom(options.catalogueFile, interruption, problem);
-        if (interruption.requested()) {
-            return kExitInterrupted;
+    const bool isLearned = !options.eventsFile.empty();
+    if (!isLearned || !options.catalogueFile.empty()) {
+        if (const auto status = loadCatalogue(options.catalogueFile, console, interruption, catalogue)) {
+            return status;
         }
-        if (!read) {
-            console.say(problem);
-            return kExitUnusable;
-        }
-        catalogue = std::move(*read);
-    } else if (options.eventsFile.empty()) {
-        catalogue = Catalogue::builtIn();
     }
-    if (options.eventsFile.empty()) {
-        return std::nullopt;
-    }
-    return learnFrom(options.eventsFile, console, interruption, catalogue);
+    return isLearned ? learnFrom(options.eventsFile, console, interruption, catalogue) : std::nullopt;
 }
 
 }  // namespace
@@ -117,9 +106,7 @@ void addCheck(CommandLine& commandLine, CheckOptions& options) {
     verb.flag("--verbose", options.verbose, "Adds events that show what a finding tells, where it is about events");
     verb.flag("--strict", options.strict, "Lets warnings give the exit status 1");
     verb.names("--allow", options.allowed, names, "warning", "Leaves the warnings of that name out; may be repeated");
-    verb.name("--catalogue", options.catalogueFile, "FILE",
-              "The attributes of events and contexts, as `vig catalogue` prints them (default: what `vig watch`\n"
-              "produces)");
+    addCatalogueFile(verb, options.catalogueFile);
     verb.name("--events", options.eventsFile, "EVENTS",
               "Event records: their attributes stand in the place of those that the tool knows, or add to FILE's");
 }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <map>
 #include <optional>
 #include <set>
 #include <string>
@@ -37,20 +38,26 @@ class FallThroughSearch {
           listening(behaviour.stateCount()) {
         for (std::size_t index = 0; index < transitions.size(); ++index) {
             listening[behaviour.from(index)].push_back(index);
+            const std::size_t filters = transitions[index].filters.size();
+            const auto place =
+                fewest.emplace(std::pair(behaviour.from(index), transitions[index].event), filters).first;
+            place->second = std::min(place->second, filters);
         }
     }
 
     void searchIn(std::size_t transition) {
         const TransitionModel& model = transitions[transition];
         // What draws lets events through anyway.
-        if (model.event == EventType::EnteringState || std::ranges::any_of(model.filters, draws)) {
+        if (model.event == EventType::EnteringState || std::ranges::any_of(model.filters, draws) ||
+            model.filters.size() <= fewest[{behaviour.from(transition), model.event}]) {
             return;
         }
         std::set<std::pair<FilterValueType, std::string_view>> seen;
         for (const FilterModel& filter : model.filters) {
             const auto name = numberIn(filter);
             if (name && !isPromised(model.event, *name, filter.valueType) &&
-                seen.emplace(filter.valueType, *name).second && behaviour.waitsIn(behaviour.from(transition))) {
+                seen.emplace(filter.valueType, *name).second && behaviour.waitsIn(behaviour.from(transition)) &&
+                behaviour.canFire(transition) == Answer::Yes) {
                 searchIn(transition, filter, *name);
             }
         }
@@ -142,7 +149,8 @@ class FallThroughSearch {
     Behaviour& behaviour;
     const std::vector<TransitionModel>& transitions;
     std::vector<Finding>& found;
-    std::vector<std::vector<std::size_t>> listening;  // of each state, its transitions
+    std::vector<std::vector<std::size_t>> listening;                  // of each state, its transitions
+    std::map<std::pair<std::size_t, EventType>, std::size_t> fewest;  // filters of one of them on the event
 };
 
 }  // namespace

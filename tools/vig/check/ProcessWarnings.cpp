@@ -12,6 +12,7 @@
 #include <string>
 
 #include "tools/vig/catalogue/ActionNeeds.h"
+#include "tools/vig/document/NormalFilter.h"
 #include "tools/vig/words/Text.h"
 
 namespace Brenta::OS::VIG::Tool {
@@ -29,6 +30,14 @@ FilterModel isNamed(const std::string& name) {
             {{}, {FilterOperand::Type::Envvar, std::string(kProcessName)}},
             {{}, {FilterOperand::Type::Constant, name}},
             nullptr};
+}
+
+// Tells whether the filter alone does so, as most do.
+bool bindsName(const FilterModel& filter) {
+    const NormalFilter normal = normalFormOf(filter);
+    return filter.valueType == FilterValueType::String && normal.op == FilterOperator::Equal &&
+           isAttribute(normal.left) && normal.left.operand.value == kProcessName && isConstant(normal.right) &&
+           !normal.right.operand.value.empty();
 }
 
 std::string nameIn(const EventRecord& record) {
@@ -97,6 +106,9 @@ class ProcessSearch {
     }
 
     Binding findBinding(std::size_t transition) {
+        if (std::ranges::any_of(transitions[transition].filters, bindsName)) {
+            return Binding::OneName;
+        }
         const Junction& junction = behaviour.junctionOf(transition);
         const auto event = junction.eventFor(junction.toReach(behaviour.targetOf(transition)), behaviour.budget());
         if (!event) {

@@ -28,7 +28,7 @@ using RulesEngine::EventType;
 
 namespace {
 
-constexpr std::size_t kMostTried = 200;  // steps on the ways that begin with one transition
+constexpr std::size_t kMostTried = 2'000;  // steps on the ways that begin with one transition
 
 // Returns what is fulfilled exactly where a clause of one literal is not.
 Clause oppositeOf(const Clause& clause) {

@@ -71,7 +71,7 @@ std::optional<std::size_t> Behaviour::stateNumber(std::string_view name) const {
 }
 
 Verdict Behaviour::decide(const Junction& junction, const Junction::Question& question, Values which) {
-    Effort part{std::min(effort.left, kMostOfQuestion)};
+    Effort part{std::min(effort.left, kMostOfQuestion), effort.interruption};
     const std::uint64_t before = part.left;
     const Verdict verdict = before == 0 ? Verdict::Undecided : junction.decide(question, which, part);
     effort.spend(before - part.left);

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "tools/vig/decide/Scale.h"
+#include "tools/vig/io/Interruption.h"
 
 namespace Brenta::OS::VIG::Tool {
 
@@ -24,12 +25,16 @@ struct CellSet {
 
     CellSet complement() const { return {first, last, !isInside, !absent, !nan}; }
     bool has(Scale::Cell cell) const { return (first <= cell && cell < last) == isInside; }
+
+    auto operator<=>(const CellSet&) const = default;
 };
 
 // One of the literals of a clause has to hold, and each clause of a question.
 struct Literal {
     std::size_t variable;
     CellSet cells;
+
+    auto operator<=>(const Literal&) const = default;
 };
 using Clause = std::vector<Literal>;
 
@@ -60,12 +65,15 @@ struct Space {
 
 enum class Verdict { Yes, No, Undecided };
 
-// It bounds how much is looked at, so that no document takes long. What is asked when it is used up is undecided.
+// It bounds how much is looked at, so that no document takes long. What is asked when it is used up is undecided; an
+// interruption, if there may be one, uses it up.
 struct Effort {
     std::uint64_t left = 100'000'000;  // literals, or what takes as long; a second or two
+    const Interruption* interruption = nullptr;
 
     bool spend(std::uint64_t amount) {
-        left -= std::min(left, amount);
+        const bool isOver = interruption != nullptr && interruption->requested();
+        left = isOver ? 0 : left - std::min(left, amount);
         return left > 0;
     }
 };

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <set>
 #include <string>
 
 #include "tools/vig/document/NormalFilter.h"
@@ -27,10 +28,6 @@ std::optional<FilterValueType> comparedAs(AttributeKind kind) {
         }
     }
     return std::nullopt;
-}
-
-Value constantOf(const std::string& text, FilterValueType type) {
-    return withComparedType(type, [&]<typename T>(std::type_identity<T>) { return Value(readNearest<T>(text)); });
 }
 
 std::optional<Value> attributeOf(const AttributeSet& attributes, std::string_view name, FilterValueType type) {
@@ -66,6 +63,10 @@ bool canDraw(double least, double most, FilterOperator op, const Value& other) {
 
 }  // namespace
 
+Value constantOf(const std::string& text, FilterValueType type) {
+    return withComparedType(type, [&]<typename T>(std::type_identity<T>) { return Value(readNearest<T>(text)); });
+}
+
 Junction::Junction(std::vector<const TransitionModel*> listening, EventType event,
                    std::span<const FilterModel* const> furtherFilters, const Surroundings& surroundings)
     : type(event), surroundings(surroundings) {
@@ -96,6 +97,13 @@ Junction::Junction(std::vector<const TransitionModel*> listening, EventType even
         for (Meaning& meaning : listener.filters) {
             giveMeaning(meaning);
             listener.fails.push_back(meaning.fails.front());
+        }
+    }
+    std::set<Clause> asked;
+    for (Listener& listener : transitions) {
+        listener.earlier = passing.size();
+        if (asked.insert(listener.fails).second) {
+            passing.push_back(&listener.fails);
         }
     }
     std::ranges::for_each(further, [this](Meaning& each) { giveMeaning(each); });
@@ -160,6 +168,9 @@ std::optional<Value> Junction::ofContext(std::string_view name, FilterValueType 
 }
 
 bool Junction::isOfOpenContext(std::string_view name, FilterValueType kind) const {
+    if (surroundings.kind == Surroundings::Context::Open) {
+        return true;
+    }
     const CataloguedAttributes& known = surroundings.catalogue.context();
     const auto found = known.find(name);
     return surroundings.kind == Surroundings::Context::Catalogued && found != known.end() &&
@@ -263,7 +274,7 @@ void Junction::giveMeaning(Meaning& meaning) {
             failing = comparedWith(other, negated(seen), variable, meaning);
             failing.nan = !cells.nan;
         }
-        // Where all filters ask for it in the same way, it does not matter where they find it.
+        // Where all filters look in both, as those of a machine's own event do, it does not matter where they find it.
         if (looksInContext && space.variables[variable].isAskedAlone &&
             isOfOpenContext(space.variables[variable].name, kind)) {
             cells.absent = failing.absent = true;
@@ -312,10 +323,8 @@ Literal Junction::relation(const Meaning& meaning) {
 }
 
 Junction::Question Junction::toReach(const Target& target) const {
-    Question question;
-    for (std::size_t index = 0; index < target.transition; ++index) {
-        question.push_back(&transitions[index].fails);
-    }
+    const auto earlier = static_cast<std::ptrdiff_t>(transitions[target.transition].earlier);
+    Question question(passing.begin(), passing.begin() + earlier);
     for (const Clause* const each :
          toHold(target.transition, target.filter.value_or(transitions[target.transition].filters.size()))) {
         question.push_back(each);
@@ -327,11 +336,7 @@ Junction::Question Junction::toReach(const Target& target) const {
 }
 
 Junction::Question Junction::toPass() const {
-    Question question;
-    for (const Listener& each : transitions) {
-        question.push_back(&each.fails);
-    }
-    return question;
+    return passing;
 }
 
 Junction::Question Junction::toHold(std::size_t transition, std::size_t filters) const {
@@ -425,7 +430,8 @@ double Junction::oddsOf(const Meaning& meaning, const std::optional<Value>& left
         if (std::isnan(limit)) {
             return 1;  // no draw decides anything
         }
-        const double share = (limit - drawn.least) / (drawn.most - drawn.least);
+        const double behind = std::nextafter(drawn.most, drawn.most + 1);
+        const double share = (limit - drawn.least) / (behind - drawn.least);
         isAbove = left ? std::clamp(share, 0.0, 1.0) : 1 - std::clamp(share, 0.0, 1.0);
     }
     const bool takesAbove = compares(meaning.op, 1.0, 0.0);

@@ -22,8 +22,9 @@ namespace Brenta::OS::VIG::Tool {
 // It is what decides over a document besides the document. All of it must outlive who decides.
 struct Surroundings {
     enum class Context {
-        Given,      // each machine's context has the attributes of `context`
-        Catalogued  // it may have any of those that the catalogue knows, with any value
+        Given,       // each machine's context has the attributes of `context`
+        Catalogued,  // it may have any of those that the catalogue knows, with any value
+        Open         // it may have any at all
     };
 
     const VIGParserConfig& registry;
@@ -39,6 +40,9 @@ struct DrawPlan {
     std::vector<double> numbers;
     double odds = 1;
 };
+
+// Returns a constant as the library reads it.
+Value constantOf(const std::string& text, FilterValueType type);
 
 // It has the transitions of one state that listen for one event type, in order, and says which events they take: an
 // event can fire one if it fulfils all its filters, and of each transition before it fails one filter. A filter with a
@@ -124,7 +128,8 @@ class Junction {
     struct Listener {
         const TransitionModel* model;
         std::vector<Meaning> filters;
-        Clause fails;  // one of its filters does
+        Clause fails;             // one of its filters does
+        std::size_t earlier = 0;  // so many of the clauses of `passing` are about transitions before it
     };
 
     Meaning readFilter(const FilterModel& filter);
@@ -155,6 +160,7 @@ class Junction {
     Space space;
     std::map<std::pair<FilterValueType, std::string_view>, std::size_t> variables;
     std::vector<Listener> transitions;
+    Question passing;  // that the transitions fail, in their order; what several ask is there once
     std::vector<Meaning> further;
     std::map<std::size_t, std::pair<Clause, Clause>> presence;  // by variable: that it is there, that it is not
 };

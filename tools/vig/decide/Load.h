@@ -12,6 +12,8 @@ namespace Brenta::OS::VIG::Tool {
 struct Rate {
     std::uint64_t triggers;
     std::uint64_t events;
+
+    bool operator==(const Rate&) const = default;
 };
 
 // It is what a machine asks of the trigger service at worst.

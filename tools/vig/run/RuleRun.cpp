@@ -16,36 +16,11 @@
 
 namespace Brenta::OS::VIG::Tool {
 
-RuleRun::RuleRun(const MachineOptions& options, ReportFormat format, const Console& console,
-                 const Interruption& interruption)
-    : options(options),
-      console(console),
-      interruption(interruption),
-      out(console.out),
-      report(reportOf(format, out, console.wantsColours(), "")) {}
-
-std::optional<int> RuleRun::load(RuleSession::Changes later) {
-    AttributeSet context;
-    if (const auto status = options.contextFile.empty() ? std::nullopt : readContext(context)) {
-        return status;
+std::optional<int> readContext(const std::string& path, const Console& console, const Interruption& interruption,
+                               AttributeSet& attributes) {
+    if (path.empty()) {
+        return std::nullopt;
     }
-    rules.emplace(options.rules, options.draws, std::move(context), *report, trace);
-    switch (rules->load(later, interruption)) {
-        case RuleSession::Loading::Done:
-            return std::nullopt;
-        case RuleSession::Loading::Refused:
-            return kExitRefused;
-        case RuleSession::Loading::Unreadable:
-            console.complain(options.rules + ": " + rules->problem());
-            return kExitUnusable;
-        case RuleSession::Loading::Interrupted:
-            break;
-    }
-    return kExitInterrupted;
-}
-
-std::optional<int> RuleRun::readContext(AttributeSet& attributes) {
-    const std::string& path = options.contextFile;
     // The opening of a pipe would wait for somebody who writes to it; the reader does that, until it is interrupted.
     const Descriptor file(open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
     if (!file.isOpen()) {
@@ -68,6 +43,34 @@ std::optional<int> RuleRun::readContext(AttributeSet& attributes) {
     }
     console.say(status == EventReader::Status::Failed ? reader.error() : path + ": error: expected exactly one record");
     return kExitUnusable;
+}
+
+RuleRun::RuleRun(const MachineOptions& options, ReportFormat format, const Console& console,
+                 const Interruption& interruption)
+    : options(options),
+      console(console),
+      interruption(interruption),
+      out(console.out),
+      report(reportOf(format, out, console.wantsColours(), "")) {}
+
+std::optional<int> RuleRun::load(RuleSession::Changes later) {
+    AttributeSet context;
+    if (const auto status = readContext(options.contextFile, console, interruption, context)) {
+        return status;
+    }
+    rules.emplace(options.rules, options.draws, std::move(context), *report, trace);
+    switch (rules->load(later, interruption)) {
+        case RuleSession::Loading::Done:
+            return std::nullopt;
+        case RuleSession::Loading::Refused:
+            return kExitRefused;
+        case RuleSession::Loading::Unreadable:
+            console.complain(options.rules + ": " + rules->problem());
+            return kExitUnusable;
+        case RuleSession::Loading::Interrupted:
+            break;
+    }
+    return kExitInterrupted;
 }
 
 void RuleRun::complainAfterOutput(std::string_view line) {
@@ -110,14 +113,18 @@ void addDraws(Verb& verb, Draws& draws, const std::string& moreOnDraws) {
         });
 }
 
+void addContext(Verb& verb, std::string& contextFile) {
+    verb.name("--context", contextFile, "FILE",
+              "A file with one event record: the attributes of every machine's context");
+}
+
 void addSurroundings(Verb& verb, MachineOptions& options, const std::string& moreOnSeed) {
     verb.wholeNumber("--seed", options.draws.seed, 0, std::numeric_limits<std::uint32_t>::max(),
                      "Seed of the function PseudoRandomDouble, so that a run repeats exactly (default: " +
                          std::to_string(options.draws.seed) + ")" + moreOnSeed);
     addDraws(verb, options.draws, "; not together with --seed");
     verb.refuseTogether("--seed", "--draw");
-    verb.name("--context", options.contextFile, "FILE",
-              "A file with one event record: the attributes of every machine's context");
+    addContext(verb, options.contextFile);
 }
 
 }  // namespace Brenta::OS::VIG::Tool

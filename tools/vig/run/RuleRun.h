@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "tools/vig/events/AttributeSet.h"
 #include "tools/vig/io/Console.h"
 #include "tools/vig/io/Interruption.h"
 #include "tools/vig/io/Output.h"
@@ -32,7 +33,13 @@ struct RuleOptions : MachineOptions {
 // Adds what verbs take that let rules run. The options must outlive the command line.
 void addRules(Verb& verb, MachineOptions& options);
 void addDraws(Verb& verb, Draws& draws, const std::string& moreOnDraws);
+void addContext(Verb& verb, std::string& contextFile);
 void addSurroundings(Verb& verb, MachineOptions& options, const std::string& moreOnSeed);
+
+// Reads the attributes of the one record in the file; there are none if no file is named. If it cannot be read, says
+// why and returns the exit status.
+std::optional<int> readContext(const std::string& file, const Console& console, const Interruption& interruption,
+                               AttributeSet& attributes);
 
 // It is one run of a verb from the loading of the rules to the exit status, its report on the console.
 class RuleRun {
@@ -68,9 +75,6 @@ class RuleRun {
     int abandon(int status);
 
   private:
-    // If that fails, says why and returns the exit status.
-    std::optional<int> readContext(AttributeSet& attributes);
-
     const MachineOptions& options;
     const Console& console;
     const Interruption& interruption;
