@@ -60,14 +60,14 @@ TEST(CommandLine, VerbsHaveTheirDefaultsAndOptions) {
     EXPECT_EQ(watch.draws.seed, 7u);
     EXPECT_TRUE(watch.overwrite);
     EXPECT_EQ(Parsed({"catalogue", "e.jsonl"}).catalogue.events, "e.jsonl");
-    const auto check = Parsed({"check", "--format=sarif", "--allow", "no-way-out", "a", "b", "--strict", "--allow",
-                               "duplicate-id", "--catalogue", "c", "--events", "e"})
+    const auto check = Parsed({"check", "--verbose", "--format=sarif", "--allow", "no-way-out", "a", "b", "--strict",
+                               "--allow", "duplicate-id", "--catalogue", "c", "--events", "e"})
                            .check;
     EXPECT_EQ(check.rules, (Strings{"a", "b"}));
     EXPECT_EQ(check.allowed, (Strings{"no-way-out", "duplicate-id"}));
     EXPECT_EQ(check.format, FindingFormat::Sarif);
     EXPECT_EQ(check.catalogueFile + check.eventsFile, "ce");
-    EXPECT_TRUE(check.strict);
+    EXPECT_TRUE(check.strict && check.verbose);
     const auto prove =
         Parsed({"prove", "a", "b", "--format", "json", "--witness", "w", "--context", "c", "--catalogue", "k"}).prove;
     EXPECT_EQ(prove.rules, (Strings{"a", "b"}));

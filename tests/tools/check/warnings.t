@@ -140,9 +140,9 @@ And filters that may hold or not.
 
   $ named <<EOF
   > $memory | integer vmRssKB >= =-9223372036854775808 & integer vmRssKB >= =9223372036854775807
-  > $cpu | double cpuAvgUtilization != =nan & double cpuAvgUtilization >= =inf & double PseudoRandomDouble() <= =0
+  > $cpu | double cpuAvgUtilization != =nan & double PseudoRandomDouble() <= =0
   > $memory | string processName > = & double PseudoRandomDouble() < PseudoRandomDouble()
-  > $cpu | double cpuAvgUtilization == cpuAvgUtilization; $cpu | double cpuAvgUtilization != cpuAvgUtilization
+  > $cpu | double cpuAvgUtilization == cpuAvgUtilization
   > $memory | integer vmRssKB >= =10 & integer vmRssKB <= =10 & integer vmRssKB != =9
   > $memory | integer vmRssKB > =5 & integer vmRssKB > =3 & integer vmSwapKB < =1
   > $memory | string processName >= =a & string processName < =b & string processName != =a
@@ -151,6 +151,70 @@ And filters that may hold or not.
   > $cpu | double cpuAvgUtilization != =nan & double cpuAvgUtilization != =1
   > EOF
   nothing found in 1 file
+
+What no event does, by all that filters and transitions leave of it; and what some event does.
+
+  $ named --catalogue catalogue.json <<EOF
+  > $memory | integer vmRssKB <= =100; $memory | integer vmRssKB > =100; $memory | integer vmRssKB != =7
+  > $memory | integer vmRssKB > =102400; $memory | integer vmRssKB > =204800; $memory | integer vmRssKB > =1024
+  > $memory | integer pid < vmRssKB & integer vmRssKB < vmSwapKB & integer vmSwapKB < pid
+  > $memory | integer pid < vmRssKB & integer vmRssKB <= vmSwapKB & integer vmSwapKB < =1
+  > $memory | integer vmRssKB < pid; $memory | integer vmRssKB >= pid; $memory
+  > $cpu | double cpuAvgUtilization >= =inf; $cpu | double cpuAvgUtilization != cpuAvgUtilization
+  > $cpu | double cpuAvgUtilization > =1e308 & double cpuAvgUtilization > =1.7976931348623157e308
+  > $cpu | double cpuAvgUtilization <= =5; $cpu | double cpuAvgUtilization > =5; $cpu | double cpuAvgUtilization != =7
+  > start a EnteringState | integer limit > =5; start b EnteringState | integer limit > =3; start end EnteringState | integer limit > =4; a end Test; b end Test
+  > start end EnteringState | integer limit > =5 & integer limit < =3
+  > $memory | $random & $big; $memory | $random & $big; $memory | integer vmRssKB > =20
+  > start a Test | integer n > =1 & integer n < =1; a b Test; a c EnteringState; b end Test; c end Test
+  > start a Test; a b EnteringState; a c Test; b end Test; c end Test
+  > start a Test; a b Test | integer n > =1 & integer n < =1; a end Test | integer n > =1 & integer n < =1
+  > EOF
+  0: shadowed-transition [2]
+  1: shadowed-transition [1]
+  2: never-true [0].filters[2]
+  4: shadowed-transition [2]
+  5: never-true [0].filters[0], never-true [1].filters[0]
+  6: never-true [0].filters[1]
+  7: shadowed-transition [2]
+  8: shadowed-transition [2]
+  9: never-true [0].filters[1]
+  11: unreachable-state [0].to_state, never-true [0].filters[1], unreachable-state [1].to_state, unreachable-state [2].to_state
+  12: unreachable-state [2].to_state
+  13: no-way-out [0].to_state, unreachable-state [1].to_state, never-true [1].filters[1], never-true [2].filters[1]
+  $ low='integer vmRssKB < =20' same='string processName == =a'
+  $ named <<EOF
+  > start hot ProcessMemoryHeartBeat | $big $collect; hot start ProcessMemoryHeartBeat | integer vmRssKB > =20
+  > start hot ProcessMemoryHeartBeat | integer vmRssKB > =20 $collect; hot start ProcessMemoryHeartBeat | $low
+  > start a ProcessMemoryHeartBeat | $same; a b ProcessMemoryHeartBeat | $same; b c ProcessMemoryHeartBeat | $same $collect; c start EnteringState
+  > start a ProcessMemoryHeartBeat | $same; a b ProcessMemoryHeartBeat | $same $collect; b c ProcessMemoryHeartBeat | $same; c start EnteringState | $random; c start Test
+  > start a ProcessMemoryHeartBeat | $big $collect; a b ProcessMemoryHeartBeat | $random; a start ProcessMemoryHeartBeat; b end Test
+  > start a ProcessMemoryHeartBeat | $big $collect; a b ProcessMemoryHeartBeat | $low; a start ProcessMemoryHeartBeat; b end Test
+  > start hot ProcessMemoryHeartBeat | $big; hot end ProcessMemoryHeartBeat | $big $collect; hot start ProcessMemoryHeartBeat | integer vmRssKB <= =10
+  > start hot ProcessMemoryHeartBeat | $big & $same; hot end ProcessMemoryHeartBeat | $big $collect; hot start ProcessMemoryHeartBeat | integer vmRssKB <= =10
+  > start hot ProcessMemoryHeartBeat | $big & $same; hot end ProcessMemoryHeartBeat | $big & $same $collect; hot start ProcessMemoryHeartBeat | integer vmRssKB <= =10
+  > start hot ProcessMemoryHeartBeat | $same; hot end ProcessMemoryHeartBeat | string processName == =b $collect
+  > start hot ProcessMemoryHeartBeat | string processName != =a; hot end ProcessMemoryHeartBeat | string processName >= =a & string processName <= =a $collect
+  > start hot SystemMemoryHeartBeat; hot end ProcessMemoryHeartBeat |$collect
+  > start hot ProcessMemoryHeartBeat | $same; hot end ProcessMemoryHeartBeat | $same $collect; hot hot ProcessMemoryHeartBeat
+  > EOF
+  0: trigger-storm [0].actions[0]
+  2: trigger-storm [2].actions[0]
+  5: trigger-storm [0].actions[0]
+  6: mixed-processes [1].actions[0]
+  7: mixed-processes [1].actions[0]
+  10: mixed-processes [1].actions[0]
+  12: no-way-out [0].to_state, shadowed-transition [2]
+  $ named <<EOF
+  > start hot Test; hot end Test | integer n > =5; hot start Test
+  > start hot Test; hot end Test | integer n > =5; hot hot Test
+  > start hot Test; hot end Test | integer n > =5; hot start Test | integer n <= =5
+  > start hot Test; hot end Test | integer n > =5 & string s == =a & integer m > =5; hot start Test | integer m < =9
+  > start hot Test; hot end Test | integer n > =5 & $random; hot start Test
+  > start hot Test; hot end ProcessMemoryHeartBeat | $big; hot start ProcessMemoryHeartBeat
+  > EOF
+  0: missing-falls-through [1].filters[0]
+  3: missing-falls-through [1].filters[0]
 
 Numbers that are read as others, and those that are not.
 
@@ -193,6 +257,13 @@ The whole of what is said.
   > $memory | $big & integer =5 > vmRssKB
   > $memory | integer vmRssKB >= =1 & integer vmRssKB <= =2 & integer vmRssKB != =1 & integer vmRssKB != =2
   > $memory | integer =2 < =1 & string processName >= =
+  > $memory | integer vmRssKB <= =1; $memory | integer vmRssKB == =2; $memory | integer vmRssKB == =3; $memory | integer vmRssKB > =3; $memory | integer vmRssKB != =0
+  > $cpu | double cpuAvgUtilization <= =5; $cpu | double cpuAvgUtilization > =5; $cpu | double cpuAvgUtilization != =7
+  > $cpu | double cpuAvgUtilization >= =inf; $cpu | double cpuAvgUtilization > =1e308 & double cpuAvgUtilization > =1.7976931348623157e308
+  > start a Test | integer =2 < =1; a b Test; start c Test; c d EnteringState; c e Test; d d Test | integer =2 < =1 | Test; b end Test; e end Test
+  > start hot ProcessMemoryHeartBeat | $big $collect; hot start ProcessMemoryHeartBeat
+  > start hot ProcessMemoryHeartBeat; hot end ProcessMemoryHeartBeat | $big $collect
+  > start hot Test; hot end Test | integer =5 < n; hot start Test
   > EOF
   warning: once in "hto", the machine does nothing any more [no-way-out]
     hint: if that is meant, call the state "end"
@@ -239,9 +310,37 @@ The whole of what is said.
     hint: did you mean "PseudoRandomDouble"?
   warning: `5 > vmRssKB` contradicts `vmRssKB > 10` in the same transition [never-true]
     hint: a transition fires only if all its filters hold: make two transitions for two cases
-  warning: `vmRssKB != 2` contradicts the filters before it taken together in the same transition [never-true]
+  warning: `vmRssKB != 2` contradicts `vmRssKB >= 1`, `vmRssKB <= 2` and `vmRssKB != 1`, taken together, in the same transition [never-true]
     hint: a transition fires only if all its filters hold: make two transitions for two cases
   warning: `2 < 1` is never true, being a comparison of two constants [never-true]
     hint: mend the filter, or leave the transition out
   warning: `processName >= ""` is always true, whatever the event [always-true]
     hint: leave the filter out
+  warning: this never fires: before it in "start" come transitions[0], transitions[1], transitions[2] and 1 more on ProcessMemoryHeartBeat, one of which fires whenever this one could [shadowed-transition]
+    hint: put this one before them, or give one of them another filter
+  warning: only an infinity, NaN or a text that is no UTF-8 fires this: before it in "start" come transitions[0] and transitions[1] on ProcessCpuHeartBeat, one of which fires whenever this one could [shadowed-transition]
+    hint: put this one before them, or give one of them another filter
+  warning: only an infinity or NaN fulfils `cpuAvgUtilization >= inf` [never-true]
+    hint: mend the filter, or leave the transition out
+  warning: this never fires: before it in "start" comes transitions[0] on ProcessCpuHeartBeat, which fires whenever this one could [shadowed-transition]
+    hint: put this one before it, or give that one another filter
+  warning: only an infinity or NaN fulfils `cpuAvgUtilization > 1.7976931348623157e308` [never-true]
+    hint: mend the filter, or leave the transition out
+  warning: the machine never comes to "a": none of the transitions that could lead there ever fires [unreachable-state]
+    hint: mend what leads there, or leave it out
+  warning: `2 < 1` is never true, being a comparison of two constants [never-true]
+    hint: mend the filter, or leave the transition out
+  warning: the machine never comes to "b", nor to "a" before it [unreachable-state]
+    hint: mend what leads there, or leave it out
+  warning: once in "d", the machine does nothing any more: none of the transitions from there ever fires [no-way-out]
+    hint: mend their filters
+  warning: the machine never comes to "e": EnteringState transitions always leave "c" at once, before an event leads on [unreachable-state]
+    hint: mend what leads there, or leave it out
+  warning: `2 < 1` is never true, being a comparison of two constants [never-true]
+    hint: mend the filter, or leave the transition out
+  warning: "TriggerVelora" asks for a collection once in 2 ProcessMemoryHeartBeat events as long as their values stay the same: they lead from "start" to "hot" to "start" [trigger-storm]
+    hint: let the filters on the way exclude each other, or add the filter PseudoRandomDouble() < 0.1
+  warning: the events that lead to "TriggerVelora" may come from different processes: transitions[0] fires for one, and transitions[1] for another [mixed-processes]
+    hint: add the same filter on processName to both of them
+  warning: `5 < n` is false for a Test event without n, which then fires transitions[2] as if it were the opposite [missing-falls-through]
+    hint: add the filter `5 >= n` there, or name the attribute in a file for --catalogue if all these events have it

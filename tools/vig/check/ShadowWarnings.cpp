@@ -33,7 +33,7 @@ void warnOfShadow(Judged& machine, std::size_t transition, Values which, std::ve
                                     : ", one of which fires whenever this one could";
     warn(found, "shadowed-transition", model.place,
          (which == Values::All ? "this never fires: before it in "
-                               : "this fires for infinities, NaN and texts that are no UTF-8 alone: before it in ") +
+                               : "only an infinity, NaN or a text that is no UTF-8 fires this: before it in ") +
              shownQuoted(model.from) + (isOne ? " comes " : " come ") +
              blame.text([&](std::size_t each) { return shortPathOf(junction.transition(each)); }) + " on " +
              std::string(nameOf(model.event)) + why,
