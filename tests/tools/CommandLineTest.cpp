@@ -50,6 +50,7 @@ TEST(CommandLine, VerbsHaveTheirDefaultsAndOptions) {
     EXPECT_TRUE(test.coverage);
     EXPECT_EQ(test.coverageMin, 99.5);
     EXPECT_EQ(test.draws.numbers, std::vector{0.7});
+    EXPECT_EQ(Parsed({"test", "--generate", "r"}).test.generate, "r");
     const auto watch = Parsed({"watch", "r", "--interval", "500ms", "--duration", "2m", "--record", "f", "--force",
                                "--seed", "7", "--context", "c"})
                            .watch;

@@ -151,7 +151,7 @@ TEST(Schemas, EventRecordAcceptsWhatTheToolReads) {
 
 TEST(Schemas, RuleTestsAcceptWhatTheToolReads) {
     const support::TemporaryFolder folder;
-    for (const char* const events : {"x", "7", "info", "Test"}) {
+    for (const char* const events : {"x", "7", "info", "Test", "function", "envvar", "integer"}) {
         folder.write(events, R"({"event":"Test"})");
     }
     const auto accepts = [&](const std::string& text) {
@@ -160,13 +160,18 @@ TEST(Schemas, RuleTestsAcceptWhatTheToolReads) {
         std::filesystem::remove(folder.path("test.json"));
         return readTestFile(folder.write("test.json", text), {}, Interruption(), ignored).has_value();
     };
+    std::string filters = support::filters({"integer a > =1", "string =1 == b", "double a < b"});
+    filters.insert(2, R"("event":"Test",)");
     compare(
         "rule-test.schema.json", accepts,
         {R"({"$schema":"x","rules":"x","tests":[{"name":"a","events":"x","expect":{},"draws":[0,0.5]}]})",
          R"({"rules":"x","tests":[{"name":"a","seed":4294967295,"context":{"int64":{"b":1}},"events":[{"event":"Test"}],)"
          R"("expect":{"log":["x",{"message":"x","priority":"info"}],"states":{"7":"a"},"moves":0,"triggers":[{"event":0,)"
-         R"("name":"x","process":"x","config":-1,"metadata":[],"metadata_contains":["x"]}]}}]})"},
-        R"([null, 0, -1, 1.5, 4294967296, true, "x", "7", "info", "Test", [], {}])",
+         R"("name":"x","process":"x","config":-1,"metadata":[],"metadata_contains":["x"]}]}}]})",
+         R"({"rules":"x","properties":[{"name":"a","at_most":{"triggers":0,"events":1},"config":1,"context":{}},)"
+         R"({"name":"b","can_reach":{"7":"a"}},{"name":"c","cannot_reach":{"7":"a"}},{"name":"d","between_triggers":)" +
+             filters + R"(},{"name":"e","trigger_only_if":)" + filters + "}]}"},
+        R"([null, 0, -1, 1.5, 4294967296, true, "x", "7", "info", "Test", "function", "envvar", "integer", [], {}])",
         support::linesWith(
             support::outputOf("cd " VIG_SOURCE_DIR
                               "/examples && for each in *.test.json; do tr '\\n' ' ' <$each; echo; done"),

@@ -125,7 +125,7 @@ Every verb has a help with an example.
     summary                     Merges the summaries of runs over parts of a fleet.
     watch                       Observes this machine, and shows what the rules do with its events.
     catalogue                   Prints which attributes the events of a recording have.
-    test                        Runs the tests of rule documents.
+    test                        Runs the tests of rule documents, and decides their properties.
     graph                       Draws the machines of a rule document.
   $ vig --version
   vig \d+\.\d+\.\d+ (re)

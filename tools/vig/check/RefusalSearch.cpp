@@ -277,4 +277,9 @@ std::optional<std::vector<Json::ArrayIndex>> acceptedConfigs(const DocumentText&
     return accepted;
 }
 
+void searchFilter(const DocumentText& text, const Json::Value& filter, const std::string& path,
+                  const VIGParserConfig& registry, std::vector<Finding>& found) {
+    RefusalSearch(text, registry, found).accepts(kFilterShape, filter, path);
+}
+
 }  // namespace Brenta::OS::VIG::Tool

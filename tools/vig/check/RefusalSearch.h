@@ -3,6 +3,7 @@
 #include <json/value.h>
 
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "tools/vig/check/Findings.h"
@@ -14,5 +15,9 @@ namespace Brenta::OS::VIG::Tool {
 std::optional<std::vector<Json::ArrayIndex>> acceptedConfigs(const DocumentText& document,
                                                              const VIGParserConfig& registry,
                                                              std::vector<Finding>& found);
+
+// Does the same for a filter that stands elsewhere than in a rule document; `path` is its JSON path.
+void searchFilter(const DocumentText& text, const Json::Value& filter, const std::string& path,
+                  const VIGParserConfig& registry, std::vector<Finding>& found);
 
 }  // namespace Brenta::OS::VIG::Tool

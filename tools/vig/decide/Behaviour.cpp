@@ -79,22 +79,34 @@ Verdict Behaviour::decide(const Junction& junction, const Junction::Question& qu
     return verdict;
 }
 
+Answer Behaviour::answerTo(const Junction& junction, const Junction::Question& question) {
+    for (const auto& [which, yes] :
+         {std::pair(Values::Recordable, Answer::Yes), std::pair(Values::All, Answer::Unrecordable)}) {
+        const Verdict verdict = decide(junction, question, which);
+        if (verdict != Verdict::No) {
+            return verdict == Verdict::Yes ? yes : Answer::Undecided;
+        }
+    }
+    return Answer::No;
+}
+
 Answer Behaviour::canFire(std::size_t transition) {
     std::optional<Answer>& answer = guards[transition];
     if (!answer) {
         const Junction& junction = junctionOf(transition);
-        const auto question = junction.toReach(targetOf(transition));
-        answer = Answer::No;
-        for (const auto& [which, yes] :
-             {std::pair(Values::Recordable, Answer::Yes), std::pair(Values::All, Answer::Unrecordable)}) {
-            const Verdict verdict = decide(junction, question, which);
-            if (verdict != Verdict::No) {
-                answer = verdict == Verdict::Yes ? yes : Answer::Undecided;
-                break;
-            }
-        }
+        answer = answerTo(junction, junction.toReach(targetOf(transition)));
     }
     return *answer;
+}
+
+Answer Behaviour::sees(std::size_t transition, std::size_t filter, bool outcome) {
+    explore();
+    const bool isEntering = model.transitions[transition].event == EventType::EnteringState;
+    const Answer place = (isEntering ? visits : waits)[from(transition)].answer;
+    const Junction& junction = junctionOf(transition);
+    return place == Answer::No
+               ? Answer::No
+               : std::max(place, answerTo(junction, junction.toReach({sites[transition].index, filter, outcome})));
 }
 
 const Behaviour::Crossing* Behaviour::enteringCrossing(std::size_t state) const {

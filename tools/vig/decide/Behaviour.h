@@ -91,6 +91,9 @@ class Behaviour {
     Answer reaches(std::size_t state);
     Answer fires(std::size_t transition);
 
+    // Tells whether a filter of the transition is asked and has the outcome.
+    Answer sees(std::size_t transition, std::size_t filter, bool outcome);
+
     // Tells whether the machine can wait for an event in the state.
     bool waitsIn(std::size_t state);
 
@@ -179,6 +182,7 @@ class Behaviour {
         bool isWhole = true;  // otherwise others may fire, too
     };
 
+    Answer answerTo(const Junction& junction, const Junction::Question& question);
     void explore();
     void arrive(std::size_t state, Arrival arrival, std::vector<bool>& seen, std::vector<std::size_t>& waiting);
     const Entering& enteringOf(std::size_t state);

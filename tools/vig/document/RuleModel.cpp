@@ -27,6 +27,16 @@ class Modeller {
         return model;
     }
 
+    FilterModel filter(const Json::Value& json, const std::string& path) const {
+        const std::string op = json["operator"].asString();
+        return {document.placeOf(json, path),
+                kFilterOperatorTable.reverseLookup(op.c_str()).value_or(FilterOperator::Equal),
+                kFilterValueTypeTable.reverseLookup(json["value_type"].asString()).value_or(FilterValueType::String),
+                operand(json["operand1"], path + ".operand1"),
+                operand(json["operand2"], path + ".operand2"),
+                &json};
+    }
+
   private:
     TransitionModel transition(const Json::Value& json, const std::string& path) const {
         TransitionModel model{document.placeOf(json, path),
@@ -43,16 +53,6 @@ class Modeller {
             model.actions.push_back(action(each, place));
         });
         return model;
-    }
-
-    FilterModel filter(const Json::Value& json, const std::string& path) const {
-        const std::string op = json["operator"].asString();
-        return {document.placeOf(json, path),
-                kFilterOperatorTable.reverseLookup(op.c_str()).value_or(FilterOperator::Equal),
-                kFilterValueTypeTable.reverseLookup(json["value_type"].asString()).value_or(FilterValueType::String),
-                operand(json["operand1"], path + ".operand1"),
-                operand(json["operand2"], path + ".operand2"),
-                &json};
     }
 
     OperandModel operand(const Json::Value& json, const std::string& path) const {
@@ -90,6 +90,10 @@ std::string termOf(const OperandModel& model, FilterValueType valueType) {
 
 ConfigModel modelOf(const DocumentText& document, Json::ArrayIndex index) {
     return Modeller(document).config(document.root()["configs"][index], "configs[" + std::to_string(index) + "]");
+}
+
+FilterModel filterModelOf(const DocumentText& document, const Json::Value& json, const std::string& path) {
+    return Modeller(document).filter(json, path);
 }
 
 DocumentModel::DocumentModel(std::string fileName, std::string content)

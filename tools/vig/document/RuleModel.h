@@ -56,6 +56,10 @@ struct ConfigModel {
 // the document's JSON.
 ConfigModel modelOf(const DocumentText& document, Json::ArrayIndex index);
 
+// Returns the model of a filter that stands anywhere in a text; `path` is its JSON path. REQUIRES: the library accepts
+// it.
+FilterModel filterModelOf(const DocumentText& document, const Json::Value& json, const std::string& path);
+
 // It holds a whole document, as text and as what it says. It is not copied, since its parts refer to each other.
 struct DocumentModel {
     // REQUIRES: the library accepts the text.

@@ -73,12 +73,15 @@ bool StrictJson::hasMember(const Json::Value& object, const std::string& key, co
 }
 
 void StrictJson::complain(const Json::Value& at, const std::string& path, const std::string& what) {
-    if (errors.size() > kMostShown) {
-        return;
+    if (errors.size() <= kMostShown) {
+        complain(document.placeOf(at, path), what);
     }
-    const auto place = document.source().positionOf(document.placeOf(at, path).begin);
-    add(fmt::format("{}:{}:{}: error: {}{}{}", document.source().name(), place.line, place.column,
-                    shortened(path, kMostShownOfMessage), path.empty() ? "" : ": ",
+}
+
+void StrictJson::complain(const Place& place, const std::string& what) {
+    const auto position = document.source().positionOf(place.begin);
+    add(fmt::format("{}:{}:{}: error: {}{}{}", document.source().name(), position.line, position.column,
+                    shortened(place.path, kMostShownOfMessage), place.path.empty() ? "" : ": ",
                     shortened(what, kMostShownOfMessage)));
 }
 

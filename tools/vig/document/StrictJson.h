@@ -31,6 +31,9 @@ class StrictJson {
 
     void complain(const Json::Value& at, const std::string& path, const std::string& what);
 
+    // Does the same for a place that is known.
+    void complain(const Place& place, const std::string& what);
+
     // Adds a mistake in another file that belongs to this one, with its place.
     void add(std::string mistake);
 

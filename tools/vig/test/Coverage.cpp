@@ -19,6 +19,11 @@ Coverage::Share Coverage::share(bool ofTransitions) const {
     return share;
 }
 
+const Coverage::Goal& Coverage::goalOf(const Target& target) const {
+    const std::size_t first = firstGoals[target.machine][target.transition];
+    return goals[target.filter ? first + 2 * *target.filter + (target.outcome ? 1 : 2) : first];
+}
+
 double Coverage::percent() const {
     const std::size_t reached = transitions().reached + filterOutcomes().reached;
     return goals.empty() ? 100.0 : 100.0 * static_cast<double>(reached) / static_cast<double>(goals.size());

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -32,6 +33,18 @@ class Coverage final : public Trace {
     // Counts both together, in percent; 100 if there is nothing to reach.
     double percent() const;
 
+    // It is one thing to reach: that the transition fires or, with a filter, that this has the outcome.
+    struct Target {
+        std::size_t machine;
+        std::size_t transition;
+        std::optional<std::size_t> filter;
+        bool outcome;
+    };
+
+    // REQUIRES: a run has got so far that there are machines.
+    bool reaches(const Target& target) const { return goalOf(target).isReached; }
+    const std::string& gapOf(const Target& target) const { return goalOf(target).gap; }
+
     // Returns "rules.json:12:9: never fired: start -> end on Test [configs[0]…]", in document order.
     std::vector<std::string> gaps() const;
 
@@ -45,6 +58,7 @@ class Coverage final : public Trace {
         bool isReached = false;
     };
 
+    const Goal& goalOf(const Target& target) const;
     Share share(bool ofTransitions) const;
     void add(const DocumentModel& document, const Place& place, std::string_view what, const std::string& which,
              bool ofTransition);

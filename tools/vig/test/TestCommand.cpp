@@ -9,6 +9,7 @@
 #include <charconv>
 #include <cmath>
 #include <filesystem>
+#include <functional>
 #include <map>
 #include <system_error>
 
@@ -18,7 +19,9 @@
 #include "tools/vig/io/Output.h"
 #include "tools/vig/run/RuleRun.h"
 #include "tools/vig/test/Coverage.h"
+#include "tools/vig/test/Generate.h"
 #include "tools/vig/test/JUnit.h"
+#include "tools/vig/test/Property.h"
 #include "tools/vig/test/TestFile.h"
 #include "tools/vig/test/TestRun.h"
 #include "tools/vig/words/Text.h"
@@ -63,6 +66,13 @@ class TestSuite {
         Coverage coverage;
     };
 
+    // It is a test or a property.
+    struct Check {
+        const std::string& name;
+        std::size_t line;
+        std::function<TestOutcome()> run;
+    };
+
     // Reads all files before the first test runs.
     bool read() {
         std::vector<std::string> errors;
@@ -74,8 +84,10 @@ class TestSuite {
             if (!file) {
                 continue;
             }
-            std::erase_if(file->tests, [&](const TestCase& each) { return !isSelected(each.name); });
-            if (options.filter.empty() || !file->tests.empty()) {
+            const auto isLeftOut = [&](const auto& each) { return !isSelected(each.name); };
+            std::erase_if(file->tests, isLeftOut);
+            std::erase_if(file->properties, isLeftOut);
+            if (options.filter.empty() || !file->tests.empty() || !file->properties.empty()) {
                 files.push_back(std::move(*file));
             }
         }
@@ -124,24 +136,35 @@ class TestSuite {
             std::string problem;
             auto copy = copyInMemory(file.rules, interruption, problem);
             if (!copy) {
-                return interruption.requested() ? kExitInterrupted : unusable(file, problem);
+                return interruption.requested() ? kExitInterrupted : unusable(file.rules + ": " + problem);
             }
             under = rulesByPath.try_emplace(rules, Rules{file.rules, std::move(*copy), Coverage(file.rules)}).first;
         }
-        auto& [path, copy, coverage] = under->second;
-        std::size_t failed = 0;
+        const std::string rulesCopy = pathOf(under->second.copy);
+        std::vector<Check> checks;
         for (const TestCase& each : file.tests) {
-            const TestOutcome outcome = runTest(pathOf(copy), each, coverage, interruption);
+            checks.push_back(
+                {each.name, each.line, [&] { return runTest(rulesCopy, each, under->second.coverage, interruption); }});
+        }
+        for (const Property& each : file.properties) {
+            checks.push_back({each.name, each.line, [&] { return checkProperty(rulesCopy, each, interruption); }});
+        }
+        std::size_t failed = 0;
+        for (const Check& each : checks) {
+            const TestOutcome outcome = each.run();
             switch (outcome.loading) {
                 case RuleSession::Loading::Done:
                     break;
                 case RuleSession::Loading::Refused:
-                    refuse(file, outcome.problem);
+                    refuse(file, checks, outcome.problem);
                     return std::nullopt;
                 case RuleSession::Loading::Unreadable:
-                    return unusable(file, outcome.problem);
+                    return unusable(file.rules + ": " + outcome.problem);
                 case RuleSession::Loading::Interrupted:
                     return kExitInterrupted;
+            }
+            if (!outcome.fault.empty()) {
+                return unusable(fmt::format("{}:{}: a fault of vig: {}", file.path, each.line, outcome.fault));
             }
             verdicts.push_back({file.path, each.name, outcome.failure});
             failed += outcome.failure.empty() ? 0 : 1;
@@ -150,19 +173,19 @@ class TestSuite {
             }
         }
         out.write(fmt::format("{}  {}: {} of {} passed\n", failed == 0 ? "ok  " : "FAIL", printable(file.path),
-                              file.tests.size() - failed, file.tests.size()));
+                              checks.size() - failed, checks.size()));
         // Whatever becomes of the next file, this one's verdict is told.
         out.flush();
         return std::nullopt;
     }
 
-    int unusable(const TestFile& file, const std::string& problem) {
+    int unusable(const std::string& what) {
         out.flush();
-        console.complain(file.rules + ": " + problem);
+        console.complain(what);
         return kExitUnusable;
     }
 
-    void show(const TestFile& file, const TestCase& failed, const std::vector<std::string>& failure) {
+    void show(const TestFile& file, const Check& failed, const std::vector<std::string>& failure) {
         out.write(fmt::format("FAIL  {}:{}: {}\n", printable(file.path), failed.line, shownName(failed.name)));
         for (const std::string& line : failure) {
             out.write("    " + line + "\n");
@@ -170,13 +193,13 @@ class TestSuite {
     }
 
     // Tells that none of the tests of refused rules can pass.
-    void refuse(const TestFile& file, const std::string& problem) {
+    void refuse(const TestFile& file, const std::vector<Check>& checks, const std::string& problem) {
         std::vector<std::string> lines = printableLines(problem);
         std::for_each(lines.begin() + 1, lines.end(), [](std::string& line) { line.insert(0, "  "); });
         lines.front().insert(0, file.rules + ": error: ");
-        for (const TestCase& each : file.tests) {
+        for (const Check& each : checks) {
             // It is added once for the file: a large document has many lines, and may have many tests.
-            const bool isFirst = &each == &file.tests.front();
+            const bool isFirst = &each == &checks.front();
             verdicts.push_back({file.path, each.name, isFirst ? lines : std::vector(1, lines.front())});
         }
         out.write(fmt::format("FAIL  {}: the rules cannot be tested\n", printable(file.path)));
@@ -244,6 +267,12 @@ class TestSuite {
 }  // namespace
 
 int test(const TestOptions& options, const Console& console, const Interruption& interruption) {
+    if (!options.generate.empty()) {
+        return generateTests(options.generate, console, interruption);
+    }
+    if (options.files.empty()) {
+        return refuseArguments(console, "FILE is required", "test");
+    }
     return TestSuite(options, console, interruption).run();
 }
 
@@ -263,16 +292,35 @@ constexpr const char* kHelp =
 document was found. States and moves are checked where they are given. "seed" and "context" may be left out.
 In the place of "seed", "draws": [0.05, 0.7] says what the function PseudoRandomDouble gives, the last number for ever.
 
+Beside or in the place of "tests", "properties" are decided for all recordings of events, each for every machine:
+  "properties": [
+    { "name": "only a large process is collected", "trigger_only_if": [ FILTER, ... ] },
+    { "name": "it shrinks in between", "config": 7, "between_triggers": [ FILTER, ... ] },
+    { "name": "not too often", "context": {}, "at_most": { "triggers": 1, "events": 100 } },
+    { "name": "it can stop", "can_reach": { "7": "end" } },
+    { "name": "it never fails", "cannot_reach": { "7": "failed" } } ]
+An event has to fulfil all filters, which are written as in a rule document but for functions, and may have an "event":
+its type. "config" (id) and "context" may be left out, and so may "events": at most so many triggers then ever. A
+property that is not true fails with a shortest recording that shows it; one that cannot be decided fails as well.
+
+--generate RULES writes such a file to the standard output: recordings that together fire all transitions and see all
+outcomes of filters that any events can, and what the library does with them. What no event does is listed besides.
+"rules" is RULES as it is given, so that the file is kept where that path leads to the document.
+
 Coverage counts the transitions that fired, and for each filter whether it was ever true and whether it was ever false.
 
 Example: all tests, with what they do not reach, and a report for the build server:
   vig test rules/*.test.json --coverage-min 100 --junit results.xml)";
 
 void addTest(CommandLine& commandLine, TestOptions& options) {
-    Verb verb = commandLine.addVerb("test", "Runs the tests of rule documents.", kHelp, test, options);
-    verb.argument("FILE", options.files, Verb::Need::Required, "Files of tests");
+    Verb verb = commandLine.addVerb("test", "Runs the tests of rule documents, and decides their properties.", kHelp,
+                                    test, options);
+    verb.argument("FILE", options.files, Verb::Need::Optional, "Files of tests");
+    verb.name(
+        "--generate", options.generate, "RULES",
+        "Writes a file of tests that reach all of this rule document that can be reached, in the place of running any");
     verb.text("--filter", options.filter, "NAME",
-              "Runs only the tests whose name has this part; * and ? are wildcards");
+              "Runs only the tests and properties whose name has this part; * and ? are wildcards");
     verb.flag("--coverage", options.coverage, "Tells which transitions and filters the tests do not reach");
     verb.option("--coverage-min", "PERCENT", "Fails if less of any rule document is reached",
                 [&options](const std::string& text) {
@@ -285,6 +333,9 @@ void addTest(CommandLine& commandLine, TestOptions& options) {
                 });
     verb.name("--junit", options.junitFile, "FILE", "Writes the results there, as JUnit XML");
     addDraws(verb, options.draws, "; for the tests without \"draws\" and \"seed\"");
+    for (const char* const other : {"FILE", "--filter", "--coverage", "--coverage-min", "--junit", "--draw"}) {
+        verb.refuseTogether("--generate", other);
+    }
 }
 
 }  // namespace Brenta::OS::VIG::Tool

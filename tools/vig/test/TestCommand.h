@@ -15,6 +15,7 @@ class CommandLine;
 struct TestOptions {
     std::vector<std::string> files;
     std::string filter;                 // a part of the names of the tests to run, which may have wildcards
+    std::string generate;               // the rule document to write tests of; empty if tests are to be run
     bool coverage = false;              // tells what the tests have not reached
     std::optional<double> coverageMin;  // in percent; less of any rule document is a failure
     std::string junitFile;              // empty if no JUnit report is wanted

@@ -12,7 +12,9 @@
 #include <string_view>
 #include <utility>
 
+#include "tools/vig/check/RefusalSearch.h"
 #include "tools/vig/document/DocumentText.h"
+#include "tools/vig/document/Registry.h"
 #include "tools/vig/document/StrictJson.h"
 #include "tools/vig/events/EventNames.h"
 #include "tools/vig/events/EventReader.h"
@@ -23,10 +25,20 @@
 #include "tools/vig/words/NearestName.h"
 #include "tools/vig/words/PriorityName.h"
 #include "tools/vig/words/Text.h"
+#include "vig/EventTypeNames.h"
+#include "vig/parsers/FilterParser.h"
 
 namespace Brenta::OS::VIG::Tool {
 
 namespace {
+
+using PropertyKey = std::pair<Property::Kind, std::string_view>;
+
+constexpr PropertyKey kKinds[] = {{Property::Kind::TriggerOnlyIf, "trigger_only_if"},
+                                  {Property::Kind::BetweenTriggers, "between_triggers"},
+                                  {Property::Kind::AtMost, "at_most"},
+                                  {Property::Kind::CanReach, "can_reach"},
+                                  {Property::Kind::CannotReach, "cannot_reach"}};
 
 class TestFileReader {
   public:
@@ -40,20 +52,20 @@ class TestFileReader {
           folder(std::filesystem::path(document.source().name()).parent_path()) {}
 
     TestFile read() {
-        TestFile file{document.source().name(), {}, {}, {}};
+        TestFile file{document.source().name(), {}, {}, {}, {}};
         const Json::Value& root = document.root();
         // Editors find the schema by "$schema".
-        if (!check.isObject(root, "", {"rules", "tests", "$schema"})) {
+        if (!check.isObject(root, "", {"rules", "tests", "properties", "$schema"})) {
             return file;
         }
         file.rules = (folder / check.requiredText(root, "rules", "").value_or("")).string();
-        if (check.hasMember(root, "tests", "")) {
-            forEachOf(root, "tests", "",
-                      [&](const auto& each, const auto& place) { keep(file.tests, testCase(each, place)); });
-            if (root["tests"].isArray() && root["tests"].empty()) {
-                check.complain(root["tests"], "tests", "there is no test");
-            }
+        if (!root.isMember("tests") && !root.isMember("properties")) {
+            check.complain(root, "", "neither \"tests\" nor \"properties\" are there");
         }
+        someOf(root, "tests", "", "there is no test",
+               [&](const auto& each, const auto& place) { keep(file.tests, testCase(each, place)); });
+        someOf(root, "properties", "", "there is no property",
+               [&](const auto& each, const auto& place) { keep(file.properties, property(each, place)); });
         for (const auto& [name, events] : eventFiles) {
             file.eventFiles.push_back(name);
         }
@@ -77,17 +89,36 @@ class TestFileReader {
         }
     }
 
+    // Does the same, and complains of an array without elements.
+    void someOf(const Json::Value& object, const std::string& key, const std::string& path, const std::string& ifNone,
+                const auto& visit) {
+        forEachOf(object, key, path, visit);
+        if (object.isMember(key) && object[key].isArray() && object[key].empty()) {
+            check.complain(object[key], StrictJson::member(path, key), ifNone);
+        }
+    }
+
+    // Returns the name, which no other test or property has.
+    std::string uniqueName(const Json::Value& json, const std::string& path, const std::string& what) {
+        std::string name = check.requiredText(json, "name", path).value_or("");
+        if (json["name"].isString() && !names.insert(name).second) {
+            check.complain(json["name"], StrictJson::member(path, "name"),
+                           "there is another " + what + " " + shownQuoted(name));
+        }
+        return name;
+    }
+
+    std::size_t lineOf(const Json::Value& json) const {
+        return document.source().positionOf(document.placeOf(json, {}).begin).line;
+    }
+
     TestCase testCase(const Json::Value& json, const std::string& path) {
         TestCase test;
         if (!check.isObject(json, path, {"name", "events", "seed", "draws", "context", "expect"})) {
             return test;
         }
-        test.line = document.source().positionOf(document.placeOf(json, path).begin).line;
-        test.name = check.requiredText(json, "name", path).value_or("");
-        if (json["name"].isString() && !names.insert(test.name).second) {
-            check.complain(json["name"], StrictJson::member(path, "name"),
-                           "there is another test " + shownQuoted(test.name));
-        }
+        test.line = lineOf(json);
+        test.name = uniqueName(json, path, "test");
         test.draws = drawsOf(json, path);
         if (check.hasMember(json, "events", path)) {
             test.events = eventsOf(json["events"], StrictJson::member(path, "events"));
@@ -114,15 +145,12 @@ class TestFileReader {
             return draws;
         }
         Draws own;
-        forEachOf(json, "draws", path, [&](const Json::Value& each, const std::string& placeOfOne) {
+        someOf(json, "draws", path, "there is no draw", [&](const Json::Value& each, const std::string& placeOfOne) {
             own.numbers.push_back(each.isNumeric() ? each.asDouble() : -1);
             if (!Draws::canBe(own.numbers.back())) {
                 check.complain(each, placeOfOne, "expected " + std::string(Draws::NUMBER));
             }
         });
-        if (json["draws"].isArray() && json["draws"].empty()) {
-            check.complain(json["draws"], place, "there is no draw");
-        }
         return own;
     }
 
@@ -186,6 +214,111 @@ class TestFileReader {
         const std::string attributes = document.source().text().substr(range.begin + 1, range.end - range.begin - 1);
         return record((json.empty() ? R"({"event":"Test")" : R"({"event":"Test",)") + attributes, json, path)
             .attributes;
+    }
+
+    Property property(const Json::Value& json, const std::string& path) {
+        Property property;
+        StrictJson::Keys keys = {"name", "config", "context"};
+        for (const auto& [kind, key] : kKinds) {
+            keys.push_back(key);
+        }
+        if (!check.isObject(json, path, keys)) {
+            return property;
+        }
+        property.line = lineOf(json);
+        property.name = uniqueName(json, path, "test or property");
+        property.config = check.optionalInteger(json, "config", path, std::numeric_limits<std::int64_t>::min(),
+                                                std::numeric_limits<std::int64_t>::max());
+        if (json.isMember("context")) {
+            property.context = context(json["context"], StrictJson::member(path, "context"));
+        }
+        std::vector<std::pair<Property::Kind, std::string>> given;
+        for (const auto& [kind, key] : kKinds) {
+            if (json.isMember(std::string(key))) {
+                given.emplace_back(kind, key);
+            }
+        }
+        if (given.size() != 1) {
+            const auto render = [](const auto& each) { return Tool::quoted(each.second); };
+            check.complain(json, path, "expected exactly one of " + joined(kKinds, ", ", render));
+            return property;
+        }
+        const auto& [kind, key] = given.front();
+        property.kind = kind;
+        readDemand(json, key, path, property);
+        return property;
+    }
+
+    void readDemand(const Json::Value& json, const std::string& key, const std::string& path, Property& property) {
+        const std::string place = StrictJson::member(path, key);
+        const auto keepFilter = [&](const Json::Value& each, const std::string& placeOfOne) {
+            if (auto filter = propertyFilter(each, placeOfOne)) {
+                keep(property.filters, std::move(*filter));
+            }
+        };
+        switch (property.kind) {
+            case Property::Kind::TriggerOnlyIf:
+                return someOf(json, key, path, "there is no filter", keepFilter);
+            case Property::Kind::BetweenTriggers:
+                return forEachOf(json, key, path, keepFilter);
+            case Property::Kind::AtMost: {
+                constexpr std::int64_t kMost = std::numeric_limits<std::int64_t>::max();
+                const Json::Value& limit = json[key];
+                if (check.isObject(limit, place, {"triggers", "events"}) && check.hasMember(limit, "triggers", place)) {
+                    property.triggers = static_cast<std::uint64_t>(
+                        check.optionalInteger(limit, "triggers", place, 0, kMost).value_or(0));
+                    property.events = check.optionalInteger(limit, "events", place, 1, kMost);
+                }
+                return;
+            }
+            case Property::Kind::CanReach:
+            case Property::Kind::CannotReach:
+                break;
+        }
+        property.states = states(json[key], place);
+        if (json[key].isObject() && json[key].empty()) {
+            check.complain(json[key], place, "there is no state");
+        }
+        if (json.isMember("config")) {
+            check.complain(json["config"], StrictJson::member(path, "config"),
+                           "not together with " + Tool::quoted(key) + ", which says it itself");
+        }
+    }
+
+    // Reads the filter as the library does, and what a property's may have besides. If it is none, complains and
+    // returns nothing.
+    std::optional<PropertyFilter> propertyFilter(const Json::Value& json, const std::string& path) {
+        if (!check.isObject(json, path, {"operator", "value_type", "operand1", "operand2", "event"})) {
+            return std::nullopt;
+        }
+        PropertyFilter filter{};
+        if (const auto event = check.optionalText(json, "event", path)) {
+            filter.event = kEventTypeNames.reverseLookup(event->c_str());
+            if (!filter.event) {
+                check.complain(json["event"], StrictJson::member(path, "event"),
+                               "unknown event " + shownQuoted(*event) + suggestion(*event, kEventNames));
+            }
+        }
+        for (const std::string key : {"operand1", "operand2"}) {
+            const std::string place = StrictJson::member(path, key);
+            if (json[key].isObject() && check.isObject(json[key], place, {"type", "value"}) &&
+                json[key]["type"] == "function") {
+                check.complain(json[key], place, "the filter of a property has no function");
+                return std::nullopt;
+            }
+        }
+        std::vector<Finding> refusals;
+        searchFilter(document, json, path, registry, refusals);
+        for (const Finding& each : refusals) {
+            check.complain(each.place, each.message + (each.hint.empty() ? "" : "; ") + each.hint);
+        }
+        if (!errors.empty()) {
+            return std::nullopt;
+        }
+        filter.model = filterModelOf(document, json, path);
+        filter.model.json = nullptr;
+        filter.filter = _parseFilter(json, registry);
+        return filter;
     }
 
     Expectation expectation(const Json::Value& json, const std::string& path) {
@@ -268,6 +401,7 @@ class TestFileReader {
     std::vector<std::string>& errors;
     StrictJson check;
     const std::filesystem::path folder;
+    const VIGParserConfig registry = libraryRegistry();
     RecordParser records;
     std::set<std::string> names;
     std::map<std::string, TestEvents> eventFiles;  // by path; several tests may share one

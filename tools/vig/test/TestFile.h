@@ -6,6 +6,9 @@
 #include <string>
 #include <vector>
 
+#include "rulesengine/EventType.h"
+#include "rulesengine/Filter.h"
+#include "tools/vig/document/RuleModel.h"
 #include "tools/vig/events/AttributeSet.h"
 #include "tools/vig/events/EventRecord.h"
 #include "tools/vig/io/Interruption.h"
@@ -52,11 +55,40 @@ struct TestCase {
     Expectation expect = {};
 };
 
+// An event fulfils it as it does a filter of a transition, but may have to be of one type.
+struct PropertyFilter {
+    std::optional<RulesEngine::EventType> event;
+    FilterModel model;                                  // without its JSON
+    std::shared_ptr<const RulesEngine::Filter> filter;  // the library's own
+};
+
+// It is what has to be true of a machine whatever events come.
+struct Property {
+    enum class Kind {
+        TriggerOnlyIf,    // each event that triggers fulfils all filters
+        BetweenTriggers,  // between any two triggers there is an event that does
+        AtMost,           // so many triggers ever, or in so many consecutive events
+        CanReach,         // the machines can come to the states
+        CannotReach
+    };
+
+    std::string name = {};
+    std::size_t line = 0;                     // in the test file
+    std::optional<std::int64_t> config = {};  // of each machine by itself if there is none
+    AttributeSet context = {};
+    Kind kind = Kind::TriggerOnlyIf;
+    std::vector<PropertyFilter> filters = {};
+    std::uint64_t triggers = 0;
+    std::optional<std::uint64_t> events = {};
+    std::vector<ExpectedState> states = {};
+};
+
 // It holds the tests of a rule document.
 struct TestFile {
     std::string path;
     std::string rules;  // the path of the document
     std::vector<TestCase> tests;
+    std::vector<Property> properties;
     std::vector<std::string> eventFiles;  // the paths of those that the tests name
 };
 

@@ -4,7 +4,6 @@
 #include <memory>
 #include <string_view>
 
-#include "tools/vig/test/Expectation.h"
 #include "tools/vig/trace/ExplainText.h"
 #include "tools/vig/trace/WhyNot.h"
 
@@ -92,6 +91,29 @@ class Explainer final : public Trace {
     std::size_t linesLeftOut = 0;
 };
 
+// Says why the rules were not loaded.
+std::string problemOf(const RuleSession& session, const Observed& observed) {
+    std::string problem = session.problem();
+    for (const Observed::Log& log : observed.logs) {
+        problem += "\n" + log.message;
+    }
+    return problem;
+}
+
+}  // namespace
+
+TestOutcome loadRules(const std::string& rules, const Interruption& interruption, std::string& text) {
+    const Expectation nothing;
+    Observed observed(nothing);
+    RuleSession session(rules, {}, {}, observed, nullptr);
+    const auto loading = session.load(RuleSession::Changes::Ignore, interruption);
+    if (loading != RuleSession::Loading::Done) {
+        return {loading, problemOf(session, observed), {}};
+    }
+    text = session.document().text.source().text();
+    return {loading, {}, {}};
+}
+
 RuleSession::Loading play(RuleSession& session, const TestCase& test, Report& report,
                           const Interruption& interruption) {
     const auto loading = session.load(RuleSession::Changes::Ignore, interruption);
@@ -118,21 +140,16 @@ std::vector<std::string> explain(const std::string& rules, const TestCase& test,
     return loading == RuleSession::Loading::Done ? explainer.explanation() : std::vector<std::string>();
 }
 
-}  // namespace
-
 TestOutcome runTest(const std::string& rules, const TestCase& test, Trace& trace, const Interruption& interruption) {
     Observed observed(test.expect);
     TestOutcome outcome{};
     {
         RuleSession session(rules, test.draws, test.context, observed, &trace);
         outcome.loading = play(session, test, observed, interruption);
-        outcome.problem = session.problem();
-    }
-    if (outcome.loading != RuleSession::Loading::Done) {
-        for (const Observed::Log& log : observed.logs) {
-            outcome.problem += "\n" + log.message;
+        if (outcome.loading != RuleSession::Loading::Done) {
+            outcome.problem = problemOf(session, observed);
+            return outcome;
         }
-        return outcome;
     }
     Mismatch mismatch = compare(test.expect, observed);
     outcome.failure = std::move(mismatch.lines);

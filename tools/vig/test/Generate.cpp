@@ -1,0 +1,386 @@
+// For each thing that coverage counts, the shortest recording that reaches it is a candidate. The longest ones are
+// taken first, since they reach much on their way, and what those that were taken have reached needs no other. What a
+// test expects is what the library does with its recording.
+
+#include "tools/vig/test/Generate.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <deque>
+#include <map>
+#include <memory>
+#include <optional>
+#include <set>
+#include <utility>
+#include <vector>
+
+#include "tools/vig/catalogue/ActionNeeds.h"
+#include "tools/vig/decide/Rehearsal.h"
+#include "tools/vig/document/Registry.h"
+#include "tools/vig/events/EventNames.h"
+#include "tools/vig/io/FileText.h"
+#include "tools/vig/io/Output.h"
+#include "tools/vig/test/Coverage.h"
+#include "tools/vig/test/TestRun.h"
+#include "tools/vig/words/PriorityName.h"
+#include "tools/vig/words/Text.h"
+#include "vig/ResponseProperty.h"
+#include "vig/base/Utf8.h"
+
+namespace Brenta::OS::VIG::Tool {
+
+namespace {
+
+// It is one thing to reach.
+struct Goal {
+    Coverage::Target target;
+    std::string name;  // of a test for it
+    Answer answer;
+    std::optional<Route> route = {};      // if the answer is yes, unless another goal's leads here, too
+    std::optional<Witness> witness = {};  // unless that of another goal has reached it
+};
+
+// Decides what can be reached, and how. It stands in for the platform as long as it lives.
+class GoalFinder {
+  public:
+    explicit GoalFinder(std::string text) : rehearsal(std::move(text), context) {
+        for (const ConfigModel& config : rehearsal.document().configs) {
+            Behaviour& machine = machines.emplace_back(config, surroundings);
+            auto& firsts = firstGoals.emplace_back();
+            for (std::size_t index = 0; index < config.transitions.size(); ++index) {
+                firsts.push_back(goals.size());
+                addGoalsOf(machine, index);
+            }
+        }
+        isReached.resize(goals.size());
+        std::vector<Goal*> byLength;
+        for (Goal& each : goals) {
+            if (each.route) {
+                byLength.push_back(&each);
+            }
+        }
+        // Of two as long, the one that goes on further after the last event.
+        std::ranges::stable_sort(byLength, std::greater<>(), [](const Goal* each) {
+            const auto& [startStop, steps, ending] = *each->route;
+            return std::pair(steps.size(), steps.empty() ? startStop : steps.back().stop);
+        });
+        for (Goal* const each : byLength) {
+            const auto number = static_cast<std::size_t>(each - goals.data());
+            if (isReached[number]) {
+                continue;
+            }
+            rehearse(*each);
+            if (each->witness) {
+                rehearsed.push_back(number);
+            }
+            if (each->answer == Answer::Yes && !isReached[number]) {
+                fault = each->name;
+            }
+        }
+    }
+
+    std::vector<Goal> goals;             // in the order of coverage
+    std::vector<std::size_t> rehearsed;  // those with a witness, in the order in which tests of them are to be made
+    std::string fault;                   // names the test that does not go as was decided; empty if there is none
+
+  private:
+    void addGoalsOf(Behaviour& machine, std::size_t index) {
+        const TransitionModel& transition = machine.config().transitions[index];
+        const std::string way = fmt::format("{} -> {} on {}", shownName(transition.from), shownName(transition.to),
+                                            nameOf(transition.event));
+        const auto add = [&](std::optional<std::size_t> filter, bool outcome, const std::string& name, Answer answer) {
+            goals.push_back({{machines.size() - 1, index, filter, outcome}, name, answer});
+        };
+        const Answer fires = machine.fires(index);
+        add(std::nullopt, true, nameOfTest({way + " fires", way + " fires in " + transition.place.path}), fires);
+        if (fires == Answer::Yes) {
+            goals.back().route = machine.routeToFire(index);
+        }
+        for (std::size_t filter = 0; filter < transition.filters.size(); ++filter) {
+            const FilterModel& model = transition.filters[filter];
+            for (const bool outcome : {true, false}) {
+                const std::string condition = "`" + shownCondition(model) + "`";
+                const std::string verdict = outcome ? " is true" : " is false";
+                const std::string name = nameOfTest({condition + verdict, condition + " of " + way + verdict,
+                                                     condition + verdict + " in " + model.place.path});
+                // Where the transition fires, all its filters are true.
+                if (outcome && fires == Answer::Yes) {
+                    add(filter, outcome, name, fires);
+                    continue;
+                }
+                add(filter, outcome, name, machine.sees(index, filter, outcome));
+                if (goals.back().answer == Answer::Yes) {
+                    goals.back().route = machine.routeToOutcome(index, filter, outcome);
+                }
+            }
+        }
+    }
+
+    // Returns the first that no other test has. The last one is unique.
+    std::string nameOfTest(const std::vector<std::string>& possible) {
+        std::string name;
+        for (const std::string& each : possible) {
+            name = printable(each);
+            if (names.insert(name).second) {
+                break;
+            }
+        }
+        return name;
+    }
+
+    // Adds to the route that each event has what the actions need, as far as it can. A test of what they do without
+    // tells less.
+    static void enrich(Behaviour& machine, Route& route) {
+        for (RouteStep& each : route.steps) {
+            const auto& triggers = machine.triggersOf(each.transition);
+            if (!each.target.filter && triggers.count > 0) {
+                each.question = triggers.question;
+            }
+        }
+    }
+
+    // Does the same for attributes that no filter reads.
+    static void enrich(const ConfigModel& config, const Route& route, Plan& plan) {
+        for (std::size_t index = 0; index < plan.events.size(); ++index) {
+            AttributeSet& attributes = plan.events[index].attributes;
+            for (const ActionModel& action : config.transitions[route.steps[index].transition].actions) {
+                const KnownAction* const known = findAction(action.key);
+                for (const ActionNeed& need : known != nullptr ? known->needs : std::span<const ActionNeed>()) {
+                    if (need.kind == AttributeKind::Uint64 && !attributes.find<std::uint64_t>(need.attribute)) {
+                        attributes.add<std::uint64_t>(need.attribute, 1);
+                        attributes.sort<std::uint64_t>();
+                    }
+                }
+            }
+        }
+    }
+
+    void rehearse(Goal& goal) {
+        const std::size_t index = goal.target.machine;
+        Behaviour& machine = machines[index];
+        enrich(machine, *goal.route);
+        auto plan = machine.planFor(*goal.route);
+        if (!plan) {
+            goal.answer = Answer::Undecided;
+            return;
+        }
+        enrich(machine.config(), *goal.route, *plan);
+        goal.witness = rehearsal.play(index, *plan);
+        for (const Witness::Trial& each : goal.witness->trials) {
+            std::size_t number = firstGoals[index][each.transition];
+            isReached[number] = isReached[number] || each.fired;
+            for (const bool verdict : each.verdicts) {
+                isReached[number + (verdict ? 1 : 2)] = true;
+                number += 2;
+            }
+        }
+    }
+
+    const AttributeSet context;
+    const VIGParserConfig registry = libraryRegistry();
+    const Catalogue catalogue = Catalogue::builtIn();
+    Effort effort;
+    const Surroundings surroundings{registry, catalogue, context, effort};
+    Rehearsal rehearsal;
+    std::deque<Behaviour> machines;
+    std::set<std::string> names;
+    std::vector<std::vector<std::size_t>> firstGoals;  // the first one's number by machine and transition
+    std::vector<bool> isReached;                       // of each goal
+};
+
+// Writes down what a run does, as the expectation of a test.
+class ExpectationWriter final : public NoReport {
+  public:
+    void trigger(const TriggerLine& line) override {
+        const std::string process =
+            line.processName ? fmt::format(R"("process": {}, )", quoted(*line.processName)) : std::string();
+        triggers.push_back(fmt::format(R"({{ "name": {}, {}"config": {}, "event": {} }})", quoted(line.name), process,
+                                       line.machine.configId, line.event));
+    }
+
+    void log(const LogLine& line) override {
+        if (line.message != kListeningMessage) {
+            logs.push_back(fmt::format(R"({{ "message": {}, "priority": "{}" }})", quoted(line.message),
+                                       priorityName(line.priority)));
+        }
+    }
+
+    void move(const MoveLine& /*line*/) override { ++moves; }
+
+    void end(const Summary& summary) override {
+        std::map<std::int64_t, std::string> byId;  // of several machines with the same id, the first
+        for (const Summary::Machine& each : summary.machines) {
+            // A test cannot expect a name that is no UTF-8.
+            if (replaceInvalidUtf8(std::string(each.state)) == each.state) {
+                byId.emplace(each.name.configId, quoted(each.state));
+            }
+        }
+        states =
+            joined(byId, ", ", [](const auto& each) { return fmt::format(R"("{}": {})", each.first, each.second); });
+    }
+
+    // Returns the lines of the object, without what stands before them.
+    std::vector<std::string> lines() const {
+        std::vector<std::string> all;
+        for (const auto& [key, list] : {std::pair("triggers", &triggers), std::pair("log", &logs)}) {
+            if (!list->empty()) {
+                all.push_back(fmt::format(R"(  "{}": [)", key));
+                for (const std::string& each : *list) {
+                    all.push_back("    " + each + (&each == &list->back() ? "" : ","));
+                }
+                all.push_back("  ],");
+            }
+        }
+        if (!states.empty()) {
+            all.push_back(fmt::format(R"(  "states": {{ {} }},)", states));
+        }
+        all.push_back(fmt::format(R"(  "moves": {})", moves));
+        return all;
+    }
+
+  private:
+    std::vector<std::string> triggers;
+    std::vector<std::string> logs;
+    std::string states;
+    std::uint64_t moves = 0;
+};
+
+// Returns the test as the text of an object, as a person would write it.
+std::string textOf(const TestCase& test, const ExpectationWriter& expected) {
+    std::vector<std::string> events;
+    Output output([&](std::string_view line) {
+        events.push_back("\n        " + std::string(line.substr(0, line.size() - 1)));
+        return 0;
+    });
+    for (const EventRecord& each : *test.events) {
+        writeEvent(output, each);
+        output.flush();
+    }
+    std::string text = fmt::format("    {{\n      \"name\": {},\n      \"events\": [{}{}],\n", quoted(test.name),
+                                   fmt::join(events, ","), events.empty() ? "" : "\n      ");
+    if (!test.draws.numbers.empty()) {
+        text += fmt::format("      \"draws\": [{}],\n", fmt::join(test.draws.numbers, ", "));
+    }
+    text += "      \"expect\": {\n";
+    for (const std::string& line : expected.lines()) {
+        text += "      " + line + "\n";
+    }
+    return text + "      }\n    }";
+}
+
+class TestWriter {
+  public:
+    TestWriter(const std::string& path, const Console& console, const Interruption& interruption)
+        : path(path), console(console), interruption(interruption), coverage(path) {}
+
+    int run() {
+        std::string problem;
+        const auto copy = copyInMemory(path, interruption, problem);
+        if (!copy) {
+            return interruption.requested() ? kExitInterrupted : fail(problem);
+        }
+        rules = pathOf(*copy);
+        std::string text;
+        const TestOutcome loaded = loadRules(rules, interruption, text);
+        if (loaded.loading == RuleSession::Loading::Interrupted) {
+            return kExitInterrupted;
+        }
+        if (loaded.loading == RuleSession::Loading::Unreadable) {
+            return fail(loaded.problem);
+        }
+        if (loaded.loading == RuleSession::Loading::Refused) {
+            for (const std::string& line : printableLines(path + ": error: " + loaded.problem)) {
+                console.say(line);
+            }
+            return kExitUnusable;
+        }
+        if (!find(std::move(text))) {
+            return kExitUnusable;
+        }
+        if (!write()) {
+            return kExitInterrupted;
+        }
+        Output out(console.out);
+        out.write(fmt::format("{{\n  \"rules\": {},\n  \"tests\": [\n{}\n  ]\n}}\n", quoted(path),
+                              joined(tests, ",\n", [](const auto& each) { return each.second; })));
+        return console.finish(out, sayGaps());
+    }
+
+  private:
+    int fail(const std::string& problem) const {
+        console.complain(path + ": " + problem);
+        return kExitUnusable;
+    }
+
+    bool find(std::string text) {
+        GoalFinder finder(std::move(text));
+        goals = std::move(finder.goals);
+        rehearsed = std::move(finder.rehearsed);
+        if (!finder.fault.empty()) {
+            fail("a fault of vig: the library does otherwise than was decided: " + finder.fault);
+        }
+        return finder.fault.empty();
+    }
+
+    // Returns false if it was interrupted.
+    bool write() {
+        for (const std::size_t each : rehearsed) {
+            if ((!coverage.hasRun() || !coverage.reaches(goals[each].target)) &&
+                !add(each, goals[each].name, *goals[each].witness)) {
+                return false;
+            }
+        }
+        // A file of tests has one at least.
+        return !tests.empty() || add(0, "it starts", {});
+    }
+
+    bool add(std::size_t place, const std::string& name, const Witness& witness) {
+        TestCase test;
+        test.name = name;
+        test.events = std::make_shared<std::vector<EventRecord>>(witness.events);
+        test.draws.numbers = witness.draws;
+        ExpectationWriter expected;
+        RuleSession session(rules, test.draws, test.context, expected, &coverage);
+        if (play(session, test, expected, interruption) != RuleSession::Loading::Done) {
+            return false;
+        }
+        tests[place] = textOf(test, expected);
+        return true;
+    }
+
+    // Returns the exit status.
+    int sayGaps() const {
+        int status = kExitDone;
+        for (const Goal& each : goals) {
+            if (coverage.reaches(each.target)) {
+                continue;
+            }
+            const bool isUndecided = each.answer == Answer::Undecided;
+            status = isUndecided ? kExitRefused : status;
+            const std::string_view why = isUndecided ? "not decided"
+                                         : each.answer == Answer::Unrecordable
+                                             ? "only an infinity, a NaN or a text that is no UTF-8 does it"
+                                             : "no events do it";
+            console.say(fmt::format("{}: {}", coverage.gapOf(each.target), why));
+        }
+        return status;
+    }
+
+    const std::string& path;
+    const Console& console;
+    const Interruption& interruption;
+    std::string rules;  // the path of the copy
+    Coverage coverage;
+    std::vector<Goal> goals;
+    std::vector<std::size_t> rehearsed;
+    std::map<std::size_t, std::string> tests;  // by the goal
+};
+
+}  // namespace
+
+int generateTests(const std::string& rules, const Console& console, const Interruption& interruption) {
+    return TestWriter(rules, console, interruption).run();
+}
+
+}  // namespace Brenta::OS::VIG::Tool
