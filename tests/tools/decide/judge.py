@@ -164,8 +164,11 @@ def make_property(rng, words, document, machines):
     used = [each for config in document["configs"] for rule in config["payload"]["data"]["transitions"]
             for each in rule["filters"] if '"function"' not in json.dumps(each)]
     filters += rng.choices(used, k=1) if used else []
+    filters = [each for each in filters if is_accepted(each)]
+    if kind == "trigger_only_if" and not filters:  # the tool refuses what says nothing
+        return {"cannot_reach": {str(document["configs"][0]["id"]): "end"}}, machines[:1]
     return own | {kind: [each | ({"event": rng.choice(EVENT_TYPES)} if rng.random() < 0.2 else {})
-                         for each in filters if is_accepted(each)]}, asked
+                         for each in filters]}, asked
 
 
 class Replay:

@@ -64,7 +64,7 @@ The tests of a document reach all of it that can be reached, and tell what the l
       {
         "name": "start -> start on ZramHeartBeat fires",
         "events": [
-          {"event":"ZramHeartBeat","uint64":{"memUsedMaxBytes":1,"numCompressedDataBytes":1},"string":{"a":"app","b":"app\u0000"}}
+          {"event":"ZramHeartBeat","uint64":{"memUsedMaxBytes":1,"numCompressedDataBytes":1},"string":{"a":"app","b":"appa"}}
         ],
         "expect": {
           "log": [

@@ -308,9 +308,15 @@ bool CellSolver::order(const std::vector<Region>& regions, bool fromPlainValues)
         hasChanged = false;
         for (const Relation* const each : relations) {
             const auto& [kind, first, last] = regions[each->variable];
+            const auto boundBy = [&, isStrict = first == 2 || last == 1](const Value& value) {
+                const auto* const text = fromPlainValues ? std::get_if<std::string>(&value) : nullptr;
+                return !isStrict         ? std::optional(value)
+                       : text != nullptr ? std::optional<Value>(*text + "a")
+                                         : valueAbove(value, which);
+            };
             const bool isPossible =
-                (last == 3 || raise(each->right, *values[each->left], last == 1, regions[each->right], hasChanged)) &&
-                (first == 0 || raise(each->left, *values[each->right], first == 2, regions[each->left], hasChanged));
+                (last == 3 || raise(each->right, boundBy(*values[each->left]), regions[each->right], hasChanged)) &&
+                (first == 0 || raise(each->left, boundBy(*values[each->right]), regions[each->left], hasChanged));
             if (!isPossible || !effort->spend(kEffortOfComparison) || round > 2 * space.relations.size()) {
                 return false;
             }
@@ -319,8 +325,8 @@ bool CellSolver::order(const std::vector<Region>& regions, bool fromPlainValues)
     return true;
 }
 
-bool CellSolver::raise(std::size_t variable, const Value& from, bool isStrict, const Region& region, bool& hasChanged) {
-    const std::optional<Value> bound = isStrict ? valueAbove(from, which) : from;
+bool CellSolver::raise(std::size_t variable, const std::optional<Value>& bound, const Region& region,
+                       bool& hasChanged) {
     if (!bound || *values[variable] >= *bound) {
         return bound.has_value();
     }

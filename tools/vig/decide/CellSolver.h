@@ -124,7 +124,7 @@ class CellSolver {
     bool findValues();
     bool findValues(std::vector<Region>& regions, std::size_t next);
     bool order(const std::vector<Region>& regions, bool fromPlainValues);
-    bool raise(std::size_t variable, const Value& from, bool isStrict, const Region& region, bool& hasChanged);
+    bool raise(std::size_t variable, const std::optional<Value>& bound, const Region& region, bool& hasChanged);
 
     const Space& space;
     const Values which;
