@@ -27,7 +27,7 @@ Blame blameFor(Behaviour& machine, const Junction& junction, Junction::Question 
             (isEnough ? end : possible) = middle;
             isFound = isFound || isEnough;
         }
-        if (asked == kMostAsked || end == 0) {
+        if (asked >= kMostAsked || end == 0) {
             blame.isWhole = false;
             break;
         }

@@ -14,6 +14,7 @@
 
 #include <algorithm>
 #include <deque>
+#include <limits>
 #include <map>
 #include <string>
 
@@ -28,7 +29,9 @@ using RulesEngine::EventType;
 
 namespace {
 
-constexpr std::size_t kMostTried = 2'000;  // steps on the ways that begin with one transition
+constexpr std::size_t kMostTried = 1'000;  // steps on the ways that begin with one transition
+
+constexpr std::size_t kNone = std::numeric_limits<std::size_t>::max();
 
 // Returns what is fulfilled exactly where a clause of one literal is not.
 Clause oppositeOf(const Clause& clause) {
@@ -84,7 +87,7 @@ class StormSearch {
 
     struct Node {
         std::size_t step;
-        std::size_t before;  // the node before; itself, if it is the first one
+        std::size_t before;  // the node before, if there is one
     };
 
     static std::vector<const TransitionModel*> modelsOf(const ConfigModel& config,
@@ -113,9 +116,9 @@ class StormSearch {
     }
 
     // Adds that the step is taken.
-    void add(const Step& step, Junction::Question& question) const {
+    void add(const Step& step, bool isWhole, Junction::Question& question) const {
         const std::vector<Fate>& ofState = fates.at(behaviour.from(step.transition));
-        for (std::size_t place = 0; place < step.place; ++place) {
+        for (std::size_t place = 0; isWhole && place < step.place; ++place) {
             question.push_back(&ofState[place].fails);
         }
         const Junction::Question& holds = ofState[step.place].holds;
@@ -142,73 +145,78 @@ class StormSearch {
     }
 
     void searchFrom(std::size_t first, const ActionModel& action) {
-        Junction::Question asking;
+        asking.clear();
         for (const ActionNeed& need : findAction(action.key)->needs) {
             asking.push_back(&junction.present(need.kind, need.attribute));
         }
-        std::vector<Node> nodes;
-        std::size_t tried = 0;
-        const auto questionOf = [&](std::size_t node, std::size_t step) {
-            Junction::Question question = asking;
-            add(steps[step], question);
-            for (bool isFirst = nodes.empty(); !isFirst; node = nodes[node].before) {
-                add(steps[nodes[node].step], question);
-                isFirst = nodes[node].before == node;
-            }
-            return question;
-        };
-        const auto isOnTheWay = [&](std::size_t node, std::size_t state) {
-            while (steps[nodes[node].step].to != state && nodes[node].before != node) {
-                node = nodes[node].before;
-            }
-            return steps[nodes[node].step].to == state;
-        };
+        nodes.clear();
         const std::size_t start = behaviour.from(steps[first].transition);
-        // Returns true if the search is over.
-        const auto follow = [&](std::size_t before, std::size_t step) {
-            const std::size_t to = steps[step].to;
-            if (to != start && !nodes.empty() && isOnTheWay(before, to)) {
-                return false;
-            }
-            const Junction::Question question = questionOf(before, step);
-            const Verdict verdict = ++tried > kMostTried ? Verdict::Undecided : behaviour.decide(junction, question);
-            machine.wasCut = machine.wasCut || verdict == Verdict::Undecided;
-            if (verdict == Verdict::Yes) {
-                nodes.push_back({step, nodes.empty() ? 0 : before});
-                if (to == start) {
-                    report(action, circleTo(nodes), question);
-                }
-            }
-            return tried > kMostTried || (verdict == Verdict::Yes && to == start);
-        };
-        if (follow(0, first)) {
-            return;
+        std::size_t tried = 0;
+        bool isFound = canFollow(kNone, first);
+        if (isFound) {
+            nodes.push_back({first, kNone});
+            isFound = steps[first].to == start;
         }
-        for (std::size_t node = 0; node < nodes.size(); ++node) {
+        for (std::size_t node = 0; node < nodes.size() && !isFound; ++node) {
             for (const std::size_t step : stepsFrom[steps[nodes[node].step].to]) {
-                if (follow(node, step)) {
+                if (++tried > kMostTried) {
+                    machine.wasCut = true;
                     return;
                 }
+                const std::size_t to = steps[step].to;
+                if ((to == start || !isOnTheWay(node, to)) && canFollow(node, step)) {
+                    nodes.push_back({step, node});
+                    isFound = to == start;
+                    if (isFound) {
+                        break;
+                    }
+                }
             }
         }
+        if (isFound) {
+            report(action);
+        }
     }
 
-    // Returns the steps that lead to the last node.
-    static std::vector<std::size_t> circleTo(const std::vector<Node>& nodes) {
-        std::vector<std::size_t> circle = {nodes.back().step};
-        for (std::size_t node = nodes.size() - 1; nodes[node].before != node;) {
+    // Tells whether the event that took the way to the node can take the step as well.
+    bool canFollow(std::size_t node, std::size_t step) {
+        // The filters of the transitions taken leave out most.
+        for (const bool isWhole : {false, true}) {
+            const Verdict verdict = behaviour.decide(junction, questionOf(node, step, isWhole));
+            if (verdict != Verdict::Yes) {
+                machine.wasCut = machine.wasCut || verdict == Verdict::Undecided;
+                return false;
+            }
+        }
+        return true;
+    }
+
+    // If it is not the whole question, it is that the transitions taken hold, and not that those before them fail.
+    Junction::Question questionOf(std::size_t node, std::size_t step, bool isWhole) const {
+        Junction::Question question = asking;
+        add(steps[step], isWhole, question);
+        for (; node != kNone; node = nodes[node].before) {
+            add(steps[nodes[node].step], isWhole, question);
+        }
+        return question;
+    }
+
+    bool isOnTheWay(std::size_t node, std::size_t state) const {
+        while (node != kNone && steps[nodes[node].step].to != state) {
             node = nodes[node].before;
+        }
+        return node != kNone;
+    }
+
+    // Reports the circle that the last node closes.
+    void report(const ActionModel& action) {
+        std::vector<std::size_t> circle;
+        for (std::size_t node = nodes.size() - 1; node != kNone; node = nodes[node].before) {
             circle.push_back(nodes[node].step);
+            steps[circle.back()].isReported = true;
         }
         std::ranges::reverse(circle);
-        return circle;
-    }
-
-    void report(const ActionModel& action, const std::vector<std::size_t>& circle, const Junction::Question& question) {
-        for (const std::size_t each : circle) {
-            steps[each].isReported = true;
-        }
-        const auto witness = show(action, circle, question);
+        const auto witness = show(action, circle, questionOf(nodes.back().before, circle.back(), true));
         if (!witness) {
             return;
         }
@@ -221,17 +229,15 @@ class StormSearch {
         }
         states += (circle.size() > kMostShown ? " to … to " : " to ") + first;
         const std::size_t length = circle.size();
-        const std::string every = length == 2   ? "every second "
-                                  : length == 3 ? "every third "
-                                                : fmt::format("every {}th ", length);
         warn(found, "trigger-storm", action.place,
              length == 1
                  ? fmt::format("{} asks for a collection at every {} event that fulfils the filters, and the machine "
                                "stays in {}",
                                shownQuoted(action.name), event, first)
-                 : fmt::format("{} asks for a collection at {}{} event while their values stay the same: they lead "
-                               "from {}",
-                               shownQuoted(action.name), every, event, states),
+                 : fmt::format(
+                       "{} asks for a collection once in {} {} events as long as their values stay the same: they "
+                       "lead from {}",
+                       shownQuoted(action.name), length, event, states),
              length == 1 ? "move to another state, or add the filter PseudoRandomDouble() < 0.1"
                          : "let the filters on the way exclude each other, or add the filter PseudoRandomDouble() < "
                            "0.1");
@@ -273,6 +279,8 @@ class StormSearch {
     std::map<std::size_t, std::vector<Fate>> fates;  // of the transitions of each state
     std::vector<Step> steps;
     std::map<std::size_t, std::vector<std::size_t>> stepsFrom;  // of each state, those that may lead back
+    Junction::Question asking;  // that the transition that the search began with asks for a collection
+    std::vector<Node> nodes;    // of that search
 };
 
 }  // namespace
