@@ -15,7 +15,8 @@
 #include "bench/Scenario.h"
 #include "tests/support/TemporaryFolder.h"
 
-// `vig run` is compared with the parser that it reads with and with the filter that a person would write.
+// `vig run` is compared with the parser that it reads with and with the filter that a person would write, `vig check`
+// with itself on a smaller document.
 namespace bench {
 
 namespace {
@@ -139,6 +140,50 @@ Scenario::Loop vigRun(std::size_t records) {
     };
 }
 
+// The document has a machine of states with 40 transitions each, which lead on to the next state and back to others,
+// and some of which trigger. Their filters are on few attributes, each with constants of its own.
+std::string manyTransitions(std::size_t count) {
+    const std::filesystem::path path = folder() / fmt::format("{}.json", count);
+    constexpr std::size_t kOfState = 40;
+    const std::size_t states = count / kOfState;
+    const auto filter = [](const char* op, const char* type, const char* attribute, const std::string& constant) {
+        return fmt::format(R"({{"operator":"{}","value_type":"{}","operand1":{{"type":"envvar","value":"{}"}},)"
+                           R"("operand2":{{"type":"constant","value":"{}"}}}})",
+                           op, type, attribute, constant);
+    };
+    const auto nameOf = [](std::size_t state) { return state == 0 ? "start" : fmt::format("s{}", state); };
+    std::ofstream file(path);
+    file << R"({"configs":[{"id":1,"payload":{"id":1,"data":{"transitions":[)";
+    for (std::size_t i = 0; i < count; ++i) {
+        const std::size_t state = i / kOfState;
+        const std::size_t place = i % kOfState;
+        const std::size_t target = place % 3 != 0 ? state + 1 : state * 31 + place * 17;
+        file << (i > 0 ? "," : "")
+             << fmt::format(
+                    R"({{"from_state":"{}","to_state":"{}","event":"ProcessMemoryHeartBeat","filters":[{},{}{}],)"
+                    R"("actions":[{}]}})",
+                    nameOf(state), nameOf(target % states),
+                    filter("==", "string", "processName", fmt::format("app{}", (state * 7 + place) % 97)),
+                    filter(">", "integer", "vmRssKB", std::to_string(100'000 + 1000 * place + state)),
+                    place % 2 == 0
+                        ? ""
+                        : "," + filter("<", "integer", "vmSwapKB", std::to_string(5000 + 10 * place + state)),
+                    place % 20 == 0 ? R"({"name":"TriggerVelora"})" : "");
+    }
+    file << "]}}}]}";
+    return path;
+}
+
+Scenario::Loop vigCheck(std::size_t transitions) {
+    return [rulesPath = manyTransitions(transitions)](std::size_t times) {
+        double total = 0;
+        for (std::size_t i = 0; i < times; ++i) {
+            total += runProgram({VIG_TOOL, "check", rulesPath});
+        }
+        return total;
+    };
+}
+
 }  // namespace
 
 void addTool(std::vector<Scenario>& scenarios) {
@@ -162,6 +207,9 @@ void addTool(std::vector<Scenario>& scenarios) {
                                  return total;
                              };
                          }});
+    for (const std::size_t transitions : {2'500, 5'000, 10'000, 20'000}) {
+        scenarios.push_back({fmt::format("check/{}", transitions), 1, [transitions] { return vigCheck(transitions); }});
+    }
 }
 
 }  // namespace bench

@@ -68,7 +68,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     });
     if (size <= kMostChecked) {
         fuzz::useWithinLimits(text, fuzz::kMegabyte, [](const std::string& document) {
-            const auto found = findingsIn(Tool::DocumentText("rules", document), registry, catalogue);
+            const auto found = findingsIn(Tool::DocumentText("rules", document), registry, catalogue).all;
             const bool isAccepted =
                 Brenta::OS::VIG::VIGResponseParser().parseFromString(document, registry).value != nullptr;
             if (std::ranges::none_of(found, isRefusal) != isAccepted) {

@@ -20,7 +20,8 @@ using Strings = std::vector<std::string>;
 const std::string kWarnings = support::textOf(VIG_SOURCE_DIR "/docs/warnings.md");
 
 Strings namesRaisedBy(const std::string& text) {
-    const auto found = findingsIn(Tool::DocumentText("", text), Tool::libraryRegistry(), Tool::Catalogue::builtIn());
+    const auto found =
+        findingsIn(Tool::DocumentText("", text), Tool::libraryRegistry(), Tool::Catalogue::builtIn()).all;
     Strings names;
     std::ranges::transform(found, std::back_inserter(names), &Tool::Finding::name);
     return names;

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "tests/support/Documents.h"
-#include "tools/vig/check/Warnings.h"
+#include "tools/vig/check/Findings.h"
 #include "tools/vig/document/Registry.h"
 
 namespace Brenta::OS::VIG::Tool {
@@ -81,12 +81,10 @@ const std::pair<const char*, Strings (*)(int many)> kShapes[] = {
 // Returns the warnings of the document, and adds for how many seconds they are looked for.
 std::vector<Finding> warningsOf(const Strings& transitions, double& seconds) {
     const DocumentText document("", support::documentOf(transitions));
-    const ConfigModel model = modelOf(document, 0);
     const auto registry = libraryRegistry();
     const auto catalogue = Catalogue::builtIn();
-    std::vector<Finding> found;
     const std::clock_t begin = std::clock();
-    appendRuleWarnings(model, catalogue, registry, found);
+    std::vector<Finding> found = findingsIn(document, registry, catalogue).all;
     seconds += static_cast<double>(std::clock() - begin) / CLOCKS_PER_SEC;
     return found;
 }

@@ -42,11 +42,12 @@ int check(const CheckOptions& options, const Console& console, const Interruptio
     }
     const VIGParserConfig registry = libraryRegistry();
     Output output(console.out);
-    const auto writer = options.format == FindingFormat::Json    ? jsonFindings(output)
-                        : options.format == FindingFormat::Sarif ? sarifFindings(output)
-                                                                 : textFindings(output, console.wantsColours());
+    const auto writer = options.format == FindingFormat::Json ? jsonFindings(output)
+                        : options.format == FindingFormat::Sarif
+                            ? sarifFindings(output)
+                            : textFindings(output, console.wantsColours(), options.verbose);
     FindingCounts counts;
-    bool areReadable = true;
+    bool isUsable = true;
     for (const std::string& path : options.rules) {
         std::string problem;
         auto text = readFile(path, interruption, problem);
@@ -55,30 +56,36 @@ int check(const CheckOptions& options, const Console& console, const Interruptio
         }
         if (!text) {
             console.complain(fmt::format("{}: {}", path, problem));
-            areReadable = false;
+            isUsable = false;
             continue;
         }
         const DocumentText document(path, std::move(*text));
-        std::vector<Finding> findings = findingsIn(document, registry, catalogue);
+        Findings findings = findingsIn(document, registry, catalogue);
         if (interruption.requested()) {
             return kExitInterrupted;
         }
-        std::erase_if(findings, [&](const Finding& each) {
+        for (const std::string& each : findings.unconfirmed) {
+            console.complain(fmt::format("{}: a fault of vig: the library does not do what was found: {}", path, each));
+            isUsable = false;
+        }
+        std::erase_if(findings.all, [&](const Finding& each) {
             return std::ranges::find(options.allowed, each.name) != options.allowed.end();
         });
-        writer->write(document.source(), findings);
-        const auto errors = static_cast<std::size_t>(std::ranges::count(findings, Severity::Error, &Finding::severity));
-        counts = {counts.errors + errors, counts.warnings + findings.size() - errors, counts.files + 1};
+        writer->write(document.source(), findings.all);
+        const auto errors =
+            static_cast<std::size_t>(std::ranges::count(findings.all, Severity::Error, &Finding::severity));
+        counts = {counts.errors + errors, counts.warnings + findings.all.size() - errors, counts.files + 1,
+                  counts.undecided + findings.undecided};
     }
     writer->end(counts);
     const bool areRefused = counts.errors > 0 || (options.strict && counts.warnings > 0);
-    return console.finish(output, !areReadable ? kExitUnusable : areRefused ? kExitRefused : kExitDone);
+    return console.finish(output, !isUsable ? kExitUnusable : areRefused ? kExitRefused : kExitDone);
 }
 
 constexpr const char* kHelp =
     R"(Errors are what the library refuses, all of them, and cycles without end. Warnings, by name:
 {}
-Exit status: 0 nothing or only warnings, 1 errors, 2 a file cannot be read. Columns count bytes, in sarif characters.
+Exit status: 0 nothing or only warnings, 1 errors, 2 a file cannot be read or vig is at fault. Columns count bytes, in sarif characters.
 
 Example: check before a commit, as strictly as possible, for a service that arms timeouts:
   vig check --strict --allow unused-timeout rules/*.json)";
@@ -96,6 +103,7 @@ void addCheck(CommandLine& commandLine, CheckOptions& options) {
     verb.choice("--format", options.format,
                 {{"text", FindingFormat::Text}, {"json", FindingFormat::Json}, {"sarif", FindingFormat::Sarif}},
                 "text for people, json for programs, sarif for code reviews");
+    verb.flag("--verbose", options.verbose, "Adds events that show what a finding tells, where it is about events");
     verb.flag("--strict", options.strict, "Lets warnings give the exit status 1");
     verb.names("--allow", options.allowed, names, "warning", "Leaves the warnings of that name out; may be repeated");
     addCatalogueFile(verb, options.catalogueFile);

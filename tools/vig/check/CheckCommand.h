@@ -14,6 +14,7 @@ class CommandLine;
 struct CheckOptions {
     std::vector<std::string> rules = {};  // files with rule documents
     FindingFormat format = FindingFormat::Text;
+    bool verbose = false;                   // findings that events show are told with these
     bool strict = false;                    // warnings count as errors for the exit status
     std::vector<std::string> allowed = {};  // names of kWarningNames that are not reported
     std::string catalogueFile = {};         // the attributes of events; empty for those that the tool knows

@@ -16,8 +16,19 @@ namespace {
 // Follows EnteringState transitions, depth first. One that leads to a state on the path closes a cycle.
 class CycleSearch {
   public:
-    CycleSearch(const StateGraph& machine, std::vector<Finding>& found)
-        : graph(machine), found(found), depths(machine.names.size(), kUnseen) {}
+    CycleSearch(Judged& machine, std::vector<Finding>& found)
+        : machine(machine),
+          behaviour(machine.possible),
+          found(found),
+          followed(behaviour.stateCount()),
+          depths(behaviour.stateCount(), kUnseen) {
+        for (std::size_t index = 0; index < machine.config.transitions.size(); ++index) {
+            if (machine.config.transitions[index].event == EventType::EnteringState &&
+                behaviour.canFire(index) != Answer::No) {
+                followed[behaviour.from(index)].push_back(index);
+            }
+        }
+    }
 
     void searchFrom(std::size_t state) {
         if (depths[state] != kUnseen) {
@@ -26,15 +37,11 @@ class CycleSearch {
         enter(state);
         while (!path.empty()) {
             Step& step = path.back();
-            const auto& outgoing = graph.outgoing[step.state];
-            if (step.next == outgoing.size()) {
+            if (step.next == followed[step.state].size()) {
                 depths[step.state] = kDone;
                 path.pop_back();
-                continue;
-            }
-            const Edge& edge = graph.edges[outgoing[step.next++]];
-            if (isFollowed(edge)) {
-                follow(edge);
+            } else {
+                follow(followed[step.state][step.next++]);
             }
         }
     }
@@ -45,7 +52,7 @@ class CycleSearch {
 
     struct Step {
         std::size_t state;
-        std::size_t next;  // of its outgoing transitions
+        std::size_t next;  // of the transitions followed
         bool isUncertain;
         std::size_t uncertainBefore;  // how many states on the path up to here are
     };
@@ -56,53 +63,51 @@ class CycleSearch {
         path.push_back({state, 0, isUncertain(state), before});
     }
 
-    void follow(const Edge& edge) {
-        if (depths[edge.to] == kUnseen) {
-            enter(edge.to);
-        } else if (depths[edge.to] != kDone) {
-            report(edge, std::span(path).subspan(depths[edge.to]));
+    void follow(std::size_t transition) {
+        const std::size_t to = behaviour.to(transition);
+        if (depths[to] == kUnseen) {
+            enter(to);
+        } else if (depths[to] != kDone) {
+            report(machine.config.transitions[transition], std::span(path).subspan(depths[to]));
         }
     }
 
     // Tells whether it depends on a filter where the machine goes from there. What comes after a transition without one
     // is shadowed.
     bool isUncertain(std::size_t state) const {
-        return std::ranges::any_of(graph.outgoing[state], [&](std::size_t index) {
-            return isFollowed(graph.edges[index]) && !graph.edges[index].logic.conditions.empty();
-        });
+        return std::ranges::any_of(followed[state],
+                                   [&](std::size_t each) { return machine.logics[each].isConditional; });
     }
 
-    static bool isFollowed(const Edge& edge) {
-        return edge.transition->event == EventType::EnteringState && edge.canFire();
-    }
-
-    void report(const Edge& closing, std::span<const Step> cycle) {
+    void report(const TransitionModel& closing, std::span<const Step> cycle) {
         constexpr std::size_t kMostShown = 5;
         std::string states;
         for (const Step& step : cycle.first(std::min(cycle.size(), kMostShown))) {
-            states += shownQuoted(graph.names[step.state]) + " to ";
+            states += shownQuoted(behaviour.stateName(step.state)) + " to ";
         }
-        states += (cycle.size() > kMostShown ? "… to " : "") + shownQuoted(graph.names[closing.to]);
+        states += (cycle.size() > kMostShown ? "… to " : "") + shownQuoted(closing.to);
         const bool endless = !cycle.back().isUncertain && cycle.back().uncertainBefore == cycle.front().uncertainBefore;
-        warn(found, "endless-entering", closing.transition->place,
+        warn(found, "endless-entering", closing.place,
              "EnteringState transitions lead from " + states +
                  (endless ? ", without end" : ", unless filters say otherwise") + ": one event makes up to 1000 moves",
              "let one of them listen for another event");
         found.back().severity = endless ? Severity::Error : Severity::Warning;
     }
 
-    const StateGraph& graph;
+    const Judged& machine;
+    Behaviour& behaviour;
     std::vector<Finding>& found;
-    std::vector<std::size_t> depths;  // on the path, of each state that is on it
+    std::vector<std::vector<std::size_t>> followed;  // of each state, the EnteringState transitions that can fire
+    std::vector<std::size_t> depths;                 // on the path, of each state that is on it
     std::vector<Step> path;
 };
 
 }  // namespace
 
-void appendEnteringWarnings(const StateGraph& graph, std::vector<Finding>& found) {
-    CycleSearch search(graph, found);
-    for (std::size_t state = 0; state < graph.names.size(); ++state) {
-        if (graph.isReachable[state]) {
+void appendEnteringWarnings(Judged& machine, std::vector<Finding>& found) {
+    CycleSearch search(machine, found);
+    for (std::size_t state = 0; state < machine.possible.stateCount(); ++state) {
+        if (machine.possible.reaches(state) != Answer::No) {
             search.searchFrom(state);
         }
     }

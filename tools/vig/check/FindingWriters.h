@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <memory>
 #include <span>
+#include <string>
 
 #include "tools/vig/check/Findings.h"
 #include "tools/vig/io/Output.h"
@@ -15,6 +16,7 @@ struct FindingCounts {
     std::size_t errors = 0;
     std::size_t warnings = 0;
     std::size_t files = 0;
+    std::size_t undecided = 0;  // machines of which not everything could be decided
 };
 
 // Writes what is found in rule documents.
@@ -28,12 +30,15 @@ class FindingWriter {
 };
 
 // This writer is for people, as compilers print: the place, the message, the line with a mark under the place; then the
-// place as a JSON path and what would mend it. It is `coloured` or not, as a terminal shows it. `output` must outlive
-// each of the writers.
-std::unique_ptr<FindingWriter> textFindings(Output& output, bool coloured);
+// place as a JSON path and what would mend it; with `verbose`, also the events that show it. It is `coloured` or not,
+// as a terminal shows it. `output` must outlive each of the writers.
+std::unique_ptr<FindingWriter> textFindings(Output& output, bool coloured, bool verbose);
 
 // This writer is for programs: one object with a list of the findings. Columns count bytes.
 std::unique_ptr<FindingWriter> jsonFindings(Output& output);
+
+// Returns the witness as JSON: {"events":[…],"draws":[…]}.
+std::string jsonOf(const Witness& witness);
 
 // This writer makes a SARIF 2.1.0 log, for tools that show findings beside the text. Columns count characters.
 std::unique_ptr<FindingWriter> sarifFindings(Output& output);

@@ -1,8 +1,10 @@
 #include "tools/vig/check/Findings.h"
 
 #include <algorithm>
+#include <optional>
 #include <string_view>
 #include <tuple>
+#include <utility>
 
 #include "tools/vig/check/RefusalSearch.h"
 #include "tools/vig/check/Warnings.h"
@@ -38,26 +40,48 @@ std::vector<Finding> readerErrors(const SourceText& source, const std::string& t
     return found;
 }
 
+// Judges the configurations that the library accepts, since only these mean something.
+void judge(const DocumentText& document, const std::vector<Json::ArrayIndex>& accepted, const VIGParserConfig& registry,
+           const Catalogue& catalogue, Findings& findings) {
+    std::vector<ConfigModel> configs;
+    for (const Json::ArrayIndex index : accepted) {
+        configs.push_back(modelOf(document, index));
+    }
+    const AttributeSet empty;
+    Effort effort;
+    const Surroundings given{registry, catalogue, empty, effort};
+    const Surroundings any{registry, catalogue, empty, effort, Surroundings::Context::Catalogued};
+    Evidence evidence(document, configs);
+    for (std::size_t index = 0; index < configs.size(); ++index) {
+        Behaviour shown(configs[index], given);
+        std::optional<Behaviour> possible;
+        if (!catalogue.context().empty()) {
+            possible.emplace(configs[index], any);
+        }
+        Judged machine{configs[index], index, given, possible ? *possible : shown, shown, evidence};
+        appendRuleWarnings(machine, findings.all);
+        findings.undecided += machine.wasCut || machine.possible.hasGaps() || shown.hasGaps() ? 1 : 0;
+    }
+    findings.unconfirmed = std::move(evidence.faults);
+}
+
 }  // namespace
 
-std::vector<Finding> findingsIn(const DocumentText& document, const VIGParserConfig& registry,
-                                const Catalogue& catalogue) {
-    std::vector<Finding> found;
+Findings findingsIn(const DocumentText& document, const VIGParserConfig& registry, const Catalogue& catalogue) {
+    Findings findings;
+    std::vector<Finding>& found = findings.all;
     if (document.report()) {
         found = readerErrors(document.source(), *document.report());
     } else {
         if (const auto accepted = acceptedConfigs(document, registry, found)) {
-            // Only what the library accepts means something.
-            for (const Json::ArrayIndex index : *accepted) {
-                appendRuleWarnings(modelOf(document, index), catalogue, registry, found);
-            }
+            judge(document, *accepted, registry, catalogue, findings);
             appendIdWarnings(document, found);
         }
         appendKeyWarnings(document, found);
     }
     std::ranges::stable_sort(found, {},
                              [](const Finding& each) { return std::tuple(each.place.begin, each.place.end); });
-    return found;
+    return findings;
 }
 
 }  // namespace Brenta::OS::VIG::Tool

@@ -1,9 +1,12 @@
 #pragma once
 
+#include <cstddef>
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "tools/vig/catalogue/Catalogue.h"
+#include "tools/vig/decide/Rehearsal.h"
 #include "tools/vig/document/DocumentText.h"
 #include "vig/parsers/VIGParserConfig.h"
 
@@ -17,14 +20,20 @@ struct Finding {
     std::string name;  // a stable one: of a warning, or of the library's error code
     Place place;
     std::string message;
-    std::string hint;  // what would mend it; may be empty
+    std::string hint;                                  // what would mend it; may be empty
+    std::shared_ptr<const Witness> witness = nullptr;  // that it happens, with an empty context; may be null
 };
 
-// Returns everything that is wrong with a rule document, by place: errors for what the library refuses with these
-// names, and what `vig check` warns of, with these attributes in mind. There is an error under the name of a code of
-// the library exactly when the library refuses the document. The platform log is not available meanwhile; used on one
-// thread.
-std::vector<Finding> findingsIn(const DocumentText& document, const VIGParserConfig& registry,
-                                const Catalogue& catalogue);
+struct Findings {
+    std::vector<Finding> all;              // by place
+    std::size_t undecided = 0;             // machines of which not everything could be decided
+    std::vector<std::string> unconfirmed;  // what was found, and the library does something else: faults of the tool
+};
+
+// Returns everything that is wrong with a rule document: errors for what the library refuses with these names, and what
+// `vig check` warns of, with these attributes in mind. There is an error under the name of a code of the library
+// exactly when the library refuses the document. The platform's log and its trigger service are not available
+// meanwhile; used on one thread.
+Findings findingsIn(const DocumentText& document, const VIGParserConfig& registry, const Catalogue& catalogue);
 
 }  // namespace Brenta::OS::VIG::Tool

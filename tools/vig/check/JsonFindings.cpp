@@ -21,16 +21,17 @@ class JsonFindings final : public FindingWriter {
             output.write(
                 fmt::format("{}\n"
                             R"({{"file":{},"line":{},"column":{},"end_line":{},"end_column":{},"severity":"{}",)"
-                            R"("name":{},"path":{},"message":{},"hint":{}}})",
+                            R"("name":{},"path":{},"message":{},"hint":{}{}}})",
                             std::exchange(separator, ","), quoted(source.name()), start.line, start.column, end.line,
                             end.column, finding.severity == Severity::Error ? "error" : "warning", quoted(finding.name),
-                            quoted(finding.place.path), quoted(finding.message), quoted(finding.hint)));
+                            quoted(finding.place.path), quoted(finding.message), quoted(finding.hint),
+                            finding.witness ? ",\"witness\":" + jsonOf(*finding.witness) : ""));
         }
     }
 
     void end(const FindingCounts& counts) override {
-        output.write(fmt::format("\n],\"errors\":{},\"warnings\":{},\"files\":{}}}\n", counts.errors, counts.warnings,
-                                 counts.files));
+        output.write(fmt::format("\n],\"errors\":{},\"warnings\":{},\"files\":{},\"undecided\":{}}}\n", counts.errors,
+                                 counts.warnings, counts.files, counts.undecided));
     }
 
   private:
@@ -39,6 +40,11 @@ class JsonFindings final : public FindingWriter {
 };
 
 }  // namespace
+
+std::string jsonOf(const Witness& witness) {
+    return "{\"events\":" + jsonArray(witness.events, [](const EventRecord& each) { return jsonOf(each); }) +
+           ",\"draws\":" + jsonArray(witness.draws, [](double each) { return fmt::format("{}", each); }) + "}";
+}
 
 std::unique_ptr<FindingWriter> jsonFindings(Output& output) {
     return std::make_unique<JsonFindings>(output);

@@ -2,27 +2,27 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <utility>
 
 namespace Brenta::OS::VIG::Tool {
 
-void appendRuleWarnings(const ConfigModel& config, const Catalogue& catalogue, const VIGParserConfig& registry,
-                        std::vector<Finding>& found) {
+void appendRuleWarnings(Judged& machine, std::vector<Finding>& found) {
     const auto before = static_cast<std::ptrdiff_t>(found.size());
-    std::vector<FilterLogic> logics;
-    logics.reserve(config.transitions.size());
-    for (const TransitionModel& transition : config.transitions) {
+    for (std::size_t index = 0; index < machine.config.transitions.size(); ++index) {
+        const TransitionModel& transition = machine.config.transitions[index];
+        const std::size_t since = found.size();
         for (const FilterModel& filter : transition.filters) {
             appendNumberWarnings(filter, found);
         }
         appendNulWarnings(transition, found);
-        appendAttributeWarnings(transition, catalogue, registry, found);
-        logics.push_back(judgeFilters(transition, registry, found));
+        appendAttributeWarnings(transition, machine.surroundings.catalogue, machine.surroundings.registry, found);
+        machine.logics.push_back(judgeFilters(machine, index, since, found));
     }
-    StateGraph graph(config, std::move(logics));
-    appendShadowWarnings(graph, found);
-    appendEnteringWarnings(graph, found);
-    appendStateWarnings(graph, catalogue, found);
+    appendShadowWarnings(machine, found);
+    appendEnteringWarnings(machine, found);
+    appendStateWarnings(machine, found);
+    appendStormWarnings(machine, found);
+    appendFallThroughWarnings(machine, found);
+    appendProcessWarnings(machine, found);
     std::ranges::stable_sort(found.begin() + before, found.end(), {},
                              [](const Finding& each) { return each.place.begin; });
 }

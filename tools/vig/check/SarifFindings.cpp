@@ -99,10 +99,11 @@ class SarifFindings final : public FindingWriter {
             output.write(
                 fmt::format("{}\n"
                             R"({{"ruleId":{},"ruleIndex":{},"level":"{}","message":{{"text":{}}},"locations":[)"
-                            R"({{"physicalLocation":{{"artifactLocation":{{"uri":{}}},"region":{}}}{}}}]}})",
+                            R"({{"physicalLocation":{{"artifactLocation":{{"uri":{}}},"region":{}}}{}}}]{}}})",
                             std::exchange(separator, ","), quoted(finding.name), rule,
                             finding.severity == Severity::Error ? "error" : "warning", quoted(finding.message + hint),
-                            quoted(uri), regionOf(columns, finding.place), logicalLocations(finding.place.path)));
+                            quoted(uri), regionOf(columns, finding.place), logicalLocations(finding.place.path),
+                            finding.witness ? ",\"properties\":{\"witness\":" + jsonOf(*finding.witness) + "}" : ""));
         }
     }
 

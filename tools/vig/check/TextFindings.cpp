@@ -77,7 +77,8 @@ std::string counted(std::size_t count, std::string_view what) {
 
 class TextFindings final : public FindingWriter {
   public:
-    TextFindings(Output& output, bool wantsColours) : output(output), coloured(wantsColours) {}
+    TextFindings(Output& output, bool wantsColours, bool isVerbose)
+        : output(output), coloured(wantsColours), verbose(isVerbose) {}
 
     void write(const SourceText& source, std::span<const Finding> findings) override {
         for (const Finding& finding : findings) {
@@ -96,9 +97,12 @@ class TextFindings final : public FindingWriter {
         if (counts.warnings > 0) {
             found.push_back(counted(counts.warnings, "warning"));
         }
-        output.write(fmt::format("{} in {}\n",
+        const std::string gaps = counts.undecided == 0 ? ""
+                                                       : fmt::format("; not all of {} could be decided",
+                                                                     counted(counts.undecided, "machine"));
+        output.write(fmt::format("{} in {}{}\n",
                                  found.empty() ? "nothing found" : fmt::format("{}", fmt::join(found, ", ")),
-                                 counted(counts.files, "file")));
+                                 counted(counts.files, "file"), gaps));
     }
 
   private:
@@ -116,16 +120,31 @@ class TextFindings final : public FindingWriter {
                 output.write(fmt::format("    {}: {}\n", label, shownText(*text)));
             }
         }
+        if (verbose && finding.witness) {
+            writeWitness(*finding.witness);
+        }
+    }
+
+    void writeWitness(const Witness& witness) {
+        std::string lines = "    for example:\n";
+        for (const EventRecord& each : witness.events) {
+            lines += "        " + shownText(jsonOf(each)) + "\n";
+        }
+        if (!witness.draws.empty()) {
+            lines += fmt::format("    with the draws {}\n", fmt::join(witness.draws, ", "));
+        }
+        output.write(lines);
     }
 
     Output& output;
     const bool coloured;
+    const bool verbose;
 };
 
 }  // namespace
 
-std::unique_ptr<FindingWriter> textFindings(Output& output, bool coloured) {
-    return std::make_unique<TextFindings>(output, coloured);
+std::unique_ptr<FindingWriter> textFindings(Output& output, bool coloured, bool verbose) {
+    return std::make_unique<TextFindings>(output, coloured, verbose);
 }
 
 }  // namespace Brenta::OS::VIG::Tool

@@ -13,8 +13,8 @@ struct WarningName {
 };
 
 inline constexpr WarningName kWarningNames[] = {
-    {"unreachable-state", "no chain of transitions leads to the state from \"start\""},
-    {"shadowed-transition", "an earlier transition always fires instead"},
+    {"unreachable-state", "the machine never comes to the state"},
+    {"shadowed-transition", "earlier transitions always fire instead"},
     {"endless-entering", "a cycle of EnteringState transitions; an error if none of them has a filter"},
     {"never-true", "a filter that is always false, or filters that contradict each other"},
     {"always-true", "a filter that is always true"},
@@ -25,7 +25,9 @@ inline constexpr WarningName kWarningNames[] = {
     {"nul-character", "a NUL in a text: in an operator what follows it is ignored, elsewhere it is cut off by others"},
     {"context-ignored", "a comparison that never looks at the context"},
     {"function-fallback", "an unknown function that reads as 0 or as the empty text"},
-    {"trigger-storm", "a trigger for every event"},
+    {"trigger-storm", "a trigger again and again while equal events come"},
+    {"mixed-processes", "a trigger to which events of different processes lead"},
+    {"missing-falls-through", "a number that an event may lack, so that a later transition fires instead"},
     {"unknown-key", "a key that is ignored"},
     {"duplicate-key", "a key that is overwritten by a later one"},
     {"duplicate-id", "a configuration id that an earlier configuration has"},

@@ -9,8 +9,9 @@
 #include <vector>
 
 #include "tools/vig/catalogue/Catalogue.h"
+#include "tools/vig/check/Evidence.h"
 #include "tools/vig/check/Findings.h"
-#include "tools/vig/check/StateGraph.h"
+#include "tools/vig/decide/Behaviour.h"
 #include "tools/vig/document/RuleModel.h"
 #include "vig/parsers/VIGParserConfig.h"
 
@@ -26,11 +27,27 @@ void appendKeyWarnings(const DocumentText& document, std::vector<Finding>& found
 // "configs" is an array.
 void appendIdWarnings(const DocumentText& document, std::vector<Finding>& found);
 
+// It says what judging the filters of a transition has come to.
+struct FilterLogic {
+    Answer holds = Answer::Yes;  // whether an event can fulfil all of them
+    bool isConditional = false;  // one of them is not always true
+};
+
+// It is a machine that is judged, and what has come of it so far.
+struct Judged {
+    const ConfigModel& config;
+    const std::size_t index;           // among those of the document that the library accepts
+    const Surroundings& surroundings;  // with an empty context
+    Behaviour& possible;  // may have any context of which the catalogue knows: what it cannot do never happens
+    Behaviour& shown;     // has an empty context: what it can do can be shown
+    Evidence& evidence;
+    std::vector<FilterLogic> logics = {};  // of the transitions
+    bool wasCut = false;                   // something was not decided besides
+};
+
 // Warns of what is probably a mistake in a configuration that the library accepts, in the order of the text. An
-// endless-entering that nothing can stop is an error. A transition that cannot fire or a state that cannot be reached
-// is named once; what follows from it is not. The functions below do the work.
-void appendRuleWarnings(const ConfigModel& config, const Catalogue& catalogue, const VIGParserConfig& registry,
-                        std::vector<Finding>& found);
+// endless-entering that nothing can stop is an error. The functions below do the work.
+void appendRuleWarnings(Judged& machine, std::vector<Finding>& found);
 
 // Warns of constants that the library reads as another number than is written.
 void appendNumberWarnings(const FilterModel& filter, std::vector<Finding>& found);
@@ -44,20 +61,30 @@ void appendNulWarnings(const TransitionModel& transition, std::vector<Finding>& 
 void appendAttributeWarnings(const TransitionModel& transition, const Catalogue& catalogue,
                              const VIGParserConfig& registry, std::vector<Finding>& found);
 
-// Returns what the filters come to. Warns of those that are always or never true, and that contradict each other.
-FilterLogic judgeFilters(const TransitionModel& transition, const VIGParserConfig& registry,
-                         std::vector<Finding>& found);
+// Returns what the filters come to. Warns of those that are always or never true, and that contradict each other. What
+// has been found since that place is about the transition.
+FilterLogic judgeFilters(Judged& machine, std::size_t transition, std::size_t since, std::vector<Finding>& found);
 
-// Warns of transitions that never fire because an earlier one always does instead, and marks them.
-void appendShadowWarnings(StateGraph& graph, std::vector<Finding>& found);
+// The functions that follow REQUIRE that the filters have been judged.
 
-// Warns of cycles of EnteringState transitions; one that nothing can stop is an error. REQUIRES: shadowed transitions
-// are marked.
-void appendEnteringWarnings(const StateGraph& graph, std::vector<Finding>& found);
+// Warns of transitions that never fire because an earlier one always does instead.
+void appendShadowWarnings(Judged& machine, std::vector<Finding>& found);
 
-// Warns of states that nothing leads to or that cannot be left, of triggers that fire at every event, and of
-// transitions on timeouts. REQUIRES: shadowed transitions are marked.
-void appendStateWarnings(const StateGraph& graph, const Catalogue& catalogue, std::vector<Finding>& found);
+// Warns of cycles of EnteringState transitions; one that nothing can stop is an error.
+void appendEnteringWarnings(Judged& machine, std::vector<Finding>& found);
+
+// Warns of states that the machine never comes to or that it cannot leave, and of transitions on timeouts.
+void appendStateWarnings(Judged& machine, std::vector<Finding>& found);
+
+// Warns of triggers to which equal events lead again and again.
+void appendStormWarnings(Judged& machine, std::vector<Finding>& found);
+
+// Warns of filters that are false where an event lacks the attribute, so that a transition fires that is meant for
+// something else.
+void appendFallThroughWarnings(Judged& machine, std::vector<Finding>& found);
+
+// Warns of a trigger to which events of several processes lead.
+void appendProcessWarnings(Judged& machine, std::vector<Finding>& found);
 
 // Returns the attributes that the action needs and events of the type are known not to have, as a list for people.
 std::string missingFor(const ActionModel& action, RulesEngine::EventType event, const Catalogue& catalogue);

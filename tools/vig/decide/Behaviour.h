@@ -146,6 +146,9 @@ class Behaviour {
 
     Verdict decide(const Junction& junction, const Junction::Question& question, Values which = Values::Recordable);
 
+    // Tells whether an event can fulfil the question.
+    Answer answerTo(const Junction& junction, const Junction::Question& question);
+
     // Returns true if something was left undecided since the object was made.
     bool hasGaps() const { return wasCut; }
 
@@ -182,7 +185,6 @@ class Behaviour {
         bool isWhole = true;  // otherwise others may fire, too
     };
 
-    Answer answerTo(const Junction& junction, const Junction::Question& question);
     void explore();
     void arrive(std::size_t state, Arrival arrival, std::vector<bool>& seen, std::vector<std::size_t>& waiting);
     const Entering& enteringOf(std::size_t state);

@@ -25,12 +25,16 @@ struct CellSet {
 
     CellSet complement() const { return {first, last, !isInside, !absent, !nan}; }
     bool has(Scale::Cell cell) const { return (first <= cell && cell < last) == isInside; }
+
+    auto operator<=>(const CellSet&) const = default;
 };
 
 // One of the literals of a clause has to hold, and each clause of a question.
 struct Literal {
     std::size_t variable;
     CellSet cells;
+
+    auto operator<=>(const Literal&) const = default;
 };
 using Clause = std::vector<Literal>;
 
@@ -43,8 +47,9 @@ struct Variable {
     bool canBePresent = true;
     bool isNamedInUtf8 = true;  // otherwise no record can hold it
     bool canBeAbsent = true;
-    bool isPromised = false;  // events of the type are known to have it
-    bool isCompared = false;  // with another attribute
+    bool isPromised = false;    // events of the type are known to have it
+    bool isCompared = false;    // with another attribute
+    bool isAskedAlone = false;  // somewhere the event alone is asked for it, and not the context
 };
 
 struct Relation {

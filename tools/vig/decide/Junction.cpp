@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <set>
 #include <string>
 
 #include "tools/vig/document/NormalFilter.h"
@@ -98,6 +99,13 @@ Junction::Junction(std::vector<const TransitionModel*> listening, EventType even
             listener.fails.push_back(meaning.fails.front());
         }
     }
+    std::set<Clause> asked;
+    for (Listener& listener : transitions) {
+        listener.earlier = passing.size();
+        if (asked.insert(listener.fails).second) {
+            passing.push_back(&listener.fails);
+        }
+    }
     std::ranges::for_each(further, [this](Meaning& each) { giveMeaning(each); });
 }
 
@@ -117,7 +125,9 @@ Junction::Meaning Junction::readFilter(const FilterModel& filter) {
         if (side->kind != Side::Kind::Attribute) {
             continue;
         }
-        Scale& scale = space.variables[variableOf(side->name, filter.valueType)].scale;
+        Variable& variable = space.variables[variableOf(side->name, filter.valueType)];
+        variable.isAskedAlone = variable.isAskedAlone || !looksInContext;
+        Scale& scale = variable.scale;
         if (other->kind == Side::Kind::Fixed) {
             scale.add(other->value);
         } else if (other->kind == Side::Kind::Draw) {
@@ -264,9 +274,9 @@ void Junction::giveMeaning(Meaning& meaning) {
             failing = comparedWith(other, negated(seen), variable, meaning);
             failing.nan = !cells.nan;
         }
-        // What a machine's own event has is its context, and what that lacks is nowhere.
-        const bool isOfEvent = type != EventType::EnteringState;
-        if (isOfEvent && looksInContext && isOfOpenContext(space.variables[variable].name, kind)) {
+        // Where all filters look in both, as those of a machine's own event do, it does not matter where they find it.
+        if (looksInContext && space.variables[variable].isAskedAlone &&
+            isOfOpenContext(space.variables[variable].name, kind)) {
             cells.absent = failing.absent = true;
         }
         both({variable, cells}, {variable, failing});
@@ -313,10 +323,8 @@ Literal Junction::relation(const Meaning& meaning) {
 }
 
 Junction::Question Junction::toReach(const Target& target) const {
-    Question question;
-    for (std::size_t index = 0; index < target.transition; ++index) {
-        question.push_back(&transitions[index].fails);
-    }
+    const auto earlier = static_cast<std::ptrdiff_t>(transitions[target.transition].earlier);
+    Question question(passing.begin(), passing.begin() + earlier);
     for (const Clause* const each :
          toHold(target.transition, target.filter.value_or(transitions[target.transition].filters.size()))) {
         question.push_back(each);
@@ -328,11 +336,7 @@ Junction::Question Junction::toReach(const Target& target) const {
 }
 
 Junction::Question Junction::toPass() const {
-    Question question;
-    for (const Listener& each : transitions) {
-        question.push_back(&each.fails);
-    }
-    return question;
+    return passing;
 }
 
 Junction::Question Junction::toHold(std::size_t transition, std::size_t filters) const {

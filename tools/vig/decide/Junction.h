@@ -128,7 +128,8 @@ class Junction {
     struct Listener {
         const TransitionModel* model;
         std::vector<Meaning> filters;
-        Clause fails;  // one of its filters does
+        Clause fails;             // one of its filters does
+        std::size_t earlier = 0;  // so many of the clauses of `passing` are about transitions before it
     };
 
     Meaning readFilter(const FilterModel& filter);
@@ -159,6 +160,7 @@ class Junction {
     Space space;
     std::map<std::pair<FilterValueType, std::string_view>, std::size_t> variables;
     std::vector<Listener> transitions;
+    Question passing;  // that the transitions fail, in their order; what several ask is there once
     std::vector<Meaning> further;
     std::map<std::size_t, std::pair<Clause, Clause>> presence;  // by variable: that it is there, that it is not
 };

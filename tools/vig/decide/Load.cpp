@@ -4,6 +4,8 @@
 #include <limits>
 #include <numeric>
 
+#include "tools/vig/decide/Components.h"
+
 namespace Brenta::OS::VIG::Tool {
 
 namespace {
@@ -35,10 +37,14 @@ class WaitGraph {
                 }
             }
         }
-        findComponents();
+        std::vector<std::vector<std::size_t>> successors(outgoing.size());
+        for (const Arrow& each : arrows) {
+            successors[each.from].push_back(each.edge.to);
+        }
+        components.emplace(successors);
     }
 
-    bool isCircular(const Arrow& arrow) const { return component[arrow.from] == component[arrow.edge.to]; }
+    bool isCircular(const Arrow& arrow) const { return components->of[arrow.from] == components->of[arrow.edge.to]; }
 
     RouteStep stepOf(const Arrow& arrow) const {
         const auto& triggers = machine.triggersOf(arrow.edge.transition);
@@ -51,66 +57,21 @@ class WaitGraph {
     Behaviour& machine;
     std::vector<Arrow> arrows;
     std::vector<std::vector<std::size_t>> outgoing;
-    std::vector<std::size_t> component;  // of each state; arrows to others lead to lower numbers
-    std::size_t componentCount = 0;
-
-  private:
-    // Tarjan's algorithm, with the stack of calls as a list.
-    void findComponents() {
-        component.assign(outgoing.size(), kNone);
-        std::vector<std::size_t> order(outgoing.size(), kNone);
-        std::vector<std::size_t> lowest(outgoing.size());
-        std::vector<std::size_t> open;
-        std::size_t count = 0;
-        for (std::size_t root = 0; root < outgoing.size(); ++root) {
-            std::vector<std::pair<std::size_t, std::size_t>> calls;
-            const auto enter = [&](std::size_t state) {
-                order[state] = lowest[state] = count++;
-                open.push_back(state);
-                calls.emplace_back(state, 0);
-            };
-            if (order[root] == kNone) {
-                enter(root);
-            }
-            while (!calls.empty()) {
-                auto& [state, next] = calls.back();
-                if (next < outgoing[state].size()) {
-                    const std::size_t to = arrows[outgoing[state][next++]].edge.to;
-                    if (order[to] == kNone) {
-                        enter(to);
-                    } else if (component[to] == kNone) {
-                        lowest[state] = std::min(lowest[state], order[to]);
-                    }
-                    continue;
-                }
-                const std::size_t done = state;
-                if (lowest[done] == order[done]) {
-                    while (component[done] == kNone) {
-                        component[open.back()] = componentCount;
-                        open.pop_back();
-                    }
-                    ++componentCount;
-                }
-                calls.pop_back();
-                if (!calls.empty()) {
-                    lowest[calls.back().first] = std::min(lowest[calls.back().first], lowest[done]);
-                }
-            }
-        }
-    }
+    std::optional<Components> components;
 };
 
 // Returns the most collections ever, if no circle has one.
 std::uint64_t mostEver(const WaitGraph& graph) {
-    std::vector<std::uint64_t> best(graph.componentCount);
+    std::vector<std::uint64_t> best(graph.components->count);
     std::vector<std::size_t> byComponent(graph.arrows.size());
     std::iota(byComponent.begin(), byComponent.end(), 0);
-    std::ranges::sort(byComponent, {}, [&](std::size_t arrow) { return graph.component[graph.arrows[arrow].from]; });
+    std::ranges::sort(byComponent, {},
+                      [&](std::size_t arrow) { return graph.components->of[graph.arrows[arrow].from]; });
     std::uint64_t most = 0;
     for (const std::size_t index : byComponent) {
         const Arrow& arrow = graph.arrows[index];
-        std::uint64_t& from = best[graph.component[arrow.from]];
-        from = std::max(from, arrow.triggers + best[graph.component[arrow.edge.to]]);
+        std::uint64_t& from = best[graph.components->of[arrow.from]];
+        from = std::max(from, arrow.triggers + best[graph.components->of[arrow.edge.to]]);
         most = std::max(most, from);
     }
     return most;
@@ -267,14 +228,14 @@ Load worstLoad(Behaviour& machine) {
 
 std::vector<std::vector<std::size_t>> statesToStay(Behaviour& machine) {
     const WaitGraph graph(machine);
-    std::vector<bool> isLeft(graph.componentCount);
+    std::vector<bool> isLeft(graph.components->count);
     for (const Arrow& each : graph.arrows) {
-        isLeft[graph.component[each.from]] = isLeft[graph.component[each.from]] || !graph.isCircular(each);
+        isLeft[graph.components->of[each.from]] = isLeft[graph.components->of[each.from]] || !graph.isCircular(each);
     }
-    std::vector<std::vector<std::size_t>> byComponent(graph.componentCount);
-    for (std::size_t state = 0; state < graph.component.size(); ++state) {
-        if (machine.waitsIn(state) && !isLeft[graph.component[state]]) {
-            byComponent[graph.component[state]].push_back(state);
+    std::vector<std::vector<std::size_t>> byComponent(graph.components->count);
+    for (std::size_t state = 0; state < graph.components->of.size(); ++state) {
+        if (machine.waitsIn(state) && !isLeft[graph.components->of[state]]) {
+            byComponent[graph.components->of[state]].push_back(state);
         }
     }
     std::erase_if(byComponent, [](const auto& states) { return states.empty(); });

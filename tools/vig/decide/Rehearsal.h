@@ -31,7 +31,8 @@ struct Witness {
     std::vector<Trial> trials;            // those of all events
     std::vector<std::uint64_t> triggers;  // the events by which it asked for collections
 
-    // Tells whether the machine fired it by the last event, or after that.
+    // Tell whether the machine fired it by the event, the last one or that of the number, or after that.
+    bool fires(std::size_t transition, std::uint64_t event) const;
     bool firesAtTheEnd(std::size_t transition) const;
 };
 

@@ -38,7 +38,7 @@ void appendKind(std::string& line, AttributeKind kind, const AttributeSet& attri
 
 }  // namespace
 
-void writeEvent(Output& output, const EventRecord& record) {
+std::string jsonOf(const EventRecord& record) {
     std::string line = fmt::format("{{\"event\":\"{}\"", nameOf(record.type));
     if (record.timeMs) {
         fmt::format_to(std::back_inserter(line), ",\"time_ms\":{}", *record.timeMs);
@@ -51,8 +51,12 @@ void writeEvent(Output& output, const EventRecord& record) {
     appendKind<double>(line, AttributeKind::Double, record.attributes);
     appendKind<bool>(line, AttributeKind::Bool, record.attributes);
     appendKind<std::string_view>(line, AttributeKind::String, record.attributes);
-    line += "}\n";
-    output.write(line);
+    line += '}';
+    return line;
+}
+
+void writeEvent(Output& output, const EventRecord& record) {
+    output.write(jsonOf(record) + "\n");
 }
 
 }  // namespace Brenta::OS::VIG::Tool

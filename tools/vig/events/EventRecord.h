@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -24,8 +25,9 @@ struct EventRecord {
     bool operator==(const EventRecord&) const = default;
 };
 
-// Writes the record as a line that RecordParser reads back to an equal one.
+// Returns the record as JSON in one line, which RecordParser reads back to an equal one; or writes that line.
 // REQUIRES: doubles are finite; names and strings are well-formed UTF-8; attributes are sorted.
+std::string jsonOf(const EventRecord& record);
 void writeEvent(Output& output, const EventRecord& record);
 
 // It is an event or a context with the attributes of a set, which stays the caller's and must outlive the object.

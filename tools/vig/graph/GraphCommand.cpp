@@ -93,14 +93,10 @@ int draw(const std::vector<RuleGraph>& graphs, const GraphOptions& options, cons
     return writeImage(dot, options.format == GraphFormat::Svg ? "svg" : "png", console, interruption);
 }
 
-}  // namespace
-
-int graph(const GraphOptions& options, const Console& console, const Interruption& interruption) {
-    if (options.format == GraphFormat::Png && isatty(console.out) == 1) {
-        console.complain("standard output is a terminal, which cannot show a PNG; redirect it to a file");
-        return kExitUnusable;
-    }
-    TransitionCounter counter;
+// Loads the rules and lets the recording, if there is one, run through them. Returns the exit status if that fails;
+// otherwise `text` is that of the document.
+std::optional<int> run(const GraphOptions& options, TransitionCounter& counter, const Console& console,
+                       const Interruption& interruption, std::string& text) {
     RuleRun rules(options, ReportFormat::None, console, interruption);
     if (!options.events.empty()) {
         rules.observe(counter);
@@ -111,15 +107,28 @@ int graph(const GraphOptions& options, const Console& console, const Interruptio
         }
         return *status;
     }
-    const DocumentModel& document = rules.session().document();
-    const std::vector<Finding> findings = findingsIn(document.text, libraryRegistry(), Catalogue::builtIn());
+    text = rules.session().document().text.source().text();
+    return options.events.empty() ? std::nullopt : replay(options, rules, console, interruption);
+}
+
+}  // namespace
+
+int graph(const GraphOptions& options, const Console& console, const Interruption& interruption) {
+    if (options.format == GraphFormat::Png && isatty(console.out) == 1) {
+        console.complain("standard output is a terminal, which cannot show a PNG; redirect it to a file");
+        return kExitUnusable;
+    }
+    TransitionCounter counter;
+    std::string text;
+    if (const auto status = run(options, counter, console, interruption, text)) {
+        return *status;
+    }
+    const DocumentModel document(options.rules, std::move(text));
+    const Findings findings = findingsIn(document.text, libraryRegistry(), Catalogue::builtIn());
     if (interruption.requested()) {
         return kExitInterrupted;
     }
-    if (const auto status = options.events.empty() ? std::nullopt : replay(options, rules, console, interruption)) {
-        return *status;
-    }
-    return draw(graphsOf(document.configs, findings, counter.traffic), options, console, interruption);
+    return draw(graphsOf(document.configs, findings.all, counter.traffic), options, console, interruption);
 }
 
 constexpr const char* kHelp =

@@ -62,9 +62,8 @@ void MachineGroup::startAnew() {
     for (Machine& each : machines) {
         each.state = each.machine->getStateByName(State::START_STATE);
     }
-    drive(EventType::EnteringState, std::nullopt, true, [](FiniteStateMachine& machine) {
-        machine.enterState(machine.getStateByName(State::START_STATE));
-    });
+    drive(EventType::EnteringState, std::nullopt, true,
+          [](FiniteStateMachine& machine) { machine.enterState(machine.getStateByName(State::START_STATE)); });
 }
 
 void MachineGroup::offer(const EventRecord& record) {

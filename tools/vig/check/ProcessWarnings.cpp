@@ -1,0 +1,218 @@
+// A rule that waits for a second event before it asks for a collection means two events of one process. Nothing makes
+// sure of that but filters on the name.
+//
+// The search goes along events that move the machine, and remembers of the way so far only this: whether every event
+// was bound to a name by filters, or one was not, or two of which one was not. Names that an author has bound are meant
+// to be as they are. A way that comes back to "start" has been forgotten.
+#include "tools/vig/check/Warnings.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <optional>
+#include <string>
+
+#include "tools/vig/catalogue/ActionNeeds.h"
+#include "tools/vig/document/NormalFilter.h"
+#include "tools/vig/words/Text.h"
+
+namespace Brenta::OS::VIG::Tool {
+
+using RulesEngine::EventType;
+
+namespace {
+
+constexpr std::string_view kProcessName = "processName";
+
+FilterModel isNamed(const std::string& name) {
+    return {{},
+            FilterOperator::Equal,
+            FilterValueType::String,
+            {{}, {FilterOperand::Type::Envvar, std::string(kProcessName)}},
+            {{}, {FilterOperand::Type::Constant, name}},
+            nullptr};
+}
+
+// Tells whether the filter alone does so, as most do.
+bool bindsName(const FilterModel& filter) {
+    const NormalFilter normal = normalFormOf(filter);
+    return filter.valueType == FilterValueType::String && normal.op == FilterOperator::Equal &&
+           isAttribute(normal.left) && normal.left.operand.value == kProcessName && isConstant(normal.right) &&
+           !normal.right.operand.value.empty();
+}
+
+std::string nameIn(const EventRecord& record) {
+    return std::string(record.attributes.find<std::string_view>(kProcessName).value_or(""));
+}
+
+class ProcessSearch {
+  public:
+    ProcessSearch(Judged& machine, std::vector<Finding>& found)
+        : machine(machine), behaviour(machine.shown), transitions(machine.config.transitions), found(found) {
+        bindings.resize(transitions.size());
+    }
+
+    void search() {
+        const auto route =
+            behaviour.search([this](std::size_t transition, std::size_t mode) { return optionsOf(transition, mode); });
+        if (route) {
+            report(*route);
+        }
+    }
+
+  private:
+    enum class Binding { NoName, OneName, AnyName };
+    enum Mode : std::size_t { Nothing, Bound, Open, Mixed };
+
+    std::vector<Behaviour::Option> optionsOf(std::size_t transition, std::size_t mode) {
+        const std::size_t to = behaviour.to(transition);
+        const bool moves = to != behaviour.from(transition) || behaviour.chainFrom(to).stops.size() > 1;
+        const auto ways = behaviour.waysToTrigger(transition);
+        const bool leadsOn = moves && to != Behaviour::kStart;
+        if ((!leadsOn && ways.empty()) || !isPromised(transitions[transition].event)) {
+            return {};
+        }
+        const Binding binding = bindingOf(transition);
+        if (binding == Binding::NoName) {
+            return {};
+        }
+        const std::size_t next = mode == Nothing ? (binding == Binding::OneName ? Bound : Open)
+                                 : mode == Bound && binding == Binding::OneName ? Bound
+                                                                                : Mixed;
+        std::vector<Behaviour::Option> options;
+        for (const Junction::Question& way : ways) {
+            if (next == Mixed && behaviour.decide(behaviour.junctionOf(transition), way) == Verdict::Yes) {
+                options.push_back({way, next, true});
+            }
+        }
+        if (leadsOn) {
+            options.push_back({behaviour.junctionOf(transition).toReach(behaviour.targetOf(transition)), next});
+        }
+        return options;
+    }
+
+    bool isPromised(EventType event) const {
+        const CataloguedAttributes* const known = machine.surroundings.catalogue.find(event);
+        const auto place = known != nullptr ? known->find(kProcessName) : CataloguedAttributes::const_iterator();
+        return known != nullptr && place != known->end() && place->second.has(AttributeKind::String);
+    }
+
+    // Returns of what processes events can be that fire the transition.
+    Binding bindingOf(std::size_t transition) {
+        std::optional<Binding>& known = bindings[transition];
+        if (!known) {
+            known = findBinding(transition);
+        }
+        return *known;
+    }
+
+    Binding findBinding(std::size_t transition) {
+        if (std::ranges::any_of(transitions[transition].filters, bindsName)) {
+            return Binding::OneName;
+        }
+        const Junction& junction = behaviour.junctionOf(transition);
+        const auto event = junction.eventFor(junction.toReach(behaviour.targetOf(transition)), behaviour.budget());
+        if (!event) {
+            return Binding::NoName;
+        }
+        const std::string name = nameIn(*event);
+        if (name.empty()) {
+            return Binding::AnyName;  // nothing is asked of it
+        }
+        const FilterModel named = isNamed(name);
+        const FilterModel* const further[] = {&named};
+        std::vector<const TransitionModel*> listening;
+        const Junction::Target target = behaviour.targetOf(transition);
+        for (std::size_t index = 0; index <= target.transition; ++index) {
+            listening.push_back(&junction.transition(index));
+        }
+        const Junction extended(std::move(listening), junction.event(), further, machine.surroundings);
+        Junction::Question question = extended.toReach(target);
+        question.push_back(&extended.furtherFails(0));
+        question.push_back(&extended.present(AttributeKind::String, kProcessName));
+        return behaviour.decide(extended, question) == Verdict::Yes ? Binding::AnyName : Binding::OneName;
+    }
+
+    // Lets one of two events have another name than the other one.
+    void report(const Route& route) {
+        const auto isOpen = [&](const RouteStep& each) { return bindingOf(each.transition) == Binding::AnyName; };
+        const std::size_t last = route.steps.size() - 1;
+        const std::size_t open =
+            last - static_cast<std::size_t>(std::find_if(route.steps.rbegin(), route.steps.rend(), isOpen) -
+                                            route.steps.rbegin());
+        const std::size_t other = open == last ? last - 1 : last;
+        const TransitionModel& model = transitions[route.steps.back().transition];
+        const auto action =
+            std::ranges::find_if(model.actions, [](const ActionModel& each) { return startsCollection(each.key); });
+        const auto event = behaviour.junctionOf(route.steps[other].transition)
+                               .eventFor(route.steps[other].question, behaviour.budget());
+        const std::string name = event ? nameIn(*event) : "";
+        const FilterModel named = isNamed(name.empty() ? "app" : name);
+        const FilterModel plain = isNamed(name == "camera" ? "app" : "camera");
+        const FilterModel* const further[] = {&named, &plain};
+        Behaviour extended(machine.config, machine.surroundings, further);
+        Route mixed{route.startStop, {}};
+        for (std::size_t index = 0; index <= last; ++index) {
+            RouteStep step = route.steps[index];
+            const Junction& junction = extended.junctionOf(step.transition);
+            step.question = junction.toReach(step.target);
+            if (index == last) {
+                for (const ActionNeed& need : findAction(action->key)->needs) {
+                    step.question.push_back(&junction.present(need.kind, need.attribute));
+                }
+            }
+            if (index == open || index == other) {
+                step.question.push_back(&junction.present(AttributeKind::String, kProcessName));
+                step.question.push_back(index == other ? &junction.furtherHolds(0) : &junction.furtherHolds(1));
+                if (index == open && extended.decide(junction, step.question) != Verdict::Yes) {
+                    step.question.back() = &junction.furtherFails(0);
+                }
+            }
+            mixed.steps.push_back(std::move(step));
+        }
+        const auto plan = extended.planFor(mixed);
+        machine.wasCut = machine.wasCut || extended.hasGaps();
+        const auto isConfirmed = [&](const Witness& witness) {
+            for (std::size_t index = 0; index <= last; ++index) {
+                if (!witness.fires(route.steps[index].transition, index + 1)) {
+                    return false;
+                }
+            }
+            return std::ranges::count(witness.triggers, last + 1) > 0 &&
+                   nameIn(witness.events[open]) != nameIn(witness.events[other]);
+        };
+        const auto witness =
+            machine.evidence.show(machine.index, plan, "mixed-processes at " + action->place.path, isConfirmed);
+        if (!witness) {
+            return;
+        }
+        const auto pathOf = [&](std::size_t step) {
+            const std::string& path = transitions[route.steps[step].transition].place.path;
+            return path.substr(path.rfind("transitions["));
+        };
+        warn(found, "mixed-processes", action->place,
+             "the events that lead to " + shownQuoted(action->name) +
+                 " may come from different processes: " + pathOf(std::min(open, other)) + " fires for one, and " +
+                 pathOf(std::max(open, other)) + " for another",
+             "add the same filter on processName to both of them");
+        found.back().witness = witness;
+    }
+
+    Judged& machine;
+    Behaviour& behaviour;
+    const std::vector<TransitionModel>& transitions;
+    std::vector<Finding>& found;
+    std::vector<std::optional<Binding>> bindings;
+};
+
+}  // namespace
+
+void appendProcessWarnings(Judged& machine, std::vector<Finding>& found) {
+    for (std::size_t index = 0; index < machine.config.transitions.size(); ++index) {
+        if (!machine.shown.waysToTrigger(index).empty()) {
+            ProcessSearch(machine, found).search();
+            return;
+        }
+    }
+}
+
+}  // namespace Brenta::OS::VIG::Tool
