@@ -50,6 +50,8 @@ class ProveRun {
         for (const std::string& path : options.rules) {
             if (const auto text = read(path)) {
                 proveDocument(path, *text);
+                // Whatever becomes of the next document, this one's answers are told.
+                out.flush();
             }
             if (interruption.requested()) {
                 return kExitInterrupted;
