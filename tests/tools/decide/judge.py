@@ -216,6 +216,7 @@ class Case:
                     for config in document["configs"]]
 
         self.machines = machines_in(context_of(self.context))
+        self.without_context = machines_in(context_of({}))
         self.properties, self.verdicts = [], []
         for number in range(rng.randint(3, 8)):
             own = {"context": words.context()} if rng.random() < 0.2 else {}
@@ -330,6 +331,23 @@ class Case:
                 self.expect(f"property {number}", "holds" if verdict else "fails", answer)
         self.expect("exit status of test", int(bool(failed)), done.returncode)
 
+    def compare_generated(self):
+        """The generated tests pass, reach all that can be reached, and what is said to be out of reach is the rest."""
+        made = self.vig("test", "--generate", "rules.json")
+        (self.folder / "generated.test.json").write_text(made.stdout)
+        done = self.vig("test", "--coverage", "generated.test.json")
+        self.expect(f"exit status of generated tests, which say {done.stderr}", (0, 0),
+                    (made.returncode, done.returncode))
+        gaps, told = (re.findall(r"never (\w+):.* \[(configs\S*)\](?:: .*)?$", text, re.MULTILINE)
+                      for text in (done.stdout, made.stderr))
+        self.expect("what generated tests do not reach", sorted(told), sorted(gaps))
+        dead = {f"configs[{index}].payload.data.transitions[{number}]"
+                for index, machine in enumerate(self.without_context) for number in range(len(machine.transitions))
+                if machine.reached.transitions.get(number) is None}
+        self.expect("transitions that generated tests do not fire", dead,
+                    {path for what, path in gaps if what == "fired"})
+        self.counts["generated test files"] += 1
+
 
 def as_rate(rate):
     return {"triggers": rate.numerator, "events": rate.denominator}
@@ -339,7 +357,7 @@ def judge(program, keep, seed):
     """Returns the counts of one document and its disagreements."""
     with tempfile.TemporaryDirectory(prefix="judge-") as folder:
         case = Case(program, seed, pathlib.Path(folder))
-        for compare in (case.compare_prove, case.compare_properties):
+        for compare in (case.compare_prove, case.compare_properties, case.compare_generated):
             try:
                 compare()
             except (LookupError, TypeError, ValueError, subprocess.TimeoutExpired) as error:

@@ -193,10 +193,12 @@ What cannot be used is told, and the others are decided.
   vig: error: w/0-load.jsonl: Is a directory
   [2]
 
-An interruption ends it.
+An interruption ends it, after what was decided before.
 
-  $ mkfifo in
-  $ vig prove /dev/fd/5 5<>in &
+  $ mkfifo in out.pipe
+  $ vig prove round.json /dev/fd/5 5<>in >out.pipe &
+  $ exec 4<out.pipe
+  $ while read -r line && [[ $line != *apart ]]; do :; done <&4
   $ kill $!
   $ wait $!
   [130]

@@ -44,6 +44,7 @@ std::vector<Finding> readerErrors(const SourceText& source, const std::string& t
 void judge(const DocumentText& document, const std::vector<Json::ArrayIndex>& accepted, const VIGParserConfig& registry,
            const Catalogue& catalogue, Findings& findings) {
     std::vector<ConfigModel> configs;
+    configs.reserve(accepted.size());
     for (const Json::ArrayIndex index : accepted) {
         configs.push_back(modelOf(document, index));
     }

@@ -16,8 +16,7 @@ namespace {
 class StateJudge {
   public:
     StateJudge(Judged& machine, std::vector<Finding>& found)
-        : machine(machine),
-          behaviour(machine.possible),
+        : behaviour(machine.possible),
           transitions(machine.config.transitions),
           found(found),
           outgoing(behaviour.stateCount()),
@@ -117,7 +116,6 @@ class StateJudge {
         return "the machine never comes to " + name + reason;
     }
 
-    Judged& machine;
     Behaviour& behaviour;
     const std::vector<TransitionModel>& transitions;
     std::vector<Finding>& found;

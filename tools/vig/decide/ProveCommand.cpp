@@ -50,6 +50,8 @@ class ProveRun {
         for (const std::string& path : options.rules) {
             if (const auto text = read(path)) {
                 proveDocument(path, *text);
+                // Whatever becomes of the next document, this one's answers are told.
+                out.flush();
             }
             if (interruption.requested()) {
                 return kExitInterrupted;
@@ -207,8 +209,8 @@ int prove(const ProveOptions& options, const Console& console, const Interruptio
 constexpr const char* kHelp =
     R"(For each machine: the states that it can reach and the transitions that can fire, with the length of the shortest
 recording that gets it there; where it stays for ever; and how many triggers it can cause at worst, how near to each
-other. Events are any that records can hold, and draws may be any. The library has played all recordings before. With
---witness, each answer names its file, and the draws to replay it with: `vig run RULES` takes both, and --context.
+other. Events may be any that a record can hold, and draws any. The library has played each recording before it is
+shown. With --witness, each answer names its file and the draws to replay it with, as `vig run RULES` takes them.
 
 Exit status: 0 all is decided, 1 something is not, 2 a document is refused or cannot be read, or the library does not do
 what was decided.

@@ -32,13 +32,16 @@ namespace Brenta::OS::VIG::Tool {
 
 namespace {
 
+const std::string kFault = "a fault of vig: the library does otherwise than was decided: ";
+
 // It is one thing to reach.
 struct Goal {
     Coverage::Target target;
     std::string name;  // of a test for it
     Answer answer;
-    std::optional<Route> route = {};      // if the answer is yes, unless another goal's leads here, too
-    std::optional<Witness> witness = {};  // unless that of another goal has reached it
+    std::optional<Route> route = {};        // if the answer is yes, unless another goal's leads here, too
+    std::optional<Witness> witness = {};    // unless that of another goal has reached it
+    std::vector<std::size_t> reached = {};  // the goals that this witness was the first to reach
 };
 
 // Decides what can be reached, and how. It stands in for the platform as long as it lives.
@@ -169,11 +172,20 @@ class GoalFinder {
         goal.witness = rehearsal.play(index, *plan);
         for (const Witness::Trial& each : goal.witness->trials) {
             std::size_t number = firstGoals[index][each.transition];
-            isReached[number] = isReached[number] || each.fired;
+            if (each.fired) {
+                note(goal, number);
+            }
             for (const bool verdict : each.verdicts) {
-                isReached[number + (verdict ? 1 : 2)] = true;
+                note(goal, number + (verdict ? 1 : 2));
                 number += 2;
             }
+        }
+    }
+
+    void note(Goal& goal, std::size_t reached) {
+        if (!isReached[reached]) {
+            isReached[reached] = true;
+            goal.reached.push_back(reached);
         }
     }
 
@@ -318,7 +330,7 @@ class TestWriter {
         goals = std::move(finder.goals);
         rehearsed = std::move(finder.rehearsed);
         if (!finder.fault.empty()) {
-            fail("a fault of vig: the library does otherwise than was decided: " + finder.fault);
+            fail(kFault + finder.fault);
         }
         return finder.fault.empty();
     }
@@ -326,7 +338,11 @@ class TestWriter {
     // Returns false if it was interrupted.
     bool write() {
         for (const std::size_t each : rehearsed) {
-            if ((!coverage.hasRun() || !coverage.reaches(goals[each].target)) &&
+            // The machines of the document run together, so that a test of one may have done it for another.
+            const auto isCovered = [&](std::size_t goal) {
+                return coverage.hasRun() && coverage.reaches(goals[goal].target);
+            };
+            if (!std::ranges::all_of(goals[each].reached, isCovered) &&
                 !add(each, goals[each].name, *goals[each].witness)) {
                 return false;
             }
@@ -355,6 +371,9 @@ class TestWriter {
         for (const Goal& each : goals) {
             if (coverage.reaches(each.target)) {
                 continue;
+            }
+            if (each.answer == Answer::Yes) {
+                return fail(kFault + each.name);
             }
             const bool isUndecided = each.answer == Answer::Undecided;
             status = isUndecided ? kExitRefused : status;
