@@ -108,6 +108,19 @@ What events show is shown by them on demand, and always to programs. They are as
   > EOF
   $ sed -i 's/{"configs":\[/&{"id":true},/' shown.json
   $ vig check shown.json --verbose | tail -13
+      hint: a number is needed
+  shown.json:1:590: warning: "TriggerVelora" asks for a collection once in 2 ProcessMemoryHeartBeat events as long as their values stay the same: they lead from "start" to "hot" to "start" [trigger-storm]
+      \xe2\x80\xa6onstant","value":"102400"}}],"actions":[{"name":"TriggerVelora"}]},{"from_state":"hot","to_state":"s\xe2\x80\xa6 (esc)
+                                               ^~~~~~~~~~~~~~~~~~~~~~~~
+      path: configs[2].payload.data.transitions[0].actions[0]
+      hint: let the filters on the way exclude each other, or add the filter PseudoRandomDouble() < 0.1
+      for example:
+          {"event":"ProcessMemoryHeartBeat","int64":{"vmRssKB":204801,"vmSwapKB":1},"string":{"processName":"app"}}
+          {"event":"ProcessMemoryHeartBeat","int64":{"vmRssKB":204801,"vmSwapKB":1},"string":{"processName":"app"}}
+          {"event":"ProcessMemoryHeartBeat","int64":{"vmRssKB":204801,"vmSwapKB":1},"string":{"processName":"app"}}
+          {"event":"ProcessMemoryHeartBeat","int64":{"vmRssKB":204801,"vmSwapKB":1},"string":{"processName":"app"}}
+      with the draws 0.5
+  2 errors, 1 warning in 1 file
   $ vig check shown.json --format json | grep -o '"witness".*'
   "witness":{"events":[{"event":"ProcessMemoryHeartBeat","int64":{"vmRssKB":204801,"vmSwapKB":1},"string":{"processName":"app"}},{"event":"ProcessMemoryHeartBeat","int64":{"vmRssKB":204801,"vmSwapKB":1},"string":{"processName":"app"}},{"event":"ProcessMemoryHeartBeat","int64":{"vmRssKB":204801,"vmSwapKB":1},"string":{"processName":"app"}},{"event":"ProcessMemoryHeartBeat","int64":{"vmRssKB":204801,"vmSwapKB":1},"string":{"processName":"app"}}],"draws":[0.5]}}
   $ vig check shown.json --format sarif | grep -o '"properties".*' | cut -c1-80

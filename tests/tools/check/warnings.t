@@ -204,7 +204,6 @@ What no event does, by all that filters and transitions leave of it; and what so
   6: mixed-processes [1].actions[0]
   7: mixed-processes [1].actions[0]
   10: mixed-processes [1].actions[0]
-  12: no-way-out [0].to_state, shadowed-transition [2]
   $ named <<EOF
   > start hot Test; hot end Test | integer n > =5; hot start Test
   > start hot Test; hot end Test | integer n > =5; hot hot Test
