@@ -105,7 +105,9 @@ class StateJudge {
         for (const std::size_t each : incoming[state]) {
             const std::string before = shownQuoted(behaviour.stateName(behaviour.from(each)));
             if (behaviour.reaches(behaviour.from(each)) == Answer::No) {
-                reason = reason.empty() && behaviour.from(each) != state ? ", nor to " + before + " before it" : reason;
+                if (reason.empty() && behaviour.from(each) != state) {
+                    reason = ", nor to " + before + " before it";
+                }
             } else if (behaviour.canFire(each) == Answer::No) {
                 reason = ": none of the transitions that could lead there ever fires";
             } else {

@@ -93,6 +93,7 @@ class StormSearch {
     static std::vector<const TransitionModel*> modelsOf(const ConfigModel& config,
                                                         const std::vector<std::size_t>& transitions) {
         std::vector<const TransitionModel*> models;
+        models.reserve(transitions.size());
         for (const std::size_t each : transitions) {
             models.push_back(&config.transitions[each]);
         }

@@ -49,7 +49,7 @@ Behaviour::Behaviour(const ConfigModel& config, const Surroundings& surroundings
         for (const std::size_t index : crossing.transitions) {
             listening.push_back(&config.transitions[index]);
         }
-        crossing.junction = std::make_unique<Junction>(std::move(listening), key.second, further, surroundings);
+        crossing.junction = std::make_unique<Junction>(listening, key.second, further, surroundings);
         for (const std::size_t index : crossing.transitions) {
             sites[index].junction = crossing.junction.get();
             if (key.second != EventType::EnteringState) {

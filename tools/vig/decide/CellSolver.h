@@ -26,7 +26,7 @@ struct CellSet {
     CellSet complement() const { return {first, last, !isInside, !absent, !nan}; }
     bool has(Scale::Cell cell) const { return (first <= cell && cell < last) == isInside; }
 
-    auto operator<=>(const CellSet&) const = default;
+    auto operator<=>(const CellSet&) const = default;  // NOLINT(modernize-use-nullptr): it takes the operator for a 0
 };
 
 // One of the literals of a clause has to hold, and each clause of a question.
@@ -34,7 +34,7 @@ struct Literal {
     std::size_t variable;
     CellSet cells;
 
-    auto operator<=>(const Literal&) const = default;
+    auto operator<=>(const Literal&) const = default;  // NOLINT(modernize-use-nullptr): likewise
 };
 using Clause = std::vector<Literal>;
 

@@ -67,7 +67,7 @@ Value constantOf(const std::string& text, FilterValueType type) {
     return withComparedType(type, [&]<typename T>(std::type_identity<T>) { return Value(readNearest<T>(text)); });
 }
 
-Junction::Junction(std::vector<const TransitionModel*> listening, EventType event,
+Junction::Junction(const std::vector<const TransitionModel*>& listening, EventType event,
                    std::span<const FilterModel* const> furtherFilters, const Surroundings& surroundings)
     : type(event), surroundings(surroundings) {
     space.variables.push_back({FilterValueType::String, {}, Scale(FilterValueType::String), false});

@@ -60,7 +60,7 @@ class Junction {
     using Question = std::vector<const Clause*>;
 
     // `further` are filters about which is asked as well; they are not compared with draws. All must outlive it.
-    Junction(std::vector<const TransitionModel*> listening, RulesEngine::EventType event,
+    Junction(const std::vector<const TransitionModel*>& listening, RulesEngine::EventType event,
              std::span<const FilterModel* const> further, const Surroundings& surroundings);
     Junction(const Junction&) = delete;
     Junction& operator=(const Junction&) = delete;
