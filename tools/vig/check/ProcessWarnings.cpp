@@ -132,6 +132,19 @@ class ProcessSearch {
         return behaviour.decide(extended, question) == Verdict::Yes ? Binding::AnyName : Binding::OneName;
     }
 
+    // Returns the action that asks for a collection in that of the ways to trigger, which are in the order of the
+    // table.
+    static const ActionModel& actionOf(const TransitionModel& transition, std::ptrdiff_t way) {
+        std::vector<const ActionModel*> asking;
+        for (const KnownAction& known : kActions) {
+            const auto action = std::ranges::find(transition.actions, known.name, &ActionModel::key);
+            if (known.startsCollection && action != transition.actions.end()) {
+                asking.push_back(&*action);
+            }
+        }
+        return *asking[static_cast<std::size_t>(way)];
+    }
+
     // Lets one of two events have another name than the other one.
     void report(const Route& route) {
         const auto isOpen = [&](const RouteStep& each) { return bindingOf(each.transition) == Binding::AnyName; };
@@ -140,9 +153,9 @@ class ProcessSearch {
             last - static_cast<std::size_t>(std::find_if(route.steps.rbegin(), route.steps.rend(), isOpen) -
                                             route.steps.rbegin());
         const std::size_t other = open == last ? last - 1 : last;
-        const TransitionModel& model = transitions[route.steps.back().transition];
-        const auto action =
-            std::ranges::find_if(model.actions, [](const ActionModel& each) { return startsCollection(each.key); });
+        const auto ways = behaviour.waysToTrigger(route.steps.back().transition);
+        const auto way = std::ranges::find(ways, route.steps.back().question) - ways.begin();
+        const ActionModel& action = actionOf(transitions[route.steps.back().transition], way);
         const auto event = behaviour.junctionOf(route.steps[other].transition)
                                .eventFor(route.steps[other].question, behaviour.budget());
         const std::string name = event ? nameIn(*event) : "";
@@ -154,12 +167,8 @@ class ProcessSearch {
         for (std::size_t index = 0; index <= last; ++index) {
             RouteStep step = route.steps[index];
             const Junction& junction = extended.junctionOf(step.transition);
-            step.question = junction.toReach(step.target);
-            if (index == last) {
-                for (const ActionNeed& need : findAction(action->key)->needs) {
-                    step.question.push_back(&junction.present(need.kind, need.attribute));
-                }
-            }
+            step.question = index == last ? extended.waysToTrigger(step.transition)[static_cast<std::size_t>(way)]
+                                          : junction.toReach(step.target);
             if (index == open || index == other) {
                 step.question.push_back(&junction.present(AttributeKind::String, kProcessName));
                 step.question.push_back(index == other ? &junction.furtherHolds(0) : &junction.furtherHolds(1));
@@ -181,7 +190,7 @@ class ProcessSearch {
                    nameIn(witness.events[open]) != nameIn(witness.events[other]);
         };
         const auto witness =
-            machine.evidence.show(machine.index, plan, "mixed-processes at " + action->place.path, isConfirmed);
+            machine.evidence.show(machine.index, plan, "mixed-processes at " + action.place.path, isConfirmed);
         if (!witness) {
             return;
         }
@@ -189,8 +198,8 @@ class ProcessSearch {
             const std::string& path = transitions[route.steps[step].transition].place.path;
             return path.substr(path.rfind("transitions["));
         };
-        warn(found, "mixed-processes", action->place,
-             "the events that lead to " + shownQuoted(action->name) +
+        warn(found, "mixed-processes", action.place,
+             "the events that lead to " + shownQuoted(action.name) +
                  " may come from different processes: " + pathOf(std::min(open, other)) + " fires for one, and " +
                  pathOf(std::max(open, other)) + " for another",
              "add the same filter on processName to both of them");

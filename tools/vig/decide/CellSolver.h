@@ -49,7 +49,7 @@ struct Variable {
     bool canBeAbsent = true;
     bool isPromised = false;    // events of the type are known to have it
     bool isCompared = false;    // with another attribute
-    bool isAskedAlone = false;  // somewhere the event alone is asked for it, and not the context
+    bool isAskedAlone = false;  // a filter or an action asks the event alone for it, and not the context
 };
 
 struct Relation {

@@ -80,7 +80,7 @@ Junction::Junction(const std::vector<const TransitionModel*>& listening, EventTy
             const KnownAction* const known = findAction(action.key);
             for (const ActionNeed& need : known != nullptr ? known->needs : std::span<const ActionNeed>()) {
                 if (const auto kind = comparedAs(need.kind)) {
-                    variableOf(need.attribute, *kind);
+                    space.variables[variableOf(need.attribute, *kind)].isAskedAlone = true;
                 }
             }
         }

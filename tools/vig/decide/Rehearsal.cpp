@@ -20,7 +20,7 @@ bool Witness::firesAtTheEnd(std::size_t transition) const {
 Rehearsal::Rehearsal(std::string text, const AttributeSet& context)
     : model({}, std::move(text)), tracer(*this), group(context, *this, &tracer), services(group) {
     const auto registry = tracer.registryFrom(withDraws(libraryRegistry(), [this] { return draw(); }));
-    if (const auto parsed = VIGResponseParser().parseFromString(model.text.source().text(), registry); parsed.value) {
+    if (const auto parsed = VIGResponseParser().parse(model.text.root(), registry); parsed.value) {
         group.adopt(tracer.watch(model, *parsed.value));
     }
 }
