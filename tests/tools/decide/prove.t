@@ -195,8 +195,9 @@ What cannot be used is told, and the others are decided.
 
 An interruption ends it.
 
-  $ mkfifo in
-  $ vig prove /dev/fd/5 5<>in &
+  $ mkfifo in err
+  $ vig prove absent /dev/fd/5 5<>in 2>err &
+  $ read -r _ <err
   $ kill $!
   $ wait $!
   [130]
