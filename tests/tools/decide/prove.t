@@ -150,6 +150,10 @@ A context that is given.
   
   rules.json: all machines together: at most 2 triggers in 3 events in the long run
 
+  $ machines >ways.json <<<'start end EnteringState | integer limit > =5'
+  $ vig prove ways.json | grep stays
+    stays  in "start", once there, unless the context has a certain int64 limit
+
 Too many contexts are left undecided.
 
   $ each=$(transition start end Test "$(filters 'integer x == =N' 'integer x > y')")

@@ -97,8 +97,8 @@ struct Verdicts {
     explicit Verdicts(Behaviour& machine) {
         for (std::size_t state = 0; state < machine.stateCount(); ++state) {
             states.push_back(machine.reaches(state));
-            for (const auto& edge :
-                 machine.waitsIn(state) ? machine.edgesFrom(state) : std::vector<Behaviour::Edge>()) {
+            waits.push_back(machine.waitsIn(state));
+            for (const auto& edge : waits.back() ? machine.edgesFrom(state) : std::vector<Behaviour::Edge>()) {
                 edges.push_back({state, edge.transition, edge.to, machine.triggersOf(edge.transition).count});
             }
         }
@@ -109,6 +109,7 @@ struct Verdicts {
 
     std::vector<Answer> states;
     std::vector<Answer> transitions;
+    std::vector<bool> waits;
     std::vector<std::array<std::size_t, 4>> edges;
 };
 
@@ -158,7 +159,7 @@ class Comparison {
         const Verdicts now(machine);
         compare(verdicts.states, now.states, variation, ofOne.states, found.states);
         compare(verdicts.transitions, now.transitions, variation, ofOne.transitions, found.transitions);
-        if (load.isDecided && now.edges != verdicts.edges) {
+        if (load.isDecided && (now.waits != verdicts.waits || now.edges != verdicts.edges)) {
             const Load other = worstLoad(machine);
             const auto keyOf = [](const Load& each) { return std::tuple(each.most, each.rate, each.distance); };
             note(keyOf(other) != keyOf(load), variation, ofOne.load, found.load);
