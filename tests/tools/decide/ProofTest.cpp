@@ -59,6 +59,27 @@ TEST(Proof, IsGivenUpWhenItIsInterrupted) {
     EXPECT_FALSE(proof.load.isDecided);
 }
 
+TEST(Proof, IsGivenUpBehindAChainOfAnyLength) {
+    constexpr int kStates = 100'000;
+    ConfigModel config{};
+    for (int state = 0; state < kStates; ++state) {
+        config.transitions.push_back({{},
+                                      state == 0 ? "start" : std::to_string(state),
+                                      std::to_string(state + 1),
+                                      RulesEngine::EventType::EnteringState,
+                                      {},
+                                      {},
+                                      nullptr});
+    }
+    const VIGParserConfig registry = libraryRegistry();
+    const Catalogue catalogue;
+    const AttributeSet context;
+    Effort none{0};
+    const Surroundings surroundings{registry, catalogue, context, none};
+    Behaviour machine(config, surroundings);
+    EXPECT_EQ(machine.reaches(machine.stateCount() - 1), Answer::Undecided);
+}
+
 }  // namespace
 
 }  // namespace Brenta::OS::VIG::Tool

@@ -199,37 +199,46 @@ void Behaviour::explore() {
     }
 }
 
-void Behaviour::arrive(std::size_t state, Arrival arrival, std::vector<bool>& seen, std::vector<std::size_t>& waiting) {
-    seen[state] = true;
+void Behaviour::arrive(std::size_t entered, Arrival arrival, std::vector<bool>& seen,
+                       std::vector<std::size_t>& waiting) {
     const auto note = [&](Arrival& known) {
         if (arrival.answer < known.answer) {
             known = arrival;
         }
     };
-    const Chain& chain = chainFrom(state);
-    for (arrival.stop = 0; arrival.stop < chain.stops.size(); ++arrival.stop) {
-        const Chain::Stop& stop = chain.stops[arrival.stop];
-        note(visits[stop.state]);
-        if (stop.transition != kNone) {
-            note(followed[stop.transition]);
+    std::vector<std::size_t> states;
+    const auto enter = [&](std::size_t state) {
+        if (!seen[state]) {
+            seen[state] = true;
+            states.push_back(state);
         }
-    }
-    for (const std::size_t rest : chain.rests) {
-        arrival.stop = rest;
-        note(waits[chain.stops[rest].state]);
-        waiting.push_back(chain.stops[rest].state);
-    }
-    // Where the chain was given up, any state may follow to which EnteringState transitions lead.
-    for (std::size_t index = 0; arrival.answer == Answer::Undecided && !chain.isWhole && index < chain.stops.size();
-         ++index) {
-        const std::size_t stop = chain.stops[index].state;
-        note(waits[stop]);
-        waiting.push_back(stop);
-        const Crossing* const crossing = enteringCrossing(stop);
-        for (const std::size_t each : crossing != nullptr ? crossing->transitions : std::vector<std::size_t>()) {
-            note(followed[each]);
-            if (!seen[to(each)]) {
-                arrive(to(each), arrival, seen, waiting);
+    };
+    enter(entered);
+    while (!states.empty()) {
+        const Chain& chain = chainFrom(states.back());
+        states.pop_back();
+        for (arrival.stop = 0; arrival.stop < chain.stops.size(); ++arrival.stop) {
+            const Chain::Stop& stop = chain.stops[arrival.stop];
+            note(visits[stop.state]);
+            if (stop.transition != kNone) {
+                note(followed[stop.transition]);
+            }
+        }
+        for (const std::size_t rest : chain.rests) {
+            arrival.stop = rest;
+            note(waits[chain.stops[rest].state]);
+            waiting.push_back(chain.stops[rest].state);
+        }
+        // Where the chain was given up, any state may follow to which EnteringState transitions lead.
+        for (std::size_t index = 0; arrival.answer == Answer::Undecided && !chain.isWhole && index < chain.stops.size();
+             ++index) {
+            const std::size_t stop = chain.stops[index].state;
+            note(waits[stop]);
+            waiting.push_back(stop);
+            const Crossing* const crossing = enteringCrossing(stop);
+            for (const std::size_t each : crossing != nullptr ? crossing->transitions : std::vector<std::size_t>()) {
+                note(followed[each]);
+                enter(to(each));
             }
         }
     }

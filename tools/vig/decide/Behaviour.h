@@ -186,7 +186,7 @@ class Behaviour {
     };
 
     void explore();
-    void arrive(std::size_t state, Arrival arrival, std::vector<bool>& seen, std::vector<std::size_t>& waiting);
+    void arrive(std::size_t entered, Arrival arrival, std::vector<bool>& seen, std::vector<std::size_t>& waiting);
     const Entering& enteringOf(std::size_t state);
     const Crossing* enteringCrossing(std::size_t state) const;
     Route routeBy(const Arrival& last);
