@@ -47,7 +47,8 @@ struct Goal {
 // Decides what can be reached, and how. It stands in for the platform as long as it lives.
 class GoalFinder {
   public:
-    explicit GoalFinder(std::string text) : rehearsal(std::move(text), context) {
+    GoalFinder(std::string text, const Interruption& interruption)
+        : effort{.interruption = &interruption}, rehearsal(std::move(text), context) {
         for (const ConfigModel& config : rehearsal.document().configs) {
             Behaviour& machine = machines.emplace_back(config, surroundings);
             auto& firsts = firstGoals.emplace_back();
@@ -70,7 +71,7 @@ class GoalFinder {
         });
         for (Goal* const each : byLength) {
             const auto number = static_cast<std::size_t>(each - goals.data());
-            if (isReached[number]) {
+            if (isReached[number] || interruption.requested()) {
                 continue;
             }
             rehearse(*each);
@@ -310,7 +311,7 @@ class TestWriter {
         if (!find(std::move(text))) {
             return kExitUnusable;
         }
-        if (!write()) {
+        if (interruption.requested() || !write()) {
             return kExitInterrupted;
         }
         Output out(console.out);
@@ -326,7 +327,7 @@ class TestWriter {
     }
 
     bool find(std::string text) {
-        GoalFinder finder(std::move(text));
+        GoalFinder finder(std::move(text), interruption);
         goals = std::move(finder.goals);
         rehearsed = std::move(finder.rehearsed);
         if (!finder.fault.empty()) {
