@@ -458,8 +458,12 @@ std::optional<Plan> Behaviour::planFor(const Route& route) {
     plan.odds.push_back(draws.odds);
     for (const RouteStep& step : route.steps) {
         const Junction& junction = junctionOf(step.transition);
-        auto record = junction.eventFor(step.question, effort);
-        if (!record) {
+        const auto [place, isNew] = records.try_emplace({&junction, step.question});
+        std::optional<EventRecord>& record = place->second;
+        if (isNew) {
+            record = junction.eventFor(step.question, effort);
+        }
+        if (!record || !effort.spend(kEffortOfStop)) {
             wasCut = true;
             return std::nullopt;
         }
@@ -467,7 +471,7 @@ std::optional<Plan> Behaviour::planFor(const Route& route) {
         if (!step.target.filter) {
             steer(chainFrom(to(step.transition)), step.stop, endingAfter(plan.events.size() + 1), draws);
         }
-        plan.events.push_back(std::move(*record));
+        plan.events.push_back(*record);
         plan.draws.push_back(std::move(draws.numbers));
         plan.odds.push_back(draws.odds);
     }

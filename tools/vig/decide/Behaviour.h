@@ -206,6 +206,7 @@ class Behaviour {
     std::vector<std::optional<Triggers>> triggers;
     std::vector<std::optional<std::vector<Edge>>> edges;
     std::map<std::size_t, Chain> chains;
+    std::map<std::pair<const Junction*, Junction::Question>, std::optional<EventRecord>> records;
     std::map<std::size_t, Entering> enterings;
     bool isExplored = false;
     std::vector<Arrival> waits;     // of each state: how the machine comes to wait there

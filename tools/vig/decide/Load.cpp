@@ -210,14 +210,14 @@ Load worstLoad(Behaviour& machine) {
         graph.arrows, [&](const Arrow& each) { return each.triggers > 0 && graph.isCircular(each); });
     if (isBounded) {
         load.most = mostEver(graph);
-        const auto shortest = machine.search([&](std::size_t transition, std::size_t count) {
+        const auto optionsOf = [&](std::size_t transition, std::size_t count) {
             const auto& triggers = machine.triggersOf(transition);
             const std::size_t sum = count + triggers.count;
             auto question = triggers.count > 0 ? triggers.question
                                                : machine.junctionOf(transition).toReach(machine.targetOf(transition));
             return std::vector<Behaviour::Option>{{std::move(question), sum, sum == *load.most}};
-        });
-        load.route = *load.most > 0 && shortest ? *shortest : Route();
+        };
+        load.route = *load.most > 0 ? machine.search(optionsOf).value_or(Route()) : Route();
     } else {
         findRate(graph, machine.budget(), load);
     }
