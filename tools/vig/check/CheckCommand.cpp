@@ -94,7 +94,7 @@ void addCheck(CommandLine& commandLine, CheckOptions& options) {
     std::string meanings;
     std::vector<std::string_view> names;
     for (const auto& [name, meaning] : kWarningNames) {
-        meanings += fmt::format("  {:<21}{}\n", name, meaning);
+        meanings += fmt::format("  {:<21} {}\n", name, meaning);
         names.push_back(name);
     }
     Verb verb = commandLine.addVerb("check", "Says what is wrong with rule documents, all at once.",

@@ -35,7 +35,7 @@ std::vector<Finding> readerErrors(const SourceText& source, const std::string& t
         }
     }
     if (found.empty()) {
-        found.push_back({Severity::Error, name, {0, 0, {}}, shortened(text, kMostShownOfMessage), {}});
+        found.push_back({Severity::Error, name, Place{0, 0, {}}, shortened(text, kMostShownOfMessage), {}});
     }
     return found;
 }
