@@ -50,6 +50,7 @@ Verdict CellSolver::solve(const std::vector<const Clause*>& question, Effort& bu
     chosen.assign(space.variables.size(), {});
     values.assign(space.variables.size(), std::nullopt);
     impossible.clear();
+    effort->spend(space.variables.size());
     if (!simplify(question)) {
         return Verdict::No;
     }
@@ -126,7 +127,9 @@ void CellSolver::forEachLeft(const Bits& left, const auto& visit) const {
 CellSolver::Next CellSolver::nextVariable(const Bits& left) const {
     Next next;
     std::vector<std::size_t> weights(space.variables.size());
+    std::size_t looks = weights.size();
     forEachLeft(left, [&](std::size_t index) {
+        looks += clauses[index].size();
         const auto isOpen = [&](const Literal& each) { return chosen[each.variable].kind == Kind::Open; };
         const auto open = std::ranges::count_if(clauses[index], isOpen);
         next.isDead = next.isDead || open == 0;
@@ -136,6 +139,7 @@ CellSolver::Next CellSolver::nextVariable(const Bits& left) const {
             weights[each.variable] += isOpen(each) ? weight : 0;
         }
     });
+    effort->spend(looks);
     std::size_t most = 0;
     for (std::size_t variable = 0; variable < weights.size(); ++variable) {
         const std::size_t beyondAll = clauses.size() * (clauses.size() + 1);
