@@ -4,7 +4,6 @@
 
 #include "tools/vig/decide/ProofWriters.h"
 #include "tools/vig/events/EventNames.h"
-#include "tools/vig/io/Output.h"
 #include "tools/vig/words/Text.h"
 
 namespace Brenta::OS::VIG::Tool {
@@ -25,25 +24,10 @@ std::string_view wordFor(Answer answer) {
     return "no";
 }
 
-std::string lineOf(const EventRecord& record) {
-    std::string line;
-    Output output([&line](std::string_view text) {
-        line += text;
-        return 0;
-    });
-    writeEvent(output, record);
-    output.flush();
-    return line;
-}
-
 std::string jsonOf(const Recording& recording) {
     const std::string path = recording.path.empty() ? "" : ",\"path\":" + quoted(recording.path);
     return fmt::format(R"({{"events":{},"draws":[{}]{}}})",
-                       jsonArray(recording.events,
-                                 [](const EventRecord& each) {
-                                     const std::string line = lineOf(each);
-                                     return line.substr(0, line.find('\n'));
-                                 }),
+                       jsonArray(recording.events, [](const EventRecord& each) { return jsonOf(each); }),
                        fmt::join(recording.draws, ","), path);
 }
 
@@ -80,7 +64,7 @@ std::string jsonOf(const Proof::WorstLoad& load) {
 std::string recordsOf(const Recording& recording) {
     std::string lines;
     for (const EventRecord& each : recording.events) {
-        lines += lineOf(each);
+        lines += jsonOf(each) + "\n";
     }
     return lines;
 }

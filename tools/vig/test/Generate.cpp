@@ -262,13 +262,8 @@ class ExpectationWriter final : public NoReport {
 // Returns the test as the text of an object, as a person would write it.
 std::string textOf(const TestCase& test, const ExpectationWriter& expected) {
     std::vector<std::string> events;
-    Output output([&](std::string_view line) {
-        events.push_back("\n        " + std::string(line.substr(0, line.size() - 1)));
-        return 0;
-    });
     for (const EventRecord& each : *test.events) {
-        writeEvent(output, each);
-        output.flush();
+        events.push_back("\n        " + jsonOf(each));
     }
     std::string text = fmt::format("    {{\n      \"name\": {},\n      \"events\": [{}{}],\n", quoted(test.name),
                                    fmt::join(events, ","), events.empty() ? "" : "\n      ");

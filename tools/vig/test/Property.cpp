@@ -18,7 +18,6 @@
 #include "tools/vig/decide/Rehearsal.h"
 #include "tools/vig/document/Registry.h"
 #include "tools/vig/events/EventNames.h"
-#include "tools/vig/io/Output.h"
 #include "tools/vig/words/Text.h"
 
 namespace Brenta::OS::VIG::Tool {
@@ -372,14 +371,9 @@ std::vector<std::size_t> machinesOf(const Property& property, const std::vector<
 // Shows the counterexample as a failed test shows what happened.
 std::vector<std::string> linesOf(const Counterexample& shown) {
     std::vector<std::string> lines = {"  " + printable(shown.what) + (shown.witness.events.empty() ? "" : ":")};
-    Output output([&](std::string_view line) {
-        lines.push_back("    " + std::string(line.substr(0, line.size() - 1)));
-        return 0;
-    });
     const std::size_t count = shown.witness.events.size();
     for (std::size_t index = 0; index < std::min(count, kMostShownEvents); ++index) {
-        writeEvent(output, shown.witness.events[index]);
-        output.flush();
+        lines.push_back("    " + jsonOf(shown.witness.events[index]));
     }
     if (count > kMostShownEvents) {
         lines.push_back(fmt::format("    and {} more events", count - kMostShownEvents));
