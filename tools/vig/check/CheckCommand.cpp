@@ -85,7 +85,8 @@ int check(const CheckOptions& options, const Console& console, const Interruptio
 constexpr const char* kHelp =
     R"(Errors are what the library refuses, all of them, and cycles without end. Warnings, by name:
 {}
-Exit status: 0 nothing or only warnings, 1 errors, 2 a file cannot be read or vig is at fault. Columns count bytes, in sarif characters.
+Exit status: 0 nothing or only warnings, 1 errors, 2 a file cannot be read or vig is at fault. Columns count
+bytes, in sarif characters.
 
 Example: check before a commit, as strictly as possible, for a service that arms timeouts:
   vig check --strict --allow unused-timeout rules/*.json)";
