@@ -116,10 +116,11 @@ class GoalFinder {
         for (std::size_t filter = 0; filter < transition.filters.size(); ++filter) {
             const FilterModel& model = transition.filters[filter];
             for (const bool outcome : {true, false}) {
-                const std::string condition = "`" + shownCondition(model) + "`";
-                const std::string verdict = outcome ? " is true" : " is false";
-                const std::string name = nameOfTest({condition + verdict, condition + " of " + way + verdict,
-                                                     condition + verdict + " in " + model.place.path});
+                const std::string condition = shownCondition(model);
+                const std::string name =
+                    nameOfTest({fmt::format("`{}` is {}", condition, outcome),
+                                fmt::format("`{}` of {} is {}", condition, way, outcome),
+                                fmt::format("`{}` is {} in {}", condition, outcome, model.place.path)});
                 // Where the transition fires, all its filters are true.
                 if (outcome && fires == Answer::Yes) {
                     add(filter, outcome, name, fires);
