@@ -215,8 +215,8 @@ class Comparison {
         return machine.hasGaps() ? std::nullopt : std::optional(std::move(variations));
     }
 
-    // Where a machine that may have any context comes to what this one never does, all that its own events need on the
-    // way is tried at once. Returns false if that does not show what it takes.
+    // Where a machine that may have any context, a new one at each event, comes to what this one never does, all that
+    // its own events need on the way is tried at once. Returns false if it is not decided what that changes.
     bool tryAllTogether() {
         const Surroundings open{given.registry, given.catalogue, given.context, given.effort,
                                 Surroundings::Context::Open};
@@ -226,13 +226,13 @@ class Comparison {
         };
         for (std::size_t state = 0; state < verdicts.states.size(); ++state) {
             if (isOpen(verdicts.states[state], machine.reaches(state), found.states[state]) &&
-                (!tryOne(changesAlong(machine, machine.routeTo(state))) || found.states[state].empty())) {
+                !tryOne(changesAlong(machine, machine.routeTo(state)))) {
                 return false;
             }
         }
         for (std::size_t index = 0; index < verdicts.transitions.size(); ++index) {
             if (isOpen(verdicts.transitions[index], machine.fires(index), found.transitions[index]) &&
-                (!tryOne(changesAlong(machine, machine.routeToFire(index))) || found.transitions[index].empty())) {
+                !tryOne(changesAlong(machine, machine.routeToFire(index)))) {
                 return false;
             }
         }
