@@ -154,6 +154,13 @@ A context that is given.
   $ vig prove ways.json | grep stays
     stays  in "start", once there, unless the context has a certain int64 limit
 
+So are attributes that only together lead on.
+
+  $ machines >both.json <<<'start a EnteringState | integer limit > =5 ; a end EnteringState | string mode == =b'
+  $ vig prove both.json | grep -E '^    (end|a)'
+      end    never, unless the context has a certain int64 limit, string mode
+      a      never, unless the context has a certain int64 limit
+
 Too many contexts are left undecided.
 
   $ each=$(transition start end Test "$(filters 'integer x == =N' 'integer x > y')")

@@ -129,7 +129,7 @@ class ProcessSearch {
         for (std::size_t index = 0; index <= target.transition; ++index) {
             listening.push_back(&junction.transition(index));
         }
-        const Junction extended(std::move(listening), junction.event(), further, machine.surroundings);
+        const Junction extended(listening, junction.event(), further, machine.surroundings);
         Junction::Question question = extended.toReach(target);
         question.push_back(&extended.furtherFails(0));
         question.push_back(&extended.present(AttributeKind::String, kProcessName));

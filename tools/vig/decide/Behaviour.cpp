@@ -310,6 +310,11 @@ std::optional<Route> Behaviour::routeToOutcome(std::size_t transition, std::opti
     return route;
 }
 
+std::size_t Behaviour::eventsUntilTried(std::size_t transition) const {
+    const bool isEntering = model.transitions[transition].event == EventType::EnteringState;
+    return isEntering ? visits[from(transition)].depth : waits[from(transition)].depth + 1;
+}
+
 std::vector<Junction::Question> Behaviour::waysToTrigger(std::size_t transition) const {
     const Junction& junction = junctionOf(transition);
     std::vector<Junction::Question> ways;

@@ -105,6 +105,10 @@ class Behaviour {
     // to the firing of a transition on an event from outside.
     std::optional<Route> routeToOutcome(std::size_t transition, std::optional<std::size_t> filter, bool outcome);
 
+    // Returns the length of the shortest recording by which the filters of the transition are asked first, in events.
+    // REQUIRES: the machine comes to its state.
+    std::size_t eventsUntilTried(std::size_t transition) const;
+
     // Returns the shortest way to wait in the state. REQUIRES: it can.
     Route routeToWait(std::size_t state);
 

@@ -131,7 +131,11 @@ class Comparison {
         const auto several = changesOfSeveral();
         // What one attribute changes needs no others.
         ofOne = found;
-        return several && tryAll(*several) ? std::optional(std::move(found)) : std::nullopt;
+        if (!several || !tryAll(*several)) {
+            return std::nullopt;
+        }
+        ofOne = found;
+        return tryAllTogether() ? std::optional(std::move(found)) : std::nullopt;
     }
 
   private:
@@ -209,6 +213,55 @@ class Comparison {
             }
         }
         return machine.hasGaps() ? std::nullopt : std::optional(std::move(variations));
+    }
+
+    // Where a machine that may have any context, a new one at each event, comes to what this one never does, all that
+    // its own events need on the way is tried at once. Returns false if it is not decided what that changes.
+    bool tryAllTogether() {
+        const Surroundings open{given.registry, given.catalogue, given.context, given.effort,
+                                Surroundings::Context::Open};
+        Behaviour machine(model, open);
+        const auto isOpen = [](Answer never, Answer ever, const ContextDependence::Names& names) {
+            return never == Answer::No && ever == Answer::Yes && names.empty();
+        };
+        for (std::size_t state = 0; state < verdicts.states.size(); ++state) {
+            if (isOpen(verdicts.states[state], machine.reaches(state), found.states[state]) &&
+                !tryOne(changesAlong(machine, machine.routeTo(state)))) {
+                return false;
+            }
+        }
+        for (std::size_t index = 0; index < verdicts.transitions.size(); ++index) {
+            if (isOpen(verdicts.transitions[index], machine.fires(index), found.transitions[index]) &&
+                !tryOne(changesAlong(machine, machine.routeToFire(index)))) {
+                return false;
+            }
+        }
+        return !machine.hasGaps();
+    }
+
+    Variation changesAlong(Behaviour& machine, const Route& route) const {
+        Variation all;
+        const auto add = [&](const Junction& junction, const Junction::Question& question) {
+            const auto record = junction.eventFor(question, given.effort);
+            for (Change& each : record ? changesTo(record->attributes) : Variation()) {
+                const auto isSame = [&](const Change& other) { return other.text() == each.text(); };
+                if (std::ranges::none_of(all, isSame)) {
+                    all.push_back(std::move(each));
+                }
+            }
+        };
+        const auto follow = [&](const Chain& chain, std::size_t stop) {
+            for (; stop != 0; stop = chain.stops[stop].before) {
+                const std::size_t transition = chain.stops[stop].transition;
+                const Junction& junction = machine.junctionOf(transition);
+                add(junction, junction.toReach(machine.targetOf(transition)));
+            }
+        };
+        follow(machine.chainFrom(Behaviour::kStart), route.startStop);
+        for (const RouteStep& each : route.steps) {
+            follow(machine.chainFrom(machine.to(each.transition)), each.stop);
+        }
+        return all;
     }
 
     static Variation changesTo(const AttributeSet& attributes) {
