@@ -197,6 +197,8 @@ What no event does, by all that filters and transitions leave of it; and what so
   > start hot ProcessMemoryHeartBeat | string processName != =a; hot end ProcessMemoryHeartBeat | string processName >= =a & string processName <= =a $collect
   > start hot SystemMemoryHeartBeat; hot end ProcessMemoryHeartBeat |$collect
   > start hot ProcessMemoryHeartBeat | $same; hot end ProcessMemoryHeartBeat | $same $collect; hot hot ProcessMemoryHeartBeat
+  > start hot ProcessMemoryHeartBeat | $big & $random $collect; hot start EnteringState
+  > start hot Test; hot on ProcessMemoryHeartBeat | $big & $random $collect; on hot EnteringState
   > EOF
   0: trigger-storm [0].actions[0]
   2: trigger-storm [2].actions[0]

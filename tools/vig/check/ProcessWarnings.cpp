@@ -3,7 +3,8 @@
 //
 // The search goes along events that move the machine, and remembers of the way so far only this: whether every event
 // was bound to a name by filters, or one was not, or two of which one was not. Names that an author has bound are meant
-// to be as they are. A way that comes back to "start" has been forgotten.
+// to be as they are. A way that comes back to "start" has been forgotten, and an event after which the machine waits
+// where it was has armed nothing.
 #include "tools/vig/check/Warnings.h"
 
 #include <algorithm>
@@ -65,9 +66,12 @@ class ProcessSearch {
 
     std::vector<Behaviour::Option> optionsOf(std::size_t transition, std::size_t mode) {
         const std::size_t to = behaviour.to(transition);
-        const bool moves = to != behaviour.from(transition) || behaviour.chainFrom(to).stops.size() > 1;
+        const Chain& chain = behaviour.chainFrom(to);
+        const bool leadsOn = to != Behaviour::kStart && std::ranges::any_of(chain.rests, [&](std::size_t stop) {
+                                 const std::size_t state = chain.stops[stop].state;
+                                 return state != Behaviour::kStart && state != behaviour.from(transition);
+                             });
         const auto ways = behaviour.waysToTrigger(transition);
-        const bool leadsOn = moves && to != Behaviour::kStart;
         if ((!leadsOn && ways.empty()) || !isPromised(transitions[transition].event)) {
             return {};
         }
