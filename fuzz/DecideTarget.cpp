@@ -51,7 +51,8 @@ std::optional<EventRecord> recordOf(const reference::Event& event) {
 
 class Judge {
   public:
-    Judge(const std::string& document, const fuzz::Script& script) : rehearsal(document, context) {
+    Judge(const std::string& text, const fuzz::Script& script)
+        : document({}, text), rehearsal(document.configs, context) {
         for (const reference::Event& each : script.events) {
             if (auto record = recordOf(each)) {
                 events.events.push_back(std::move(*record));
@@ -69,10 +70,10 @@ class Judge {
 
     void judgeAll() {
         constexpr std::size_t kMost = 4;  // machines and, of each, four times as many transitions are played
-        for (std::size_t index = 0; index < std::min(rehearsal.document().configs.size(), kMost); ++index) {
+        for (std::size_t index = 0; index < std::min(document.configs.size(), kMost); ++index) {
             Effort effort{20'000'000};
             const Surroundings surroundings{fuzz::registry(), catalogue, context, effort};
-            Behaviour machine(rehearsal.document().configs[index], surroundings);
+            Behaviour machine(document.configs[index], surroundings);
             const std::size_t transitions = std::min(machine.config().transitions.size(), 4 * kMost);
             for (std::size_t each = 0; each < transitions; ++each) {
                 if (machine.fires(each) == Answer::Yes) {
@@ -118,6 +119,7 @@ class Judge {
 
     static const Catalogue catalogue;
     const AttributeSet context;
+    const DocumentModel document;
     Rehearsal rehearsal;
     Plan events;
 };

@@ -20,7 +20,8 @@ Proof proofOf(const std::string& decided, const std::string& rehearsed, const In
     const DocumentModel document("", decided);
     Effort effort{.interruption = interruption};
     Effort forContexts;
-    Rehearsal rehearsal(rehearsed, context);
+    const DocumentModel other("", rehearsed);
+    Rehearsal rehearsal(other.configs, context);
     return prove(document.configs[0], 0, {registry, catalogue, context, effort}, forContexts, rehearsal);
 }
 

@@ -6,14 +6,13 @@ namespace Brenta::OS::VIG::Tool {
 
 // The last one to blame ends the shortest list of candidates that leaves nothing. It stays, and the one before it is
 // found likewise, until those that stay leave nothing by themselves.
-Blame blameFor(Behaviour& machine, const Junction& junction, Junction::Question fixed,
-               const Junction::Question& candidates, Values which) {
+Blame blameFor(Behaviour& machine, const Junction& junction, Clauses fixed, const Clauses& candidates, Values which) {
     constexpr std::size_t kMostAsked = 64;
     Blame blame;
     std::size_t asked = 0;
     const auto isImpossible = [&](std::size_t count) {
-        Junction::Question question = fixed;
-        question.insert(question.end(), candidates.begin(), candidates.begin() + static_cast<std::ptrdiff_t>(count));
+        Junction::Question question{0, fixed};
+        question.add({0, {candidates.begin(), candidates.begin() + static_cast<std::ptrdiff_t>(count)}});
         ++asked;
         return machine.decide(junction, question, which) == Verdict::No;
     };

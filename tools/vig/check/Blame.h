@@ -18,8 +18,7 @@ struct Blame {
 };
 
 // Finds out which of the candidates leave nothing of what is fixed. REQUIRES: all of them together leave nothing.
-Blame blameFor(Behaviour& machine, const Junction& junction, Junction::Question fixed,
-               const Junction::Question& candidates, Values which);
+Blame blameFor(Behaviour& machine, const Junction& junction, Clauses fixed, const Clauses& candidates, Values which);
 
 std::string Blame::text(const auto& render) const {
     constexpr std::size_t kMostShown = 3;

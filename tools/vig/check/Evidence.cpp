@@ -4,7 +4,6 @@
 #include <utility>
 
 #include "tools/vig/document/NormalFilter.h"
-#include "tools/vig/words/Text.h"
 
 namespace Brenta::OS::VIG::Tool {
 
@@ -17,17 +16,8 @@ bool drawsAnywhere(const ConfigModel& machine) {
 
 }  // namespace
 
-Evidence::Evidence(const DocumentText& document, const std::vector<ConfigModel>& accepted)
-    : document(document), machines(accepted), haveDraws(std::ranges::any_of(accepted, drawsAnywhere)) {}
-
-// The machines have nothing in common but the numbers that are drawn. Where there are none, the one in question plays
-// alone, so that a document with many of them does not take the square of the time.
-std::string Evidence::textOf(std::size_t machine) const {
-    const auto configText = [&](const ConfigModel& each) {
-        return document.source().text().substr(each.place.begin, each.place.end - each.place.begin);
-    };
-    return "{\"configs\":[" + (haveDraws ? joined(machines, ",", configText) : configText(machines[machine])) + "]}";
-}
+Evidence::Evidence(std::span<const ConfigModel> accepted)
+    : machines(accepted), haveDraws(std::ranges::any_of(accepted, drawsAnywhere)) {}
 
 std::shared_ptr<const Witness> Evidence::show(std::size_t machine, const std::optional<Plan>& plan,
                                               std::string_view claim,
@@ -35,17 +25,20 @@ std::shared_ptr<const Witness> Evidence::show(std::size_t machine, const std::op
     if (!plan) {
         return nullptr;
     }
+    // The machines have nothing in common but the numbers that are drawn. Where there are none, the one in question
+    // plays alone, so that a document with many of them does not take the square of the time.
     if (!rehearsal || (!haveDraws && rehearsed != machine)) {
         rehearsal.reset();  // two at a time would stand in each other's way
-        rehearsal.emplace(textOf(machine), emptyContext);
+        rehearsal.emplace(haveDraws ? machines : machines.subspan(machine, 1), emptyContext);
         rehearsed = machine;
     }
-    auto witness = std::make_shared<const Witness>(rehearsal->play(haveDraws ? machine : 0, *plan));
-    if (!confirms(*witness)) {
+    Witness witness = rehearsal->play(haveDraws ? machine : 0, *plan);
+    if (!confirms(witness)) {
         faults.emplace_back(claim);
         return nullptr;
     }
-    return witness;
+    witness.trials = std::vector<Witness::Trial>();  // a state of many transitions has many, and nothing shows them
+    return std::make_shared<const Witness>(std::move(witness));
 }
 
 }  // namespace Brenta::OS::VIG::Tool

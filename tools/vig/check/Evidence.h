@@ -4,13 +4,13 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "tools/vig/decide/Behaviour.h"
 #include "tools/vig/decide/Rehearsal.h"
-#include "tools/vig/document/DocumentText.h"
 #include "tools/vig/document/RuleModel.h"
 
 namespace Brenta::OS::VIG::Tool {
@@ -18,8 +18,8 @@ namespace Brenta::OS::VIG::Tool {
 // Has the library show what is claimed of the machines of a document. They run with an empty context.
 class Evidence {
   public:
-    // Both must outlive it. `accepted` are the machines of the configurations that the library accepts.
-    Evidence(const DocumentText& document, const std::vector<ConfigModel>& accepted);
+    // `accepted` are the machines of the configurations that the library accepts, and must outlive it.
+    explicit Evidence(std::span<const ConfigModel> accepted);
 
     // Returns what happens when the plan is played, if that confirms the claim; otherwise a fault is noted. Without a
     // plan, there is nothing to show.
@@ -30,10 +30,7 @@ class Evidence {
     std::vector<std::string> faults;
 
   private:
-    std::string textOf(std::size_t machine) const;
-
-    const DocumentText& document;
-    const std::vector<ConfigModel>& machines;
+    const std::span<const ConfigModel> machines;
     const bool haveDraws;
     const AttributeSet emptyContext;
     std::optional<Rehearsal> rehearsal = {};  // as soon as something is to be shown

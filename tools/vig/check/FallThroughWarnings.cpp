@@ -78,7 +78,7 @@ class FallThroughSearch {
         const TransitionModel& model = transitions[transition];
         const Junction& junction = behaviour.junctionOf(transition);
         const std::size_t place = behaviour.targetOf(transition).transition;
-        Junction::Question missing = {&junction.absent(kindOf(filter.valueType), name)};
+        Clauses missing = {&junction.absent(kindOf(filter.valueType), name)};
         for (std::size_t index = 0; index < model.filters.size(); ++index) {
             const FilterModel& other = model.filters[index];
             if (other.valueType != filter.valueType || numberIn(other) != name) {
@@ -98,16 +98,14 @@ class FallThroughSearch {
                 return;
             }
             // Most are left out by their own filters.
-            Junction::Question question = missing;
+            Junction::Question question{0, missing};
             const std::size_t placeOfLater = behaviour.targetOf(later).transition;
-            for (const Clause* const each : junction.toHold(placeOfLater, target.filters.size())) {
-                question.push_back(each);
-            }
+            question.add({0, junction.toHold(placeOfLater, target.filters.size())});
             if (behaviour.decide(junction, question) != Verdict::Yes) {
                 continue;
             }
             question = junction.toReach({placeOfLater});
-            question.insert(question.end(), missing.begin(), missing.end());
+            question.add({0, missing});
             if (behaviour.decide(junction, question) == Verdict::Yes) {
                 report(filter, name, transition, later, question);
                 return;

@@ -52,7 +52,7 @@ void judge(const DocumentText& document, const std::vector<Json::ArrayIndex>& ac
     Effort effort;
     const Surroundings given{registry, catalogue, empty, effort};
     const Surroundings any{registry, catalogue, empty, effort, Surroundings::Context::Catalogued};
-    Evidence evidence(document, configs);
+    Evidence evidence(configs);
     for (std::size_t index = 0; index < configs.size(); ++index) {
         Behaviour shown(configs[index], given);
         std::optional<Behaviour> possible;

@@ -46,7 +46,7 @@ class FilterJudge {
   private:
     void judgeAlone(std::size_t index, bool isExplained) {
         const FilterModel& filter = filters[index];
-        const Answer holds = behaviour.answerTo(junction, {&junction.toHold(place, index, true)});
+        const Answer holds = behaviour.answerTo(junction, {0, {&junction.toHold(place, index, true)}});
         logic.holds = std::max(logic.holds, holds);
         if (holds == Answer::Yes || holds == Answer::Undecided) {
             possible.push_back(index);
@@ -58,7 +58,7 @@ class FilterJudge {
                                      : "only " + unrecordable(filter) + " fulfils " + shown(filter),
                  "mend the filter, or leave the transition out");
         }
-        const bool always = !isExplained && behaviour.decide(junction, {&junction.toHold(place, index, false)},
+        const bool always = !isExplained && behaviour.decide(junction, {0, {&junction.toHold(place, index, false)}},
                                                              Values::All) == Verdict::No;
         if (always) {
             const std::string why =
@@ -69,11 +69,11 @@ class FilterJudge {
     }
 
     void judgeTogether() {
-        Junction::Question question;
+        Clauses question;
         for (const std::size_t index : possible) {
             question.push_back(&junction.toHold(place, index, true));
         }
-        const Answer together = question.size() > 1 ? behaviour.answerTo(junction, question) : Answer::Yes;
+        const Answer together = question.size() > 1 ? behaviour.answerTo(junction, {0, question}) : Answer::Yes;
         logic.holds = std::max(logic.holds, together);
         if (together == Answer::Yes || together == Answer::Undecided) {
             return;

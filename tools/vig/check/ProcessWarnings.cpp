@@ -131,8 +131,8 @@ class ProcessSearch {
         }
         const Junction extended(listening, junction.event(), further, machine.surroundings);
         Junction::Question question = extended.toReach(target);
-        question.push_back(&extended.furtherFails(0));
-        question.push_back(&extended.present(AttributeKind::String, kProcessName));
+        question.clauses.push_back(&extended.furtherFails(0));
+        question.clauses.push_back(&extended.present(AttributeKind::String, kProcessName));
         return behaviour.decide(extended, question) == Verdict::Yes ? Binding::AnyName : Binding::OneName;
     }
 
@@ -174,10 +174,10 @@ class ProcessSearch {
             step.question = index == last ? extended.waysToTrigger(step.transition)[static_cast<std::size_t>(way)]
                                           : junction.toReach(step.target);
             if (index == open || index == other) {
-                step.question.push_back(&junction.present(AttributeKind::String, kProcessName));
-                step.question.push_back(index == other ? &junction.furtherHolds(0) : &junction.furtherHolds(1));
+                step.question.clauses.push_back(&junction.present(AttributeKind::String, kProcessName));
+                step.question.clauses.push_back(index == other ? &junction.furtherHolds(0) : &junction.furtherHolds(1));
                 if (index == open && extended.decide(junction, step.question) != Verdict::Yes) {
-                    step.question.back() = &junction.furtherFails(0);
+                    step.question.clauses.back() = &junction.furtherFails(0);
                 }
             }
             mixed.steps.push_back(std::move(step));

@@ -20,14 +20,14 @@ void warnOfShadow(Judged& machine, std::size_t transition, Values which, std::ve
     const TransitionModel& model = machine.config.transitions[transition];
     const Junction& junction = behaviour.junctionOf(transition);
     const std::size_t place = behaviour.targetOf(transition).transition;
-    Junction::Question earlier;
+    Clauses earlier;
     for (std::size_t index = 0; index < place; ++index) {
         earlier.push_back(&junction.toFail(index));
     }
     const Blame blame = blameFor(behaviour, junction, junction.toHold(place, model.filters.size()), earlier, which);
     const bool isOne = blame.isWhole && blame.clauses.size() == 1;
     const bool always =
-        isOne && behaviour.decide(junction, {earlier[blame.clauses.front()]}, Values::All) == Verdict::No;
+        isOne && behaviour.decide(junction, {0, {earlier[blame.clauses.front()]}}, Values::All) == Verdict::No;
     const std::string why = always  ? ", which always fires"
                             : isOne ? ", which fires whenever this one could"
                                     : ", one of which fires whenever this one could";

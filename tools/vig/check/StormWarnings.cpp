@@ -81,7 +81,7 @@ class StormSearch {
 
     // It says what an event does to a transition for certain.
     struct Fate {
-        Junction::Question holds;
+        Clauses holds;
         Clause fails;
     };
 
@@ -117,12 +117,12 @@ class StormSearch {
     }
 
     // Adds that the step is taken.
-    void add(const Step& step, bool isWhole, Junction::Question& question) const {
+    void add(const Step& step, bool isWhole, Clauses& question) const {
         const std::vector<Fate>& ofState = fates.at(behaviour.from(step.transition));
         for (std::size_t place = 0; isWhole && place < step.place; ++place) {
             question.push_back(&ofState[place].fails);
         }
-        const Junction::Question& holds = ofState[step.place].holds;
+        const Clauses& holds = ofState[step.place].holds;
         question.insert(question.end(), holds.begin(), holds.end());
     }
 
@@ -194,12 +194,12 @@ class StormSearch {
 
     // If it is not the whole question, it is that the transitions taken hold, and not that those before them fail.
     Junction::Question questionOf(std::size_t node, std::size_t step, bool isWhole) const {
-        Junction::Question question = asking;
+        Clauses question = asking;
         add(steps[step], isWhole, question);
         for (; node != kNone; node = nodes[node].before) {
             add(steps[nodes[node].step], isWhole, question);
         }
-        return question;
+        return {0, std::move(question)};
     }
 
     bool isOnTheWay(std::size_t node, std::size_t state) const {
@@ -280,8 +280,8 @@ class StormSearch {
     std::map<std::size_t, std::vector<Fate>> fates;  // of the transitions of each state
     std::vector<Step> steps;
     std::map<std::size_t, std::vector<std::size_t>> stepsFrom;  // of each state, those that may lead back
-    Junction::Question asking;  // that the transition that the search began with asks for a collection
-    std::vector<Node> nodes;    // of that search
+    Clauses asking;           // that the transition that the search began with asks for a collection
+    std::vector<Node> nodes;  // of that search
 };
 
 }  // namespace

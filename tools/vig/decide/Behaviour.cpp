@@ -325,7 +325,7 @@ std::vector<Junction::Question> Behaviour::waysToTrigger(std::size_t transition)
         if (isAsked && action.startsCollection && junction.event() != EventType::EnteringState) {
             Junction::Question& way = ways.emplace_back(junction.toReach(targetOf(transition)));
             for (const ActionNeed& need : action.needs) {
-                way.push_back(&junction.present(need.kind, need.attribute));
+                way.clauses.push_back(&junction.present(need.kind, need.attribute));
             }
         }
     }
@@ -352,7 +352,7 @@ const Behaviour::Triggers& Behaviour::triggersOf(std::size_t transition) {
         for (std::size_t index = 0; index < ways.size(); ++index) {
             if ((chosen >> index & 1) != 0) {
                 some.count += counts[index];
-                some.question.insert(some.question.end(), ways[index].begin(), ways[index].end());
+                some.question.add(ways[index]);
             }
         }
         if (some.count > known->count && decide(junctionOf(transition), some.question) == Verdict::Yes) {

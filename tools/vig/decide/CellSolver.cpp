@@ -10,29 +10,6 @@ using Cell = Scale::Cell;
 
 constexpr std::uint64_t kEffortOfComparison = 10;  // of values, beside looking at a literal
 
-// It is what clauses without a choice leave of a variable, or more.
-struct Frame {
-    Cell first = 0;
-    Cell last = 0;
-    bool absent = false;
-    bool nan = false;
-
-    void narrow(const CellSet& cells) {
-        if (cells.isInside) {
-            first = std::max(first, cells.first);
-            last = std::min(last, cells.last);
-        }
-        absent = absent && cells.absent;
-        nan = nan && cells.nan;
-    }
-
-    bool isWithin(const CellSet& cells) const {
-        const bool overlaps = std::max(first, cells.first) < std::min(last, cells.last);
-        const bool isCovered = first >= last || (cells.first <= first && last <= cells.last);
-        return (cells.isInside ? isCovered : !overlaps) && (!absent || cells.absent) && (!nan || cells.nan);
-    }
-};
-
 // Returns where to begin the search for values, so that they are small ones if that will do.
 Value plainValue(FilterValueType type) {
     return type == FilterValueType::Integer  ? Value(std::int64_t{1})
@@ -42,78 +19,108 @@ Value plainValue(FilterValueType type) {
 
 }  // namespace
 
+// Leaves of the cells what the others have.
+void CellSolver::Frame::narrow(const CellSet& cells) {
+    if (cells.isInside) {
+        first = std::max(first, cells.first);
+        last = std::min(last, cells.last);
+    } else if (cells.first <= first) {
+        first = std::max(first, cells.last);
+    } else if (last <= cells.last) {
+        last = std::min(last, cells.first);
+    }
+    absent = absent && cells.absent;
+    nan = nan && cells.nan;
+}
+
+bool CellSolver::Frame::isWithin(const CellSet& cells) const {
+    const bool overlaps = std::max(first, cells.first) < std::min(last, cells.last);
+    const bool isCovered = first >= last || (cells.first <= first && last <= cells.last);
+    return (cells.isInside ? isCovered : !overlaps) && (!absent || cells.absent) && (!nan || cells.nan);
+}
+
 CellSolver::CellSolver(const Space& space, Values which, Attributes attributes)
     : space(space), which(which), attributes(attributes) {}
 
-Verdict CellSolver::solve(const std::vector<const Clause*>& question, Effort& budget) {
+Verdict CellSolver::solve(const Clauses& question, Effort& budget) {
     effort = &budget;
     chosen.assign(space.variables.size(), {});
     values.assign(space.variables.size(), std::nullopt);
     impossible.clear();
     effort->spend(space.variables.size());
     if (!simplify(question)) {
-        return Verdict::No;
+        return effort->left == 0 ? Verdict::Undecided : Verdict::No;
     }
-    Bits left((clauses.size() + 63) / 64);
-    for (std::size_t index = 0; index < clauses.size(); ++index) {
+    Bits left((ends.size() + 63) / 64);
+    for (std::size_t index = 0; index < ends.size(); ++index) {
         left[index / 64] |= std::uint64_t{1} << index % 64;
     }
     const bool isPossible = search(left, false);
     return isPossible ? Verdict::Yes : budget.left == 0 ? Verdict::Undecided : Verdict::No;
 }
 
-// Leaves out what clauses without a choice decide already: most transitions of a state exclude each other. Returns
-// false if a clause cannot be fulfilled.
-bool CellSolver::simplify(const std::vector<const Clause*>& question) {
-    std::vector<Frame> frames;
-    for (std::size_t variable = 0; variable < space.variables.size(); ++variable) {
-        const Cell last = canBe(variable, Kind::Present) ? space.variables[variable].scale.cellCount() : 0;
-        frames.push_back({0, last, canBe(variable, Kind::Absent), canBe(variable, Kind::Nan)});
+CellSolver::Frame CellSolver::frameOf(const Variable& variable) const {
+    const bool canBePresent = variable.canBePresent && (variable.isNamedInUtf8 || which == Values::All);
+    return {0, canBePresent ? variable.scale.cellCount() : 0,
+            variable.canBeAbsent && !(attributes == Attributes::Promised && variable.isPromised && canBePresent),
+            which == Values::All && canBePresent && variable.type == FilterValueType::Double};
+}
+
+// Narrows the frames by the clauses that have no choice, until that leaves no other clause without one: most
+// transitions of a state exclude each other, so that little is left. Returns false if a clause cannot be fulfilled.
+bool CellSolver::simplify(const Clauses& question) {
+    frames.clear();
+    for (const Variable& each : space.variables) {
+        frames.push_back(frameOf(each));
     }
-    for (const Clause* const clause : question) {
-        effort->spend(clause->size());
-        if (clause->size() == 1) {
-            frames[clause->front().variable].narrow(clause->front().cells);
-        }
-    }
-    clauses.clear();
-    for (const Clause* const clause : question) {
-        const auto isFulfilled = [&](const Literal& each) { return frames[each.variable].isWithin(each.cells); };
-        if (clause->size() != 1 && std::ranges::any_of(*clause, isFulfilled)) {
-            continue;
-        }
-        Clause open;
-        for (const Literal& each : *clause) {
-            if (!frames[each.variable].isWithin(each.cells.complement())) {
-                open.push_back(each);
-            }
-        }
-        if (open.empty()) {
+    const auto isPossible = [&](const Literal& each) {
+        return !frames[each.variable].isWithin(each.cells.complement());
+    };
+    const auto isFulfilled = [&](const Literal& each) { return frames[each.variable].isWithin(each.cells); };
+    // What a transition asks of an event comes last in a question, and narrows most.
+    Clauses open(question.rbegin(), question.rend());
+    bool isDead = false;
+    bool hasChanged = true;
+    const auto isDone = [&](const Clause* clause) {
+        const auto choice = std::ranges::find_if(*clause, isPossible);
+        isDead = isDead || choice == clause->end() || !effort->spend(clause->size());
+        if (isDead) {
             return false;
         }
-        clauses.push_back(std::move(open));
+        if (std::find_if(choice + 1, clause->end(), isPossible) != clause->end()) {
+            const auto fulfilled = std::ranges::find_if(*clause, isFulfilled);
+            if (fulfilled != clause->end() && !frames[fulfilled->variable].absent) {
+                frames[fulfilled->variable].isAsked = true;
+            }
+            return fulfilled != clause->end();
+        }
+        Frame& frame = frames[choice->variable];
+        frame.isAsked = true;
+        if (!frame.isWithin(choice->cells)) {
+            const Frame before = frame;
+            frame.narrow(choice->cells);
+            hasChanged = hasChanged || frame != before;
+            isDead = !frame.absent && !frame.nan &&
+                     !space.variables[choice->variable].scale.haveValue(frame.first, frame.last, which);
+        }
+        // Values for what is compared with others are looked for only where a clause asks for them.
+        return !space.variables[choice->variable].isCompared && frame.isWithin(choice->cells);
+    };
+    while (!isDead && std::exchange(hasChanged, false)) {
+        std::erase_if(open, isDone);
     }
-    return true;
+    literals.clear();
+    ends.clear();
+    for (const Clause* const clause : isDead ? Clauses() : open) {
+        std::ranges::copy_if(*clause, std::back_inserter(literals), isPossible);
+        ends.push_back(literals.size());
+    }
+    return !isDead;
 }
 
-bool CellSolver::canBe(std::size_t variable, Kind kind) const {
-    const Variable& it = space.variables[variable];
-    const bool canBePresent = it.canBePresent && (it.isNamedInUtf8 || which == Values::All);
-    switch (kind) {
-        case Kind::Present:
-            return canBePresent;
-        case Kind::Absent:
-            return it.canBeAbsent && !(attributes == Attributes::Promised && it.isPromised && canBePresent);
-        case Kind::Nan:
-            return which == Values::All && canBePresent && it.type == FilterValueType::Double;
-        case Kind::Open:
-            break;
-    }
-    return true;
-}
-
-bool CellSolver::isLinked(std::size_t variable) const {
-    return space.variables[variable].isCompared;
+std::span<const Literal> CellSolver::clause(std::size_t index) const {
+    const std::size_t begin = index == 0 ? 0 : ends[index - 1];
+    return std::span(literals).subspan(begin, ends[index] - begin);
 }
 
 void CellSolver::forEachLeft(const Bits& left, const auto& visit) const {
@@ -129,21 +136,22 @@ CellSolver::Next CellSolver::nextVariable(const Bits& left) const {
     std::vector<std::size_t> weights(space.variables.size());
     std::size_t looks = weights.size();
     forEachLeft(left, [&](std::size_t index) {
-        looks += clauses[index].size();
+        looks += clause(index).size();
         const auto isOpen = [&](const Literal& each) { return chosen[each.variable].kind == Kind::Open; };
-        const auto open = std::ranges::count_if(clauses[index], isOpen);
+        const auto open = std::ranges::count_if(clause(index), isOpen);
         next.isDead = next.isDead || open == 0;
-        for (const Literal& each : clauses[index]) {
+        for (const Literal& each : clause(index)) {
             // More than all clauses together weighs a clause without a choice, and even more what is compared.
-            const std::size_t weight = 1 + (open == 1 ? clauses.size() : 0);
+            const std::size_t weight = 1 + (open == 1 ? ends.size() : 0);
             weights[each.variable] += isOpen(each) ? weight : 0;
         }
     });
     effort->spend(looks);
     std::size_t most = 0;
     for (std::size_t variable = 0; variable < weights.size(); ++variable) {
-        const std::size_t beyondAll = clauses.size() * (clauses.size() + 1);
-        const std::size_t weight = weights[variable] + (isLinked(variable) && weights[variable] > 0 ? beyondAll : 0);
+        const std::size_t beyondAll = ends.size() * (ends.size() + 1);
+        const std::size_t weight =
+            weights[variable] + (space.variables[variable].isCompared && weights[variable] > 0 ? beyondAll : 0);
         if (weight > most) {
             most = weight;
             next.variable = variable;
@@ -157,7 +165,7 @@ bool CellSolver::search(const Bits& left, bool areValuesFound) {
     if (next.isDead || !effort->spend(1)) {
         return false;
     }
-    if (!areValuesFound && !(next.variable && isLinked(*next.variable))) {
+    if (!areValuesFound && !(next.variable && space.variables[*next.variable].isCompared)) {
         return findValues() && search(left, true);
     }
     if (!next.variable) {
@@ -194,25 +202,24 @@ bool CellSolver::search(const Bits& left, bool areValuesFound) {
 
 // Those that fulfil most come first; among these, values before their absence.
 std::vector<CellSolver::Branch> CellSolver::branchesOf(std::size_t variable, const Bits& left) {
-    std::vector<std::pair<std::size_t, const CellSet*>> literals;
+    std::vector<std::pair<std::size_t, const CellSet*>> asking;
     std::vector<Cell> bounds = {0, space.variables[variable].scale.cellCount()};
     forEachLeft(left, [&](std::size_t index) {
-        for (const Literal& each : clauses[index]) {
+        for (const Literal& each : clause(index)) {
             if (each.variable == variable) {
-                literals.emplace_back(index, &each.cells);
+                asking.emplace_back(index, &each.cells);
                 bounds.push_back(each.cells.first);
                 bounds.push_back(each.cells.last);
             }
         }
     });
     std::vector<Branch> branches;
-    std::vector<std::size_t> fulfilled;
     for (const Region& region : regionsOf(variable, std::move(bounds))) {
-        if (!effort->spend(literals.size())) {
+        if (!effort->spend(asking.size())) {
             return {};
         }
         Branch branch{region, left};
-        for (const auto& [index, cells] : literals) {
+        for (const auto& [index, cells] : asking) {
             const bool holds = region.kind == Kind::Present  ? cells->has(region.first)
                                : region.kind == Kind::Absent ? cells->absent
                                                              : cells->nan;
@@ -231,17 +238,22 @@ std::vector<CellSolver::Branch> CellSolver::branchesOf(std::size_t variable, con
 }
 
 std::vector<CellSolver::Region> CellSolver::regionsOf(std::size_t variable, std::vector<Cell> bounds) const {
-    std::vector<Region> regions;
+    const Frame& frame = frames[variable];
+    for (Cell& each : bounds) {
+        each = std::clamp(each, frame.first, std::max(frame.first, frame.last));
+    }
     std::ranges::sort(bounds);
-    for (std::size_t index = 0; canBe(variable, Kind::Present) && index + 1 < bounds.size(); ++index) {
+    std::vector<Region> regions;
+    for (std::size_t index = 0; index + 1 < bounds.size(); ++index) {
         if (space.variables[variable].scale.haveValue(bounds[index], bounds[index + 1], which)) {
             regions.push_back({Kind::Present, bounds[index], bounds[index + 1]});
         }
     }
-    for (const Kind kind : {Kind::Absent, Kind::Nan}) {
-        if (canBe(variable, kind)) {
-            regions.push_back({kind});
-        }
+    if (frame.absent) {
+        regions.push_back({Kind::Absent});
+    }
+    if (frame.nan) {
+        regions.push_back({Kind::Nan});
     }
     return regions;
 }
@@ -342,7 +354,11 @@ bool CellSolver::raise(std::size_t variable, const std::optional<Value>& bound, 
 }
 
 std::optional<Value> CellSolver::valueOf(std::size_t variable) const {
-    const Region& region = chosen[variable].kind == Kind::Open ? found[variable] : chosen[variable];
+    const Frame& frame = frames[variable];
+    Region region = chosen[variable].kind == Kind::Open ? found[variable] : chosen[variable];
+    if (region.kind == Kind::Open && frame.isAsked) {
+        region = {Kind::Present, frame.first, frame.last};
+    }
     if (region.kind != Kind::Present) {
         return std::nullopt;
     }

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <optional>
 #include <set>
+#include <span>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -37,6 +38,7 @@ struct Literal {
     auto operator<=>(const Literal&) const = default;  // NOLINT(modernize-use-nullptr): likewise
 };
 using Clause = std::vector<Literal>;
+using Clauses = std::vector<const Clause*>;
 
 // It is an attribute of an event, or how two of them lie to each other: the cells are then less, equal and greater, and
 // NaN is that they cannot be compared.
@@ -89,7 +91,7 @@ class CellSolver {
     // With Attributes::Promised, those that events of the type are known to have are not absent.
     CellSolver(const Space& space, Values which, Attributes attributes);
 
-    Verdict solve(const std::vector<const Clause*>& question, Effort& budget);
+    Verdict solve(const Clauses& question, Effort& budget);
 
     // After the verdict Yes: returns the value that fulfils it, nothing for an attribute that is absent or that nothing
     // is asked of. REQUIRES: recordable values were asked for.
@@ -105,6 +107,19 @@ class CellSolver {
         Scale::Cell last = 0;
     };
 
+    // It is what clauses without a choice leave of a variable, or more.
+    struct Frame {
+        Scale::Cell first;
+        Scale::Cell last;
+        bool absent;
+        bool nan;
+        bool isAsked = false;  // a clause counts on it
+
+        void narrow(const CellSet& cells);
+        bool isWithin(const CellSet& cells) const;
+        bool operator==(const Frame&) const = default;
+    };
+
     using Bits = std::vector<std::uint64_t>;  // of the clauses, those that are not fulfilled
 
     struct Branch {
@@ -117,13 +132,13 @@ class CellSolver {
         std::optional<std::size_t> variable = {};
     };
 
-    bool simplify(const std::vector<const Clause*>& question);
+    Frame frameOf(const Variable& variable) const;
+    bool simplify(const Clauses& question);
+    std::span<const Literal> clause(std::size_t index) const;
     bool search(const Bits& left, bool areValuesFound);
     Next nextVariable(const Bits& left) const;
     std::vector<Branch> branchesOf(std::size_t variable, const Bits& left);
     std::vector<Region> regionsOf(std::size_t variable, std::vector<Scale::Cell> bounds) const;
-    bool canBe(std::size_t variable, Kind kind) const;
-    bool isLinked(std::size_t variable) const;
     void forEachLeft(const Bits& left, const auto& visit) const;
 
     bool findValues();
@@ -134,7 +149,9 @@ class CellSolver {
     const Space& space;
     const Values which;
     const Attributes attributes;
-    std::vector<Clause> clauses;
+    std::vector<Frame> frames;                 // of each variable
+    std::vector<Literal> literals;             // of the clauses, one clause after the other
+    std::vector<std::size_t> ends;             // of each clause, in `literals`
     std::vector<Region> chosen;                // of each variable
     std::vector<Region> found;                 // with the values, of those that are compared with each other
     std::vector<std::optional<Value>> values;  // of those that are compared with each other

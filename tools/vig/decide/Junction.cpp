@@ -111,6 +111,7 @@ Junction::Junction(const std::vector<const TransitionModel*>& listening, EventTy
 
 // What the library does with operands of these kinds is told beside it; each of the two builds another filter.
 Junction::Meaning Junction::readFilter(const FilterModel& filter) {
+    haveDraws = haveDraws || draws(filter);
     const NormalFilter normal = normalFormOf(filter);
     const bool looksInContext = hasConstant(filter) && !isOfConstants(filter);
     Meaning meaning{normal.op,
@@ -323,28 +324,30 @@ Literal Junction::relation(const Meaning& meaning) {
 }
 
 Junction::Question Junction::toReach(const Target& target) const {
-    const auto earlier = static_cast<std::ptrdiff_t>(transitions[target.transition].earlier);
-    Question question(passing.begin(), passing.begin() + earlier);
-    for (const Clause* const each :
-         toHold(target.transition, target.filter.value_or(transitions[target.transition].filters.size()))) {
-        question.push_back(each);
-    }
+    const std::size_t filters = target.filter.value_or(transitions[target.transition].filters.size());
+    Question question{transitions[target.transition].earlier, toHold(target.transition, filters)};
     if (target.filter) {
-        question.push_back(&toHold(target.transition, *target.filter, target.outcome));
+        question.clauses.push_back(&toHold(target.transition, *target.filter, target.outcome));
     }
     return question;
 }
 
 Junction::Question Junction::toPass() const {
-    return passing;
+    return {passing.size()};
 }
 
-Junction::Question Junction::toHold(std::size_t transition, std::size_t filters) const {
-    Question question;
+Clauses Junction::toHold(std::size_t transition, std::size_t filters) const {
+    Clauses clauses;
     for (std::size_t index = 0; index < filters; ++index) {
-        question.push_back(&transitions[transition].filters[index].holds);
+        clauses.push_back(&transitions[transition].filters[index].holds);
     }
-    return question;
+    return clauses;
+}
+
+Clauses Junction::clausesOf(const Question& question) const {
+    Clauses all(passing.begin(), passing.begin() + static_cast<std::ptrdiff_t>(question.failing));
+    all.insert(all.end(), question.clauses.begin(), question.clauses.end());
+    return all;
 }
 
 const Clause& Junction::present(AttributeKind kind, std::string_view name) const {
@@ -356,13 +359,14 @@ const Clause& Junction::absent(AttributeKind kind, std::string_view name) const 
 }
 
 Verdict Junction::decide(const Question& question, Values which, Effort& effort) const {
-    return CellSolver(space, which, CellSolver::Attributes::Any).solve(question, effort);
+    return CellSolver(space, which, CellSolver::Attributes::Any).solve(clausesOf(question), effort);
 }
 
 std::optional<EventRecord> Junction::eventFor(const Question& question, Effort& effort) const {
+    const Clauses clauses = clausesOf(question);
     for (const auto attributes : {CellSolver::Attributes::Promised, CellSolver::Attributes::Any}) {
         CellSolver solver(space, Values::Recordable, attributes);
-        if (solver.solve(question, effort) != Verdict::Yes) {
+        if (solver.solve(clauses, effort) != Verdict::Yes) {
             continue;
         }
         EventRecord record;
@@ -468,7 +472,7 @@ bool Junction::steer(const Meaning& meaning, const EventRecord& record, bool out
 
 DrawPlan Junction::drawsFor(const EventRecord& record, const std::optional<Target>& target) const {
     DrawPlan draws;
-    for (std::size_t index = 0; index < transitions.size(); ++index) {
+    for (std::size_t index = 0; haveDraws && index < transitions.size(); ++index) {
         const bool isTarget = target && target->transition == index;
         const auto& filters = transitions[index].filters;
         for (std::size_t filter = 0; filter < filters.size(); ++filter) {

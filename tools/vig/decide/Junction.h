@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <map>
 #include <optional>
@@ -57,7 +58,18 @@ class Junction {
         bool outcome = true;  // of that filter
     };
 
-    using Question = std::vector<const Clause*>;
+    // All that an event has to fulfil.
+    struct Question {
+        std::size_t failing = 0;  // so many of the clauses that transitions fail, in their order
+        Clauses clauses = {};     // and these
+
+        void add(const Question& other) {
+            failing = std::max(failing, other.failing);
+            clauses.insert(clauses.end(), other.clauses.begin(), other.clauses.end());
+        }
+
+        auto operator<=>(const Question&) const = default;  // NOLINT(modernize-use-nullptr): it takes it for a 0
+    };
 
     // `further` are filters about which is asked as well; they are not compared with draws. All must outlive it.
     Junction(const std::vector<const TransitionModel*>& listening, RulesEngine::EventType event,
@@ -75,7 +87,7 @@ class Junction {
     Question toPass() const;
 
     // They are asked by themselves: the filters of a transition until before one of them, and that a transition fails.
-    Question toHold(std::size_t transition, std::size_t filters) const;
+    Clauses toHold(std::size_t transition, std::size_t filters) const;
     const Clause& toFail(std::size_t transition) const { return transitions[transition].fails; }
     const Clause& toHold(std::size_t transition, std::size_t filter, bool outcome) const {
         const Meaning& meaning = transitions[transition].filters[filter];
@@ -141,6 +153,7 @@ class Junction {
     CellSet cellsOf(FilterOperator op, std::size_t variable, const Value& constant) const;
     CellSet comparedWith(const Side& other, FilterOperator op, std::size_t variable, const Meaning& meaning) const;
     Literal relation(const Meaning& meaning);
+    Clauses clausesOf(const Question& question) const;
 
     // Returns the value of a side that is no draw, or nothing if it is missing.
     std::optional<Value> valueOf(const Side& side, const Meaning& meaning, const EventRecord& record) const;
@@ -160,7 +173,8 @@ class Junction {
     Space space;
     std::map<std::pair<FilterValueType, std::string_view>, std::size_t> variables;
     std::vector<Listener> transitions;
-    Question passing;  // that the transitions fail, in their order; what several ask is there once
+    Clauses passing;         // that the transitions fail, in their order; what several ask is there once
+    bool haveDraws = false;  // a filter has one
     std::vector<Meaning> further;
     std::map<std::size_t, std::pair<Clause, Clause>> presence;  // by variable: that it is there, that it is not
 };

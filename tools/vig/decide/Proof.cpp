@@ -76,7 +76,7 @@ class Confirmation {
     std::optional<Recording> show(const Route& route, const std::string& what,
                                   const std::function<bool(const Witness&, const Plan&)>& isShown) {
         const auto plan = machine.planFor(route);
-        const std::size_t machines = rehearsal.document().configs.size();
+        const std::size_t machines = rehearsal.size();
         if (!plan || !machine.budget().spend(kEffortOfOffer * (plan->events.size() + 1) * machines)) {
             return std::nullopt;
         }

@@ -103,9 +103,10 @@ class ProveRun {
     void proveDocument(const std::string& path, const std::string& text) {
         Effort effort{.interruption = &interruption};
         Effort forContexts{kEffortForContexts, &interruption};
-        Rehearsal rehearsal(text, context);
+        const DocumentModel document({}, text);
+        Rehearsal rehearsal(document.configs, context);
         const Surroundings surroundings{registry, catalogue, context, effort};
-        const auto& configs = rehearsal.document().configs;
+        const auto& configs = document.configs;
         LoadSum sumOfDocument;
         for (std::size_t index = 0; index < configs.size(); ++index) {
             Proof proof = prove(configs[index], index, surroundings, forContexts, rehearsal);

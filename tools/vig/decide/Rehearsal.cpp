@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "tools/vig/document/Registry.h"
-#include "vig/parsers/VIGResponseParser.h"
+#include "vig/parsers/VIGConfigParser.h"
 
 namespace Brenta::OS::VIG::Tool {
 
@@ -17,12 +17,14 @@ bool Witness::firesAtTheEnd(std::size_t transition) const {
     return fires(transition, events.size());
 }
 
-Rehearsal::Rehearsal(std::string text, const AttributeSet& context)
-    : model({}, std::move(text)), tracer(*this), group(context, *this, &tracer), services(group) {
+Rehearsal::Rehearsal(std::span<const ConfigModel> machines, const AttributeSet& context)
+    : tracer(*this), group(context, *this, &tracer), services(group) {
     const auto registry = tracer.registryFrom(withDraws(libraryRegistry(), [this] { return draw(); }));
-    if (const auto parsed = VIGResponseParser().parse(model.text.root(), registry); parsed.value) {
-        group.adopt(tracer.watch(model, *parsed.value));
+    MachineGroup::Configs configs;
+    for (const ConfigModel& each : machines) {
+        configs.push_back(VIGConfigParser().parse(*each.json, registry).value);
     }
+    group.adopt(tracer.watch(machines, configs));
 }
 
 Witness Rehearsal::play(std::size_t machine, const Plan& plan) {

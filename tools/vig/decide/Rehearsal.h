@@ -2,7 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <string>
+#include <span>
 #include <vector>
 
 #include "tools/vig/decide/Behaviour.h"
@@ -40,14 +40,15 @@ struct Witness {
 // long as it lives, so that nothing else may; used on one thread.
 class Rehearsal final : private Trace, private NoReport {
   public:
-    // `text` is a rule document that the library accepts; the context, which must outlive it, is that of every machine.
-    Rehearsal(std::string text, const AttributeSet& context);
+    // `machines` are of configurations that the library accepts; the context is that of every machine. Both must
+    // outlive it.
+    Rehearsal(std::span<const ConfigModel> machines, const AttributeSet& context);
     Rehearsal(const Rehearsal&) = delete;
     Rehearsal& operator=(const Rehearsal&) = delete;
 
-    const DocumentModel& document() const { return model; }
+    std::size_t size() const { return group.size(); }
 
-    // Lets all machines of the document start anew and offers them the events of the plan, which is one for that
+    // Lets all machines start anew and offers them the events of the plan, which is one for that
     // machine. The others draw numbers of their own.
     Witness play(std::size_t machine, const Plan& plan);
 
@@ -58,7 +59,6 @@ class Rehearsal final : private Trace, private NoReport {
 
     double draw();
 
-    const DocumentModel model;
     Tracer tracer;
     MachineGroup group;
     PlatformServices services;

@@ -19,7 +19,7 @@ class Modeller {
     explicit Modeller(const DocumentText& text) : document(text) {}
 
     ConfigModel config(const Json::Value& json, const std::string& path) const {
-        ConfigModel model{document.placeOf(json, path), toInt64(json["id"]).value_or(0), {}};
+        ConfigModel model{document.placeOf(json, path), toInt64(json["id"]).value_or(0), {}, &json};
         StrictJson::forEach(json["payload"]["data"]["transitions"], path + ".payload.data.transitions",
                             [&](const Json::Value& each, const std::string& place) {
                                 model.transitions.push_back(transition(each, place));

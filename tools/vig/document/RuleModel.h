@@ -50,6 +50,7 @@ struct ConfigModel {
     Place place;
     std::int64_t id;
     std::vector<TransitionModel> transitions;  // in document order
+    const Json::Value* json;
 };
 
 // Returns the model of the element of "configs" at that index. REQUIRES: the library accepts it. The model refers to

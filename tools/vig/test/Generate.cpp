@@ -53,8 +53,8 @@ struct Goal {
 class GoalFinder {
   public:
     GoalFinder(std::string text, const Interruption& interruption)
-        : effort{.interruption = &interruption}, rehearsal(std::move(text), context) {
-        for (const ConfigModel& config : rehearsal.document().configs) {
+        : effort{.interruption = &interruption}, document({}, std::move(text)), rehearsal(document.configs, context) {
+        for (const ConfigModel& config : document.configs) {
             Behaviour& machine = machines.emplace_back(config, surroundings);
             auto& firsts = firstGoals.emplace_back();
             for (std::size_t index = 0; index < config.transitions.size(); ++index) {
@@ -197,7 +197,7 @@ class GoalFinder {
                 number += 2;
             }
         }
-        goal.witness->trials = {};  // long recordings have many
+        goal.witness->trials = std::vector<Witness::Trial>();  // long recordings have many
     }
 
     void note(Goal& goal, std::size_t reached) {
@@ -212,6 +212,7 @@ class GoalFinder {
     const Catalogue catalogue = Catalogue::builtIn();
     Effort effort;
     const Surroundings surroundings{registry, catalogue, context, effort};
+    const DocumentModel document;
     Rehearsal rehearsal;
     std::deque<Behaviour> machines;
     std::set<std::string> names;

@@ -49,11 +49,12 @@ const FilterModel* modelOf(const PropertyFilter& filter) {
 // Decides one property of one machine.
 class MachineJudge {
   public:
-    MachineJudge(const Property& property, Rehearsal& rehearsal, std::size_t index, const Surroundings& surroundings)
+    MachineJudge(const Property& property, Rehearsal& rehearsal, const ConfigModel& config, std::size_t index,
+                 const Surroundings& surroundings)
         : property(property),
           rehearsal(rehearsal),
           index(index),
-          config(rehearsal.document().configs[index]),
+          config(config),
           further(modelsOf(property)),
           machine(config, surroundings, further) {}
 
@@ -107,7 +108,7 @@ class MachineJudge {
             const Clause& fails = junction.furtherFails(filter);
             place->second.insert(place->second.end(), fails.begin(), fails.end());
         }
-        question.push_back(&place->second);
+        question.clauses.push_back(&place->second);
         return !further.empty();
     }
 
@@ -398,11 +399,12 @@ TestOutcome checkProperty(const std::string& rules, const Property& property, co
         const VIGParserConfig registry = libraryRegistry();
         const Catalogue catalogue = Catalogue::builtIn();
         Effort effort;
-        Rehearsal rehearsal(std::move(text), property.context);
+        const DocumentModel document({}, std::move(text));
+        Rehearsal rehearsal(document.configs, property.context);
         const Surroundings surroundings{registry, catalogue, property.context, effort};
         std::string failure;
-        for (const std::size_t index : machinesOf(property, rehearsal.document().configs, failure)) {
-            MachineJudge judge(property, rehearsal, index, surroundings);
+        for (const std::size_t index : machinesOf(property, document.configs, failure)) {
+            MachineJudge judge(property, rehearsal, document.configs[index], index, surroundings);
             judge.judge();
             if (!judge.fault.empty()) {
                 outcome.fault = std::move(judge.fault);

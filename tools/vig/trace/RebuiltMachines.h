@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <map>
 #include <memory>
+#include <span>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -19,7 +20,7 @@ namespace Brenta::OS::VIG::Tool {
 // models, but for the filters: `filtersOf(transition, config, index)` gives those of each transition. Actions are
 // shared.
 std::vector<std::unique_ptr<VIGConfig>> rebuilt(const std::vector<std::unique_ptr<VIGConfig>>& configs,
-                                                const std::vector<ConfigModel>& models, const auto& filtersOf) {
+                                                std::span<const ConfigModel> models, const auto& filtersOf) {
     std::vector<std::unique_ptr<VIGConfig>> result;
     for (std::size_t config = 0; config < configs.size(); ++config) {
         const VIGConfigPayload& payload = *configs[config]->getConfigPayload();

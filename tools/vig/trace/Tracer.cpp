@@ -216,12 +216,16 @@ VIGParserConfig Tracer::registryFrom(const VIGParserConfig& library) const {
                            watched(library.getStringPureFunctions(), recorder), {});
 }
 
+std::vector<std::unique_ptr<VIGConfig>> Tracer::watch(std::span<const ConfigModel> models,
+                                                      const std::vector<std::unique_ptr<VIGConfig>>& configs) {
+    return rebuilt(configs, models, [&](const Transition& transition, std::size_t config, std::size_t index) {
+        return watched(transition, index, models[config].transitions[index], *recorder);
+    });
+}
+
 std::vector<std::unique_ptr<VIGConfig>> Tracer::watch(const DocumentModel& document,
                                                       const std::vector<std::unique_ptr<VIGConfig>>& configs) {
-    auto result =
-        rebuilt(configs, document.configs, [&](const Transition& transition, std::size_t config, std::size_t index) {
-            return watched(transition, index, document.configs[config].transitions[index], *recorder);
-        });
+    auto result = watch(document.configs, configs);
     recorder->trace.loaded(document);
     return result;
 }

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string_view>
 #include <vector>
 
@@ -29,7 +30,10 @@ class Tracer {
     // thread.
     VIGParserConfig registryFrom(const VIGParserConfig& library) const;
 
-    // Returns watched configurations in place of those that the library made of the document, which must outlive them.
+    // Return watched configurations in place of those that the library made of the models, which must outlive them. Of
+    // a whole document the listener is told that it is loaded.
+    std::vector<std::unique_ptr<VIGConfig>> watch(std::span<const ConfigModel> models,
+                                                  const std::vector<std::unique_ptr<VIGConfig>>& configs);
     std::vector<std::unique_ptr<VIGConfig>> watch(const DocumentModel& document,
                                                   const std::vector<std::unique_ptr<VIGConfig>>& configs);
 
