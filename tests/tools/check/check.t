@@ -107,7 +107,7 @@ What events show is shown by them on demand, and always to programs. They are as
   > start hot ProcessMemoryHeartBeat | integer vmRssKB > =102400 | TriggerVelora; hot start ProcessMemoryHeartBeat | integer vmRssKB > =204800
   > EOF
   $ sed -i 's/{"configs":\[/&{"id":true},/' shown.json
-  $ vig check shown.json --verbose | tail -13
+  $ vig check shown.json --verbose | tail -12
       hint: a number is needed
   shown.json:1:590: warning: "TriggerVelora" asks for a collection once in 2 ProcessMemoryHeartBeat events as long as their values stay the same: they lead from "start" to "hot" to "start" [trigger-storm]
       \xe2\x80\xa6onstant","value":"102400"}}],"actions":[{"name":"TriggerVelora"}]},{"from_state":"hot","to_state":"s\xe2\x80\xa6 (esc)
@@ -119,12 +119,30 @@ What events show is shown by them on demand, and always to programs. They are as
           {"event":"ProcessMemoryHeartBeat","int64":{"vmRssKB":204801,"vmSwapKB":1},"string":{"processName":"app"}}
           {"event":"ProcessMemoryHeartBeat","int64":{"vmRssKB":204801,"vmSwapKB":1},"string":{"processName":"app"}}
           {"event":"ProcessMemoryHeartBeat","int64":{"vmRssKB":204801,"vmSwapKB":1},"string":{"processName":"app"}}
-      with the draws 0.5
   2 errors, 1 warning in 1 file
   $ vig check shown.json --format json | grep -o '"witness".*'
-  "witness":{"events":[{"event":"ProcessMemoryHeartBeat","int64":{"vmRssKB":204801,"vmSwapKB":1},"string":{"processName":"app"}},{"event":"ProcessMemoryHeartBeat","int64":{"vmRssKB":204801,"vmSwapKB":1},"string":{"processName":"app"}},{"event":"ProcessMemoryHeartBeat","int64":{"vmRssKB":204801,"vmSwapKB":1},"string":{"processName":"app"}},{"event":"ProcessMemoryHeartBeat","int64":{"vmRssKB":204801,"vmSwapKB":1},"string":{"processName":"app"}}],"draws":[0.5]}}
+  "witness":{"events":[{"event":"ProcessMemoryHeartBeat","int64":{"vmRssKB":204801,"vmSwapKB":1},"string":{"processName":"app"}},{"event":"ProcessMemoryHeartBeat","int64":{"vmRssKB":204801,"vmSwapKB":1},"string":{"processName":"app"}},{"event":"ProcessMemoryHeartBeat","int64":{"vmRssKB":204801,"vmSwapKB":1},"string":{"processName":"app"}},{"event":"ProcessMemoryHeartBeat","int64":{"vmRssKB":204801,"vmSwapKB":1},"string":{"processName":"app"}}],"draws":[]}}
   $ vig check shown.json --format sarif | grep -o '"properties".*' | cut -c1-80
   "properties":{"witness":{"events":[{"event":"ProcessMemoryHeartBeat","int64":{"v
+  $ machines >shown.json <<EOF
+  > start a Test | integer x > =7; a b EnteringState | $random; b c Test; a c Test | integer x > =9
+  > start a Test; a a EnteringState
+  > start a EnteringState | $random; a b EnteringState; b a EnteringState | double PseudoRandomDouble() > =0.5; b c Test
+  > start a EnteringState; a a EnteringState
+  > EOF
+  $ vig check shown.json --format json | sed -nE 's/.*"name":("[^"]*").*"witness":(.*)}.*/\1 \2/p'
+  "no-way-out" {"events":[{"event":"Test","int64":{"x":8}},{"event":"Test","int64":{"x":10}}],"draws":[0.5]}
+  "no-way-out" {"events":[{"event":"Test"}],"draws":[]}
+  "endless-entering" {"events":[{"event":"Test"}],"draws":[]}
+  "endless-entering" {"events":[],"draws":[0.05,0.75,0.5]}
+  "no-way-out" {"events":[{"event":"Test"}],"draws":[0.05,0.5]}
+  "no-way-out" {"events":[],"draws":[]}
+  "endless-entering" {"events":[],"draws":[]}
+  $ vig check shown.json --verbose | grep 'soon\|0.75'
+      for example: as soon as it starts
+      with the draws 0.05, 0.75, 0.5
+      for example: as soon as it starts
+      for example: as soon as it starts
 
 What would take too long is left undecided, which is said: one event may go two thousand ways before none leads back.
 

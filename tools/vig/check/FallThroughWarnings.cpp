@@ -130,6 +130,7 @@ class FallThroughSearch {
         const auto witness =
             machine.evidence.show(machine.index, plan, "missing-falls-through at " + filter.place.path, isConfirmed);
         if (!witness) {
+            machine.wasCut = true;
             return;
         }
         const TransitionModel& model = transitions[transition];

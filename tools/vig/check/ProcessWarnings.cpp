@@ -196,6 +196,7 @@ class ProcessSearch {
         const auto witness =
             machine.evidence.show(machine.index, plan, "mixed-processes at " + action.place.path, isConfirmed);
         if (!witness) {
+            machine.wasCut = true;
             return;
         }
         const auto pathOf = [&](std::size_t step) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <memory>
 #include <string>
 
 #include "tools/vig/words/NearestName.h"
@@ -16,7 +17,8 @@ namespace {
 class StateJudge {
   public:
     StateJudge(Judged& machine, std::vector<Finding>& found)
-        : behaviour(machine.possible),
+        : machine(machine),
+          behaviour(machine.possible),
           transitions(machine.config.transitions),
           found(found),
           outgoing(behaviour.stateCount()),
@@ -78,11 +80,25 @@ class StateJudge {
                      "once in " + shownQuoted(behaviour.stateName(to)) + ", the machine does nothing any more" +
                          (seemsAccepted[to] ? ": none of the transitions from there ever fires" : ""),
                      seemsAccepted[to] ? "mend their filters" : "if that is meant, call the state \"end\"");
+                found.back().witness = showWaiting(to, "no-way-out at " + transitions[index].place.path);
             }
         }
     }
 
   private:
+    std::shared_ptr<const Witness> showWaiting(std::size_t state, const std::string& claim) {
+        if (!machine.shown.waitsIn(state) || machine.evidence.isUsedUp()) {
+            return nullptr;
+        }
+        const auto plan = machine.shown.planFor(machine.shown.routeToWait(state));
+        return machine.evidence.show(machine.index, plan, claim, [&](const Witness& witness) {
+            const auto last = std::find_if(witness.trials.rbegin(), witness.trials.rend(),
+                                           [](const Witness::Trial& each) { return each.fired; });
+            const bool isAtStart = last == witness.trials.rend();
+            return isAtStart ? state == Behaviour::kStart : behaviour.to(last->transition) == state;
+        });
+    }
+
     // Returns the states that can be reached and not be left: one of them may be a misspelt name. Many are no mistake
     // of spelling.
     std::vector<std::string_view> strayTargets() const {
@@ -118,6 +134,7 @@ class StateJudge {
         return "the machine never comes to " + name + reason;
     }
 
+    Judged& machine;
     Behaviour& behaviour;
     const std::vector<TransitionModel>& transitions;
     std::vector<Finding>& found;

@@ -219,6 +219,7 @@ class StormSearch {
         std::ranges::reverse(circle);
         const auto witness = show(action, circle, questionOf(nodes.back().before, circle.back(), true));
         if (!witness) {
+            machine.wasCut = true;
             return;
         }
         constexpr std::size_t kMostShown = 5;
@@ -252,7 +253,6 @@ class StormSearch {
         auto plan = behaviour.planFor(behaviour.routeToWait(state));
         const auto event = junction.eventFor(question, behaviour.budget());
         if (!plan || !event) {
-            machine.wasCut = true;
             return nullptr;
         }
         const std::size_t before = plan->events.size();

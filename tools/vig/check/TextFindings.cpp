@@ -126,12 +126,12 @@ class TextFindings final : public FindingWriter {
     }
 
     void writeWitness(const Witness& witness) {
-        std::string lines = "    for example:\n";
+        std::string lines = witness.events.empty() ? "    for example: as soon as it starts\n" : "    for example:\n";
         for (const EventRecord& each : witness.events) {
             lines += "        " + shownText(jsonOf(each)) + "\n";
         }
         if (!witness.draws.empty()) {
-            lines += fmt::format("    with the draws {}\n", fmt::join(witness.draws, ", "));
+            lines += shownText(fmt::format("    with the draws {}", fmt::join(witness.draws, ", "))) + "\n";
         }
         output.write(lines);
     }

@@ -26,7 +26,7 @@ Rehearsal::Rehearsal(std::string text, const AttributeSet& context)
 }
 
 Witness Rehearsal::play(std::size_t machine, const Plan& plan) {
-    witness = {plan.events, {}, {}, {}};
+    witness = {plan.events, {}, {}, {}, 0};
     played = machine;
     const auto prepare = [&](std::size_t event) {
         numbers = &plan.draws[event];
@@ -57,6 +57,7 @@ void Rehearsal::loaded(const DocumentModel& /*document*/) {}
 
 void Rehearsal::step(const Step& step) {
     for (const Attempt& attempt : step.attempts) {
+        witness.moves += attempt.fired ? 1 : 0;
         if (step.machine.index == played) {
             Witness::Trial trial{step.event, attempt.index, {}, attempt.fired};
             for (const Comparison& each : attempt.comparisons) {
