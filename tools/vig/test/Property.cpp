@@ -397,7 +397,7 @@ TestOutcome checkProperty(const std::string& rules, const Property& property, co
     {
         const VIGParserConfig registry = libraryRegistry();
         const Catalogue catalogue = Catalogue::builtIn();
-        Effort effort;
+        Effort effort{.interruption = &interruption};
         Rehearsal rehearsal(std::move(text), property.context);
         const Surroundings surroundings{registry, catalogue, property.context, effort};
         std::string failure;
