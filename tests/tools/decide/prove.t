@@ -127,6 +127,14 @@ For programs.
   $ vig prove round.json rules.json --format json | tail -1
   ],"load":{"rate":{"triggers":8,"events":3}}}
 
+What a text is, is what a person would pick; a NUL only where nothing else is left.
+
+  $ for filters in {' < =b',' < =B',' < =5',' < =!0',' < =!',' > = & string s < =a',' > =b & string s < =ba',' < =\u0001'}; do
+  >   echo "start end Test | string s$filters"
+  > done | machines >texts.json
+  $ vig prove texts.json --format json | grep '"path"' | grep -o '"s":"[^"]*"' | tr '\n' ' '
+  "s":"app" "s":"A" "s":"0" "s":"!" "s":" " "s":"A" "s":"bA" "s":"\u0000"  (no-eol)
+
 A context that is given.
 
   $ echo '{"event":"Test","string":{"mode":"b"},"int64":{"limit":6}}' >context.jsonl
