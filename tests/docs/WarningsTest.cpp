@@ -19,22 +19,29 @@ using Strings = std::vector<std::string>;
 
 const std::string kWarnings = support::textOf(VIG_SOURCE_DIR "/docs/warnings.md");
 
+std::vector<Tool::Finding> foundIn(const std::string& text) {
+    return findingsIn(Tool::DocumentText("", text), Tool::libraryRegistry(), Tool::Catalogue::builtIn()).all;
+}
+
 Strings namesRaisedBy(const std::string& text) {
-    const auto found =
-        findingsIn(Tool::DocumentText("", text), Tool::libraryRegistry(), Tool::Catalogue::builtIn()).all;
     Strings names;
-    std::ranges::transform(found, std::back_inserter(names), &Tool::Finding::name);
+    std::ranges::transform(foundIn(text), std::back_inserter(names), &Tool::Finding::name);
     return names;
 }
 
 TEST(Warnings, AreDocumentedEachWithAnExampleThatRaisesItAlone) {
     Strings names;
+    const std::string withEvents = kWarnings.substr(kWarnings.find("These are\n"));
+    const Strings shown = docs::allOf(withEvents.substr(0, withEvents.find(". ")), R"(\[([a-z-]+)\]\(#)");
+    ASSERT_FALSE(shown.empty());
     for (const Tool::WarningName& each : Tool::kWarningNames) {
         const std::string& name = names.emplace_back(each.name);
         const std::string section = kWarnings.substr(kWarnings.find("\n## " + name + "\n"));
         const Strings blocks = docs::allOf(section.substr(0, section.find("\n## ", 1)), docs::kJsonBlock);
         ASSERT_EQ(blocks.size(), 1U) << name;
         EXPECT_EQ(namesRaisedBy(docs::wholeOf(blocks[0])), Strings{name}) << name;
+        EXPECT_EQ(foundIn(docs::wholeOf(blocks[0])).front().witness != nullptr, std::ranges::count(shown, name) > 0)
+            << name;
     }
     EXPECT_THAT(docs::allOf(kWarnings, "\n## ([a-z-]+)\n"), testing::UnorderedElementsAreArray(names));
 }

@@ -32,7 +32,7 @@ For programs: with columns in bytes, and in characters. The rules that a result 
   {"file":"a b.json","line":2,"column":4,"end_line":2,"end_column":13,"severity":"warning","name":"unknown-key","path":"configs[0].note \xc3\xa4","message":"the key \\"note \xc3\xa4\\" is ignored","hint":"known here: \\"id\\", \\"payload\\""}, (esc)
   {"file":"a b.json","line":2,"column":24,"end_line":2,"end_column":28,"severity":"error","name":"InvalidConfig","path":"configs[0].id","message":"Invalid VIG Config JSON: { \\"note \xc3\xa4\\": 1, \\"id\\": true, \\"payload\\": {\xe2\x80\xa6 (\\"id\\" is a boolean)","hint":"a number is needed"}, (esc)
   {"file":"a b.json","line":3,"column":56,"end_line":3,"end_column":71,"severity":"error","name":"InvalidFsm","path":"configs[0].payload.data.transitions[0].event","message":"FSM Event not found!","hint":"there is no event \"ZramHeartbeat\"; did you mean \"ZramHeartBeat\"?"}
-  ],"errors":2,"warnings":1,"files":1,"undecided":0}
+  ],"errors":2,"warnings":1,"files":1,"undecided":[]}
   [1]
   $ vig check "a b.json" --format sarif | grep -nv '^{"id":"[^u].*,$' | sed 's/\("vig","version":"\)[0-9.]*/\1/'
   1:{"version":"2.1.0","$schema":"https://docs.oasis-open.org/sarif/sarif/v2.1.0/os/schemas/sarif-schema-2.1.0.json","runs":[{"tool":{"driver":{"name":"vig","version":"","rules":[
@@ -107,7 +107,7 @@ What events show is shown by them on demand, and always to programs. They are as
   > start hot ProcessMemoryHeartBeat | integer vmRssKB > =102400 | TriggerVelora; hot start ProcessMemoryHeartBeat | integer vmRssKB > =204800
   > EOF
   $ sed -i 's/{"configs":\[/&{"id":true},/' shown.json
-  $ vig check shown.json --verbose | tail -13
+  $ vig check shown.json --verbose | tail -12
       hint: a number is needed
   shown.json:1:590: warning: "TriggerVelora" asks for a collection once in 2 ProcessMemoryHeartBeat events as long as their values stay the same: they lead from "start" to "hot" to "start" [trigger-storm]
       \xe2\x80\xa6onstant","value":"102400"}}],"actions":[{"name":"TriggerVelora"}]},{"from_state":"hot","to_state":"s\xe2\x80\xa6 (esc)
@@ -119,12 +119,35 @@ What events show is shown by them on demand, and always to programs. They are as
           {"event":"ProcessMemoryHeartBeat","int64":{"vmRssKB":204801,"vmSwapKB":1},"string":{"processName":"app"}}
           {"event":"ProcessMemoryHeartBeat","int64":{"vmRssKB":204801,"vmSwapKB":1},"string":{"processName":"app"}}
           {"event":"ProcessMemoryHeartBeat","int64":{"vmRssKB":204801,"vmSwapKB":1},"string":{"processName":"app"}}
-      with the draws 0.5
   2 errors, 1 warning in 1 file
   $ vig check shown.json --format json | grep -o '"witness".*'
-  "witness":{"events":[{"event":"ProcessMemoryHeartBeat","int64":{"vmRssKB":204801,"vmSwapKB":1},"string":{"processName":"app"}},{"event":"ProcessMemoryHeartBeat","int64":{"vmRssKB":204801,"vmSwapKB":1},"string":{"processName":"app"}},{"event":"ProcessMemoryHeartBeat","int64":{"vmRssKB":204801,"vmSwapKB":1},"string":{"processName":"app"}},{"event":"ProcessMemoryHeartBeat","int64":{"vmRssKB":204801,"vmSwapKB":1},"string":{"processName":"app"}}],"draws":[0.5]}}
+  "witness":{"events":[{"event":"ProcessMemoryHeartBeat","int64":{"vmRssKB":204801,"vmSwapKB":1},"string":{"processName":"app"}},{"event":"ProcessMemoryHeartBeat","int64":{"vmRssKB":204801,"vmSwapKB":1},"string":{"processName":"app"}},{"event":"ProcessMemoryHeartBeat","int64":{"vmRssKB":204801,"vmSwapKB":1},"string":{"processName":"app"}},{"event":"ProcessMemoryHeartBeat","int64":{"vmRssKB":204801,"vmSwapKB":1},"string":{"processName":"app"}}],"draws":[]}}
   $ vig check shown.json --format sarif | grep -o '"properties".*' | cut -c1-80
   "properties":{"witness":{"events":[{"event":"ProcessMemoryHeartBeat","int64":{"v
+  $ machines >shown.json <<EOF
+  > start a Test | integer x > =7; a b EnteringState | $random; b c Test; a c Test | integer x > =9
+  > start a Test; a a EnteringState
+  > start a EnteringState | $random; a b EnteringState; b a EnteringState | double PseudoRandomDouble() > =0.5; b c Test
+  > start a EnteringState; a a EnteringState
+  > EOF
+  $ vig check shown.json --format json | sed -nE 's/.*"name":("[^"]*").*"witness":(.*)}.*/\1 \2/p'
+  "no-way-out" {"events":[{"event":"Test","int64":{"x":8}},{"event":"Test","int64":{"x":10}}],"draws":[0.5]}
+  "no-way-out" {"events":[{"event":"Test"}],"draws":[]}
+  "endless-entering" {"events":[{"event":"Test"}],"draws":[]}
+  "endless-entering" {"events":[],"draws":[0.05,0.75,0.5]}
+  "no-way-out" {"events":[{"event":"Test"}],"draws":[0.05,0.5]}
+  "no-way-out" {"events":[],"draws":[]}
+  "endless-entering" {"events":[],"draws":[]}
+  $ vig check shown.json --verbose | grep 'soon\|0.75'
+      for example: as soon as it starts
+      with the draws 0.05, 0.75, 0.5
+      for example: as soon as it starts
+      for example: as soon as it starts
+
+Warnings can be left out, and errors cannot.
+
+  $ vig check shown.json --allow no-way-out --allow endless-entering | tail -1
+  2 errors in 1 file
 
 What would take too long is left undecided, which is said: one event may go two thousand ways before none leads back.
 
@@ -134,6 +157,15 @@ What would take too long is left undecided, which is said: one event may go two 
   > done
   $ echo "$all; 11 start $memory | integer vmRssKB < =10" | machines >ways.json
   $ vig check ways.json --allow unknown-attribute
-  nothing found in 1 file; not all of 1 machine could be decided
+  ways.json: not decided: warnings may be missing of configs[0] (id 0)
+  nothing found in 1 file; not everything could be decided of 1 machine
+  $ vig check ways.json --strict --allow unknown-attribute >out; echo $?
+  1
   $ vig check ways.json --format json | tail -1
-  ],"errors":0,"warnings":22,"files":1,"undecided":1}
+  ],"errors":0,"warnings":22,"files":1,"undecided":[{"file":"ways.json","path":"configs[0]","id":0}]}
+  $ vig check ways.json --format sarif | tail -1
+  ],"invocations":[{"executionSuccessful":true,"toolExecutionNotifications":[{"level":"warning","message":{"text":"ways.json: warnings may be missing of configs[0] (id 0)"}}]}]}]}
+  $ for n in {0..6}; do echo "$all; 11 start $memory | integer vmRssKB < =10"; done | machines >ways.json
+  $ vig check ways.json clean.json --allow unknown-attribute
+  ways.json: not decided: warnings may be missing of configs[0] (id 0), configs[1] (id 1), configs[2] (id 2), configs[3] (id 3), configs[4] (id 4) and 2 more
+  nothing found in 2 files; not everything could be decided of 7 machines

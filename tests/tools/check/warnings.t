@@ -265,6 +265,7 @@ The whole of what is said.
   > start hot ProcessMemoryHeartBeat | $big $collect; hot start ProcessMemoryHeartBeat
   > start hot ProcessMemoryHeartBeat; hot end ProcessMemoryHeartBeat | $big $collect
   > start hot Test; hot end Test | integer =5 < n; hot start Test
+  > start s1 EnteringState $(for n in {1..1005}; do echo "; s$n s$((n + 1)) EnteringState"; done | tr -d '\n')
   > EOF
   warning: once in "hto", the machine does nothing any more [no-way-out]
     hint: if that is meant, call the state "end"
@@ -345,3 +346,11 @@ The whole of what is said.
     hint: add the same filter on processName to both of them
   warning: `5 < n` is false for a Test event without n, which then fires transitions[2] as if it were the opposite [missing-falls-through]
     hint: add the filter `5 >= n` there, or name the attribute in a file for --catalogue if all these events have it
+  warning: the machine never comes to "s1001": EnteringState transitions end after 1000 moves, in "s1000" [unreachable-state]
+    hint: mend what leads there, or leave it out
+  warning: the machine never comes to "s1002", nor to "s1001" before it [unreachable-state]
+    hint: mend what leads there, or leave it out
+  warning: the machine never comes to "s1003", nor to "s1002" before it [unreachable-state]
+    hint: mend what leads there, or leave it out
+  warning: the machine never comes to "s1004", nor to "s1003" before it; likewise 2 more behind these [unreachable-state]
+    hint: mend what leads there, or leave it out

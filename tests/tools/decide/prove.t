@@ -127,6 +127,21 @@ For programs.
   $ vig prove round.json rules.json --format json | tail -1
   ],"load":{"rate":{"triggers":8,"events":3}}}
 
+The documentation has the keys, all of them and no others.
+
+  $ { vig prove rules.json one.json --format json; vig prove round.json --format json --witness w; } |
+  >   sed 's/"events":\[[^]]*\]/"events":0/g' | grep -o '"[a-z_]*":' | tr -d '":' | sort -u >keys
+  $ sed -n '/^## The answers as JSON/,/^## Why/p' "$VIG_SOURCE/docs/proofs.md" |
+  >   sed -E 's/^\|([^|]*)\|.*/\1/' | grep -oE '`[^` ]+`' | grep -oE '[a-z_]+' | sort -u | diff keys -
+
+What a text is, is what a person would pick; a NUL only where nothing else is left.
+
+  $ for filters in {' < =b',' < =B',' < =5',' < =!0',' < =!',' > = & string s < =a',' > =b & string s < =ba',' < =\u0001'}; do
+  >   echo "start end Test | string s$filters"
+  > done | machines >texts.json
+  $ vig prove texts.json --format json | grep '"path"' | grep -o '"s":"[^"]*"' | tr '\n' ' '
+  "s":"app" "s":"A" "s":"0" "s":"!" "s":" " "s":"A" "s":"bA" "s":"\u0000"  (no-eol)
+
 A context that is given.
 
   $ echo '{"event":"Test","string":{"mode":"b"},"int64":{"limit":6}}' >context.jsonl

@@ -125,6 +125,17 @@ Each kind has a shortest recording that refutes it, with what is drawn and decid
   ok    a.test.json: 7 of 7 passed
   7 tests: 7 passed, 0 failed
 
+What only an infinity breaks is true.
+
+  $ machines <<<'start end ProcessCpuHeartBeat | double x > =5 | TriggerVeloraCpu' >finite.json
+  $ finite() { property "$1" "\"trigger_only_if\":$(filters "double x <= =$1")"; }
+  $ properties finite.json "$(finite 1.7976931348623157e308)" "$(finite 1.7976931348623155e308)"
+  $ vig test a.test.json | grep "^[^ ]"
+  FAIL  a.test.json:3: 1.7976931348623155e308
+  FAIL  a.test.json: 1 of 2 passed
+  2 tests: 1 passed, 1 failed
+  [1]
+
 What no machine can do, or is too long to show, fails.
 
   $ properties two.json "$(property never '"can_reach":{"1":"never"}')" "$(property infinite '"can_reach":{"1":"far"}')" \

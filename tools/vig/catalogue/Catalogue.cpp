@@ -50,6 +50,11 @@ std::string textOf(const CataloguedAttributes& attributes, const std::string& in
     return kinds.empty() ? "{}" : fmt::format("{{{}\n{}}}", fmt::join(kinds, ","), indentation);
 }
 
+bool haveKind(const CataloguedAttributes& attributes, std::string_view name, AttributeKind kind) {
+    const auto found = attributes.find(name);
+    return found != attributes.end() && found->second.has(kind);
+}
+
 }  // namespace
 
 std::string KindSet::text() const {
@@ -165,6 +170,15 @@ const CataloguedAttributes* Catalogue::find(EventType type) const {
         return &found->second;
     }
     return type == EventType::EnteringState ? &kNone : nullptr;
+}
+
+bool Catalogue::promises(EventType type, std::string_view name, AttributeKind kind) const {
+    const CataloguedAttributes* const known = find(type);
+    return known != nullptr && haveKind(*known, name, kind);
+}
+
+bool Catalogue::promisesInContext(std::string_view name, AttributeKind kind) const {
+    return haveKind(contextAttributes, name, kind);
 }
 
 std::string Catalogue::text() const {

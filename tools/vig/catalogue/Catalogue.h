@@ -5,6 +5,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "rulesengine/EventType.h"
 #include "tools/vig/document/DocumentText.h"
@@ -54,6 +55,10 @@ class Catalogue {
     const CataloguedAttributes* find(RulesEngine::EventType type) const;
 
     const CataloguedAttributes& context() const { return contextAttributes; }
+
+    // Tell whether events of the type, or the context, are known to have the attribute under that kind.
+    bool promises(RulesEngine::EventType type, std::string_view name, AttributeKind kind) const;
+    bool promisesInContext(std::string_view name, AttributeKind kind) const;
 
     // The catalogue as JSON that read() reads back to an equal one: the types in the order of the library's table,
     // the names in byte order.

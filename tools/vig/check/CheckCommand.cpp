@@ -69,16 +69,17 @@ int check(const CheckOptions& options, const Console& console, const Interruptio
             isUsable = false;
         }
         std::erase_if(findings.all, [&](const Finding& each) {
-            return std::ranges::find(options.allowed, each.name) != options.allowed.end();
+            return each.severity == Severity::Warning &&
+                   std::ranges::find(options.allowed, each.name) != options.allowed.end();
         });
-        writer->write(document.source(), findings.all);
+        writer->write(document.source(), findings);
         const auto errors =
             static_cast<std::size_t>(std::ranges::count(findings.all, Severity::Error, &Finding::severity));
         counts = {counts.errors + errors, counts.warnings + findings.all.size() - errors, counts.files + 1,
-                  counts.undecided + findings.undecided};
+                  counts.undecided + findings.undecided.size()};
     }
     writer->end(counts);
-    const bool areRefused = counts.errors > 0 || (options.strict && counts.warnings > 0);
+    const bool areRefused = counts.errors > 0 || (options.strict && (counts.warnings > 0 || counts.undecided > 0));
     return console.finish(output, !isUsable ? kExitUnusable : areRefused ? kExitRefused : kExitDone);
 }
 
@@ -105,8 +106,9 @@ void addCheck(CommandLine& commandLine, CheckOptions& options) {
                 {{"text", FindingFormat::Text}, {"json", FindingFormat::Json}, {"sarif", FindingFormat::Sarif}},
                 "text for people, json for programs, sarif for code reviews");
     verb.flag("--verbose", options.verbose, "Adds events that show what a finding tells, where it is about events");
-    verb.flag("--strict", options.strict, "Lets warnings give the exit status 1");
-    verb.names("--allow", options.allowed, names, "warning", "Leaves the warnings of that name out; may be repeated");
+    verb.flag("--strict", options.strict, "Lets warnings, and what is not decided, give the exit status 1");
+    verb.names("--allow", options.allowed, names, "warning",
+               "Leaves the warnings of that name out, but no errors; may be repeated");
     addCatalogueFile(verb, options.catalogueFile);
     verb.name("--events", options.eventsFile, "EVENTS",
               "Event records: their attributes stand in the place of those that the tool knows, or add to FILE's");

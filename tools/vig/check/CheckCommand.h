@@ -15,7 +15,7 @@ struct CheckOptions {
     std::vector<std::string> rules = {};  // files with rule documents
     FindingFormat format = FindingFormat::Text;
     bool verbose = false;                   // findings that events show are told with these
-    bool strict = false;                    // warnings count as errors for the exit status
+    bool strict = false;                    // for the exit status, warnings and what is not decided count as errors
     std::vector<std::string> allowed = {};  // names of kWarningNames that are not reported
     std::string catalogueFile = {};         // the attributes of events; empty for those that the tool knows
     std::string eventsFile = {};            // a recording whose attributes stand in their place, or add to that file's

@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <memory>
 #include <span>
 #include <string>
 
+#include "rulesengine/FiniteStateMachine.h"
 #include "tools/vig/words/Text.h"
 
 namespace Brenta::OS::VIG::Tool {
@@ -68,7 +70,7 @@ class CycleSearch {
         if (depths[to] == kUnseen) {
             enter(to);
         } else if (depths[to] != kDone) {
-            report(machine.config.transitions[transition], std::span(path).subspan(depths[to]));
+            report(transition, std::span(path).subspan(depths[to]));
         }
     }
 
@@ -79,7 +81,8 @@ class CycleSearch {
                                    [&](std::size_t each) { return machine.logics[each].isConditional; });
     }
 
-    void report(const TransitionModel& closing, std::span<const Step> cycle) {
+    void report(std::size_t last, std::span<const Step> cycle) {
+        const TransitionModel& closing = machine.config.transitions[last];
         constexpr std::size_t kMostShown = 5;
         std::string states;
         for (const Step& step : cycle.first(std::min(cycle.size(), kMostShown))) {
@@ -92,9 +95,43 @@ class CycleSearch {
                  (endless ? ", without end" : ", unless filters say otherwise") + ": one event makes up to 1000 moves",
              "let one of them listen for another event");
         found.back().severity = endless ? Severity::Error : Severity::Warning;
+        found.back().witness = show(cycle, "endless-entering at " + closing.place.path, endless);
     }
 
-    const Judged& machine;
+    // Shows that the machine goes round once, or as long as the library lets it.
+    std::shared_ptr<const Witness> show(std::span<const Step> cycle, const std::string& claim, bool endless) {
+        std::vector<std::size_t> round;
+        for (const Step& step : cycle) {
+            round.push_back(followed[step.state][step.next - 1]);
+        }
+        Behaviour& shown = machine.shown;
+        if (machine.evidence.isUsedUp() || shown.reaches(cycle.front().state) != Answer::Yes ||
+            !std::ranges::all_of(round, [&](std::size_t each) { return shown.canFire(each) == Answer::Yes; })) {
+            return nullptr;
+        }
+        Route route = shown.routeTo(cycle.front().state);
+        route.ending = shown.targetOf(round.front());
+        auto plan = shown.planFor(route);
+        EventRecord entering;
+        entering.type = EventType::EnteringState;
+        for (std::size_t index = 1; plan && index < round.size(); ++index) {
+            const DrawPlan draws = shown.junctionOf(round[index]).drawsFor(entering, shown.targetOf(round[index]));
+            plan->draws.back().insert(plan->draws.back().end(), draws.numbers.begin(), draws.numbers.end());
+        }
+        return machine.evidence.show(machine.index, plan, claim, [&](const Witness& witness) {
+            const auto moves = std::ranges::count_if(witness.trials, [&](const Witness::Trial& each) {
+                return each.fired && each.event == witness.events.size() &&
+                       machine.config.transitions[each.transition].event == EventType::EnteringState;
+            });
+            const bool isAtTheLimit =
+                static_cast<std::size_t>(moves) == RulesEngine::FiniteStateMachine::MAX_ENTERING_STATE_MOVES;
+            return isAtTheLimit || (!endless && std::ranges::all_of(round, [&](std::size_t each) {
+                       return witness.firesAtTheEnd(each);
+                   }));
+        });
+    }
+
+    Judged& machine;
     Behaviour& behaviour;
     std::vector<Finding>& found;
     std::vector<std::vector<std::size_t>> followed;  // of each state, the EnteringState transitions that can fire

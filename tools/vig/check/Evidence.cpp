@@ -9,6 +9,9 @@ namespace Brenta::OS::VIG::Tool {
 
 namespace {
 
+// So much is spent on showing, so that very many warnings do not take long.
+constexpr std::uint64_t kMostSpent = 20'000'000;
+
 bool drawsAnywhere(const ConfigModel& machine) {
     return std::ranges::any_of(machine.transitions,
                                [](const TransitionModel& each) { return std::ranges::any_of(each.filters, draws); });
@@ -16,23 +19,28 @@ bool drawsAnywhere(const ConfigModel& machine) {
 
 }  // namespace
 
-Evidence::Evidence(std::span<const ConfigModel> accepted)
-    : machines(accepted), haveDraws(std::ranges::any_of(accepted, drawsAnywhere)) {}
+Evidence::Evidence(std::span<const ConfigModel> accepted) : machines(accepted), effort{kMostSpent} {
+    for (const ConfigModel& each : machines) {
+        drawing.push_back(drawsAnywhere(each));
+    }
+}
 
 std::shared_ptr<const Witness> Evidence::show(std::size_t machine, const std::optional<Plan>& plan,
                                               std::string_view claim,
                                               const std::function<bool(const Witness&)>& confirms) {
-    if (!plan) {
+    // The machines have nothing in common but the numbers that are drawn. So one that does not draw plays alone, and a
+    // document with many of them does not take the square of the time.
+    const auto players = drawing[machine] ? machines : machines.subspan(machine, 1);
+    if (!plan || !effort.spend(kEffortOfOffer * (plan->events.size() + 1) * players.size())) {
         return nullptr;
     }
-    // The machines have nothing in common but the numbers that are drawn. Where there are none, the one in question
-    // plays alone, so that a document with many of them does not take the square of the time.
-    if (!rehearsal || (!haveDraws && rehearsed != machine)) {
+    if (!rehearsal || rehearsed.data() != players.data() || rehearsed.size() != players.size()) {
         rehearsal.reset();  // two at a time would stand in each other's way
-        rehearsal.emplace(haveDraws ? machines : machines.subspan(machine, 1), emptyContext);
-        rehearsed = machine;
+        rehearsal.emplace(players, emptyContext);
+        rehearsed = players;
     }
-    Witness witness = rehearsal->play(haveDraws ? machine : 0, *plan);
+    Witness witness = rehearsal->play(drawing[machine] ? machine : 0, *plan);
+    effort.spend(kEffortOfOffer * witness.moves);
     if (!confirms(witness)) {
         faults.emplace_back(claim);
         return nullptr;

@@ -66,12 +66,7 @@ class FallThroughSearch {
   private:
     bool isPromised(EventType event, std::string_view name, FilterValueType type) const {
         const Catalogue& catalogue = machine.surroundings.catalogue;
-        const auto has = [&](const CataloguedAttributes& known) {
-            const auto place = known.find(name);
-            return place != known.end() && place->second.has(kindOf(type));
-        };
-        const CataloguedAttributes* const known = catalogue.find(event);
-        return (known != nullptr && has(*known)) || has(catalogue.context());
+        return catalogue.promises(event, name, kindOf(type)) || catalogue.promisesInContext(name, kindOf(type));
     }
 
     void searchIn(std::size_t transition, const FilterModel& filter, std::string_view name) {
@@ -128,6 +123,7 @@ class FallThroughSearch {
         const auto witness =
             machine.evidence.show(machine.index, plan, "missing-falls-through at " + filter.place.path, isConfirmed);
         if (!witness) {
+            machine.wasCut = true;
             return;
         }
         const TransitionModel& model = transitions[transition];

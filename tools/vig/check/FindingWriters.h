@@ -2,7 +2,6 @@
 
 #include <cstddef>
 #include <memory>
-#include <span>
 #include <string>
 
 #include "tools/vig/check/Findings.h"
@@ -16,7 +15,7 @@ struct FindingCounts {
     std::size_t errors = 0;
     std::size_t warnings = 0;
     std::size_t files = 0;
-    std::size_t undecided = 0;  // machines of which not everything could be decided
+    std::size_t undecided = 0;  // configurations of which not everything could be decided
 };
 
 // Writes what is found in rule documents.
@@ -24,8 +23,8 @@ class FindingWriter {
   public:
     virtual ~FindingWriter() = default;
 
-    // `findings` are those of one file, in the order of their places.
-    virtual void write(const SourceText& source, std::span<const Finding> findings) = 0;
+    // `findings` are those of one file.
+    virtual void write(const SourceText& source, const Findings& findings) = 0;
     virtual void end(const FindingCounts& counts) = 0;
 };
 
@@ -36,6 +35,9 @@ std::unique_ptr<FindingWriter> textFindings(Output& output, bool coloured, bool 
 
 // This writer is for programs: one object with a list of the findings. Columns count bytes.
 std::unique_ptr<FindingWriter> jsonFindings(Output& output);
+
+// Says of what warnings may be missing. REQUIRES: something could not be decided.
+std::string gapsIn(const Findings& findings);
 
 // Returns the witness as JSON: {"events":[…],"draws":[…]}.
 std::string jsonOf(const Witness& witness);

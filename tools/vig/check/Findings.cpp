@@ -61,7 +61,9 @@ void judge(const DocumentText& document, const std::vector<Json::ArrayIndex>& ac
         }
         Judged machine{configs[index], index, given, possible ? *possible : shown, shown, evidence};
         appendRuleWarnings(machine, findings.all);
-        findings.undecided += machine.wasCut || machine.possible.hasGaps() || shown.hasGaps() ? 1 : 0;
+        if (machine.wasCut || machine.possible.hasGaps() || shown.hasGaps()) {
+            findings.undecided.push_back({configs[index].place.path, configs[index].id});
+        }
     }
     findings.unconfirmed = std::move(evidence.faults);
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
@@ -24,9 +24,15 @@ struct Finding {
     std::shared_ptr<const Witness> witness = nullptr;  // that it happens, with an empty context; may be null
 };
 
+// It is a configuration of which not everything could be decided, so that warnings of it may be missing.
+struct UndecidedConfig {
+    std::string path;  // such as "configs[0]"
+    std::int64_t id;
+};
+
 struct Findings {
-    std::vector<Finding> all;              // by place
-    std::size_t undecided = 0;             // machines of which not everything could be decided
+    std::vector<Finding> all;  // by place
+    std::vector<UndecidedConfig> undecided;
     std::vector<std::string> unconfirmed;  // what was found, and the library does something else: faults of the tool
 };
 

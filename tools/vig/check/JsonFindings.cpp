@@ -2,6 +2,7 @@
 
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "tools/vig/check/FindingWriters.h"
 #include "tools/vig/words/Text.h"
@@ -14,8 +15,12 @@ class JsonFindings final : public FindingWriter {
   public:
     explicit JsonFindings(Output& output) : output(output) { output.write(R"({"findings":[)"); }
 
-    void write(const SourceText& source, std::span<const Finding> findings) override {
-        for (const Finding& finding : findings) {
+    void write(const SourceText& source, const Findings& findings) override {
+        for (const UndecidedConfig& each : findings.undecided) {
+            undecided.push_back(
+                fmt::format(R"({{"file":{},"path":{},"id":{}}})", quoted(source.name()), quoted(each.path), each.id));
+        }
+        for (const Finding& finding : findings.all) {
             const auto start = source.positionOf(finding.place.begin);
             const auto end = source.positionOf(finding.place.end);
             output.write(
@@ -30,13 +35,14 @@ class JsonFindings final : public FindingWriter {
     }
 
     void end(const FindingCounts& counts) override {
-        output.write(fmt::format("\n],\"errors\":{},\"warnings\":{},\"files\":{},\"undecided\":{}}}\n", counts.errors,
-                                 counts.warnings, counts.files, counts.undecided));
+        output.write(fmt::format("\n],\"errors\":{},\"warnings\":{},\"files\":{},\"undecided\":[{}]}}\n", counts.errors,
+                                 counts.warnings, counts.files, fmt::join(undecided, ",")));
     }
 
   private:
     Output& output;
-    std::string_view separator;  // from the finding before
+    std::string_view separator;          // from the finding before
+    std::vector<std::string> undecided;  // of all files, as JSON
 };
 
 }  // namespace

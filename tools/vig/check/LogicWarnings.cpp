@@ -74,7 +74,10 @@ class FilterJudge {
             question.push_back(&junction.toHold(place, index, true));
         }
         const Answer together = question.size() > 1 ? behaviour.answerTo(junction, {0, question}) : Answer::Yes;
-        logic.holds = std::max(logic.holds, together);
+        const Answer whole = possible.size() < filters.size() && logic.holds != Answer::No
+                                 ? behaviour.answerTo(junction, {0, junction.toHold(place, filters.size())})
+                                 : together;
+        logic.holds = std::max({logic.holds, together, whole});
         if (together == Answer::Yes || together == Answer::Undecided) {
             return;
         }

@@ -18,8 +18,6 @@
 
 namespace Brenta::OS::VIG::Tool {
 
-using RulesEngine::EventType;
-
 namespace {
 
 constexpr std::string_view kProcessName = "processName";
@@ -72,7 +70,9 @@ class ProcessSearch {
                                  return state != Behaviour::kStart && state != behaviour.from(transition);
                              });
         const auto ways = behaviour.waysToTrigger(transition);
-        if ((!leadsOn && ways.empty()) || !isPromised(transitions[transition].event)) {
+        const Catalogue& catalogue = machine.surroundings.catalogue;
+        if ((!leadsOn && ways.empty()) ||
+            !catalogue.promises(transitions[transition].event, kProcessName, AttributeKind::String)) {
             return {};
         }
         const Binding binding = bindingOf(transition);
@@ -92,12 +92,6 @@ class ProcessSearch {
             options.push_back({behaviour.junctionOf(transition).toReach(behaviour.targetOf(transition)), next});
         }
         return options;
-    }
-
-    bool isPromised(EventType event) const {
-        const CataloguedAttributes* const known = machine.surroundings.catalogue.find(event);
-        const auto place = known != nullptr ? known->find(kProcessName) : CataloguedAttributes::const_iterator();
-        return known != nullptr && place != known->end() && place->second.has(AttributeKind::String);
     }
 
     // Returns of what processes events can be that fire the transition.
@@ -196,6 +190,7 @@ class ProcessSearch {
         const auto witness =
             machine.evidence.show(machine.index, plan, "mixed-processes at " + action.place.path, isConfirmed);
         if (!witness) {
+            machine.wasCut = true;
             return;
         }
         const auto pathOf = [&](std::size_t step) {

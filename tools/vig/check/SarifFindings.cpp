@@ -90,10 +90,14 @@ class SarifFindings final : public FindingWriter {
         output.write(R"(]}},"columnKind":"unicodeCodePoints","results":[)");
     }
 
-    void write(const SourceText& source, std::span<const Finding> findings) override {
+    void write(const SourceText& source, const Findings& findings) override {
+        if (!findings.undecided.empty()) {
+            gaps.push_back(fmt::format(R"({{"level":"warning","message":{{"text":{}}}}})",
+                                       quoted(source.name() + ": " + gapsIn(findings))));
+        }
         const std::string uri = uriOf(source.name());
         Columns columns(source);
-        for (const Finding& finding : findings) {
+        for (const Finding& finding : findings.all) {
             const auto rule = std::ranges::find(known, finding.name, &WarningName::name) - known.begin();
             const std::string hint = finding.hint.empty() ? "" : " Hint: " + finding.hint;
             output.write(
@@ -107,12 +111,21 @@ class SarifFindings final : public FindingWriter {
         }
     }
 
-    void end(const FindingCounts&) override { output.write("\n]}]}\n"); }
+    void end(const FindingCounts&) override {
+        output.write("\n]");
+        if (!gaps.empty()) {
+            output.write(
+                fmt::format(R"(,"invocations":[{{"executionSuccessful":true,"toolExecutionNotifications":[{}]}}])",
+                            fmt::join(gaps, ",")));
+        }
+        output.write("}]}\n");
+    }
 
   private:
     Output& output;
     const std::vector<WarningName> known = rules();
-    std::string_view separator;  // from the finding before
+    std::string_view separator;     // from the finding before
+    std::vector<std::string> gaps;  // notifications of what is not decided, as JSON
 };
 
 }  // namespace

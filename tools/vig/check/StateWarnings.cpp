@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <memory>
 #include <string>
 
 #include "tools/vig/words/NearestName.h"
@@ -16,7 +17,8 @@ namespace {
 class StateJudge {
   public:
     StateJudge(Judged& machine, std::vector<Finding>& found)
-        : behaviour(machine.possible),
+        : machine(machine),
+          behaviour(machine.possible),
           transitions(machine.config.transitions),
           found(found),
           outgoing(behaviour.stateCount()),
@@ -38,8 +40,12 @@ class StateJudge {
         }
     }
 
-    // Each state is named once, at its first transition.
+    // Each state is named once, at its first transition. Of those that are lost with one before them only some are
+    // named.
     void appendUnreachable() {
+        constexpr std::size_t kMostFollowing = 3;
+        std::vector<std::size_t> following;  // findings
+        std::size_t others = 0;
         std::vector<bool> done(behaviour.stateCount());
         // It is there without being used.
         done[Behaviour::kEnd] = outgoing[Behaviour::kEnd].empty();
@@ -49,13 +55,27 @@ class StateJudge {
                  {std::pair(behaviour.from(index), "from_state"), std::pair(behaviour.to(index), "to_state")}) {
                 if (!done[state] && behaviour.reaches(state) == Answer::No) {
                     done[state] = true;
+                    const std::string reason = isChained[state] ? whyUnreachable(state) : "";
+                    if (reason.starts_with(kNorBefore)) {
+                        if (following.size() == kMostFollowing) {
+                            ++others;
+                            continue;
+                        }
+                        following.push_back(found.size());
+                    }
                     const std::string hint = asHint(suggestion(behaviour.stateName(state), candidates));
-                    warn(found, "unreachable-state", placeOf(transitions[index], member), whyUnreachable(state),
+                    warn(found, "unreachable-state", placeOf(transitions[index], member),
+                         (isChained[state] ? "the machine never comes to "
+                                           : "no chain of transitions leads from \"start\" to ") +
+                             shownQuoted(behaviour.stateName(state)) + reason,
                          isChained[state] ? "mend what leads there, or leave it out"
                          : hint.empty()   ? "lead a transition there, or leave it out"
                                           : hint);
                 }
             }
+        }
+        if (others > 0) {
+            found[following.back()].message += "; likewise " + std::to_string(others) + " more behind these";
         }
     }
 
@@ -78,11 +98,27 @@ class StateJudge {
                      "once in " + shownQuoted(behaviour.stateName(to)) + ", the machine does nothing any more" +
                          (seemsAccepted[to] ? ": none of the transitions from there ever fires" : ""),
                      seemsAccepted[to] ? "mend their filters" : "if that is meant, call the state \"end\"");
+                found.back().witness = showWaiting(to, "no-way-out at " + transitions[index].place.path);
             }
         }
     }
 
   private:
+    static constexpr std::string_view kNorBefore = ", nor to ";
+
+    std::shared_ptr<const Witness> showWaiting(std::size_t state, const std::string& claim) {
+        if (!machine.shown.waitsIn(state) || machine.evidence.isUsedUp()) {
+            return nullptr;
+        }
+        const auto plan = machine.shown.planFor(machine.shown.routeToWait(state));
+        return machine.evidence.show(machine.index, plan, claim, [&](const Witness& witness) {
+            const auto last = std::find_if(witness.trials.rbegin(), witness.trials.rend(),
+                                           [](const Witness::Trial& each) { return each.fired; });
+            const bool isAtStart = last == witness.trials.rend();
+            return isAtStart ? state == Behaviour::kStart : behaviour.to(last->transition) == state;
+        });
+    }
+
     // Returns the states that can be reached and not be left: one of them may be a misspelt name. Many are no mistake
     // of spelling.
     std::vector<std::string_view> strayTargets() const {
@@ -96,28 +132,29 @@ class StateJudge {
         return names;
     }
 
+    // Returns the end of the sentence that the machine never comes there. REQUIRES: a chain of transitions does.
     std::string whyUnreachable(std::size_t state) {
-        const std::string name = shownQuoted(behaviour.stateName(state));
-        if (!isChained[state]) {
-            return "no chain of transitions leads from \"start\" to " + name;
-        }
         std::string reason;
         for (const std::size_t each : incoming[state]) {
             const std::string before = shownQuoted(behaviour.stateName(behaviour.from(each)));
             if (behaviour.reaches(behaviour.from(each)) == Answer::No) {
                 if (reason.empty() && behaviour.from(each) != state) {
-                    reason = ", nor to " + before + " before it";
+                    reason = std::string(kNorBefore) + before + " before it";
                 }
             } else if (behaviour.canFire(each) == Answer::No) {
                 reason = ": none of the transitions that could lead there ever fires";
+            } else if (transitions[each].event == EventType::EnteringState) {
+                reason = ": EnteringState transitions end after 1000 moves, in " + before;
+                break;
             } else {
                 reason = ": EnteringState transitions always leave " + before + " at once, before an event leads on";
                 break;
             }
         }
-        return "the machine never comes to " + name + reason;
+        return reason;
     }
 
+    Judged& machine;
     Behaviour& behaviour;
     const std::vector<TransitionModel>& transitions;
     std::vector<Finding>& found;

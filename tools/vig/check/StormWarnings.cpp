@@ -29,7 +29,10 @@ using RulesEngine::EventType;
 
 namespace {
 
-constexpr std::size_t kMostTried = 1'000;  // steps on the ways that begin with one transition
+// So much of what may be looked at is left to others. Machines of very many states that lead everywhere have more ways
+// than can be tried.
+constexpr std::uint64_t kMostSpent = 25'000'000;
+constexpr std::uint64_t kEffortOfStep = 10;
 
 constexpr std::size_t kNone = std::numeric_limits<std::size_t>::max();
 
@@ -46,7 +49,8 @@ class StormSearch {
           behaviour(machine.shown),
           transitions(std::move(listening)),
           junction(modelsOf(machine.config, transitions), event, {}, machine.surroundings),
-          found(found) {}
+          found(found),
+          leftBefore(behaviour.budget().left) {}
 
     void search() {
         findSteps();
@@ -152,7 +156,6 @@ class StormSearch {
         }
         nodes.clear();
         const std::size_t start = behaviour.from(steps[first].transition);
-        std::size_t tried = 0;
         bool isFound = canFollow(kNone, first);
         if (isFound) {
             nodes.push_back({first, kNone});
@@ -160,7 +163,7 @@ class StormSearch {
         }
         for (std::size_t node = 0; node < nodes.size() && !isFound; ++node) {
             for (const std::size_t step : stepsFrom[steps[nodes[node].step].to]) {
-                if (++tried > kMostTried) {
+                if (!behaviour.budget().spend(kEffortOfStep) || behaviour.budget().left + kMostSpent < leftBefore) {
                     machine.wasCut = true;
                     return;
                 }
@@ -219,6 +222,7 @@ class StormSearch {
         std::ranges::reverse(circle);
         const auto witness = show(action, circle, questionOf(nodes.back().before, circle.back(), true));
         if (!witness) {
+            machine.wasCut = true;
             return;
         }
         constexpr std::size_t kMostShown = 5;
@@ -252,7 +256,6 @@ class StormSearch {
         auto plan = behaviour.planFor(behaviour.routeToWait(state));
         const auto event = junction.eventFor(question, behaviour.budget());
         if (!plan || !event) {
-            machine.wasCut = true;
             return nullptr;
         }
         const std::size_t before = plan->events.size();
@@ -276,6 +279,7 @@ class StormSearch {
     const std::vector<std::size_t> transitions;  // by their place in the junction
     const Junction junction;
     std::vector<Finding>& found;
+    const std::uint64_t leftBefore;                  // of the effort
     std::deque<Clause> clauses;                      // that fates refer to
     std::map<std::size_t, std::vector<Fate>> fates;  // of the transitions of each state
     std::vector<Step> steps;

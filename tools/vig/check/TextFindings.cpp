@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <span>
 #include <string>
 #include <utility>
 #include <vector>
@@ -80,9 +81,13 @@ class TextFindings final : public FindingWriter {
     TextFindings(Output& output, bool wantsColours, bool isVerbose)
         : output(output), coloured(wantsColours), verbose(isVerbose) {}
 
-    void write(const SourceText& source, std::span<const Finding> findings) override {
-        for (const Finding& finding : findings) {
+    void write(const SourceText& source, const Findings& findings) override {
+        for (const Finding& finding : findings.all) {
             write(source, finding);
+        }
+        if (!findings.undecided.empty()) {
+            output.write(inColour(kBold, printable(source.name()) + ": ", coloured) +
+                         inColour(kBoldYellow, "not decided: ", coloured) + gapsIn(findings) + "\n");
         }
     }
 
@@ -98,7 +103,7 @@ class TextFindings final : public FindingWriter {
             found.push_back(counted(counts.warnings, "warning"));
         }
         const std::string gaps = counts.undecided == 0 ? ""
-                                                       : fmt::format("; not all of {} could be decided",
+                                                       : fmt::format("; not everything could be decided of {}",
                                                                      counted(counts.undecided, "machine"));
         output.write(fmt::format("{} in {}{}\n",
                                  found.empty() ? "nothing found" : fmt::format("{}", fmt::join(found, ", ")),
@@ -126,12 +131,12 @@ class TextFindings final : public FindingWriter {
     }
 
     void writeWitness(const Witness& witness) {
-        std::string lines = "    for example:\n";
+        std::string lines = witness.events.empty() ? "    for example: as soon as it starts\n" : "    for example:\n";
         for (const EventRecord& each : witness.events) {
             lines += "        " + shownText(jsonOf(each)) + "\n";
         }
         if (!witness.draws.empty()) {
-            lines += fmt::format("    with the draws {}\n", fmt::join(witness.draws, ", "));
+            lines += shownText(fmt::format("    with the draws {}", fmt::join(witness.draws, ", "))) + "\n";
         }
         output.write(lines);
     }
@@ -142,6 +147,16 @@ class TextFindings final : public FindingWriter {
 };
 
 }  // namespace
+
+std::string gapsIn(const Findings& findings) {
+    constexpr std::size_t kMostNamed = 5;
+    const auto named = std::span(findings.undecided).first(std::min(findings.undecided.size(), kMostNamed));
+    const std::size_t others = findings.undecided.size() - named.size();
+    return "warnings may be missing of " +
+           joined(named, ", ",
+                  [](const UndecidedConfig& each) { return fmt::format("{} (id {})", each.path, each.id); }) +
+           (others > 0 ? fmt::format(" and {} more", others) : "");
+}
 
 std::unique_ptr<FindingWriter> textFindings(Output& output, bool coloured, bool verbose) {
     return std::make_unique<TextFindings>(output, coloured, verbose);

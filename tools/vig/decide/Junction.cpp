@@ -172,22 +172,17 @@ bool Junction::isOfOpenContext(std::string_view name, FilterValueType kind) cons
     if (surroundings.kind == Surroundings::Context::Open) {
         return true;
     }
-    const CataloguedAttributes& known = surroundings.catalogue.context();
-    const auto found = known.find(name);
-    return surroundings.kind == Surroundings::Context::Catalogued && found != known.end() &&
-           found->second.has(kindOf(kind));
+    return surroundings.kind == Surroundings::Context::Catalogued &&
+           surroundings.catalogue.promisesInContext(name, kindOf(kind));
 }
 
 std::size_t Junction::variableOf(std::string_view name, FilterValueType kind) {
     const auto [place, isNew] = variables.emplace(std::pair(kind, name), space.variables.size());
     if (isNew) {
-        const CataloguedAttributes* const known = surroundings.catalogue.find(type);
-        const bool isPromised =
-            known != nullptr && known->contains(name) && known->find(name)->second.has(kindOf(kind));
         const std::string text(name);
         Variable variable{kind, name, Scale(kind)};
         variable.isNamedInUtf8 = replaceInvalidUtf8(text) == text;
-        variable.isPromised = isPromised;
+        variable.isPromised = surroundings.catalogue.promises(type, name, kindOf(kind));
         space.variables.push_back(std::move(variable));
     }
     return place->second;

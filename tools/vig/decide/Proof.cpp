@@ -14,9 +14,6 @@ namespace Brenta::OS::VIG::Tool {
 
 namespace {
 
-// So much costs an event that is offered to a machine in the library.
-constexpr std::uint64_t kEffortOfOffer = 50;
-
 // Has the library confirm what was decided of one machine.
 class Confirmation {
   public:

@@ -28,7 +28,7 @@ Rehearsal::Rehearsal(std::span<const ConfigModel> machines, const AttributeSet& 
 }
 
 Witness Rehearsal::play(std::size_t machine, const Plan& plan) {
-    witness = {plan.events, {}, {}, {}};
+    witness = {plan.events, {}, {}, {}, 0};
     played = machine;
     const auto prepare = [&](std::size_t event) {
         numbers = &plan.draws[event];
@@ -59,6 +59,7 @@ void Rehearsal::loaded(const DocumentModel& /*document*/) {}
 
 void Rehearsal::step(const Step& step) {
     for (const Attempt& attempt : step.attempts) {
+        witness.moves += attempt.fired ? 1 : 0;
         if (step.machine.index == played) {
             Witness::Trial trial{step.event, attempt.index, {}, attempt.fired};
             for (const Comparison& each : attempt.comparisons) {

@@ -16,6 +16,9 @@
 
 namespace Brenta::OS::VIG::Tool {
 
+// So much effort costs an event that is offered to a machine in the library, and a move.
+inline constexpr std::uint64_t kEffortOfOffer = 50;
+
 // It is a recording that shows something, and what the machine that it is about did with it, in the library.
 struct Witness {
     // One transition that the machine tried.
@@ -30,6 +33,7 @@ struct Witness {
     std::vector<double> draws;            // of all machines of the document, in order; the last one is drawn for ever
     std::vector<Trial> trials;            // those of all events
     std::vector<std::uint64_t> triggers;  // the events by which it asked for collections
+    std::uint64_t moves = 0;              // of all machines
 
     // Tell whether the machine fired it by the event, the last one or that of the number, or after that.
     bool fires(std::size_t transition, std::uint64_t event) const;

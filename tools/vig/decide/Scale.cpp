@@ -216,8 +216,6 @@ std::vector<Value> Scale::plainValues(Cell first, Cell last) const {
             // A step beyond the greatest integer comes out below, which is in other cells.
             values.emplace_back(
                 static_cast<std::int64_t>(static_cast<std::uint64_t>(*whole) + static_cast<std::uint64_t>(step)));
-        } else {
-            values.emplace_back(std::get<std::string>(constant) + (step > 0 ? "a" : ""));
         }
     };
     const auto isBound = [&](std::size_t place) {
@@ -230,6 +228,12 @@ std::vector<Value> Scale::plainValues(Cell first, Cell last) const {
     }
     if (first > 0 && isBound((first - 1) / 2)) {
         addNear((first - 1) / 2, 1);
+    }
+    if (kind == FilterValueType::String) {
+        const std::string below = first > 0 ? std::get<std::string>(constants[(first - 1) / 2]) : "";
+        for (const char* const ending : {"a", "A", "0", "!", " "}) {
+            values.emplace_back(below + ending);
+        }
     }
     if (isBound((last - 1) / 2)) {
         addNear((last - 1) / 2, -1);

@@ -398,7 +398,7 @@ TestOutcome checkProperty(const std::string& rules, const Property& property, co
     {
         const VIGParserConfig registry = libraryRegistry();
         const Catalogue catalogue = Catalogue::builtIn();
-        Effort effort;
+        Effort effort{.interruption = &interruption};
         const DocumentModel document({}, std::move(text));
         Rehearsal rehearsal(document.configs, property.context);
         const Surroundings surroundings{registry, catalogue, property.context, effort};
