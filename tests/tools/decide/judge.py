@@ -231,8 +231,11 @@ class Case:
     def vig(self, verb, *arguments, text=""):
         if self.context and verb != "test":
             arguments += "--context", "context.json"
-        return subprocess.run([self.program, verb, *arguments], cwd=self.folder, input=text, capture_output=True,
+        done = subprocess.run([self.program, verb, *arguments], cwd=self.folder, input=text, capture_output=True,
                               encoding="utf-8", timeout=120, check=False)
+        if done.returncode not in (0, 1):  # what it has not answered is neither right nor wrong
+            raise ChildProcessError(f"vig {verb} ends with {done.returncode} and says {done.stderr}{done.stdout}")
+        return done
 
     def expect(self, what, expected, got):
         if expected != got:
@@ -286,9 +289,6 @@ class Case:
     def compare_prove(self):
         done = self.vig("prove", "rules.json", "--format", "json")
         (self.folder / "answer.json").write_text(done.stdout)
-        if done.returncode not in (0, 1):
-            self.disagreements.append(f"vig prove ends with {done.returncode} and says {done.stderr}")
-            return
         answer = json.loads(done.stdout)
         self.expect("number of machines", len(self.machines), len(answer["machines"]))
         for index, (machine, got) in enumerate(zip(self.machines, answer["machines"])):
@@ -360,7 +360,7 @@ def judge(program, keep, seed):
         for compare in (case.compare_prove, case.compare_properties, case.compare_generated):
             try:
                 compare()
-            except (LookupError, TypeError, ValueError, subprocess.TimeoutExpired) as error:
+            except (LookupError, TypeError, ValueError, ChildProcessError, subprocess.TimeoutExpired) as error:
                 case.disagreements.append(f"{compare.__name__} cannot read the answer: {error!r}")
         if case.disagreements and keep:
             (case.folder / "disagreements.txt").write_text("\n".join(case.disagreements) + "\n")
