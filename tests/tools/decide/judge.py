@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""Holds what `vig prove` and `vig test` decide against semantics.py, on random documents.
+"""Holds what `vig prove`, `vig check` and `vig test` decide against semantics.py, on random documents.
 
 Document i is made of the seed S + i alone. What the tool answers must be what semantics.py answers, and `vig run` must
 do on every witness what is said of it. "not decided" is counted and is no disagreement. The exit status is 1 if there
@@ -20,7 +20,7 @@ import sys
 import tempfile
 
 import semantics
-from semantics import Machine, context_of, read_constant
+from semantics import Machine, context_of, filter_of, read_constant
 
 PROPERTIES = ["trigger_only_if", "between_triggers", "at_most", "can_reach", "cannot_reach"]
 EVENT_TYPES = ["Test", "Timeout", "ProcessMemoryHeartBeat", "ProcessCpuHeartBeat", "ZramHeartBeat",
@@ -38,6 +38,9 @@ CONSTANTS = {
                ["~", "é", "\U0010ffff"]],
 }
 # Most of these texts are accepted only beside another constant.
+# Where one of these stands at a filter, never-true does not: it would only tell what comes of them.
+FINDS_NOTHING = {"unknown-attribute", "context-ignored", "function-fallback"}
+NEVER_FIRES = FINDS_NOTHING | {"never-true", "shadowed-transition"}
 ODD_NUMBERS = ["", "abc", "1e400", "-1e400", "1e-400", "9223372036854775808", ".5", "nan"]
 
 
@@ -215,22 +218,29 @@ class Case:
             return [Machine(config["payload"]["data"]["transitions"], context, events)
                     for config in document["configs"]]
 
+        self.rules = [config["payload"]["data"]["transitions"] for config in document["configs"]]
         self.machines = machines_in(context_of(self.context))
         self.without_context = machines_in(context_of({}))
-        self.properties, self.verdicts = [], []
+        self.properties, self.verdicts, self.in_contexts = [], [], [self.without_context, self.machines]
         for number in range(rng.randint(3, 8)):
             own = {"context": words.context()} if rng.random() < 0.2 else {}
-            prop, asked = make_property(rng, words, document, machines_in(context_of(own.get("context", {}))))
+            machines = machines_in(context_of(own.get("context", {})))
+            self.in_contexts += [machines] * bool(own)
+            prop, asked = make_property(rng, words, document, machines)
             self.properties.append({"name": f"property {number}"} | own | prop)
             self.verdicts.append(all(machine.holds(prop) for machine in asked))
         tests = {"rules": "rules.json", "properties": self.properties}
         (folder / "rules.json").write_text(json.dumps(document, indent=1))
         (folder / "rules.test.json").write_text(json.dumps(tests, indent=1))
-        (folder / "context.json").write_text(json.dumps({"event": "Test"} | self.context) + "\n")
+        names = {semantics.KINDS[kind]: names for kind, names in words.attributes.items()}
+        for name, context in (("nothing", {}), ("contexts", names)):
+            (folder / f"{name}.catalogue.json").write_text(json.dumps({"events": {}, "context": context}))
 
-    def vig(self, verb, *arguments, text=""):
-        if self.context and verb != "test":
-            arguments += "--context", "context.json"
+    def vig(self, verb, *arguments, context=None, text=""):
+        if context:
+            name = "context.json" if context == self.context else "other.context.json"
+            (self.folder / name).write_text(json.dumps({"event": "Test"} | context) + "\n")
+            arguments += "--context", name
         done = subprocess.run([self.program, verb, *arguments], cwd=self.folder, input=text, capture_output=True,
                               encoding="utf-8", timeout=120, check=False)
         if done.returncode not in (0, 1):  # what it has not answered is neither right nor wrong
@@ -241,18 +251,18 @@ class Case:
         if expected != got:
             self.disagreements.append(f"{what}: expected {expected}, got {got}")
 
-    def replay(self, witness, machine):
-        key = json.dumps(witness)
+    def replay(self, witness, machine, context):
+        key = json.dumps([witness, context])
         if key not in self.replays:
             self.counts["witnesses"] += 1
             found = self.replays[key] = collections.defaultdict(lambda: Replay(len(witness["events"])))
             done = self.vig("run", "rules.json", "--explain", "--format", "jsonl",
-                            *(f"--draw={draw!r}" for draw in witness["draws"]),
+                            *(f"--draw={draw!r}" for draw in witness["draws"]), context=context,
                             text="".join(json.dumps(event) + "\n" for event in witness["events"]))
             self.expect(f"exit status of run, which says {done.stderr}", 0, done.returncode)
-            for line in map(json.loads, done.stdout.splitlines()):
-                if "machine" in line:
-                    found[line["machine"]].add(line)
+            for line in done.stdout.splitlines():
+                if line.startswith(('{"type":"trigger"', '{"type":"explain"')):
+                    found[(line := json.loads(line))["machine"]].add(line)
         return self.replays[key][machine]
 
     def compare_answer(self, what, answer, verdict, by_recordable, by_any, first):
@@ -279,15 +289,15 @@ class Case:
         self.expect(f"{what}: rate", rate and as_rate(rate), load.get("rate"))
         self.expect(f"{what}: distance", distance, load["distance"])
         if most != 0:
-            replay = self.replay(load["witness"], index)
+            replay = self.replay(load["witness"], index, self.context)
             shown = replay.has_cycle(rate) if rate else len(replay.triggers) == most
             self.expect(f"{what}: what the witness shows", True, shown)
         if distance is not None:
-            replay = self.replay(load["distance_witness"], index)
+            replay = self.replay(load["distance_witness"], index, self.context)
             self.expect(f"{what}: distance of its witness", distance, replay.least_distance())
 
     def compare_prove(self):
-        done = self.vig("prove", "rules.json", "--format", "json")
+        done = self.vig("prove", "rules.json", "--format", "json", context=self.context)
         (self.folder / "answer.json").write_text(done.stdout)
         answer = json.loads(done.stdout)
         self.expect("number of machines", len(self.machines), len(answer["machines"]))
@@ -297,7 +307,7 @@ class Case:
                 name = state["name"]
                 self.compare_answer(f"state {name!r} of machine {index}", state, state["reached"],
                                     machine.reached.states.get(name), machine.reached_by_any.states.get(name),
-                                    lambda witness: self.replay(witness, index).visited.get(name))
+                                    lambda witness: self.replay(witness, index, self.context).visited.get(name))
             paths = [f"configs[{index}].payload.data.transitions[{number}]"
                      for number in range(len(machine.transitions))]
             self.expect("transitions", paths, [rule["path"] for rule in got["transitions"]])
@@ -305,7 +315,7 @@ class Case:
                 self.compare_answer(f"transition {path}", rule, rule["fires"],
                                     machine.reached.transitions.get(number),
                                     machine.reached_by_any.transitions.get(number),
-                                    lambda witness: self.replay(witness, index).fired.get(path))
+                                    lambda witness: self.replay(witness, index, self.context).fired.get(path))
             self.compare_load(f"load of machine {index}", index, got["load"])
             self.expect(f"stays of machine {index}", machine.stays(), set(map(frozenset, got["stays"])))
         undecided = any(what.endswith("not decided") for what in self.counts)
@@ -315,6 +325,99 @@ class Case:
             rate = sum(machine.rate() for machine in self.machines)
             expected = {"rate": as_rate(rate)} if None in most else {"triggers": sum(most)}
             self.expect("load of all", expected, answer["load"])
+
+    def findings(self, contexts):
+        """Returns what check says under a catalogue, for each machine and each of its transitions, by place and name."""
+        done = self.vig("check", "rules.json", "--format", "json", "--catalogue", f"{contexts}.catalogue.json")
+        (self.folder / f"{contexts}.check.json").write_text(done.stdout)
+        answer = json.loads(done.stdout)
+        self.counts["check machines not decided"] += answer["undecided"]
+        found = [[{} for _ in rules] for rules in self.rules]
+        for each in answer["findings"]:
+            place = re.fullmatch(r"configs\[(\d+)\]\.payload\.data\.transitions\[(\d+)\]\.?(.*)", each["path"])
+            if place and not answer["undecided"]:
+                found[int(place[1])][int(place[2])][place[3], each["name"]] = each
+        return None if answer["undecided"] else found
+
+    def compare_check(self):
+        for index, (machine, found) in enumerate(zip(self.without_context, self.findings("nothing") or [])):
+            for number in range(len(found)):
+                self.compare_transition_warnings(index, number, found[number])
+            self.compare_state_warnings(f"machine {index}", machine, self.rules[index], found)
+            self.compare_storms(index, machine, found)
+        # A context that may have any attribute makes nothing impossible that is possible in one of these.
+        for index, found in enumerate(self.findings("contexts") or []):
+            dead = {number for number, each in enumerate(found)
+                    if not names_in(each).isdisjoint({"never-true", "shadowed-transition"})}
+            unreachable, stuck = (set(states_with(name, self.rules[index], found))
+                                  for name in ("unreachable-state", "no-way-out"))
+            for machine in (machines[index] for machines in self.in_contexts):
+                self.expect(f"machine {index} in {set(machine.context)}: what check calls impossible in any context",
+                            (set(),) * 3, (dead & machine.reached.transitions.keys(),
+                                           unreachable & machine.reached_by_any.states.keys(),
+                                           stuck & machine.reached.states.keys() - machine.stuck()))
+
+    def compare_transition_warnings(self, index, number, found):
+        machine, what = self.without_context[index], f"configs[{index}] transitions[{number}]"
+        rule, filters = machine.transitions[number], list(map(filter_of, self.rules[index][number]["filters"]))
+        passes = functools.partial(machine.passes, rule.event)
+        contradictory = next((last for last in range(len(filters)) if not passes(filters[:last + 1], [], True)), None)
+        silent = any(place.startswith(f"filters[{contradictory}]") and name in FINDS_NOTHING for place, name in found)
+        named = sorted(int(re.search(r"\d+", place)[0]) for place, name in found if name == "never-true")
+        self.expect(f"{what}: first never-true", contradictory,
+                    min(named + [contradictory] * silent, default=None))
+        if contradictory in named:
+            alone = filters[contradictory:contradictory + 1]
+            subject = filters[:contradictory + 1] if passes(alone, [], True) else alone
+            self.expect(f"{what}: only an infinity or NaN fulfils", passes(subject, [], False),
+                        found[f"filters[{contradictory}]", "never-true"]["message"].startswith("only"))
+        recordable = contradictory is None
+        shadowed = passes(filters, [], recordable) and not passes(filters, rule.before, recordable)
+        self.expect(f"{what}: shadowed", shadowed, ("", "shadowed-transition") in found)
+        self.counts["check never-true"] += not recordable
+        self.counts["check shadowed"] += shadowed
+        if shadowed and ("", "shadowed-transition") in found:
+            message = found["", "shadowed-transition"]["message"]
+            self.expect(f"{what}: only an infinity or NaN fires", recordable and passes(filters, rule.before, False),
+                        message.startswith("only"))
+            before = [machine.transitions[int(each)].filters for each in re.findall(r"transitions\[(\d+)", message)]
+            if " more on " not in message:
+                self.expect(f"{what}: passes those named, and all but one of them", [False] + [True] * len(before), [
+                    passes(filters, each, recordable)
+                    for each in (before, *itertools.combinations(before, len(before) - 1))])
+
+    def compare_state_warnings(self, what, machine, rules, found):
+        unreachable, stuck = (states_with(name, rules, found) for name in ("unreachable-state", "no-way-out"))
+        never = set(machine.states) - machine.reached_by_any.states.keys()
+        self.expect(f"{what}: unreachable states", sorted(never - {"end"} | never.intersection(unreachable)),
+                    sorted(unreachable))
+        self.counts["check unreachable states"] += len(unreachable)
+        self.counts["check states without way out"] += len(stuck)
+        self.expect(f"{what}: has a way out", [], [state for state in stuck if state not in machine.stuck() - {"end"}])
+        led_to = {machine.transitions[number].target for number in machine.reached_by_any.transitions}
+        excused = {rule["from_state"] for rule, each in zip(rules, found) if NEVER_FIRES & names_in(each)}
+        self.expect(f"{what}: has no way out", set(), machine.stuck() & led_to - {"end"} - excused - set(stuck))
+
+    def compare_storms(self, index, machine, found):
+        certain = machine.storms({state: list(chain.rests)[0] for state, chain in machine.chains.items()
+                                  if len(chain.rests) == 1})
+        cycles = set()
+        for number, each in enumerate(found):
+            for finding in (finding for (_, name), finding in each.items() if name == "trigger-storm"):
+                event = machine.transitions[number].event
+                cycle = [json.loads(name) for name in re.findall(r'"(?:[^"\\]|\\.)*"', finding["message"])[1:]]
+                cycles |= {(state, event) for state in cycle}
+                self.expect(f"machine {index}: a storm by {number}", True, number in certain)
+                self.counts["check storms"] += 1
+                events, length = finding["witness"]["events"], max(1, len(cycle) - 1)
+                replay = self.replay(finding["witness"], index, {})
+                shown = (events[-length:] == events[-1:] * length and replay.after[-1] == replay.after[-1 - length]
+                         and any(event > len(events) - length for event in replay.triggers))
+                self.expect(f"machine {index}: a storm by {number} is shown", True, shown)
+        # A cycle is named once; a Timeout has nothing that a trigger needs, as another warning says.
+        missed = {number for number in machine.storms(machine.sure_rests()) for rule in [machine.transitions[number]]
+                  if rule.event != "Timeout" and (rule.source, rule.event) not in cycles}
+        self.expect(f"machine {index}: storms that are named nowhere", set(), missed)
 
     def compare_properties(self):
         done = self.vig("test", "rules.test.json")
@@ -349,6 +452,14 @@ class Case:
         self.counts["generated test files"] += 1
 
 
+def names_in(found):
+    return {name for _, name in found}
+
+
+def states_with(warning, rules, found):
+    return [rule[place] for rule, each in zip(rules, found) for place, name in each if name == warning]
+
+
 def as_rate(rate):
     return {"triggers": rate.numerator, "events": rate.denominator}
 
@@ -357,7 +468,7 @@ def judge(program, keep, seed):
     """Returns the counts of one document and its disagreements."""
     with tempfile.TemporaryDirectory(prefix="judge-") as folder:
         case = Case(program, seed, pathlib.Path(folder))
-        for compare in (case.compare_prove, case.compare_properties, case.compare_generated):
+        for compare in (case.compare_prove, case.compare_check, case.compare_properties, case.compare_generated):
             try:
                 compare()
             except (LookupError, TypeError, ValueError, ChildProcessError, subprocess.TimeoutExpired) as error:

@@ -176,6 +176,7 @@ class Events:
         self.recordable = z3.Bool("recordable")
         self.attributes = {}
         self.filters = {}
+        self.formulas = {}
         self.answers = {}
 
     def attribute(self, kind, name):
@@ -199,8 +200,15 @@ class Events:
         return self.filters[rule, context]
 
     def formula(self, condition, context):
+        if (condition, context) not in self.formulas:
+            self.formulas[condition, context] = self.make_formula(condition, context)
+        return self.formulas[condition, context]
+
+    def make_formula(self, condition, context):
         """Makes a formula of a condition, a tuple that says in its first item what it is."""
         kind, *rest = condition
+        if kind == "not":
+            return negation(self.formula(rest[0], context))
         if kind == "may hold":
             return conjunction([self.outcomes(rule, context)[0] for rule in rest[0]])
         if kind == "may not hold":
@@ -231,6 +239,11 @@ class Events:
 def triggers(rule, least):
     """The condition that an event makes at least so many triggers when it fires the transition."""
     return "triggers", least, rule.actions["TriggerVelora"], rule.actions["TriggerVeloraCpu"]
+
+
+def surely_fires(rule):
+    """The conditions that an event fires the transition in its state, whatever is drawn."""
+    return frozenset([("not", ("may not hold", rule.filters)), *(("not", ("may hold", each)) for each in rule.before)])
 
 
 def breaks(rule, filters):
@@ -283,6 +296,15 @@ class Machine:
                 visited |= steps[now]
             now = steps[now]
         return Chain(rests | now, visited, fired)
+
+    def passes(self, event, filters, before, recordable):
+        """Tells whether an event may fulfil the filters, and not all filters of any of those before, in any state."""
+        if event != "EnteringState":
+            return self.events.possible(frozenset([("may hold", frozenset(filters))] + [
+                ("may not hold", each) for each in before]), self.context, recordable)
+        may, may_not = ([[outcomes(rule, missing, self.context)[which] for rule in each] for each in (filters, *before)]
+                        for which in (0, 1))
+        return all(may[0]) and all(map(any, may_not[1:]))
 
     def can(self, rule, *conditions, recordable=True):
         """Tells whether there is an event with which a transition fires and the conditions hold."""
@@ -385,6 +407,45 @@ class Machine:
                         break
                     now = now | {target for source, target in self.steps if source in now}
         return least
+
+    def sure_rests(self):
+        """Returns where the machine rests once it enters a state, for the states after which no draw decides a move."""
+        found = {}
+        for state in self.states:
+            now = state
+            for _ in range(MOST_MOVES):
+                move, *others = self.next[now]
+                if move is None or others:
+                    break
+                now = self.transitions[move].target
+            if self.next[now] == [None]:
+                found[state] = now
+        return found
+
+    def storms(self, rests):
+        """Returns the transitions whose triggers equal events repeat for certain, going round a cycle of states.
+
+        `rests` tells where the machine rests for certain once it enters a state.
+        """
+        def closes(path, conditions):
+            now = rests.get(path[-1].target)
+            return now == path[0].source or (now not in {rule.source for rule in path} and any(
+                goes_on(path + [rule], conditions)
+                for _, rule in self.leaving([now]) if rule.event == path[0].event))
+
+        def goes_on(path, conditions):
+            conditions |= surely_fires(path[-1])
+            return self.events.possible(conditions, self.context, True) and closes(path, conditions)
+
+        return {index for index, rule in self.leaving(self.reached.rests)
+                if goes_on([rule], frozenset([triggers(rule, 1)]))}
+
+    def stuck(self):
+        """Returns the states in which the machine does nothing any more once it is there."""
+        return {state for state in self.reached_by_any.states if not any(
+            rule.source == state and (rule.target != state or rule.actions) and (
+                index in self.next[state] if rule.event == "EnteringState" else self.can(rule))
+            for index, rule in enumerate(self.transitions))}
 
     def holds(self, prop):
         """Tells whether a property, as it stands in a test file, holds."""
