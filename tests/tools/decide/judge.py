@@ -10,6 +10,7 @@ import collections
 import functools
 import itertools
 import json
+import math
 import multiprocessing
 import pathlib
 import random
@@ -42,6 +43,9 @@ CONSTANTS = {
 FINDS_NOTHING = {"unknown-attribute", "context-ignored", "function-fallback"}
 NEVER_FIRES = FINDS_NOTHING | {"never-true", "shadowed-transition"}
 ODD_NUMBERS = ["", "abc", "1e400", "-1e400", "1e-400", "9223372036854775808", ".5", "nan"]
+
+
+read_line = functools.lru_cache(json.loads)  # an endless circle writes the same lines again and again
 
 
 class Vocabulary:
@@ -178,14 +182,18 @@ class Replay:
     """What `vig run --explain` says of one machine: what happened first in which event, and where it was afterwards."""
 
     def __init__(self, events):
-        self.visited, self.fired, self.triggers = {"start": 0}, {}, []
+        self.visited, self.fired, self.triggers, self.chances = {"start": 0}, {}, [], collections.defaultdict(list)
         self.after = ["start"] * (events + 1)
 
-    def add(self, line):
+    def add(self, line, filters):
+        """Adds a line; `filters` are those of the machine's transitions, by path."""
         event = line["event"]
         if line["type"] == "trigger":
             self.triggers.append(event)
         for tried in line.get("transitions", []):
+            for rule, seen in zip(filters[tried["path"]], tried["filters"]):
+                values = seen["left"] or 0, seen["right"] or 0  # what is missing reads 0
+                self.chances[event].append(semantics.chance(rule, values, seen["verdict"]))
             if tried["fired"]:
                 self.visited.setdefault(tried["to"], event)
                 self.fired.setdefault(tried["path"], event)
@@ -194,11 +202,29 @@ class Replay:
     def least_distance(self):
         return min((after - before for before, after in itertools.pairwise(self.triggers)), default=None)
 
-    def has_cycle(self, rate):
-        """Tells whether some events lead from a state back to it with triggers at that rate."""
+    def has_cycle(self, rate, odds):
+        """Tells whether some events lead from a state back to it with that rate of triggers and odds of draws."""
         return any(self.after[begin] == self.after[end]
                    and rate * (end - begin) == sum(begin < event <= end for event in self.triggers)
+                   and same_odds(odds, self.odds(range(begin + 1, end + 1)))
                    for begin, end in itertools.combinations(range(len(self.after)), 2))
+
+    def odds(self, events):
+        drawn = [chance for event in events for chance in self.chances[event] if chance is not None]
+        return math.prod(drawn) if drawn else None
+
+    def breaks(self, prop, events, context):
+        """Tells whether what happened to these events breaks a property."""
+        if "cannot_reach" in prop:
+            return not self.visited.keys().isdisjoint(prop["cannot_reach"].values())
+        fulfils = [semantics.fulfils(semantics.filters_of(prop), event, context_of(context)) for event in events]
+        if "trigger_only_if" in prop:
+            return not all(fulfils[event - 1] for event in self.triggers)
+        if "between_triggers" in prop:
+            return not all(any(fulfils[first:second - 1]) for first, second in itertools.pairwise(self.triggers))
+        most = prop["at_most"]
+        return any(last - first < most.get("events", math.inf)
+                   for first, last in zip(self.triggers, self.triggers[most["triggers"]:]))
 
 
 class Case:
@@ -219,13 +245,15 @@ class Case:
                     for config in document["configs"]]
 
         self.rules = [config["payload"]["data"]["transitions"] for config in document["configs"]]
+        self.filters = {f"configs[{index}].payload.data.transitions[{number}]": list(map(filter_of, rule["filters"]))
+                        for index, rules in enumerate(self.rules) for number, rule in enumerate(rules)}
         self.machines = machines_in(context_of(self.context))
         self.without_context = machines_in(context_of({}))
-        self.properties, self.verdicts, self.in_contexts = [], [], [self.without_context, self.machines]
+        self.properties, self.verdicts, self.in_contexts = [], [], []
         for number in range(rng.randint(3, 8)):
             own = {"context": words.context()} if rng.random() < 0.2 else {}
             machines = machines_in(context_of(own.get("context", {})))
-            self.in_contexts += [machines] * bool(own)
+            self.in_contexts.append(machines)
             prop, asked = make_property(rng, words, document, machines)
             self.properties.append({"name": f"property {number}"} | own | prop)
             self.verdicts.append(all(machine.holds(prop) for machine in asked))
@@ -262,7 +290,7 @@ class Case:
             self.expect(f"exit status of run, which says {done.stderr}", 0, done.returncode)
             for line in done.stdout.splitlines():
                 if line.startswith(('{"type":"trigger"', '{"type":"explain"')):
-                    found[(line := json.loads(line))["machine"]].add(line)
+                    found[(line := read_line(line))["machine"]].add(line, self.filters)
         return self.replays[key][machine]
 
     def compare_answer(self, what, answer, verdict, by_recordable, by_any, first):
@@ -290,7 +318,7 @@ class Case:
         self.expect(f"{what}: distance", distance, load["distance"])
         if most != 0:
             replay = self.replay(load["witness"], index, self.context)
-            shown = replay.has_cycle(rate) if rate else len(replay.triggers) == most
+            shown = replay.has_cycle(rate, load.get("odds")) if rate else len(replay.triggers) == most
             self.expect(f"{what}: what the witness shows", True, shown)
         if distance is not None:
             replay = self.replay(load["distance_witness"], index, self.context)
@@ -327,7 +355,7 @@ class Case:
             self.expect("load of all", expected, answer["load"])
 
     def findings(self, contexts):
-        """Returns what check says under a catalogue, for each machine and each of its transitions, by place and name."""
+        """Returns what check says under a catalogue, for each transition of each machine, by place and name."""
         done = self.vig("check", "rules.json", "--format", "json", "--catalogue", f"{contexts}.catalogue.json")
         (self.folder / f"{contexts}.check.json").write_text(done.stdout)
         answer = json.loads(done.stdout)
@@ -351,7 +379,7 @@ class Case:
                     if not names_in(each).isdisjoint({"never-true", "shadowed-transition"})}
             unreachable, stuck = (set(states_with(name, self.rules[index], found))
                                   for name in ("unreachable-state", "no-way-out"))
-            for machine in (machines[index] for machines in self.in_contexts):
+            for machine in {machines[index] for machines in [self.machines, *self.in_contexts]}:
                 self.expect(f"machine {index} in {set(machine.context)}: what check calls impossible in any context",
                             (set(),) * 3, (dead & machine.reached.transitions.keys(),
                                            unreachable & machine.reached_by_any.states.keys(),
@@ -431,7 +459,21 @@ class Case:
             self.counts[f"property {kind} {answer}"] += 1
             if answer != "not decided":
                 self.expect(f"property {number}", "holds" if verdict else "fails", answer)
+            if answer == "fails" and not verdict and kind != "can_reach":
+                self.compare_refutation(number, prop, failed[number])
         self.expect("exit status of test", int(bool(failed)), done.returncode)
+
+    def compare_refutation(self, number, prop, text):
+        """What is shown of a property that fails breaks it, and nothing shorter does."""
+        index = int(re.search(r"configs\[(\d+)\]", text)[1])
+        draws = re.search(r"^      draws (.*)$", text, re.MULTILINE)
+        witness = {"events": [json.loads(event) for event in re.findall(r"^        (\{.*)$", text, re.MULTILINE)],
+                   "draws": [float(draw) for draw in draws[1].split(", ")] if draws else []}
+        context = prop.get("context", {})
+        self.expect(f"property {number}: broken by its witness", True,
+                    self.replay(witness, index, context).breaks(prop, witness["events"], context))
+        least = self.in_contexts[number][index].shortest_break(prop)
+        self.expect(f"property {number}: events of its witness", least, least and len(witness["events"]))
 
     def compare_generated(self):
         """The generated tests pass, reach all that can be reached, and what is said to be out of reach is the rest."""
@@ -457,6 +499,10 @@ def names_in(found):
 
 def states_with(warning, rules, found):
     return [rule[place] for rule, each in zip(rules, found) for place, name in each if name == warning]
+
+
+def same_odds(odds, others):
+    return odds is others if None in (odds, others) else math.isclose(odds, others, rel_tol=1e-6, abs_tol=1e-9)
 
 
 def as_rate(rate):

@@ -10,6 +10,7 @@ Every value is its place on a line of integers, so that z3 compares nothing but 
            a < b, there are exactly n - 1 texts if b is a with n NULs behind it. Otherwise a with any number of NULs
            behind it is below b, and GAP of these are enough, for no document has so many attributes.
 """
+import bisect
 import collections
 import ctypes
 import errno
@@ -54,9 +55,18 @@ def place_of_double(value):
     return bits if bits >= 0 else -(bits + 2**63)
 
 
+def place_of_text(text):
+    """Returns a place between those of TEXTS for another text, which only a record has."""
+    if text in PLACES:
+        return PLACES[text]
+    digits = text.encode()
+    lower = TEXTS[bisect.bisect(TEXTS, digits, key=str.encode) - 1]
+    return PLACES[lower] + sum(fractions.Fraction(digit + 1, 257**index) for index, digit in enumerate(digits, 1))
+
+
 def value_of(kind, value):
     if kind == "string":
-        return Value(value != "", PLACES[value], False)
+        return Value(value != "", place_of_text(value), False)
     if kind == "double":
         return Value(True, 0 if math.isnan(value) else place_of_double(value), math.isnan(value))
     return Value(True, value, False)
@@ -163,6 +173,27 @@ def outcomes(rule, attribute, context):
     return holds, negation(holds)
 
 
+def fulfils(filters, record, context):
+    """Tells whether an event record fulfils filters without draws, each with its event type."""
+    def attribute(kind, name):
+        value = record.get(kind, {}).get(name)
+        return Value(False, 0, False) if value is None else value_of(kind, value)
+    return all(event in (None, record["event"]) and outcomes(each, attribute, context)[0] for each, event in filters)
+
+
+def chance(rule, values, verdict):
+    """Returns how likely a filter comes out so with these values on its sides, and None if it does not draw."""
+    drawn = [rule.kind == "double" and side == ("function", "PseudoRandomDouble") for side in (rule.left, rule.right)]
+    if not any(drawn):
+        return None
+    comparison, other = (rule.operator, values[1]) if drawn[0] else (MIRRORED[rule.operator], values[0])
+    below = 0.5 if all(drawn) else min(max(float(other), 0), 1)
+    likely = {"==": 0, "!=": 1}.get(comparison, below if "<" in comparison else 1 - below)
+    if not all(drawn) and math.isnan(float(other)):
+        likely = int(comparison == "!=")
+    return likely if verdict else 1 - likely
+
+
 def missing(_kind, _name):
     """The attributes of an EnteringState event."""
     return Value(False, 0, False)
@@ -251,6 +282,11 @@ def breaks(rule, filters):
     if any(event not in (None, rule.event) for _, event in filters):
         return "may hold", frozenset()
     return "may not hold", frozenset(each for each, _ in filters)
+
+
+def filters_of(prop):
+    return [(filter_of(each), each.get("event"))
+            for each in prop.get("trigger_only_if", []) + prop.get("between_triggers", [])]
 
 
 class Machine:
@@ -447,10 +483,23 @@ class Machine:
                 index in self.next[state] if rule.event == "EnteringState" else self.can(rule))
             for index, rule in enumerate(self.transitions))}
 
+    def shortest_break(self, prop):
+        """Returns how many events it takes to break a property that does not hold, None if that is not known."""
+        if "cannot_reach" in prop:
+            return self.reached.states[next(iter(prop["cannot_reach"].values()))]
+        if "trigger_only_if" in prop:
+            return 1 + min(self.reached.rests[rule.source] for _, rule in self.leaving(self.reached.rests)
+                           if self.can(rule, triggers(rule, 1), breaks(rule, filters_of(prop))))
+        if "at_most" in prop:
+            most = prop["at_most"]
+            return min((before + events for rest, before in self.reached.rests.items()
+                        for events in range(1, 1 + most.get("events", len(self.states) * (most["triggers"] + 1)))
+                        if max(self.most_within(events, [rest]).values(), default=0) > most["triggers"]))
+        return None
+
     def holds(self, prop):
         """Tells whether a property, as it stands in a test file, holds."""
-        filters = [(filter_of(each), each.get("event"))
-                   for each in prop.get("trigger_only_if", []) + prop.get("between_triggers", [])]
+        filters = filters_of(prop)
         triggering = [rule for _, rule in self.leaving(self.reached.rests) if self.can(rule, triggers(rule, 1))]
         if "trigger_only_if" in prop:
             return not any(self.can(rule, triggers(rule, 1), breaks(rule, filters)) for rule in triggering)
