@@ -186,12 +186,13 @@ class Replay:
         self.after = ["start"] * (events + 1)
 
     def add(self, line, filters):
-        """Adds a line; `filters` are those of the machine's transitions, by path."""
+        """Adds a line; `filters` are those of the machine's transitions."""
         event = line["event"]
         if line["type"] == "trigger":
             self.triggers.append(event)
         for tried in line.get("transitions", []):
-            for rule, seen in zip(filters[tried["path"]], tried["filters"]):
+            number = int(re.search(r"(\d+)\]$", tried["path"])[1])
+            for rule, seen in zip(filters[number], tried["filters"]):
                 values = seen["left"] or 0, seen["right"] or 0  # what is missing reads 0
                 self.chances[event].append(semantics.chance(rule, values, seen["verdict"]))
             if tried["fired"]:
@@ -245,8 +246,7 @@ class Case:
                     for config in document["configs"]]
 
         self.rules = [config["payload"]["data"]["transitions"] for config in document["configs"]]
-        self.filters = {f"configs[{index}].payload.data.transitions[{number}]": list(map(filter_of, rule["filters"]))
-                        for index, rules in enumerate(self.rules) for number, rule in enumerate(rules)}
+        self.filters = [[list(map(filter_of, rule["filters"])) for rule in rules] for rules in self.rules]
         self.machines = machines_in(context_of(self.context))
         self.without_context = machines_in(context_of({}))
         self.properties, self.verdicts, self.in_contexts = [], [], []
@@ -290,7 +290,8 @@ class Case:
             self.expect(f"exit status of run, which says {done.stderr}", 0, done.returncode)
             for line in done.stdout.splitlines():
                 if line.startswith(('{"type":"trigger"', '{"type":"explain"')):
-                    found[(line := read_line(line))["machine"]].add(line, self.filters)
+                    line = read_line(line)
+                    found[line["machine"]].add(line, self.filters[line["machine"]])
         return self.replays[key][machine]
 
     def compare_answer(self, what, answer, verdict, by_recordable, by_any, first):
@@ -346,6 +347,7 @@ class Case:
                                     lambda witness: self.replay(witness, index, self.context).fired.get(path))
             self.compare_load(f"load of machine {index}", index, got["load"])
             self.expect(f"stays of machine {index}", machine.stays(), set(map(frozenset, got["stays"])))
+            self.compare_context_names(index, machine, got)
         undecided = any(what.endswith("not decided") for what in self.counts)
         self.expect("exit status of prove", int(undecided), done.returncode)
         if all(got["load"]["decided"] for got in answer["machines"]):
@@ -353,6 +355,36 @@ class Case:
             rate = sum(machine.rate() for machine in self.machines)
             expected = {"rate": as_rate(rate)} if None in most else {"triggers": sum(most)}
             self.expect("load of all", expected, answer["load"])
+
+    def compare_context_names(self, index, machine, got):
+        """What another value of an attribute in the context changes alone is named, and what is named changes at last.
+
+        All values between the constants are tried, where they are few, and that an attribute is missing.
+        """
+        attributes = [(kind, name) for kind, group in self.context.items() for name in group]
+        values = [{None, self.context[kind][name]}.union(*(
+            semantics.around(rule.kind, constant[1]) for filters in self.filters[index] for rule in filters
+            for read, constant in ((rule.left, rule.right), (rule.right, rule.left))
+            if read == ("envvar", name) and constant[0] == "constant" and semantics.KINDS[rule.kind] == kind))
+            for kind, name in attributes]
+        if not attributes or len(attributes) > 2 or not got["context_decided"] or math.prod(map(len, values)) > 30:
+            return
+        now = tuple(self.context[kind][name] for kind, name in attributes)
+        stays, answers = list(map(frozenset, got["stays"])), {}
+        for found in itertools.product(*values):
+            context = frozenset((*key, value) for key, value in zip(attributes, found) if value is not None)
+            answers[found] = answers_of(Machine(self.rules[index], context, machine.events), stays)
+        named = [each["context"] for each in got["states"] + got["transitions"]] + got["stays_context"] + [
+            got["load"].get("context", [])]
+        for at, (kind, name) in enumerate(attributes):
+            with_now = {found: found[:at] + now[at:at + 1] + found[at + 1:] for found in answers}
+            for number, names in enumerate(named):
+                changing = [found for found, other in with_now.items()
+                            if answers[found][number] != answers[other][number]]
+                alone, is_named = any(with_now[found] == now for found in changing), f"{kind} {name}" in names
+                self.counts["context attributes named"] += is_named
+                self.expect(f"machine {index}, answer {number}: {name} is named, and changes it in {changing}", True,
+                            alone <= is_named <= bool(changing))
 
     def findings(self, contexts):
         """Returns what check says under a catalogue, for each transition of each machine, by place and name."""
@@ -387,7 +419,7 @@ class Case:
 
     def compare_transition_warnings(self, index, number, found):
         machine, what = self.without_context[index], f"configs[{index}] transitions[{number}]"
-        rule, filters = machine.transitions[number], list(map(filter_of, self.rules[index][number]["filters"]))
+        rule, filters = machine.transitions[number], self.filters[index][number]
         passes = functools.partial(machine.passes, rule.event)
         contradictory = next((last for last in range(len(filters)) if not passes(filters[:last + 1], [], True)), None)
         silent = any(place.startswith(f"filters[{contradictory}]") and name in FINDS_NOTHING for place, name in found)
@@ -491,6 +523,15 @@ class Case:
         self.expect("transitions that generated tests do not fire", dead,
                     {path for what, path in gaps if what == "fired"})
         self.counts["generated test files"] += 1
+
+
+def answers_of(machine, stays):
+    """Returns what prove says of a machine and could say otherwise in another context, in the order of its answer."""
+    kinds = [(machine.states, machine.reached.states, machine.reached_by_any.states),
+             (range(len(machine.transitions)), machine.reached.transitions, machine.reached_by_any.transitions)]
+    most, rests = machine.most_ever(), machine.stays()
+    return [(each in reached, each in by_any) for every, reached, by_any in kinds for each in every] + [
+        stay in rests for stay in stays] + [(most, machine.rate() if most is None else None, machine.distance())]
 
 
 def names_in(found):

@@ -56,12 +56,13 @@ def place_of_double(value):
 
 
 def place_of_text(text):
-    """Returns a place between those of TEXTS for another text, which only a record has."""
-    if text in PLACES:
-        return PLACES[text]
+    """Returns a place between those of TEXTS for another text, a fraction if it is not one of them with NULs behind."""
     digits = text.encode()
     lower = TEXTS[bisect.bisect(TEXTS, digits, key=str.encode) - 1]
-    return PLACES[lower] + sum(fractions.Fraction(digit + 1, 257**index) for index, digit in enumerate(digits, 1))
+    rest = text.removeprefix(lower)
+    if set(rest) <= {"\0"}:
+        return PLACES[lower] + len(rest)
+    return PLACES[lower] + GAP - 1 + sum(fractions.Fraction(digit + 1, 257**at) for at, digit in enumerate(digits, 1))
 
 
 def value_of(kind, value):
@@ -98,6 +99,18 @@ def read_constant(kind, text):
     number = LIBC.strtod(data, ctypes.byref(end)) if kind == "double" else LIBC.strtoll(data, ctypes.byref(end), 10)
     in_range = ctypes.get_errno() != errno.ERANGE or (kind == "double" and number != 0 and not math.isinf(number))
     return value_of(kind, number), in_range and end.value != ctypes.addressof(data)
+
+
+def around(kind, text):
+    """Returns the constant of that text and the values on either side, as a record has them."""
+    if kind == "string":
+        return {"", text, text + "\0"}
+    value = read_constant(kind, text)[0]
+    places = {value.place + step for step in (-1, 0, 1)}
+    if kind == "integer":
+        return {place for place in places if -2**63 <= place < 2**63}
+    bits = [place if place >= 0 else -place - 2**63 for place in places if abs(place) < INFINITY]
+    return {struct.unpack("<d", struct.pack("<q", each))[0] for each in bits}
 
 
 # Formulas are those of z3, or True and False where that is known without it.
