@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""Holds what `vig prove` and `vig test` decide against semantics.py, on random documents.
+"""Holds what `vig prove`, `vig check` and `vig test` decide against semantics.py, on random documents.
 
 Document i is made of the seed S + i alone. What the tool answers must be what semantics.py answers, and `vig run` must
 do on every witness what is said of it. "not decided" is counted and is no disagreement. The exit status is 1 if there
@@ -10,6 +10,7 @@ import collections
 import functools
 import itertools
 import json
+import math
 import multiprocessing
 import pathlib
 import random
@@ -20,7 +21,7 @@ import sys
 import tempfile
 
 import semantics
-from semantics import Machine, context_of, read_constant
+from semantics import Machine, context_of, filter_of, read_constant
 
 PROPERTIES = ["trigger_only_if", "between_triggers", "at_most", "can_reach", "cannot_reach"]
 EVENT_TYPES = ["Test", "Timeout", "ProcessMemoryHeartBeat", "ProcessCpuHeartBeat", "ZramHeartBeat",
@@ -38,7 +39,13 @@ CONSTANTS = {
                ["~", "é", "\U0010ffff"]],
 }
 # Most of these texts are accepted only beside another constant.
+# Where one of these stands at a filter, never-true does not: it would only tell what comes of them.
+FINDS_NOTHING = {"unknown-attribute", "context-ignored", "function-fallback"}
+NEVER_FIRES = FINDS_NOTHING | {"never-true", "shadowed-transition"}
 ODD_NUMBERS = ["", "abc", "1e400", "-1e400", "1e-400", "9223372036854775808", ".5", "nan"]
+
+
+read_line = functools.lru_cache(json.loads)  # an endless circle writes the same lines again and again
 
 
 class Vocabulary:
@@ -175,14 +182,19 @@ class Replay:
     """What `vig run --explain` says of one machine: what happened first in which event, and where it was afterwards."""
 
     def __init__(self, events):
-        self.visited, self.fired, self.triggers = {"start": 0}, {}, []
+        self.visited, self.fired, self.triggers, self.chances = {"start": 0}, {}, [], collections.defaultdict(list)
         self.after = ["start"] * (events + 1)
 
-    def add(self, line):
+    def add(self, line, filters):
+        """Adds a line; `filters` are those of the machine's transitions."""
         event = line["event"]
         if line["type"] == "trigger":
             self.triggers.append(event)
         for tried in line.get("transitions", []):
+            number = int(re.search(r"(\d+)\]$", tried["path"])[1])
+            for rule, seen in zip(filters[number], tried["filters"]):
+                values = seen["left"] or 0, seen["right"] or 0  # what is missing reads 0
+                self.chances[event].append(semantics.chance(rule, values, seen["verdict"]))
             if tried["fired"]:
                 self.visited.setdefault(tried["to"], event)
                 self.fired.setdefault(tried["path"], event)
@@ -191,11 +203,29 @@ class Replay:
     def least_distance(self):
         return min((after - before for before, after in itertools.pairwise(self.triggers)), default=None)
 
-    def has_cycle(self, rate):
-        """Tells whether some events lead from a state back to it with triggers at that rate."""
+    def has_cycle(self, rate, odds):
+        """Tells whether some events lead from a state back to it with that rate of triggers and odds of draws."""
         return any(self.after[begin] == self.after[end]
                    and rate * (end - begin) == sum(begin < event <= end for event in self.triggers)
+                   and same_odds(odds, self.odds(range(begin + 1, end + 1)))
                    for begin, end in itertools.combinations(range(len(self.after)), 2))
+
+    def odds(self, events):
+        drawn = [chance for event in events for chance in self.chances[event] if chance is not None]
+        return math.prod(drawn) if drawn else None
+
+    def breaks(self, prop, events, context):
+        """Tells whether what happened to these events breaks a property."""
+        if "cannot_reach" in prop:
+            return not self.visited.keys().isdisjoint(prop["cannot_reach"].values())
+        fulfils = [semantics.fulfils(semantics.filters_of(prop), event, context_of(context)) for event in events]
+        if "trigger_only_if" in prop:
+            return not all(fulfils[event - 1] for event in self.triggers)
+        if "between_triggers" in prop:
+            return not all(any(fulfils[first:second - 1]) for first, second in itertools.pairwise(self.triggers))
+        most = prop["at_most"]
+        return any(last - first < most.get("events", math.inf)
+                   for first, last in zip(self.triggers, self.triggers[most["triggers"]:]))
 
 
 class Case:
@@ -215,41 +245,53 @@ class Case:
             return [Machine(config["payload"]["data"]["transitions"], context, events)
                     for config in document["configs"]]
 
+        self.rules = [config["payload"]["data"]["transitions"] for config in document["configs"]]
+        self.filters = [[list(map(filter_of, rule["filters"])) for rule in rules] for rules in self.rules]
         self.machines = machines_in(context_of(self.context))
         self.without_context = machines_in(context_of({}))
-        self.properties, self.verdicts = [], []
+        self.properties, self.verdicts, self.in_contexts = [], [], []
         for number in range(rng.randint(3, 8)):
             own = {"context": words.context()} if rng.random() < 0.2 else {}
-            prop, asked = make_property(rng, words, document, machines_in(context_of(own.get("context", {}))))
+            machines = machines_in(context_of(own.get("context", {})))
+            self.in_contexts.append(machines)
+            prop, asked = make_property(rng, words, document, machines)
             self.properties.append({"name": f"property {number}"} | own | prop)
             self.verdicts.append(all(machine.holds(prop) for machine in asked))
         tests = {"rules": "rules.json", "properties": self.properties}
         (folder / "rules.json").write_text(json.dumps(document, indent=1))
         (folder / "rules.test.json").write_text(json.dumps(tests, indent=1))
-        (folder / "context.json").write_text(json.dumps({"event": "Test"} | self.context) + "\n")
+        names = {semantics.KINDS[kind]: names for kind, names in words.attributes.items()}
+        for name, context in (("nothing", {}), ("contexts", names)):
+            (folder / f"{name}.catalogue.json").write_text(json.dumps({"events": {}, "context": context}))
 
-    def vig(self, verb, *arguments, text=""):
-        if self.context and verb != "test":
-            arguments += "--context", "context.json"
-        return subprocess.run([self.program, verb, *arguments], cwd=self.folder, input=text, capture_output=True,
+    def vig(self, verb, *arguments, context=None, text=""):
+        if context:
+            name = "context.json" if context == self.context else "other.context.json"
+            (self.folder / name).write_text(json.dumps({"event": "Test"} | context) + "\n")
+            arguments += "--context", name
+        done = subprocess.run([self.program, verb, *arguments], cwd=self.folder, input=text, capture_output=True,
                               encoding="utf-8", timeout=120, check=False)
+        if done.returncode not in (0, 1):  # what it has not answered is neither right nor wrong
+            raise ChildProcessError(f"vig {verb} ends with {done.returncode} and says {done.stderr}{done.stdout}")
+        return done
 
     def expect(self, what, expected, got):
         if expected != got:
             self.disagreements.append(f"{what}: expected {expected}, got {got}")
 
-    def replay(self, witness, machine):
-        key = json.dumps(witness)
+    def replay(self, witness, machine, context):
+        key = json.dumps([witness, context])
         if key not in self.replays:
             self.counts["witnesses"] += 1
             found = self.replays[key] = collections.defaultdict(lambda: Replay(len(witness["events"])))
             done = self.vig("run", "rules.json", "--explain", "--format", "jsonl",
-                            *(f"--draw={draw!r}" for draw in witness["draws"]),
+                            *(f"--draw={draw!r}" for draw in witness["draws"]), context=context,
                             text="".join(json.dumps(event) + "\n" for event in witness["events"]))
             self.expect(f"exit status of run, which says {done.stderr}", 0, done.returncode)
-            for line in map(json.loads, done.stdout.splitlines()):
-                if "machine" in line:
-                    found[line["machine"]].add(line)
+            for line in done.stdout.splitlines():
+                if line.startswith(('{"type":"trigger"', '{"type":"explain"')):
+                    line = read_line(line)
+                    found[line["machine"]].add(line, self.filters[line["machine"]])
         return self.replays[key][machine]
 
     def compare_answer(self, what, answer, verdict, by_recordable, by_any, first):
@@ -276,19 +318,16 @@ class Case:
         self.expect(f"{what}: rate", rate and as_rate(rate), load.get("rate"))
         self.expect(f"{what}: distance", distance, load["distance"])
         if most != 0:
-            replay = self.replay(load["witness"], index)
-            shown = replay.has_cycle(rate) if rate else len(replay.triggers) == most
+            replay = self.replay(load["witness"], index, self.context)
+            shown = replay.has_cycle(rate, load.get("odds")) if rate else len(replay.triggers) == most
             self.expect(f"{what}: what the witness shows", True, shown)
         if distance is not None:
-            replay = self.replay(load["distance_witness"], index)
+            replay = self.replay(load["distance_witness"], index, self.context)
             self.expect(f"{what}: distance of its witness", distance, replay.least_distance())
 
     def compare_prove(self):
-        done = self.vig("prove", "rules.json", "--format", "json")
+        done = self.vig("prove", "rules.json", "--format", "json", context=self.context)
         (self.folder / "answer.json").write_text(done.stdout)
-        if done.returncode not in (0, 1):
-            self.disagreements.append(f"vig prove ends with {done.returncode} and says {done.stderr}")
-            return
         answer = json.loads(done.stdout)
         self.expect("number of machines", len(self.machines), len(answer["machines"]))
         for index, (machine, got) in enumerate(zip(self.machines, answer["machines"])):
@@ -297,7 +336,7 @@ class Case:
                 name = state["name"]
                 self.compare_answer(f"state {name!r} of machine {index}", state, state["reached"],
                                     machine.reached.states.get(name), machine.reached_by_any.states.get(name),
-                                    lambda witness: self.replay(witness, index).visited.get(name))
+                                    lambda witness: self.replay(witness, index, self.context).visited.get(name))
             paths = [f"configs[{index}].payload.data.transitions[{number}]"
                      for number in range(len(machine.transitions))]
             self.expect("transitions", paths, [rule["path"] for rule in got["transitions"]])
@@ -305,9 +344,10 @@ class Case:
                 self.compare_answer(f"transition {path}", rule, rule["fires"],
                                     machine.reached.transitions.get(number),
                                     machine.reached_by_any.transitions.get(number),
-                                    lambda witness: self.replay(witness, index).fired.get(path))
+                                    lambda witness: self.replay(witness, index, self.context).fired.get(path))
             self.compare_load(f"load of machine {index}", index, got["load"])
             self.expect(f"stays of machine {index}", machine.stays(), set(map(frozenset, got["stays"])))
+            self.compare_context_names(index, machine, got)
         undecided = any(what.endswith("not decided") for what in self.counts)
         self.expect("exit status of prove", int(undecided), done.returncode)
         if all(got["load"]["decided"] for got in answer["machines"]):
@@ -315,6 +355,128 @@ class Case:
             rate = sum(machine.rate() for machine in self.machines)
             expected = {"rate": as_rate(rate)} if None in most else {"triggers": sum(most)}
             self.expect("load of all", expected, answer["load"])
+
+    def compare_context_names(self, index, machine, got):
+        """What another value of an attribute in the context changes alone is named, and what is named changes at last.
+
+        All values between the constants are tried, where they are few, and that an attribute is missing.
+        """
+        attributes = [(kind, name) for kind, group in self.context.items() for name in group]
+        values = [{None, self.context[kind][name]}.union(*(
+            semantics.around(rule.kind, constant[1]) for filters in self.filters[index] for rule in filters
+            for read, constant in ((rule.left, rule.right), (rule.right, rule.left))
+            if read == ("envvar", name) and constant[0] == "constant" and semantics.KINDS[rule.kind] == kind))
+            for kind, name in attributes]
+        if not attributes or len(attributes) > 2 or not got["context_decided"] or math.prod(map(len, values)) > 30:
+            return
+        now = tuple(self.context[kind][name] for kind, name in attributes)
+        stays, answers = list(map(frozenset, got["stays"])), {}
+        for found in itertools.product(*values):
+            context = frozenset((*key, value) for key, value in zip(attributes, found) if value is not None)
+            answers[found] = answers_of(Machine(self.rules[index], context, machine.events), stays)
+        named = [each["context"] for each in got["states"] + got["transitions"]] + got["stays_context"] + [
+            got["load"].get("context", [])]
+        for at, (kind, name) in enumerate(attributes):
+            with_now = {found: found[:at] + now[at:at + 1] + found[at + 1:] for found in answers}
+            for number, names in enumerate(named):
+                changing = [found for found, other in with_now.items()
+                            if answers[found][number] != answers[other][number]]
+                alone, is_named = any(with_now[found] == now for found in changing), f"{kind} {name}" in names
+                self.counts["context attributes named"] += is_named
+                self.expect(f"machine {index}, answer {number}: {name} is named, and changes it in {changing}", True,
+                            alone <= is_named <= bool(changing))
+
+    def findings(self, contexts):
+        """Returns what check says under a catalogue, for each transition of each machine, by place and name."""
+        done = self.vig("check", "rules.json", "--format", "json", "--catalogue", f"{contexts}.catalogue.json")
+        (self.folder / f"{contexts}.check.json").write_text(done.stdout)
+        answer = json.loads(done.stdout)
+        self.counts["check machines not decided"] += answer["undecided"]
+        found = [[{} for _ in rules] for rules in self.rules]
+        for each in answer["findings"]:
+            place = re.fullmatch(r"configs\[(\d+)\]\.payload\.data\.transitions\[(\d+)\]\.?(.*)", each["path"])
+            if place and not answer["undecided"]:
+                found[int(place[1])][int(place[2])][place[3], each["name"]] = each
+        return None if answer["undecided"] else found
+
+    def compare_check(self):
+        for index, (machine, found) in enumerate(zip(self.without_context, self.findings("nothing") or [])):
+            for number in range(len(found)):
+                self.compare_transition_warnings(index, number, found[number])
+            self.compare_state_warnings(f"machine {index}", machine, self.rules[index], found)
+            self.compare_storms(index, machine, found)
+        # A context that may have any attribute makes nothing impossible that is possible in one of these.
+        for index, found in enumerate(self.findings("contexts") or []):
+            dead = {number for number, each in enumerate(found)
+                    if not names_in(each).isdisjoint({"never-true", "shadowed-transition"})}
+            unreachable, stuck = (set(states_with(name, self.rules[index], found))
+                                  for name in ("unreachable-state", "no-way-out"))
+            for machine in {machines[index] for machines in [self.machines, *self.in_contexts]}:
+                self.expect(f"machine {index} in {set(machine.context)}: what check calls impossible in any context",
+                            (set(),) * 3, (dead & machine.reached.transitions.keys(),
+                                           unreachable & machine.reached_by_any.states.keys(),
+                                           stuck & machine.reached.states.keys() - machine.stuck()))
+
+    def compare_transition_warnings(self, index, number, found):
+        machine, what = self.without_context[index], f"configs[{index}] transitions[{number}]"
+        rule, filters = machine.transitions[number], self.filters[index][number]
+        passes = functools.partial(machine.passes, rule.event)
+        contradictory = next((last for last in range(len(filters)) if not passes(filters[:last + 1], [], True)), None)
+        silent = any(place.startswith(f"filters[{contradictory}]") and name in FINDS_NOTHING for place, name in found)
+        named = sorted(int(re.search(r"\d+", place)[0]) for place, name in found if name == "never-true")
+        self.expect(f"{what}: first never-true", contradictory,
+                    min(named + [contradictory] * silent, default=None))
+        if contradictory in named:
+            alone = filters[contradictory:contradictory + 1]
+            subject = filters[:contradictory + 1] if passes(alone, [], True) else alone
+            self.expect(f"{what}: only an infinity or NaN fulfils", passes(subject, [], False),
+                        found[f"filters[{contradictory}]", "never-true"]["message"].startswith("only"))
+        recordable = contradictory is None
+        shadowed = passes(filters, [], recordable) and not passes(filters, rule.before, recordable)
+        self.expect(f"{what}: shadowed", shadowed, ("", "shadowed-transition") in found)
+        self.counts["check never-true"] += not recordable
+        self.counts["check shadowed"] += shadowed
+        if shadowed and ("", "shadowed-transition") in found:
+            message, only = found["", "shadowed-transition"]["message"], passes(filters, rule.before, False)
+            self.expect(f"{what}: only an infinity or NaN fires", only, message.startswith("only"))
+            before = [machine.transitions[int(each)].filters for each in re.findall(r"transitions\[(\d+)", message)]
+            if " more on " not in message:
+                self.expect(f"{what}: passes those named, and all but one of them", [False] + [True] * len(before), [
+                    passes(filters, each, only)
+                    for each in (before, *itertools.combinations(before, len(before) - 1))])
+
+    def compare_state_warnings(self, what, machine, rules, found):
+        unreachable, stuck = (states_with(name, rules, found) for name in ("unreachable-state", "no-way-out"))
+        never = set(machine.states) - machine.reached_by_any.states.keys()
+        self.expect(f"{what}: unreachable states", sorted(never - {"end"} | never.intersection(unreachable)),
+                    sorted(unreachable))
+        self.counts["check unreachable states"] += len(unreachable)
+        self.counts["check states without way out"] += len(stuck)
+        self.expect(f"{what}: has a way out", [], [state for state in stuck if state not in machine.stuck() - {"end"}])
+        led_to = {machine.transitions[number].target for number in machine.reached_by_any.transitions}
+        excused = {rule["from_state"] for rule, each in zip(rules, found) if NEVER_FIRES & names_in(each)}
+        self.expect(f"{what}: has no way out", set(), machine.stuck() & led_to - {"end"} - excused - set(stuck))
+
+    def compare_storms(self, index, machine, found):
+        certain = machine.storms({state: list(chain.rests)[0] for state, chain in machine.chains.items()
+                                  if len(chain.rests) == 1})
+        cycles = set()
+        for number, each in enumerate(found):
+            for finding in (finding for (_, name), finding in each.items() if name == "trigger-storm"):
+                event = machine.transitions[number].event
+                cycle = [json.loads(name) for name in re.findall(r'"(?:[^"\\]|\\.)*"', finding["message"])[1:]]
+                cycles |= {(state, event) for state in cycle}
+                self.expect(f"machine {index}: a storm by {number}", True, number in certain)
+                self.counts["check storms"] += 1
+                events, length = finding["witness"]["events"], max(1, len(cycle) - 1)
+                replay = self.replay(finding["witness"], index, {})
+                shown = (events[-length:] == events[-1:] * length and replay.after[-1] == replay.after[-1 - length]
+                         and any(event > len(events) - length for event in replay.triggers))
+                self.expect(f"machine {index}: a storm by {number} is shown", True, shown)
+        # A cycle is named once; a Timeout has nothing that a trigger needs, as another warning says.
+        missed = {number for number in machine.storms(machine.sure_rests()) for rule in [machine.transitions[number]]
+                  if rule.event != "Timeout" and (rule.source, rule.event) not in cycles}
+        self.expect(f"machine {index}: storms that are named nowhere", set(), missed)
 
     def compare_properties(self):
         done = self.vig("test", "rules.test.json")
@@ -329,7 +491,21 @@ class Case:
             self.counts[f"property {kind} {answer}"] += 1
             if answer != "not decided":
                 self.expect(f"property {number}", "holds" if verdict else "fails", answer)
+            if answer == "fails" and not verdict and kind != "can_reach":
+                self.compare_refutation(number, prop, failed[number])
         self.expect("exit status of test", int(bool(failed)), done.returncode)
+
+    def compare_refutation(self, number, prop, text):
+        """What is shown of a property that fails breaks it, and nothing shorter does."""
+        index = int(re.search(r"configs\[(\d+)\]", text)[1])
+        draws = re.search(r"^      draws (.*)$", text, re.MULTILINE)
+        witness = {"events": [json.loads(event) for event in re.findall(r"^        (\{.*)$", text, re.MULTILINE)],
+                   "draws": [float(draw) for draw in draws[1].split(", ")] if draws else []}
+        context = prop.get("context", {})
+        self.expect(f"property {number}: broken by its witness", True,
+                    self.replay(witness, index, context).breaks(prop, witness["events"], context))
+        least = self.in_contexts[number][index].shortest_break(prop)
+        self.expect(f"property {number}: events of its witness", least, least and len(witness["events"]))
 
     def compare_generated(self):
         """The generated tests pass, reach all that can be reached, and what is said to be out of reach is the rest."""
@@ -349,6 +525,27 @@ class Case:
         self.counts["generated test files"] += 1
 
 
+def answers_of(machine, stays):
+    """Returns what prove says of a machine and could say otherwise in another context, in the order of its answer."""
+    kinds = [(machine.states, machine.reached.states, machine.reached_by_any.states),
+             (range(len(machine.transitions)), machine.reached.transitions, machine.reached_by_any.transitions)]
+    most, rests = machine.most_ever(), machine.stays()
+    return [(each in reached, each in by_any) for every, reached, by_any in kinds for each in every] + [
+        stay in rests for stay in stays] + [(most, machine.rate() if most is None else None, machine.distance())]
+
+
+def names_in(found):
+    return {name for _, name in found}
+
+
+def states_with(warning, rules, found):
+    return [rule[place] for rule, each in zip(rules, found) for place, name in each if name == warning]
+
+
+def same_odds(odds, others):
+    return odds is others if None in (odds, others) else math.isclose(odds, others, rel_tol=1e-6, abs_tol=1e-9)
+
+
 def as_rate(rate):
     return {"triggers": rate.numerator, "events": rate.denominator}
 
@@ -357,10 +554,10 @@ def judge(program, keep, seed):
     """Returns the counts of one document and its disagreements."""
     with tempfile.TemporaryDirectory(prefix="judge-") as folder:
         case = Case(program, seed, pathlib.Path(folder))
-        for compare in (case.compare_prove, case.compare_properties, case.compare_generated):
+        for compare in (case.compare_prove, case.compare_check, case.compare_properties, case.compare_generated):
             try:
                 compare()
-            except (LookupError, TypeError, ValueError, subprocess.TimeoutExpired) as error:
+            except (LookupError, TypeError, ValueError, ChildProcessError, subprocess.TimeoutExpired) as error:
                 case.disagreements.append(f"{compare.__name__} cannot read the answer: {error!r}")
         if case.disagreements and keep:
             (case.folder / "disagreements.txt").write_text("\n".join(case.disagreements) + "\n")

@@ -10,6 +10,7 @@ Every value is its place on a line of integers, so that z3 compares nothing but 
            a < b, there are exactly n - 1 texts if b is a with n NULs behind it. Otherwise a with any number of NULs
            behind it is below b, and GAP of these are enough, for no document has so many attributes.
 """
+import bisect
 import collections
 import ctypes
 import errno
@@ -54,9 +55,19 @@ def place_of_double(value):
     return bits if bits >= 0 else -(bits + 2**63)
 
 
+def place_of_text(text):
+    """Returns a place between those of TEXTS for another text, a fraction if it is not one of them with NULs behind."""
+    digits = text.encode()
+    lower = TEXTS[bisect.bisect(TEXTS, digits, key=str.encode) - 1]
+    rest = text.removeprefix(lower)
+    if set(rest) <= {"\0"}:
+        return PLACES[lower] + len(rest)
+    return PLACES[lower] + GAP - 1 + sum(fractions.Fraction(digit + 1, 257**at) for at, digit in enumerate(digits, 1))
+
+
 def value_of(kind, value):
     if kind == "string":
-        return Value(value != "", PLACES[value], False)
+        return Value(value != "", place_of_text(value), False)
     if kind == "double":
         return Value(True, 0 if math.isnan(value) else place_of_double(value), math.isnan(value))
     return Value(True, value, False)
@@ -88,6 +99,18 @@ def read_constant(kind, text):
     number = LIBC.strtod(data, ctypes.byref(end)) if kind == "double" else LIBC.strtoll(data, ctypes.byref(end), 10)
     in_range = ctypes.get_errno() != errno.ERANGE or (kind == "double" and number != 0 and not math.isinf(number))
     return value_of(kind, number), in_range and end.value != ctypes.addressof(data)
+
+
+def around(kind, text):
+    """Returns the constant of that text and the values on either side, as a record has them."""
+    if kind == "string":
+        return {"", text, text + "\0"}
+    value = read_constant(kind, text)[0]
+    places = {value.place + step for step in (-1, 0, 1)}
+    if kind == "integer":
+        return {place for place in places if -2**63 <= place < 2**63}
+    bits = [place if place >= 0 else -place - 2**63 for place in places if abs(place) < INFINITY]
+    return {struct.unpack("<d", struct.pack("<q", each))[0] for each in bits}
 
 
 # Formulas are those of z3, or True and False where that is known without it.
@@ -163,6 +186,27 @@ def outcomes(rule, attribute, context):
     return holds, negation(holds)
 
 
+def fulfils(filters, record, context):
+    """Tells whether an event record fulfils filters without draws, each with its event type."""
+    def attribute(kind, name):
+        value = record.get(kind, {}).get(name)
+        return Value(False, 0, False) if value is None else value_of(kind, value)
+    return all(event in (None, record["event"]) and outcomes(each, attribute, context)[0] for each, event in filters)
+
+
+def chance(rule, values, verdict):
+    """Returns how likely a filter comes out so with these values on its sides, and None if it does not draw."""
+    drawn = [rule.kind == "double" and side == ("function", "PseudoRandomDouble") for side in (rule.left, rule.right)]
+    if not any(drawn):
+        return None
+    comparison, other = (rule.operator, values[1]) if drawn[0] else (MIRRORED[rule.operator], values[0])
+    below = 0.5 if all(drawn) else min(max(float(other), 0), 1)
+    likely = {"==": 0, "!=": 1}.get(comparison, below if "<" in comparison else 1 - below)
+    if not all(drawn) and math.isnan(float(other)):
+        likely = int(comparison == "!=")
+    return likely if verdict else 1 - likely
+
+
 def missing(_kind, _name):
     """The attributes of an EnteringState event."""
     return Value(False, 0, False)
@@ -176,6 +220,7 @@ class Events:
         self.recordable = z3.Bool("recordable")
         self.attributes = {}
         self.filters = {}
+        self.formulas = {}
         self.answers = {}
 
     def attribute(self, kind, name):
@@ -199,8 +244,15 @@ class Events:
         return self.filters[rule, context]
 
     def formula(self, condition, context):
+        if (condition, context) not in self.formulas:
+            self.formulas[condition, context] = self.make_formula(condition, context)
+        return self.formulas[condition, context]
+
+    def make_formula(self, condition, context):
         """Makes a formula of a condition, a tuple that says in its first item what it is."""
         kind, *rest = condition
+        if kind == "not":
+            return negation(self.formula(rest[0], context))
         if kind == "may hold":
             return conjunction([self.outcomes(rule, context)[0] for rule in rest[0]])
         if kind == "may not hold":
@@ -233,11 +285,21 @@ def triggers(rule, least):
     return "triggers", least, rule.actions["TriggerVelora"], rule.actions["TriggerVeloraCpu"]
 
 
+def surely_fires(rule):
+    """The conditions that an event fires the transition in its state, whatever is drawn."""
+    return frozenset([("not", ("may not hold", rule.filters)), *(("not", ("may hold", each)) for each in rule.before)])
+
+
 def breaks(rule, filters):
     """The condition that an event that fires the transition fails one of the filters, each with its event type."""
     if any(event not in (None, rule.event) for _, event in filters):
         return "may hold", frozenset()
     return "may not hold", frozenset(each for each, _ in filters)
+
+
+def filters_of(prop):
+    return [(filter_of(each), each.get("event"))
+            for each in prop.get("trigger_only_if", []) + prop.get("between_triggers", [])]
 
 
 class Machine:
@@ -283,6 +345,15 @@ class Machine:
                 visited |= steps[now]
             now = steps[now]
         return Chain(rests | now, visited, fired)
+
+    def passes(self, event, filters, before, recordable):
+        """Tells whether an event may fulfil the filters, and not all filters of any of those before, in any state."""
+        if event != "EnteringState":
+            return self.events.possible(frozenset([("may hold", frozenset(filters))] + [
+                ("may not hold", each) for each in before]), self.context, recordable)
+        may, may_not = ([[outcomes(rule, missing, self.context)[which] for rule in each] for each in (filters, *before)]
+                        for which in (0, 1))
+        return all(may[0]) and all(map(any, may_not[1:]))
 
     def can(self, rule, *conditions, recordable=True):
         """Tells whether there is an event with which a transition fires and the conditions hold."""
@@ -386,10 +457,62 @@ class Machine:
                     now = now | {target for source, target in self.steps if source in now}
         return least
 
+    def sure_rests(self):
+        """Returns where the machine rests once it enters a state, for the states after which no draw decides a move."""
+        found = {}
+        for state in self.states:
+            now = state
+            for _ in range(MOST_MOVES):
+                move, *others = self.next[now]
+                if move is None or others:
+                    break
+                now = self.transitions[move].target
+            if self.next[now] == [None]:
+                found[state] = now
+        return found
+
+    def storms(self, rests):
+        """Returns the transitions whose triggers equal events repeat for certain, going round a cycle of states.
+
+        `rests` tells where the machine rests for certain once it enters a state.
+        """
+        def closes(path, conditions):
+            now = rests.get(path[-1].target)
+            return now == path[0].source or (now not in {rule.source for rule in path} and any(
+                goes_on(path + [rule], conditions)
+                for _, rule in self.leaving([now]) if rule.event == path[0].event))
+
+        def goes_on(path, conditions):
+            conditions |= surely_fires(path[-1])
+            return self.events.possible(conditions, self.context, True) and closes(path, conditions)
+
+        return {index for index, rule in self.leaving(self.reached.rests)
+                if goes_on([rule], frozenset([triggers(rule, 1)]))}
+
+    def stuck(self):
+        """Returns the states in which the machine does nothing any more once it is there."""
+        return {state for state in self.reached_by_any.states if not any(
+            rule.source == state and (rule.target != state or rule.actions) and (
+                index in self.next[state] if rule.event == "EnteringState" else self.can(rule))
+            for index, rule in enumerate(self.transitions))}
+
+    def shortest_break(self, prop):
+        """Returns how many events it takes to break a property that does not hold, None if that is not known."""
+        if "cannot_reach" in prop:
+            return self.reached.states[next(iter(prop["cannot_reach"].values()))]
+        if "trigger_only_if" in prop:
+            return 1 + min(self.reached.rests[rule.source] for _, rule in self.leaving(self.reached.rests)
+                           if self.can(rule, triggers(rule, 1), breaks(rule, filters_of(prop))))
+        if "at_most" in prop:
+            most = prop["at_most"]
+            return min((before + events for rest, before in self.reached.rests.items()
+                        for events in range(1, 1 + most.get("events", len(self.states) * (most["triggers"] + 1)))
+                        if max(self.most_within(events, [rest]).values(), default=0) > most["triggers"]))
+        return None
+
     def holds(self, prop):
         """Tells whether a property, as it stands in a test file, holds."""
-        filters = [(filter_of(each), each.get("event"))
-                   for each in prop.get("trigger_only_if", []) + prop.get("between_triggers", [])]
+        filters = filters_of(prop)
         triggering = [rule for _, rule in self.leaving(self.reached.rests) if self.can(rule, triggers(rule, 1))]
         if "trigger_only_if" in prop:
             return not any(self.can(rule, triggers(rule, 1), breaks(rule, filters)) for rule in triggering)
