@@ -74,12 +74,21 @@ const std::pair<const char*, Strings (*)(int many)> kShapes[] = {
      [](int many) {
          const std::string trigger = R"([{"name":"TriggerVelora"}])";
          const std::string event = "ProcessMemoryHeartBeat";
-         return repeated(many / 4, support::transition("start", "s#", event, support::filters({"integer x == =#"}))) +
-                repeated(many / 4,
-                         support::transition("s#", "t#", event, support::filters({"integer x > =#", "integer y > =1"}),
-                                             trigger)) +
-                repeated(many / 4, support::transition("s#", "start", event)) +
-                repeated(many / 4, support::transition("t#", "s#", event));
+         const int side = static_cast<int>(std::sqrt(many / 4));
+         Strings all;
+         // A state with a way to each of the others would be tried for each of them.
+         for (const std::string& each : repeated(side, "#")) {
+             const std::string from = "s" + each + "-#";
+             const std::string to = "t" + each + "-#";
+             const auto x = support::filters({"integer x > =" + each, "integer y > =1"});
+             all = std::move(all) +
+                   Strings{support::transition("start", each, event, support::filters({"integer x == =" + each}))} +
+                   repeated(side, support::transition(each, from, event, support::filters({"integer x == =#"}))) +
+                   repeated(side, support::transition(from, to, event, x, trigger)) +
+                   repeated(side, support::transition(from, "start", event)) +
+                   repeated(side, support::transition(to, from, event));
+         }
+         return all;
      }},
     {"states that nothing leads to, and a long name that they may be meant to have",
      [](int many) {

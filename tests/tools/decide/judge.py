@@ -391,7 +391,7 @@ class Case:
         done = self.vig("check", "rules.json", "--format", "json", "--catalogue", f"{contexts}.catalogue.json")
         (self.folder / f"{contexts}.check.json").write_text(done.stdout)
         answer = json.loads(done.stdout)
-        self.counts["check machines not decided"] += answer["undecided"]
+        self.counts["check machines not decided"] += len(answer["undecided"])
         found = [[{} for _ in rules] for rules in self.rules]
         for each in answer["findings"]:
             place = re.fullmatch(r"configs\[(\d+)\]\.payload\.data\.transitions\[(\d+)\]\.?(.*)", each["path"])

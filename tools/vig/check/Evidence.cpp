@@ -10,7 +10,8 @@ namespace Brenta::OS::VIG::Tool {
 namespace {
 
 // So much is spent on showing, so that very many warnings do not take long.
-constexpr std::uint64_t kMostSpent = 20'000'000;
+constexpr std::uint64_t kMostSpent = 100'000'000;
+constexpr std::uint64_t kEffortOfTrial = 10;
 
 bool drawsAnywhere(const ConfigModel& machine) {
     return std::ranges::any_of(machine.transitions,
@@ -40,7 +41,7 @@ std::shared_ptr<const Witness> Evidence::show(std::size_t machine, const std::op
         rehearsed = players;
     }
     Witness witness = rehearsal->play(drawing[machine] ? machine : 0, *plan);
-    effort.spend(kEffortOfOffer * witness.moves);
+    effort.spend(kEffortOfOffer * witness.moves + kEffortOfTrial * witness.trials.size());
     if (!confirms(witness)) {
         faults.emplace_back(claim);
         return nullptr;
