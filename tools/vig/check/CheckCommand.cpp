@@ -60,7 +60,7 @@ int check(const CheckOptions& options, const Console& console, const Interruptio
             continue;
         }
         const DocumentText document(path, std::move(*text));
-        Findings findings = findingsIn(document, registry, catalogue);
+        Findings findings = findingsIn(document, registry, catalogue, &interruption);
         if (interruption.requested()) {
             return kExitInterrupted;
         }

@@ -42,14 +42,14 @@ std::vector<Finding> readerErrors(const SourceText& source, const std::string& t
 
 // Judges the configurations that the library accepts, since only these mean something.
 void judge(const DocumentText& document, const std::vector<Json::ArrayIndex>& accepted, const VIGParserConfig& registry,
-           const Catalogue& catalogue, Findings& findings) {
+           const Catalogue& catalogue, const Interruption* interruption, Findings& findings) {
     std::vector<ConfigModel> configs;
     configs.reserve(accepted.size());
     for (const Json::ArrayIndex index : accepted) {
         configs.push_back(modelOf(document, index));
     }
     const AttributeSet empty;
-    Effort effort;
+    Effort effort{.interruption = interruption};
     const Surroundings given{registry, catalogue, empty, effort};
     const Surroundings any{registry, catalogue, empty, effort, Surroundings::Context::Catalogued};
     Evidence evidence(configs);
@@ -70,14 +70,15 @@ void judge(const DocumentText& document, const std::vector<Json::ArrayIndex>& ac
 
 }  // namespace
 
-Findings findingsIn(const DocumentText& document, const VIGParserConfig& registry, const Catalogue& catalogue) {
+Findings findingsIn(const DocumentText& document, const VIGParserConfig& registry, const Catalogue& catalogue,
+                    const Interruption* interruption) {
     Findings findings;
     std::vector<Finding>& found = findings.all;
     if (document.report()) {
         found = readerErrors(document.source(), *document.report());
     } else {
         if (const auto accepted = acceptedConfigs(document, registry, found)) {
-            judge(document, *accepted, registry, catalogue, findings);
+            judge(document, *accepted, registry, catalogue, interruption, findings);
             appendIdWarnings(document, found);
         }
         appendKeyWarnings(document, found);

@@ -124,7 +124,7 @@ int graph(const GraphOptions& options, const Console& console, const Interruptio
         return *status;
     }
     const DocumentModel document(options.rules, std::move(text));
-    const Findings findings = findingsIn(document.text, libraryRegistry(), Catalogue::builtIn());
+    const Findings findings = findingsIn(document.text, libraryRegistry(), Catalogue::builtIn(), &interruption);
     if (interruption.requested()) {
         return kExitInterrupted;
     }
