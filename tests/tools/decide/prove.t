@@ -176,6 +176,14 @@ So are attributes that only together lead on.
       end    never, unless the context has a certain int64 limit, string mode
       a      never, unless the context has a certain int64 limit
 
+An attribute that can only be missing has no value to try.
+
+  $ machines >none.json <<<'start start EnteringState | string x > =b ; start a EnteringState | string x >= =c | TriggerVelora'
+  $ vig prove none.json | grep ' on \|stays'
+      0  start -> start on EnteringState  never, unless the context has a certain string x
+      1  start -> a on EnteringState      never
+    stays  in "start", once there
+
 Too many contexts are left undecided.
 
   $ each=$(transition start end Test "$(filters 'integer x == =N' 'integer x > y')")

@@ -355,14 +355,15 @@ bool CellSolver::raise(std::size_t variable, const std::optional<Value>& bound, 
 
 std::optional<Value> CellSolver::valueOf(std::size_t variable) const {
     const Frame& frame = frames[variable];
+    const Scale& scale = space.variables[variable].scale;
     Region region = chosen[variable].kind == Kind::Open ? found[variable] : chosen[variable];
-    if (region.kind == Kind::Open && frame.isAsked) {
+    if (region.kind == Kind::Open && frame.isAsked && scale.haveValue(frame.first, frame.last, which)) {
         region = {Kind::Present, frame.first, frame.last};
     }
     if (region.kind != Kind::Present) {
         return std::nullopt;
     }
-    return values[variable] ? values[variable] : space.variables[variable].scale.pick(region.first, region.last);
+    return values[variable] ? values[variable] : scale.pick(region.first, region.last);
 }
 
 }  // namespace Brenta::OS::VIG::Tool
