@@ -48,18 +48,18 @@ context would change.
     states
       start  at the start
       end    never
-      on     never, unless the context has a certain int64 limit, string mode
-      off    by 1 event, unless the context has a certain int64 limit, string mode
+      on     never, unless the context has a certain int64 limit, string mode, string other
+      off    by 1 event, unless the context has a certain int64 limit, string mode, string other
       none   by 1 event, unless the context has a certain int64 limit
     transitions
-      0  start -> on on EnteringState       never, unless the context has a certain int64 limit, string mode
-      1  start -> off on Test               by 1 event, unless the context has a certain int64 limit, string mode
-      2  start -> off on Test               by 1 event, unless the context has a certain int64 limit, string mode
+      0  start -> on on EnteringState       never, unless the context has a certain int64 limit, string mode, string other
+      1  start -> off on Test               by 1 event, unless the context has a certain int64 limit, string mode, string other
+      2  start -> off on Test               by 1 event, unless the context has a certain int64 limit, string mode, string other
       3  start -> none on Test              by 1 event, unless the context has a certain int64 limit
-      4  off -> off on ProcessCpuHeartBeat  by 2 events, unless the context has a certain int64 limit, string mode
-    stays  in "off", once there, unless the context has a certain int64 limit, string mode
+      4  off -> off on ProcessCpuHeartBeat  by 2 events, unless the context has a certain int64 limit, string mode, string other
+    stays  in "off", once there, unless the context has a certain int64 limit, string mode, string other
            in "none", once there, unless the context has a certain int64 limit
-    load   at most 1 trigger in 1 event in the long run, unless the context has a certain int64 limit, string mode
+    load   at most 1 trigger in 1 event in the long run, unless the context has a certain int64 limit, string mode, string other
            two triggers are at least 1 event apart
   
   rules.json: all machines together: at most 5 triggers in 3 events in the long run
@@ -81,12 +81,12 @@ With its recordings, each of which the tool replays.
       2  cold -> hot on Test                     by 3 events  a/b/1-transition-2.jsonl --draw 0.125 --draw 0.25
     load   at most 2 triggers in 3 events in the long run, if every draw lets it through (odds 0.125 a round of 3 events)  a/b/1-load.jsonl --
            two triggers can come by one event  a/b/1-distance.jsonl --draw 0.125
-      off    by 1 event, unless the context has a certain int64 limit, string mode  a/b/2-state-3.jsonl
-      none   by 1 event, unless the context has a certain int64 limit               a/b/2-state-4.jsonl
-      1  start -> off on Test               by 1 event, unless the context has a certain int64 limit, string mode   a/b/2-transition-1.jsonl
-      2  start -> off on Test               by 1 event, unless the context has a certain int64 limit, string mode   a/b/2-transition-2.jsonl
-      3  start -> none on Test              by 1 event, unless the context has a certain int64 limit                a/b/2-transition-3.jsonl
-    load   at most 1 trigger in 1 event in the long run, unless the context has a certain int64 limit, string mode  a/b/2-load.jsonl
+      off    by 1 event, unless the context has a certain int64 limit, string mode, string other  a/b/2-state-3.jsonl
+      none   by 1 event, unless the context has a certain int64 limit  a/b/2-state-4.jsonl
+      1  start -> off on Test               by 1 event, unless the context has a certain int64 limit, string mode, string other  a/b/2-transit
+      2  start -> off on Test               by 1 event, unless the context has a certain int64 limit, string mode, string other  a/b/2-transit
+      3  start -> none on Test              by 1 event, unless the context has a certain int64 limit  a/b/2-transition-3.jsonl
+    load   at most 1 trigger in 1 event in the long run, unless the context has a certain int64 limit, string mode, string other  a/b/2-load.j
            two triggers are at least 1 event apart  a/b/2-distance.jsonl
   $ grep -oE 'a/b/.-transition.*' out |
   > while read -r file draws; do

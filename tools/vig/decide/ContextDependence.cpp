@@ -1,13 +1,20 @@
+// An answer depends on an attribute if two contexts that differ in it alone give two answers. So all contexts are tried
+// that the machine tells apart, one for each combination of values of all attributes; or, if these are too many, those
+// that differ from the given one in one attribute.
+//
+// Mostly two values of an attribute are enough, none and any: events can have it with any value themselves, so that a
+// context that has it only rules out that it is missing. Each value that is told apart is tried where a machine's own
+// events are asked for it, which never have it, or where something asks an event alone.
 #include "tools/vig/decide/ContextDependence.h"
 
 #include <algorithm>
-#include <array>
+#include <limits>
 #include <map>
 #include <string_view>
 #include <tuple>
-#include <type_traits>
 #include <utility>
 
+#include "tools/vig/catalogue/ActionNeeds.h"
 #include "tools/vig/document/NormalFilter.h"
 #include "tools/vig/events/EventNames.h"
 #include "vig/base/Utf8.h"
@@ -21,295 +28,222 @@ namespace {
 // So much costs a transition of a machine that is decided again, besides what is looked at.
 constexpr std::uint64_t kEffortOfTransition = 200;
 
-// It is an attribute of a context with another value, or without one.
-struct Change {
+// It is an attribute of contexts, and the values of it that are tried, the given one first.
+struct Dimension {
     FilterValueType type;
     std::string name;
-    std::optional<Value> value;
+    std::vector<std::optional<Value>> values;
 
     std::string text() const { return std::string(nameOf(kindOf(type))) + " " + name; }
 };
-using Variation = std::vector<Change>;
 
-template <typename T>
-void copyOthers(const AttributeSet& given, const Variation& variation, std::optional<FilterValueType> type,
-                AttributeSet& copy) {
-    given.forEach<T>([&](std::string_view name, T value) {
-        if (std::ranges::none_of(variation,
-                                 [&](const Change& each) { return each.type == type && each.name == name; })) {
-            copy.add<T>(name, value);
+using Context = std::vector<std::size_t>;  // of each attribute, which value
+
+class Dimensions {
+  public:
+    Dimensions(const ConfigModel& config, const AttributeSet& given) {
+        for (const TransitionModel& transition : config.transitions) {
+            for (const FilterModel& filter : transition.filters) {
+                read(filter, transition.event);
+            }
+            for (const ActionModel& action : transition.actions) {
+                const KnownAction* const known = findAction(action.key);
+                for (const ActionNeed& need : known != nullptr ? known->needs : std::span<const ActionNeed>()) {
+                    for (const auto& [type, text] : kFilterValueTypeTable.pairs) {
+                        if (kindOf(type) == need.kind) {
+                            use(type, need.attribute).isToldApart = true;
+                        }
+                    }
+                }
+            }
         }
-    });
-}
-
-AttributeSet contextWith(const AttributeSet& given, const Variation& variation) {
-    AttributeSet context;
-    copyOthers<std::uint64_t>(given, variation, std::nullopt, context);
-    copyOthers<bool>(given, variation, std::nullopt, context);
-    copyOthers<std::int64_t>(given, variation, FilterValueType::Integer, context);
-    copyOthers<double>(given, variation, FilterValueType::Double, context);
-    copyOthers<std::string_view>(given, variation, FilterValueType::String, context);
-    for (const Change& each : variation) {
-        if (each.value) {
-            std::visit(
-                [&]<typename T>(const T& value) {
-                    using Stored = std::conditional_t<std::is_same_v<T, std::string>, std::string_view, T>;
-                    context.add<Stored>(each.name, value);
-                },
-                *each.value);
-        }
-    }
-    context.sort<std::int64_t>();
-    context.sort<double>();
-    context.sort<std::string_view>();
-    return context;
-}
-
-std::vector<Variation> changesOfOne(const ConfigModel& config) {
-    std::map<std::pair<FilterValueType, std::string>, Scale> scales;
-    for (const TransitionModel& transition : config.transitions) {
-        for (const FilterModel& filter : transition.filters) {
-            const NormalFilter normal = normalFormOf(filter);
-            const std::string& name = normal.left.operand.value;
-            // Only constants are compared with what a context has, and only some names can be written into one.
-            if (isAttribute(normal.left) && isConstant(normal.right) && replaceInvalidUtf8(name) == name) {
-                auto& scale = scales.try_emplace({filter.valueType, name}, filter.valueType).first->second;
-                scale.add(constantOf(normal.right.operand.value, filter.valueType));
+        for (auto& [attribute, use] : uses) {
+            // Only some names can be written into a context.
+            const std::string name(attribute.second);
+            if (use.isCompared && replaceInvalidUtf8(name) == name) {
+                use.scale.settle();
+                all.push_back({attribute.first, name, valuesOf(use, attributeOf(given, name, attribute.first))});
             }
         }
     }
-    std::vector<Variation> variations;
-    for (auto& [attribute, scale] : scales) {
-        const auto& [type, name] = attribute;
-        scale.settle();
-        variations.push_back({{type, name, std::nullopt}});
-        for (Scale::Cell cell = 0; cell < scale.cellCount(); ++cell) {
-            if (auto value = scale.pick(cell, cell + 1)) {
-                variations.push_back({{type, name, std::move(value)}});
+
+    std::vector<Dimension> all;
+
+  private:
+    struct Use {
+        Scale scale;
+        bool isCompared = false;  // with a constant, for which a context is asked as well
+        bool isToldApart = false;
+    };
+
+    Use& use(FilterValueType type, std::string_view name) {
+        return uses.try_emplace({type, name}, Use{Scale(type)}).first->second;
+    }
+
+    void read(const FilterModel& filter, EventType event) {
+        const NormalFilter normal = normalFormOf(filter);
+        for (const OperandModel* const each : {&normal.left, &normal.right}) {
+            if (!isAttribute(*each)) {
+                continue;
+            }
+            Use& read = use(filter.valueType, each->operand.value);
+            read.isToldApart = read.isToldApart || event == EventType::EnteringState || !hasConstant(filter);
+            if (hasConstant(filter)) {
+                read.isCompared = true;
+                read.scale.add(constantOf(normal.right.operand.value, filter.valueType));
             }
         }
     }
-    return variations;
-}
 
-// It has the answers about a machine, and all that the others follow from.
-struct Verdicts {
-    explicit Verdicts(Behaviour& machine) {
-        for (std::size_t state = 0; state < machine.stateCount(); ++state) {
-            states.push_back(machine.reaches(state));
-            waits.push_back(machine.waitsIn(state));
-            for (const auto& edge : waits.back() ? machine.edgesFrom(state) : std::vector<Behaviour::Edge>()) {
-                edges.push_back({state, edge.transition, edge.to, machine.triggersOf(edge.transition).count});
+    static std::vector<std::optional<Value>> valuesOf(const Use& use, const std::optional<Value>& given) {
+        const Scale& scale = use.scale;
+        std::vector<std::optional<Value>> values = {given};
+        if (given) {
+            values.emplace_back(std::nullopt);
+        }
+        const Scale::Cell step = use.isToldApart ? 1 : scale.cellCount();
+        for (Scale::Cell cell = 0; cell < scale.cellCount(); cell += step) {
+            const bool isOfGiven = given && (!use.isToldApart || scale.cellOf(*given) == cell);
+            if (auto value = isOfGiven ? std::nullopt : scale.pick(cell, cell + step)) {
+                values.push_back(std::move(value));
             }
         }
-        for (std::size_t transition = 0; transition < machine.config().transitions.size(); ++transition) {
-            transitions.push_back(machine.fires(transition));
-        }
+        return values;
     }
 
-    std::vector<Answer> states;
-    std::vector<Answer> transitions;
-    std::vector<bool> waits;
-    std::vector<std::array<std::size_t, 4>> edges;
+    std::map<std::pair<FilterValueType, std::string_view>, Use> uses;
 };
 
 class Comparison {
   public:
-    Comparison(Behaviour& machine, const Load& load, const std::vector<std::vector<std::size_t>>& stays,
+    Comparison(const ConfigModel& config, const std::vector<std::vector<std::size_t>>& stays,
                const Surroundings& surroundings)
-        : model(machine.config()), given(surroundings), load(load), stays(stays), verdicts(machine) {
-        found.states.resize(verdicts.states.size());
-        found.transitions.resize(verdicts.transitions.size());
-        found.stays.resize(stays.size());
-        ofOne = found;
-    }
+        : model(config), given(surroundings), stays(stays), dimensions(Dimensions(config, surroundings.context).all) {}
 
-    std::optional<ContextDependence> run() {
-        if (!tryAll(changesOfOne(model))) {
-            return std::nullopt;
+    ContextDependence run() {
+        std::size_t contexts = 1;
+        std::size_t ofOne = 1;
+        for (const Dimension& each : dimensions) {
+            contexts = std::min(contexts, kMostContexts) * each.values.size();
+            ofOne += each.values.size() - 1;
         }
-        const auto several = changesOfSeveral();
-        // What one attribute changes needs no others.
-        ofOne = found;
-        if (!several || !tryAll(*several)) {
-            return std::nullopt;
+        const bool areAllTried = isAffordable(contexts);
+        dependence.isWhole = areAllTried;
+        if (!isAffordable(ofOne)) {
+            return std::move(dependence);
         }
-        ofOne = found;
-        return tryAllTogether() ? std::optional(std::move(found)) : std::nullopt;
+        Context context(dimensions.size());
+        answers[context] = answersTo(context);
+        dependence.names.resize(answers[context].size());
+        for (std::size_t index = 0; index < dimensions.size();) {
+            if (context[index] + 1 == dimensions[index].values.size()) {
+                context[index++] = 0;
+                continue;
+            }
+            ++context[index];
+            compare(context);
+            index = areAllTried ? 0 : index;
+        }
+        return std::move(dependence);
     }
 
   private:
-    bool tryAll(const std::vector<Variation>& variations) {
-        const std::uint64_t cost = kEffortOfTransition * variations.size() * model.transitions.size();
-        if (given.effort.left < cost) {
-            return false;
-        }
-        return std::ranges::all_of(variations, [this](const Variation& each) { return tryOne(each); });
+    using LoadKey = std::tuple<std::optional<std::uint64_t>, std::optional<Rate>, std::optional<std::size_t>>;
+
+    static constexpr std::size_t kMostContexts = 1'000'000;
+    static constexpr std::size_t kUndecided = std::numeric_limits<std::size_t>::max();
+
+    bool isAffordable(std::size_t contexts) const {
+        return contexts <= kMostContexts &&
+               kEffortOfTransition * contexts * model.transitions.size() < given.effort.left;
     }
 
-    Surroundings with(const AttributeSet& context) const {
+    AttributeSet attributesOf(const Context& context) const {
+        AttributeSet attributes;
+        for (std::size_t index = 0; index < dimensions.size(); ++index) {
+            if (const auto& value = dimensions[index].values[context[index]]) {
+                std::visit(
+                    [&]<typename T>(const T& each) {
+                        using Stored = std::conditional_t<std::is_same_v<T, std::string>, std::string_view, T>;
+                        attributes.add<Stored>(dimensions[index].name, each);
+                    },
+                    *value);
+            }
+        }
+        attributes.sort<std::int64_t>();
+        attributes.sort<double>();
+        attributes.sort<std::string_view>();
+        return attributes;
+    }
+
+    // Returns what is decided with that context, as one number for each answer.
+    std::vector<std::size_t> answersTo(const Context& context) {
+        const AttributeSet attributes = attributesOf(context);
         given.effort.spend(kEffortOfTransition * model.transitions.size());
-        return {given.registry, given.catalogue, context, given.effort};
-    }
-
-    // Returns false if it is not decided what it changes.
-    bool tryOne(const Variation& variation) {
-        const AttributeSet context = contextWith(given.context, variation);
-        if (context == given.context) {
-            return true;
-        }
-        const Surroundings varied = with(context);
+        const Surroundings varied{given.registry, given.catalogue, attributes, given.effort};
         Behaviour machine(model, varied);
-        const Verdicts now(machine);
-        compare(verdicts.states, now.states, variation, ofOne.states, found.states);
-        compare(verdicts.transitions, now.transitions, variation, ofOne.transitions, found.transitions);
-        if (load.isDecided && (now.waits != verdicts.waits || now.edges != verdicts.edges)) {
-            const Load other = worstLoad(machine);
-            const auto keyOf = [](const Load& each) { return std::tuple(each.most, each.rate, each.distance); };
-            note(keyOf(other) != keyOf(load), variation, ofOne.load, found.load);
-            const auto others = statesToStay(machine);
-            for (std::size_t index = 0; index < stays.size(); ++index) {
-                const bool isOther = std::ranges::find(others, stays[index]) == others.end();
-                note(isOther, variation, ofOne.stays[index], found.stays[index]);
-            }
-        }
-        return !machine.hasGaps();
-    }
-
-    static void compare(const std::vector<Answer>& before, const std::vector<Answer>& now, const Variation& variation,
-                        const std::vector<ContextDependence::Names>& known,
-                        std::vector<ContextDependence::Names>& names) {
-        for (std::size_t index = 0; index < before.size(); ++index) {
-            const bool isOther = before[index] != Answer::Undecided && now[index] != before[index];
-            note(isOther, variation, known[index], names[index]);
-        }
-    }
-
-    static void note(bool isOther, const Variation& variation, const ContextDependence::Names& known,
-                     ContextDependence::Names& names) {
-        for (const Change& each : isOther&& known.empty() ? variation : Variation()) {
-            names.insert(each.text());
-        }
-    }
-
-    // Returns nothing if that is not decided.
-    std::optional<std::vector<Variation>> changesOfSeveral() const {
-        std::vector<Variation> variations;
-        const Surroundings open{given.registry, given.catalogue, given.context, given.effort,
-                                Surroundings::Context::Open};
-        Behaviour machine(model, open);
-        for (std::size_t index = 0; index < model.transitions.size(); ++index) {
-            if (model.transitions[index].event != EventType::EnteringState || machine.canFire(index) != Answer::Yes) {
-                continue;
-            }
-            const Junction& junction = machine.junctionOf(index);
-            const auto record = junction.eventFor(junction.toReach(machine.targetOf(index)), given.effort);
-            if (!record) {
-                return std::nullopt;
-            }
-            Variation all = needed(index, changesTo(record->attributes));
-            if (all.size() > 1) {
-                variations.push_back(std::move(all));
-            }
-        }
-        return machine.hasGaps() ? std::nullopt : std::optional(std::move(variations));
-    }
-
-    // Where a machine that may have any context, a new one at each event, comes to what this one never does, all that
-    // its own events need on the way is tried at once. Returns false if it is not decided what that changes.
-    bool tryAllTogether() {
-        const Surroundings open{given.registry, given.catalogue, given.context, given.effort,
-                                Surroundings::Context::Open};
-        Behaviour machine(model, open);
-        const auto isOpen = [](Answer never, Answer ever, const ContextDependence::Names& names) {
-            return never == Answer::No && ever == Answer::Yes && names.empty();
+        std::vector<std::size_t> all;
+        const auto add = [&](Answer answer) {
+            all.push_back(answer == Answer::Undecided ? kUndecided : static_cast<std::size_t>(answer));
         };
-        for (std::size_t state = 0; state < verdicts.states.size(); ++state) {
-            if (isOpen(verdicts.states[state], machine.reaches(state), found.states[state]) &&
-                !tryOne(changesAlong(machine, machine.routeTo(state)))) {
-                return false;
-            }
+        for (std::size_t state = 0; state < machine.stateCount(); ++state) {
+            add(machine.reaches(state));
         }
-        for (std::size_t index = 0; index < verdicts.transitions.size(); ++index) {
-            if (isOpen(verdicts.transitions[index], machine.fires(index), found.transitions[index]) &&
-                !tryOne(changesAlong(machine, machine.routeToFire(index)))) {
-                return false;
-            }
+        for (std::size_t transition = 0; transition < model.transitions.size(); ++transition) {
+            add(machine.fires(transition));
         }
-        return !machine.hasGaps();
-    }
-
-    Variation changesAlong(Behaviour& machine, const Route& route) const {
-        Variation all;
-        const auto add = [&](const Junction& junction, const Junction::Question& question) {
-            const auto record = junction.eventFor(question, given.effort);
-            for (Change& each : record ? changesTo(record->attributes) : Variation()) {
-                const auto isSame = [&](const Change& other) { return other.text() == each.text(); };
-                if (std::ranges::none_of(all, isSame)) {
-                    all.push_back(std::move(each));
-                }
-            }
-        };
-        const auto follow = [&](const Chain& chain, std::size_t stop) {
-            for (; stop != 0; stop = chain.stops[stop].before) {
-                const std::size_t transition = chain.stops[stop].transition;
-                const Junction& junction = machine.junctionOf(transition);
-                add(junction, junction.toReach(machine.targetOf(transition)));
-            }
-        };
-        follow(machine.chainFrom(Behaviour::kStart), route.startStop);
-        for (const RouteStep& each : route.steps) {
-            follow(machine.chainFrom(machine.to(each.transition)), each.stop);
+        const Load load = worstLoad(machine);
+        const auto others = statesToStay(machine);
+        for (const auto& each : stays) {
+            const bool isOne = std::ranges::find(others, each) != others.end();
+            all.push_back(machine.hasGaps() ? kUndecided : std::size_t{isOne});
         }
+        all.push_back(load.isDecided ? numberOf({load.most, load.rate, load.distance}) : kUndecided);
+        dependence.isWhole = dependence.isWhole && !machine.hasGaps();
         return all;
     }
 
-    static Variation changesTo(const AttributeSet& attributes) {
-        Variation changes;
-        const auto add = [&](FilterValueType type, std::string_view name, Value value) {
-            changes.push_back({type, std::string(name), std::move(value)});
-        };
-        attributes.forEach<std::int64_t>(
-            [&](std::string_view name, std::int64_t value) { add(FilterValueType::Integer, name, value); });
-        attributes.forEach<double>(
-            [&](std::string_view name, double value) { add(FilterValueType::Double, name, value); });
-        attributes.forEach<std::string_view>([&](std::string_view name, std::string_view value) {
-            add(FilterValueType::String, name, std::string(value));
-        });
-        return changes;
+    std::size_t numberOf(const LoadKey& load) {
+        const auto place = std::ranges::find(loads, load) - loads.begin();
+        if (static_cast<std::size_t>(place) == loads.size()) {
+            loads.push_back(load);
+        }
+        return static_cast<std::size_t>(place);
     }
 
-    // Leaves out the changes without which the transition can fire, too.
-    Variation needed(std::size_t transition, Variation changes) const {
-        for (std::size_t index = 0; changes.size() > 1 && index < changes.size();) {
-            Variation others = changes;
-            others.erase(others.begin() + static_cast<std::ptrdiff_t>(index));
-            const AttributeSet context = contextWith(given.context, others);
-            const Surroundings varied = with(context);
-            if (Behaviour(model, varied).canFire(transition) == Answer::Yes) {
-                changes = std::move(others);
-            } else {
-                ++index;
+    // Holds a context against those that have another value of one attribute, and have been tried.
+    void compare(const Context& context) {
+        const std::vector<std::size_t>& these = answers[context] = answersTo(context);
+        for (std::size_t index = 0; index < dimensions.size(); ++index) {
+            if (context[index] == 0) {
+                continue;
+            }
+            Context other = context;
+            --other[index];
+            const std::vector<std::size_t>& others = answers.at(other);
+            for (std::size_t answer = 0; answer < these.size(); ++answer) {
+                const bool areDecided = these[answer] != kUndecided && others[answer] != kUndecided;
+                if (areDecided && these[answer] != others[answer]) {
+                    dependence.names[answer].insert(dimensions[index].text());
+                }
             }
         }
-        return changes;
     }
 
     const ConfigModel& model;
     const Surroundings& given;
-    const Load& load;
     const std::vector<std::vector<std::size_t>>& stays;
-    const Verdicts verdicts;
-    ContextDependence found;
-    ContextDependence ofOne;  // what was found with the changes of one attribute, once all are tried
+    const std::vector<Dimension> dimensions;
+    std::map<Context, std::vector<std::size_t>> answers;  // with the contexts that have been tried
+    std::vector<LoadKey> loads;                           // that have been decided, each once
+    ContextDependence dependence;
 };
 
 }  // namespace
 
-std::optional<ContextDependence> dependenceOf(Behaviour& machine, const Load& load,
-                                              const std::vector<std::vector<std::size_t>>& stays,
-                                              const Surroundings& surroundings) {
-    return Comparison(machine, load, stays, surroundings).run();
+ContextDependence dependenceOf(const ConfigModel& config, const std::vector<std::vector<std::size_t>>& stays,
+                               const Surroundings& surroundings) {
+    return Comparison(config, stays, surroundings).run();
 }
 
 }  // namespace Brenta::OS::VIG::Tool

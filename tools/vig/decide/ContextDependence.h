@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstddef>
-#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -11,23 +10,16 @@
 
 namespace Brenta::OS::VIG::Tool {
 
-// It names, for each answer about a machine, the attributes of the context, as "int64 limit", with other values of
-// which the answer is another one.
+// It names the attributes of the context, as "int64 limit", on which the answers about a machine depend: whether each
+// state is reached, each transition fires, it stays in each set of states, and the load.
 struct ContextDependence {
-    using Names = std::set<std::string>;
-
-    std::vector<Names> states;
-    std::vector<Names> transitions;
-    std::vector<Names> stays;  // for each set of states
-    Names load;
+    std::vector<std::set<std::string>> names = {};  // of each answer, in that order; none if nothing is known
+    bool isWhole = true;                            // otherwise some may be missing
 };
 
-// Decides again what was decided of the machine, with other contexts: for each attribute that the machine compares with
-// constants, with a value of each kind that it tells apart in the place of the one in `surroundings`, and without it;
-// and for each transition on EnteringState, with all that it needs. Returns nothing if the effort that `surroundings`
-// has for it does not suffice.
-std::optional<ContextDependence> dependenceOf(Behaviour& machine, const Load& load,
-                                              const std::vector<std::vector<std::size_t>>& stays,
-                                              const Surroundings& surroundings);
+// Decides again, with other contexts, what was decided of the machine with the one in `surroundings`, within the effort
+// that these have for it.
+ContextDependence dependenceOf(const ConfigModel& config, const std::vector<std::vector<std::size_t>>& stays,
+                               const Surroundings& surroundings);
 
 }  // namespace Brenta::OS::VIG::Tool

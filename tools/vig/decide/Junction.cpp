@@ -30,19 +30,6 @@ std::optional<FilterValueType> comparedAs(AttributeKind kind) {
     return std::nullopt;
 }
 
-std::optional<Value> attributeOf(const AttributeSet& attributes, std::string_view name, FilterValueType type) {
-    switch (type) {
-        case FilterValueType::Integer:
-            return attributes.find<std::int64_t>(name);
-        case FilterValueType::Double:
-            return attributes.find<double>(name);
-        case FilterValueType::String:
-            break;
-    }
-    const auto text = attributes.find<std::string_view>(name).value_or("");
-    return text.empty() ? std::nullopt : std::optional<Value>(std::string(text));
-}
-
 // Tells whether a number that is drawn from the range can compare like that.
 bool canDraw(double least, double most, FilterOperator op, const Value& other) {
     switch (op) {
@@ -62,6 +49,19 @@ bool canDraw(double least, double most, FilterOperator op, const Value& other) {
 }
 
 }  // namespace
+
+std::optional<Value> attributeOf(const AttributeSet& attributes, std::string_view name, FilterValueType type) {
+    switch (type) {
+        case FilterValueType::Integer:
+            return attributes.find<std::int64_t>(name);
+        case FilterValueType::Double:
+            return attributes.find<double>(name);
+        case FilterValueType::String:
+            break;
+    }
+    const auto text = attributes.find<std::string_view>(name).value_or("");
+    return text.empty() ? std::nullopt : std::optional<Value>(std::string(text));
+}
 
 Value constantOf(const std::string& text, FilterValueType type) {
     return withComparedType(type, [&]<typename T>(std::type_identity<T>) { return Value(readNearest<T>(text)); });

@@ -42,6 +42,9 @@ struct DrawPlan {
     double odds = 1;
 };
 
+// Returns what filters read of an attribute. An empty text is none.
+std::optional<Value> attributeOf(const AttributeSet& attributes, std::string_view name, FilterValueType type);
+
 // Returns a constant as the library reads it.
 Value constantOf(const std::string& text, FilterValueType type);
 

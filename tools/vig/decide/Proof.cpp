@@ -129,21 +129,20 @@ class Confirmation {
     Proof& proof;
 };
 
-Proof::Names listOf(const ContextDependence::Names& names) {
-    return {names.begin(), names.end()};
-}
-
 void addContext(const ContextDependence& dependence, Proof& proof) {
-    for (const auto& [names, claims] :
-         {std::pair(&dependence.states, &proof.states), std::pair(&dependence.transitions, &proof.transitions)}) {
-        for (std::size_t index = 0; index < claims->size(); ++index) {
-            (*claims)[index].context = listOf((*names)[index]);
-        }
+    auto next = dependence.names.begin();
+    const auto add = [&](Proof::Names& names) {
+        names.assign(next->begin(), next->end());
+        ++next;
+    };
+    for (Proof::Claim& each : proof.states) {
+        add(each.context);
     }
-    proof.load.context = listOf(dependence.load);
-    for (std::size_t index = 0; index < dependence.stays.size(); ++index) {
-        proof.staysContext[index] = listOf(dependence.stays[index]);
+    for (Proof::Claim& each : proof.transitions) {
+        add(each.context);
     }
+    std::ranges::for_each(proof.staysContext, add);
+    add(proof.load.context);
 }
 
 }  // namespace
@@ -166,7 +165,7 @@ Proof prove(const ConfigModel& config, std::size_t machine, const Surroundings& 
     }
     proof.staysContext.resize(stays.size());
     const Surroundings varied{surroundings.registry, surroundings.catalogue, surroundings.context, forContexts};
-    const auto dependence = dependenceOf(behaviour, load, stays, varied);
+    const auto dependence = dependenceOf(config, stays, varied);
     Confirmation confirmation(behaviour, rehearsal, proof);
     for (std::size_t state = 0; state < behaviour.stateCount(); ++state) {
         proof.stateNames.push_back(behaviour.stateName(state));
@@ -176,9 +175,9 @@ Proof prove(const ConfigModel& config, std::size_t machine, const Surroundings& 
         proof.transitions.push_back(confirmation.ofTransition(transition));
     }
     confirmation.ofLoad(load);
-    proof.isContextDecided = dependence.has_value();
-    if (dependence) {
-        addContext(*dependence, proof);
+    proof.isContextDecided = dependence.isWhole;
+    if (!dependence.names.empty()) {
+        addContext(dependence, proof);
     }
     return proof;
 }

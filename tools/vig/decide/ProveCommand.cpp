@@ -29,7 +29,7 @@ namespace Brenta::OS::VIG::Tool {
 namespace {
 
 // What other contexts would change is to cost a document a second at most.
-constexpr std::uint64_t kEffortForContexts = 50'000'000;
+constexpr std::uint64_t kEffortForContexts = 200'000'000;
 
 class ProveRun {
   public:
