@@ -14,6 +14,7 @@
 #include "tests/support/TemporaryFolder.h"
 #include "tests/tools/ToolRun.h"
 #include "tools/vig/check/CheckCommand.h"
+#include "tools/vig/check/Evidence.h"
 #include "tools/vig/document/Registry.h"
 #include "vig/parsers/VIGResponseParser.h"
 
@@ -98,6 +99,16 @@ TEST(Findings, AreErrorsExactlyInWhatTheLibraryRefuses) {
     }
     EXPECT_GE(accepted, kDocuments / 5);
     EXPECT_LE(accepted, kDocuments * 4 / 5);
+}
+
+TEST(Evidence, IsWhatTheLibraryConfirms) {
+    const DocumentModel document("", support::documentOf({support::transition("start", "end", "Test")}));
+    Evidence evidence(document.configs);
+    for (const bool isTrue : {true, false}) {
+        EXPECT_EQ(evidence.show(0, Plan{{}, {{}}, {1}}, "it", [&](const Witness&) { return isTrue; }) != nullptr,
+                  isTrue);
+    }
+    EXPECT_EQ(evidence.faults, std::vector<std::string>{"it"});
 }
 
 }  // namespace

@@ -149,6 +149,18 @@ Warnings can be left out, and errors cannot.
   $ vig check shown.json --allow no-way-out --allow endless-entering | tail -1
   2 errors in 1 file
 
+What a thousand transitions leave of a number is decided, and so is a circle beside the way of a storm, and a state that
+only one name or none at all leaves.
+
+  $ below=$(transition start end Test "$(filters 'integer x < =-N')") above=$(transition start end Test "$(filters 'integer x > =N')")
+  $ document_of $(for n in {900..1}; do echo "${below/N/$n}" "${above/N/$n}"; done) >many.json
+  $ machines >beside.json <<'END'
+  > start a ProcessMemoryHeartBeat | integer vmRssKB > =10 | TriggerVelora; a b ProcessMemoryHeartBeat; b a ProcessMemoryHeartBeat | integer vmRssKB > =10; b start ProcessMemoryHeartBeat
+  > start hot ProcessMemoryHeartBeat | string processName == =a; hot start ProcessMemoryHeartBeat | string processName > =a; hot start ProcessMemoryHeartBeat | string processName < =a & string processName > =; hot end ProcessMemoryHeartBeat || TriggerVelora
+  > END
+  $ vig check many.json beside.json
+  nothing found in 2 files
+
 What would take too long is left undecided, which is said: nine different numbers cannot be from 1 to 8.
 
   $ all="start end Test | "

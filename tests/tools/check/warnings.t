@@ -160,7 +160,7 @@ What no event does, by all that filters and transitions leave of it; and what so
   > $memory | integer pid < vmRssKB & integer vmRssKB < vmSwapKB & integer vmSwapKB < pid
   > $memory | integer pid < vmRssKB & integer vmRssKB <= vmSwapKB & integer vmSwapKB < =1
   > $memory | integer vmRssKB < pid; $memory | integer vmRssKB >= pid; $memory
-  > $cpu | double cpuAvgUtilization >= =inf; $cpu | double cpuAvgUtilization != cpuAvgUtilization
+  > $cpu | double cpuAvgUtilization >= =inf & double cpuAvgUtilization < =0; $cpu | double PseudoRandomDouble() > cpuAvgUtilization; $cpu | double cpuAvgUtilization != cpuAvgUtilization
   > $cpu | double cpuAvgUtilization > =1e308 & double cpuAvgUtilization > =1.7976931348623157e308
   > $cpu | double cpuAvgUtilization <= =5; $cpu | double cpuAvgUtilization > =5; $cpu | double cpuAvgUtilization != =7
   > start a EnteringState | integer limit > =5; start b EnteringState | integer limit > =3; start end EnteringState | integer limit > =4; a end Test; b end Test
@@ -169,12 +169,13 @@ What no event does, by all that filters and transitions leave of it; and what so
   > start a Test | integer n > =1 & integer n < =1; a b Test; a c EnteringState; b end Test; c end Test
   > start a Test; a b EnteringState; a c Test; b end Test; c end Test
   > start a Test; a b Test | integer n > =1 & integer n < =1; a end Test | integer n > =1 & integer n < =1
+  > start hot Test; hot end Test | integer limit > =5; hot start Test
   > EOF
   0: shadowed-transition [2]
   1: shadowed-transition [1]
   2: never-true [0].filters[2]
   4: shadowed-transition [2]
-  5: never-true [0].filters[0], never-true [1].filters[0]
+  5: never-true [0].filters[0], never-true [2].filters[0]
   6: never-true [0].filters[1]
   7: shadowed-transition [2]
   8: shadowed-transition [2]
@@ -213,6 +214,7 @@ What no event does, by all that filters and transitions leave of it; and what so
   > start hot Test; hot end Test | integer n > =5 & string s == =a & integer m > =5; hot start Test | integer m < =9
   > start hot Test; hot end Test | integer n > =5 & $random; hot start Test
   > start hot Test; hot end ProcessMemoryHeartBeat | $big; hot start ProcessMemoryHeartBeat
+  > start hot Test; hot end Test | integer n > =5; hot start Test | integer m > =5; hot hot Test
   > EOF
   0: missing-falls-through [1].filters[0]
   3: missing-falls-through [1].filters[0]
@@ -261,6 +263,7 @@ The whole of what is said.
   > $memory | integer vmRssKB <= =1; $memory | integer vmRssKB == =2; $memory | integer vmRssKB == =3; $memory | integer vmRssKB > =3; $memory | integer vmRssKB != =0
   > $cpu | double cpuAvgUtilization <= =5; $cpu | double cpuAvgUtilization > =5; $cpu | double cpuAvgUtilization != =7
   > $cpu | double cpuAvgUtilization >= =inf; $cpu | double cpuAvgUtilization > =1e308 & double cpuAvgUtilization > =1.7976931348623157e308
+  > $cpu | double cpuAvgUtilization == cpuAvgUtilization; $cpu | double cpuAvgUtilization > =5
   > start a Test | integer =2 < =1; a b Test; start c Test; c d EnteringState; c e Test; d d Test | integer =2 < =1 | Test; b end Test; e end Test
   > start hot ProcessMemoryHeartBeat | $big $collect; hot start ProcessMemoryHeartBeat
   > start hot ProcessMemoryHeartBeat; hot end ProcessMemoryHeartBeat | $big $collect
@@ -328,6 +331,8 @@ The whole of what is said.
     hint: put this one before it, or give that one another filter
   warning: only an infinity or NaN fulfils `cpuAvgUtilization > 1.7976931348623157e308` [never-true]
     hint: mend the filter, or leave the transition out
+  warning: this never fires: before it in "start" comes transitions[0] on ProcessCpuHeartBeat, which fires whenever this one could [shadowed-transition]
+    hint: put this one before it, or give that one another filter
   warning: the machine never comes to "a": none of the transitions that could lead there ever fires [unreachable-state]
     hint: mend what leads there, or leave it out
   warning: `2 < 1` is never true, being a comparison of two constants [never-true]

@@ -142,6 +142,23 @@ What a text is, is what a person would pick; a NUL only where nothing else is le
   $ vig prove texts.json --format json | grep '"path"' | grep -o '"s":"[^"]*"' | tr '\n' ' '
   "s":"app" "s":"A" "s":"0" "s":"!" "s":" " "s":"A" "s":"bA" "s":"\u0000"  (no-eol)
 
+The odds are those of all draws on the way, up to the thousandth move, and the way to a circle is the shortest. A sum of
+rates that no few numbers can say is rounded up.
+
+  $ machines >limit.json <<<'b a Test; a b ProcessMemoryHeartBeat || TriggerVelora; b end EnteringState | double PseudoRandomDouble() < =0.5; b b EnteringState; start a Test'
+  $ vig prove limit.json --witness limit | grep -o 'odds.*load.jsonl'; wc -l <limit/0-load.jsonl
+  odds 9.33e-302 a round of 2 events)  limit/0-load.jsonl
+  3
+  $ round() { config 0 "$(transition start 1 ProcessMemoryHeartBeat '[]' "$(actions TriggerVelora)")" $(for ((n = 1; n < $1 - 1; ++n)); do transition $n $((n + 1)) Test; echo; done) "$(transition $(($1 - 1)) start Test)"; }
+  $ document "$(round 101)" "$(round 103)" "$(round 107)" >sum.json; vig prove sum.json | tail -1
+  sum.json: all machines together: at most 7239 triggers in 250000 events in the long run
+
+Two numbers that are not NaN can be compared.
+
+  $ machines >nan.json <<<'start a Test | double x < y; start b Test | double x >= y; start end Test | double x > =0 & double y > =0'
+  $ vig prove nan.json | grep ' end  '
+      end    never
+
 A context that is given.
 
   $ echo '{"event":"Test","string":{"mode":"b"},"int64":{"limit":6}}' >context.jsonl

@@ -125,6 +125,15 @@ Each kind has a shortest recording that refutes it, with what is drawn and decid
   ok    a.test.json: 7 of 7 passed
   7 tests: 7 passed, 0 failed
 
+A trigger before the events of the limit does not count.
+
+  $ hot='ProcessCpuHeartBeat | string processName == =a & double cpuAvgUtilization > =1 | TriggerVeloraCpu'
+  $ machines <<<"start a $hot; a b $hot; b end $hot TriggerVeloraCpu" >three.json
+  $ properties three.json "$(property few '"at_most":{"triggers":2,"events":2}')"
+  $ vig test a.test.json | grep -o 'triggers .*'
+  triggers 3 times, on events 2, 3, 3:
+  [1]
+
 What only an infinity breaks is true.
 
   $ machines <<<'start end ProcessCpuHeartBeat | double x > =5 | TriggerVeloraCpu' >finite.json

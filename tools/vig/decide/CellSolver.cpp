@@ -88,11 +88,8 @@ bool CellSolver::simplify(const Clauses& question) {
             return false;
         }
         if (std::find_if(choice + 1, clause->end(), isPossible) != clause->end()) {
-            const auto fulfilled = std::ranges::find_if(*clause, isFulfilled);
-            if (fulfilled != clause->end() && !frames[fulfilled->variable].absent) {
-                frames[fulfilled->variable].isAsked = true;
-            }
-            return fulfilled != clause->end();
+            // A frame that nothing is asked of has all cells, and a literal for all of them is for the absence, too.
+            return std::ranges::any_of(*clause, isFulfilled);
         }
         Frame& frame = frames[choice->variable];
         frame.isAsked = true;
