@@ -122,7 +122,7 @@ class FallThroughSearch {
         };
         const auto witness =
             machine.evidence.show(machine.index, plan, "missing-falls-through at " + filter.place.path, isConfirmed);
-        if (!witness) {
+        if (!witness && !machine.evidence.isUsedUp()) {
             machine.wasCut = true;
             return;
         }

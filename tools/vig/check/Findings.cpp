@@ -1,6 +1,7 @@
 #include "tools/vig/check/Findings.h"
 
 #include <algorithm>
+#include <numeric>
 #include <optional>
 #include <string_view>
 #include <tuple>
@@ -53,7 +54,11 @@ void judge(const DocumentText& document, const std::vector<Json::ArrayIndex>& ac
     const Surroundings given{registry, catalogue, empty, effort};
     const Surroundings any{registry, catalogue, empty, effort, Surroundings::Context::Catalogued};
     Evidence evidence(configs);
-    for (std::size_t index = 0; index < configs.size(); ++index) {
+    std::vector<std::size_t> order(configs.size());
+    std::iota(order.begin(), order.end(), 0);
+    std::stable_partition(order.begin(), order.end(), [&](std::size_t index) { return evidence.isDrawing(index); });
+    std::vector<bool> undecided(configs.size());
+    for (const std::size_t index : order) {
         Behaviour shown(configs[index], given);
         std::optional<Behaviour> possible;
         if (!catalogue.context().empty()) {
@@ -61,7 +66,10 @@ void judge(const DocumentText& document, const std::vector<Json::ArrayIndex>& ac
         }
         Judged machine{configs[index], index, given, possible ? *possible : shown, shown, evidence};
         appendRuleWarnings(machine, findings.all);
-        if (machine.wasCut || machine.possible.hasGaps() || shown.hasGaps()) {
+        undecided[index] = machine.wasCut || machine.possible.hasGaps() || shown.hasGaps();
+    }
+    for (std::size_t index = 0; index < configs.size(); ++index) {
+        if (undecided[index]) {
             findings.undecided.push_back({configs[index].place.path, configs[index].id});
         }
     }

@@ -189,7 +189,7 @@ class ProcessSearch {
         };
         const auto witness =
             machine.evidence.show(machine.index, plan, "mixed-processes at " + action.place.path, isConfirmed);
-        if (!witness) {
+        if (!witness && !machine.evidence.isUsedUp()) {
             machine.wasCut = true;
             return;
         }

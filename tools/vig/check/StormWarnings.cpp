@@ -29,9 +29,9 @@ using RulesEngine::EventType;
 
 namespace {
 
-// So much of what may be looked at is left to others. Machines of very many states that lead everywhere have more ways
-// than can be tried.
-constexpr std::uint64_t kMostSpent = 25'000'000;
+// One search may take this part of the effort that is left. Machines of very many states that lead everywhere have more
+// ways than can be tried.
+constexpr std::uint64_t kPart = 4;
 constexpr std::uint64_t kEffortOfStep = 10;
 
 constexpr std::size_t kNone = std::numeric_limits<std::size_t>::max();
@@ -50,7 +50,7 @@ class StormSearch {
           transitions(std::move(listening)),
           junction(modelsOf(machine.config, transitions), event, {}, machine.surroundings),
           found(found),
-          leftBefore(behaviour.budget().left) {}
+          leastLeft(behaviour.budget().left - behaviour.budget().left / kPart) {}
 
     void search() {
         findSteps();
@@ -163,7 +163,7 @@ class StormSearch {
         }
         for (std::size_t node = 0; node < nodes.size() && !isFound; ++node) {
             for (const std::size_t step : stepsFrom[steps[nodes[node].step].to]) {
-                if (!behaviour.budget().spend(kEffortOfStep) || behaviour.budget().left + kMostSpent < leftBefore) {
+                if (!behaviour.budget().spend(kEffortOfStep) || behaviour.budget().left < leastLeft) {
                     machine.wasCut = true;
                     return;
                 }
@@ -221,7 +221,7 @@ class StormSearch {
         }
         std::ranges::reverse(circle);
         const auto witness = show(action, circle, questionOf(nodes.back().before, circle.back(), true));
-        if (!witness) {
+        if (!witness && !machine.evidence.isUsedUp()) {
             machine.wasCut = true;
             return;
         }
@@ -279,7 +279,7 @@ class StormSearch {
     const std::vector<std::size_t> transitions;  // by their place in the junction
     const Junction junction;
     std::vector<Finding>& found;
-    const std::uint64_t leftBefore;                  // of the effort
+    const std::uint64_t leastLeft;                   // of the effort
     std::deque<Clause> clauses;                      // that fates refer to
     std::map<std::size_t, std::vector<Fate>> fates;  // of the transitions of each state
     std::vector<Step> steps;

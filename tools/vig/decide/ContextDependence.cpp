@@ -25,8 +25,8 @@ using RulesEngine::EventType;
 
 namespace {
 
-// So much costs a transition of a machine that is decided again, besides what is looked at.
-constexpr std::uint64_t kEffortOfTransition = 200;
+// So much costs each attribute, transition and filter of a machine that is decided again, besides what is looked at.
+constexpr std::uint64_t kEffortOfPart = 300;
 
 // It is an attribute of contexts, and the values of it that are tried, the given one first.
 struct Dimension {
@@ -118,7 +118,13 @@ class Comparison {
   public:
     Comparison(const ConfigModel& config, const std::vector<std::vector<std::size_t>>& stays,
                const Surroundings& surroundings)
-        : model(config), given(surroundings), stays(stays), dimensions(Dimensions(config, surroundings.context).all) {}
+        : model(config), given(surroundings), stays(stays), dimensions(Dimensions(config, surroundings.context).all) {
+        std::size_t parts = dimensions.size() + model.transitions.size();
+        for (const TransitionModel& each : model.transitions) {
+            parts += each.filters.size();
+        }
+        effortOfOne = kEffortOfPart * parts;
+    }
 
     ContextDependence run() {
         std::size_t contexts = 1;
@@ -136,6 +142,10 @@ class Comparison {
         answers[context] = answersTo(context);
         dependence.names.resize(answers[context].size());
         for (std::size_t index = 0; index < dimensions.size();) {
+            if (given.effort.left == 0) {
+                dependence.isWhole = false;
+                break;
+            }
             if (context[index] + 1 == dimensions[index].values.size()) {
                 context[index++] = 0;
                 continue;
@@ -154,8 +164,7 @@ class Comparison {
     static constexpr std::size_t kUndecided = std::numeric_limits<std::size_t>::max();
 
     bool isAffordable(std::size_t contexts) const {
-        return contexts <= kMostContexts &&
-               kEffortOfTransition * contexts * model.transitions.size() < given.effort.left;
+        return contexts <= kMostContexts && contexts * effortOfOne < given.effort.left;
     }
 
     AttributeSet attributesOf(const Context& context) const {
@@ -179,7 +188,7 @@ class Comparison {
     // Returns what is decided with that context, as one number for each answer.
     std::vector<std::size_t> answersTo(const Context& context) {
         const AttributeSet attributes = attributesOf(context);
-        given.effort.spend(kEffortOfTransition * model.transitions.size());
+        given.effort.spend(effortOfOne);
         const Surroundings varied{given.registry, given.catalogue, attributes, given.effort};
         Behaviour machine(model, varied);
         std::vector<std::size_t> all;
@@ -234,6 +243,7 @@ class Comparison {
     const Surroundings& given;
     const std::vector<std::vector<std::size_t>>& stays;
     const std::vector<Dimension> dimensions;
+    std::uint64_t effortOfOne = 0;                        // context
     std::map<Context, std::vector<std::size_t>> answers;  // with the contexts that have been tried
     std::vector<LoadKey> loads;                           // that have been decided, each once
     ContextDependence dependence;

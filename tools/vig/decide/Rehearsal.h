@@ -30,7 +30,7 @@ struct Witness {
     };
 
     std::vector<EventRecord> events;
-    std::vector<double> draws;            // of all machines of the document, in order; the last one is drawn for ever
+    std::vector<double> draws;            // of all machines that play, in order; the last one is drawn for ever
     std::vector<Trial> trials;            // those of all events
     std::vector<std::uint64_t> triggers;  // the events by which it asked for collections
     std::uint64_t moves = 0;              // of all machines
@@ -45,15 +45,15 @@ struct Witness {
 class Rehearsal final : private Trace, private NoReport {
   public:
     // `machines` are of configurations that the library accepts; the context is that of every machine. Both must
-    // outlive it.
+    // outlive it, and so must the document of the machines.
     Rehearsal(std::span<const ConfigModel> machines, const AttributeSet& context);
     Rehearsal(const Rehearsal&) = delete;
     Rehearsal& operator=(const Rehearsal&) = delete;
 
     std::size_t size() const { return group.size(); }
 
-    // Lets all machines start anew and offers them the events of the plan, which is one for that
-    // machine. The others draw numbers of their own.
+    // Lets all machines start anew and offers them the events of the plan, which is one for that machine. The others
+    // draw numbers of their own.
     Witness play(std::size_t machine, const Plan& plan);
 
   private:

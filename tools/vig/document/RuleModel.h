@@ -12,8 +12,8 @@
 
 namespace Brenta::OS::VIG::Tool {
 
-// The models tell what a rule document says, piece by piece with its place in the text, to the verbs that talk about
-// documents. The machines themselves come from the library.
+// The models tell what a rule document says, piece by piece with its place in the text and as the JSON of the document,
+// which has to outlive them, to the verbs that talk about documents. The machines themselves come from the library.
 
 struct OperandModel {
     Place place;  // of its value
