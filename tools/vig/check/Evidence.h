@@ -26,7 +26,7 @@ class Evidence {
     std::shared_ptr<const Witness> show(std::size_t machine, const std::optional<Plan>& plan, std::string_view claim,
                                         const std::function<bool(const Witness&)>& confirms);
 
-    // Tells whether the machine draws. All that do play together, so that those are best shown one after the other.
+    // Tells whether the machine draws. Then all machines play, and those that draw are best shown one after the other.
     bool isDrawing(std::size_t machine) const { return drawing[machine]; }
 
     // Tells whether nothing more is shown.

@@ -168,21 +168,13 @@ class Comparison {
     }
 
     AttributeSet attributesOf(const Context& context) const {
-        AttributeSet attributes;
+        std::vector<std::pair<std::string_view, Value>> values;
         for (std::size_t index = 0; index < dimensions.size(); ++index) {
             if (const auto& value = dimensions[index].values[context[index]]) {
-                std::visit(
-                    [&]<typename T>(const T& each) {
-                        using Stored = std::conditional_t<std::is_same_v<T, std::string>, std::string_view, T>;
-                        attributes.add<Stored>(dimensions[index].name, each);
-                    },
-                    *value);
+                values.emplace_back(dimensions[index].name, *value);
             }
         }
-        attributes.sort<std::int64_t>();
-        attributes.sort<double>();
-        attributes.sort<std::string_view>();
-        return attributes;
+        return attributesWith(values);
     }
 
     // Returns what is decided with that context, as one number for each answer.

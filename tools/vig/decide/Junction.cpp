@@ -63,6 +63,22 @@ std::optional<Value> attributeOf(const AttributeSet& attributes, std::string_vie
     return text.empty() ? std::nullopt : std::optional<Value>(std::string(text));
 }
 
+AttributeSet attributesWith(const std::vector<std::pair<std::string_view, Value>>& values) {
+    AttributeSet attributes;
+    for (const auto& named : values) {
+        std::visit(
+            [&]<typename T>(const T& value) {
+                using Stored = std::conditional_t<std::is_same_v<T, std::string>, std::string_view, T>;
+                attributes.add<Stored>(named.first, value);
+            },
+            named.second);
+    }
+    attributes.sort<std::int64_t>();
+    attributes.sort<double>();
+    attributes.sort<std::string_view>();
+    return attributes;
+}
+
 Value constantOf(const std::string& text, FilterValueType type) {
     return withComparedType(type, [&]<typename T>(std::type_identity<T>) { return Value(readNearest<T>(text)); });
 }
@@ -369,21 +385,13 @@ std::optional<EventRecord> Junction::eventFor(const Question& question, Effort& 
         if (type == EventType::Timeout) {
             record.timeoutId = 1;
         }
+        std::vector<std::pair<std::string_view, Value>> values;
         for (const auto& [key, variable] : variables) {
-            const auto value = solver.valueOf(variable);
-            if (!value) {
-                continue;
+            if (auto value = solver.valueOf(variable)) {
+                values.emplace_back(key.second, std::move(*value));
             }
-            std::visit(
-                [&, name = key.second]<typename T>(const T& each) {
-                    using Stored = std::conditional_t<std::is_same_v<T, std::string>, std::string_view, T>;
-                    record.attributes.add<Stored>(name, each);
-                },
-                *value);
         }
-        record.attributes.sort<std::int64_t>();
-        record.attributes.sort<double>();
-        record.attributes.sort<std::string_view>();
+        record.attributes = attributesWith(values);
         return record;
     }
     return std::nullopt;

@@ -45,6 +45,9 @@ struct DrawPlan {
 // Returns what filters read of an attribute. An empty text is none.
 std::optional<Value> attributeOf(const AttributeSet& attributes, std::string_view name, FilterValueType type);
 
+// Returns the attributes with those names and values.
+AttributeSet attributesWith(const std::vector<std::pair<std::string_view, Value>>& values);
+
 // Returns a constant as the library reads it.
 Value constantOf(const std::string& text, FilterValueType type);
 
