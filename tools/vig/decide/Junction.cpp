@@ -442,7 +442,7 @@ std::vector<Extent> Junction::extentsAround(const EventRecord& record, const Que
         if (cells.absent) {
             const CellSet absent = std::exchange(cells, {0, scale.cellCount()});
             if (!isFulfilled()) {
-                extents.push_back({key.second, std::nullopt});
+                extents.push_back({std::string(key.second), std::nullopt});
             }
             cells = absent;
             continue;
@@ -468,7 +468,7 @@ std::vector<Extent> Junction::extentsAround(const EventRecord& record, const Que
         widen(cells.first, 0);
         widen(cells.last, scale.cellCount());
         if (cells.first != 0 || cells.last != scale.cellCount()) {
-            extents.push_back({key.second, attributeOf(record.attributes, key.second, key.first),
+            extents.push_back({std::string(key.second), attributeOf(record.attributes, key.second, key.first),
                                scale.lowerBound(cells.first), scale.upperBound(cells.last)});
         }
     }

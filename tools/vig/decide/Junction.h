@@ -5,6 +5,7 @@
 #include <map>
 #include <optional>
 #include <span>
+#include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -44,7 +45,7 @@ struct DrawPlan {
 
 // It has values of an attribute, which lie between two, or its absence.
 struct Extent {
-    std::string_view name;
+    std::string name;
     std::optional<Value> example;  // nothing if the attribute is absent
     std::optional<Scale::Bound> least = {};
     std::optional<Scale::Bound> most = {};

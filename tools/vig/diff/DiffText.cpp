@@ -12,10 +12,11 @@ namespace Brenta::OS::VIG::Tool {
 
 namespace {
 
+constexpr std::size_t kMostLinesOnTop = 32;     // so that they are one screen
 constexpr std::size_t kMostEventsShown = 12;    // the last ones of a recording
 constexpr std::size_t kMostIdsNamed = 12;       // of configurations of which there is nothing else to say
 constexpr std::size_t kMostLinesOfEither = 40;  // of what a machine did; a circle makes a thousand
-constexpr std::size_t kWidestColumn = 60;       // wider ones stand one under the other
+constexpr std::size_t kWidestColumn = 72;       // wider ones stand one under the other
 constexpr Both<const char*> kSides = {"old", "new"};
 
 std::string counted(std::size_t number, const std::string& word) {
@@ -110,7 +111,10 @@ std::vector<std::string> summaryOf(const ConfigDiff& config) {
     switch (diff.verdict) {
         case MachineDiff::Verdict::Different:
             for (const MachineDiff::Change& each : diff.changes) {
-                lines.push_back(wordsFor(each, diff.states));
+                std::string line = wordsFor(each, diff.states);
+                if (std::ranges::count(lines, line) == 0) {
+                    lines.push_back(std::move(line));
+                }
             }
             if (diff.areOddsSame) {
                 lines.push_back("only what is drawn differs: everything is as probable as before");
@@ -124,11 +128,11 @@ std::vector<std::string> summaryOf(const ConfigDiff& config) {
                                         counted(diff.events, "event")));
             break;
         case MachineDiff::Verdict::Same:
-            lines.push_back(config.indices[0] && config.indices[1] ? "" : "does nothing that is seen");
+            if (!config.indices[0] || !config.indices[1]) {
+                lines.emplace_back("does nothing that is seen");
+            }
             break;
     }
-    std::ranges::sort(lines);
-    lines.erase(std::unique(lines.begin(), lines.end()), lines.end());
     return lines;
 }
 
@@ -171,7 +175,7 @@ std::vector<std::string> lastDeedsOf(const ConfigDiff& config, std::size_t side)
     for (const Deed& each : account.deeds) {
         if (each.event == config.diff.events) {
             lines.push_back((each.kind == Deed::Kind::Trigger ? "triggers " : "logs ") +
-                            excerpt(printable(each.text), 72));
+                            excerpt(printable(each.text), 60));
         }
     }
     if (lines.empty()) {
@@ -180,7 +184,12 @@ std::vector<std::string> lastDeedsOf(const ConfigDiff& config, std::size_t side)
     if (account.explanation.empty()) {
         lines.push_back(fmt::format("state {}: no transition listens", shownQuoted(config.diff.states[side])));
     }
-    std::ranges::copy(account.explanation, std::back_inserter(lines));
+    // It is clear which configuration is meant, and two columns need the place.
+    const std::string prefix = fmt::format("configs[{}].payload.data.", config.indices[side].value_or(0));
+    for (std::string each : account.explanation) {
+        const std::size_t found = each.find(prefix);
+        lines.push_back(found == 2 ? each.erase(found, prefix.size()) : each);
+    }
     if (lines.size() > kMostLinesOfEither) {
         const std::size_t left = lines.size() - kMostLinesOfEither;
         lines.resize(kMostLinesOfEither);
@@ -204,9 +213,13 @@ std::string beside(const Both<std::vector<std::string>>& texts, const std::strin
         }
         return all;
     }
-    for (std::size_t index = 0; index < std::max(texts[0].size(), texts[1].size()); ++index) {
-        const std::string left = index < texts[0].size() ? texts[0][index] : "";
-        const std::string right = index < texts[1].size() ? texts[1][index] : "";
+    Both<std::vector<std::string>> columns = texts;
+    for (std::size_t side = 0; side < columns.size(); ++side) {
+        columns[side].insert(columns[side].begin(), kSides[side]);
+    }
+    for (std::size_t index = 0; index < std::max(columns[0].size(), columns[1].size()); ++index) {
+        const std::string left = index < columns[0].size() ? columns[0][index] : "";
+        const std::string right = index < columns[1].size() ? columns[1][index] : "";
         const std::string line =
             fmt::format("{}{}{} | {}", indent, left, std::string(width - charactersIn(left), ' '), right);
         all += line.substr(0, line.find_last_not_of(' ') + 1) + "\n";
@@ -239,6 +252,9 @@ std::vector<std::string> drawsOf(const ConfigDiff& config) {
                           draws.begin() + static_cast<std::ptrdiff_t>(std::min(draws.size(), kMostEventsShown)), ", "),
                 draws.size() > kMostEventsShown ? ", …" : ""));
         }
+    }
+    if (!lines.empty()) {
+        lines.insert(lines.begin(), "each number that is drawn for an event is the same in both");
     }
     return lines;
 }
@@ -279,14 +295,16 @@ std::string wordsFor(const MachineDiff::Change& change, const Both<std::string>&
 
 std::string textOf(const DocumentDiff& diff, const Both<std::string>& files) {
     std::string text = fmt::format("{} -> {}: {}\n", printable(files[0]), printable(files[1]), countsOf(diff));
+    std::vector<std::string> top;
     for (const ConfigDiff& each : diff.configs) {
-        if (wordFor(each) == std::string_view("unchanged")) {
-            continue;
-        }
         for (const std::string& line : summaryOf(each)) {
-            text += fmt::format("  {:<11}  {}  {}\n", wordFor(each), labelOf(each), line);
+            top.push_back(fmt::format("  {:<11}  {}  {}\n", wordFor(each), labelOf(each), line));
         }
     }
+    const std::size_t left = top.size() - std::min(top.size(), kMostLinesOnTop);
+    top.resize(top.size() - left);
+    text += fmt::format("{}{}", fmt::join(top, ""),
+                        left == 0 ? "" : fmt::format("  and {}, told below\n", counted(left, "other difference")));
     const std::string unchanged = unchangedIdsOf(diff);
     text += unchanged.empty() ? "" : fmt::format("  {:<11}  {}\n", "unchanged", unchanged);
     for (const ConfigDiff& each : diff.configs) {
@@ -325,9 +343,7 @@ std::string markdownOf(const DocumentDiff& diff, const Both<std::string>& files)
         if (!recording.empty()) {
             text += fmt::format("```json\n{}\n```\n", fmt::join(recording, "\n"));
         }
-        for (const std::string& line : drawsOf(each)) {
-            text += line + "\n";
-        }
+        text += joined(drawsOf(each), "<br>", [](const std::string& line) { return line; }) + "\n";
         text += "\n<table><tr><th>old</th><th>new</th></tr><tr>";
         for (std::size_t side = 0; side < kSides.size(); ++side) {
             text += fmt::format("<td><pre>\n{}\n</pre></td>",

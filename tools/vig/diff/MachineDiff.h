@@ -31,7 +31,7 @@ struct MachineDiff {
     struct Change {
         RulesEngine::EventType event;
         Both<Outcome> outcomes;
-        std::vector<Extent> extents;  // of the attributes of which it matters; the names are the documents'
+        std::vector<Extent> extents;  // of the attributes of which it matters
         bool isDrawn;                 // what is drawn matters, too
     };
 
