@@ -7,6 +7,7 @@ Verbs::Verbs() {
     addProve(commandLine, prove);
     addRun(commandLine, run);
     addSummary(commandLine, summary);
+    addTune(commandLine, tune);
     addWatch(commandLine, watch);
     addCatalogue(commandLine, catalogue);
     addTest(commandLine, test);

@@ -8,6 +8,7 @@
 #include "tools/vig/fleet/SummaryCommand.h"
 #include "tools/vig/graph/GraphCommand.h"
 #include "tools/vig/test/TestCommand.h"
+#include "tools/vig/tune/TuneCommand.h"
 #include "tools/vig/watch/WatchCommand.h"
 
 namespace Brenta::OS::VIG::Tool {
@@ -21,6 +22,7 @@ struct Verbs {
     ProveOptions prove;
     FleetOptions run;
     SummaryOptions summary;
+    TuneOptions tune;
     WatchOptions watch;
     CatalogueOptions catalogue;
     TestOptions test;
