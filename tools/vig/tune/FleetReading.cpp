@@ -104,7 +104,7 @@ bool draws(const ConfigModel& config) {
 // Finds the value that the constant is compared with in an event, and where it makes a difference.
 class Collector {
   public:
-    Collector(const TunePlan& plan, std::span<const Range> ranges)
+    Collector(const TunePlan& plan, std::span<const RankRange> ranges)
         : constant(plan.constant),
           model(plan.document.configs[constant.config].transitions[constant.transition]),
           context(plan.context),
@@ -131,7 +131,7 @@ class Collector {
             return;
         }
         for (const Rank breakpoint : breakpointsOf(constant.op(), *value)) {
-            if (std::ranges::any_of(ranges, [&](const Range& range) { return range.holds(breakpoint); })) {
+            if (std::ranges::any_of(ranges, [&](const RankRange& range) { return range.holds(breakpoint); })) {
                 sample.add(breakpoint);
             }
         }
@@ -154,14 +154,14 @@ class Collector {
     const TunedConstant& constant;
     const TransitionModel& model;
     const RecordedContext context;
-    const std::span<const Range> ranges;
+    const std::span<const RankRange> ranges;
     std::vector<std::shared_ptr<Filter>> others;
 };
 
 // Replays devices one after the other, on the thread that made it.
 class DeviceReader {
   public:
-    DeviceReader(const TunePlan& plan, std::span<const Rank> thresholds, std::span<const Range> ranges)
+    DeviceReader(const TunePlan& plan, std::span<const Rank> thresholds, std::span<const RankRange> ranges)
         : plan(plan),
           collector(plan, ranges),
           needed(neededConfigs()),
@@ -304,11 +304,11 @@ class DeviceReader {
 
 }  // namespace
 
-void Outcome::addDevice(std::uint64_t triggersOfDevice) {
+void FleetOutcome::addDevice(std::uint64_t triggersOfDevice) {
     add({triggersOfDevice > 0 ? 1u : 0u, triggersOfDevice, triggersOfDevice * triggersOfDevice});
 }
 
-void Outcome::add(const Outcome& other) {
+void FleetOutcome::add(const FleetOutcome& other) {
     devices += other.devices;
     triggers += other.triggers;
     squares += other.squares;
@@ -329,7 +329,7 @@ void FleetReading::add(const FleetReading& other) {
     problems.insert(other.problems.begin(), other.problems.end());
 }
 
-FleetReading readFleet(const TunePlan& plan, std::span<const Rank> thresholds, std::span<const Range> ranges) {
+FleetReading readFleet(const TunePlan& plan, std::span<const Rank> thresholds, std::span<const RankRange> ranges) {
     std::mutex mutex;
     FleetReading all;  // guarded by mutex
     std::atomic<std::size_t> next = 0;

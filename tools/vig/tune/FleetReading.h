@@ -33,21 +33,21 @@ struct TunePlan {
 };
 
 // It tells what a fleet did with one threshold. Parts may be added in any order.
-struct Outcome {
+struct FleetOutcome {
     std::uint64_t devices = 0;  // with a trigger
     std::uint64_t triggers = 0;
     std::uint64_t squares = 0;  // of the triggers of each device
 
     void addDevice(std::uint64_t triggersOfDevice);
-    void add(const Outcome& other);
-    bool operator==(const Outcome&) const = default;
+    void add(const FleetOutcome& other);
+    bool operator==(const FleetOutcome&) const = default;
 };
 
 // It is what the recordings gave when each was read once. Parts may be added in any order.
 struct FleetReading {
-    std::vector<Outcome> outcomes;  // by the index of the threshold
-    RankSample breakpoints;         // of the ranges that were asked for
-    std::uint64_t devices = 0;      // whose files could be opened
+    std::vector<FleetOutcome> outcomes;  // by the index of the threshold
+    RankSample breakpoints;              // of the ranges that were asked for
+    std::uint64_t devices = 0;           // whose files could be opened
     std::uint64_t events = 0;
     std::uint64_t milliseconds = 0;               // from the first to the last event of each device, of all together
     std::optional<std::size_t> timeless;          // the first device that has events and none with a time
@@ -58,6 +58,6 @@ struct FleetReading {
 
 // Replays all recordings to machines with each of the thresholds at once, in place of the constant. In the ranges, it
 // collects where the values of the events make a difference.
-FleetReading readFleet(const TunePlan& plan, std::span<const Rank> thresholds, std::span<const Range> ranges);
+FleetReading readFleet(const TunePlan& plan, std::span<const Rank> thresholds, std::span<const RankRange> ranges);
 
 }  // namespace Brenta::OS::VIG::Tool

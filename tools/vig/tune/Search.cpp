@@ -25,11 +25,11 @@ constexpr int kMostReadings = 12;
 constexpr int kDrawSteps = 1000;  // in the range of a random function
 constexpr double kMillisecondsOfDay = 24.0 * 60 * 60 * 1000;
 
-constexpr Range kEverything{std::numeric_limits<Rank>::min(), std::numeric_limits<Rank>::max()};
+constexpr RankRange kEverything{std::numeric_limits<Rank>::min(), std::numeric_limits<Rank>::max()};
 
 class Search {
   public:
-    Search(const TunePlan& plan, const Target& target)
+    Search(const TunePlan& plan, const TuneTarget& target)
         : plan(plan), target(target), type(plan.constant.model->valueType) {}
 
     Tuning run() {
@@ -60,7 +60,7 @@ class Search {
     bool isUsable() const { return tuning.failure.empty() && !plan.interruption.requested(); }
 
     void read(const std::vector<Rank>& thresholds, bool samples) {
-        FleetReading reading = readFleet(plan, thresholds, samples ? ranges : std::vector<Range>());
+        FleetReading reading = readFleet(plan, thresholds, samples ? ranges : std::vector<RankRange>());
         if (plan.interruption.requested()) {
             return;
         }
@@ -89,10 +89,10 @@ class Search {
         tuning.size = {reading.devices, reading.timeless ? 0 : days};
         if (reading.devices == 0) {
             tuning.failure = "there is no recording to replay";
-        } else if (target.kind == Target::Kind::Rate && reading.timeless) {
+        } else if (target.kind == TuneTarget::Kind::Rate && reading.timeless) {
             tuning.failure = nameOfEvents(plan.devices[*reading.timeless]) +
                              ": no record has a time_ms, which triggers a day are counted by";
-        } else if (target.kind == Target::Kind::Rate && days == 0) {
+        } else if (target.kind == TuneTarget::Kind::Rate && days == 0) {
             tuning.failure = "no time passes from the first to the last time_ms of any recording";
         }
     }
@@ -110,7 +110,7 @@ class Search {
     // tried.
     std::vector<Rank> gapsToTry() const {
         std::vector<Rank> gaps;
-        for (const Range& range : ranges) {
+        for (const RankRange& range : ranges) {
             const auto begin = std::ranges::upper_bound(breakpoints, range.low);
             const auto end = std::ranges::upper_bound(breakpoints, range.high);
             if (begin == end) {
@@ -142,8 +142,8 @@ class Search {
     }
 
     // Returns the ranges between neighbours of which one is above the target.
-    std::vector<Range> rangesAroundTarget() const {
-        std::vector<Range> result;
+    std::vector<RankRange> rangesAroundTarget() const {
+        std::vector<RankRange> result;
         for (auto each = tuning.tried.begin(); std::next(each) != tuning.tried.end(); ++each) {
             const auto& [next, outcome] = *std::next(each);
             if (target.isBelow(each->second, tuning.size) != target.isBelow(outcome, tuning.size)) {
@@ -200,18 +200,18 @@ class Search {
     }
 
     const TunePlan& plan;
-    const Target& target;
+    const TuneTarget& target;
     const FilterValueType type;
-    std::vector<Range> ranges = {kEverything};  // in which thresholds are tried
-    std::vector<Range> sampled;                 // which the breakpoints are of
-    std::vector<Rank> breakpoints;              // in order
-    bool isComplete = false;                    // no value of the ranges was left out
+    std::vector<RankRange> ranges = {kEverything};  // in which thresholds are tried
+    std::vector<RankRange> sampled;                 // which the breakpoints are of
+    std::vector<Rank> breakpoints;                  // in order
+    bool isComplete = false;                        // no value of the ranges was left out
     Tuning tuning;
 };
 
 }  // namespace
 
-Tuning searchThreshold(const TunePlan& plan, const Target& target) {
+Tuning searchThreshold(const TunePlan& plan, const TuneTarget& target) {
     return Search(plan, target).run();
 }
 

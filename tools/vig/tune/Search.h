@@ -6,14 +6,14 @@
 #include <vector>
 
 #include "tools/vig/tune/FleetReading.h"
-#include "tools/vig/tune/Target.h"
 #include "tools/vig/tune/Thresholds.h"
+#include "tools/vig/tune/TuneTarget.h"
 
 namespace Brenta::OS::VIG::Tool {
 
 // It is what came out of a search. All outcomes are of thresholds that were replayed.
 struct Tuning {
-    std::map<Rank, Outcome> tried = {};
+    std::map<Rank, FleetOutcome> tried = {};
     FleetSize size = {};
     std::uint64_t events = 0;
     std::map<std::size_t, std::string> problems = {};  // by the index of the device
@@ -28,6 +28,6 @@ struct Tuning {
 // Replays the fleet until no value that it has lies between a threshold above the target and one that is not, or
 // something else ends it: nothing in it says that a higher threshold gives more, or less. Of an interrupted search
 // nothing is of use.
-Tuning searchThreshold(const TunePlan& plan, const Target& target);
+Tuning searchThreshold(const TunePlan& plan, const TuneTarget& target);
 
 }  // namespace Brenta::OS::VIG::Tool

@@ -38,12 +38,12 @@ std::size_t digitsOf(Rank rank, FilterValueType type);
 std::vector<Rank> breakpointsOf(FilterOperator op, Rank value);
 
 // The numbers after `low` up to `high`.
-struct Range {
+struct RankRange {
     Rank low;
     Rank high;
 
     bool holds(Rank rank) const { return low < rank && rank <= high; }
-    bool operator==(const Range&) const = default;
+    bool operator==(const RankRange&) const = default;
 };
 
 // It keeps different ranks, and if there are too many, some that depend on nothing but which ranks there are: neither

@@ -87,7 +87,7 @@ void addTune(CommandLine& commandLine, TuneOptions& options) {
                 "A share of the devices, such as 0.1%, or triggers a device and day, such as 3/day",
                 [&options](const std::string& text) {
                     options.targetText = text;
-                    options.target = Target::of(text);
+                    options.target = TuneTarget::of(text);
                     return options.target ? "" : "expected a share such as 0.1% or a rate such as 3/day, got " + text;
                 });
     verb.choice("--format", options.format, {{"text", TuneFormat::Text}, {"json", TuneFormat::Json}},

@@ -7,7 +7,7 @@
 #include "tools/vig/io/Console.h"
 #include "tools/vig/io/Interruption.h"
 #include "tools/vig/run/RuleRun.h"
-#include "tools/vig/tune/Target.h"
+#include "tools/vig/tune/TuneTarget.h"
 
 namespace Brenta::OS::VIG::Tool {
 
@@ -19,7 +19,7 @@ struct TuneOptions : MachineOptions {
     std::string path;  // of the constant, in the document
     std::vector<std::string> devices;
     std::string targetText;
-    std::optional<Target> target;  // what the text says
+    std::optional<TuneTarget> target;  // what the text says
     TuneFormat format = TuneFormat::Text;
     unsigned threads = 1;
 };

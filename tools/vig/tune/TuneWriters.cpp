@@ -52,6 +52,7 @@ class Writer {
         const auto place = std::ranges::find(different, *centre) - different.begin();
         const auto count = std::ssize(different);
         result.push_back(*centre);
+        result.push_back(report.tuning.nearestAbove.value_or(*centre));
         for (std::size_t i = 0; i < kMostRowsOnASide; ++i) {
             const std::ptrdiff_t step = std::ptrdiff_t{1} << i;
             for (const std::ptrdiff_t at : {place - step, place + step}) {
@@ -68,14 +69,14 @@ class Writer {
 
     std::string threshold(Rank rank) const { return textOf(rank, type); }
 
-    const Outcome& outcomeOf(Rank rank) const { return report.tuning.tried.at(rank); }
+    const FleetOutcome& outcomeOf(Rank rank) const { return report.tuning.tried.at(rank); }
 
     std::string measured(double number) const {
         return isShare() ? shownShare(number) : shown(number) + " triggers a device and day";
     }
 
     std::string described(Rank rank) const {
-        const Outcome& outcome = outcomeOf(rank);
+        const FleetOutcome& outcome = outcomeOf(rank);
         const auto count = static_cast<double>(isShare() ? outcome.devices : outcome.triggers);
         const Interval interval = report.target.interval(outcome, size);
         return fmt::format(
@@ -103,7 +104,7 @@ class Writer {
             isShare() ? counted(std::ceil(certainty.needed), "device") : counted(certainty.needed, "day"));
     }
 
-    bool isShare() const { return report.target.kind == Target::Kind::Share; }
+    bool isShare() const { return report.target.kind == TuneTarget::Kind::Share; }
 
     const TuneReport& report;
     const FleetSize& size;
@@ -124,7 +125,7 @@ std::string tableOf(const Writer& writer) {
                                    "triggers", hasDays ? "     a day" : "");
     const auto answer = report.answer();
     for (const Rank each : rows) {
-        const Outcome& outcome = writer.outcomeOf(each);
+        const FleetOutcome& outcome = writer.outcomeOf(each);
         const double measure = report.target.measure(outcome, writer.size);
         const auto bar = static_cast<std::size_t>(most > 0 ? std::ceil(kWidestBar * measure / most) : 0);
         const double share = static_cast<double>(outcome.devices) / static_cast<double>(writer.size.devices);
@@ -142,7 +143,7 @@ std::string tableOf(const Writer& writer) {
 }
 
 std::string jsonOf(const Writer& writer, Rank rank) {
-    const Outcome& outcome = writer.outcomeOf(rank);
+    const FleetOutcome& outcome = writer.outcomeOf(rank);
     const Interval interval = writer.report.target.interval(outcome, writer.size);
     const std::string perDay =
         writer.size.days > 0 ? fmt::format("{}", static_cast<double>(outcome.triggers) / writer.size.days) : "null";

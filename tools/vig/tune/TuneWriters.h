@@ -5,15 +5,15 @@
 
 #include "tools/vig/tune/FleetReading.h"
 #include "tools/vig/tune/Search.h"
-#include "tools/vig/tune/Target.h"
 #include "tools/vig/tune/Thresholds.h"
+#include "tools/vig/tune/TuneTarget.h"
 
 namespace Brenta::OS::VIG::Tool {
 
 // It is what there is to tell of a search that came to an end.
 struct TuneReport {
     const TunePlan& plan;
-    const Target& target;
+    const TuneTarget& target;
     const std::string& targetText;
     const Tuning& tuning;
 

@@ -17,25 +17,25 @@ struct FleetSize {
 };
 
 // It is what is wanted of a threshold: a share of the devices that fire, or triggers a device and day.
-struct Target {
+struct TuneTarget {
     enum class Kind { Share, Rate };
 
     // Reads "0.1%" or "3/day"; returns nothing if the text is neither.
-    static std::optional<Target> of(std::string_view text);
+    static std::optional<TuneTarget> of(std::string_view text);
 
     // Returns the number that an outcome has in the place of `value`.
-    double measure(const Outcome& outcome, const FleetSize& size) const;
+    double measure(const FleetOutcome& outcome, const FleetSize& size) const;
 
-    bool isBelow(const Outcome& outcome, const FleetSize& size) const;
+    bool isBelow(const FleetOutcome& outcome, const FleetSize& size) const;
 
     // Returns what the outcome says of all devices that there are.
-    Interval interval(const Outcome& outcome, const FleetSize& size) const;
+    Interval interval(const FleetOutcome& outcome, const FleetSize& size) const;
 
     // Returns true if devices fire, not more than wanted, and not clearly less.
-    bool isGivenBy(const Outcome& outcome, const FleetSize& size) const;
+    bool isGivenBy(const FleetOutcome& outcome, const FleetSize& size) const;
 
     // Returns what the fleet can tell of the target; how much devices differ is seen in the outcome.
-    Certainty certainty(const Outcome& outcome, const FleetSize& size) const;
+    Certainty certainty(const FleetOutcome& outcome, const FleetSize& size) const;
 
     Kind kind;
     double value;  // a share of 1, or triggers

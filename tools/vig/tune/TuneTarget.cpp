@@ -1,4 +1,4 @@
-#include "tools/vig/tune/Target.h"
+#include "tools/vig/tune/TuneTarget.h"
 
 #include <algorithm>
 #include <charconv>
@@ -11,7 +11,7 @@ namespace {
 // A share such as 0.1 % is no double, nor is the share that devices have.
 constexpr double kSlack = 1 + 1e-9;
 
-double spreadOf(const Outcome& outcome, const FleetSize& size) {
+double spreadOf(const FleetOutcome& outcome, const FleetSize& size) {
     const auto devices = static_cast<double>(size.devices);
     const auto triggers = static_cast<double>(outcome.triggers);
     if (outcome.triggers == 0 || size.devices < 2) {
@@ -23,7 +23,7 @@ double spreadOf(const Outcome& outcome, const FleetSize& size) {
 
 }  // namespace
 
-std::optional<Target> Target::of(std::string_view text) {
+std::optional<TuneTarget> TuneTarget::of(std::string_view text) {
     double number = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
     const std::string_view unit = text.substr(static_cast<std::size_t>(end - text.data()));
@@ -32,31 +32,31 @@ std::optional<Target> Target::of(std::string_view text) {
         return std::nullopt;
     }
     if (unit == "%" && number <= 100) {
-        return Target{Kind::Share, number / 100};
+        return TuneTarget{Kind::Share, number / 100};
     }
-    return unit == "/day" ? std::optional(Target{Kind::Rate, number}) : std::nullopt;
+    return unit == "/day" ? std::optional(TuneTarget{Kind::Rate, number}) : std::nullopt;
 }
 
-double Target::measure(const Outcome& outcome, const FleetSize& size) const {
+double TuneTarget::measure(const FleetOutcome& outcome, const FleetSize& size) const {
     return kind == Kind::Share ? static_cast<double>(outcome.devices) / static_cast<double>(size.devices)
                                : static_cast<double>(outcome.triggers) / size.days;
 }
 
-bool Target::isBelow(const Outcome& outcome, const FleetSize& size) const {
+bool TuneTarget::isBelow(const FleetOutcome& outcome, const FleetSize& size) const {
     return measure(outcome, size) <= value * kSlack;
 }
 
-Interval Target::interval(const Outcome& outcome, const FleetSize& size) const {
+Interval TuneTarget::interval(const FleetOutcome& outcome, const FleetSize& size) const {
     return kind == Kind::Share
                ? shareInterval(static_cast<double>(outcome.devices), static_cast<double>(size.devices))
                : rateInterval(static_cast<double>(outcome.triggers), size.days, spreadOf(outcome, size));
 }
 
-bool Target::isGivenBy(const Outcome& outcome, const FleetSize& size) const {
+bool TuneTarget::isGivenBy(const FleetOutcome& outcome, const FleetSize& size) const {
     return outcome.triggers > 0 && isBelow(outcome, size) && value <= interval(outcome, size).high * kSlack;
 }
 
-Certainty Target::certainty(const Outcome& outcome, const FleetSize& size) const {
+Certainty TuneTarget::certainty(const FleetOutcome& outcome, const FleetSize& size) const {
     if (kind == Kind::Share) {
         return certaintyOf(value, static_cast<double>(size.devices), shareInterval);
     }
