@@ -193,8 +193,7 @@ class Search {
             high = std::midpoint(rank, high);
         }
         std::ranges::sort(rounds);
-        const auto same = std::ranges::unique(rounds);
-        rounds.erase(same.begin(), same.end());
+        rounds.erase(std::unique(rounds.begin(), rounds.end()), rounds.end());
         std::erase_if(rounds, [this](Rank each) { return tuning.tried.contains(each); });
         return rounds;
     }

@@ -28,9 +28,9 @@ std::string counted(double number, const std::string& what) {
 }
 
 // Knows how the rows and lines of one report are written.
-class Writer {
+class TuneWriter {
   public:
-    explicit Writer(const TuneReport& given)
+    explicit TuneWriter(const TuneReport& given)
         : report(given), size(given.tuning.size), type(given.plan.constant.model->valueType) {}
 
     // Returns the thresholds of the table: near the answer the next ones that give something else, farther from it
@@ -62,8 +62,7 @@ class Writer {
             }
         }
         std::ranges::sort(result);
-        const auto twice = std::ranges::unique(result);
-        result.erase(twice.begin(), twice.end());
+        result.erase(std::unique(result.begin(), result.end()), result.end());
         return result;
     }
 
@@ -111,7 +110,7 @@ class Writer {
     const FilterValueType type;
 };
 
-std::string tableOf(const Writer& writer) {
+std::string tableOf(const TuneWriter& writer) {
     const TuneReport& report = writer.report;
     const std::vector<Rank> rows = writer.rows();
     const bool hasDays = writer.size.days > 0;
@@ -142,7 +141,7 @@ std::string tableOf(const Writer& writer) {
     return text;
 }
 
-std::string jsonOf(const Writer& writer, Rank rank) {
+std::string jsonOf(const TuneWriter& writer, Rank rank) {
     const FleetOutcome& outcome = writer.outcomeOf(rank);
     const Interval interval = writer.report.target.interval(outcome, writer.size);
     const std::string perDay =
@@ -154,7 +153,7 @@ std::string jsonOf(const Writer& writer, Rank rank) {
         interval.low, interval.high);
 }
 
-std::string jsonOf(const Writer& writer, std::optional<Rank> rank) {
+std::string jsonOf(const TuneWriter& writer, std::optional<Rank> rank) {
     return rank ? jsonOf(writer, *rank) : "null";
 }
 
@@ -166,7 +165,7 @@ std::optional<Rank> TuneReport::answer() const {
 }
 
 std::string textOf(const TuneReport& report) {
-    const Writer writer(report);
+    const TuneWriter writer(report);
     std::string text = "tune\n";
     const auto add = [&text](const char* name, const std::string& value) {
         text += fmt::format("  {:<9}  {}\n", name, value);
@@ -195,7 +194,7 @@ std::string textOf(const TuneReport& report) {
 }
 
 std::string jsonOf(const TuneReport& report) {
-    const Writer writer(report);
+    const TuneWriter writer(report);
     const Certainty certainty = writer.certainty();
     return fmt::format(
         R"({{"path":{},"filter":{},"target":{},"devices":{},"failed":{},"events":{},"days":{},"tried":{},)"
