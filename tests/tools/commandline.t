@@ -108,21 +108,24 @@ What is missing or wrong is a usage error, which names the help to read.
 
 Every verb has a help with an example.
 
-  $ for verb in run summary watch test check prove catalogue graph; do vig "$verb" --help | grep ^Example; done
+  $ for verb in run summary tune watch test check prove catalogue graph; do vig "$verb" --help | grep ^Example; done
   Example: which events of a recording fire a trigger? And why did the second transition not fire?
   Example: two halves of a fleet, replayed apart
+  Example: with which threshold does one device of a thousand fire? And with which one are there 3 triggers a day?
   Example: watch for ten seconds, then play the recording to rules that were changed:
   Example: all tests, with what they do not reach, and a report for the build server:
   Example: check before a commit, as strictly as possible, for a service that arms timeouts:
   Example: what makes the machine cause so many triggers?
   Example: what do the events of this machine have?
   Example: where does the recording get stuck?
-  $ vig --help | grep -A8 Subcommands
+  $ vig --help | grep -A10 Subcommands
   Subcommands:
     check                       Says what is wrong with rule documents, all at once.
     prove                       Decides what rule documents can do, for all events.
+    diff                        Decides whether two rule documents do the same, for all events.
     run                         Replays recorded events, and shows what the rules do with them.
     summary                     Merges the summaries of runs over parts of a fleet.
+    tune                        Finds the threshold with which a share of a fleet fires.
     watch                       Observes this machine, and shows what the rules do with its events.
     catalogue                   Prints which attributes the events of a recording have.
     test                        Runs the tests of rule documents, and decides their properties.

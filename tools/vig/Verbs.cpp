@@ -8,6 +8,7 @@ Verbs::Verbs() {
     addDiff(commandLine, diff);
     addRun(commandLine, run);
     addSummary(commandLine, summary);
+    addTune(commandLine, tune);
     addWatch(commandLine, watch);
     addCatalogue(commandLine, catalogue);
     addTest(commandLine, test);

@@ -9,6 +9,7 @@
 #include "tools/vig/fleet/SummaryCommand.h"
 #include "tools/vig/graph/GraphCommand.h"
 #include "tools/vig/test/TestCommand.h"
+#include "tools/vig/tune/TuneCommand.h"
 #include "tools/vig/watch/WatchCommand.h"
 
 namespace Brenta::OS::VIG::Tool {
@@ -23,6 +24,7 @@ struct Verbs {
     DiffOptions diff;
     FleetOptions run;
     SummaryOptions summary;
+    TuneOptions tune;
     WatchOptions watch;
     CatalogueOptions catalogue;
     TestOptions test;

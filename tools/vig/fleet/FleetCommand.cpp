@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <atomic>
 #include <cstddef>
-#include <thread>
 #include <utility>
 
 #include "tools/vig/commandline/CommandLine.h"
@@ -14,6 +13,7 @@
 #include "tools/vig/fleet/DeviceOrder.h"
 #include "tools/vig/fleet/DeviceRunner.h"
 #include "tools/vig/fleet/FleetSummary.h"
+#include "tools/vig/fleet/Jobs.h"
 #include "tools/vig/words/Text.h"
 
 namespace Brenta::OS::VIG::Tool {
@@ -32,13 +32,7 @@ class Fleet {
           order(output, [this](const DeviceResult& result) { account(result); }) {}
 
     FleetSummary run(std::size_t threads) {
-        {
-            std::vector<std::jthread> others;
-            for (std::size_t i = 1; i < std::min(threads, devices.size()); ++i) {
-                others.emplace_back([this] { work(); });
-            }
-            work();
-        }
+        onThreads(std::min(threads, devices.size()), [this] { work(); });
         summary.unfinished += devices.size() - accounted;
         return std::move(summary);
     }
@@ -121,8 +115,6 @@ int fleet(const FleetOptions& options, const Console& console, const Interruptio
 
 namespace {
 
-constexpr unsigned kMostThreads = 256;
-
 constexpr const char* kHelp = R"(An event record is one JSON object a line; attributes are grouped by their kind:
   {{"event":"ProcessMemoryHeartBeat","string":{{"processName":"camera"}},"int64":{{"vmRssKB":1000,"vmSwapKB":24}}}}
   {{"event":"Timeout","timeout_id":3}}
@@ -184,9 +176,7 @@ void addRun(CommandLine& commandLine, FleetOptions& options) {
     verb.flag("--explain", options.explain, "Tells what every machine decides on every event, and why");
     verb.name("--why-not", options.whyNot, "PATH",
               "Tells at the end what kept the transition at that path of the document from firing");
-    options.threads = std::max(std::thread::hardware_concurrency(), 1u);
-    verb.wholeNumber("-j,--jobs", options.threads, 1, kMostThreads,
-                     "How many devices run at once (default: as many as there are cores)");
+    addJobs(verb, options.threads);
     verb.flag("--summary-only", options.summaryOnly, "Tells only what all devices did together, also of one device");
 }
 

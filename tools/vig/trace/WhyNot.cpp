@@ -1,7 +1,5 @@
 #include "tools/vig/trace/WhyNot.h"
 
-#include <fmt/format.h>
-
 #include <algorithm>
 #include <cmath>
 #include <string_view>
@@ -12,8 +10,6 @@
 namespace Brenta::OS::VIG::Tool {
 
 namespace {
-
-constexpr std::size_t kMostPathsShown = 10;
 
 double distance(FilterOperator op, std::int64_t left, std::int64_t right) {
     const auto [low, high] = std::minmax(left, right);
@@ -48,15 +44,7 @@ std::string problemOf(const std::string& path, const DocumentModel& document) {
             paths.push_back(transition.place.path);
         }
     }
-    std::string text = "no transition has the path " + quoted(path);
-    if (paths.empty()) {
-        return text + "; there are none";
-    }
-    text += suggestion(path, paths);
-    const std::size_t rest = paths.size() - std::min(paths.size(), kMostPathsShown);
-    paths.resize(paths.size() - rest);
-    text += fmt::format("; there are {}", fmt::join(paths, ", "));
-    return rest == 0 ? text : fmt::format("{} and {} more", text, rest);
+    return "no transition has the path " + quoted(path) + choices(path, paths);
 }
 
 }  // namespace

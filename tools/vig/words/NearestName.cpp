@@ -1,5 +1,7 @@
 #include "tools/vig/words/NearestName.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <cstddef>
 #include <numeric>
@@ -12,6 +14,7 @@ namespace Brenta::OS::VIG::Tool {
 namespace {
 
 constexpr std::size_t kLongestName = 64;  // beyond that, nobody mistyped a name
+constexpr std::size_t kMostNamesShown = 10;
 
 // Returns how many characters have to be put in, left out or exchanged to make one of the other.
 std::size_t editDistance(std::string_view left, std::string_view right) {
@@ -43,6 +46,16 @@ std::string suggestion(std::string_view given, std::span<const std::string_view>
         return {};
     }
     return "; did you mean " + quoted(*nearest) + "?";
+}
+
+std::string choices(std::string_view given, std::span<const std::string_view> names) {
+    if (names.empty()) {
+        return "; there are none";
+    }
+    const auto shown = names.first(std::min(names.size(), kMostNamesShown));
+    const std::string text = suggestion(given, names) + fmt::format("; there are {}", fmt::join(shown, ", "));
+    const std::size_t rest = names.size() - shown.size();
+    return rest == 0 ? text : fmt::format("{} and {} more", text, rest);
 }
 
 }  // namespace Brenta::OS::VIG::Tool
