@@ -309,23 +309,40 @@ class Differ::Search {
 Differ::Differ(const ConfigModel& config, const Surroundings& surroundings, States states)
     : surroundings(surroundings), states(states), old(config, surroundings), oldConditions(conditionsOf(config)) {}
 
+std::vector<Differ::FilterText> Differ::textsOf(const TransitionModel& transition) {
+    std::vector<FilterText> texts;
+    for (const FilterModel& each : transition.filters) {
+        texts.emplace_back(each.op, each.valueType, each.operand1.operand.type, each.operand1.operand.value,
+                           each.operand2.operand.type, each.operand2.operand.value);
+    }
+    return texts;
+}
+
 std::vector<std::optional<std::size_t>> Differ::conditionsOf(const ConfigModel& config) {
     std::vector<std::optional<std::size_t>> numbers;
     for (const TransitionModel& transition : config.transitions) {
-        std::vector<FilterText> texts;
-        for (const FilterModel& each : transition.filters) {
-            texts.emplace_back(each.op, each.valueType, each.operand1.operand.type, each.operand1.operand.value,
-                               each.operand2.operand.type, each.operand2.operand.value);
-        }
         const bool isDrawn =
             std::ranges::any_of(transition.filters, [](const FilterModel& each) { return numbersDrawnBy(each) > 0; });
-        const std::size_t number = conditions.emplace(std::move(texts), conditions.size()).first->second;
+        const std::size_t number = conditions.emplace(textsOf(transition), conditions.size()).first->second;
         numbers.push_back(isDrawn ? std::nullopt : std::optional(number));
     }
     return numbers;
 }
 
+// What is written alike does the same, also where it could not be decided.
+bool Differ::isWrittenAlike(const ConfigModel& changed) const {
+    return std::ranges::equal(
+        old.config().transitions, changed.transitions, [](const TransitionModel& left, const TransitionModel& right) {
+            return left.from == right.from && left.to == right.to && left.event == right.event &&
+                   textsOf(left) == textsOf(right) &&
+                   std::ranges::equal(left.actions, right.actions, {}, &ActionModel::key, &ActionModel::key);
+        });
+}
+
 MachineDiff Differ::to(const ConfigModel& changed) {
+    if (isWrittenAlike(changed)) {
+        return {MachineDiff::Verdict::Same};
+    }
     WayFinder finder(changed, surroundings);
     Search search(*this, finder, Values::Recordable);
     const MachineDiff diff = search.run();

@@ -75,6 +75,9 @@ class Differ {
     };
     using Firings = std::vector<Firing>;
 
+    static std::vector<FilterText> textsOf(const TransitionModel& transition);
+    bool isWrittenAlike(const ConfigModel& changed) const;
+
     // Returns the filters of each transition as a number; nothing where something is drawn.
     std::vector<std::optional<std::size_t>> conditionsOf(const ConfigModel& config);
 
