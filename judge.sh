@@ -14,4 +14,4 @@ readonly DOCUMENTS=${1:-10000} SEED=${2:-0}
 install_packages "${BUILD_PACKAGES[@]}" "${JUDGE_PACKAGES[@]}"
 build_preset release vig_cli
 rm -rf build/judge-found
-tests/tools/decide/judge.py build/release/tools/vig/vig --documents "$DOCUMENTS" --seed "$SEED" --keep build/judge-found
+tests/tools/decide/judge.py build/release/tools/vig/vig "$DOCUMENTS" --seed "$SEED" --keep build/judge-found
