@@ -1,0 +1,189 @@
+#!/usr/bin/python3
+"""Holds what `vig diff` decides against difference.py, on pairs of a random document and a change of it.
+
+Pair i of the N is made of the seed S + i alone. Both must say the same of each configuration, and after how many events
+a difference shows at least; `vig run` must show the difference after the recording, and not before. The program
+`agreement` plays many random events to both documents: it must find no shorter difference, and none between machines
+that are the same. "undecided" is counted and is no disagreement.
+"""
+import argparse
+import collections
+import functools
+import itertools
+import json
+import math
+import pathlib
+import random
+import subprocess
+import sys
+
+import semantics
+from changes import changed
+from difference import Difference
+from documents import ATTRIBUTES, Vocabulary, make_document
+from judge import Case, add_options, judge_all, read_line
+from semantics import context_of
+
+
+def with_more_actions(rng, document):
+    """Lets more of what the machines do be seen, in some documents."""
+    share = rng.choice([0, 0.3, 0.8])
+    for config in document["configs"]:
+        for rule in config["payload"]["data"]["transitions"]:
+            if rng.random() < share:
+                rule["actions"].append({"name": rng.choice(["LogZramHeartBeat", "TriggerVelora", "TriggerVeloraCpu"])})
+    return document
+
+
+class Behaviour:
+    """What `vig run --explain` says that one machine of a document did: for each event what is seen, and its draws."""
+
+    def __init__(self):
+        self.seen = collections.defaultdict(lambda: ([], []))
+        self.draws = collections.defaultdict(list)
+        self.states = collections.defaultdict(lambda: "start")
+
+    def add(self, line):
+        event = line["event"]
+        if line["type"] == "trigger":
+            self.seen[event][0].append((line["trigger_name"], line["metadata"]))
+        elif line["type"] == "log":
+            self.seen[event][1].append(line["message"])
+        for tried in line.get("transitions", []):
+            for rule in tried["filters"]:
+                sides = rule["condition"].split(" ")
+                self.draws[event] += [rule[side] for side, text in (("left", sides[0]), ("right", sides[-1]))
+                                      if text == "PseudoRandomDouble()"]
+            if tried["fired"]:
+                self.states[event] = tried["to"]
+
+
+class PairCase(Case):
+    """A document and a change of it, and what is expected of their machines."""
+
+    def __init__(self, program, agreement, events, seed, folder):
+        super().__init__(program, folder)
+        self.agreement, self.events, self.seed = agreement, events, seed
+        rng, questions = random.Random(seed), semantics.Events()
+        words = Vocabulary(rng)
+        self.documents = {"old": with_more_actions(rng, make_document(rng, words))}
+        self.documents["new"] = changed(rng, words, self.documents["old"])
+        self.context = words.context() if rng.random() < 0.2 else {}
+        self.with_states = rng.random() < 0.15
+        self.rules = {which: {config["id"]: config["payload"]["data"]["transitions"] for config in each["configs"]}
+                      for which, each in self.documents.items()}
+        ids = dict.fromkeys([*self.rules["old"], *self.rules["new"]])
+        self.verdicts = {number: Difference([self.rules[which].get(number, []) for which in ("old", "new")],
+                                            context_of(self.context), questions, self.with_states).verdict()
+                         for number in ids}
+        for name, content in {**self.documents, "context": {"event": "Test"} | self.context}.items():
+            (folder / f"{name}.json").write_text(json.dumps(content))
+        self.counts.update(["pairs"] + [f"machines {verdict}" for verdict, _ in self.verdicts.values()])
+
+    def comparisons(self):
+        return self.compare_diff, self.compare_play
+
+    def compare_diff(self):
+        done = self.vig("diff", "old.json", "new.json", "--format", "json", *["--states"] * self.with_states,
+                        context=self.context, statuses=(0, 1, 3))
+        (self.folder / "answer.json").write_text(done.stdout)
+        machines = {machine["id"]: machine for machine in json.loads(done.stdout)["machines"]}
+        self.expect("configurations", set(self.verdicts), set(machines))
+        verdicts = {machine["verdict"] for machine in machines.values()}
+        status = 1 if verdicts & {"different", "unrecordable"} else 3 if "undecided" in verdicts else 0
+        self.expect("exit status of diff", status, done.returncode)
+        for number, (verdict, events) in self.verdicts.items():
+            machine = machines[number]
+            self.counts[f"vig says {machine['verdict']}"] += 1
+            if "undecided" in (verdict, machine["verdict"]):
+                continue
+            self.expect(f"id {number}", verdict, machine["verdict"])
+            if verdict == machine["verdict"] == "different":
+                self.expect(f"id {number}, events", (events, events), (
+                    machine["events"], len(machine["recording"]["events"])))
+                self.compare_recording(number, machine["recording"])
+
+    def compare_recording(self, number, recording):
+        """The machines do the same until the last event, with the same draws, and then they do not."""
+        old, new = (self.run(which, number, recording) for which in ("old", "new"))
+        last = len(recording["events"])
+        differs = [event for event in range(last + 1) if old.seen[event] != new.seen[event]]
+        if self.with_states and not differs:
+            states = ["start"], ["start"]
+            for event in range(last + 1):
+                for each, behaviour in zip(states, (old, new)):
+                    each.append(behaviour.states.get(event, each[-1]))
+            differs = [event - 1 for event, pair in enumerate(zip(*states)) if pair[0] != pair[1]]
+        self.expect(f"id {number}: the first event at which its recording shows a difference", last,
+                    min(differs, default=None))
+        for event in range(last + 1):
+            both = old.draws[event], new.draws[event]
+            common = min(map(len, both))
+            self.expect(f"id {number}: draws at event {event}", both[0][:common], both[1][:common])
+        self.counts["recordings"] += 1
+
+    def run(self, which, number, recording):
+        behaviours, machine = collections.defaultdict(Behaviour), None
+        done = self.vig("run", f"{which}.json", "--explain", "--format", "jsonl",
+                        *(f"--draw={draw!r}" for draw in recording["draws"][which]), context=self.context,
+                        text="".join(json.dumps(event) + "\n" for event in recording["events"]))
+        for line in done.stdout.splitlines():
+            line = read_line(line)
+            if line["type"] == "explain":
+                machine = line["config_id"]
+            if line["type"] in ("explain", "trigger", "log"):
+                behaviours[machine].add(line)
+        return behaviours[number]
+
+    def compare_play(self):
+        """Random events show no difference but those that are expected."""
+        (self.folder / "values.jsonl").write_text("".join(json.dumps(record) + "\n" for record in self.values()))
+        done = subprocess.run([self.agreement, "old.json", "new.json", "values.jsonl", str(self.events), "context.json"],
+                              cwd=self.folder, capture_output=True, encoding="utf-8", timeout=300, check=True)
+        found = {int(number): (int(recordable), int(any_event)) for number, recordable, any_event in map(
+            str.split, done.stdout.splitlines())}
+        self.expect("configurations that were played", set(self.verdicts), set(found))
+        for number, (verdict, events) in self.verdicts.items():
+            recordable, any_event = found[number]
+            self.counts[f"different, and random events {'show it' if recordable >= 0 else 'do not show it'}"] += (
+                verdict == "different")
+            least = {"same": math.inf, "unrecordable": math.inf, "different": events}.get(verdict, 0)
+            self.expect(f"id {number}, {verdict}: no difference by {recordable} random events", True,
+                        recordable < 0 or recordable >= least)
+            self.expect(f"id {number}, {verdict}: no difference by {any_event} random events of any kind", True,
+                        any_event < 0 or verdict != "same")
+
+    def values(self):
+        """Returns records whose values are those that the documents compare with, beside these, or any."""
+        rng, values, rules = random.Random(self.seed), collections.defaultdict(set), []
+        types = set()
+        for rule in (rule for machines in self.rules.values() for each in machines.values() for rule in each):
+            rules += rule["filters"]
+            types.add(rule["event"])
+        for rule, side in itertools.product(rules, ("operand1", "operand2")):
+            if rule[side]["type"] == "constant":
+                values[rule["value_type"]] |= semantics.around(rule["value_type"], rule[side]["value"])
+        for kind, other in (("integer", 0), ("double", 0.5), ("string", "camera")):
+            values[kind].add(other)
+        types = sorted(types - {"EnteringState"}) or ["Test"]
+        for _ in range(200):
+            record = {"event": rng.choice(types)}
+            record |= {"timeout_id": 1} if record["event"] == "Timeout" else {}
+            for kind, names in ATTRIBUTES.items():
+                record[semantics.KINDS[kind]] = {name: rng.choice(sorted(values[kind])) for name in names}
+            record["uint64"] = {name: rng.randrange(2**64) for name in ("memUsedMaxBytes", "numCompressedDataBytes")}
+            yield record
+
+
+def main():
+    parser = argparse.ArgumentParser(description="Holds what vig diff decides against another way to decide it.")
+    parser.add_argument("vig", type=pathlib.Path)
+    parser.add_argument("agreement", type=pathlib.Path)
+    parser.add_argument("--events", metavar="E", type=int, default=100000)
+    add_options(parser)
+    options = parser.parse_args()
+    return judge_all(functools.partial(PairCase, options.vig.resolve(), options.agreement.resolve(), options.events), options)
+
+
+if __name__ == "__main__":
+    sys.exit(main())
