@@ -29,10 +29,11 @@
 #include "vig/parsers/VIGResponseParser.h"
 
 // agreement OLD NEW VALUES EVENTS CONTEXT: offers so many random events to each two machines of the rule documents
-// that have the same id, or to one that has no counterpart and one that does nothing. VALUES are event records, all
-// with the same attributes; an event has some of these, each with its value in any of the records. While an event is
-// offered, the k-th draw is the same for both. Prints for each pair its id and after how many events at least they were
-// seen to differ: events that a record holds, and then events of any kind; -1 if they were not.
+// that have the same id, or to one that has no counterpart and one that does nothing; fewer if they do very much by
+// each event. VALUES are event records, all with the same attributes; an event has some of these, each with its value
+// in any of the records. While an event is offered, the k-th draw is the same for both. Prints for each pair its id,
+// the number of events, and after how many at least they were seen to differ: events that a record holds, and then
+// events of any kind; -1 if they were not.
 
 namespace {
 
@@ -55,25 +56,33 @@ std::vector<EventRecord> recordsIn(const char* file) {
     return records;
 }
 
-// It collects what a machine does.
+// What a machine asks the trigger service for, and what it logs.
+struct Done {
+    std::vector<android::String16> requests;
+    std::string lines;
+
+    std::size_t size() const { return lines.size() + requests.size() * 50; }
+
+    bool operator==(const Done&) const = default;
+};
+
+// It collects that.
 class Seen final : public PlatformServices::Receiver {
   public:
     void onLog(int priority, std::string_view /*tag*/, std::string_view message) override {
-        lines += fmt::format("{}:{}\n", priority, message);
+        done.lines += fmt::format("{}:{}\n", priority, message);
     }
     void onTrigger(const vendor::orlan::velora::TriggerContext& request) override {
-        requests += host::toUtf8(request.triggerName) + '\n';
-        for (const auto& each : *request.metadata) {
-            requests += host::toUtf8(*each) + '\n';
-        }
+        done.requests.push_back(request.triggerName);
+        std::ranges::transform(*request.metadata, std::back_inserter(done.requests),
+                               [](const auto& each) { return *each; });
     }
 
-    // Returns it, since the last call.
-    std::pair<std::string, std::string> take() { return {std::exchange(requests, {}), std::exchange(lines, {})}; }
+    // Returns what there was since the last call.
+    Done take() { return std::exchange(done, {}); }
 
   private:
-    std::string requests;
-    std::string lines;
+    Done done;
 };
 
 // It makes random events and draws of what records have.
@@ -132,32 +141,35 @@ class Pairs {
         seen.take();
     }
 
+    // An endless circle does so much by each event that there cannot be so many.
     void compareAll(std::size_t events) {
         for (const auto& [id, pair] : pairs) {
+            offered = 0;
             const std::int64_t recordable = leastDifference(pair, events / 2, true);
-            fmt::print("{} {} {}\n", id, recordable, leastDifference(pair, events / 2, false));
+            const std::int64_t any = recordable == -1 ? leastDifference(pair, events, false) : recordable;
+            fmt::print("{} {} {} {}\n", id, offered, recordable, any);
         }
     }
 
   private:
-    static constexpr std::size_t kNever = -1;
     using Pair = std::array<FiniteStateMachine*, 2>;
 
-    // Starts the machines again and again, for some events each time.
+    // Starts the machines again and again, for some events each time, until there have been so many events.
     std::int64_t leastDifference(const Pair& pair, std::size_t events, bool recordable) {
-        std::size_t least = kNever;
-        while (events > 0) {
-            const std::size_t length = std::min(1 + source.below(12), events);
+        constexpr std::size_t kMostBytes = 50'000'000;
+        std::int64_t least = -1;
+        for (bytes = 0; offered < events && bytes < kMostBytes;) {
+            const std::int64_t length = 1 + source.below(12);
             bool same = doTheSame(pair, [](auto& machine) { machine.enterState(machine.getStateByName("start")); });
-            std::size_t offered = 0;
-            for (; same && offered < length; ++offered) {
+            std::int64_t event = 0;
+            for (; same && event < length; ++event, ++offered) {
                 const EventRecord record = source.event(recordable);
                 same = doTheSame(pair, [&](auto& machine) { offer(machine, record); });
             }
-            events -= std::max<std::size_t>(1, offered);
-            least = same ? least : std::min(least, offered);
+            bytes += event == 0 ? 1000 : 0;
+            least = same || (least != -1 && least < event) ? least : event;
         }
-        return static_cast<std::int64_t>(least);
+        return least;
     }
 
     static void offer(FiniteStateMachine& machine, const EventRecord& record) {
@@ -169,12 +181,13 @@ class Pairs {
     }
 
     bool doTheSame(const Pair& pair, const auto& act) {
-        std::pair<std::string, std::string> done[2];
+        Done done[2];
         draws.clear();
         for (const std::size_t which : {0, 1}) {
             drawn = 0;
             act(*pair[which]);
             done[which] = seen.take();
+            bytes += done[which].size();
         }
         return done[0] == done[1];
     }
@@ -190,6 +203,8 @@ class Pairs {
     const AttributeSet context;
     Seen seen;
     PlatformServices services;
+    std::size_t offered = 0;    // events to a pair
+    std::size_t bytes = 0;      // that have been seen
     std::vector<double> draws;  // since the event was offered
     std::size_t drawn = 0;      // so many of them by the machine that is at work
     const VIGParserConfig registry = withDraws(libraryRegistry(), [this] { return draw(); });
