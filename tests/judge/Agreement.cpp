@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <ctime>
 #include <functional>
 #include <iterator>
 #include <limits>
@@ -28,12 +29,12 @@
 #include "tools/vig/run/PlatformServices.h"
 #include "vig/parsers/VIGResponseParser.h"
 
-// agreement OLD NEW VALUES EVENTS CONTEXT: offers so many random events to each two machines of the rule documents
-// that have the same id, or to one that has no counterpart and one that does nothing; fewer if they do very much by
-// each event. VALUES are event records, all with the same attributes; an event has some of these, each with its value
-// in any of the records. While an event is offered, the k-th draw is the same for both. Prints for each pair its id,
-// the number of events, and after how many at least they were seen to differ: events that a record holds, and then
-// events of any kind; -1 if they were not.
+// agreement OLD NEW VALUES EVENTS CONTEXT: offers so many random events to each two machines of the rule documents that
+// have the same id, or to one without a counterpart and one that does nothing; fewer if they take too long. VALUES are
+// event records, all with the same attributes; an event has some of these, each with its value in any of the records.
+// While an event is offered, the k-th draw is the same for both. Prints for each pair its id, the number of events, and
+// after how many at least they were seen to differ: events that a record holds, and then events of any kind; -1 if they
+// were not.
 
 namespace {
 
@@ -60,8 +61,6 @@ std::vector<EventRecord> recordsIn(const char* file) {
 struct Done {
     std::vector<android::String16> requests;
     std::string lines;
-
-    std::size_t size() const { return lines.size() + requests.size() * 50; }
 
     bool operator==(const Done&) const = default;
 };
@@ -141,7 +140,6 @@ class Pairs {
         seen.take();
     }
 
-    // An endless circle does so much by each event that there cannot be so many.
     void compareAll(std::size_t events) {
         for (const auto& [id, pair] : pairs) {
             offered = 0;
@@ -154,11 +152,12 @@ class Pairs {
   private:
     using Pair = std::array<FiniteStateMachine*, 2>;
 
-    // Starts the machines again and again, for some events each time, until there have been so many events.
+    // Starts the machines again and again, for some events each time, until there have been so many events. There
+    // cannot be so many where an endless circle moves a thousand times by each.
     std::int64_t leastDifference(const Pair& pair, std::size_t events, bool recordable) {
-        constexpr std::size_t kMostBytes = 50'000'000;
+        const std::clock_t end = std::clock() + 2 * CLOCKS_PER_SEC;
         std::int64_t least = -1;
-        for (bytes = 0; offered < events && bytes < kMostBytes;) {
+        while (offered < events && std::clock() < end) {
             const std::int64_t length = 1 + source.below(12);
             bool same = doTheSame(pair, [](auto& machine) { machine.enterState(machine.getStateByName("start")); });
             std::int64_t event = 0;
@@ -166,7 +165,6 @@ class Pairs {
                 const EventRecord record = source.event(recordable);
                 same = doTheSame(pair, [&](auto& machine) { offer(machine, record); });
             }
-            bytes += event == 0 ? 1000 : 0;
             least = same || (least != -1 && least < event) ? least : event;
         }
         return least;
@@ -187,7 +185,6 @@ class Pairs {
             drawn = 0;
             act(*pair[which]);
             done[which] = seen.take();
-            bytes += done[which].size();
         }
         return done[0] == done[1];
     }
@@ -204,7 +201,6 @@ class Pairs {
     Seen seen;
     PlatformServices services;
     std::size_t offered = 0;    // events to a pair
-    std::size_t bytes = 0;      // that have been seen
     std::vector<double> draws;  // since the event was offered
     std::size_t drawn = 0;      // so many of them by the machine that is at work
     const VIGParserConfig registry = withDraws(libraryRegistry(), [this] { return draw(); });
