@@ -59,8 +59,8 @@ def move_filter(rng, _words, rules):
 
 
 def split_filter(rng, _words, rules):
-    filters = pick(rng, [rule["filters"] for rule in rules if any(each["operator"] == "==" for each in rule["filters"])])
-    at = rng.choice([at for at, each in enumerate(filters) if each["operator"] == "=="])
+    filters, at = pick(rng, [(rule["filters"], at) for rule in rules for at, each in enumerate(rule["filters"])
+                             if each["operator"] == "=="])
     filters[at:at + 1] = [filters[at] | {"operator": operator} for operator in (">=", "<=")]
 
 

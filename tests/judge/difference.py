@@ -135,7 +135,7 @@ class Difference:
                 return "different", least
             return ("same" if self.shortest(recordable=False) is None else "unrecordable"), None
         except TooMuch:
-            return "undecided", None
+            return "not decided", None
 
     def shortest(self, recordable):
         seen, waited, events = set(), set(), 0
@@ -208,7 +208,7 @@ class Difference:
 
     @staticmethod
     def forget(walk):
-        """Leaves out the answers that have nothing to do with what is still to be asked, and counts draws from there."""
+        """Leaves out the answers that have nothing to do with what may still be asked, and counts draws from there."""
         if walk is None:
             return None
         places, answers, *ahead = walk

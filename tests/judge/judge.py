@@ -1,9 +1,9 @@
 #!/usr/bin/python3
 """Holds what `vig prove`, `vig check` and `vig test` decide against semantics.py, on random documents.
 
-Document i of the N is made of the seed S + i alone. What the tool answers must be what semantics.py answers, and `vig run` must
-do on every witness what is said of it. "not decided" is counted and is no disagreement. The exit status is 1 if there
-is a disagreement; its documents are written to DIR, with what was answered.
+Document i of the N is made of the seed S + i alone. What the tool answers must be what semantics.py answers, and
+`vig run` must do on every witness what is said of it. "not decided" is counted and is no disagreement. The exit status
+is 1 if there is a disagreement; its documents are written to DIR, with what was answered.
 """
 import argparse
 import collections

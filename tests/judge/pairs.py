@@ -4,7 +4,7 @@
 Pair i of the N is made of the seed S + i alone. Both must say the same of each configuration, and after how many events
 a difference shows at least; `vig run` must show the difference after the recording, and not before. The program
 `agreement` plays many random events to both documents: it must find no shorter difference, and none between machines
-that are the same. "undecided" is counted and is no disagreement.
+that are the same. "not decided" is counted and is no disagreement.
 """
 import argparse
 import collections
@@ -35,12 +35,13 @@ def with_more_actions(rng, document):
 
 
 class Behaviour:
-    """What `vig run --explain` says that one machine of a document did: for each event what is seen, and its draws."""
+    """What `vig run --explain` says that one machine of a document did at each event, which numbers it drew for it, and
+    where it waited then."""
 
-    def __init__(self):
-        self.seen = collections.defaultdict(lambda: ([], []))
-        self.draws = collections.defaultdict(list)
-        self.states = collections.defaultdict(lambda: "start")
+    def __init__(self, events):
+        self.seen = [([], []) for _ in range(events + 1)]
+        self.draws = [[] for _ in range(events + 1)]
+        self.states = ["start"] * (events + 1)
 
     def add(self, line):
         event = line["event"]
@@ -54,7 +55,7 @@ class Behaviour:
                 self.draws[event] += [rule[side] for side, text in (("left", sides[0]), ("right", sides[-1]))
                                       if text == "PseudoRandomDouble()"]
             if tried["fired"]:
-                self.states[event] = tried["to"]
+                self.states[event:] = [tried["to"]] * (len(self.states) - event)
 
 
 class PairCase(Case):
@@ -71,13 +72,18 @@ class PairCase(Case):
         self.with_states = rng.random() < 0.15
         self.rules = {which: {config["id"]: config["payload"]["data"]["transitions"] for config in each["configs"]}
                       for which, each in self.documents.items()}
-        ids = dict.fromkeys([*self.rules["old"], *self.rules["new"]])
-        self.verdicts = {number: Difference([self.rules[which].get(number, []) for which in ("old", "new")],
-                                            context_of(self.context), questions, self.with_states).verdict()
-                         for number in ids}
+        self.verdicts = {}
+        for number in {**self.rules["old"], **self.rules["new"]}:
+            both = [each.get(number, []) for each in self.rules.values()]
+            self.verdicts[number] = Difference(both, context_of(self.context), questions,
+                                               self.has_states(number)).verdict()
         for name, content in {**self.documents, "context": {"event": "Test"} | self.context}.items():
             (folder / f"{name}.json").write_text(json.dumps(content))
         self.counts.update(["pairs"] + [f"machines {verdict}" for verdict, _ in self.verdicts.values()])
+
+    def has_states(self, number):
+        """Tells whether the names of states count, which those of a machine that is new or gone do not."""
+        return self.with_states and all(number in each for each in self.rules.values())
 
     def comparisons(self):
         return self.compare_diff, self.compare_play
@@ -89,30 +95,28 @@ class PairCase(Case):
         machines = {machine["id"]: machine for machine in json.loads(done.stdout)["machines"]}
         self.expect("configurations", set(self.verdicts), set(machines))
         verdicts = {machine["verdict"] for machine in machines.values()}
-        status = 1 if verdicts & {"different", "unrecordable"} else 3 if "undecided" in verdicts else 0
+        status = 1 if verdicts & {"different", "unrecordable"} else 3 if "not decided" in verdicts else 0
         self.expect("exit status of diff", status, done.returncode)
         for number, (verdict, events) in self.verdicts.items():
             machine = machines[number]
             self.counts[f"vig says {machine['verdict']}"] += 1
-            if "undecided" in (verdict, machine["verdict"]):
+            if "not decided" in (verdict, machine["verdict"]):
                 continue
             self.expect(f"id {number}", verdict, machine["verdict"])
             if verdict == machine["verdict"] == "different":
-                self.expect(f"id {number}, events", (events, events), (
-                    machine["events"], len(machine["recording"]["events"])))
+                self.expect(f"id {number}: events of its recording", machine["events"],
+                            len(machine["recording"]["events"]))
+                self.counts["recordings that may not be the shortest"] += not machine["shortest"]
+                if machine["shortest"]:
+                    self.expect(f"id {number}, events", events, machine["events"])
                 self.compare_recording(number, machine["recording"])
 
     def compare_recording(self, number, recording):
         """The machines do the same until the last event, with the same draws, and then they do not."""
         old, new = (self.run(which, number, recording) for which in ("old", "new"))
         last = len(recording["events"])
-        differs = [event for event in range(last + 1) if old.seen[event] != new.seen[event]]
-        if self.with_states and not differs:
-            states = ["start"], ["start"]
-            for event in range(last + 1):
-                for each, behaviour in zip(states, (old, new)):
-                    each.append(behaviour.states.get(event, each[-1]))
-            differs = [event - 1 for event, pair in enumerate(zip(*states)) if pair[0] != pair[1]]
+        differs = [event for event in range(last + 1) if old.seen[event] != new.seen[event] or (
+            self.has_states(number) and old.states[event] != new.states[event])]
         self.expect(f"id {number}: the first event at which its recording shows a difference", last,
                     min(differs, default=None))
         for event in range(last + 1):
@@ -122,7 +126,8 @@ class PairCase(Case):
         self.counts["recordings"] += 1
 
     def run(self, which, number, recording):
-        behaviours, machine = collections.defaultdict(Behaviour), None
+        behaviours = collections.defaultdict(lambda: Behaviour(len(recording["events"])))
+        machine = None
         done = self.vig("run", f"{which}.json", "--explain", "--format", "jsonl",
                         *(f"--draw={draw!r}" for draw in recording["draws"][which]), context=self.context,
                         text="".join(json.dumps(event) + "\n" for event in recording["events"]))
@@ -186,7 +191,8 @@ def main():
     parser.add_argument("--events", metavar="E", type=int, default=100000)
     add_options(parser)
     options = parser.parse_args()
-    return judge_all(functools.partial(PairCase, options.vig.resolve(), options.agreement.resolve(), options.events), options)
+    make_case = functools.partial(PairCase, options.vig.resolve(), options.agreement.resolve(), options.events)
+    return judge_all(make_case, options)
 
 
 if __name__ == "__main__":

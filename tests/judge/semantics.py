@@ -275,8 +275,8 @@ class Events:
             return self.attribute(*rest).present
         if kind == "drawn":  # the filter holds, in an event or on entering, with the draws from that number on
             rule, on_entering, number = rest
-            draws = map(self.draw, itertools.count(number))
-            return outcomes(rule, missing if on_entering else self.attribute, context, functools.partial(next, draws))[0]
+            draw = functools.partial(next, map(self.draw, itertools.count(number)))
+            return outcomes(rule, missing if on_entering else self.attribute, context, draw)[0]
         least, memory, cpu = rest
         name, resident, swapped, used = (self.attribute(*key).present for key in (
             ("string", "processName"), ("int64", "vmRssKB"), ("int64", "vmSwapKB"), ("double", "cpuAvgUtilization")))
