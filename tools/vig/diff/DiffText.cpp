@@ -267,7 +267,6 @@ std::string wordsFor(const MachineDiff::Change& change, const Both<std::string>&
     std::string words = old.triggers != changed.triggers ? verbFor(old.triggers, changed.triggers, "triggers")
                         : old.lines != changed.lines     ? verbFor(old.lines, changed.lines, "logs")
                                                          : "waits in another state";
-    words = words.starts_with("no longer") ? words.substr(0, words.size() - 1) : words;
     words += change.isDrawn ? ", with some draws," : "";
     if (!change.extents.empty()) {
         words += " for " + joined(change.extents, ", ", [](const Extent& each) { return wordsFor(each); });

@@ -10,7 +10,6 @@
 #include <set>
 
 #include "tools/vig/diff/Odds.h"
-#include "tools/vig/document/NormalFilter.h"
 
 namespace Brenta::OS::VIG::Tool {
 
@@ -129,6 +128,10 @@ class Differ::Search {
             noteGap(events);
         }
         for (const Meeting::Pair& pair : meeting.pairs()) {
+            if (!effort.spend(meeting.way(0, pair[0]).demands.size() + meeting.way(1, pair[1]).demands.size())) {
+                noteGap(events);
+                return;
+            }
             const Both<std::size_t> next = {meeting.way(0, pair[0]).rest, meeting.way(1, pair[1]).rest};
             const auto differences = differencesOf(meeting, pair);
             for (std::size_t each = 0; each < differences.size() && changes.size() < kMostChanges; ++each) {
@@ -199,7 +202,7 @@ class Differ::Search {
     const Firings& firingsOf(std::size_t state, EventType type, std::vector<std::size_t> conditions) {
         const auto [place, isNew] = differ.firings.try_emplace({type, std::move(conditions)});
         Firings& firings = place->second;
-        if (isNew) {
+        if (isNew || std::ranges::count(firings, Verdict::Undecided, &Firing::verdict) > 0) {
             const Ways& ways = machines[0]->waysFrom(state, type);
             const Meeting meeting(type, {&ways, &ways}, differ.surroundings);
             firings.assign(machines[0]->listening(state, type).size(), {Verdict::No, false});
@@ -314,7 +317,8 @@ std::vector<std::optional<std::size_t>> Differ::conditionsOf(const ConfigModel& 
             texts.emplace_back(each.op, each.valueType, each.operand1.operand.type, each.operand1.operand.value,
                                each.operand2.operand.type, each.operand2.operand.value);
         }
-        const bool isDrawn = std::ranges::any_of(transition.filters, draws);
+        const bool isDrawn =
+            std::ranges::any_of(transition.filters, [](const FilterModel& each) { return numbersDrawnBy(each) > 0; });
         const std::size_t number = conditions.emplace(std::move(texts), conditions.size()).first->second;
         numbers.push_back(isDrawn ? std::nullopt : std::optional(number));
     }

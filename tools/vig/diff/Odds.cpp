@@ -26,7 +26,7 @@ constexpr std::uint64_t kEffortOfWay = 50;
 // Returns how probable it is that a filter that draws one number is true; nothing if that depends on an attribute.
 std::optional<double> oddsOf(const FilterModel& filter) {
     const NormalFilter normal = normalFormOf(filter);
-    if (!isFunction(normal.left) || !isConstant(normal.right)) {
+    if (numbersDrawnBy(filter) != 1 || !isFunction(normal.left) || !isConstant(normal.right)) {
         return std::nullopt;
     }
     const double limit = std::get<double>(constantOf(normal.right.operand.value, FilterValueType::Double));
@@ -118,7 +118,7 @@ class Odds {
             isKnown = isKnown && ways->isWhole;
             for (const Demand& demand : ways->demands) {
                 for (const Asked& each : demand) {
-                    if (!draws(*each.filter)) {
+                    if (numbersDrawnBy(*each.filter) == 0) {
                         comparison.numbers.emplace(each.filter, comparison.filters.size());
                         comparison.filters.push_back(each.filter);
                     }
@@ -182,7 +182,7 @@ class Odds {
                 double met = 0;
                 std::optional<std::size_t> openHere;
                 for (const Asked& each : comparison.ways[side]->demands[way.demands[index]]) {
-                    if (draws(*each.filter)) {
+                    if (numbersDrawnBy(*each.filter) > 0) {
                         const auto odds = oddsOf(*each.filter);
                         isKnown = isKnown && odds;
                         met = std::max(met, each.outcome ? odds.value_or(0) : 1 - odds.value_or(0));

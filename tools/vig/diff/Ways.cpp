@@ -15,8 +15,11 @@ using RulesEngine::State;
 namespace {
 
 constexpr std::size_t kMostMoves = FiniteStateMachine::MAX_ENTERING_STATE_MOVES;
-constexpr std::uint64_t kEffortOfMove = 20;
-constexpr std::size_t kMostWays = 10'000;  // of one event; only draws make many
+// Only draws make many ways of one event.
+constexpr std::size_t kMostWaysByDraws = 200;
+constexpr std::size_t kMostMovesInAll = 100'000;
+
+}  // namespace
 
 std::size_t numbersDrawnBy(const FilterModel& filter) {
     const auto count = [&](const OperandModel& operand) -> std::size_t {
@@ -25,8 +28,6 @@ std::size_t numbersDrawnBy(const FilterModel& filter) {
     };
     return count(filter.operand1) + count(filter.operand2);
 }
-
-}  // namespace
 
 WayFinder::WayFinder(const ConfigModel& config, const Surroundings& surroundings)
     : model(config), surroundings(surroundings) {
@@ -72,8 +73,8 @@ std::optional<bool> WayFinder::constantOutcome(const FilterModel& filter, bool o
     if (isNew) {
         const FilterModel* const asked = &filter;
         const Junction junction({}, EventType::EnteringState, std::span(&asked, 1), surroundings);
-        place->second =
-            junction.decide({0, {&junction.furtherHolds(0)}}, Values::All, surroundings.effort) == Verdict::Yes;
+        Effort enough;
+        place->second = junction.decide({0, {&junction.furtherHolds(0)}}, Values::All, enough) == Verdict::Yes;
     }
     return place->second;
 }
@@ -150,7 +151,7 @@ void WayFinder::ask(Begun first, const std::vector<std::size_t>& transitions, Wa
             }
         }
         open = std::move(left);
-        if (!surroundings.effort.spend(kEffortOfMove) || open.size() + ways.ways.size() > kMostWays) {
+        if (open.size() > kMostWaysByDraws) {
             ways.isWhole = false;
             return;
         }
@@ -160,6 +161,7 @@ void WayFinder::ask(Begun first, const std::vector<std::size_t>& transitions, Wa
 
 // Follows the machine's own events until it waits.
 void WayFinder::follow(Begun first, Ways& ways) {
+    const std::size_t mostWays = ways.ways.size() + kMostWaysByDraws;
     std::vector<Begun> open = {std::move(first)};
     while (!open.empty()) {
         Begun begun = std::move(open.back());
@@ -178,6 +180,7 @@ void WayFinder::follow(Begun first, Ways& ways) {
             each.way.rest = each.state;
             ways.ways.push_back(std::move(each.way));
         }
+        ways.isWhole = ways.isWhole && ways.ways.size() + open.size() <= mostWays && ++ways.moves <= kMostMovesInAll;
         if (!ways.isWhole) {
             return;
         }

@@ -26,6 +26,9 @@ struct Effect {
     bool operator==(const Effect&) const = default;
 };
 
+// Returns how many numbers the library draws for the filter.
+std::size_t numbersDrawnBy(const FilterModel& filter);
+
 // A filter is asked, and is to have an outcome.
 struct Asked {
     const FilterModel* filter;
@@ -53,6 +56,7 @@ struct Ways {
     std::vector<Way> ways;
     std::vector<std::optional<std::size_t>> failures;  // by place: what a transition that draws nothing demands to fail
     bool isWhole = true;                               // otherwise there are more
+    std::size_t moves = 0;                             // of the machine, on all of them
 };
 
 // It knows how one machine can go by an event. States and transitions are numbers: "start" is 0. Used on one thread.
