@@ -50,7 +50,7 @@ def lose_filter(rng, _words, rules):
 
 def add_filter(rng, words, rules):
     filters = pick(rng, rules)["filters"]
-    filters.insert(rng.randint(0, len(filters)), rng.choice(words.filters + filters))
+    filters.insert(rng.randint(0, len(filters)), copy.deepcopy(rng.choice(words.filters + filters)))
 
 
 def move_filter(rng, _words, rules):
@@ -61,7 +61,7 @@ def move_filter(rng, _words, rules):
 def split_filter(rng, _words, rules):
     filters, at = pick(rng, [(rule["filters"], at) for rule in rules for at, each in enumerate(rule["filters"])
                              if each["operator"] == "=="])
-    filters[at:at + 1] = [filters[at] | {"operator": operator} for operator in (">=", "<=")]
+    filters[at:at + 1] = [copy.deepcopy(filters[at]) | {"operator": operator} for operator in (">=", "<=")]
 
 
 def lose_action(rng, _words, rules):
@@ -92,8 +92,8 @@ def add_transition(rng, words, rules):
     rule = pick(rng, rules)
     states = [each[end] for each in rules for end in ("from_state", "to_state")] + ["nowhere"]
     filters = [each for each in words.some_filters([0, 1, 2], rule["event"]) if is_accepted(each)]
-    rules.insert(rng.randint(0, len(rules)), copy.deepcopy(rule) | {
-        "from_state": rng.choice(states), "to_state": rng.choice(states), "filters": filters})
+    rules.insert(rng.randint(0, len(rules)), copy.deepcopy(rule | {
+        "from_state": rng.choice(states), "to_state": rng.choice(states), "filters": filters}))
 
 
 def swap_transitions(rng, _words, rules):
@@ -106,7 +106,7 @@ def split_transition(rng, words, rules):
     at = rules.index(pick(rng, rules))
     condition = copy.deepcopy(rng.choice(words.filters))
     opposite = condition | {"operator": OPPOSITES[condition["operator"]]}
-    rules[at:at + 1] = [copy.deepcopy(rules[at]) | {"filters": rules[at]["filters"] + [each]}
+    rules[at:at + 1] = [copy.deepcopy(rules[at] | {"filters": rules[at]["filters"] + [each]})
                         for each in (condition, opposite)]
 
 

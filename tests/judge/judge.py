@@ -452,7 +452,7 @@ def judge(make_case, keep, seed):
         for compare in case.comparisons():
             try:
                 compare()
-            except (LookupError, TypeError, ValueError, ChildProcessError, subprocess.TimeoutExpired) as error:
+            except (LookupError, TypeError, ValueError, ChildProcessError, subprocess.SubprocessError) as error:
                 case.disagreements.append(f"{compare.__name__} cannot read the answer: {error!r}")
         if case.disagreements and keep:
             (case.folder / "disagreements.txt").write_text("\n".join(case.disagreements) + "\n")
