@@ -148,10 +148,15 @@ def draw_outcomes(comparison, value):
     return disjunction(holds), disjunction([negation(each) for each in holds])
 
 
-def outcomes(rule, attribute, context):
+def is_draw(rule, side):
+    return rule.kind == "double" and side == ("function", "PseudoRandomDouble")
+
+
+def outcomes(rule, attribute, context, draw=lambda: None):
     """Returns when a filter may hold and when it may not, both of which draws can make true at once.
 
-    `attribute` gives the value of an attribute of the event by its kind and name.
+    `attribute` gives the value of an attribute of the event by its kind and name, and `draw` that of the next draw, if
+    it is known.
     """
     comparison, kind, left, right = rule
     if left[0] == "constant" and right[0] != "constant":
@@ -159,8 +164,8 @@ def outcomes(rule, attribute, context):
     def operand(side):
         if side[0] == "constant":
             return read_constant(kind, side[1])[0]
-        if side == ("function", "PseudoRandomDouble") and kind == "double":
-            return None
+        if is_draw(rule, side):
+            return draw()
         if side[0] == "function":
             return Value(True, 0, False)
         value = attribute(KINDS[kind], side[1])
@@ -196,7 +201,7 @@ def fulfils(filters, record, context):
 
 def chance(rule, values, verdict):
     """Returns how likely a filter comes out so with these values on its sides, and None if it does not draw."""
-    drawn = [rule.kind == "double" and side == ("function", "PseudoRandomDouble") for side in (rule.left, rule.right)]
+    drawn = [is_draw(rule, side) for side in (rule.left, rule.right)]
     if not any(drawn):
         return None
     comparison, other = (rule.operator, values[1]) if drawn[0] else (MIRRORED[rule.operator], values[0])
@@ -219,6 +224,7 @@ class Events:
         self.solver = z3.SolverFor("QF_LIA")
         self.recordable = z3.Bool("recordable")
         self.attributes = {}
+        self.draws = {}
         self.filters = {}
         self.formulas = {}
         self.answers = {}
@@ -237,6 +243,14 @@ class Events:
                 self.solver.add(place >= -INFINITY, place <= INFINITY, z3.Implies(self.recordable, finite))
             self.attributes[kind, name] = Value(present, place, nan)
         return self.attributes[kind, name]
+
+    def draw(self, number):
+        """Returns the value of the draw of that number, whatever the numbers are counted from."""
+        if number not in self.draws:
+            place = z3.Int(f"draw {number}")
+            self.solver.add(place >= 0, place <= LAST_DRAW)
+            self.draws[number] = Value(True, place, False)
+        return self.draws[number]
 
     def outcomes(self, rule, context):
         if (rule, context) not in self.filters:
@@ -257,6 +271,12 @@ class Events:
             return conjunction([self.outcomes(rule, context)[0] for rule in rest[0]])
         if kind == "may not hold":
             return disjunction([self.outcomes(rule, context)[1] for rule in rest[0]])
+        if kind == "is there":
+            return self.attribute(*rest).present
+        if kind == "drawn":  # the filter holds, in an event or on entering, with the draws from that number on
+            rule, on_entering, number = rest
+            draw = functools.partial(next, map(self.draw, itertools.count(number)))
+            return outcomes(rule, missing if on_entering else self.attribute, context, draw)[0]
         least, memory, cpu = rest
         name, resident, swapped, used = (self.attribute(*key).present for key in (
             ("string", "processName"), ("int64", "vmRssKB"), ("int64", "vmSwapKB"), ("double", "cpuAvgUtilization")))

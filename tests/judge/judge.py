@@ -1,9 +1,9 @@
 #!/usr/bin/python3
 """Holds what `vig prove`, `vig check` and `vig test` decide against semantics.py, on random documents.
 
-Document i is made of the seed S + i alone. What the tool answers must be what semantics.py answers, and `vig run` must
-do on every witness what is said of it. "not decided" is counted and is no disagreement. The exit status is 1 if there
-is a disagreement; its documents are written to DIR, with what was answered.
+Document i of the N is made of the seed S + i alone. What the tool answers must be what semantics.py answers, and
+`vig run` must do on every witness what is said of it. "not decided" is counted and is no disagreement. The exit status
+is 1 if there is a disagreement; its documents are written to DIR, with what was answered.
 """
 import argparse
 import collections
@@ -21,135 +21,16 @@ import sys
 import tempfile
 
 import semantics
-from semantics import Machine, context_of, filter_of, read_constant
+from documents import EVENT_TYPES, Vocabulary, is_accepted, make_document
+from semantics import Machine, context_of, filter_of
 
 PROPERTIES = ["trigger_only_if", "between_triggers", "at_most", "can_reach", "cannot_reach"]
-EVENT_TYPES = ["Test", "Timeout", "ProcessMemoryHeartBeat", "ProcessCpuHeartBeat", "ZramHeartBeat",
-               "TelemetryEventEnd"]
-ATTRIBUTES = {"integer": ["x", "y", "z", "vmRssKB", "vmSwapKB"], "double": ["x", "y", "z", "cpuAvgUtilization"],
-              "string": ["x", "y", "z", "processName"]}
-# The constants of a group are neighbours, or the same number by another text.
-CONSTANTS = {
-    "integer": [["5", "6", "7"], ["0", "-0", "1", "1.5", "-1"], ["12kB", " 12", "+11", "13", "0x10", "1e400"],
-                ["9223372036854775807", "9223372036854775806"], ["-9223372036854775808", "-9223372036854775807"]],
-    "double": [["5", "6", "7e0"], ["0.1", "0.10000000000000002", "0.10000000000000001"], ["12kB", "0x10", ".5", "12"],
-               ["-0", "0", "5e-324", "-5e-324", "1e-310"], ["0.5", "1", "0.9999999999999999", "0.9999999999999998"],
-               ["inf", "-inf", "nan", "1.7976931348623157e308", "-1.7976931348623157e308"]],
-    "string": [["a", "a\0", "a\0\0\0", "ab"], ["", "\0", "\0\0", "a"], ["camera", "camera\0x", "camerb", "b"],
-               ["~", "é", "\U0010ffff"]],
-}
-# Most of these texts are accepted only beside another constant.
 # Where one of these stands at a filter, never-true does not: it would only tell what comes of them.
 FINDS_NOTHING = {"unknown-attribute", "context-ignored", "function-fallback"}
 NEVER_FIRES = FINDS_NOTHING | {"never-true", "shadowed-transition"}
-ODD_NUMBERS = ["", "abc", "1e400", "-1e400", "1e-400", "9223372036854775808", ".5", "nan"]
 
 
 read_line = functools.lru_cache(json.loads)  # an endless circle writes the same lines again and again
-
-
-class Vocabulary:
-    """The few attributes, constants and filters of one document, so that its transitions have much in common."""
-
-    def __init__(self, rng):
-        self.rng = rng
-        self.kinds = rng.sample(list(ATTRIBUTES), rng.choice([1, 1, 2, 2, 3]))
-        self.attributes = {kind: rng.sample(names, rng.choice([1, 1, 2, 3])) for kind, names in ATTRIBUTES.items()}
-        self.draws = rng.choice([0, 0, 0.1, 0.3])
-        self.constants = {}
-        for kind, groups in CONSTANTS.items():
-            group = rng.choice(groups)
-            others = rng.choices(sum(groups, []), k=rng.choice([0, 0, 1]))
-            self.constants[kind] = rng.sample(group, rng.randint(1, len(group))) + others
-        self.filters = [self.filter() for _ in range(rng.randint(2, 8))]
-
-    def operand(self, what, kind):
-        if what == "attribute":
-            return {"type": "envvar", "value": self.rng.choice(self.attributes[kind])}
-        if what == "draw":
-            return {"type": "function", "value": "PseudoRandomDouble"}
-        if what == "unknown":
-            names = ["Unknown"] if kind == "double" else ["Unknown", "PseudoRandomDouble"]
-            return {"type": "function", "value": self.rng.choice(names)}
-        odd = ODD_NUMBERS if what == "any constant" and kind != "string" else []
-        return {"type": "constant", "value": self.rng.choice(self.constants[kind] + odd)}
-
-    def filter(self, with_functions=True):
-        kind = self.rng.choice(self.kinds)
-        shapes = {("attribute", "constant"): 60, ("attribute", "attribute"): 12, ("any constant", "any constant"): 3}
-        if with_functions and self.rng.random() < self.draws:
-            return self.draw_filter()
-        if with_functions:
-            shapes |= {("attribute", "unknown"): 3, ("unknown", "unknown"): 1}
-        return self.filter_of(kind, shapes)
-
-    def draw_filter(self):
-        return self.filter_of("double", {("draw", "constant"): 6, ("attribute", "draw"): 3, ("draw", "draw"): 2,
-                                         ("draw", "unknown"): 1})
-
-    def filter_of(self, kind, shapes):
-        (shape,) = self.rng.choices(list(shapes), shapes.values())
-        left, right = (self.operand(what, kind) for what in self.rng.choice([shape, shape, shape[::-1]]))
-        return {"operator": self.rng.choice(list(semantics.COMPARE)), "value_type": kind, "operand1": left,
-                "operand2": right}
-
-    def some_filters(self, counts, event):
-        if event == "EnteringState" and self.rng.random() < self.draws * 2:
-            return [self.draw_filter()]
-        filters = [self.filter() if self.rng.random() < 0.2 else self.rng.choice(self.filters)
-                   for _ in range(self.rng.choice(counts))]
-        return filters
-
-    def context(self):
-        """Returns attributes with values that are the constants, or beside them, grouped as in an event record."""
-        groups = collections.defaultdict(dict)
-        for kind, name in ((kind, name) for kind in self.kinds for name in self.attributes[kind]):
-            value = self.rng.choice(self.constants[kind])
-            if kind == "integer":
-                value = read_constant(kind, value)[0].place + self.rng.choice([0, 0, 1, -1])
-                value = min(max(value, -2**63), 2**63 - 1)
-            elif kind == "double":
-                value = self.rng.choice([5.0, 0.1, -0.0, 1.0, 0.5, 1e308])
-            groups[semantics.KINDS[kind]][name] = value
-        return dict(groups)
-
-
-def is_accepted(rule):
-    """A constant that is no number is refused but in the company of another constant."""
-    constants = [rule[side]["value"] for side in ("operand1", "operand2") if rule[side]["type"] == "constant"]
-    return len(constants) != 1 or read_constant(rule["value_type"], constants[0])[1]
-
-
-def make_machine(rng, words):
-    states = ["start"] + rng.sample(["end", "a", "b", "c", "", "d\0", "é"], rng.randint(0, 5))
-    events = rng.sample(EVENT_TYPES, rng.choice([1, 1, 2, 3])) + ["EnteringState"] * rng.choice([0, 0, 1])
-    triggering = rng.choice([0.1, 0.3, 0.6])
-    counts = rng.choice([[0, 1], [1, 2], [0, 1, 1, 2, 3], [2, 3, 4]])
-
-    forward = rng.random() < 0.35
-    rules = []
-
-    def add(source, target, event, counts):
-        names = rng.choices(["Test", "LogZramHeartBeat"], k=rng.choice([0, 0, 0, 1]))
-        if rng.random() < triggering:
-            names += rng.choices(["TriggerVelora", "TriggerVeloraCpu"], k=rng.choice([1, 1, 1, 1, 2, 3]))
-        rules.insert(rng.randint(0, len(rules)), {
-            "from_state": states[source], "to_state": states[target], "event": event,
-            "filters": [each for each in words.some_filters(counts, event) if is_accepted(each)],
-            "actions": [{"name": name} for name in names]})
-
-    for _ in range(rng.choice([rng.randint(0, 6), rng.randint(3, 12), rng.randint(8, 24)])):
-        source, target = rng.choices(range(len(states)), k=2)
-        if not forward or source < target:  # machines that only go forward have a bound of triggers
-            add(source, target, rng.choice(events), counts)
-    for target in range(1, len(states)):  # most states have a way from the first
-        if rng.random() < 0.7:
-            add(rng.randrange(target), target, rng.choice(events), [0, 1])
-    if rng.random() < 0.15:  # a circle without end, which a filter may leave
-        circle = rng.sample(range(len(states)), rng.randint(1, min(3, len(states))))
-        for source, target in zip(circle, circle[1:] + circle[:1]):
-            add(source, target, "EnteringState", [0, 0, 1])
-    return {"transitions": rules}
 
 
 def make_property(rng, words, document, machines):
@@ -229,15 +110,37 @@ class Replay:
 
 
 class Case:
-    """One document, what is expected of it, and the tool's answers, which are compared in a folder of their own."""
+    """What the tool is asked in a folder of its own, and where its answers are not those that are expected."""
+
+    def __init__(self, program, folder):
+        self.program, self.folder, self.context = program, folder, {}
+        self.counts, self.disagreements = collections.Counter(), []
+
+    def vig(self, verb, *arguments, context=None, text="", statuses=(0, 1)):
+        if context:
+            name = "context.json" if context == self.context else "other.context.json"
+            (self.folder / name).write_text(json.dumps({"event": "Test"} | context) + "\n")
+            arguments += "--context", name
+        done = subprocess.run([self.program, verb, *arguments], cwd=self.folder, input=text, capture_output=True,
+                              encoding="utf-8", timeout=120, check=False)
+        if done.returncode not in statuses:  # what it has not answered is neither right nor wrong
+            raise ChildProcessError(f"vig {verb} ends with {done.returncode} and says {done.stderr}{done.stdout}")
+        return done
+
+    def expect(self, what, expected, got):
+        if expected != got:
+            self.disagreements.append(f"{what}: expected {expected}, got {got}")
+
+
+class DocumentCase(Case):
+    """One document, and what is expected of it."""
 
     def __init__(self, program, seed, folder):
-        self.program, self.folder, self.replays = program, folder, {}
-        self.counts, self.disagreements = collections.Counter(documents=1), []
+        super().__init__(program, folder)
+        self.counts["documents"], self.replays = 1, {}
         rng, events = random.Random(seed), semantics.Events()
         words = Vocabulary(rng)
-        document = {"configs": [{"id": number, "payload": {"id": 1, "data": make_machine(rng, words)}}
-                                for number in rng.sample([7, 8, 0, -1, 2**63 - 1], rng.choice([1, 1, 1, 2, 2, 3]))]}
+        document = make_document(rng, words)
         self.context = words.context() if rng.random() < 0.35 else {}
 
         @functools.cache
@@ -264,20 +167,8 @@ class Case:
         for name, context in (("nothing", {}), ("contexts", names)):
             (folder / f"{name}.catalogue.json").write_text(json.dumps({"events": {}, "context": context}))
 
-    def vig(self, verb, *arguments, context=None, text=""):
-        if context:
-            name = "context.json" if context == self.context else "other.context.json"
-            (self.folder / name).write_text(json.dumps({"event": "Test"} | context) + "\n")
-            arguments += "--context", name
-        done = subprocess.run([self.program, verb, *arguments], cwd=self.folder, input=text, capture_output=True,
-                              encoding="utf-8", timeout=120, check=False)
-        if done.returncode not in (0, 1):  # what it has not answered is neither right nor wrong
-            raise ChildProcessError(f"vig {verb} ends with {done.returncode} and says {done.stderr}{done.stdout}")
-        return done
-
-    def expect(self, what, expected, got):
-        if expected != got:
-            self.disagreements.append(f"{what}: expected {expected}, got {got}")
+    def comparisons(self):
+        return self.compare_prove, self.compare_check, self.compare_properties, self.compare_generated
 
     def replay(self, witness, machine, context):
         key = json.dumps([witness, context])
@@ -554,14 +445,14 @@ def as_rate(rate):
     return {"triggers": rate.numerator, "events": rate.denominator}
 
 
-def judge(program, keep, seed):
-    """Returns the counts of one document and its disagreements."""
+def judge(make_case, keep, seed):
+    """Returns the counts of one case and its disagreements."""
     with tempfile.TemporaryDirectory(prefix="judge-") as folder:
-        case = Case(program, seed, pathlib.Path(folder))
-        for compare in (case.compare_prove, case.compare_check, case.compare_properties, case.compare_generated):
+        case = make_case(seed, pathlib.Path(folder))
+        for compare in case.comparisons():
             try:
                 compare()
-            except (LookupError, TypeError, ValueError, ChildProcessError, subprocess.TimeoutExpired) as error:
+            except (LookupError, TypeError, ValueError, ChildProcessError, subprocess.SubprocessError) as error:
                 case.disagreements.append(f"{compare.__name__} cannot read the answer: {error!r}")
         if case.disagreements and keep:
             (case.folder / "disagreements.txt").write_text("\n".join(case.disagreements) + "\n")
@@ -569,19 +460,12 @@ def judge(program, keep, seed):
         return seed, case.counts, case.disagreements
 
 
-def main():
-    parser = argparse.ArgumentParser(description="Holds what vig decides against another way to decide it.")
-    parser.add_argument("vig", type=pathlib.Path)
-    parser.add_argument("--documents", metavar="N", type=int, default=300)
-    parser.add_argument("--seed", metavar="S", type=int, default=0)
-    parser.add_argument("--keep", metavar="DIR", type=pathlib.Path)
-    parser.add_argument("--jobs", metavar="J", type=int, default=2)
-    options = parser.parse_args()
+def judge_all(make_case, options):
+    """Judges the cases of all seeds, prints what comes of it, and returns the exit status."""
     total, disagreements = collections.Counter(), 0
-    seeds = range(options.seed, options.seed + options.documents)
     with multiprocessing.Pool(options.jobs) as pool:
-        one = functools.partial(judge, options.vig.resolve(), options.keep)
-        for seed, counts, found in pool.imap(one, seeds, chunksize=8):
+        one = functools.partial(judge, make_case, options.keep)
+        for seed, counts, found in pool.imap(one, range(options.seed, options.seed + options.cases), chunksize=8):
             total += counts
             disagreements += len(found)
             for each in found:
@@ -590,6 +474,21 @@ def main():
         print(f"{count:9d}  {what}")
     print(f"{disagreements:9d}  disagreements")
     return int(disagreements > 0)
+
+
+def add_options(parser):
+    parser.add_argument("cases", metavar="N", type=int)
+    parser.add_argument("--seed", metavar="S", type=int, default=0)
+    parser.add_argument("--keep", metavar="DIR", type=pathlib.Path)
+    parser.add_argument("--jobs", metavar="J", type=int, default=2)
+
+
+def main():
+    parser = argparse.ArgumentParser(description="Holds what vig decides against another way to decide it.")
+    parser.add_argument("vig", type=pathlib.Path)
+    add_options(parser)
+    options = parser.parse_args()
+    return judge_all(functools.partial(DocumentCase, options.vig.resolve()), options)
 
 
 if __name__ == "__main__":
