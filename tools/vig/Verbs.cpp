@@ -6,6 +6,7 @@ Verbs::Verbs() {
     addCheck(commandLine, check);
     addProve(commandLine, prove);
     addRun(commandLine, run);
+    addDiff(commandLine, diff);
     addSummary(commandLine, summary);
     addWatch(commandLine, watch);
     addCatalogue(commandLine, catalogue);

@@ -5,6 +5,7 @@
 #include "tools/vig/commandline/CommandLine.h"
 #include "tools/vig/decide/ProveCommand.h"
 #include "tools/vig/fleet/FleetCommand.h"
+#include "tools/vig/fleet/FleetDiffCommand.h"
 #include "tools/vig/fleet/SummaryCommand.h"
 #include "tools/vig/graph/GraphCommand.h"
 #include "tools/vig/test/TestCommand.h"
@@ -20,6 +21,7 @@ struct Verbs {
     CheckOptions check;
     ProveOptions prove;
     FleetOptions run;
+    FleetDiffOptions diff;
     SummaryOptions summary;
     WatchOptions watch;
     CatalogueOptions catalogue;

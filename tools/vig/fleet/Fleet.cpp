@@ -54,7 +54,7 @@ std::uint64_t Fleet::run(unsigned threads, const std::function<Runner()>& makeRu
 }
 
 std::string headingOf(const std::string& device) {
-    return fmt::format("\n== {}\n", printable(nameOfEvents(device)));
+    return fmt::format("== {}\n", printable(nameOfEvents(device)));
 }
 
 void addJobs(Verb& verb, unsigned& threads) {

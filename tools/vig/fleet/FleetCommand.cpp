@@ -54,7 +54,7 @@ int fleet(const FleetOptions& options, const Console& console, const Interruptio
         const auto runner = std::make_shared<DeviceRunner>(plan);
         return [&summary, &plan, runner](const std::string& device, Output& text) {
             if (plan.format == ReportFormat::Text) {
-                text.write(headingOf(device));
+                text.write("\n" + headingOf(device));
             }
             DeviceResult result = runner->run(device, text);
             return Fleet::Ended{result.problem, [&summary, result] { summary.add(result); }};
