@@ -57,33 +57,37 @@ class DiffRunner::Side final : public NoReport {
   public:
     Side(DiffRunner& runner, std::size_t side)
         : runner(runner), side(side), group(runner.plan.context, *this, nullptr) {
-        const DocumentModel& document = *runner.plan.documents[side];
-        pairs.resize(document.configs.size());
+        auto configs = machinesOf(*runner.plan.documents[side],
+                                  withDraws(runner.plan.registry, [this] { return draw(pairs[group.drivenIndex()]); }));
+        MachineGroup::Configs driven;
         for (std::size_t pair = 0; pair < runner.plan.pairs.size(); ++pair) {
-            if (const auto index = runner.plan.pairs[pair].index[side]) {
-                pairs[*index] = pair;
+            const MachinePair& each = runner.plan.pairs[pair];
+            // Of two machines that do the same, the old one is enough.
+            if (each.index[side] && !(side == kNew && each.isSame)) {
+                pairs.push_back(pair);
+                driven.push_back(std::move(configs[*each.index[side]]));
             }
         }
-        group.adopt(
-            machinesOf(document, withDraws(runner.plan.registry, [this] { return draw(pairs[group.drivenIndex()]); })));
+        group.adopt(std::move(driven));
     }
 
     MachineGroup& machines() { return group; }
 
     void forgetMoves() { moves.clear(); }
 
-    // Returns what the machine at that place has decided by the event.
-    std::vector<Step> explain(std::size_t index, std::uint64_t event, const EventRecord* record) {
+    // Returns what the machine of a pair has decided by the event. REQUIRES: there is one.
+    std::vector<Step> explain(std::size_t pair, std::uint64_t event, const EventRecord* record) {
         if (!explainer) {
             explainer = std::make_unique<MachineExplainer>(
                 *runner.plan.documents[side], runner.plan.registry, [this] { return draw(explained); },
                 runner.plan.context);
         }
+        const auto index = static_cast<std::size_t>(std::ranges::find(pairs, pair) - pairs.begin());
         const auto moved = std::ranges::find(moves, index, [](const auto& each) { return each.first; });
         const std::string_view state = moved != moves.end() ? moved->second : group.summary().machines[index].state;
-        explained = pairs[index];
+        explained = pair;
         runner.draws.beginEvent(event);
-        return explainer->explain(index, std::string(state), event, record);
+        return explainer->explain(*runner.plan.pairs[pair].index[side], std::string(state), event, record);
     }
 
     void trigger(const TriggerLine& line) override {
@@ -109,7 +113,7 @@ class DiffRunner::Side final : public NoReport {
 
     DiffRunner& runner;
     const std::size_t side;
-    std::vector<std::size_t> pairs;  // of each machine
+    std::vector<std::size_t> pairs;  // of the machines of the group
     MachineGroup group;
     std::vector<std::pair<std::size_t, std::string_view>> moves;  // by the event: machines, and whence they came
     std::unique_ptr<MachineExplainer> explainer;                  // made when something is to be explained
@@ -168,7 +172,8 @@ void DiffRunner::compare(std::uint64_t event, const EventRecord* record) {
     std::ranges::sort(active);
     std::vector<std::size_t> differing;
     for (const std::size_t pair : active) {
-        const auto& [old, now] = doings[pair];
+        const Doings& old = doings[pair][kOld];
+        const Doings& now = plan.pairs[pair].isSame ? old : doings[pair][kNew];
         BothDid& did = diff.pairs[pair];
         did.triggers[kOld] += old.triggers.size();
         did.triggers[kNew] += now.triggers.size();
@@ -197,8 +202,8 @@ void DiffRunner::part(const std::vector<std::size_t>& differing, const EventReco
     for (const std::size_t pair : differing) {
         Parting::Machine machine{&plan.pairs[pair], doings[pair], {}};
         for (const std::size_t side : {kOld, kNew}) {
-            if (const auto index = machine.pair->index[side]) {
-                machine.steps[side] = sides[side]->explain(*index, parting->event, record);
+            if (machine.pair->index[side]) {
+                machine.steps[side] = sides[side]->explain(pair, parting->event, record);
             }
         }
         parting->machines.push_back(std::move(machine));

@@ -69,7 +69,7 @@ std::string textOf(const DiffSummary& summary) {
     }
     add("events", summary.events);
     for (const DiffSummary::Example& each : summary.examples) {
-        text += fmt::format("  {:<9} {}: {} triggers, then {}; first differs by event {}\n",
+        text += fmt::format("  {:<9} {}: {} -> {} triggers, from event {} on\n",
                             kColumns[static_cast<std::size_t>(each.change)], printable(each.device),
                             each.triggers[kOld], each.triggers[kNew], each.event);
     }

@@ -20,8 +20,12 @@ std::vector<MachinePair> pairsOf(const DocumentModel& old, const DocumentModel& 
             pairs[place->second].index[side] = index;
         }
     };
-    add(old, kOld);
     add(now, kNew);
+    add(old, kOld);
+    for (MachinePair& each : pairs) {
+        each.isSame = each.index[kOld] && each.index[kNew] &&
+                      *old.configs[*each.index[kOld]].json == *now.configs[*each.index[kNew]].json;
+    }
     return pairs;
 }
 

@@ -23,9 +23,10 @@ struct MachinePair {
     std::int64_t id;
     std::size_t occurrence;                    // so many pairs with the id come before
     OfBoth<std::optional<std::size_t>> index;  // in each document; empty if it is new or gone
+    bool isSame = false;                       // both are written alike, so that they do the same if they draw the same
 };
 
-// Returns the pairs in the order of the old document, and then those that are new.
+// Returns the pairs in the order of the new document, and then those that are gone.
 std::vector<MachinePair> pairsOf(const DocumentModel& old, const DocumentModel& now);
 
 }  // namespace Brenta::OS::VIG::Tool

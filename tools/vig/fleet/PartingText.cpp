@@ -2,6 +2,10 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <array>
+#include <iterator>
+#include <string_view>
 #include <utility>
 
 #include "tools/vig/trace/ExplainText.h"
@@ -12,7 +16,7 @@ namespace Brenta::OS::VIG::Tool {
 
 namespace {
 
-constexpr std::size_t kMostLines = 100;  // a cycle of EnteringState transitions makes a thousand steps
+constexpr std::size_t kMostLines = 50;  // a cycle of EnteringState transitions makes a thousand steps
 constexpr OfBoth<std::string_view> kSides = {"old", "new"};
 
 constexpr std::array<std::string_view, kDeviceChangeNames.size()> kSentences = {"triggers newly",
@@ -23,35 +27,52 @@ constexpr std::array<std::string_view, kDeviceChangeNames.size()> kSentences = {
                                                                                 "logs otherwise",
                                                                                 ""};
 
+// Appends the lines, or the first of very many.
+void append(std::vector<std::string>& all, std::vector<std::string> lines) {
+    if (lines.size() > kMostLines) {
+        const std::size_t more = lines.size() - kMostLines;
+        lines.resize(kMostLines);
+        lines.push_back(fmt::format("and {} more lines", more));
+    }
+    std::ranges::move(lines, std::back_inserter(all));
+}
+
+std::vector<std::string> linesOf(const Doings& doings) {
+    if (doings.isEmpty()) {
+        return {"nothing"};
+    }
+    std::vector<std::string> lines;
+    for (const Doings::Trigger& each : doings.triggers) {
+        lines.push_back("trigger " + printable(each.name));
+        lines.push_back("  " + joined(each.metadata, "  ", printable));
+    }
+    for (const Doings::Log& each : doings.logs) {
+        std::string start = fmt::format("log {} {}: ", priorityName(each.priority), printable(each.tag));
+        for (const std::string& line : printableLines(each.message)) {
+            lines.push_back(std::exchange(start, "  ") + line);
+        }
+    }
+    return lines;
+}
+
+std::vector<std::string> linesOf(const std::vector<Step>& steps) {
+    std::vector<std::string> lines;
+    for (const Step& step : steps) {
+        for (const std::string& line : explainLines(step)) {
+            lines.push_back("  " + line);
+        }
+    }
+    return lines;
+}
+
 // Lists what one machine did, with the explanation below.
 std::vector<std::string> linesOf(const Parting::Machine& machine, std::size_t side) {
     if (!machine.pair->index[side]) {
         return {"has no such machine"};
     }
     std::vector<std::string> lines;
-    for (const Doings::Trigger& each : machine.doings[side].triggers) {
-        lines.push_back("trigger " + printable(each.name));
-        lines.push_back("  " + joined(each.metadata, "  ", printable));
-    }
-    for (const Doings::Log& each : machine.doings[side].logs) {
-        std::string start = fmt::format("log {} {}: ", priorityName(each.priority), printable(each.tag));
-        for (const std::string& line : printableLines(each.message)) {
-            lines.push_back(std::exchange(start, "  ") + line);
-        }
-    }
-    if (lines.empty()) {
-        lines.emplace_back("nothing");
-    }
-    for (const Step& step : machine.steps[side]) {
-        for (const std::string& line : explainLines(step)) {
-            lines.push_back("  " + line);
-        }
-    }
-    if (lines.size() > kMostLines) {
-        const std::size_t more = lines.size() - kMostLines;
-        lines.resize(kMostLines);
-        lines.push_back(fmt::format("and {} more lines", more));
-    }
+    append(lines, linesOf(machine.doings[side]));
+    append(lines, linesOf(machine.steps[side]));
     return lines;
 }
 
@@ -86,7 +107,7 @@ std::string jsonOf(const Parting::Machine& machine) {
 std::string textOf(const DeviceDiff& diff, const Parting& parting) {
     const BothDid did = diff.all();
     std::string text =
-        fmt::format("{}: {} triggers, then {}; first differs by event {}{}\n",
+        fmt::format("{}: {} -> {}; the first difference is event {}{}\n",
                     kSentences[static_cast<std::size_t>(did.change())], did.triggers[kOld], did.triggers[kNew],
                     parting.event, parting.timeMs ? fmt::format(" at {} ms", *parting.timeMs) : "");
     for (const Parting::Machine& machine : parting.machines) {
