@@ -162,7 +162,7 @@ TEST_F(FleetDiff, LongExplanationIsCut) {
     options.devices = {folder.write("d", "{\"event\":\"Test\"}\n")};
     const std::string cycle = transition("a", "a", "EnteringState", "[]", kTrigger);
     const std::string text = diff({config(7, {})}, {config(7, {transition("start", "a", "Test"), cycle})}).out;
-    EXPECT_THAT(text, HasSubstr("in event.\n         and 951 more lines\n           Test in state start\n"));
+    EXPECT_THAT(text, HasSubstr("in event.\n         and 950 more lines\n           Test in state start\n"));
     EXPECT_THAT(text, HasSubstr("\n         and 2952 more lines\n\nfleet\n"));
 }
 
