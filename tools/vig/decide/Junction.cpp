@@ -397,6 +397,84 @@ std::optional<EventRecord> Junction::eventFor(const Question& question, Effort& 
     return std::nullopt;
 }
 
+// The cells of the event are joined by their neighbours as long as no event in them all fails a clause.
+std::vector<Extent> Junction::extentsAround(const EventRecord& record, const Question& question, Effort& effort) const {
+    const Clauses asked = clausesOf(question);
+    std::set<std::size_t> concerned;
+    for (const Clause* const clause : asked) {
+        for (const Literal& each : *clause) {
+            concerned.insert(each.variable);
+        }
+    }
+    for (const Relation& each : space.relations) {
+        if (concerned.contains(each.variable)) {
+            concerned.insert({each.left, each.right});
+        }
+    }
+    std::map<std::size_t, Clause> box;
+    for (const auto& [key, variable] : variables) {
+        const auto value = attributeOf(record.attributes, key.second, key.first);
+        const Scale::Cell cell = value ? space.variables[variable].scale.cellOf(*value) : 0;
+        box[variable] = {{variable, {cell, value ? cell + 1 : cell, true, !value, false}}};
+    }
+    const auto isFulfilled = [&] {
+        return std::ranges::all_of(asked, [&](const Clause* clause) {
+            Clause failures = *clause;
+            std::ranges::for_each(failures, [](Literal& each) { each.cells = each.cells.complement(); });
+            std::vector<Clause> single;
+            for (const Literal& each : failures) {
+                single.push_back({each});
+            }
+            Clauses failing;
+            std::ranges::transform(single, std::back_inserter(failing), [](const Clause& each) { return &each; });
+            std::ranges::transform(box, std::back_inserter(failing), [](const auto& each) { return &each.second; });
+            return CellSolver(space, Values::Recordable, CellSolver::Attributes::Any).solve(failing, effort) ==
+                   Verdict::No;
+        });
+    };
+    std::vector<Extent> extents;
+    for (const auto& [key, variable] : variables) {
+        CellSet& cells = box[variable].front().cells;
+        const Scale& scale = space.variables[variable].scale;
+        if (!concerned.contains(variable)) {
+            continue;
+        }
+        if (cells.absent) {
+            const CellSet absent = std::exchange(cells, {0, scale.cellCount()});
+            if (!isFulfilled()) {
+                extents.push_back({key.second, std::nullopt});
+            }
+            cells = absent;
+            continue;
+        }
+        // What holds for many cells holds for fewer of them.
+        const auto widen = [&](Scale::Cell& edge, Scale::Cell farthest) {
+            Scale::Cell good = edge;
+            Scale::Cell middle = farthest;
+            for (Scale::Cell left = good < farthest ? farthest - good : good - farthest; left > 0;) {
+                edge = middle;
+                const Scale::Cell tried = middle < good ? good - middle : middle - good;
+                if (isFulfilled()) {
+                    good = middle;
+                    left -= tried;
+                } else {
+                    left = tried - 1;
+                }
+                const Scale::Cell step = (left + 1) / 2;
+                middle = farthest < good ? good - step : good + step;
+            }
+            edge = good;
+        };
+        widen(cells.first, 0);
+        widen(cells.last, scale.cellCount());
+        if (cells.first != 0 || cells.last != scale.cellCount()) {
+            extents.push_back({key.second, attributeOf(record.attributes, key.second, key.first),
+                               scale.lowerBound(cells.first), scale.upperBound(cells.last)});
+        }
+    }
+    return extents;
+}
+
 std::optional<Value> Junction::valueOf(const Side& side, const Meaning& meaning, const EventRecord& record) const {
     if (side.kind != Side::Kind::Attribute) {
         return side.kind == Side::Kind::Missing ? std::nullopt : std::optional(side.value);

@@ -42,6 +42,14 @@ struct DrawPlan {
     double odds = 1;
 };
 
+// It has values of an attribute, which lie between two, or its absence.
+struct Extent {
+    std::string_view name;
+    std::optional<Value> example;  // nothing if the attribute is absent
+    std::optional<Scale::Bound> least = {};
+    std::optional<Scale::Bound> most = {};
+};
+
 // Returns what filters read of an attribute. An empty text is none.
 std::optional<Value> attributeOf(const AttributeSet& attributes, std::string_view name, FilterValueType type);
 
@@ -111,6 +119,10 @@ class Junction {
 
     // Returns an event that fulfils the question, if that is decided.
     std::optional<EventRecord> eventFor(const Question& question, Effort& effort) const;
+
+    // Returns, for each attribute of which it matters, values around those of the event that fulfil the question
+    // together. REQUIRES: the event does.
+    std::vector<Extent> extentsAround(const EventRecord& record, const Question& question, Effort& effort) const;
 
     // Returns what has to be drawn for the event to come to the target; nothing of a target is that it passes all.
     DrawPlan drawsFor(const EventRecord& record, const std::optional<Target>& target) const;

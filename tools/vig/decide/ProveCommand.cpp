@@ -20,8 +20,6 @@
 #include "tools/vig/io/Descriptor.h"
 #include "tools/vig/io/Output.h"
 #include "tools/vig/run/RuleRun.h"
-#include "tools/vig/run/RuleSession.h"
-#include "tools/vig/trace/Report.h"
 #include "tools/vig/words/Text.h"
 
 namespace Brenta::OS::VIG::Tool {
@@ -48,7 +46,10 @@ class ProveRun {
         }
         out.write(isJson() ? "{\"machines\":[" : "");
         for (const std::string& path : options.rules) {
-            if (const auto text = read(path)) {
+            out.flush();
+            const auto text = readRules(path, console, interruption);
+            isUsable = isUsable && text;
+            if (text) {
                 proveDocument(path, *text);
                 // Whatever becomes of the next document, this one's answers are told.
                 out.flush();
@@ -77,27 +78,6 @@ class ProveRun {
             complain(options.witnessFolder + ": " + error.message());
         }
         return !error;
-    }
-
-    // Returns the text of the document. If it is not accepted or cannot be read, says why.
-    std::optional<std::string> read(const std::string& path) {
-        NoReport report;
-        RuleSession session(path, {}, context, report, nullptr);
-        switch (session.load(RuleSession::Changes::Ignore, interruption)) {
-            case RuleSession::Loading::Done:
-                return session.document().text.source().text();
-            case RuleSession::Loading::Refused:
-                out.flush();
-                console.say(fmt::format("{}: error: {}; `vig check` tells what is wrong", path, session.problem()));
-                isUsable = false;
-                break;
-            case RuleSession::Loading::Unreadable:
-                complain(path + ": " + session.problem());
-                break;
-            case RuleSession::Loading::Interrupted:
-                break;
-        }
-        return std::nullopt;
     }
 
     void proveDocument(const std::string& path, const std::string& text) {

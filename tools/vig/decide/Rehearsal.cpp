@@ -1,9 +1,11 @@
 #include "tools/vig/decide/Rehearsal.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include "tools/vig/document/Registry.h"
+#include "tools/vig/trace/ExplainText.h"
 #include "vig/parsers/VIGConfigParser.h"
 
 namespace Brenta::OS::VIG::Tool {
@@ -47,6 +49,16 @@ Witness Rehearsal::play(std::size_t machine, const Plan& plan) {
     return std::move(witness);
 }
 
+Account Rehearsal::giveAccount(std::size_t machine, const Plan& plan) {
+    account.emplace();
+    Witness played = play(machine, plan);
+    Account given = std::move(*account);
+    account.reset();
+    given.witness = std::move(played);
+    given.state = group.summary().machines[machine].state;
+    return given;
+}
+
 double Rehearsal::draw() {
     constexpr double kOfOthers = 0.5;
     const bool isPlanned = group.drivenIndex() == played && drawn < numbers->size();
@@ -68,11 +80,27 @@ void Rehearsal::step(const Step& step) {
             witness.trials.push_back(std::move(trial));
         }
     }
+    if (account && step.machine.index == played && step.event == witness.events.size() && !step.attempts.empty()) {
+        std::ranges::move(explainLines(step), std::back_inserter(account->explanation));
+    }
 }
 
 void Rehearsal::trigger(const TriggerLine& line) {
     if (line.machine.index == played) {
         witness.triggers.push_back(line.event);
+        if (account) {
+            std::string text = line.name;
+            for (const std::string& each : line.metadata) {
+                text += " " + each;
+            }
+            account->deeds.push_back({line.event, Deed::Kind::Trigger, std::move(text)});
+        }
+    }
+}
+
+void Rehearsal::log(const LogLine& line) {
+    if (account && group.drivenIndex() == played) {
+        account->deeds.push_back({line.event, Deed::Kind::Log, std::string(line.message)});
     }
 }
 

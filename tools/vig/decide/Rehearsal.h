@@ -2,7 +2,9 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
+#include <string>
 #include <vector>
 
 #include "tools/vig/decide/Behaviour.h"
@@ -40,6 +42,25 @@ struct Witness {
     bool firesAtTheEnd(std::size_t transition) const;
 };
 
+// It is what a machine does that others see, as a line.
+struct Deed {
+    enum class Kind { Trigger, Log };
+
+    std::uint64_t event;
+    Kind kind;
+    std::string text;  // all that was asked for, or logged
+
+    bool operator==(const Deed&) const = default;
+};
+
+// It tells people what the machine did with a recording.
+struct Account {
+    Witness witness;
+    std::vector<Deed> deeds;
+    std::string state;                     // in which it waits at the end
+    std::vector<std::string> explanation;  // of the last event, or of the start if there is none; printable
+};
+
 // Has the library play what was decided: nothing is shown that did not happen there. It stands in for the platform as
 // long as it lives, so that nothing else may; used on one thread.
 class Rehearsal final : private Trace, private NoReport {
@@ -55,11 +76,13 @@ class Rehearsal final : private Trace, private NoReport {
     // Lets all machines start anew and offers them the events of the plan, which is one for that machine. The others
     // draw numbers of their own.
     Witness play(std::size_t machine, const Plan& plan);
+    Account giveAccount(std::size_t machine, const Plan& plan);
 
   private:
     void loaded(const DocumentModel& document) override;
     void step(const Step& step) override;
     void trigger(const TriggerLine& line) override;
+    void log(const LogLine& line) override;
 
     double draw();
 
@@ -70,6 +93,7 @@ class Rehearsal final : private Trace, private NoReport {
     const std::vector<double>* numbers = nullptr;  // that it is to draw for the event
     std::size_t drawn = 0;                         // so many of them
     Witness witness;
+    std::optional<Account> account;  // if one is to be given
 };
 
 }  // namespace Brenta::OS::VIG::Tool

@@ -252,4 +252,14 @@ std::vector<Value> Scale::plainValues(Cell first, Cell last) const {
     return values;
 }
 
+std::optional<Scale::Bound> Scale::lowerBound(Cell first) const {
+    const bool isConstant = first % 2 == 1;
+    return first == 0 ? std::nullopt : std::optional(Bound{constants[(first - 1) / 2], isConstant});
+}
+
+std::optional<Scale::Bound> Scale::upperBound(Cell last) const {
+    const bool isConstant = last % 2 == 0;
+    return last == cellCount() ? std::nullopt : std::optional(Bound{constants[(last - 1) / 2], isConstant});
+}
+
 }  // namespace Brenta::OS::VIG::Tool

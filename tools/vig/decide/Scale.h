@@ -55,6 +55,14 @@ class Scale {
     // Returns the least value in those cells that is not below `bound`, if any.
     std::optional<Value> leastFrom(const Value& bound, Cell first, Cell last, Values which) const;
 
+    // Return the constants between which those cells lie; nothing where they go on for ever.
+    struct Bound {
+        Value value;
+        bool isIncluded;
+    };
+    std::optional<Bound> lowerBound(Cell first) const;
+    std::optional<Bound> upperBound(Cell last) const;
+
     // Returns the value in those cells that a person would pick, of those that a record can hold.
     std::optional<Value> pick(Cell first, Cell last) const;
 

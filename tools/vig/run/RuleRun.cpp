@@ -45,6 +45,25 @@ std::optional<int> readContext(const std::string& path, const Console& console, 
     return kExitUnusable;
 }
 
+std::optional<std::string> readRules(const std::string& path, const Console& console,
+                                     const Interruption& interruption) {
+    NoReport report;
+    RuleSession session(path, {}, {}, report, nullptr);
+    switch (session.load(RuleSession::Changes::Ignore, interruption)) {
+        case RuleSession::Loading::Done:
+            return session.document().text.source().text();
+        case RuleSession::Loading::Refused:
+            console.say(fmt::format("{}: error: {}; `vig check` tells what is wrong", path, session.problem()));
+            break;
+        case RuleSession::Loading::Unreadable:
+            console.complain(path + ": " + session.problem());
+            break;
+        case RuleSession::Loading::Interrupted:
+            break;
+    }
+    return std::nullopt;
+}
+
 RuleRun::RuleRun(const MachineOptions& options, ReportFormat format, const Console& console,
                  const Interruption& interruption)
     : options(options),

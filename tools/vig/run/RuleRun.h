@@ -41,6 +41,9 @@ void addSurroundings(Verb& verb, MachineOptions& options, const std::string& mor
 std::optional<int> readContext(const std::string& file, const Console& console, const Interruption& interruption,
                                AttributeSet& attributes);
 
+// Returns the text of a rule document that the library accepts. If there is none, says why, unless it is interrupted.
+std::optional<std::string> readRules(const std::string& path, const Console& console, const Interruption& interruption);
+
 // It is one run of a verb from the loading of the rules to the exit status, its report on the console.
 class RuleRun {
   public:

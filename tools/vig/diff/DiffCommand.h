@@ -1,0 +1,30 @@
+#pragma once
+
+#include <string>
+
+#include "tools/vig/io/Console.h"
+#include "tools/vig/io/Interruption.h"
+
+namespace Brenta::OS::VIG::Tool {
+
+class CommandLine;
+
+inline constexpr int kExitUndecided = 3;
+
+enum class DiffFormat { Text, Json, Markdown };
+
+struct DiffOptions {
+    std::string oldRules = {};  // files with rule documents
+    std::string newRules = {};
+    DiffFormat format = DiffFormat::Text;
+    std::string contextFile = {};    // of every machine; empty for a context without attributes
+    std::string catalogueFile = {};  // the attributes of events; empty for those that the tool knows
+    bool states = false;             // the names of states have to be the same
+};
+
+// Decides whether two rule documents do the same by any events, and shows where not. Returns the exit status.
+int diffDocuments(const DiffOptions& options, const Console& console, const Interruption& interruption);
+
+void addDiff(CommandLine& commandLine, DiffOptions& options);
+
+}  // namespace Brenta::OS::VIG::Tool

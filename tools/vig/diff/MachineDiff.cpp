@@ -1,0 +1,332 @@
+// The search goes from pair to pair of states in which the machines wait after the same events, those after the fewest
+// events first. It asks of each pair which two ways can be gone by one event: if other things come of these, the
+// machines have been told apart, and if not, another pair may follow. Most states are the same in both documents: where
+// they are, an event goes the same way in either, and whether it can is asked once for all documents.
+
+#include "tools/vig/diff/MachineDiff.h"
+
+#include <algorithm>
+#include <limits>
+#include <set>
+
+#include "tools/vig/diff/Odds.h"
+#include "tools/vig/document/NormalFilter.h"
+
+namespace Brenta::OS::VIG::Tool {
+
+using RulesEngine::EventType;
+
+namespace {
+
+constexpr std::uint64_t kMostOfQuestion = 2'000'000;
+constexpr std::uint64_t kEffortOfPair = 20;
+constexpr std::size_t kMostChanges = 4;
+constexpr std::size_t kNone = std::numeric_limits<std::size_t>::max();
+
+// An event of any type stands for what comes before the first one: only draws matter there.
+constexpr EventType kAnyType = EventType::Test;
+
+}  // namespace
+
+class Differ::Search {
+  public:
+    Search(Differ& differ, WayFinder& changed, Values which)
+        : differ(differ),
+          effort(differ.surroundings.effort),
+          which(which),
+          machines({&differ.old, &changed}),
+          newConditions(differ.conditionsOf(changed.config())) {}
+
+    MachineDiff run() {
+        const Both<Ways> fromStart = {machines[0]->waysFromStart(), machines[1]->waysFromStart()};
+        nodes.push_back({{WayFinder::kStart, WayFinder::kStart}, kNone, {}, {}, 0});
+        visit(Meeting(kAnyType, {&fromStart[0], &fromStart[1]}, differ.surroundings), 0, EventType::EnteringState);
+        for (std::size_t index = 1; index < nodes.size() && changes.empty(); ++index) {
+            if (!effort.spend(kEffortOfPair)) {
+                noteGap(nodes[index].events + 1);
+                break;
+            }
+            std::set<EventType> types;
+            for (std::size_t side = 0; side < machines.size(); ++side) {
+                types.merge(machines[side]->heardIn(nodes[index].states[side]));
+            }
+            for (const EventType type : types) {
+                if (!visitAlike(index, type)) {
+                    const Both<std::size_t> from = nodes[index].states;
+                    visit(meetingOf(from, type), index, type);
+                }
+            }
+        }
+        if (changes.empty()) {
+            return gap == kNone ? MachineDiff{MachineDiff::Verdict::Same}
+                                : MachineDiff{MachineDiff::Verdict::Undecided, gap};
+        }
+        return which == Values::All ? MachineDiff{MachineDiff::Verdict::Unrecordable} : difference();
+    }
+
+    // Returns true if events that no record can hold may do what others cannot.
+    bool hasUnrecordable() const { return isUnrecordable; }
+
+  private:
+    // The machines have come to these states by an event from those before.
+    struct Node {
+        Both<std::size_t> states;
+        std::size_t before;
+        EventType type;
+        Both<std::size_t> places;                // of the transitions that the event has fired
+        std::size_t events;                      // until here
+        std::optional<Meeting::Pair> pair = {};  // of ways; nothing if the places tell them
+    };
+
+    struct Change {
+        std::size_t node;
+        EventType type;
+        Meeting::Pair pair;
+        std::size_t index;  // of the difference
+    };
+
+    Meeting meetingOf(const Both<std::size_t>& from, EventType type) {
+        return Meeting(type, {&machines[0]->waysFrom(from[0], type), &machines[1]->waysFrom(from[1], type)},
+                       differ.surroundings);
+    }
+
+    void noteGap(std::size_t events) { gap = std::min(gap, events); }
+
+    Verdict ask(const Meeting& meeting, const Junction::Question& question) {
+        Effort part{std::min(effort.left, kMostOfQuestion), effort.interruption};
+        const std::uint64_t before = part.left;
+        const Verdict verdict = before == 0 ? Verdict::Undecided : meeting.decide(question, which, part);
+        if (verdict == Verdict::No && which == Values::Recordable && !isUnrecordable) {
+            isUnrecordable = meeting.decide(question, Values::All, part) != Verdict::No;
+        }
+        effort.spend(before - part.left);
+        return verdict;
+    }
+
+    void add(Node node) {
+        if (seen.insert(node.states).second) {
+            nodes.push_back(std::move(node));
+        }
+    }
+
+    bool differInName(const Both<std::size_t>& at) const {
+        return differ.states == States::Compared && machines[0]->stateName(at[0]) != machines[1]->stateName(at[1]);
+    }
+
+    // Returns the kinds of events by which other things come of two ways.
+    std::vector<Meeting::Difference> differencesOf(const Meeting& meeting, const Meeting::Pair& pair) const {
+        auto differences = meeting.differencesOf(pair);
+        if (differences.empty() && differInName({meeting.way(0, pair[0]).rest, meeting.way(1, pair[1]).rest})) {
+            differences.push_back({meeting.toGo(pair), {}});
+        }
+        return differences;
+    }
+
+    // Goes by all events of a type from a pair of states.
+    void visit(const Meeting& meeting, std::size_t index, EventType type) {
+        const std::size_t events = nodes[index].events + (index == 0 ? 0 : 1);
+        if (!meeting.isWhole()) {
+            noteGap(events);
+        }
+        for (const Meeting::Pair& pair : meeting.pairs()) {
+            const Both<std::size_t> next = {meeting.way(0, pair[0]).rest, meeting.way(1, pair[1]).rest};
+            const auto differences = differencesOf(meeting, pair);
+            for (std::size_t each = 0; each < differences.size() && changes.size() < kMostChanges; ++each) {
+                const Verdict verdict = ask(meeting, differences[each].question);
+                if (verdict == Verdict::Yes) {
+                    // With what events must have first, the most telling one is the first.
+                    changes.push_back({index, type, pair, each});
+                    break;
+                } else if (verdict == Verdict::Undecided) {
+                    noteGap(events);
+                }
+            }
+            if (changes.empty() && !seen.contains(next)) {
+                const Verdict verdict = ask(meeting, meeting.toGo(pair));
+                if (verdict == Verdict::Yes) {
+                    add({next, index, type, {}, events, pair});
+                } else if (verdict == Verdict::Undecided) {
+                    noteGap(events);
+                }
+            }
+        }
+    }
+
+    // Does the same where the same transitions listen in both states and nothing is drawn: each event fires the same
+    // one of either. Returns false if it cannot.
+    bool visitAlike(std::size_t index, EventType type) {
+        const Node from = nodes[index];
+        const Both<const std::vector<std::size_t>*> transitions = {&machines[0]->listening(from.states[0], type),
+                                                                   &machines[1]->listening(from.states[1], type)};
+        if (transitions[0]->size() != transitions[1]->size()) {
+            return false;
+        }
+        std::vector<std::size_t> conditions;
+        for (std::size_t place = 0; place < transitions[0]->size(); ++place) {
+            const auto condition = differ.oldConditions[(*transitions[0])[place]];
+            if (!condition || condition != newConditions[(*transitions[1])[place]]) {
+                return false;
+            }
+            conditions.push_back(*condition);
+        }
+        const Firings& firings = firingsOf(from.states[0], type, std::move(conditions));
+        std::vector<Both<std::size_t>> next;
+        for (std::size_t place = 0; place < firings.size(); ++place) {
+            const auto& through = machines[0]->wayThrough((*transitions[0])[place]);
+            const auto& newThrough = machines[1]->wayThrough((*transitions[1])[place]);
+            if (!through || !newThrough) {
+                return false;
+            }
+            const auto& [verdict, canOtherwise] = firings[place];
+            next.push_back({through->rest, newThrough->rest});
+            const bool isSame = through->effects == newThrough->effects && !differInName(next.back());
+            if (!isSame && (verdict != Verdict::No || canOtherwise)) {
+                return false;
+            }
+        }
+        for (std::size_t place = 0; place < firings.size(); ++place) {
+            const auto& [verdict, canOtherwise] = firings[place];
+            isUnrecordable = isUnrecordable || canOtherwise;
+            if (verdict == Verdict::Undecided && !seen.contains(next[place])) {
+                noteGap(from.events + 1);
+            } else if (verdict == Verdict::Yes || (canOtherwise && which == Values::All)) {
+                add({next[place], index, type, {place, place}, from.events + 1});
+            }
+        }
+        return true;
+    }
+
+    const Firings& firingsOf(std::size_t state, EventType type, std::vector<std::size_t> conditions) {
+        const auto [place, isNew] = differ.firings.try_emplace({type, std::move(conditions)});
+        Firings& firings = place->second;
+        if (isNew) {
+            const Ways& ways = machines[0]->waysFrom(state, type);
+            const Meeting meeting(type, {&ways, &ways}, differ.surroundings);
+            firings.assign(machines[0]->listening(state, type).size(), {Verdict::No, false});
+            for (std::size_t way = 0; way < ways.ways.size(); ++way) {
+                if (ways.ways[way].place < firings.size()) {
+                    const auto question = meeting.toGo({way, way});
+                    Effort part{std::min(effort.left, kMostOfQuestion), effort.interruption};
+                    const std::uint64_t before = part.left;
+                    const Verdict verdict = meeting.decide(question, Values::Recordable, part);
+                    const bool canOtherwise =
+                        verdict == Verdict::No && meeting.decide(question, Values::All, part) != Verdict::No;
+                    firings[ways.ways[way].place] = {verdict, canOtherwise};
+                    effort.spend(before - part.left);
+                }
+            }
+        }
+        return firings;
+    }
+
+    MachineDiff difference() {
+        const Change& first = changes.front();
+        const Both<std::size_t> last = nodes[first.node].states;
+        MachineDiff diff{MachineDiff::Verdict::Different, nodes[first.node].events + (first.node == 0 ? 0 : 1)};
+        diff.isShortest = diff.events <= gap;
+        bool isDecided = planUntil(first.node, diff.plan);
+        for (const Change& each : changes) {
+            const Both<Ways> start = {machines[0]->waysFromStart(), machines[1]->waysFromStart()};
+            const bool isAtStart = each.node == 0;
+            const Meeting meeting(isAtStart ? kAnyType : each.type,
+                                  {isAtStart ? &start[0] : &machines[0]->waysFrom(last[0], each.type),
+                                   isAtStart ? &start[1] : &machines[1]->waysFrom(last[1], each.type)},
+                                  differ.surroundings);
+            const auto [question, outcomes] = differencesOf(meeting, each.pair)[each.index];
+            const auto occasion = meeting.occasionFor(each.pair, question, effort);
+            isDecided = isDecided && occasion;
+            if (!isDecided) {
+                break;
+            }
+            if (&each == &first) {
+                append(*occasion, isAtStart, diff.plan);
+            }
+            diff.changes.push_back(
+                {each.type, outcomes, meeting.extentsAround(*occasion, question, effort), !occasion->numbers.empty()});
+        }
+        if (!isDecided) {
+            return {MachineDiff::Verdict::Undecided, diff.events};
+        }
+        const bool isDrawn = std::ranges::any_of(diff.plan.draws, [](const auto& each) { return !each.empty(); });
+        diff.areOddsSame = isDrawn && haveSameOdds({machines[0], machines[1]}, differ.surroundings);
+        diff.states = {std::string(machines[0]->stateName(last[0])), std::string(machines[1]->stateName(last[1]))};
+        return diff;
+    }
+
+    static void append(const Meeting::Occasion& occasion, bool isAtStart, Plan& plan) {
+        if (!isAtStart) {
+            plan.events.push_back(occasion.record);
+        }
+        plan.draws.push_back(occasion.numbers);
+        plan.odds.push_back(1);
+    }
+
+    // Adds what leads to the node. Returns false if it could not be found within the effort.
+    bool planUntil(std::size_t node, Plan& plan) {
+        std::vector<std::size_t> steps;
+        for (; node != 0; node = nodes[node].before) {
+            steps.push_back(node);
+        }
+        std::ranges::reverse(steps);
+        for (const std::size_t step : steps) {
+            const Node& to = nodes[step];
+            const bool isAtStart = to.before == 0;
+            const Both<std::size_t> from = nodes[to.before].states;
+            const Both<Ways> start = {machines[0]->waysFromStart(), machines[1]->waysFromStart()};
+            const Both<const Ways*> ways = {isAtStart ? &start[0] : &machines[0]->waysFrom(from[0], to.type),
+                                            isAtStart ? &start[1] : &machines[1]->waysFrom(from[1], to.type)};
+            const Meeting meeting(isAtStart ? kAnyType : to.type, ways, differ.surroundings);
+            Meeting::Pair pair = {};
+            for (std::size_t side = 0; side < machines.size(); ++side) {
+                const auto found = std::ranges::find(ways[side]->ways, to.places[side], &Way::place);
+                pair[side] = static_cast<std::size_t>(found - ways[side]->ways.begin());
+            }
+            pair = to.pair.value_or(pair);
+            const auto occasion = meeting.occasionFor(pair, meeting.toGo(pair), effort);
+            if (!occasion) {
+                return false;
+            }
+            append(*occasion, isAtStart, plan);
+        }
+        return true;
+    }
+
+    Differ& differ;
+    Effort& effort;
+    const Values which;
+    const Both<WayFinder*> machines;
+    const std::vector<std::optional<std::size_t>> newConditions;
+    std::vector<Node> nodes;  // the first one is before the start
+    std::set<Both<std::size_t>> seen;
+    std::vector<Change> changes;
+    std::size_t gap = kNone;  // the least number of events after which something was not decided
+    bool isUnrecordable = false;
+};
+
+Differ::Differ(const ConfigModel& config, const Surroundings& surroundings, States states)
+    : surroundings(surroundings), states(states), old(config, surroundings), oldConditions(conditionsOf(config)) {}
+
+std::vector<std::optional<std::size_t>> Differ::conditionsOf(const ConfigModel& config) {
+    std::vector<std::optional<std::size_t>> numbers;
+    for (const TransitionModel& transition : config.transitions) {
+        std::vector<FilterText> texts;
+        for (const FilterModel& each : transition.filters) {
+            texts.emplace_back(each.op, each.valueType, each.operand1.operand.type, each.operand1.operand.value,
+                               each.operand2.operand.type, each.operand2.operand.value);
+        }
+        const bool isDrawn = std::ranges::any_of(transition.filters, draws);
+        const std::size_t number = conditions.emplace(std::move(texts), conditions.size()).first->second;
+        numbers.push_back(isDrawn ? std::nullopt : std::optional(number));
+    }
+    return numbers;
+}
+
+MachineDiff Differ::to(const ConfigModel& changed) {
+    WayFinder finder(changed, surroundings);
+    Search search(*this, finder, Values::Recordable);
+    const MachineDiff diff = search.run();
+    const bool canBeOtherwise = diff.verdict == MachineDiff::Verdict::Same && search.hasUnrecordable();
+    return canBeOtherwise ? Search(*this, finder, Values::All).run() : diff;
+}
+
+}  // namespace Brenta::OS::VIG::Tool

@@ -1,0 +1,91 @@
+#pragma once
+
+#include <cstddef>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <tuple>
+#include <utility>
+#include <vector>
+
+#include "tools/vig/decide/Behaviour.h"
+#include "tools/vig/decide/Junction.h"
+#include "tools/vig/diff/Meeting.h"
+#include "tools/vig/diff/Ways.h"
+#include "tools/vig/document/RuleModel.h"
+
+namespace Brenta::OS::VIG::Tool {
+
+// It says whether two machines do the same by any events: ask for the same collections and log the same lines, event by
+// event. While one event is offered, the k-th number that either of them draws is the same.
+struct MachineDiff {
+    enum class Verdict {
+        Same,
+        Different,
+        Unrecordable,  // they differ, but only an infinity, NaN or a text that is no UTF-8 shows it
+        Undecided
+    };
+
+    // It is one kind of event by which they do other things than each other, after the same recording.
+    struct Change {
+        RulesEngine::EventType event;
+        Both<Outcome> outcomes;
+        std::vector<Extent> extents;  // of the attributes of which it matters; the names are the documents'
+        bool isDrawn;                 // what is drawn matters, too
+    };
+
+    Verdict verdict;
+    std::size_t events = 0;            // Different: of the recording; Undecided: so many, less one, show no difference
+    bool isShortest = true;            // otherwise some shorter recording was not decided
+    bool areOddsSame = false;          // it is as probable that one of them does something as that the other one does
+    Plan plan = {};                    // what either of them is offered and draws, after which they have differed
+    Both<std::string> states = {};     // in which they wait for the last event
+    std::vector<Change> changes = {};  // by the last event, that of the plan first; none if they differ from the start
+};
+
+// Compares a machine with changed ones, each by a search for the shortest recording that tells them apart. Used on one
+// thread.
+class Differ {
+  public:
+    enum class States {
+        Ignored,
+        Compared  // the names of those in which the machines wait have to be the same, too
+    };
+
+    // All must outlive it.
+    Differ(const ConfigModel& old, const Surroundings& surroundings, States states = States::Ignored);
+    Differ(const Differ&) = delete;
+    Differ& operator=(const Differ&) = delete;
+
+    // Nothing of the model but what its transitions say is asked.
+    MachineDiff to(const ConfigModel& changed);
+
+  private:
+    class Search;
+
+    // Filters and event types as documents write them are told apart by numbers.
+    using FilterText =
+        std::tuple<FilterOperator, FilterValueType, FilterOperand::Type, std::string, FilterOperand::Type, std::string>;
+
+    // It says whether an event fires a transition: one that a record can hold, or else any other one.
+    struct Firing {
+        Verdict verdict;
+        bool isUnrecordable;
+    };
+    using Firings = std::vector<Firing>;
+
+    // Returns the filters of each transition as a number; nothing where something is drawn.
+    std::vector<std::optional<std::size_t>> conditionsOf(const ConfigModel& config);
+
+    const Surroundings& surroundings;
+    const States states;
+    WayFinder old;
+    std::map<std::vector<FilterText>, std::size_t> conditions;
+    const std::vector<std::optional<std::size_t>> oldConditions;  // of its transitions
+
+    // It is kept, for transitions with such filters in that order that listen together for such an event.
+    std::map<std::pair<RulesEngine::EventType, std::vector<std::size_t>>, Firings> firings;
+};
+
+}  // namespace Brenta::OS::VIG::Tool
