@@ -5,7 +5,6 @@ namespace Brenta::OS::VIG::Tool {
 Verbs::Verbs() {
     addCheck(commandLine, check);
     addProve(commandLine, prove);
-    addDiff(commandLine, diff);
     addRun(commandLine, run);
     addDiff(commandLine, diff);
     addSummary(commandLine, summary);

@@ -4,7 +4,6 @@
 #include "tools/vig/check/CheckCommand.h"
 #include "tools/vig/commandline/CommandLine.h"
 #include "tools/vig/decide/ProveCommand.h"
-#include "tools/vig/diff/DiffCommand.h"
 #include "tools/vig/fleet/FleetCommand.h"
 #include "tools/vig/fleet/FleetDiffCommand.h"
 #include "tools/vig/fleet/SummaryCommand.h"
@@ -21,7 +20,6 @@ struct Verbs {
     CommandLine commandLine;
     CheckOptions check;
     ProveOptions prove;
-    DiffOptions diff;
     FleetOptions run;
     FleetDiffOptions diff;
     SummaryOptions summary;

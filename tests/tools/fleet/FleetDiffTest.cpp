@@ -46,7 +46,7 @@ std::size_t count(const std::string& text, const std::string& part) {
 class FleetDiff : public testing::Test {
   protected:
     FleetDiff() {
-        options.format = ReportFormat::Json;
+        options.format.ofDevices = ReportFormat::Json;
         for (std::size_t i = 0; i < 40; ++i) {
             std::string records;
             for (std::size_t k = 0; k < i % 7 + 1; ++k) {
@@ -76,11 +76,11 @@ TEST_F(FleetDiff, PartsMergedEqualTheWholeByteForByteWhateverTheNumberOfThreads)
     EXPECT_EQ(whole.status, 1);
     options.threads = 4;
     EXPECT_EQ(diff(old, now).out, whole.out);
-    options.format = ReportFormat::Text;
+    options.format.ofDevices = ReportFormat::Text;
     const std::string all = diff(old, now).out;
     options.threads = 1;
     EXPECT_EQ(diff(old, now).out, all);
-    options.format = ReportFormat::Json;
+    options.format.ofDevices = ReportFormat::Json;
     SummaryOptions parts{{}, ReportFormat::Json};
     const std::vector<std::string> devices = std::exchange(options.devices, {});
     for (std::size_t i = 0; i < devices.size(); ++i) {
@@ -144,7 +144,7 @@ TEST(PairDraws, EachDeviceMachineEventAndDrawHasANumberOfItsOwn) {
 }
 
 TEST_F(FleetDiff, ExplanationIsOfWhatTheMachinesDid) {
-    options.format = ReportFormat::Jsonl;
+    options.format.ofDevices = ReportFormat::Jsonl;
     const std::vector<std::string> lines = linesWith(diff({sampling("0.3")}, {sampling("0.6")}).out, R"({"type":"dev)");
     EXPECT_GT(lines.size(), 5u);
     for (const std::string& line : lines) {
@@ -158,7 +158,7 @@ TEST_F(FleetDiff, ExplanationIsOfWhatTheMachinesDid) {
 }
 
 TEST_F(FleetDiff, LongExplanationIsCut) {
-    options.format = ReportFormat::Text;
+    options.format.ofDevices = ReportFormat::Text;
     options.devices = {folder.write("d", "{\"event\":\"Test\"}\n")};
     const std::string cycle = transition("a", "a", "EnteringState", "[]", kTrigger);
     const std::string text = diff({config(7, {})}, {config(7, {transition("start", "a", "Test"), cycle})}).out;

@@ -143,8 +143,12 @@ A device that fails, and standard input, stand among the others, on one thread a
 
 What is not fit to be compared:
 
-  $ vig diff old.json new.json
-  vig: error: give files of event records
+  $ vig diff old.json new.json --summary-only
+  vig: error: jsonl, --summary-only and --draw are for files of event records
+  Try: vig diff --help
+  [2]
+  $ vig diff old.json new.json same --states
+  vig: error: markdown, --states and --catalogue are for documents without event records
   Try: vig diff --help
   [2]
   $ vig diff old.json new.json - -

@@ -104,7 +104,7 @@ class DiffRunner::Side final : public NoReport {
     double draw(std::size_t pair) { return runner.draws.next(runner.plan.pairs[pair]); }
 
     Doings& doings(std::size_t index) {
-        OfBoth<Doings>& both = runner.doings[pairs[index]];
+        Both<Doings>& both = runner.doings[pairs[index]];
         if (both[kOld].isEmpty() && both[kNew].isEmpty()) {
             runner.active.push_back(pairs[index]);
         }

@@ -25,7 +25,7 @@ namespace Brenta::OS::VIG::Tool {
 
 // All devices of a fleet have this in common. It is used by several threads at once, none of which changes it.
 struct DiffPlan {
-    const OfBoth<const DocumentModel*> documents;
+    const Both<const DocumentModel*> documents;
     const std::vector<MachinePair> pairs;  // of them
     const VIGParserConfig registry;        // the library's own
     const AttributeSet& context;
@@ -82,9 +82,9 @@ class DiffRunner {
 
     const DiffPlan& plan;
     PairDraws draws;
-    std::vector<OfBoth<Doings>> doings;  // of each pair, by the event that is being offered
-    std::vector<std::size_t> active;     // the pairs of which they are not empty
-    OfBoth<std::unique_ptr<Side>> sides;
+    std::vector<Both<Doings>> doings;  // of each pair, by the event that is being offered
+    std::vector<std::size_t> active;   // the pairs of which they are not empty
+    Both<std::unique_ptr<Side>> sides;
     DeviceDiff diff;  // of the device that runs
     std::optional<Parting> parting;
 };

@@ -69,7 +69,7 @@ bool DiffSummary::Example::comesBefore(const Example& other) const {
 }
 
 DiffSummary DiffSummary::of(const DocumentModel& old, const DocumentModel& now) {
-    const OfBoth<const DocumentModel*> documents = {&old, &now};
+    const Both<const DocumentModel*> documents = {&old, &now};
     DiffSummary summary;
     for (const std::size_t side : {kOld, kNew}) {
         summary.documentHashes[side] = fmt::format("{:016x}", hashOf(documents[side]->text.source().text()));

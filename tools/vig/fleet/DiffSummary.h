@@ -30,7 +30,7 @@ inline constexpr std::array<std::string_view, 7> kDeviceChangeNames = {"newly", 
 
 // It tells what both documents did on one device, all machines of them or two with the same id.
 struct BothDid {
-    OfBoth<std::uint64_t> triggers = {};
+    Both<std::uint64_t> triggers = {};
     bool triggersDiffer = false;  // by any event
     bool logsDiffer = false;
 
@@ -55,7 +55,7 @@ struct DeviceDiff {
 struct DiffSummary {
     struct Count {
         std::array<std::uint64_t, kDeviceChangeNames.size()> devices = {};  // with each change
-        OfBoth<std::uint64_t> triggers = {};
+        Both<std::uint64_t> triggers = {};
 
         void add(const Count& other);
         void add(const BothDid& device);
@@ -65,7 +65,7 @@ struct DiffSummary {
 
     struct Machine {
         std::int64_t id;
-        OfBoth<std::string> paths;  // of its configuration in each document; empty if it has none
+        Both<std::string> paths;  // of its configuration in each document; empty if it has none
         Count count = {};
     };
 
@@ -73,7 +73,7 @@ struct DiffSummary {
     struct Example {
         DeviceChange change;
         std::string device;  // well-formed UTF-8
-        OfBoth<std::uint64_t> triggers;
+        Both<std::uint64_t> triggers;
         std::uint64_t event;  // by which the documents first differ there
 
         // The order is that of the changes, then of how much they are, then of the names.
@@ -101,8 +101,8 @@ struct DiffSummary {
 
     bool isDifferent() const { return all.of(DeviceChange::None) != devices(); }
 
-    OfBoth<std::string> documentHashes;  // of their texts
-    Count all;                           // machines together
+    Both<std::string> documentHashes;  // of their texts
+    Count all;                         // machines together
     std::vector<Machine> machines;
     std::vector<Example> examples;  // the first few of each change
     std::uint64_t failed = 0;       // see FleetSummary

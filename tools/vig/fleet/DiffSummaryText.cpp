@@ -27,7 +27,7 @@ std::string placeOf(const DiffSummary::Machine& machine) {
     return fmt::format("id {} ({})", machine.id, printable(place));
 }
 
-std::string jsonOf(const OfBoth<std::uint64_t>& numbers) {
+std::string jsonOf(const Both<std::uint64_t>& numbers) {
     return fmt::format(R"({{"old":{},"new":{}}})", numbers[kOld], numbers[kNew]);
 }
 

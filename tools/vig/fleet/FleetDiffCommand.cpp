@@ -1,43 +1,24 @@
 #include "tools/vig/fleet/FleetDiffCommand.h"
 
-#include <fmt/format.h>
-
 #include <algorithm>
 #include <memory>
 #include <optional>
 
+#include "tools/vig/catalogue/CatalogueCommand.h"
 #include "tools/vig/commandline/CommandLine.h"
 #include "tools/vig/document/Registry.h"
+#include "tools/vig/fleet/DeviceRunner.h"
 #include "tools/vig/fleet/DiffRunner.h"
 #include "tools/vig/fleet/DiffSummary.h"
 #include "tools/vig/fleet/Fleet.h"
 #include "tools/vig/io/Output.h"
-#include "tools/vig/run/RuleSession.h"
+#include "tools/vig/run/PlatformServices.h"
 
 namespace Brenta::OS::VIG::Tool {
 
 namespace {
 
 constexpr int kExitDifferent = 1;
-
-// Loads a document in a session of its own. If that fails, says why and returns the exit status.
-std::optional<int> load(const std::string& path, const AttributeSet& context, Report& report, const Console& console,
-                        const Interruption& interruption, std::optional<RuleSession>& session) {
-    session.emplace(path, Draws(), context, report, nullptr);
-    switch (session->load(RuleSession::Changes::Ignore, interruption)) {
-        case RuleSession::Loading::Done:
-            return std::nullopt;
-        case RuleSession::Loading::Refused:
-            console.say(fmt::format("{}: error: {}; `vig check` tells what is wrong", path, session->problem()));
-            return kExitUnusable;
-        case RuleSession::Loading::Unreadable:
-            console.complain(path + ": " + session->problem());
-            return kExitUnusable;
-        case RuleSession::Loading::Interrupted:
-            break;
-    }
-    return kExitInterrupted;
-}
 
 std::string summaryOf(const DiffSummary& summary, ReportFormat format) {
     switch (format) {
@@ -60,20 +41,19 @@ int fleetDiff(const FleetDiffOptions& options, const Console& console, const Int
     if (const auto status = readContext(options.contextFile, console, interruption, context)) {
         return *status;
     }
-    // The session of the new document stands in for the platform while the devices run.
-    NoReport report;
-    std::optional<RuleSession> session;
-    if (const auto status = load(options.rules, context, report, console, interruption, session)) {
-        return *status;
+    const auto oldText = readRules(options.rules, console, interruption);
+    const auto newText = oldText ? readRules(options.newRules, console, interruption) : std::nullopt;
+    if (!newText) {
+        return interruption.requested() ? kExitInterrupted : kExitUnusable;
     }
-    const DocumentModel old(options.rules, session->document().text.source().text());
-    if (const auto status = load(options.newRules, context, report, console, interruption, session)) {
-        return *status;
-    }
-    const DocumentModel& now = session->document();
-    const DiffPlan plan{{&old, &now}, pairsOf(old, now), libraryRegistry(),
-                        context,      options.draws,     options.summaryOnly ? ReportFormat::None : options.format,
-                        console,      interruption};
+    const DocumentModel old(options.rules, *oldText);
+    const DocumentModel now(options.newRules, *newText);
+    NoReceiver quiet;
+    const PlatformServices services(quiet);
+    const DiffPlan plan{{&old, &now},      pairsOf(old, now),
+                        libraryRegistry(), context,
+                        options.draws,     options.summaryOnly ? ReportFormat::None : options.format.ofDevices,
+                        console,           interruption};
     Output output(console.out);
     DiffSummary summary = DiffSummary::of(old, now);
     Fleet devices(options.devices, console, interruption, output);
@@ -84,7 +64,7 @@ int fleetDiff(const FleetDiffOptions& options, const Console& console, const Int
             return Fleet::Ended{diff.problem, [&summary, diff] { summary.add(diff); }};
         };
     });
-    output.write(summaryOf(summary, options.format));
+    output.write(summaryOf(summary, options.format.ofDevices));
     const int status = summary.isDifferent() ? kExitDifferent : kExitDone;
     return console.finish(output, interruption.requested() ? kExitInterrupted
                                   : summary.failed > 0     ? kExitUnusable
@@ -94,7 +74,10 @@ int fleetDiff(const FleetDiffOptions& options, const Console& console, const Int
 namespace {
 
 constexpr const char* kHelp =
-    R"(Each file is the recording of a device, as `vig run` takes it. It is read once, and each event offered to the machines
+    R"(Without files of events, both documents are compared for all events: each two machines are proved to do the same, or
+shown to differ by a shortest recording. The exit status is 0 if they do the same, 1 if not, 3 if it is not decided.
+
+Each file is the recording of a device, as `vig run` takes it. It is read once, and each event offered to the machines
 of both documents. Machines belong together if their configurations have the same id. What counts is what can be seen:
 the triggers and the log lines by each event, not the states.
 
@@ -108,12 +91,22 @@ otherwise. --format json gives the summary alone, which `vig summary` reads, jso
 
 The exit status is 0 if nothing differs, 1 if something does, 2 if a file cannot be read.
 
-Example: on which devices of a fleet does a change matter?
+Example: does a change matter, and on which devices of a fleet?
+  vig diff old.json new.json
   vig diff old.json new.json devices/*.jsonl.gz --summary-only)";
 
 int diff(const FleetDiffOptions& options, const Console& console, const Interruption& interruption) {
     if (options.devices.empty()) {
-        return refuseArguments(console, "give files of event records", "diff");
+        if (!options.format.ofDocuments || options.summaryOnly || !options.draws.numbers.empty()) {
+            return refuseArguments(console, "jsonl, --summary-only and --draw are for files of event records", "diff");
+        }
+        return diffDocuments({options.rules, options.newRules, *options.format.ofDocuments, options.contextFile,
+                              options.catalogueFile, options.states},
+                             console, interruption);
+    }
+    if (options.format.ofDevices == ReportFormat::None || options.states || !options.catalogueFile.empty()) {
+        return refuseArguments(console, "markdown, --states and --catalogue are for documents without event records",
+                               "diff");
     }
     if (std::ranges::count(options.devices, "-") > 1) {
         return refuseArguments(console, "standard input can be one device only", "diff");
@@ -124,13 +117,19 @@ int diff(const FleetDiffOptions& options, const Console& console, const Interrup
 }  // namespace
 
 void addDiff(CommandLine& commandLine, FleetDiffOptions& options) {
-    Verb verb =
-        commandLine.addVerb("diff", "Compares what two rule documents do with recorded events.", kHelp, diff, options);
+    Verb verb = commandLine.addVerb("diff", "Compares what two rule documents do, for all events or for recorded ones.",
+                                    kHelp, diff, options);
     verb.argument("OLD", options.rules, Verb::Need::Required, "The rule document as it was");
     verb.argument("NEW", options.newRules, Verb::Need::Required, "The rule document that takes its place");
     verb.choice("--format", options.format,
-                {{"text", ReportFormat::Text}, {"jsonl", ReportFormat::Jsonl}, {"json", ReportFormat::Json}},
-                "text for people, jsonl for programs, json for a summary alone");
+                {{"text", {DiffFormat::Text, ReportFormat::Text}},
+                 {"json", {DiffFormat::Json, ReportFormat::Json}},
+                 {"jsonl", {std::nullopt, ReportFormat::Jsonl}},
+                 {"markdown", {DiffFormat::Markdown, ReportFormat::None}}},
+                "text for people, json for programs, and for a summary alone; jsonl, with EVENTS, for each device; "
+                "markdown, without, for a comment of a review");
+    verb.flag("--states", options.states, "The names of states count, too; without EVENTS");
+    addCatalogueFile(verb, options.catalogueFile);
     addSurroundings(verb, options, "; each device draws by the seed and its name");
     verb.argument("EVENTS", options.devices, Verb::Need::Optional,
                   "The event records, a file for each device; -, which is standard input, may be one");

@@ -41,8 +41,8 @@ struct Doings {
 struct Parting {
     struct Machine {
         const MachinePair* pair;
-        OfBoth<Doings> doings;
-        OfBoth<std::vector<Step>> steps;  // how they came to that; they refer to the documents
+        Both<Doings> doings;
+        Both<std::vector<Step>> steps;  // how they came to that; they refer to the documents
     };
 
     std::uint64_t event;  // counted from 1; 0 while the machines are started

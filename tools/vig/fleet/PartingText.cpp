@@ -17,7 +17,7 @@ namespace Brenta::OS::VIG::Tool {
 namespace {
 
 constexpr std::size_t kMostLines = 50;  // a cycle of EnteringState transitions makes a thousand steps
-constexpr OfBoth<std::string_view> kSides = {"old", "new"};
+constexpr Both<std::string_view> kSides = {"old", "new"};
 
 constexpr std::array<std::string_view, kDeviceChangeNames.size()> kSentences = {"triggers newly",
                                                                                 "triggers no longer",

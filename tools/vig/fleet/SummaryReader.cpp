@@ -216,11 +216,11 @@ class DiffSummaryParser : private NumberParser {
     }
 
   private:
-    static constexpr OfBoth<const char*> kSides = {"old", "new"};
+    static constexpr Both<const char*> kSides = {"old", "new"};
 
     // Neither number is larger than that of `most`.
-    OfBoth<std::uint64_t> both(const Json::Value& object, const std::string& path, OfBoth<std::uint64_t> most) {
-        OfBoth<std::uint64_t> result = {};
+    Both<std::uint64_t> both(const Json::Value& object, const std::string& path, Both<std::uint64_t> most) {
+        Both<std::uint64_t> result = {};
         if (json.isObject(object, path, {"old", "new"})) {
             for (const std::size_t side : {kOld, kNew}) {
                 result[side] = number(object, kSides[side], path, 0, most[side]);
@@ -229,7 +229,7 @@ class DiffSummaryParser : private NumberParser {
         return result;
     }
 
-    DiffSummary::Count count(const Json::Value& object, const std::string& path, OfBoth<std::uint64_t> most) {
+    DiffSummary::Count count(const Json::Value& object, const std::string& path, Both<std::uint64_t> most) {
         DiffSummary::Count result;
         result.triggers = both(object["triggers"], StrictJson::member(path, "triggers"), most);
         const std::string place = StrictJson::member(path, "changes");
@@ -251,19 +251,19 @@ class DiffSummaryParser : private NumberParser {
         if (!json.isArray(array, path)) {
             return;
         }
-        OfBoth<std::uint64_t> left = result.all.triggers;
+        Both<std::uint64_t> left = result.all.triggers;
         StrictJson::forEach(array, path, [&](const Json::Value& each, const std::string& place) {
             if (json.isObject(each, place, {"id", "old", "new", "triggers", "changes"})) {
                 result.machines.push_back(machine(each, place, left));
             }
         });
-        if (left != OfBoth<std::uint64_t>{}) {
+        if (left != Both<std::uint64_t>{}) {
             json.complain(array, path, "fewer triggers than there are");
         }
     }
 
     // Takes its triggers from those that are `left`.
-    DiffSummary::Machine machine(const Json::Value& object, const std::string& path, OfBoth<std::uint64_t>& left) {
+    DiffSummary::Machine machine(const Json::Value& object, const std::string& path, Both<std::uint64_t>& left) {
         DiffSummary::Machine result{0, {}};
         json.hasMember(object, "id", path);
         using Limits = std::numeric_limits<std::int64_t>;
