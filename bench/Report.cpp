@@ -155,6 +155,7 @@ std::vector<Comparison> comparisons() {
                       "random/vig, two threads", "random/std, two threads", 0});
     result.push_back({"`vig run`, 1,000,000 records", "simdjson", "run/1000000/vig", "run/1000000/simdjson", 3.0});
     result.push_back({"`vig run`, 100,000 records", "`jq`", "run/100000/vig", "run/100000/jq", 1.0 / 30});
+    result.push_back({"`vig diff`, 1,000 devices, each machine changed", "`vig run`", "fleet/diff", "fleet/run", 1.3});
     result.push_back({"`vig check`, 5,000 transitions", "2,500 of them", "check/5000", "check/2500", 1.15, 0, 2});
     result.push_back({"`vig check`, 10,000 transitions", "2,500 of them", "check/10000", "check/2500", 1.15, 0, 4});
     result.push_back({"`vig check`, 20,000 transitions", "2,500 of them", "check/20000", "check/2500", 1.15, 0, 8});

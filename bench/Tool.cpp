@@ -54,15 +54,17 @@ std::string transition(const char* from, const char* to, const char* op, std::si
 }
 
 constexpr std::array<std::size_t, 3> kLimits = {800'000, 801'000, 802'000};
+constexpr std::size_t kOtherLimit = 850'000;  // lets the same records pass as each of them
 
 // The document has three machines of five transitions: the third time that a process is over the limit is collected,
 // unless one that has hardly any memory comes in between.
-std::string rules() {
-    const std::filesystem::path path = folder() / "rules.json";
+std::string rules(const std::array<std::size_t, 3>& limits) {
+    const std::filesystem::path path = folder() / fmt::format("rules{}.json", limits[0]);
     std::string configs;
-    for (const std::size_t limit : kLimits) {
+    for (std::size_t id = 0; id < limits.size(); ++id) {
+        const std::size_t limit = limits[id];
         configs += (configs.empty() ? "" : ",") +
-                   fmt::format(R"({{"id":{},"payload":{{"id":1,"data":{{"transitions":[)", limit) +
+                   fmt::format(R"({{"id":{},"payload":{{"id":1,"data":{{"transitions":[)", id) +
                    transition("start", "once", ">", limit, "") + "," + transition("once", "twice", ">", limit, "") +
                    "," + transition("once", "start", "<", 100, "") + "," +
                    transition("twice", "start", ">", limit, R"({"name":"TriggerVelora"})") + "," +
@@ -131,10 +133,28 @@ std::uint64_t readAll(const std::string& path) {
 }
 
 Scenario::Loop vigRun(std::size_t records) {
-    return [rulesPath = rules(), events = recording(records)](std::size_t times) {
+    return [rulesPath = rules(kLimits), events = recording(records)](std::size_t times) {
         double total = 0;
         for (std::size_t i = 0; i < times; ++i) {
             total += runProgram({VIG_TOOL, "run", rulesPath, events, "--format", "jsonl"});
+        }
+        return total;
+    };
+}
+
+// Makes recordings of so many devices and runs the tool over them.
+Scenario::Loop vigOverFleet(std::size_t devices, std::vector<std::string> command) {
+    const std::string one = recording(1'000);
+    command.insert(command.begin(), VIG_TOOL);
+    command.insert(command.end(), {"--summary-only", "-j", "1"});
+    for (std::size_t device = 0; device < devices; ++device) {
+        command.push_back(folder() / fmt::format("device{}.jsonl", device));
+        std::filesystem::copy_file(one, command.back(), std::filesystem::copy_options::skip_existing);
+    }
+    return [command](std::size_t times) {
+        double total = 0;
+        for (std::size_t i = 0; i < times; ++i) {
+            total += runProgram(command);
         }
         return total;
     };
@@ -207,6 +227,12 @@ void addTool(std::vector<Scenario>& scenarios) {
                                  return total;
                              };
                          }});
+    constexpr std::size_t kDevices = 1'000;
+    scenarios.push_back({"fleet/run", 1, [] { return vigOverFleet(kDevices, {"run", rules(kLimits)}); }});
+    scenarios.push_back(
+        {"fleet/diff", 1, [] {
+             return vigOverFleet(kDevices, {"diff", rules(kLimits), rules({kOtherLimit, kOtherLimit, kOtherLimit})});
+         }});
     for (const std::size_t transitions : {2'500, 5'000, 10'000, 20'000}) {
         scenarios.push_back({fmt::format("check/{}", transitions), 1, [transitions] { return vigCheck(transitions); }});
     }

@@ -4,8 +4,8 @@
 #include "tools/vig/check/CheckCommand.h"
 #include "tools/vig/commandline/CommandLine.h"
 #include "tools/vig/decide/ProveCommand.h"
-#include "tools/vig/diff/DiffCommand.h"
 #include "tools/vig/fleet/FleetCommand.h"
+#include "tools/vig/fleet/FleetDiffCommand.h"
 #include "tools/vig/fleet/SummaryCommand.h"
 #include "tools/vig/graph/GraphCommand.h"
 #include "tools/vig/test/TestCommand.h"
@@ -21,8 +21,8 @@ struct Verbs {
     CommandLine commandLine;
     CheckOptions check;
     ProveOptions prove;
-    DiffOptions diff;
     FleetOptions run;
+    FleetDiffOptions diff;
     SummaryOptions summary;
     TuneOptions tune;
     WatchOptions watch;

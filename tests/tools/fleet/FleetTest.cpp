@@ -13,6 +13,7 @@
 #include "tests/support/Documents.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/tools/ToolRun.h"
+#include "tests/tools/fleet/ChangedText.h"
 #include "tools/vig/fleet/DeviceRunner.h"
 #include "tools/vig/fleet/FleetCommand.h"
 #include "tools/vig/fleet/FleetSummary.h"
@@ -49,15 +50,6 @@ std::string records(std::size_t count, bool withTest) {
 
 std::string triggering(int times) {
     return times == 0 ? "" : records(0, false) + triggering(times - 1);
-}
-
-// Returns the text with the first of one part exchanged; ' stands for the quotes of JSON.
-std::string changed(std::string text, std::string from, std::string to) {
-    std::ranges::replace(from, '\'', '"');
-    std::ranges::replace(to, '\'', '"');
-    const std::size_t place = text.find(from);
-    EXPECT_NE(place, std::string::npos) << from;
-    return place == std::string::npos ? text : text.replace(place, from.size(), to);
 }
 
 class Fleet : public testing::Test {

@@ -8,7 +8,6 @@
 
 #include "tools/vig/catalogue/Catalogue.h"
 #include "tools/vig/catalogue/CatalogueCommand.h"
-#include "tools/vig/commandline/CommandLine.h"
 #include "tools/vig/diff/DiffWriters.h"
 #include "tools/vig/diff/DocumentDiff.h"
 #include "tools/vig/document/Registry.h"
@@ -88,19 +87,6 @@ int diffDocuments(const DiffOptions& options, const Console& console, const Inte
     Output out(console.out);
     out.write(outputOf(diff, options.format, files));
     return console.finish(out, statusOf(diff));
-}
-
-void addDiff(CommandLine& commandLine, DiffOptions& options) {
-    Verb verb = commandLine.addVerb("diff", "Decides whether two rule documents do the same, for all events.", "help",
-                                    diffDocuments, options);
-    verb.argument("OLD", options.oldRules, Verb::Need::Required, "The rule document as it was");
-    verb.argument("NEW", options.newRules, Verb::Need::Required, "The rule document as it is to be");
-    verb.choice("--format", options.format,
-                {{"text", DiffFormat::Text}, {"json", DiffFormat::Json}, {"markdown", DiffFormat::Markdown}},
-                "text for people, json for programs, markdown for a comment of a review");
-    verb.flag("--states", options.states, "The names of states count, too");
-    addContext(verb, options.contextFile);
-    addCatalogueFile(verb, options.catalogueFile);
 }
 
 }  // namespace Brenta::OS::VIG::Tool

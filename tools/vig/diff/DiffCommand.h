@@ -7,8 +7,6 @@
 
 namespace Brenta::OS::VIG::Tool {
 
-class CommandLine;
-
 inline constexpr int kExitUndecided = 3;
 
 enum class DiffFormat { Text, Json, Markdown };
@@ -24,7 +22,5 @@ struct DiffOptions {
 
 // Decides whether two rule documents do the same by any events, and shows where not. Returns the exit status.
 int diffDocuments(const DiffOptions& options, const Console& console, const Interruption& interruption);
-
-void addDiff(CommandLine& commandLine, DiffOptions& options);
 
 }  // namespace Brenta::OS::VIG::Tool

@@ -67,4 +67,13 @@ using RecordedEvent = WithKeys<RulesEngine::Event>;                // built from
 using RecordedTimeoutEvent = WithKeys<RulesEngine::TimeoutEvent>;  // from the attributes and the timeout's identifier
 using RecordedContext = WithAttributes<RulesEngine::EvaluationContext>;
 
+// Calls `act` with the event of the record.
+void withEventOf(const EventRecord& record, const auto& act) {
+    if (record.type == RulesEngine::EventType::Timeout) {
+        act(RecordedTimeoutEvent(record.attributes, *record.timeoutId));
+    } else {
+        act(RecordedEvent(record.attributes, record.type));
+    }
+}
+
 }  // namespace Brenta::OS::VIG::Tool

@@ -9,9 +9,6 @@ constexpr std::size_t kMostText = std::size_t{1} << 18;  // of a device before i
 constexpr std::size_t kMostEnded = 64;                   // devices before their turn
 }  // namespace
 
-DeviceOrder::DeviceOrder(Output& output, std::function<void(const DeviceResult&)> ended)
-    : output(output), onEnd(std::move(ended)) {}
-
 int DeviceOrder::write(std::size_t device, std::string_view text) {
     std::unique_lock lock(mutex);
     std::string& kept = waiting[device].text;
@@ -23,10 +20,10 @@ int DeviceOrder::write(std::size_t device, std::string_view text) {
     return output.failure();
 }
 
-void DeviceOrder::end(std::size_t device, DeviceResult result) {
+void DeviceOrder::end(std::size_t device, std::function<void()> account) {
     std::unique_lock lock(mutex);
     moved.wait(lock, [&] { return turn == device || endedEarly < kMostEnded; });
-    waiting[device].result = std::move(result);
+    waiting[device].account = std::move(account);
     ++endedEarly;
     if (turn == device) {
         passOn();
@@ -43,10 +40,10 @@ bool DeviceOrder::failed() const {
 void DeviceOrder::passOn() {
     for (auto next = waiting.find(turn); next != waiting.end(); next = waiting.find(turn)) {
         output.write(std::exchange(next->second.text, {}));
-        if (!next->second.result) {
+        if (!next->second.account) {
             return;
         }
-        onEnd(*next->second.result);
+        next->second.account();
         waiting.erase(next);
         --endedEarly;
         ++turn;

@@ -5,11 +5,9 @@
 #include <functional>
 #include <map>
 #include <mutex>
-#include <optional>
 #include <string>
 #include <string_view>
 
-#include "tools/vig/fleet/FleetSummary.h"
 #include "tools/vig/io/Output.h"
 
 namespace Brenta::OS::VIG::Tool {
@@ -19,16 +17,16 @@ namespace Brenta::OS::VIG::Tool {
 // as each thread takes the lowest device that is left. Any thread.
 class DeviceOrder {
   public:
-    // `ended` is called with the result of each device in turn, after all of its text, by one thread at a time.
-    DeviceOrder(Output& output, std::function<void(const DeviceResult&)> ended);
+    explicit DeviceOrder(Output& output) : output(output) {}
     DeviceOrder(const DeviceOrder&) = delete;
     DeviceOrder& operator=(const DeviceOrder&) = delete;
 
     // Takes text of a device. Returns an errno value if the output has failed, else 0.
     int write(std::size_t device, std::string_view text);
 
-    // Nothing more comes from the device.
-    void end(std::size_t device, DeviceResult result);
+    // Nothing more comes from the device. `account` is called in its turn, after all of its text, by one thread at a
+    // time.
+    void end(std::size_t device, std::function<void()> account);
 
     // Returns true if nobody can read what is written.
     bool failed() const;
@@ -36,7 +34,7 @@ class DeviceOrder {
   private:
     struct Waiting {
         std::string text = {};
-        std::optional<DeviceResult> result = {};
+        std::function<void()> account = {};  // empty while it is at work
     };
 
     void passOn();
@@ -47,7 +45,6 @@ class DeviceOrder {
     std::map<std::size_t, Waiting> waiting;  // of the devices that are at work or have ended
     std::size_t turn = 0;
     std::size_t endedEarly = 0;  // how many of them have ended
-    const std::function<void(const DeviceResult&)> onEnd;
 };
 
 }  // namespace Brenta::OS::VIG::Tool

@@ -6,7 +6,6 @@
 #include "rulesengine/FuncFilter.h"
 #include "tools/vig/document/Registry.h"
 #include "tools/vig/events/EventReader.h"
-#include "tools/vig/run/PlatformServices.h"
 #include "tools/vig/run/Replay.h"
 #include "tools/vig/trace/RebuiltMachines.h"
 #include "tools/vig/words/Text.h"
@@ -19,22 +18,11 @@ using RulesEngine::Event;
 using RulesEngine::FuncFilter;
 using RulesEngine::Transition;
 
-namespace {
-
-// Drops what the parser logs, which has been reported when the document was delivered.
-class NoReceiver final : public PlatformServices::Receiver {
-  public:
-    void onLog(int /*priority*/, std::string_view /*tag*/, std::string_view /*message*/) override {}
-    void onTrigger(const vendor::orlan::velora::TriggerContext& /*context*/) override {}
-};
-
-MachineGroup::Configs parse(const DocumentModel& document, const VIGParserConfig& registry) {
+MachineGroup::Configs machinesOf(const DocumentModel& document, const VIGParserConfig& registry) {
     NoReceiver quiet;
     const PlatformServices::OnThread receiver(quiet);
     return std::move(*VIGResponseParser().parseFromString(document.text.source().text(), registry).value);
 }
-
-}  // namespace
 
 std::uint32_t deviceSeed(std::uint32_t seed, std::string_view name) {
     const std::uint64_t hash = hashOf(name);
@@ -42,7 +30,7 @@ std::uint32_t deviceSeed(std::uint32_t seed, std::string_view name) {
 }
 
 DeviceRunner::DeviceRunner(const FleetPlan& plan)
-    : plan(plan), parsed(parse(plan.document, withDraws(plan.registry, [this] { return draw(); }))) {}
+    : plan(plan), parsed(machinesOf(plan.document, withDraws(plan.registry, [this] { return draw(); }))) {}
 
 MachineGroup::Configs DeviceRunner::newMachines(FiredCounts& fired) const {
     for (const ConfigModel& each : plan.document.configs) {
@@ -76,7 +64,7 @@ DeviceResult DeviceRunner::run(const std::string& device, Output& output) {
         machines.adopt(newMachines(result.fired));
         const PlatformServices::OnThread receiver(machines);
         machines.start();
-        result.ended = replay.offerTo(machines, output, -1);
+        result.ended = replay.play([&](const EventRecord& record) { machines.offer(record); }, output, -1);
         if (replay.problem().empty()) {
             report->end(machines.summary());
         }

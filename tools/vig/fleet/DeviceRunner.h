@@ -13,6 +13,7 @@
 #include "tools/vig/io/Output.h"
 #include "tools/vig/run/Draws.h"
 #include "tools/vig/run/MachineGroup.h"
+#include "tools/vig/run/PlatformServices.h"
 #include "tools/vig/run/ReportWriters.h"
 #include "vig/parsers/VIGParserConfig.h"
 
@@ -29,6 +30,16 @@ struct FleetPlan {
     const Console& console;
     const Interruption& interruption;
 };
+
+// Drops what machines and the parser do, where nobody is to see it.
+class NoReceiver final : public PlatformServices::Receiver {
+  public:
+    void onLog(int /*priority*/, std::string_view /*tag*/, std::string_view /*message*/) override {}
+    void onTrigger(const vendor::orlan::velora::TriggerContext& /*context*/) override {}
+};
+
+// Returns machines of a document that has been accepted. What the parser logs has been reported then.
+MachineGroup::Configs machinesOf(const DocumentModel& document, const VIGParserConfig& registry);
 
 // Returns where the draws of a device begin: each has its own ones, which depend on nothing but its name and the seed
 // of the run.

@@ -3,77 +3,19 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <atomic>
-#include <cstddef>
+#include <memory>
 #include <utility>
 
 #include "tools/vig/commandline/CommandLine.h"
 #include "tools/vig/document/Registry.h"
-#include "tools/vig/events/EventReader.h"
-#include "tools/vig/fleet/DeviceOrder.h"
 #include "tools/vig/fleet/DeviceRunner.h"
+#include "tools/vig/fleet/Fleet.h"
 #include "tools/vig/fleet/FleetSummary.h"
 #include "tools/vig/fleet/Jobs.h"
-#include "tools/vig/words/Text.h"
 
 namespace Brenta::OS::VIG::Tool {
 
 namespace {
-
-// Runs the devices on several threads, this one included, and puts all that they do, and what is wrong with them, on
-// the console in their order, whatever the number of threads. REQUIRES: PlatformServices exist.
-class Fleet {
-  public:
-    Fleet(const FleetPlan& plan, const std::vector<std::string>& names, Output& output)
-        : plan(plan),
-          devices(names),
-          output(output),
-          summary(FleetSummary::of(plan.document)),
-          order(output, [this](const DeviceResult& result) { account(result); }) {}
-
-    FleetSummary run(std::size_t threads) {
-        onThreads(std::min(threads, devices.size()), [this] { work(); });
-        summary.unfinished += devices.size() - accounted;
-        return std::move(summary);
-    }
-
-  private:
-    void work() {
-        DeviceRunner runner(plan);
-        // Who takes a device brings it to its end, because those that follow wait for that.
-        while (!plan.interruption.requested() && !order.failed()) {
-            const std::size_t device = next++;
-            if (device >= devices.size()) {
-                return;
-            }
-            Output text([this, device](std::string_view piece) { return order.write(device, piece); });
-            if (plan.format == ReportFormat::Text) {
-                text.write(fmt::format("\n== {}\n", printable(nameOfEvents(devices[device]))));
-            }
-            DeviceResult result = runner.run(devices[device], text);
-            text.flush();
-            order.end(device, std::move(result));
-        }
-    }
-
-    // The devices come here one after the other.
-    void account(const DeviceResult& result) {
-        summary.add(result);
-        ++accounted;
-        if (!result.problem.empty()) {
-            output.flush();
-            plan.console.say(result.problem);
-        }
-    }
-
-    const FleetPlan& plan;
-    const std::vector<std::string>& devices;
-    Output& output;
-    std::atomic<std::size_t> next = 0;  // the device that no thread has taken
-    FleetSummary summary;               // changed by one thread at a time, like `accounted`
-    std::size_t accounted = 0;
-    DeviceOrder order;
-};
 
 std::string summaryOf(const FleetSummary& summary, const FleetOptions& options) {
     switch (options.format) {
@@ -107,7 +49,18 @@ int fleet(const FleetOptions& options, const Console& console, const Interruptio
                          console.wantsColours(),
                          console,
                          interruption};
-    const FleetSummary summary = Fleet(plan, options.devices, rules.output()).run(options.threads);
+    FleetSummary summary = FleetSummary::of(plan.document);
+    Fleet devices(options.devices, console, interruption, rules.output());
+    summary.unfinished += devices.run(options.threads, [&] {
+        const auto runner = std::make_shared<DeviceRunner>(plan);
+        return [&summary, &plan, runner](const std::string& device, Output& text) {
+            if (plan.format == ReportFormat::Text) {
+                text.write("\n" + headingOf(device));
+            }
+            DeviceResult result = runner->run(device, text);
+            return Fleet::Ended{result.problem, [&summary, result] { summary.add(result); }};
+        };
+    });
     rules.output().write(summaryOf(summary, options));
     const int status = summary.failed > 0 ? kExitUnusable : kExitDone;
     return rules.abandon(interruption.requested() ? kExitInterrupted : status);

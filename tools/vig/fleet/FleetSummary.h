@@ -3,9 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <map>
-#include <optional>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "tools/vig/document/RuleModel.h"
@@ -108,16 +106,10 @@ struct FleetSummary {
     void keepWorstStorms();
 };
 
-// Reads a summary that `vig run --format json` has written, which is the line of that number of the file. Nothing is
-// ignored: what is not part of a summary, or does not fit the rest of it, is an error. Returns nothing if there is one;
-// `errors` then says what is wrong and where.
-std::optional<FleetSummary> readFleetSummary(const std::string& file, std::size_t lineNumber, std::string_view line,
-                                             std::vector<std::string>& errors);
-
 // Returns aligned lines for a person, without what a terminal would act on.
 std::string textOf(const FleetSummary& summary);
 
-// Returns the same as a line with one JSON object, which readFleetSummary() reads back to an equal one. `first` is put
+// Returns the same as a line with one JSON object, which readSummary() reads back to an equal one. `first` is put
 // before its keys.
 std::string jsonOf(const FleetSummary& summary, const std::string& first);
 

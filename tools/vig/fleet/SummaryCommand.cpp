@@ -5,11 +5,12 @@
 #include <cerrno>
 #include <optional>
 #include <string_view>
+#include <variant>
 
 #include "tools/vig/commandline/CommandLine.h"
 #include "tools/vig/events/EventReader.h"
 #include "tools/vig/events/LineReader.h"
-#include "tools/vig/fleet/FleetSummary.h"
+#include "tools/vig/fleet/SummaryReader.h"
 #include "tools/vig/io/Output.h"
 #include "tools/vig/words/Text.h"
 
@@ -46,12 +47,12 @@ class Merger {
     }
 
     // It is empty if there was no summary.
-    const std::optional<FleetSummary>& result() const { return merged; }
+    const std::optional<AnySummary>& result() const { return merged; }
 
   private:
     bool add(const std::string& file, std::size_t number, std::string_view line) {
         std::vector<std::string> errors;
-        const auto summary = readFleetSummary(file, number, line, errors);
+        const auto summary = readSummary(file, number, line, errors);
         const std::string place = file + ":" + std::to_string(number);
         if (!summary) {
             for (const std::string& error : errors) {
@@ -64,12 +65,22 @@ class Merger {
             first = place;
             return true;
         }
-        if (!merged->isOfSameDocument(*summary)) {
+        if (merged->index() != summary->index()) {
+            console.say(place + ": error: it cannot be merged with " + first +
+                        ": one is of a run, the other of a comparison");
+            return false;
+        }
+        return std::visit([&](auto& all) { return merge(all, std::get<std::decay_t<decltype(all)>>(*summary), place); },
+                          *merged);
+    }
+
+    bool merge(auto& all, const auto& added, const std::string& place) {
+        if (!all.isOfSameDocument(added)) {
             console.say(place + ": error: it summarises a run of another rule document than " + first);
             return false;
         }
-        merged->merge(*summary);
-        const std::string tooLarge = merged->tooLarge();
+        all.merge(added);
+        const std::string tooLarge = all.tooLarge();
         if (!tooLarge.empty()) {
             console.say(fmt::format("{}: error: {}: more than {} with the summaries before", place, tooLarge,
                                     FleetSummary::MOST));
@@ -79,7 +90,7 @@ class Merger {
 
     const Console& console;
     const Interruption& interruption;
-    std::optional<FleetSummary> merged;
+    std::optional<AnySummary> merged;
     std::string first;  // the place of the first one
 };
 
@@ -97,13 +108,15 @@ int summary(const SummaryOptions& options, const Console& console, const Interru
         return kExitUnusable;
     }
     Output output(console.out);
-    output.write(options.format == ReportFormat::Json ? jsonOf(*merger.result(), "") : textOf(*merger.result()));
+    output.write(std::visit(
+        [&](const auto& all) { return options.format == ReportFormat::Json ? jsonOf(all, "") : textOf(all); },
+        *merger.result()));
     return console.finish(output, kExitDone);
 }
 
 constexpr const char* kHelp =
-    R"(Each line of the files is a summary that `vig run --format json` has written; all are of one rule document. The parts
-of a fleet, merged, give the same as the whole.
+    R"(Each line of the files is a summary that `vig run --format json` has written, all of one rule document; or that
+`vig diff --format json` has, all of the same two. The parts of a fleet, merged, give the same as the whole.
 
 Example: two halves of a fleet, replayed apart
   vig run rules.json a/*.jsonl.gz --format json > a.json
@@ -111,8 +124,8 @@ Example: two halves of a fleet, replayed apart
   vig summary a.json b.json)";
 
 void addSummary(CommandLine& commandLine, SummaryOptions& options) {
-    Verb verb =
-        commandLine.addVerb("summary", "Merges the summaries of runs over parts of a fleet.", kHelp, summary, options);
+    Verb verb = commandLine.addVerb(
+        "summary", "Merges the summaries of runs, or of comparisons, over parts of a fleet.", kHelp, summary, options);
     verb.argument("FILE", options.files, Verb::Need::Optional,
                   "Files of summaries (default: -, which is standard input)");
     verb.choice("--format", options.format, {{"text", ReportFormat::Text}, {"json", ReportFormat::Json}},

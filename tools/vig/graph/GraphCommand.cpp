@@ -45,7 +45,8 @@ std::optional<int> replay(const GraphOptions& options, RuleRun& rules, const Con
                           const Interruption& interruption) {
     Replay replay(options.events, console, interruption);
     rules.session().start();
-    replay.offerTo(rules.session().machines(), rules.output(), console.err);
+    replay.play([&machines = rules.session().machines()](const EventRecord& record) { machines.offer(record); },
+                rules.output(), console.err);
     if (!replay.problem().empty()) {
         console.say(replay.problem());
         return kExitUnusable;

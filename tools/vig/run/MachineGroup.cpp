@@ -68,14 +68,9 @@ void MachineGroup::startAnew() {
 
 void MachineGroup::offer(const EventRecord& record) {
     current = ++events;
-    const auto offerThis = [&](const Event& event) {
+    withEventOf(record, [&](const Event& event) {
         drive(event.type, record.timeMs, false, [&](FiniteStateMachine& machine) { machine.onEvent(event); });
-    };
-    if (record.type == EventType::Timeout) {
-        offerThis(RecordedTimeoutEvent(record.attributes, *record.timeoutId));
-    } else {
-        offerThis(RecordedEvent(record.attributes, record.type));
-    }
+    });
 }
 
 Summary MachineGroup::summary() const {

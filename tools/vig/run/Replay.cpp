@@ -28,22 +28,24 @@ Replay::Replay(const std::string& recordedEvents, const Console& console, const 
     }
 }
 
-bool Replay::offerTo(MachineGroup& machines, Output& output, int terminal) {
+bool Replay::play(const std::function<void(const EventRecord&)>& take, Output& output, int terminal) {
     if (!file.isOpen()) {
         return false;
     }
     Progress progress(terminal, sizeOf(file));
+    std::uint64_t count = 0;
     output.beforeWriting([&] { progress.clear(); });
     EventReader reader(file.get(), nameOfEvents(events), interruption, [&] {
         output.flush();
-        progress.showIfDue(machines.eventCount(), reader.bytesRead());
+        progress.showIfDue(count, reader.bytesRead());
     });
     EventRecord record;
     auto status = EventReader::Status::Record;
     while (!interruption.requested() && !output.failed() &&
            (status = reader.next(record)) == EventReader::Status::Record) {
-        machines.offer(record);
-        progress.update(machines.eventCount(), reader.bytesRead());
+        take(record);
+        ++count;
+        progress.update(count, reader.bytesRead());
     }
     progress.clear();
     output.beforeWriting({});

@@ -1,16 +1,17 @@
 #pragma once
 
+#include <functional>
 #include <string>
 
+#include "tools/vig/events/EventRecord.h"
 #include "tools/vig/io/Console.h"
 #include "tools/vig/io/Descriptor.h"
 #include "tools/vig/io/Interruption.h"
 #include "tools/vig/io/Output.h"
-#include "tools/vig/run/MachineGroup.h"
 
 namespace Brenta::OS::VIG::Tool {
 
-// It brings the recorded events of one device to machines, for every verb that replays.
+// It has the recorded events of one device, for every verb that replays.
 class Replay {
   public:
     // Opens the records: a file, or "-" for standard input.
@@ -22,9 +23,10 @@ class Replay {
     // them.
     const std::string& problem() const { return reason; }
 
-    // Replays the records, if they are open, until they end or are bad, or the run is interrupted or nobody can read
-    // the output any more. Returns true if they ended. `terminal` shows how far it is; -1 if nobody wants to know.
-    bool offerTo(MachineGroup& machines, Output& output, int terminal);
+    // Gives the records, if they are open, to `take`, one after the other, until they end or are bad, or the run is
+    // interrupted or nobody can read the output any more. Returns true if they ended. `terminal` shows how far it is;
+    // -1 if nobody wants to know.
+    bool play(const std::function<void(const EventRecord&)>& take, Output& output, int terminal);
 
   private:
     const std::string events;

@@ -70,7 +70,8 @@ int run(const RunOptions& options, const Console& console, const Interruption& i
         rules.complainAfterOutput(options.rules + ": error: " + problem);
         return kExitUnusable;
     }
-    replay.offerTo(rules.session().machines(), rules.output(), console.err);
+    replay.play([&machines = rules.session().machines()](const EventRecord& record) { machines.offer(record); },
+                rules.output(), console.err);
     if (!replay.problem().empty()) {
         rules.complainAfterOutput(replay.problem());
         return kExitUnusable;

@@ -1,4 +1,4 @@
-#include "tools/vig/fleet/FleetSummary.h"
+#include "tools/vig/fleet/SummaryReader.h"
 
 #include <fmt/format.h>
 
@@ -16,32 +16,12 @@ namespace {
 
 constexpr std::uint64_t kMost = FleetSummary::MOST;
 
-class SummaryParser {
+// Reads the numbers of a summary.
+class NumberParser {
   public:
-    SummaryParser(const DocumentText& text, std::vector<std::string>& errors) : json(text, errors) {}
+    NumberParser(const DocumentText& text, std::vector<std::string>& errors) : json(text, errors) {}
 
-    FleetSummary summary(const Json::Value& root) {
-        FleetSummary result;
-        if (!json.isObject(
-                root, "", {"document", "devices", "failed", "unfinished", "events", "triggers", "storms", "configs"})) {
-            return result;
-        }
-        result.documentHash = json.requiredText(root, "document", "").value_or("");
-        result.failed = number(root, "failed", "");
-        result.unfinished = number(root, "unfinished", "");
-        readTriggers(root["triggers"], "triggers", result);
-        derived(root, "devices", "", devices);
-        result.events = number(root, "events", "", 0, devices == 0 ? 0 : kMost);
-        readStorms(root["storms"], "storms", result);
-        if (json.isArray(root["configs"], "configs")) {
-            StrictJson::forEach(root["configs"], "configs", [&](const Json::Value& each, const std::string& path) {
-                result.configs.push_back(config(each, path));
-            });
-        }
-        return result;
-    }
-
-  private:
+  protected:
     std::uint64_t number(const Json::Value& object, const std::string& key, const std::string& path) {
         return number(object, key, path, 0, kMost);
     }
@@ -66,6 +46,35 @@ class SummaryParser {
         json.complain(at, path, "does not fit the rest, of which it follows: " + expected);
     }
 
+    StrictJson json;
+};
+
+class FleetSummaryParser : private NumberParser {
+  public:
+    using NumberParser::NumberParser;
+
+    FleetSummary summary(const Json::Value& root) {
+        FleetSummary result;
+        if (!json.isObject(
+                root, "", {"document", "devices", "failed", "unfinished", "events", "triggers", "storms", "configs"})) {
+            return result;
+        }
+        result.documentHash = json.requiredText(root, "document", "").value_or("");
+        result.failed = number(root, "failed", "");
+        result.unfinished = number(root, "unfinished", "");
+        readTriggers(root["triggers"], "triggers", result);
+        derived(root, "devices", "", devices);
+        result.events = number(root, "events", "", 0, devices == 0 ? 0 : kMost);
+        readStorms(root["storms"], "storms", result);
+        if (json.isArray(root["configs"], "configs")) {
+            StrictJson::forEach(root["configs"], "configs", [&](const Json::Value& each, const std::string& path) {
+                result.configs.push_back(config(each, path));
+            });
+        }
+        return result;
+    }
+
+  private:
     void readTriggers(const Json::Value& object, const std::string& path, FleetSummary& result) {
         if (!json.isObject(object, path, {"total", "median", "p99", "most", "by_count"}) ||
             !json.isArray(object["by_count"], path + ".by_count")) {
@@ -178,26 +187,160 @@ class SummaryParser {
         return {on, number(object, "fired", path, on, on == 0 ? 0 : kMost)};
     }
 
-    StrictJson json;
     std::uint64_t devices = 0;   // of all of triggers.by_count
     std::uint64_t triggers = 0;  // of them
 };
 
-std::optional<FleetSummary> read(const DocumentText& document, std::vector<std::string>& errors) {
+class DiffSummaryParser : private NumberParser {
+  public:
+    using NumberParser::NumberParser;
+
+    DiffSummary summary(const Json::Value& root) {
+        DiffSummary result;
+        if (!json.isObject(root, "",
+                           {"old", "new", "devices", "failed", "unfinished", "events", "triggers", "changes",
+                            "examples", "machines"})) {
+            return result;
+        }
+        for (const std::size_t side : {kOld, kNew}) {
+            result.documentHashes[side] = json.requiredText(root, kSides[side], "").value_or("");
+        }
+        result.failed = number(root, "failed", "");
+        result.unfinished = number(root, "unfinished", "");
+        devices = number(root, "devices", "");
+        result.events = number(root, "events", "", 0, devices == 0 ? 0 : kMost);
+        result.all = count(root, "", {kMost, kMost});
+        readMachines(root["machines"], "machines", result);
+        readExamples(root["examples"], "examples", result);
+        return result;
+    }
+
+  private:
+    static constexpr Both<const char*> kSides = {"old", "new"};
+
+    // Neither number is larger than that of `most`.
+    Both<std::uint64_t> both(const Json::Value& object, const std::string& path, Both<std::uint64_t> most) {
+        Both<std::uint64_t> result = {};
+        if (json.isObject(object, path, {"old", "new"})) {
+            for (const std::size_t side : {kOld, kNew}) {
+                result[side] = number(object, kSides[side], path, 0, most[side]);
+            }
+        }
+        return result;
+    }
+
+    DiffSummary::Count count(const Json::Value& object, const std::string& path, Both<std::uint64_t> most) {
+        DiffSummary::Count result;
+        result.triggers = both(object["triggers"], StrictJson::member(path, "triggers"), most);
+        const std::string place = StrictJson::member(path, "changes");
+        const Json::Value& changes = object["changes"];
+        if (json.isObject(changes, place, {kDeviceChangeNames.begin(), kDeviceChangeNames.end()})) {
+            std::uint64_t left = devices;
+            for (std::size_t change = 0; change < kDeviceChangeNames.size(); ++change) {
+                result.devices[change] = number(changes, std::string(kDeviceChangeNames[change]), place, 0, left);
+                left -= result.devices[change];
+            }
+            if (left > 0) {
+                json.complain(changes, place, fmt::format("{} devices fewer than there are", left));
+            }
+        }
+        return result;
+    }
+
+    void readMachines(const Json::Value& array, const std::string& path, DiffSummary& result) {
+        if (!json.isArray(array, path)) {
+            return;
+        }
+        Both<std::uint64_t> left = result.all.triggers;
+        StrictJson::forEach(array, path, [&](const Json::Value& each, const std::string& place) {
+            if (json.isObject(each, place, {"id", "old", "new", "triggers", "changes"})) {
+                result.machines.push_back(machine(each, place, left));
+            }
+        });
+        if (left != Both<std::uint64_t>{}) {
+            json.complain(array, path, "fewer triggers than there are");
+        }
+    }
+
+    // Takes its triggers from those that are `left`.
+    DiffSummary::Machine machine(const Json::Value& object, const std::string& path, Both<std::uint64_t>& left) {
+        DiffSummary::Machine result{0, {}};
+        json.hasMember(object, "id", path);
+        using Limits = std::numeric_limits<std::int64_t>;
+        result.id = json.optionalInteger(object, "id", path, Limits::min(), Limits::max()).value_or(0);
+        for (const std::size_t side : {kOld, kNew}) {
+            if (json.hasMember(object, kSides[side], path) && !object[kSides[side]].isNull()) {
+                result.paths[side] = json.requiredText(object, kSides[side], path).value_or("");
+            }
+        }
+        result.count = count(object, path, left);
+        for (const std::size_t side : {kOld, kNew}) {
+            left[side] -= result.count.triggers[side];
+        }
+        return result;
+    }
+
+    void readExamples(const Json::Value& array, const std::string& path, DiffSummary& result) {
+        if (!json.isArray(array, path)) {
+            return;
+        }
+        StrictJson::forEach(array, path, [&](const Json::Value& each, const std::string& place) {
+            if (json.isObject(each, place, {"change", "device", "triggers", "event"})) {
+                addExample(each, place, result);
+            }
+        });
+        for (std::size_t change = 0; change + 1 < kDeviceChangeNames.size(); ++change) {
+            const auto named = static_cast<std::size_t>(
+                std::ranges::count(result.examples, static_cast<DeviceChange>(change), &DiffSummary::Example::change));
+            const auto expected = std::min<std::uint64_t>(result.all.devices[change], DiffSummary::MOST_EXAMPLES);
+            if (named != expected) {
+                misfit(array, path, fmt::format("{} of change {}", expected, kDeviceChangeNames[change]));
+            }
+        }
+    }
+
+    void addExample(const Json::Value& object, const std::string& path, DiffSummary& result) {
+        const std::string name = json.requiredText(object, "change", path).value_or("");
+        const auto* const change = std::ranges::find(kDeviceChangeNames, name);
+        DiffSummary::Example example{static_cast<DeviceChange>(change - kDeviceChangeNames.begin()),
+                                     json.requiredText(object, "device", path).value_or(""),
+                                     both(object["triggers"], path + ".triggers", result.all.triggers),
+                                     number(object, "event", path, 0, result.events)};
+        // Only a change of the triggers follows from their numbers.
+        const BothDid did{example.triggers, example.change != DeviceChange::Logs, true};
+        if (did.change() != example.change) {
+            json.complain(object["change"], path + ".change", "does not fit the triggers");
+        }
+        if (!result.examples.empty() && example.comesBefore(result.examples.back())) {
+            json.complain(object, path, "is not in order");
+        }
+        result.examples.push_back(std::move(example));
+    }
+
+    std::uint64_t devices = 0;
+};
+
+std::optional<AnySummary> read(const DocumentText& document, std::vector<std::string>& errors) {
     if (std::string mistake = StrictJson::mistakeIn(document); !mistake.empty()) {
         errors.push_back(std::move(mistake));
         return std::nullopt;
     }
     std::vector<std::string> problems;
-    FleetSummary summary = SummaryParser(document, problems).summary(document.root());
+    const Json::Value& root = document.root();
+    AnySummary summary;
+    if (root.isObject() && root.isMember("changes")) {
+        summary = DiffSummaryParser(document, problems).summary(root);
+    } else {
+        summary = FleetSummaryParser(document, problems).summary(root);
+    }
     errors.insert(errors.end(), problems.begin(), problems.end());
     return problems.empty() ? std::optional(std::move(summary)) : std::nullopt;
 }
 
 }  // namespace
 
-std::optional<FleetSummary> readFleetSummary(const std::string& file, std::size_t lineNumber, std::string_view line,
-                                             std::vector<std::string>& errors) {
+std::optional<AnySummary> readSummary(const std::string& file, std::size_t lineNumber, std::string_view line,
+                                      std::vector<std::string>& errors) {
     // The reader would skip it.
     if (withoutByteOrderMark(line).size() != line.size()) {
         errors.push_back(fmt::format("{}:{}:1: error: a byte order mark", file, lineNumber));

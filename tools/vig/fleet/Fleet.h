@@ -1,0 +1,45 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "tools/vig/io/Console.h"
+#include "tools/vig/io/Interruption.h"
+#include "tools/vig/io/Output.h"
+
+namespace Brenta::OS::VIG::Tool {
+
+// Lets several threads take devices one after the other, and puts all that comes of them, and what is wrong with them,
+// on the console in their order, whatever the number of threads.
+class Fleet {
+  public:
+    struct Ended {
+        std::string problem;            // empty if nothing was wrong with the device
+        std::function<void()> account;  // is called in the order of the devices, by one thread at a time
+    };
+
+    // Takes a device to its end, on one thread, and writes to the output what it has to say of it.
+    using Runner = std::function<Ended(const std::string& device, Output& text)>;
+
+    // All must outlive it. The devices are files of event records, or "-" for standard input.
+    Fleet(const std::vector<std::string>& devices, const Console& console, const Interruption& interruption,
+          Output& output)
+        : devices(devices), console(console), interruption(interruption), output(output) {}
+
+    // Each thread, this one included, makes a runner of its own. Returns the number of devices that no thread came to.
+    std::uint64_t run(unsigned threads, const std::function<Runner()>& makeRunner);
+
+  private:
+    const std::vector<std::string>& devices;
+    const Console& console;
+    const Interruption& interruption;
+    Output& output;
+};
+
+// Returns what stands above the text of a device.
+std::string headingOf(const std::string& device);
+
+}  // namespace Brenta::OS::VIG::Tool
