@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <cstddef>
 #include <iterator>
 #include <string>
 #include <string_view>
@@ -36,6 +38,15 @@ void appendKind(std::string& line, AttributeKind kind, const AttributeSet& attri
     line += '}';
 }
 
+// Each kind has a comma before it.
+void appendKinds(std::string& line, const AttributeSet& attributes) {
+    appendKind<std::uint64_t>(line, AttributeKind::Uint64, attributes);
+    appendKind<std::int64_t>(line, AttributeKind::Int64, attributes);
+    appendKind<double>(line, AttributeKind::Double, attributes);
+    appendKind<bool>(line, AttributeKind::Bool, attributes);
+    appendKind<std::string_view>(line, AttributeKind::String, attributes);
+}
+
 }  // namespace
 
 std::string jsonOf(const EventRecord& record) {
@@ -46,13 +57,15 @@ std::string jsonOf(const EventRecord& record) {
     if (record.timeoutId) {
         fmt::format_to(std::back_inserter(line), ",\"timeout_id\":{}", *record.timeoutId);
     }
-    appendKind<std::uint64_t>(line, AttributeKind::Uint64, record.attributes);
-    appendKind<std::int64_t>(line, AttributeKind::Int64, record.attributes);
-    appendKind<double>(line, AttributeKind::Double, record.attributes);
-    appendKind<bool>(line, AttributeKind::Bool, record.attributes);
-    appendKind<std::string_view>(line, AttributeKind::String, record.attributes);
+    appendKinds(line, record.attributes);
     line += '}';
     return line;
+}
+
+std::string jsonOf(const AttributeSet& attributes) {
+    std::string text;
+    appendKinds(text, attributes);
+    return "{" + text.substr(std::min<std::size_t>(text.size(), 1)) + "}";
 }
 
 void writeEvent(Output& output, const EventRecord& record) {

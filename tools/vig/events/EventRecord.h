@@ -30,6 +30,9 @@ struct EventRecord {
 std::string jsonOf(const EventRecord& record);
 void writeEvent(Output& output, const EventRecord& record);
 
+// Returns attributes without an event, as a test writes its context: {"int64":{"limit":5}}. REQUIRES: the same.
+std::string jsonOf(const AttributeSet& attributes);
+
 // It is an event or a context with the attributes of a set, which stays the caller's and must outlive the object.
 template <typename Base>
 class WithAttributes : public Base {

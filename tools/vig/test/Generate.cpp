@@ -23,10 +23,8 @@
 #include "tools/vig/io/Output.h"
 #include "tools/vig/test/Coverage.h"
 #include "tools/vig/test/TestRun.h"
-#include "tools/vig/words/PriorityName.h"
+#include "tools/vig/test/TestText.h"
 #include "tools/vig/words/Text.h"
-#include "vig/ResponseProperty.h"
-#include "vig/base/Utf8.h"
 
 namespace Brenta::OS::VIG::Tool {
 
@@ -220,81 +218,6 @@ class GoalFinder {
     std::vector<bool> isReached;                       // of each goal
 };
 
-// Writes down what a run does, as the expectation of a test.
-class ExpectationWriter final : public NoReport {
-  public:
-    void trigger(const TriggerLine& line) override {
-        const std::string process =
-            line.processName ? fmt::format(R"("process": {}, )", quoted(*line.processName)) : std::string();
-        triggers.push_back(fmt::format(R"({{ "name": {}, {}"config": {}, "event": {} }})", quoted(line.name), process,
-                                       line.machine.configId, line.event));
-    }
-
-    void log(const LogLine& line) override {
-        if (line.message != kListeningMessage) {
-            logs.push_back(fmt::format(R"({{ "message": {}, "priority": "{}" }})", quoted(line.message),
-                                       priorityName(line.priority)));
-        }
-    }
-
-    void move(const MoveLine& /*line*/) override { ++moves; }
-
-    void end(const Summary& summary) override {
-        std::map<std::int64_t, std::string> byId;  // of several machines with the same id, the first
-        for (const Summary::Machine& each : summary.machines) {
-            // A test cannot expect a name that is no UTF-8.
-            if (replaceInvalidUtf8(std::string(each.state)) == each.state) {
-                byId.emplace(each.name.configId, quoted(each.state));
-            }
-        }
-        states =
-            joined(byId, ", ", [](const auto& each) { return fmt::format(R"("{}": {})", each.first, each.second); });
-    }
-
-    // Returns the lines of the object, without what stands before them.
-    std::vector<std::string> lines() const {
-        std::vector<std::string> all;
-        for (const auto& [key, list] : {std::pair("triggers", &triggers), std::pair("log", &logs)}) {
-            if (!list->empty()) {
-                all.push_back(fmt::format(R"(  "{}": [)", key));
-                for (const std::string& each : *list) {
-                    all.push_back("    " + each + (&each == &list->back() ? "" : ","));
-                }
-                all.push_back("  ],");
-            }
-        }
-        if (!states.empty()) {
-            all.push_back(fmt::format(R"(  "states": {{ {} }},)", states));
-        }
-        all.push_back(fmt::format(R"(  "moves": {})", moves));
-        return all;
-    }
-
-  private:
-    std::vector<std::string> triggers;
-    std::vector<std::string> logs;
-    std::string states;
-    std::uint64_t moves = 0;
-};
-
-// Returns the test as the text of an object, as a person would write it.
-std::string textOf(const TestCase& test, const ExpectationWriter& expected) {
-    std::vector<std::string> events;
-    for (const EventRecord& each : *test.events) {
-        events.push_back("\n        " + jsonOf(each));
-    }
-    std::string text = fmt::format("    {{\n      \"name\": {},\n      \"events\": [{}{}],\n", quoted(test.name),
-                                   fmt::join(events, ","), events.empty() ? "" : "\n      ");
-    if (!test.draws.numbers.empty()) {
-        text += fmt::format("      \"draws\": [{}],\n", fmt::join(test.draws.numbers, ", "));
-    }
-    text += "      \"expect\": {\n";
-    for (const std::string& line : expected.lines()) {
-        text += "      " + line + "\n";
-    }
-    return text + "      }\n    }";
-}
-
 class TestWriter {
   public:
     TestWriter(const std::string& path, const Console& console, const Interruption& interruption)
@@ -328,8 +251,11 @@ class TestWriter {
             return kExitInterrupted;
         }
         Output out(console.out);
-        out.write(fmt::format("{{\n  \"rules\": {},\n  \"tests\": [\n{}\n  ]\n}}\n", quoted(path),
-                              joined(tests, ",\n", [](const auto& each) { return each.second; })));
+        std::vector<std::string> texts;
+        for (auto& [goal, test] : tests) {
+            texts.push_back(std::move(test));
+        }
+        out.write(testFileOf(path, texts));
         return console.finish(out, sayGaps());
     }
 
@@ -375,7 +301,7 @@ class TestWriter {
         if (play(session, test, expected, interruption) != RuleSession::Loading::Done) {
             return false;
         }
-        tests[place] = textOf(test, expected);
+        tests[place] = textOf(test, expected.lines());
         return true;
     }
 
