@@ -7,12 +7,27 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdio>
+#include <cstdlib>
 #include <filesystem>
+#include <system_error>
 
 #include "tools/vig/io/Output.h"
 #include "tools/vig/words/Text.h"
 
 namespace Brenta::OS::VIG::Tool {
+
+namespace {
+
+// Returns an errno value, 0 if all of it is there.
+int writeAll(const Descriptor& file, std::string_view text) {
+    Output copy(file.get());
+    copy.write(text);
+    copy.flush();
+    return copy.failure();
+}
+
+}  // namespace
 
 std::string whyUnreadable(const std::string& path) {
     struct stat status = {};
@@ -69,19 +84,41 @@ std::optional<std::string> readFile(const std::string& path, const Interruption&
 std::optional<Descriptor> copyInMemory(const std::string& path, const Interruption& interruption,
                                        std::string& problem) {
     const auto text = readFile(path, interruption, problem);
-    if (!text) {
-        return std::nullopt;
-    }
+    return text ? fileInMemory(*text, problem) : std::nullopt;
+}
+
+std::optional<Descriptor> fileInMemory(std::string_view text, std::string& problem) {
     Descriptor file(memfd_create("rules", MFD_CLOEXEC));
-    if (!file.isOpen()) {
-        problem = systemError(errno);
-        return std::nullopt;
+    const int error = file.isOpen() ? writeAll(file, text) : errno;
+    problem = error != 0 ? systemError(error) : "";
+    return error != 0 ? std::nullopt : std::optional(std::move(file));
+}
+
+std::string replaceFile(const std::string& path, std::string_view text) {
+    // A link stays one.
+    std::error_code ignored;
+    const std::string target = std::filesystem::weakly_canonical(path, ignored).string();
+    struct stat status = {};
+    const bool isThere = stat(path.c_str(), &status) == 0;
+    if (isThere && !S_ISREG(status.st_mode)) {
+        return "not a regular file";
     }
-    Output copy(file.get());
-    copy.write(*text);
-    copy.flush();
-    problem = copy.failed() ? systemError(copy.failure()) : "";
-    return copy.failed() ? std::nullopt : std::optional(std::move(file));
+    std::string beside = target + ".XXXXXX";
+    const Descriptor file(mkostemp(beside.data(), O_CLOEXEC));
+    if (!file.isOpen()) {
+        return systemError(errno);
+    }
+    const mode_t mask = umask(0);
+    umask(mask);
+    int error = writeAll(file, text);
+    if (error == 0 && (fchmod(file.get(), isThere ? status.st_mode : 0666 & ~mask) != 0 || fsync(file.get()) != 0 ||
+                       rename(beside.c_str(), target.c_str()) != 0)) {
+        error = errno;
+    }
+    if (error != 0) {
+        unlink(beside.c_str());
+    }
+    return error == 0 ? std::string() : systemError(error);
 }
 
 std::string pathOf(const Descriptor& file) {

@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "tools/vig/io/Descriptor.h"
 #include "tools/vig/io/Interruption.h"
@@ -18,6 +19,13 @@ std::optional<std::string> readFile(const std::string& path, const Interruption&
 
 // Returns the same as a file in memory, for who takes only a path, or takes it more than once.
 std::optional<Descriptor> copyInMemory(const std::string& path, const Interruption& interruption, std::string& problem);
+
+// Returns a text as such a file; if there can be none, nothing, with the reason in `problem`.
+std::optional<Descriptor> fileInMemory(std::string_view text, std::string& problem);
+
+// Puts a text in the place of a file, or makes one: whoever reads it finds either all that was there or all of the
+// text. Returns what went wrong, after which the file is as it was; empty if nothing did.
+std::string replaceFile(const std::string& path, std::string_view text);
 
 // Returns the path of an open file, as long as it is open.
 std::string pathOf(const Descriptor& file);

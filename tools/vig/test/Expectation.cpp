@@ -159,8 +159,12 @@ bool isMet(const ExpectedTrigger& expected, const TriggerLine& actual) {
     return fieldsOf(unmet(expected, actual)).empty();
 }
 
+bool isMet(const ExpectedLog& expected, std::string_view message, std::string_view priority) {
+    return expected.message == message && (!expected.priority || *expected.priority == priority);
+}
+
 bool isMet(const ExpectedLog& expected, const Observed::Log& actual) {
-    return expected.message == actual.message && (!expected.priority || *expected.priority == actual.priority);
+    return isMet(expected, actual.message, actual.priority);
 }
 
 Fields fieldsOf(const ExpectedLog& log) {
@@ -334,6 +338,41 @@ void Observed::end(const Summary& summary) {
     for (const Summary::Machine& machine : summary.machines) {
         states.emplace(machine.name.configId, machine.state);
     }
+}
+
+void ExpectationCheck::begin(const Expectation& expected) {
+    *this = ExpectationCheck();
+    expectation = &expected;
+    hasFailed = false;
+}
+
+void ExpectationCheck::trigger(const TriggerLine& line) {
+    hasFailed = hasFailed || triggers == expectation->triggers.size() || !isMet(expectation->triggers[triggers], line);
+    ++triggers;
+}
+
+void ExpectationCheck::log(const LogLine& line) {
+    if (line.message == kListeningMessage) {
+        return;
+    }
+    hasFailed = hasFailed || logs == expectation->logs.size() ||
+                !isMet(expectation->logs[logs], line.message, priorityName(line.priority));
+    ++logs;
+}
+
+void ExpectationCheck::move(const MoveLine& /*line*/) {
+    ++moves;
+    hasFailed = hasFailed || moves > expectation->moves.value_or(moves);
+}
+
+void ExpectationCheck::end(const Summary& summary) {
+    const auto isReached = [&](const ExpectedState& expected) {
+        const auto found = std::ranges::find(summary.machines, expected.config,
+                                             [](const Summary::Machine& each) { return each.name.configId; });
+        return found != summary.machines.end() && found->state == expected.state;
+    };
+    hasFailed = hasFailed || triggers != expectation->triggers.size() || logs != expectation->logs.size() ||
+                moves != expectation->moves.value_or(moves) || !std::ranges::all_of(expectation->states, isReached);
 }
 
 Mismatch compare(const Expectation& expected, const Observed& actual) {

@@ -49,6 +49,27 @@ class Observed final : public NoReport {
     const Expectation& expectation;
 };
 
+// Tells no more of a run of a test than whether it is as expected, and that as soon as it is not.
+class ExpectationCheck final : public NoReport {
+  public:
+    // The run begins. `expected` must outlive it.
+    void begin(const Expectation& expected);
+
+    bool failed() const { return hasFailed; }
+
+    void trigger(const TriggerLine& line) override;
+    void log(const LogLine& line) override;
+    void move(const MoveLine& line) override;
+    void end(const Summary& summary) override;
+
+  private:
+    const Expectation* expectation = nullptr;
+    std::size_t triggers = 0;
+    std::size_t logs = 0;
+    std::int64_t moves = 0;
+    bool hasFailed = true;  // nothing is expected before a run begins
+};
+
 // It is the place where a run first left what was expected.
 struct Divergence {
     enum class Kind { Event, MissingTrigger, MissingLog, State };

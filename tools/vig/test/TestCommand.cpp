@@ -11,6 +11,7 @@
 #include <filesystem>
 #include <functional>
 #include <map>
+#include <set>
 #include <system_error>
 
 #include "tools/vig/commandline/CommandLine.h"
@@ -21,9 +22,11 @@
 #include "tools/vig/test/Coverage.h"
 #include "tools/vig/test/Generate.h"
 #include "tools/vig/test/JUnit.h"
+#include "tools/vig/test/MutantHunt.h"
 #include "tools/vig/test/Property.h"
 #include "tools/vig/test/TestFile.h"
 #include "tools/vig/test/TestRun.h"
+#include "tools/vig/test/TestText.h"
 #include "tools/vig/words/Text.h"
 
 namespace Brenta::OS::VIG::Tool {
@@ -36,7 +39,7 @@ class TestSuite {
         : options(options), console(console), interruption(interruption), out(console.out) {}
 
     int run() {
-        if (!read()) {
+        if (!read() || (!options.writeFile.empty() && !readTarget())) {
             return interruption.requested() ? kExitInterrupted : kExitUnusable;
         }
         for (const TestFile& file : files) {
@@ -49,12 +52,21 @@ class TestSuite {
         }
         const auto failed = std::ranges::count_if(verdicts, [](const auto& each) { return !each.failure.empty(); });
         const bool covered = reportCoverage();
+        int status = failed > 0 || !covered ? kExitRefused : kExitDone;
+        if (options.mutants) {
+            for (auto& [canonical, rules] : rulesByPath) {
+                status = std::max(status, reportMutants(rules));
+            }
+            if (interruption.requested()) {
+                return console.finish(out, kExitInterrupted);
+            }
+        }
         out.write(fmt::format("{} test{}: {} passed, {} failed\n", verdicts.size(), verdicts.size() == 1 ? "" : "s",
                               verdicts.size() - static_cast<std::size_t>(failed), failed));
         if (!options.junitFile.empty() && !writeJUnit()) {
             return console.finish(out, interruption.requested() ? kExitInterrupted : kExitUnusable);
         }
-        return console.finish(out, failed > 0 || !covered ? kExitRefused : kExitDone);
+        return console.finish(out, status);
     }
 
   private:
@@ -64,6 +76,8 @@ class TestSuite {
         std::string path;  // as the first file of tests names them
         Descriptor copy;
         Coverage coverage;
+        std::vector<const TestFile*> files = {};
+        bool haveFailed = false;
     };
 
     // It is a test or a property.
@@ -126,11 +140,42 @@ class TestSuite {
         return would;
     }
 
+    // One file can have many paths, and what ".." leaves need not be what its text says.
+    static std::string canonical(const std::string& path) {
+        std::error_code ignored;
+        return std::filesystem::weakly_canonical(std::filesystem::absolute(path, ignored), ignored).string();
+    }
+
+    // Reads the file to which tests are to be added, if it is there. Returns false if that file is none of the one
+    // document that is tested.
+    bool readTarget() {
+        const std::string rules = canonical(files.front().rules);
+        if (std::ranges::any_of(files, [&](const TestFile& each) { return canonical(each.rules) != rules; })) {
+            console.complain("--write adds the tests of one rule document, and these are of several");
+            return false;
+        }
+        std::error_code ignored;
+        if (!std::filesystem::exists(options.writeFile, ignored)) {
+            return true;
+        }
+        std::vector<std::string> errors;
+        std::string problem;
+        target = readTestFile(options.writeFile, options.draws, interruption, errors);
+        auto text = readFile(options.writeFile, interruption, problem);
+        for (const std::string& each : errors) {
+            console.say(each);
+        }
+        if (target && text && canonical(target->rules) != rules) {
+            console.complain(options.writeFile + " has the tests of " + target->rules);
+            return false;
+        }
+        targetText = text.value_or("");
+        return target && text;
+    }
+
     // Returns nothing if the run is to go on.
     std::optional<int> runFile(const TestFile& file) {
-        // One file can have many paths, and what ".." leaves need not be what its text says.
-        std::error_code ignored;
-        const std::string rules = std::filesystem::weakly_canonical(file.rules, ignored).string();
+        const std::string rules = canonical(file.rules);
         auto under = rulesByPath.find(rules);
         if (under == rulesByPath.end()) {
             std::string problem;
@@ -141,6 +186,7 @@ class TestSuite {
             under = rulesByPath.try_emplace(rules, Rules{file.rules, std::move(*copy), Coverage(file.rules)}).first;
         }
         const std::string rulesCopy = pathOf(under->second.copy);
+        under->second.files.push_back(&file);
         std::vector<Check> checks;
         for (const TestCase& each : file.tests) {
             checks.push_back(
@@ -156,6 +202,7 @@ class TestSuite {
                 case RuleSession::Loading::Done:
                     break;
                 case RuleSession::Loading::Refused:
+                    under->second.haveFailed = true;
                     refuse(file, checks, outcome.problem);
                     return std::nullopt;
                 case RuleSession::Loading::Unreadable:
@@ -169,6 +216,7 @@ class TestSuite {
             verdicts.push_back({file.path, each.name, outcome.failure});
             failed += outcome.failure.empty() ? 0 : 1;
             if (!outcome.failure.empty()) {
+                under->second.haveFailed = true;
                 show(file, each, outcome.failure);
             }
         }
@@ -238,6 +286,89 @@ class TestSuite {
         return enough;
     }
 
+    // Returns the exit status.
+    int reportMutants(const Rules& rules) {
+        const std::string path = printable(rules.path);
+        if (rules.haveFailed) {
+            out.write(fmt::format("mutants  {}: not tried, since a test of it fails\n", path));
+            return kExitDone;
+        }
+        std::vector<const TestCase*> tests;
+        std::vector<const Property*> properties;
+        for (const TestFile* const file : rules.files) {
+            for (const TestCase& each : file->tests) {
+                tests.push_back(&each);
+            }
+            for (const Property& each : file->properties) {
+                properties.push_back(&each);
+            }
+        }
+        const MutantScore score =
+            huntMutants(pathOf(rules.copy), rules.path, tests, properties, !options.writeFile.empty(), interruption);
+        if (interruption.requested()) {
+            return kExitInterrupted;
+        }
+        for (const std::string& line : score.lines) {
+            out.write(line + "\n");
+        }
+        out.write(fmt::format("mutants  {}: {} of {} noticed{}\n", path, score.noticed, score.noticed + score.survived,
+                              othersOf(score)));
+        if (!score.fault.empty()) {
+            return unusable(fmt::format("{}: a fault of vig: {}", rules.path, score.fault));
+        }
+        if (!options.writeFile.empty() && !score.tests.empty() && !write(score.tests, rules)) {
+            return interruption.requested() ? kExitInterrupted : kExitUnusable;
+        }
+        return score.survived > 0 ? kExitRefused : kExitDone;
+    }
+
+    // Returns what has become of the mutants that are not in the score.
+    static std::string othersOf(const MutantScore& score) {
+        std::string text;
+        for (const auto& [count, what] : {std::pair(score.equivalent, "without effect"),
+                                          std::pair(score.unrecordable, "without effect in any recording"),
+                                          std::pair(score.undecided, "not decided")}) {
+            text += count > 0 ? fmt::format("{} {} {}", text.empty() ? ", besides" : ",", count, what) : std::string();
+        }
+        return text;
+    }
+
+    bool write(const std::vector<MutantScore::NewTest>& tests, const Rules& rules) {
+        const std::string& path = options.writeFile;
+        if (!readTarget()) {
+            return false;
+        }
+        std::set<std::string> names;
+        if (target) {
+            for (const TestCase& each : target->tests) {
+                names.insert(each.name);
+            }
+            for (const Property& each : target->properties) {
+                names.insert(each.name);
+            }
+        }
+        std::vector<std::string> texts;
+        for (const auto& [test, expected] : tests) {
+            TestCase named = test;
+            for (int count = 2; !names.insert(named.name).second; ++count) {
+                named.name = fmt::format("{} ({})", test.name, count);
+            }
+            texts.push_back(textOf(named, expected));
+        }
+        std::error_code ignored;
+        const auto folder = std::filesystem::path(canonical(path)).parent_path();
+        const std::string text =
+            target ? withTests(DocumentText(path, targetText), texts)
+                   : testFileOf(std::filesystem::proximate(canonical(rules.path), folder, ignored).string(), texts);
+        if (const std::string problem = replaceFile(path, text); !problem.empty()) {
+            unusable(path + ": " + problem);
+            return false;
+        }
+        out.write(
+            fmt::format("wrote  {}: {} more test{}\n", printable(path), texts.size(), texts.size() == 1 ? "" : "s"));
+        return true;
+    }
+
     bool writeJUnit() {
         const std::string& path = options.junitFile;
         const Descriptor file(open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644));
@@ -262,6 +393,8 @@ class TestSuite {
     std::vector<TestFile> files;
     std::map<std::string, Rules> rulesByPath;  // without links and ".."
     std::vector<TestVerdict> verdicts;
+    std::optional<TestFile> target;  // of --write, if it is there already
+    std::string targetText;
 };
 
 }  // namespace
@@ -272,6 +405,9 @@ int test(const TestOptions& options, const Console& console, const Interruption&
     }
     if (options.files.empty()) {
         return refuseArguments(console, "FILE is required", "test");
+    }
+    if (!options.writeFile.empty() && !options.mutants) {
+        return refuseArguments(console, "--write requires --mutants", "test");
     }
     return TestSuite(options, console, interruption).run();
 }
@@ -307,6 +443,12 @@ property that is not true fails with a shortest recording that shows it; one tha
 outcomes of filters that any events can, and what the library does with them. What no event does is listed besides.
 "rules" is RULES as it is given, so that the file is kept where that path leads to the document.
 
+--mutants changes the document in small ways, as an author could by mistake: a threshold by a step or by a tenth, > and
+>=, == and !=, a text; a filter, an action or a transition is lost; two transitions are swapped; a state or an event is
+another one. It tells which of these mutants no test and no property notices, though they make a difference, and the
+shortest recording that shows it. Those that are proved to change nothing do not count. --write adds such recordings to
+a file of tests, with what the document does now: read it before you keep it.
+
 Coverage counts the transitions that fired, and for each filter whether it was ever true and whether it was ever false.
 
 Example: all tests, with what they do not reach, and a report for the build server:
@@ -331,9 +473,12 @@ void addTest(CommandLine& commandLine, TestOptions& options) {
                     options.coverageMin = number;
                     return isOne ? "" : "expected a number from 0 to 100, got " + text;
                 });
+    verb.flag("--mutants", options.mutants, "Tells which small changes of the rule document no test notices");
+    verb.name("--write", options.writeFile, "FILE", "Adds tests to this file that notice them; with --mutants");
     verb.name("--junit", options.junitFile, "FILE", "Writes the results there, as JUnit XML");
     addDraws(verb, options.draws, "; for the tests without \"draws\" and \"seed\"");
-    for (const char* const other : {"FILE", "--filter", "--coverage", "--coverage-min", "--junit", "--draw"}) {
+    for (const char* const other :
+         {"FILE", "--filter", "--coverage", "--coverage-min", "--mutants", "--write", "--junit", "--draw"}) {
         verb.refuseTogether("--generate", other);
     }
 }

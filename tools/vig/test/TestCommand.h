@@ -18,6 +18,8 @@ struct TestOptions {
     std::string generate;               // the rule document to write tests of; empty if tests are to be run
     bool coverage = false;              // tells what the tests have not reached
     std::optional<double> coverageMin;  // in percent; less of any rule document is a failure
+    bool mutants = false;               // tells which changes of the document no test notices
+    std::string writeFile;              // the file of tests to add those to that would; empty if none is
     std::string junitFile;              // empty if no JUnit report is wanted
     Draws draws = {};                   // of the tests that say nothing of theirs
 };
