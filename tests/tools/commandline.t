@@ -122,9 +122,9 @@ Every verb has a help with an example.
   Subcommands:
     check                       Says what is wrong with rule documents, all at once.
     prove                       Decides what rule documents can do, for all events.
-    diff                        Decides whether two rule documents do the same, for all events.
+    diff                        Compares what two rule documents do, for all events or for recorded ones.
     run                         Replays recorded events, and shows what the rules do with them.
-    summary                     Merges the summaries of runs over parts of a fleet.
+    summary                     Merges the summaries of runs, or of comparisons, over parts of a fleet.
     tune                        Finds the threshold with which a share of a fleet fires.
     watch                       Observes this machine, and shows what the rules do with its events.
     catalogue                   Prints which attributes the events of a recording have.

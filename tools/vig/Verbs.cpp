@@ -5,8 +5,8 @@ namespace Brenta::OS::VIG::Tool {
 Verbs::Verbs() {
     addCheck(commandLine, check);
     addProve(commandLine, prove);
-    addRun(commandLine, run);
     addDiff(commandLine, diff);
+    addRun(commandLine, run);
     addSummary(commandLine, summary);
     addTune(commandLine, tune);
     addWatch(commandLine, watch);

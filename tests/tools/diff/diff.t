@@ -128,9 +128,8 @@ claim.
   {"id":1,"old":1,"new":1,"verdict":"not decided","events":1}
   ]}
 
-  $ differ missing.json
-  vig: error: The following argument was not expected: missing.json
-  Try: vig diff --help
+  $ vig diff missing.json new.json
+  vig: error: missing.json: No such file or directory
   [2]
   $ echo '{}' >new.json
   $ differ
