@@ -102,9 +102,9 @@ claim.
   > END
   $ sed 's/20000/15000/' old.json >new.json
   $ differ
-  old.json -> new.json: 1 changed, 1 not decided
+  old.json -> new.json: 1 changed, 1 unchanged
     changed      0  triggers for vmRssKB 15001 to 20000, cpu below 0.5 in state b
-    not decided  1  not decided up to 1 event: no shorter recording shows a difference
+    unchanged    1
   
   0: they differ by event 3
     {"event":"Test"}

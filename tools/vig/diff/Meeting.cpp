@@ -125,6 +125,16 @@ Meeting::Meeting(EventType event, const Both<const Ways*>& ways, const Surroundi
             }
             demands[side].push_back(clauseNumberOf(std::move(clause)));
         }
+        for (const Way& way : ways[side]->ways) {
+            auto& literals = sure[side].emplace_back();
+            for (const std::size_t each : way.demands) {
+                const Clause& clause = *clauses[demands[side][each]];
+                if (clause.size() == 1) {
+                    literals.push_back(clause.front());
+                }
+            }
+            std::ranges::sort(literals);
+        }
         const auto& failures = ways[side]->failures;
         for (std::size_t place = 0; place < failures.size(); ++place) {
             if (failures[place]) {
@@ -185,13 +195,29 @@ bool Meeting::contradicts(std::size_t side, const Pair& pair) const {
     return failed != failedPlaces[other].end() && failed->second < way(other, pair[other]).place;
 }
 
+// Tells whether what the ways demand in any case of some attribute has nothing in common, as far as that is soon seen.
+bool Meeting::excludeEachOther(const Pair& pair) const {
+    const auto& left = sure[0][pair[0]];
+    const auto& right = sure[1][pair[1]];
+    auto other = right.begin();
+    return std::ranges::any_of(left, [&](const Literal& each) {
+        other = std::find_if(other, right.end(), [&](const Literal& its) { return its.variable >= each.variable; });
+        return std::any_of(other, right.end(), [&](const Literal& its) {
+            const auto& [mine, theirs] = std::pair(each.cells, its.cells);
+            return its.variable == each.variable && mine.isInside && theirs.isInside &&
+                   std::max(mine.first, theirs.first) >= std::min(mine.last, theirs.last) &&
+                   !(mine.absent && theirs.absent) && !(mine.nan && theirs.nan);
+        });
+    });
+}
+
 std::vector<Meeting::Pair> Meeting::pairs() const {
     std::vector<Pair> pairs;
     for (std::size_t old = 0; old < ways[0]->ways.size(); ++old) {
         for (std::size_t changed = 0; changed < ways[1]->ways.size(); ++changed) {
             const Pair pair = {old, changed};
             const bool isIdle = way(0, old).place == Way::kPassed && way(1, changed).place == Way::kPassed;
-            if (!isIdle && !contradicts(0, pair) && !contradicts(1, pair)) {
+            if (!isIdle && !contradicts(0, pair) && !contradicts(1, pair) && !excludeEachOther(pair)) {
                 pairs.push_back(pair);
             }
         }

@@ -91,6 +91,7 @@ class Meeting {
     std::size_t furtherNumberOf(FilterModel filter);
     std::size_t clauseNumberOf(Clause clause);
     bool contradicts(std::size_t side, const Pair& pair) const;
+    bool excludeEachOther(const Pair& pair) const;
 
     const Both<const Ways*> ways;
     std::string drawn;               // begins the names of the numbers, which are longer than any other
@@ -101,6 +102,7 @@ class Meeting {
     std::map<Clause, std::size_t> clauseNumbers;
     std::vector<const Clause*> clauses;
     Both<std::vector<std::size_t>> demands;                 // the number of the clause for each demand of the ways
+    Both<std::vector<std::vector<Literal>>> sure;           // what each way demands in any case, by variable
     std::vector<std::size_t> ranges;                        // likewise, two for each number that is drawn
     Both<std::map<std::size_t, std::size_t>> failedPlaces;  // by clause: the first place of such a transition
 };

@@ -17,9 +17,46 @@ namespace {
 constexpr std::size_t kMostMoves = FiniteStateMachine::MAX_ENTERING_STATE_MOVES;
 // Only draws make many ways of one event.
 constexpr std::size_t kMostWaysByDraws = 200;
+constexpr std::uint64_t kMostOfPossibility = 10'000;
 constexpr std::size_t kMostMovesInAll = 100'000;
 
 }  // namespace
+
+// Knows whether an event can go the beginning of a way, but for what is drawn: most transitions of a state exclude each
+// other, so that few of the ways that draws could make are any.
+class WayFinder::Possibilities {
+  public:
+    Possibilities(EventType event, const std::vector<const FilterModel*>& filters, const Surroundings& surroundings)
+        : junction({}, event, filters, surroundings) {
+        for (const FilterModel* const each : filters) {
+            numbers.emplace(each, numbers.size());
+        }
+    }
+
+    bool has(const Way& way, const Ways& ways) const {
+        std::vector<Clause> clauses;
+        for (const std::size_t index : way.demands) {
+            const Demand& demand = ways.demands[index];
+            if (std::ranges::any_of(demand, [](const Asked& each) { return numbersDrawnBy(*each.filter) > 0; })) {
+                continue;
+            }
+            Clause& clause = clauses.emplace_back();
+            for (const Asked& each : demand) {
+                const std::size_t number = numbers.at(each.filter);
+                clause.push_back(
+                    (each.outcome ? junction.furtherHolds(number) : junction.furtherFails(number)).front());
+            }
+        }
+        Junction::Question question;
+        std::ranges::transform(clauses, std::back_inserter(question.clauses), [](const Clause& each) { return &each; });
+        Effort little{kMostOfPossibility};
+        return junction.decide(question, Values::All, little) != Verdict::No;
+    }
+
+  private:
+    const Junction junction;
+    std::map<const FilterModel*, std::size_t> numbers;
+};
 
 std::size_t numbersDrawnBy(const FilterModel& filter) {
     const auto count = [&](const OperandModel& operand) -> std::size_t {
@@ -110,8 +147,11 @@ void WayFinder::addEffects(std::size_t transition, bool ofEvent, std::vector<Eff
 
 // Asks the transitions one after the other. A filter that is false keeps those behind it from drawing, so that a
 // transition can be passed in as many ways as it can have drawn different counts of numbers.
-void WayFinder::ask(Begun first, const std::vector<std::size_t>& transitions, Ways& ways, std::vector<Begun>& fired,
-                    std::vector<Begun>& passed) {
+void WayFinder::ask(Begun first, const std::vector<std::size_t>& transitions, const Possibilities* possibilities,
+                    Ways& ways, std::vector<Begun>& fired, std::vector<Begun>& passed) {
+    const auto isImpossible = [&](const Begun& each) {
+        return possibilities != nullptr && !possibilities->has(each.way, ways);
+    };
     const bool ofEvent = !first.hasMoved;
     std::vector<Begun> open = {std::move(first)};
     for (std::size_t place = 0; place < transitions.size(); ++place) {
@@ -151,11 +191,13 @@ void WayFinder::ask(Begun first, const std::vector<std::size_t>& transitions, Wa
             }
         }
         open = std::move(left);
+        std::erase_if(open, isImpossible);
         if (open.size() > kMostWaysByDraws) {
             ways.isWhole = false;
             return;
         }
     }
+    std::erase_if(fired, isImpossible);
     std::ranges::move(open, std::back_inserter(passed));
 }
 
@@ -172,7 +214,7 @@ void WayFinder::follow(Begun first, Ways& ways) {
         } else {
             const std::size_t before = open.size();
             const auto& transitions = listening(begun.state, EventType::EnteringState);
-            ask(std::move(begun), transitions, ways, open, waiting);
+            ask(std::move(begun), transitions, nullptr, ways, open, waiting);
             std::for_each(open.begin() + static_cast<std::ptrdiff_t>(before), open.end(),
                           [](Begun& each) { ++each.moves; });
         }
@@ -211,7 +253,21 @@ const Ways& WayFinder::waysFrom(std::size_t state, EventType event) {
     std::vector<Begun> fired;
     std::vector<Begun> passed;
     ways.failures.resize(transitions.size());
-    ask({{.place = Way::kPassed}, state}, transitions, ways, fired, passed);
+    std::vector<const FilterModel*> filters;  // that draw nothing
+    bool isDrawn = false;
+    for (const std::size_t each : transitions) {
+        for (const FilterModel& filter : model.transitions[each].filters) {
+            isDrawn = isDrawn || numbersDrawnBy(filter) > 0;
+            if (numbersDrawnBy(filter) == 0) {
+                filters.push_back(&filter);
+            }
+        }
+    }
+    std::optional<Possibilities> possibilities;
+    if (isDrawn) {
+        possibilities.emplace(event, filters, surroundings);
+    }
+    ask({{.place = Way::kPassed}, state}, transitions, possibilities ? &*possibilities : nullptr, ways, fired, passed);
     for (Begun& each : fired) {
         if (const auto& whole = wayThrough(transitions[each.way.place])) {
             each.way.effects = whole->effects;

@@ -86,6 +86,8 @@ class WayFinder {
     const std::optional<Way>& wayThrough(std::size_t transition);
 
   private:
+    class Possibilities;
+
     // It is the beginning of a way.
     struct Begun {
         Way way;
@@ -96,8 +98,8 @@ class WayFinder {
 
     std::optional<bool> constantOutcome(const FilterModel& filter, bool ofEvent);
     bool add(const Demand& demand, Way& way, Ways& ways);
-    void ask(Begun first, const std::vector<std::size_t>& transitions, Ways& ways, std::vector<Begun>& fired,
-             std::vector<Begun>& passed);
+    void ask(Begun first, const std::vector<std::size_t>& transitions, const Possibilities* possibilities, Ways& ways,
+             std::vector<Begun>& fired, std::vector<Begun>& passed);
     void follow(Begun first, Ways& ways);
     void addEffects(std::size_t transition, bool ofEvent, std::vector<Effect>& effects) const;
 
