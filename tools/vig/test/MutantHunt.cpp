@@ -250,6 +250,9 @@ class MutantHunt {
         services.emplace(group);
         score.survived = survivors.size();
         for (Survivor& each : survivors) {
+            if (interruption.requested()) {
+                break;
+            }
             show(each);
         }
         if (isToWrite) {
