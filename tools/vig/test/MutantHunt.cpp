@@ -1,6 +1,7 @@
 // A mutant costs no more than what differs: its machines share all filters and actions with those of the document, and
-// only those tests are run in which a machine came to the state whose transition has changed. What they do not notice
-// is compared with the document, and then, if that can be seen, shown to the properties.
+// only those tests are run in which a machine is offered an event of the type, in the state, whose transition has
+// changed. What they do not notice is compared with the document, and then, if that can be seen, shown to the
+// properties.
 
 #include "tools/vig/test/MutantHunt.h"
 
@@ -14,6 +15,8 @@
 #include <numeric>
 #include <optional>
 #include <set>
+#include <string_view>
+#include <tuple>
 #include <unordered_map>
 #include <utility>
 
@@ -38,6 +41,7 @@ namespace Brenta::OS::VIG::Tool {
 namespace {
 
 using RulesEngine::Action;
+using RulesEngine::EventType;
 using RulesEngine::Filter;
 using RulesEngine::FiniteStateMachine;
 using RulesEngine::State;
@@ -50,19 +54,28 @@ constexpr std::size_t kMostShownDoings = 3;
 
 using Machines = MachineGroup::Configs;
 
-// Learns to which states machines come, be it on the way. The first one is not told.
+// Learns in which states machines are offered events of a type, be it on the way to another one.
 class Visits final : public Trace {
   public:
+    struct Visit {
+        std::size_t machine;
+        std::string_view state;
+        EventType type;
+
+        auto operator<=>(const Visit&) const = default;
+    };
+
     void loaded(const DocumentModel& /*document*/) override {}
 
+    // No step tells that a state was entered in which nothing listens for that.
     void step(const Step& step) override {
-        states.emplace(step.machine.index, step.state);
+        all.insert({step.machine.index, step.state, step.type});
         if (step.fired()) {
-            states.emplace(step.machine.index, step.attempts.back().transition->to);
+            all.insert({step.machine.index, step.attempts.back().transition->to, EventType::EnteringState});
         }
     }
 
-    std::set<std::pair<std::size_t, std::string_view>> states;
+    std::set<Visit> all;
 };
 
 // Learns what is logged.
@@ -220,7 +233,7 @@ class MutantHunt {
                const std::vector<LogLines::Line>& parsing, const Interruption& interruption)
         : document(document),
           name(name),
-          tests(tests),
+          tests(shortestFirst(tests)),
           parsing(parsing),
           interruption(interruption),
           group(context, check, nullptr),
@@ -250,6 +263,9 @@ class MutantHunt {
         services.emplace(group);
         score.survived = survivors.size();
         for (Survivor& each : survivors) {
+            if (interruption.requested()) {
+                break;
+            }
             show(each);
         }
         if (isToWrite) {
@@ -259,7 +275,12 @@ class MutantHunt {
     }
 
   private:
-    // Notes in which tests of the unchanged document a machine comes to a state.
+    static std::vector<const TestCase*> shortestFirst(std::vector<const TestCase*> tests) {
+        std::ranges::stable_sort(tests, {}, [](const TestCase* each) { return each->events->size(); });
+        return tests;
+    }
+
+    // Notes in which tests of the unchanged document a machine is offered which events in which states.
     void noteVisits() {
         Visits visits;
         Tracer tracer(visits);
@@ -269,9 +290,9 @@ class MutantHunt {
         const auto registry = tracer.registryFrom(machines.names());
         traced.adopt(tracer.watch(document.configs, parse(document, registry)));
         for (std::size_t index = 0; index < tests.size(); ++index) {
-            visits.states.clear();
+            visits.all.clear();
             for (std::size_t machine = 0; machine < document.configs.size(); ++machine) {
-                visits.states.emplace(machine, State::START_STATE);
+                visits.all.insert({machine, State::START_STATE, EventType::EnteringState});
             }
             context = tests[index]->context;
             draw = tests[index]->draws.source();
@@ -279,8 +300,8 @@ class MutantHunt {
             for (const EventRecord& each : *tests[index]->events) {
                 traced.offer(each);
             }
-            for (const auto& [machine, state] : visits.states) {
-                visitors[{machine, std::string(state)}].push_back(index);
+            for (const auto& [machine, state, type] : visits.all) {
+                visitors[{machine, std::string(state), type}].insert(index);
             }
         }
     }
@@ -291,14 +312,25 @@ class MutantHunt {
             return;
         }
         group.adopt(std::move(made));
-        const std::string& from = document.configs[mutant.machine].transitions[mutant.changes.front().first].from;
-        const auto concerned = visitors.find({mutant.machine, from});
-        if (concerned != visitors.end() &&
-            !std::ranges::all_of(concerned->second, [this](std::size_t test) { return passes(*tests[test]); })) {
+        if (!std::ranges::all_of(concernedBy(mutant), [this](std::size_t test) { return passes(*tests[test]); })) {
             ++score.noticed;
             return;
         }
         compare(mutant);
+    }
+
+    // Returns the tests in which the transitions that have changed are tried, or would be.
+    std::set<std::size_t> concernedBy(const Mutant& mutant) const {
+        std::set<std::size_t> concerned;
+        for (const auto& [index, changed] : mutant.changes) {
+            const TransitionModel& own = document.configs[mutant.machine].transitions[index];
+            for (const EventType type : {own.event, changed ? changed->event : own.event}) {
+                if (const auto found = visitors.find({mutant.machine, own.from, type}); found != visitors.end()) {
+                    concerned.insert(found->second.begin(), found->second.end());
+                }
+            }
+        }
+        return concerned;
     }
 
     // Tells whether the machines of the group pass a test.
@@ -491,12 +523,13 @@ class MutantHunt {
 
     const DocumentModel& document;
     const std::string& name;
-    const std::vector<const TestCase*>& tests;
+    const std::vector<const TestCase*> tests;    // the shortest ones first, as most mutants are noticed by several
     const std::vector<LogLines::Line>& parsing;  // what is logged before the machines start
     const Interruption& interruption;
     MutantScore score;
     std::vector<Survivor> survivors;
-    std::map<std::pair<std::size_t, std::string>, std::vector<std::size_t>> visitors;  // tests, by machine and state
+    // The tests, by machine, state and the type of an event that is offered there.
+    std::map<std::tuple<std::size_t, std::string, EventType>, std::set<std::size_t>> visitors;
 
     AttributeSet context;  // of the test that runs
     std::function<double()> draw;
