@@ -10,12 +10,12 @@ export PATH
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 replayed=$work/replayed
-if grep -q '^```json .' "$page"; then
-    mkdir "$work/folder"
-    ln -s "$folder"/* "$work/folder"
-    folder=$work/folder
-    awk -v folder="$folder" '/^```/ { file = $1 == "```json" && NF == 2 ? folder "/" $2 : ""; next } file { print >file }' "$page"
-fi
+# The commands may write files, and the folder may not be theirs to write to.
+mkdir -p "$work/docs/tutorial"
+ln -s "$folder"/* "$work/docs/tutorial"
+ln -s "$folder"/../../examples "$work"
+folder=$work/docs/tutorial
+awk -v folder="$folder" '/^```/ { file = $1 == "```json" && NF == 2 ? folder "/" $2 : ""; next } file { print >file }' "$page"
 
 commands=0 inside=false
 while IFS= read -r line || [ -n "$line" ]; do
