@@ -93,6 +93,23 @@ repeats. Only the odds are the same in the first one.
   {"id":3,"old":3,"new":null,"verdict":"different","events":1,"shortest":true,"same_odds":false,"changes":["no longer logs on Test in state start"],"recording":{"events":[{"event":"Test","uint64":{"memUsedMaxBytes":1,"numCompressedDataBytes":1}}],"draws":{"old":[],"new":[]}},"explanation":{"old":["Test in state start","  configs[3].payload.data.transitions[0] -> end: fires","    runs  LogZramHeartBe
   ]}
 
+Odds that only add up to the same are the same; others, or another state in which they count, are not.
+
+  $ drawn() { machines <<<"start hot ProcessMemoryHeartBeat | $1 | TriggerVelora ; start cold ProcessMemoryHeartBeat | $2 ; hot start Test ; cold ${3:-start} Test"; }
+  $ r="double PseudoRandomDouble()"
+  $ drawn "$r < =0.25" "$r < =0.5" >old.json
+  $ odds() { drawn "$@" >new.json; differ --format json | grep -o '"same_odds":[a-z]*'; }
+  $ odds "$r >= =0.75" "$r >= =0.5"
+  "same_odds":true
+  $ odds "$r >= =0.25" "$r < =0.5"
+  "same_odds":false
+  $ odds "$r >= =0.75" "$r < =0.5" other
+  "same_odds":false
+  $ odds "$r >= =0.75 & integer x > =0" "$r < =0.5"
+  "same_odds":false
+  $ odds "double x < PseudoRandomDouble()" "$r < =0.5"
+  "same_odds":false
+
 A change deep in the document is found at the end of the shortest way there. What a circle of draws leaves open is no
 claim.
 
