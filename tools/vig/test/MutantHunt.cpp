@@ -8,6 +8,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <array>
 #include <deque>
 #include <functional>
 #include <map>
@@ -15,6 +16,7 @@
 #include <numeric>
 #include <optional>
 #include <set>
+#include <span>
 #include <string_view>
 #include <tuple>
 #include <unordered_map>
@@ -159,15 +161,12 @@ class MutantMachines {
         }
     }
 
-    // Returns all machines of the document, one of them as the mutant has it if there is one; none if the library
-    // refuses that.
+    // Returns all machines of the document, one of them as the mutant has it if there is one.
     Machines make(const Mutant* mutant) const {
         Machines made;
         for (std::size_t index = 0; index < parsed.size(); ++index) {
             auto machine = std::make_unique<FiniteStateMachine>();
-            if (!fill(*machine, index, mutant != nullptr && mutant->machine == index ? mutant : nullptr)) {
-                return {};
-            }
+            fill(*machine, index, mutant != nullptr && mutant->machine == index ? mutant : nullptr);
             made.push_back(std::make_unique<VIGConfig>(
                 parsed[index]->getConfigId(),
                 std::make_unique<VIGConfigPayload>(parsed[index]->getConfigPayload()->getConfigPayloadId(),
@@ -179,7 +178,7 @@ class MutantMachines {
     const VIGParserConfig& names() const { return registry; }
 
   private:
-    bool fill(FiniteStateMachine& machine, std::size_t index, const Mutant* mutant) const {
+    void fill(FiniteStateMachine& machine, std::size_t index, const Mutant* mutant) const {
         const ConfigModel& config = document.configs[index];
         for (std::size_t each = 0; each < config.transitions.size(); ++each) {
             const Mutant::Change* const change = mutant != nullptr ? changeOf(*mutant, each) : nullptr;
@@ -187,28 +186,24 @@ class MutantMachines {
                 const Transition& own = *transitions[index][each];
                 machine.addTransition(config.transitions[each].from, config.transitions[each].to, own.getEventType(),
                                       own.getFilters(), own.getActions());
-            } else if (change->second && !add(machine, *change->second)) {
-                return false;
+            } else if (change->second) {
+                add(machine, *change->second);
             }
         }
-        return true;
     }
 
-    bool add(FiniteStateMachine& machine, const TransitionModel& model) const {
+    // A mutant has nothing that the library refuses.
+    void add(FiniteStateMachine& machine, const TransitionModel& model) const {
         std::vector<std::shared_ptr<Filter>> itsFilters;
         for (const FilterModel& each : model.filters) {
             const auto known = filters.find(each.json);
             itsFilters.push_back(known != filters.end() ? known->second : _parseFilter(*each.json, registry));
-            if (!itsFilters.back()) {
-                return false;
-            }
         }
         std::vector<std::shared_ptr<Action>> itsActions;
         for (const ActionModel& each : model.actions) {
             itsActions.push_back(actions.at(each.place.begin));
         }
         machine.addTransition(model.from, model.to, model.event, std::move(itsFilters), std::move(itsActions));
-        return true;
     }
 
     const DocumentModel& document;
@@ -266,7 +261,7 @@ class MutantHunt {
             if (interruption.requested()) {
                 break;
             }
-            show(each);
+            show(each, isToWrite);
         }
         if (isToWrite) {
             chooseTests();
@@ -307,12 +302,11 @@ class MutantHunt {
     }
 
     void judge(const Mutant& mutant) {
-        Machines made = machines.make(&mutant);
-        if (made.empty()) {
-            return;
+        const std::set<std::size_t> concerned = concernedBy(mutant);
+        if (!concerned.empty()) {
+            group.adopt(machines.make(&mutant));
         }
-        group.adopt(std::move(made));
-        if (!std::ranges::all_of(concernedBy(mutant), [this](std::size_t test) { return passes(*tests[test]); })) {
+        if (!std::ranges::all_of(concerned, [this](std::size_t test) { return passes(*tests[test]); })) {
             ++score.noticed;
             return;
         }
@@ -434,13 +428,13 @@ class MutantHunt {
         return expected.lines();
     }
 
-    void show(Survivor& survivor) {
+    void show(Survivor& survivor, bool isToWrite) {
         const Mutant& mutant = survivor.mutant;
         const auto position = document.text.source().positionOf(mutant.place.begin);
         const std::string place = fmt::format("{}:{}:{}", printable(name), position.line, position.column);
         Doings before;
         Doings after;
-        std::vector<std::vector<double>> draws = {replay(survivor, nullptr, before), replay(survivor, &mutant, after)};
+        const auto draws = std::to_array({replay(survivor, nullptr, before), replay(survivor, &mutant, after)});
         const auto [first, other] = std::ranges::mismatch(before.all, after.all);
         if (first == before.all.end() && other == after.all.end()) {
             score.fault = fmt::format("the library does not show by {} events that {} [{}]",
@@ -453,8 +447,14 @@ class MutantHunt {
         if (first != before.all.end() && other != after.all.end()) {
             event = std::min(event, other->event);
         }
-        makeTest(survivor, draws);
+        const bool isDrawn = !draws[0].empty() || !draws[1].empty();
+        if (isToWrite || isDrawn) {
+            makeTest(survivor, draws);
+        }
         describe(survivor, event, before, after);
+        if (isDrawn && !survivor.test) {
+            score.lines.push_back("    no test can notice it, since the draws of a test are one list");
+        }
     }
 
     void describe(const Survivor& survivor, std::uint64_t event, const Doings& before, const Doings& after) {
@@ -475,14 +475,11 @@ class MutantHunt {
         score.lines.push_back(std::move(when));
         score.lines.push_back("    unchanged: " + printable(before.at(event, inDetail)));
         score.lines.push_back("    changed:   " + printable(after.at(event, inDetail)));
-        if (!survivor.test) {
-            score.lines.push_back("    no test can notice it, since the draws of a test are one list");
-        }
     }
 
     // A test has one list of draws for all machines and events. Where one of the two machines draws more than the
     // other, no list may be left that shows the difference.
-    void makeTest(Survivor& survivor, const std::vector<std::vector<double>>& lists) {
+    void makeTest(Survivor& survivor, std::span<const std::vector<double>> lists) {
         TestCase test;
         test.name = "notices that " + printable(survivor.mutant.what);
         test.events = std::make_shared<std::vector<EventRecord>>(survivor.plan.events);
