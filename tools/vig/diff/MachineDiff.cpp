@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <limits>
 #include <set>
+#include <tuple>
 
 #include "tools/vig/diff/Odds.h"
 
@@ -164,15 +165,13 @@ class Differ::Search {
         if (transitions[0]->size() != transitions[1]->size()) {
             return false;
         }
-        std::vector<std::size_t> conditions;
         for (std::size_t place = 0; place < transitions[0]->size(); ++place) {
             const auto condition = differ.oldConditions[(*transitions[0])[place]];
             if (!condition || condition != newConditions[(*transitions[1])[place]]) {
                 return false;
             }
-            conditions.push_back(*condition);
         }
-        const Firings& firings = firingsOf(from.states[0], type, std::move(conditions));
+        const Firings& firings = firingsOf(from.states[0], type);
         std::vector<Both<std::size_t>> next;
         for (std::size_t place = 0; place < firings.size(); ++place) {
             const auto& through = machines[0]->wayThrough((*transitions[0])[place]);
@@ -199,8 +198,8 @@ class Differ::Search {
         return true;
     }
 
-    const Firings& firingsOf(std::size_t state, EventType type, std::vector<std::size_t> conditions) {
-        const auto [place, isNew] = differ.firings.try_emplace({type, std::move(conditions)});
+    const Firings& firingsOf(std::size_t state, EventType type) {
+        const auto [place, isNew] = differ.firings.try_emplace({state, type});
         Firings& firings = place->second;
         if (isNew || std::ranges::count(firings, Verdict::Undecided, &Firing::verdict) > 0) {
             const Ways& ways = machines[0]->waysFrom(state, type);
@@ -307,24 +306,29 @@ class Differ::Search {
 };
 
 Differ::Differ(const ConfigModel& config, const Surroundings& surroundings, States states)
-    : surroundings(surroundings), states(states), old(config, surroundings), oldConditions(conditionsOf(config)) {}
-
-std::vector<Differ::FilterText> Differ::textsOf(const TransitionModel& transition) {
-    std::vector<FilterText> texts;
-    for (const FilterModel& each : transition.filters) {
-        texts.emplace_back(each.op, each.valueType, each.operand1.operand.type, each.operand1.operand.value,
-                           each.operand2.operand.type, each.operand2.operand.value);
+    : surroundings(surroundings), states(states), old(config, surroundings) {
+    for (const TransitionModel& each : config.transitions) {
+        conditions.emplace(&each.filters, conditions.size());
     }
-    return texts;
+    oldConditions = conditionsOf(config);
 }
 
-std::vector<std::optional<std::size_t>> Differ::conditionsOf(const ConfigModel& config) {
+bool Differ::ComesBefore::operator()(const std::vector<FilterModel>* left,
+                                     const std::vector<FilterModel>* right) const {
+    const auto saidBy = [](const FilterModel& each) {
+        const auto& [one, other] = std::tie(each.operand1.operand, each.operand2.operand);
+        return std::tie(each.op, each.valueType, one.type, one.value, other.type, other.value);
+    };
+    return std::ranges::lexicographical_compare(*left, *right, {}, saidBy, saidBy);
+}
+
+std::vector<std::optional<std::size_t>> Differ::conditionsOf(const ConfigModel& config) const {
     std::vector<std::optional<std::size_t>> numbers;
     for (const TransitionModel& transition : config.transitions) {
         const bool isDrawn =
             std::ranges::any_of(transition.filters, [](const FilterModel& each) { return numbersDrawnBy(each) > 0; });
-        const std::size_t number = conditions.emplace(textsOf(transition), conditions.size()).first->second;
-        numbers.push_back(isDrawn ? std::nullopt : std::optional(number));
+        const auto found = conditions.find(&transition.filters);
+        numbers.push_back(isDrawn || found == conditions.end() ? std::nullopt : std::optional(found->second));
     }
     return numbers;
 }
@@ -333,8 +337,9 @@ std::vector<std::optional<std::size_t>> Differ::conditionsOf(const ConfigModel& 
 bool Differ::isWrittenAlike(const ConfigModel& changed) const {
     return std::ranges::equal(
         old.config().transitions, changed.transitions, [](const TransitionModel& left, const TransitionModel& right) {
+            constexpr ComesBefore comesBefore;
             return left.from == right.from && left.to == right.to && left.event == right.event &&
-                   textsOf(left) == textsOf(right) &&
+                   !comesBefore(&left.filters, &right.filters) && !comesBefore(&right.filters, &left.filters) &&
                    std::ranges::equal(left.actions, right.actions, {}, &ActionModel::key, &ActionModel::key);
         });
 }

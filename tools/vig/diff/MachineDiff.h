@@ -5,7 +5,6 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -64,10 +63,6 @@ class Differ {
   private:
     class Search;
 
-    // Filters and event types as documents write them are told apart by numbers.
-    using FilterText =
-        std::tuple<FilterOperator, FilterValueType, FilterOperand::Type, std::string, FilterOperand::Type, std::string>;
-
     // It says whether an event fires a transition: one that a record can hold, or else any other one.
     struct Firing {
         Verdict verdict;
@@ -75,20 +70,25 @@ class Differ {
     };
     using Firings = std::vector<Firing>;
 
-    static std::vector<FilterText> textsOf(const TransitionModel& transition);
+    // Filters are the same as far as what they say goes.
+    struct ComesBefore {
+        bool operator()(const std::vector<FilterModel>* left, const std::vector<FilterModel>* right) const;
+    };
+
     bool isWrittenAlike(const ConfigModel& changed) const;
 
-    // Returns the filters of each transition as a number; nothing where something is drawn.
-    std::vector<std::optional<std::size_t>> conditionsOf(const ConfigModel& config);
+    // Returns the filters of each transition as a number; nothing where something is drawn, or no transition of the old
+    // machine has such filters.
+    std::vector<std::optional<std::size_t>> conditionsOf(const ConfigModel& config) const;
 
     const Surroundings& surroundings;
     const States states;
     WayFinder old;
-    std::map<std::vector<FilterText>, std::size_t> conditions;
-    const std::vector<std::optional<std::size_t>> oldConditions;  // of its transitions
+    std::map<const std::vector<FilterModel>*, std::size_t, ComesBefore> conditions;  // of the old machine
+    std::vector<std::optional<std::size_t>> oldConditions;                           // by its transitions
 
-    // It is kept, for transitions with such filters in that order that listen together for such an event.
-    std::map<std::pair<RulesEngine::EventType, std::vector<std::size_t>>, Firings> firings;
+    // It is kept what events of a type do in a state of the old machine, by the place of the transitions that listen.
+    std::map<std::pair<std::size_t, RulesEngine::EventType>, Firings> firings;
 };
 
 }  // namespace Brenta::OS::VIG::Tool

@@ -82,6 +82,7 @@ WayFinder::WayFinder(const ConfigModel& config, const Surroundings& surroundings
         listeners[{numberOf(each.from), each.event}].push_back(index);
         targets.push_back(numberOf(each.to));
     }
+    through.resize(targets.size());
 }
 
 std::set<EventType> WayFinder::heardIn(std::size_t state) const {
@@ -230,17 +231,20 @@ void WayFinder::follow(Begun first, Ways& ways) {
 }
 
 const std::optional<Way>& WayFinder::wayThrough(std::size_t transition) {
-    const auto [place, isNew] = through.try_emplace(transition);
-    if (isNew) {
-        Begun begun{{}, targets[transition], true};
-        addEffects(transition, true, begun.way.effects);
-        Ways ways;
-        follow(std::move(begun), ways);
-        if (ways.isWhole && ways.ways.size() == 1 && ways.ways.front().numbers == 0) {
-            place->second = std::move(ways.ways.front());
-        }
+    std::optional<std::optional<Way>>& whole = through[transition];
+    if (whole) {
+        return *whole;
     }
-    return place->second;
+    Begun begun{{}, targets[transition], true};
+    addEffects(transition, true, begun.way.effects);
+    if (listening(begun.state, EventType::EnteringState).empty()) {
+        begun.way.rest = begun.state;
+        return whole.emplace(std::move(begun.way));
+    }
+    Ways ways;
+    follow(std::move(begun), ways);
+    const bool isOne = ways.isWhole && ways.ways.size() == 1 && ways.ways.front().numbers == 0;
+    return whole.emplace(isOne ? std::optional(std::move(ways.ways.front())) : std::nullopt);
 }
 
 const Ways& WayFinder::waysFrom(std::size_t state, EventType event) {

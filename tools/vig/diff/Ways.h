@@ -112,7 +112,7 @@ class WayFinder {
     // What was found out once is kept.
     std::map<const FilterModel*, bool> outcomes;  // of filters without draws, for the machine's own event
     std::map<std::pair<std::size_t, RulesEngine::EventType>, Ways> known;
-    std::map<std::size_t, std::optional<Way>> through;
+    std::vector<std::optional<std::optional<Way>>> through;  // by transition
 };
 
 }  // namespace Brenta::OS::VIG::Tool
