@@ -73,6 +73,14 @@ TEST(CommandLine, VerbsHaveTheirDefaultsAndOptions) {
     EXPECT_EQ(prove.rules, (Strings{"a", "b"}));
     EXPECT_EQ(prove.format, ProofFormat::Json);
     EXPECT_EQ(prove.witnessFolder + prove.contextFile + prove.catalogueFile, "wck");
+    const auto diff =
+        Parsed({"diff", "a", "b", "d", "e", "--states", "--context", "c", "--catalogue", "k", "-j", "3"}).diff;
+    EXPECT_EQ(diff.rules + diff.newRules + diff.contextFile + diff.catalogueFile, "abck");
+    EXPECT_EQ(diff.devices, (Strings{"d", "e"}));
+    EXPECT_EQ(diff.threads, 3u);
+    EXPECT_TRUE(diff.states);
+    const auto tune = Parsed({"tune", "r", "p", "d", "--target", "3/day", "--context", "c"}).tune;
+    EXPECT_EQ(tune.rules + tune.path + tune.devices.front() + tune.targetText + tune.contextFile, "rpd3/dayc");
     const auto graph =
         Parsed({"graph", "r", "--format", "png", "--events", "e", "--seed", "7", "--context", "c"}).graph;
     EXPECT_EQ(graph.rules + graph.events + graph.contextFile, "rec");
