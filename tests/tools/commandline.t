@@ -108,8 +108,9 @@ What is missing or wrong is a usage error, which names the help to read.
 
 Every verb has a help with an example.
 
-  $ for verb in run summary tune watch test check prove catalogue graph; do vig "$verb" --help | grep ^Example; done
+  $ for verb in run diff summary tune watch test check prove catalogue graph; do vig "$verb" --help | grep ^Example; done
   Example: which events of a recording fire a trigger? And why did the second transition not fire?
+  Example: does a change matter, and on which devices of a fleet?
   Example: two halves of a fleet, replayed apart
   Example: with which threshold does one device of a thousand fire? And with which one are there 3 triggers a day?
   Example: watch for ten seconds, then play the recording to rules that were changed:
@@ -122,9 +123,9 @@ Every verb has a help with an example.
   Subcommands:
     check                       Says what is wrong with rule documents, all at once.
     prove                       Decides what rule documents can do, for all events.
-    diff                        Decides whether two rule documents do the same, for all events.
     run                         Replays recorded events, and shows what the rules do with them.
-    summary                     Merges the summaries of runs over parts of a fleet.
+    diff                        Compares what two rule documents do, for all events or for recorded ones.
+    summary                     Merges the summaries of runs, or of comparisons, over parts of a fleet.
     tune                        Finds the threshold with which a share of a fleet fires.
     watch                       Observes this machine, and shows what the rules do with its events.
     catalogue                   Prints which attributes the events of a recording have.

@@ -98,9 +98,9 @@ claim.
 
   $ machines >old.json <<'END'
   > start a Test ; a b Test ; b start Test ; b c ProcessMemoryHeartBeat | integer vmRssKB > =20000 & double cpu < =0.5 | TriggerVelora
-  > start a Test ; a a EnteringState | double PseudoRandomDouble() < =0.5 | ; a start Test
+  > start a Test ; a a EnteringState | double PseudoRandomDouble() < =0.25 | ; a start Test
   > END
-  $ sed 's/20000/15000/' old.json >new.json
+  $ sed 's/20000/15000/; s/0\.25/0.125/' old.json >new.json
   $ differ
   old.json -> new.json: 1 changed, 1 not decided
     changed      0  triggers for vmRssKB 15001 to 20000, cpu below 0.5 in state b
@@ -128,8 +128,8 @@ claim.
   {"id":1,"old":1,"new":1,"verdict":"not decided","events":1}
   ]}
 
-  $ differ missing.json
-  vig: error: The following argument was not expected: missing.json
+  $ differ missing.json --states
+  vig: error: markdown, --states and --catalogue are for documents without event records
   Try: vig diff --help
   [2]
   $ echo '{}' >new.json
