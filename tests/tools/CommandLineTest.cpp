@@ -43,11 +43,11 @@ TEST(CommandLine, VerbsHaveTheirDefaultsAndOptions) {
     EXPECT_EQ(summary.format, ReportFormat::Json);
     EXPECT_EQ(Parsed({"summary"}).summary.files, Strings{"-"});
     const auto test = Parsed({"test", "--filter", "n", "a", "b", "--coverage", "--coverage-min", "99.5", "--junit", "x",
-                              "--draw", "0.7"})
+                              "--draw", "0.7", "--mutants", "--write", "w"})
                           .test;
     EXPECT_EQ(test.files, (Strings{"a", "b"}));
-    EXPECT_EQ(test.filter + test.junitFile, "nx");
-    EXPECT_TRUE(test.coverage);
+    EXPECT_EQ(test.filter + test.junitFile + test.writeFile, "nxw");
+    EXPECT_TRUE(test.coverage && test.mutants);
     EXPECT_EQ(test.coverageMin, 99.5);
     EXPECT_EQ(test.draws.numbers, std::vector{0.7});
     EXPECT_EQ(Parsed({"test", "--generate", "r"}).test.generate, "r");

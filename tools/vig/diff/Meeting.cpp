@@ -211,18 +211,9 @@ bool Meeting::excludeEachOther(const Pair& pair) const {
     });
 }
 
-std::vector<Meeting::Pair> Meeting::pairs() const {
-    std::vector<Pair> pairs;
-    for (std::size_t old = 0; old < ways[0]->ways.size(); ++old) {
-        for (std::size_t changed = 0; changed < ways[1]->ways.size(); ++changed) {
-            const Pair pair = {old, changed};
-            const bool isIdle = way(0, old).place == Way::kPassed && way(1, changed).place == Way::kPassed;
-            if (!isIdle && !contradicts(0, pair) && !contradicts(1, pair) && !excludeEachOther(pair)) {
-                pairs.push_back(pair);
-            }
-        }
-    }
-    return pairs;
+bool Meeting::isWorthAsking(const Pair& pair) const {
+    const bool isIdle = way(0, pair[0]).place == Way::kPassed && way(1, pair[1]).place == Way::kPassed;
+    return !isIdle && !contradicts(0, pair) && !contradicts(1, pair) && !excludeEachOther(pair);
 }
 
 Junction::Question Meeting::toGo(const Pair& pair) const {

@@ -19,6 +19,8 @@ constexpr std::size_t kMostMoves = FiniteStateMachine::MAX_ENTERING_STATE_MOVES;
 constexpr std::size_t kMostWaysByDraws = 200;
 constexpr std::uint64_t kMostOfPossibility = 10'000;
 constexpr std::size_t kMostMovesInAll = 100'000;
+// Each transition demands that all before it fail, which are too many in a state of thousands.
+constexpr std::size_t kMostDemands = 20'000'000;
 
 }  // namespace
 
@@ -155,6 +157,7 @@ void WayFinder::ask(Begun first, const std::vector<std::size_t>& transitions, co
     };
     const bool ofEvent = !first.hasMoved;
     std::vector<Begun> open = {std::move(first)};
+    std::size_t demanded = 0;
     for (std::size_t place = 0; place < transitions.size(); ++place) {
         std::vector<Begun> left;
         for (Begun& before : open) {
@@ -188,12 +191,13 @@ void WayFinder::ask(Begun first, const std::vector<std::size_t>& transitions, co
                 holding.way.place = ofEvent ? place : holding.way.place;
                 holding.state = targets[transitions[place]];
                 addEffects(transitions[place], ofEvent, holding.way.effects);
+                demanded += holding.way.demands.size();
                 fired.push_back(std::move(holding));
             }
         }
         open = std::move(left);
         std::erase_if(open, isImpossible);
-        if (open.size() > kMostWaysByDraws) {
+        if (open.size() > kMostWaysByDraws || demanded > kMostDemands) {
             ways.isWhole = false;
             return;
         }
