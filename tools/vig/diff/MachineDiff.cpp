@@ -251,7 +251,7 @@ class Differ::Search {
             return {MachineDiff::Verdict::Undecided, diff.events};
         }
         const bool isDrawn = std::ranges::any_of(diff.plan.draws, [](const auto& each) { return !each.empty(); });
-        diff.areOddsSame = isDrawn && haveSameOdds({machines[0], machines[1]}, differ.surroundings);
+        diff.areOddsSame = isDrawn && haveSameOdds({machines[0], machines[1]}, differ.surroundings, differ.states);
         diff.states = {std::string(machines[0]->stateName(last[0])), std::string(machines[1]->stateName(last[1]))};
         return diff;
     }

@@ -7,9 +7,9 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <deque>
 #include <map>
 #include <set>
+#include <string_view>
 #include <utility>
 
 #include "tools/vig/document/NormalFilter.h"
@@ -20,7 +20,7 @@ using RulesEngine::EventType;
 
 namespace {
 
-constexpr double kLeastDifference = 1e-12;  // of what is added up of doubles
+constexpr double kLeastDifference = 1e-15;  // what is added up of doubles can be off by less
 constexpr std::uint64_t kEffortOfWay = 50;
 
 // Returns how probable it is that a filter that draws one number is true; nothing if that depends on an attribute.
@@ -39,8 +39,8 @@ std::optional<double> oddsOf(const FilterModel& filter) {
 
 class Odds {
   public:
-    Odds(const Both<WayFinder*>& machines, const Surroundings& surroundings)
-        : machines(machines), surroundings(surroundings) {}
+    Odds(const Both<WayFinder*>& machines, const Surroundings& surroundings, Differ::States states)
+        : machines(machines), surroundings(surroundings), states(states) {}
 
     bool areSame() {
         const Both<Ways> start = {machines[0]->waysFromStart(), machines[1]->waysFromStart()};
@@ -67,7 +67,12 @@ class Odds {
     using Chances = std::map<std::pair<std::vector<std::pair<const KnownAction*, bool>>, std::size_t>, double>;
 
     void find(const Place& place, std::vector<std::size_t>& found) {
-        if (classes.emplace(place, 0).second) {
+        std::size_t number = 0;
+        if (states == Differ::States::Compared) {
+            const std::string_view name = machines[place.first]->stateName(place.second);
+            number = names.emplace(name, names.size()).first->second;
+        }
+        if (classes.emplace(place, number).second) {
             found.push_back(place.second);
         }
     }
@@ -213,14 +218,16 @@ class Odds {
 
     const Both<WayFinder*> machines;
     const Surroundings& surroundings;
+    const Differ::States states;
+    std::map<std::string_view, std::size_t> names;
     std::map<Place, std::size_t> classes;
     bool isKnown = true;  // otherwise nothing is claimed
 };
 
 }  // namespace
 
-bool haveSameOdds(const Both<WayFinder*>& machines, const Surroundings& surroundings) {
-    return Odds(machines, surroundings).areSame();
+bool haveSameOdds(const Both<WayFinder*>& machines, const Surroundings& surroundings, Differ::States states) {
+    return Odds(machines, surroundings, states).areSame();
 }
 
 }  // namespace Brenta::OS::VIG::Tool
