@@ -19,6 +19,7 @@ namespace {
 
 constexpr std::uint64_t kMostOfQuestion = 2'000'000;
 constexpr std::uint64_t kEffortOfPair = 20;
+constexpr std::uint64_t kEffortOfWay = 100;  // to ask what it demands
 constexpr std::size_t kMostChanges = 4;
 constexpr std::size_t kNone = std::numeric_limits<std::size_t>::max();
 
@@ -127,30 +128,53 @@ class Differ::Search {
         if (!meeting.isWhole()) {
             noteGap(events);
         }
-        for (const Meeting::Pair& pair : meeting.pairs()) {
-            if (!effort.spend(meeting.way(0, pair[0]).demands.size() + meeting.way(1, pair[1]).demands.size())) {
+        for (std::size_t old = 0; old < meeting.wayCount(0); ++old) {
+            if (!effort.spend(kEffortOfWay + meeting.wayCount(1))) {
                 noteGap(events);
                 return;
             }
-            const Both<std::size_t> next = {meeting.way(0, pair[0]).rest, meeting.way(1, pair[1]).rest};
-            const auto differences = differencesOf(meeting, pair);
-            for (std::size_t each = 0; each < differences.size() && changes.size() < kMostChanges; ++each) {
-                const Verdict verdict = ask(meeting, differences[each].question);
-                if (verdict == Verdict::Yes) {
-                    // With what events must have first, the most telling one is the first.
-                    changes.push_back({index, type, pair, each});
-                    break;
-                } else if (verdict == Verdict::Undecided) {
-                    noteGap(events);
+            for (std::size_t changed = 0; changed < meeting.wayCount(1); ++changed) {
+                const Meeting::Pair pair = {old, changed};
+                if (meeting.isWorthAsking(pair)) {
+                    goBoth(meeting, pair, {index, type, events});
                 }
             }
-            if (changes.empty() && !seen.contains(next)) {
-                const Verdict verdict = ask(meeting, meeting.toGo(pair));
-                if (verdict == Verdict::Yes) {
-                    add({next, index, type, {}, events, pair});
-                } else if (verdict == Verdict::Undecided) {
-                    noteGap(events);
-                }
+        }
+    }
+
+    // It is an event from the node, which may be the start.
+    struct From {
+        std::size_t node;
+        EventType type;
+        std::size_t events;  // with it
+    };
+
+    void goBoth(const Meeting& meeting, const Meeting::Pair& pair, const From& from) {
+        const Way& old = meeting.way(0, pair[0]);
+        const Way& changed = meeting.way(1, pair[1]);
+        if (!effort.spend(old.demands.size() + changed.demands.size())) {
+            noteGap(from.events);
+            return;
+        }
+        const auto differences = differencesOf(meeting, pair);
+        for (std::size_t each = 0; each < differences.size() && changes.size() < kMostChanges; ++each) {
+            const Verdict verdict = ask(meeting, differences[each].question);
+            if (verdict == Verdict::Yes) {
+                // With what events must have first, the most telling one is the first.
+                changes.push_back({from.node, from.type, pair, each});
+                break;
+            }
+            if (verdict == Verdict::Undecided) {
+                noteGap(from.events);
+            }
+        }
+        const Both<std::size_t> next = {old.rest, changed.rest};
+        if (changes.empty() && !seen.contains(next)) {
+            const Verdict verdict = ask(meeting, meeting.toGo(pair));
+            if (verdict == Verdict::Yes) {
+                add({next, from.node, from.type, {}, from.events, pair});
+            } else if (verdict == Verdict::Undecided) {
+                noteGap(from.events);
             }
         }
     }

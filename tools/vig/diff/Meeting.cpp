@@ -84,7 +84,8 @@ Meeting::Meeting(EventType event, const Both<const Ways*>& ways, const Surroundi
             for (const Effect& each : way.effects) {
                 const std::string name(each.action->name);
                 if (each.ofEvent && std::ranges::count(actions.actions, name, &ActionModel::key) == 0) {
-                    actions.actions.push_back({{}, name, name});
+                    ActionModel& added = actions.actions.emplace_back();
+                    added.name = added.key = name;
                 }
                 for (const ActionNeed& need : each.action->needs) {
                     longest = std::max(longest, need.attribute.size());
@@ -185,18 +186,9 @@ bool Meeting::contradicts(std::size_t side, const Pair& pair) const {
     return failed != failedPlaces[other].end() && failed->second < way(other, pair[other]).place;
 }
 
-std::vector<Meeting::Pair> Meeting::pairs() const {
-    std::vector<Pair> pairs;
-    for (std::size_t old = 0; old < ways[0]->ways.size(); ++old) {
-        for (std::size_t changed = 0; changed < ways[1]->ways.size(); ++changed) {
-            const Pair pair = {old, changed};
-            const bool isIdle = way(0, old).place == Way::kPassed && way(1, changed).place == Way::kPassed;
-            if (!isIdle && !contradicts(0, pair) && !contradicts(1, pair)) {
-                pairs.push_back(pair);
-            }
-        }
-    }
-    return pairs;
+bool Meeting::isWorthAsking(const Pair& pair) const {
+    const bool isIdle = way(0, pair[0]).place == Way::kPassed && way(1, pair[1]).place == Way::kPassed;
+    return !isIdle && !contradicts(0, pair) && !contradicts(1, pair);
 }
 
 Junction::Question Meeting::toGo(const Pair& pair) const {

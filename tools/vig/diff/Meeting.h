@@ -62,8 +62,10 @@ class Meeting {
     // Returns false if one of the machines may go other ways, too.
     bool isWhole() const { return ways[0]->isWhole && ways[1]->isWhole; }
 
-    // Returns the pairs of ways that may be gone by one event, but for those that leave both machines as they are.
-    std::vector<Pair> pairs() const;
+    std::size_t wayCount(std::size_t side) const { return ways[side]->ways.size(); }
+
+    // Returns false if no event makes the machines go these ways, or leaves both as they are then.
+    bool isWorthAsking(const Pair& pair) const;
 
     // Returns what an event fulfils by which the machines go these ways.
     Junction::Question toGo(const Pair& pair) const;

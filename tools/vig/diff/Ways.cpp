@@ -18,6 +18,8 @@ constexpr std::size_t kMostMoves = FiniteStateMachine::MAX_ENTERING_STATE_MOVES;
 // Only draws make many ways of one event.
 constexpr std::size_t kMostWaysByDraws = 200;
 constexpr std::size_t kMostMovesInAll = 100'000;
+// Each transition demands that all before it fail, which are too many in a state of thousands.
+constexpr std::size_t kMostDemands = 20'000'000;
 
 }  // namespace
 
@@ -114,6 +116,7 @@ void WayFinder::ask(Begun first, const std::vector<std::size_t>& transitions, Wa
                     std::vector<Begun>& passed) {
     const bool ofEvent = !first.hasMoved;
     std::vector<Begun> open = {std::move(first)};
+    std::size_t demanded = 0;
     for (std::size_t place = 0; place < transitions.size(); ++place) {
         std::vector<Begun> left;
         for (Begun& before : open) {
@@ -147,11 +150,12 @@ void WayFinder::ask(Begun first, const std::vector<std::size_t>& transitions, Wa
                 holding.way.place = ofEvent ? place : holding.way.place;
                 holding.state = targets[transitions[place]];
                 addEffects(transitions[place], ofEvent, holding.way.effects);
+                demanded += holding.way.demands.size();
                 fired.push_back(std::move(holding));
             }
         }
         open = std::move(left);
-        if (open.size() > kMostWaysByDraws) {
+        if (open.size() > kMostWaysByDraws || demanded > kMostDemands) {
             ways.isWhole = false;
             return;
         }
