@@ -93,6 +93,23 @@ repeats. Only the odds are the same in the first one.
   {"id":3,"old":3,"new":null,"verdict":"different","events":1,"shortest":true,"same_odds":false,"changes":["no longer logs on Test in state start"],"recording":{"events":[{"event":"Test","uint64":{"memUsedMaxBytes":1,"numCompressedDataBytes":1}}],"draws":{"old":[],"new":[]}},"explanation":{"old":["Test in state start","  configs[3].payload.data.transitions[0] -> end: fires","    runs  LogZramHeartBe
   ]}
 
+Odds that are hardly different are not the same, nor are those of states whose names count. What stands in a table of
+Markdown does not end its cells.
+
+  $ machines >old.json <<'END'
+  > start start Test | double PseudoRandomDouble() < =1e-13 & string axb == =_c_ | LogZramHeartBeat
+  > start a Test | double PseudoRandomDouble() < =0.25 ; start b Test ; a end Test | | LogZramHeartBeat ; b end Test | | LogZramHeartBeat
+  > END
+  $ sed -i 's/axb/a|b/' old.json
+  $ sed 's/1e-13/2e-13/; s/"to_state":"a"/"to_state":"c"/; s/"to_state":"b"/"to_state":"a"/; s/"to_state":"c"/"to_state":"b"/' old.json >new.json
+  $ differ --states --format markdown | head -6
+  **old.json \xe2\x86\x92 new.json**: 2 changed (esc)
+  
+  | configuration | | what is new |
+  |---|---|---|
+  | 0 | changed | logs, with some draws, for a&#124;b "&#95;c&#95;" in state start |
+  | 1 | changed | waits in another state, with some draws, on Test in state start |
+
 A change deep in the document is found at the end of the shortest way there. What a circle of draws leaves open is no
 claim.
 
