@@ -145,6 +145,15 @@ claim.
   {"id":1,"old":1,"new":1,"verdict":"not decided","events":1}
   ]}
 
+  $ machines >old.json <<'END'
+  > start a Test ; a a EnteringState | double PseudoRandomDouble() < =0.25
+  > END
+  $ sed 's/0\.25/0.125/' old.json >new.json
+  $ differ
+  old.json -> new.json: 1 not decided
+    not decided  0  not decided up to 1 event: no shorter recording shows a difference
+  [3]
+
   $ differ missing.json --states
   vig: error: markdown, --states and --catalogue are for documents without event records
   Try: vig diff --help

@@ -3,7 +3,6 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <memory>
 #include <optional>
 
 #include "tools/vig/catalogue/Catalogue.h"
