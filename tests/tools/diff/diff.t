@@ -110,6 +110,23 @@ Odds that only add up to the same are the same; others, or another state in whic
   $ odds "double x < PseudoRandomDouble()" "$r < =0.5"
   "same_odds":false
 
+Odds that are hardly different are not the same, nor are those of states whose names count. What stands in a table of
+Markdown does not end its cells.
+
+  $ machines >old.json <<'END'
+  > start start Test | double PseudoRandomDouble() < =1e-13 & string axb == =_c_ | LogZramHeartBeat
+  > start a Test | double PseudoRandomDouble() < =0.25 ; start b Test ; a end Test | | LogZramHeartBeat ; b end Test | | LogZramHeartBeat
+  > END
+  $ sed -i 's/axb/a|b/' old.json
+  $ sed 's/1e-13/2e-13/; s/"to_state":"a"/"to_state":"c"/; s/"to_state":"b"/"to_state":"a"/; s/"to_state":"c"/"to_state":"b"/' old.json >new.json
+  $ differ --states --format markdown | head -6
+  **old.json \xe2\x86\x92 new.json**: 2 changed (esc)
+  
+  | configuration | | what is new |
+  |---|---|---|
+  | 0 | changed | logs, with some draws, for a&#124;b "&#95;c&#95;" in state start |
+  | 1 | changed | waits in another state, with some draws, on Test in state start |
+
 A change deep in the document is found at the end of the shortest way there. What a circle of draws leaves open is no
 claim.
 
@@ -144,6 +161,15 @@ claim.
   {"id":0,"old":0,"new":0,"verdict":"different","events":3,"shortest":true,"same_odds":false,"changes"
   {"id":1,"old":1,"new":1,"verdict":"not decided","events":1}
   ]}
+
+  $ machines >old.json <<'END'
+  > start a Test ; a a EnteringState | double PseudoRandomDouble() < =0.25
+  > END
+  $ sed 's/0\.25/0.125/' old.json >new.json
+  $ differ
+  old.json -> new.json: 1 not decided
+    not decided  0  not decided up to 1 event: no shorter recording shows a difference
+  [3]
 
   $ vig diff missing.json new.json
   vig: error: missing.json: No such file or directory

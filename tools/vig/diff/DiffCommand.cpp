@@ -3,7 +3,6 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <memory>
 #include <optional>
 
 #include "tools/vig/catalogue/Catalogue.h"
@@ -37,7 +36,7 @@ int statusOf(const DocumentDiff& diff) {
     const auto has = [&](ConfigDiff::Status status) {
         return std::ranges::any_of(diff.configs, [&](const ConfigDiff& each) { return each.status() == status; });
     };
-    return has(ConfigDiff::Status::Changed)     ? kExitRefused
+    return has(ConfigDiff::Status::Changed)     ? kExitDifferent
            : has(ConfigDiff::Status::Undecided) ? kExitUndecided
                                                 : kExitDone;
 }

@@ -7,6 +7,7 @@
 
 namespace Brenta::OS::VIG::Tool {
 
+inline constexpr int kExitDifferent = 1;
 inline constexpr int kExitUndecided = 3;
 
 enum class DiffFormat { Text, Json, Markdown };

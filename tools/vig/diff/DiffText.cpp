@@ -1,7 +1,9 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cmath>
 #include <iterator>
+#include <string_view>
 
 #include "tools/vig/diff/DiffWriters.h"
 #include "tools/vig/events/EventNames.h"
@@ -52,10 +54,12 @@ std::string wordsFor(const Extent& extent) {
     if (std::holds_alternative<std::string>(*extent.example)) {
         return name + " such as " + shown(*extent.example);
     }
-    const bool hasLeast =
-        least && !(std::holds_alternative<double>(least->value) && std::get<double>(least->value) < -1e308 * 10);
-    const bool hasMost =
-        most && !(std::holds_alternative<double>(most->value) && std::get<double>(most->value) > 1e308 * 10);
+    const auto isInfinite = [](const Value& value) {
+        const auto* const number = std::get_if<double>(&value);
+        return number != nullptr && std::isinf(*number);
+    };
+    const bool hasLeast = least && !isInfinite(least->value);
+    const bool hasMost = most && !isInfinite(most->value);
     if (hasLeast && hasMost) {
         return fmt::format("{} {}{} to {}{}", name, least->isIncluded ? "" : "above ", shown(least->value),
                            most->isIncluded ? "" : "below ", shown(most->value));
@@ -276,6 +280,16 @@ std::string escaped(std::string text) {
     return html;
 }
 
+// A table of Markdown ends its cells by a bar, and takes other signs for letters in bold.
+std::string escapedInCell(const std::string& text) {
+    std::string markdown;
+    for (const char each : escaped(text)) {
+        const bool isSign = std::string_view("|`*_[\\~").find(each) != std::string_view::npos;
+        markdown += isSign ? fmt::format("&#{};", static_cast<int>(each)) : std::string(1, each);
+    }
+    return markdown;
+}
+
 }  // namespace
 
 std::string wordsFor(const MachineDiff::Change& change, const Both<std::string>& states) {
@@ -323,13 +337,13 @@ std::string textOf(const DocumentDiff& diff, const Both<std::string>& files) {
 }
 
 std::string markdownOf(const DocumentDiff& diff, const Both<std::string>& files) {
-    std::string text =
-        fmt::format("**{} → {}**: {}\n\n", escaped(printable(files[0])), escaped(printable(files[1])), countsOf(diff));
+    std::string text = fmt::format("**{} → {}**: {}\n\n", escapedInCell(printable(files[0])),
+                                   escapedInCell(printable(files[1])), countsOf(diff));
     text += "| configuration | | what is new |\n|---|---|---|\n";
     for (const ConfigDiff& each : diff.configs) {
         if (wordFor(each) != std::string_view("unchanged")) {
             text += fmt::format("| {} | {} | {} |\n", labelOf(each), wordFor(each),
-                                joined(summaryOf(each), "<br>", escaped));
+                                joined(summaryOf(each), "<br>", escapedInCell));
         }
     }
     const std::string unchanged = unchangedIdsOf(diff);

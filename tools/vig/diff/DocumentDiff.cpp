@@ -74,12 +74,30 @@ DocumentDiff compare(const Both<const DocumentModel*>& documents, Differ::States
                      const Surroundings& surroundings) {
     static const ConfigModel nothing{};
     DocumentDiff result{pair(documents)};
-    for (ConfigDiff& each : result.configs) {
-        const auto& [old, changed] = each.indices;
-        // The states of a machine that is nowhere else have no names that could differ.
-        const auto compared = old && changed ? states : Differ::States::Ignored;
-        Differ differ(old ? documents[0]->configs[*old] : nothing, surroundings, compared);
-        each.diff = differ.to(changed ? documents[1]->configs[*changed] : nothing);
+    // One that takes long leaves the others their share, and has what they did not need thereafter.
+    std::map<const ConfigDiff*, std::uint64_t> shares;
+    for (const bool isAgain : {false, true}) {
+        std::vector<ConfigDiff*> open;
+        for (ConfigDiff& each : result.configs) {
+            if (!isAgain || each.diff.verdict == MachineDiff::Verdict::Undecided) {
+                open.push_back(&each);
+            }
+        }
+        for (std::size_t index = 0; index < open.size(); ++index) {
+            const std::uint64_t share = surroundings.effort.left / (open.size() - index);
+            if (isAgain && share <= shares[open[index]]) {
+                continue;
+            }
+            shares[open[index]] = share;
+            const auto& [old, changed] = open[index]->indices;
+            Effort effort{share, surroundings.effort.interruption};
+            const Surroundings ofShare{surroundings.registry, surroundings.catalogue, surroundings.context, effort};
+            // The states of a machine that is nowhere else have no names that could differ.
+            const auto compared = old && changed ? states : Differ::States::Ignored;
+            Differ differ(old ? documents[0]->configs[*old] : nothing, ofShare, compared);
+            open[index]->diff = differ.to(changed ? documents[1]->configs[*changed] : nothing);
+            surroundings.effort.spend(share - effort.left);
+        }
     }
     for (std::size_t side = 0; side < documents.size(); ++side) {
         Rehearsal rehearsal(documents[side]->configs, surroundings.context);

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <set>
 #include <utility>
 
 #include "tools/vig/catalogue/ActionNeeds.h"
@@ -84,7 +85,8 @@ Meeting::Meeting(EventType event, const Both<const Ways*>& ways, const Surroundi
             for (const Effect& each : way.effects) {
                 const std::string name(each.action->name);
                 if (each.ofEvent && std::ranges::count(actions.actions, name, &ActionModel::key) == 0) {
-                    actions.actions.push_back({{}, name, name});
+                    ActionModel& added = actions.actions.emplace_back();
+                    added.name = added.key = name;
                 }
                 for (const ActionNeed& need : each.action->needs) {
                     longest = std::max(longest, need.attribute.size());

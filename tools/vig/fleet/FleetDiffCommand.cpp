@@ -19,8 +19,6 @@ namespace Brenta::OS::VIG::Tool {
 
 namespace {
 
-constexpr int kExitDifferent = 1;
-
 std::string summaryOf(const DiffSummary& summary, ReportFormat format) {
     switch (format) {
         case ReportFormat::Text:
