@@ -159,6 +159,9 @@ std::vector<Comparison> comparisons() {
     result.push_back({"`vig check`, 5,000 transitions", "2,500 of them", "check/5000", "check/2500", 1.15, 0, 2});
     result.push_back({"`vig check`, 10,000 transitions", "2,500 of them", "check/10000", "check/2500", 1.15, 0, 4});
     result.push_back({"`vig check`, 20,000 transitions", "2,500 of them", "check/20000", "check/2500", 1.15, 0, 8});
+    result.push_back({"`vig diff`, 5,000 transitions", "2,500 of them", "diff/5000", "diff/2500", 1.15, 0, 2});
+    result.push_back({"`vig diff`, 10,000 transitions", "2,500 of them", "diff/10000", "diff/2500", 1.15, 0, 4});
+    result.push_back({"`vig diff`, 20,000 transitions", "2,500 of them", "diff/20000", "diff/2500", 1.15, 0, 8});
     result.push_back({"start of a program with the library", "without", "start/with", "start/without", 0});
     return result;
 }

@@ -132,11 +132,11 @@ std::uint64_t readAll(const std::string& path) {
     return sum;
 }
 
-Scenario::Loop vigRun(std::size_t records) {
-    return [rulesPath = rules(kLimits), events = recording(records)](std::size_t times) {
+Scenario::Loop repeated(const std::vector<std::string>& command) {
+    return [command](std::size_t times) {
         double total = 0;
         for (std::size_t i = 0; i < times; ++i) {
-            total += runProgram({VIG_TOOL, "run", rulesPath, events, "--format", "jsonl"});
+            total += runProgram(command);
         }
         return total;
     };
@@ -151,19 +151,14 @@ Scenario::Loop vigOverFleet(std::size_t devices, std::vector<std::string> comman
         command.push_back(folder() / fmt::format("device{}.jsonl", device));
         std::filesystem::copy_file(one, command.back(), std::filesystem::copy_options::skip_existing);
     }
-    return [command](std::size_t times) {
-        double total = 0;
-        for (std::size_t i = 0; i < times; ++i) {
-            total += runProgram(command);
-        }
-        return total;
-    };
+    return repeated(command);
 }
 
 // The document has a machine of states with 40 transitions each, which lead on to the next state and back to others,
-// and some of which trigger. Their filters are on few attributes, each with constants of its own.
-std::string manyTransitions(std::size_t count) {
-    const std::filesystem::path path = folder() / fmt::format("{}.json", count);
+// and some of which trigger. Their filters are on few attributes, each with constants of its own; that of the last
+// transition can be moved.
+std::string manyTransitions(std::size_t count, std::size_t moved) {
+    const std::filesystem::path path = folder() / fmt::format("{}.{}.json", count, moved);
     constexpr std::size_t kOfState = 40;
     const std::size_t states = count / kOfState;
     const auto filter = [](const char* op, const char* type, const char* attribute, const std::string& constant) {
@@ -184,7 +179,8 @@ std::string manyTransitions(std::size_t count) {
                     R"("actions":[{}]}})",
                     nameOf(state), nameOf(target % states),
                     filter("==", "string", "processName", fmt::format("app{}", (state * 7 + place) % 97)),
-                    filter(">", "integer", "vmRssKB", std::to_string(100'000 + 1000 * place + state)),
+                    filter(">", "integer", "vmRssKB",
+                           std::to_string(100'000 + 1000 * place + state + (i + 1 == count ? moved : 0))),
                     place % 2 == 0
                         ? ""
                         : "," + filter("<", "integer", "vmSwapKB", std::to_string(5000 + 10 * place + state)),
@@ -194,20 +190,18 @@ std::string manyTransitions(std::size_t count) {
     return path;
 }
 
-Scenario::Loop vigCheck(std::size_t transitions) {
-    return [rulesPath = manyTransitions(transitions)](std::size_t times) {
-        double total = 0;
-        for (std::size_t i = 0; i < times; ++i) {
-            total += runProgram({VIG_TOOL, "check", rulesPath});
-        }
-        return total;
-    };
+Scenario::Loop vig(const std::vector<std::string>& arguments) {
+    std::vector<std::string> command = {VIG_TOOL};
+    command.insert(command.end(), arguments.begin(), arguments.end());
+    return repeated(command);
 }
 
 }  // namespace
 
 void addTool(std::vector<Scenario>& scenarios) {
-    scenarios.push_back({"run/1000000/vig", 1, [] { return vigRun(1'000'000); }});
+    scenarios.push_back({"run/1000000/vig", 1, [] {
+                             return vig({"run", rules(kLimits), recording(1'000'000), "--format", "jsonl"});
+                         }});
     scenarios.push_back({"run/1000000/simdjson", 1, []() -> Scenario::Loop {
                              return [events = recording(1'000'000)](std::size_t times) {
                                  return timed(times, [&] {
@@ -217,7 +211,9 @@ void addTool(std::vector<Scenario>& scenarios) {
                                  });
                              };
                          }});
-    scenarios.push_back({"run/100000/vig", 1, [] { return vigRun(100'000); }});
+    scenarios.push_back({"run/100000/vig", 1, [] {
+                             return vig({"run", rules(kLimits), recording(100'000), "--format", "jsonl"});
+                         }});
     scenarios.push_back({"run/100000/jq", 1, []() -> Scenario::Loop {
                              return [events = recording(100'000)](std::size_t times) {
                                  double total = 0;
@@ -234,7 +230,14 @@ void addTool(std::vector<Scenario>& scenarios) {
              return vigOverFleet(kDevices, {"diff", rules(kLimits), rules({kOtherLimit, kOtherLimit, kOtherLimit})});
          }});
     for (const std::size_t transitions : {2'500, 5'000, 10'000, 20'000}) {
-        scenarios.push_back({fmt::format("check/{}", transitions), 1, [transitions] { return vigCheck(transitions); }});
+        scenarios.push_back({fmt::format("check/{}", transitions), 1, [transitions] {
+                                 return vig({"check", manyTransitions(transitions, 0)});
+                             }});
+    }
+    for (const std::size_t transitions : {2'500, 5'000, 10'000, 20'000}) {
+        scenarios.push_back({fmt::format("diff/{}", transitions), 1, [transitions] {
+                                 return vig({"diff", manyTransitions(transitions, 0), manyTransitions(transitions, 1)});
+                             }});
     }
 }
 
