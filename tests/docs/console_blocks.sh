@@ -12,7 +12,8 @@ trap 'rm -rf "$work"' EXIT
 replayed=$work/replayed
 # The commands may write files, and the folder may not be theirs to write to.
 mkdir -p "$work/docs/tutorial"
-ln -s "$folder"/* "$work/docs/tutorial"
+find "$folder" -mindepth 1 -maxdepth 1 -type d -exec ln -s {} "$work/docs/tutorial" \;
+find "$folder" -mindepth 1 -maxdepth 1 -type f -exec cp {} "$work/docs/tutorial" \;
 ln -s "$folder"/../../examples "$work"
 folder=$work/docs/tutorial
 awk -v folder="$folder" '/^```/ { file = $1 == "```json" && NF == 2 ? folder "/" $2 : ""; next } file { print >file }' "$page"

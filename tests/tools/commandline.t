@@ -111,7 +111,7 @@ Every verb has a help with an example.
   $ for verb in run summary tune watch test check prove catalogue graph; do vig "$verb" --help | grep ^Example; done
   Example: which events of a recording fire a trigger? And why did the second transition not fire?
   Example: two halves of a fleet, replayed apart
-  Example: with which threshold does one device of a thousand fire? And with which one are there 3 triggers a day?
+  Example: with which threshold does one device of a thousand fire? And with which one are there 3 triggers
   Example: watch for ten seconds, then play the recording to rules that were changed:
   Example: all tests, with what they do not reach, and a report for the build server:
   Example: check before a commit, as strictly as possible, for a service that arms timeouts:

@@ -93,6 +93,81 @@ repeats. Only the odds are the same in the first one.
   {"id":3,"old":3,"new":null,"verdict":"different","events":1,"shortest":true,"same_odds":false,"changes":["no longer logs on Test in state start"],"recording":{"events":[{"event":"Test","uint64":{"memUsedMaxBytes":1,"numCompressedDataBytes":1}}],"draws":{"old":[],"new":[]}},"explanation":{"old":["Test in state start","  configs[3].payload.data.transitions[0] -> end: fires","    runs  LogZramHeartBe
   ]}
 
+The escalation example by other names and with its filters turned round, and with one threshold lower.
+
+  $ cp "$VIG_SOURCE/examples/escalation.json" old.json
+  $ python3 >new.json - <<'END'
+  > import json
+  > document = json.load(open("old.json"))
+  > for rule in document["configs"][0]["payload"]["data"]["transitions"]:
+  >     rule["to_state"] = rule["to_state"].replace("over budget", "too large")
+  >     rule["from_state"] = rule["from_state"].replace("over budget", "too large")
+  >     rule["filters"].sort(key=lambda each: ["integer", "string", "double"].index(each["value_type"]))
+  > print(json.dumps(document))
+  > END
+  $ differ
+  old.json -> new.json: 1 unchanged
+    unchanged    104
+  $ sed -E '0,/204800/s/204800/150000/' old.json >new.json
+  $ differ
+  old.json -> new.json: 1 changed
+    changed      104  triggers, with some draws, for processName "camera", vmRssKB 204801 or more in state sampling (was over budget)
+  
+  104: they differ by event 3
+    {"event":"ProcessMemoryHeartBeat","int64":{"vmRssKB":150001},"string":{"processName":"camera"}}
+    {"event":"ProcessMemoryHeartBeat","int64":{"vmRssKB":204801},"string":{"processName":"camera"}}
+    {"event":"ProcessMemoryHeartBeat","int64":{"vmRssKB":204801,"vmSwapKB":1},"string":{"processName":"camera"}}
+    each number that is drawn for an event is the same in both
+    new draws 0
+    old                                                     | new
+    neither triggers nor logs                               | triggers vig:memory_heartbeat_over_budget:camera threshold_current_va\xe2\x80\xa6 (esc)
+    ProcessMemoryHeartBeat in state over budget             | ProcessMemoryHeartBeat in state sampling
+      transitions[1] -> start: stopped by filter 2 of 2     |   transitions[3] -> start: stopped by filter 2 of 2
+        yes   processName == "camera"  "camera" == "camera" |     yes   processName == "camera"  "camera" == "camera"
+        no    vmRssKB <= 204800        204801 <= 204800     |     no    vmRssKB <= 204800        204801 <= 204800
+      transitions[2] -> sampling: fires                     |   transitions[4] -> cooling down: fires
+        yes   processName == "camera"  "camera" == "camera" |     yes   processName == "camera"     "camera" == "camera"
+                                                            |     yes   PseudoRandomDouble() < 0.5  0 < 0.5
+                                                            |     runs  TriggerVelora
+  [1]
+  $ differ --format markdown
+  **old.json \xe2\x86\x92 new.json**: 1 changed (esc)
+  
+  | configuration | | what is new |
+  |---|---|---|
+  | 104 | changed | triggers, with some draws, for processName "camera", vmRssKB 204801 or more in state sampling (was over budget) |
+  
+  <details><summary>104: they differ by event 3</summary>
+  
+  ```json
+  {"event":"ProcessMemoryHeartBeat","int64":{"vmRssKB":150001},"string":{"processName":"camera"}}
+  {"event":"ProcessMemoryHeartBeat","int64":{"vmRssKB":204801},"string":{"processName":"camera"}}
+  {"event":"ProcessMemoryHeartBeat","int64":{"vmRssKB":204801,"vmSwapKB":1},"string":{"processName":"camera"}}
+  ```
+  each number that is drawn for an event is the same in both<br>new draws 0
+  
+  <table><tr><th>old</th><th>new</th></tr><tr><td><pre>
+  neither triggers nor logs
+  ProcessMemoryHeartBeat in state over budget
+    transitions[1] -&gt; start: stopped by filter 2 of 2
+      yes   processName == "camera"  "camera" == "camera"
+      no    vmRssKB &lt;= 204800        204801 &lt;= 204800
+    transitions[2] -&gt; sampling: fires
+      yes   processName == "camera"  "camera" == "camera"
+  </pre></td><td><pre>
+  triggers vig:memory_heartbeat_over_budget:camera threshold_current_va\xe2\x80\xa6 (esc)
+  ProcessMemoryHeartBeat in state sampling
+    transitions[3] -&gt; start: stopped by filter 2 of 2
+      yes   processName == "camera"  "camera" == "camera"
+      no    vmRssKB &lt;= 204800        204801 &lt;= 204800
+    transitions[4] -&gt; cooling down: fires
+      yes   processName == "camera"     "camera" == "camera"
+      yes   PseudoRandomDouble() &lt; 0.5  0 &lt; 0.5
+      runs  TriggerVelora
+  </pre></td></tr></table>
+  </details>
+  [1]
+
 Odds that only add up to the same are the same; others, or another state in which they count, are not.
 
   $ drawn() { machines <<<"start hot ProcessMemoryHeartBeat | $1 | TriggerVelora ; start cold ProcessMemoryHeartBeat | $2 ; hot start Test ; cold ${3:-start} Test"; }

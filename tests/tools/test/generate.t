@@ -145,6 +145,7 @@ So it is with all documents of the repository, the same each time.
   1 test: 1 passed, 0 failed
   5 tests: 5 passed, 0 failed
   5 tests: 5 passed, 0 failed
+  5 tests: 5 passed, 0 failed
   3 tests: 3 passed, 0 failed
 
 A document without anything to reach has a test of its start, and one in a pipe is read once. What nobody can run has none.

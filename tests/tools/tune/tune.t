@@ -39,7 +39,7 @@ Triggers a day are counted by time_ms.
     filter     vmRssKB > 850
     fleet      10 devices, 0.417 days in all
     target     456/day on each device
-    answer     no threshold gives it: 13 were replayed
+    answer     none of the 13 that were replayed gives it
     nearest    0: 65 triggers, 156 triggers a device and day (95 % interval: 117 to 208)
     certainty  enough to tell the target from none, and from its double
   
@@ -57,7 +57,7 @@ Nothing gives a share that is less than one device.
   $ gzip d9
   $ vig tune rules.json "$number" d? d9.gz --target 0.1% | sed -n '5,10p'
     target     0.1% of the devices
-    answer     no threshold gives it: 14 were replayed
+    answer     none of the 14 that were replayed gives it
     nearest    1000: 0 devices, 0 % (95 % interval: 0 % to 27.8 %)
     nearest    900: 1 device, 10 % (95 % interval: 1.79 % to 40.4 %)
     certainty  too small to tell the target from none, or from its double; 7668 devices would be enough

@@ -433,10 +433,16 @@ std::vector<Extent> Junction::extentsAround(const EventRecord& record, const Que
         });
     };
     std::vector<Extent> extents;
+    const bool isExact = !isFulfilled();  // it takes certain values of attributes that are compared with each other
     for (const auto& [key, variable] : variables) {
         CellSet& cells = box[variable].front().cells;
         const Scale& scale = space.variables[variable].scale;
-        if (!concerned.contains(variable)) {
+        const auto value = attributeOf(record.attributes, key.second, key.first);
+        if (!concerned.contains(variable) || (isExact && !value)) {
+            continue;
+        }
+        if (isExact) {
+            extents.push_back({std::string(key.second), value});
             continue;
         }
         if (cells.absent) {
@@ -467,9 +473,10 @@ std::vector<Extent> Junction::extentsAround(const EventRecord& record, const Que
         };
         widen(cells.first, 0);
         widen(cells.last, scale.cellCount());
-        if (cells.first != 0 || cells.last != scale.cellCount()) {
-            extents.push_back({std::string(key.second), attributeOf(record.attributes, key.second, key.first),
-                               scale.lowerBound(cells.first), scale.upperBound(cells.last)});
+        if (scale.haveValue(0, cells.first, Values::Recordable) ||
+            scale.haveValue(cells.last, scale.cellCount(), Values::Recordable)) {
+            extents.push_back(
+                {std::string(key.second), value, scale.lowerBound(cells.first), scale.upperBound(cells.last)});
         }
     }
     return extents;

@@ -51,7 +51,7 @@ std::string wordsFor(const Extent& extent) {
     if (least && most && least->isIncluded && most->isIncluded && least->value == most->value) {
         return name + " " + shown(least->value);
     }
-    if (std::holds_alternative<std::string>(*extent.example)) {
+    if (std::holds_alternative<std::string>(*extent.example) || (!least && !most)) {
         return name + " such as " + shown(*extent.example);
     }
     const auto isInfinite = [](const Value& value) {
@@ -294,9 +294,11 @@ std::string escapedInCell(const std::string& text) {
 
 std::string wordsFor(const MachineDiff::Change& change, const Both<std::string>& states) {
     const auto& [old, changed] = change.outcomes;
-    std::string words = old.triggers != changed.triggers ? verbFor(old.triggers, changed.triggers, "triggers")
-                        : old.lines != changed.lines     ? verbFor(old.lines, changed.lines, "logs")
-                                                         : "waits in another state";
+    std::string words = old.triggers != changed.triggers ? verbFor(old.triggers, changed.triggers, "triggers") : "";
+    if (old.lines != changed.lines) {
+        words += (words.empty() ? "" : " and ") + verbFor(old.lines, changed.lines, "logs");
+    }
+    words = words.empty() ? "waits in another state" : words;
     words += change.isDrawn ? ", with some draws," : "";
     if (!change.extents.empty()) {
         words += " for " + joined(change.extents, ", ", [](const Extent& each) { return wordsFor(each); });

@@ -94,7 +94,7 @@ DocumentDiff compare(const Both<const DocumentModel*>& documents, Differ::States
             const Surroundings ofShare{surroundings.registry, surroundings.catalogue, surroundings.context, effort};
             // The states of a machine that is nowhere else have no names that could differ.
             const auto compared = old && changed ? states : Differ::States::Ignored;
-            Differ differ(old ? documents[0]->configs[*old] : nothing, ofShare, compared);
+            Differ differ(old ? documents[0]->configs[*old] : nothing, ofShare, compared, Differ::Words::Wanted);
             open[index]->diff = differ.to(changed ? documents[1]->configs[*changed] : nothing);
             surroundings.effort.spend(share - effort.left);
         }

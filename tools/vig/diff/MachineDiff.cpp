@@ -20,7 +20,8 @@ namespace {
 
 constexpr std::uint64_t kMostOfQuestion = 2'000'000;
 constexpr std::uint64_t kEffortOfPair = 20;
-constexpr std::uint64_t kEffortOfWay = 100;  // to ask what it demands
+constexpr std::uint64_t kEffortOfWay = 100;    // to ask what it demands
+constexpr std::uint64_t kDemandsOfEffort = 4;  // so many are put together in the time of one
 constexpr std::size_t kMostChanges = 4;
 constexpr std::size_t kNone = std::numeric_limits<std::size_t>::max();
 
@@ -36,12 +37,12 @@ class Differ::Search {
           effort(differ.surroundings.effort),
           which(which),
           machines({&differ.old, &changed}),
+          fromStart({differ.old.waysFromStart(), changed.waysFromStart()}),
           newConditions(differ.conditionsOf(changed.config())) {}
 
     MachineDiff run() {
-        const Both<Ways> fromStart = {machines[0]->waysFromStart(), machines[1]->waysFromStart()};
         nodes.push_back({{WayFinder::kStart, WayFinder::kStart}, kNone, {}, {}, 0});
-        visit(Meeting(kAnyType, {&fromStart[0], &fromStart[1]}, differ.surroundings), 0, EventType::EnteringState);
+        visit(meetingAt(0, kAnyType), 0, EventType::EnteringState);
         for (std::size_t index = 1; index < nodes.size() && changes.empty(); ++index) {
             if (!effort.spend(kEffortOfPair)) {
                 noteGap(nodes[index].events + 1);
@@ -53,8 +54,7 @@ class Differ::Search {
             }
             for (const EventType type : types) {
                 if (!visitAlike(index, type)) {
-                    const Both<std::size_t> from = nodes[index].states;
-                    visit(meetingOf(from, type), index, type);
+                    visit(meetingAt(index, type), index, type);
                 }
             }
         }
@@ -86,9 +86,12 @@ class Differ::Search {
         std::size_t index;  // of the difference
     };
 
-    Meeting meetingOf(const Both<std::size_t>& from, EventType type) {
-        return Meeting(type, {&machines[0]->waysFrom(from[0], type), &machines[1]->waysFrom(from[1], type)},
-                       differ.surroundings);
+    // Returns what events of the type meet behind the node; none has come to the first one yet.
+    Meeting meetingAt(std::size_t node, EventType type) {
+        const auto& [old, changed] = nodes[node].states;
+        return node == 0 ? Meeting(kAnyType, {&fromStart[0], &fromStart[1]}, differ.surroundings)
+                         : Meeting(type, {&machines[0]->waysFrom(old, type), &machines[1]->waysFrom(changed, type)},
+                                   differ.surroundings);
     }
 
     void noteGap(std::size_t events) { gap = std::min(gap, events); }
@@ -153,12 +156,13 @@ class Differ::Search {
     void goBoth(const Meeting& meeting, const Meeting::Pair& pair, const From& from) {
         const Way& old = meeting.way(0, pair[0]);
         const Way& changed = meeting.way(1, pair[1]);
-        if (!effort.spend(old.demands.size() + changed.demands.size())) {
+        if (!effort.spend((old.passed + old.demands.size() + changed.passed + changed.demands.size()) /
+                          kDemandsOfEffort)) {
             noteGap(from.events);
             return;
         }
         const auto differences = differencesOf(meeting, pair);
-        for (std::size_t each = 0; each < differences.size() && changes.size() < kMostChanges; ++each) {
+        for (std::size_t each = 0; each < differences.size() && changes.size() < mostChanges; ++each) {
             const Verdict verdict = ask(meeting, differences[each].question);
             if (verdict == Verdict::Yes) {
                 // With what events must have first, the most telling one is the first.
@@ -246,36 +250,34 @@ class Differ::Search {
     }
 
     MachineDiff difference() {
-        const Change& first = changes.front();
-        const Both<std::size_t> last = nodes[first.node].states;
-        MachineDiff diff{MachineDiff::Verdict::Different, nodes[first.node].events + (first.node == 0 ? 0 : 1)};
+        const std::size_t node = changes.front().node;
+        MachineDiff diff{MachineDiff::Verdict::Different, nodes[node].events + (node == 0 ? 0 : 1)};
         diff.isShortest = diff.events <= gap;
-        bool isDecided = planUntil(first.node, diff.plan);
-        for (const Change& each : changes) {
-            const Both<Ways> start = {machines[0]->waysFromStart(), machines[1]->waysFromStart()};
-            const bool isAtStart = each.node == 0;
-            const Meeting meeting(isAtStart ? kAnyType : each.type,
-                                  {isAtStart ? &start[0] : &machines[0]->waysFrom(last[0], each.type),
-                                   isAtStart ? &start[1] : &machines[1]->waysFrom(last[1], each.type)},
-                                  differ.surroundings);
-            const auto [question, outcomes] = differencesOf(meeting, each.pair)[each.index];
-            const auto occasion = meeting.occasionFor(each.pair, question, effort);
-            isDecided = isDecided && occasion;
-            if (!isDecided) {
-                break;
-            }
-            if (&each == &first) {
-                append(*occasion, isAtStart, diff.plan);
-            }
-            diff.changes.push_back(
-                {each.type, outcomes, meeting.extentsAround(*occasion, question, effort), !occasion->numbers.empty()});
-        }
-        if (!isDecided) {
+        if (!planUntil(node, diff.plan)) {
             return {MachineDiff::Verdict::Undecided, diff.events};
         }
-        const bool isDrawn = std::ranges::any_of(diff.plan.draws, [](const auto& each) { return !each.empty(); });
-        diff.areOddsSame = isDrawn && haveSameOdds({machines[0], machines[1]}, differ.surroundings, differ.states);
-        diff.states = {std::string(machines[0]->stateName(last[0])), std::string(machines[1]->stateName(last[1]))};
+        for (const Change& each : changes) {
+            const Meeting meeting = meetingAt(node, each.type);
+            const auto [question, outcomes] = differencesOf(meeting, each.pair)[each.index];
+            const auto occasion = meeting.occasionFor(each.pair, question, effort);
+            const bool isFirst = &each == &changes.front();
+            if (!occasion) {
+                return isFirst ? MachineDiff{MachineDiff::Verdict::Undecided, diff.events} : diff;
+            }
+            if (isFirst) {
+                append(*occasion, node == 0, diff.plan);
+            }
+            if (differ.words == Words::Wanted) {
+                diff.changes.push_back({each.type, outcomes, meeting.extentsAround(*occasion, question, effort),
+                                        !occasion->numbers.empty()});
+            }
+        }
+        if (differ.words == Words::Wanted) {
+            const bool isDrawn = std::ranges::any_of(diff.plan.draws, [](const auto& each) { return !each.empty(); });
+            diff.areOddsSame = isDrawn && haveSameOdds(machines, differ.surroundings, differ.states);
+            const auto& [old, changed] = nodes[node].states;
+            diff.states = {std::string(machines[0]->stateName(old)), std::string(machines[1]->stateName(changed))};
+        }
         return diff;
     }
 
@@ -296,23 +298,17 @@ class Differ::Search {
         std::ranges::reverse(steps);
         for (const std::size_t step : steps) {
             const Node& to = nodes[step];
-            const bool isAtStart = to.before == 0;
-            const Both<std::size_t> from = nodes[to.before].states;
-            const Both<Ways> start = {machines[0]->waysFromStart(), machines[1]->waysFromStart()};
-            const Both<const Ways*> ways = {isAtStart ? &start[0] : &machines[0]->waysFrom(from[0], to.type),
-                                            isAtStart ? &start[1] : &machines[1]->waysFrom(from[1], to.type)};
-            const Meeting meeting(isAtStart ? kAnyType : to.type, ways, differ.surroundings);
+            const Meeting meeting = meetingAt(to.before, to.type);
             Meeting::Pair pair = {};
             for (std::size_t side = 0; side < machines.size(); ++side) {
-                const auto found = std::ranges::find(ways[side]->ways, to.places[side], &Way::place);
-                pair[side] = static_cast<std::size_t>(found - ways[side]->ways.begin());
+                pair[side] = meeting.wayThrough(side, to.places[side]);
             }
             pair = to.pair.value_or(pair);
             const auto occasion = meeting.occasionFor(pair, meeting.toGo(pair), effort);
             if (!occasion) {
                 return false;
             }
-            append(*occasion, isAtStart, plan);
+            append(*occasion, to.before == 0, plan);
         }
         return true;
     }
@@ -320,7 +316,9 @@ class Differ::Search {
     Differ& differ;
     Effort& effort;
     const Values which;
+    const std::size_t mostChanges = differ.words == Words::Wanted ? kMostChanges : 1;
     const Both<WayFinder*> machines;
+    const Both<Ways> fromStart;
     const std::vector<std::optional<std::size_t>> newConditions;
     std::vector<Node> nodes;  // the first one is before the start
     std::set<Both<std::size_t>> seen;
@@ -329,8 +327,8 @@ class Differ::Search {
     bool isUnrecordable = false;
 };
 
-Differ::Differ(const ConfigModel& config, const Surroundings& surroundings, States states)
-    : surroundings(surroundings), states(states), old(config, surroundings) {
+Differ::Differ(const ConfigModel& config, const Surroundings& surroundings, States states, Words words)
+    : surroundings(surroundings), states(states), words(words), old(config, surroundings) {
     for (const TransitionModel& each : config.transitions) {
         conditions.emplace(&each.filters, conditions.size());
     }

@@ -51,8 +51,13 @@ class Differ {
         Compared  // the names of those in which the machines wait have to be the same, too
     };
 
+    enum class Words {
+        None,    // only the plan is made
+        Wanted,  // also all that is told of it
+    };
+
     // All must outlive it.
-    Differ(const ConfigModel& old, const Surroundings& surroundings, States states = States::Ignored);
+    Differ(const ConfigModel& old, const Surroundings& surroundings, States states, Words words);
     Differ(const Differ&) = delete;
     Differ& operator=(const Differ&) = delete;
 
@@ -82,6 +87,7 @@ class Differ {
 
     const Surroundings& surroundings;
     const States states;
+    const Words words;
     WayFinder old;
     std::map<const std::vector<FilterModel>*, std::size_t, ComesBefore> conditions;  // of the old machine
     std::vector<std::optional<std::size_t>> oldConditions;                           // by its transitions

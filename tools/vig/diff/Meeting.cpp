@@ -71,6 +71,8 @@ Outcome outcomeOf(const std::vector<Effect>& effects, const std::set<std::string
 
 Meeting::Meeting(EventType event, const Both<const Ways*>& ways, const Surroundings& surroundings) : ways(ways) {
     std::size_t longest = 0;
+    const auto see = [&]<typename T>(std::string_view name, T /*value*/) { longest = std::max(longest, name.size()); };
+    surroundings.context.forEach<double>(see);
     std::size_t drawnAtMost = 0;
     actions.event = event;
     for (const Ways* const side : ways) {
@@ -128,14 +130,7 @@ Meeting::Meeting(EventType event, const Both<const Ways*>& ways, const Surroundi
             demands[side].push_back(clauseNumberOf(std::move(clause)));
         }
         for (const Way& way : ways[side]->ways) {
-            auto& literals = sure[side].emplace_back();
-            for (const std::size_t each : way.demands) {
-                const Clause& clause = *clauses[demands[side][each]];
-                if (clause.size() == 1) {
-                    literals.push_back(clause.front());
-                }
-            }
-            std::ranges::sort(literals);
+            addSure(way, sure[side].emplace_back(), side);
         }
         const auto& failures = ways[side]->failures;
         for (std::size_t place = 0; place < failures.size(); ++place) {
@@ -197,19 +192,32 @@ bool Meeting::contradicts(std::size_t side, const Pair& pair) const {
     return failed != failedPlaces[other].end() && failed->second < way(other, pair[other]).place;
 }
 
-// Tells whether what the ways demand in any case of some attribute has nothing in common, as far as that is soon seen.
+// Only what draws make of a state has many ways that another demand than that of passing a transition tells apart.
+void Meeting::addSure(const Way& way, std::map<std::size_t, CellSet>& cells, std::size_t side) const {
+    for (const std::size_t each : way.numbers > 0 ? way.demands : std::vector<std::size_t>()) {
+        const Clause& clause = *clauses[demands[side][each]];
+        if (clause.size() != 1 || !clause.front().cells.isInside) {
+            continue;
+        }
+        const CellSet& more = clause.front().cells;
+        const auto [place, isNew] = cells.emplace(clause.front().variable, more);
+        CellSet& known = place->second;
+        known.first = std::max(known.first, more.first);
+        known.last = std::min(known.last, more.last);
+        known.absent = known.absent && more.absent;
+        known.nan = known.nan && more.nan;
+    }
+}
+
+// Tells whether no value of some attribute is among those that either way demands in any case.
 bool Meeting::excludeEachOther(const Pair& pair) const {
-    const auto& left = sure[0][pair[0]];
-    const auto& right = sure[1][pair[1]];
-    auto other = right.begin();
-    return std::ranges::any_of(left, [&](const Literal& each) {
-        other = std::find_if(other, right.end(), [&](const Literal& its) { return its.variable >= each.variable; });
-        return std::any_of(other, right.end(), [&](const Literal& its) {
-            const auto& [mine, theirs] = std::pair(each.cells, its.cells);
-            return its.variable == each.variable && mine.isInside && theirs.isInside &&
-                   std::max(mine.first, theirs.first) >= std::min(mine.last, theirs.last) &&
-                   !(mine.absent && theirs.absent) && !(mine.nan && theirs.nan);
-        });
+    const auto& others = sure[1][pair[1]];
+    return std::ranges::any_of(sure[0][pair[0]], [&](const auto& each) {
+        const auto& [variable, mine] = each;
+        const auto found = others.find(variable);
+        return found != others.end() &&
+               std::max(mine.first, found->second.first) >= std::min(mine.last, found->second.last) &&
+               !(mine.absent && found->second.absent) && !(mine.nan && found->second.nan);
     });
 }
 
@@ -222,17 +230,22 @@ Junction::Question Meeting::toGo(const Pair& pair) const {
     std::vector<std::size_t> all;
     std::size_t drawnNumbers = 0;
     for (std::size_t side = 0; side < ways.size(); ++side) {
-        for (const std::size_t each : way(side, pair[side]).demands) {
+        for (const std::size_t each : demandsOf(way(side, pair[side]), *ways[side])) {
             all.push_back(demands[side][each]);
         }
         drawnNumbers = std::max(drawnNumbers, way(side, pair[side]).numbers);
     }
     all.insert(all.end(), ranges.begin(), ranges.begin() + static_cast<std::ptrdiff_t>(2 * drawnNumbers));
-    // What leaves no choice narrows most, and comes last.
-    std::ranges::sort(all, {}, [&](std::size_t each) { return std::pair(clauses[each]->size() == 1, each); });
-    all.erase(std::unique(all.begin(), all.end()), all.end());
+    std::vector<bool> taken(clauses.size());
     Clauses question;
-    std::ranges::transform(all, std::back_inserter(question), [&](std::size_t each) { return clauses[each]; });
+    Clauses sureOnes;  // which leave no choice, narrow most, and come last
+    for (const std::size_t each : all) {
+        if (!taken[each]) {
+            taken[each] = true;
+            (clauses[each]->size() == 1 ? sureOnes : question).push_back(clauses[each]);
+        }
+    }
+    question.insert(question.end(), sureOnes.begin(), sureOnes.end());
     return {0, std::move(question)};
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -58,6 +59,12 @@ class Meeting {
 
     const Way& way(std::size_t side, std::size_t index) const { return ways[side]->ways[index]; }
 
+    // Returns the number of the one way by which an event fires the transition at the place. REQUIRES: there is one.
+    std::size_t wayThrough(std::size_t side, std::size_t place) const {
+        const auto found = std::ranges::find(ways[side]->ways, place, &Way::place);
+        return static_cast<std::size_t>(found - ways[side]->ways.begin());
+    }
+
     // Returns false if one of the machines may go other ways, too.
     bool isWhole() const { return ways[0]->isWhole && ways[1]->isWhole; }
 
@@ -92,6 +99,7 @@ class Meeting {
     std::size_t furtherNumberOf(FilterModel filter);
     std::size_t clauseNumberOf(Clause clause);
     bool contradicts(std::size_t side, const Pair& pair) const;
+    void addSure(const Way& way, std::map<std::size_t, CellSet>& cells, std::size_t side) const;
     bool excludeEachOther(const Pair& pair) const;
 
     const Both<const Ways*> ways;
@@ -102,10 +110,10 @@ class Meeting {
     std::unique_ptr<const Junction> junction;
     std::map<Clause, std::size_t> clauseNumbers;
     std::vector<const Clause*> clauses;
-    Both<std::vector<std::size_t>> demands;                 // the number of the clause for each demand of the ways
-    Both<std::vector<std::vector<Literal>>> sure;           // what each way demands in any case, by variable
-    std::vector<std::size_t> ranges;                        // likewise, two for each number that is drawn
-    Both<std::map<std::size_t, std::size_t>> failedPlaces;  // by clause: the first place of such a transition
+    Both<std::vector<std::size_t>> demands;                  // the number of the clause for each demand of the ways
+    Both<std::vector<std::map<std::size_t, CellSet>>> sure;  // of each way, by variable: demanded in any case
+    std::vector<std::size_t> ranges;                         // likewise, two for each number that is drawn
+    Both<std::map<std::size_t, std::size_t>> failedPlaces;   // by clause: the first place of such a transition
 };
 
 }  // namespace Brenta::OS::VIG::Tool

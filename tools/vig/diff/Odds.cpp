@@ -183,10 +183,11 @@ class Odds {
         for (const Way& way : comparison.ways[side]->ways) {
             double chance = 1;
             std::optional<std::size_t> open;
-            for (std::size_t index = 0; index < way.demands.size() && chance > 0; ++index) {
+            const auto demands = demandsOf(way, *comparison.ways[side]);
+            for (std::size_t index = 0; index < demands.size() && chance > 0; ++index) {
                 double met = 0;
                 std::optional<std::size_t> openHere;
-                for (const Asked& each : comparison.ways[side]->demands[way.demands[index]]) {
+                for (const Asked& each : comparison.ways[side]->demands[demands[index]]) {
                     if (numbersDrawnBy(*each.filter) > 0) {
                         const auto odds = oddsOf(*each.filter);
                         isKnown = isKnown && odds;

@@ -37,7 +37,7 @@ class WayFinder::Possibilities {
 
     bool has(const Way& way, const Ways& ways) const {
         std::vector<Clause> clauses;
-        for (const std::size_t index : way.demands) {
+        for (const std::size_t index : demandsOf(way, ways)) {
             const Demand& demand = ways.demands[index];
             if (std::ranges::any_of(demand, [](const Asked& each) { return numbersDrawnBy(*each.filter) > 0; })) {
                 continue;
@@ -66,6 +66,12 @@ std::size_t numbersDrawnBy(const FilterModel& filter) {
         return function != nullptr && function->isRandom && filter.valueType == FilterValueType::Double ? 1 : 0;
     };
     return count(filter.operand1) + count(filter.operand2);
+}
+
+std::vector<std::size_t> demandsOf(const Way& way, const Ways& ways) {
+    std::vector<std::size_t> all(ways.passing.begin(), ways.passing.begin() + static_cast<std::ptrdiff_t>(way.passed));
+    all.insert(all.end(), way.demands.begin(), way.demands.end());
+    return all;
 }
 
 WayFinder::WayFinder(const ConfigModel& config, const Surroundings& surroundings)
@@ -194,6 +200,13 @@ void WayFinder::ask(Begun first, const std::vector<std::size_t>& transitions, co
                 demanded += holding.way.demands.size();
                 fired.push_back(std::move(holding));
             }
+        }
+        // As long as there is one way on, those that fire share what they have passed.
+        if (ofEvent && left.size() == 1 && left.front().way.numbers == 0 && left.front().way.demands.size() == 1) {
+            Way& only = left.front().way;
+            ways.passing.push_back(only.demands.front());
+            only.demands.clear();
+            only.passed = ways.passing.size();
         }
         open = std::move(left);
         std::erase_if(open, isImpossible);

@@ -44,7 +44,8 @@ using Demand = std::vector<Asked>;
 struct Way {
     static constexpr std::size_t kPassed = std::numeric_limits<std::size_t>::max();  // it fires none
 
-    std::vector<std::size_t> demands = {};  // of `Ways::demands`, all of which have to be met
+    std::size_t passed = 0;                 // so many of `Ways::passing` have to be met, in their order,
+    std::vector<std::size_t> demands = {};  // and all these of `Ways::demands`
     std::vector<Effect> effects = {};
     std::size_t rest = 0;     // the state in which it waits then
     std::size_t place = 0;    // of the transition that the event fires, among those that listen, or `kPassed`
@@ -53,11 +54,15 @@ struct Way {
 
 struct Ways {
     std::vector<Demand> demands;
+    std::vector<std::size_t> passing;  // of `demands`: that transitions fail before anything is drawn
     std::vector<Way> ways;
     std::vector<std::optional<std::size_t>> failures;  // by place: what a transition that draws nothing demands to fail
     bool isWhole = true;                               // otherwise there are more
     std::size_t moves = 0;                             // of the machine, on all of them
 };
+
+// Returns all demands of one of the ways.
+std::vector<std::size_t> demandsOf(const Way& way, const Ways& ways);
 
 // It knows how one machine can go by an event. States and transitions are numbers: "start" is 0. Used on one thread.
 class WayFinder {

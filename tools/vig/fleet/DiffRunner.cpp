@@ -62,7 +62,7 @@ class DiffRunner::Side final : public NoReport {
         MachineGroup::Configs driven;
         for (std::size_t pair = 0; pair < runner.plan.pairs.size(); ++pair) {
             const MachinePair& each = runner.plan.pairs[pair];
-            // Of two machines that do the same, the old one is enough.
+            // Where two machines do the same, the old one is enough.
             if (each.index[side] && !(side == kNew && each.isSame)) {
                 pairs.push_back(pair);
                 driven.push_back(std::move(configs[*each.index[side]]));

@@ -10,7 +10,7 @@
 
 namespace Brenta::OS::VIG::Tool {
 
-// Of two documents, the old one comes first wherever both have something.
+// The old document comes first wherever both have something.
 inline constexpr std::size_t kOld = 0;
 inline constexpr std::size_t kNew = 1;
 

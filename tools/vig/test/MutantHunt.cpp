@@ -49,7 +49,7 @@ using RulesEngine::FiniteStateMachine;
 using RulesEngine::State;
 using RulesEngine::Transition;
 
-constexpr std::uint64_t kEffortOfMutant = 5'000'000;
+constexpr std::uint64_t kEffortOfMutant = 1'000'000;
 constexpr double kDrawOfOthers = 0.5;
 constexpr std::size_t kMostShownOfEvent = 300;
 constexpr std::size_t kMostShownDoings = 3;
@@ -368,7 +368,8 @@ class MutantHunt {
         if (!place) {
             const Surroundings& ofContext =
                 surroundings.emplace_back(Surroundings{machines.names(), catalogue, contexts[contextIndex], effort});
-            place = std::make_unique<Differ>(document.configs[machine], ofContext);
+            place = std::make_unique<Differ>(document.configs[machine], ofContext, Differ::States::Ignored,
+                                             Differ::Words::None);
         }
         return *place;
     }

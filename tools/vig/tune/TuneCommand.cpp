@@ -25,9 +25,10 @@ share, or rate, that is not above the target, and of equal ones the roundest; it
 A threshold gives the target if devices fire and the 95 % interval of what they do has the target in it: of Wilson for
 a share, for a rate by how much devices differ. The document is left as it is.
 
-Exit status: 0 a threshold gives the target, 1 none does, 2 the document or a file cannot be used.
+Exit status: 0 a threshold gives the target, 1 none of those replayed does, 2 the document or a file cannot be used.
 
-Example: with which threshold does one device of a thousand fire? And with which one are there 3 triggers a day?
+Example: with which threshold does one device of a thousand fire? And with which one are there 3 triggers
+a device and day?
   vig tune rules.json 'configs[0].payload.data.transitions[0].filters[0].operand2' devices/*.gz --target 0.1%
   vig tune rules.json 'configs[0].payload.data.transitions[0].filters[0].operand2' devices/*.gz --target 3/day)";
 

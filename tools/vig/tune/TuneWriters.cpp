@@ -182,7 +182,7 @@ std::string textOf(const TuneReport& report) {
     if (const auto answer = report.answer()) {
         add("answer", writer.described(*answer));
     } else {
-        add("answer", fmt::format("no threshold gives it: {} were replayed", report.tuning.tried.size()));
+        add("answer", fmt::format("none of the {} that were replayed gives it", report.tuning.tried.size()));
         for (const auto& nearest : {report.tuning.nearestBelow, report.tuning.nearestAbove}) {
             if (nearest) {
                 add("nearest", writer.described(*nearest));
