@@ -160,6 +160,7 @@ def changed(rng, words, document):
                 change(rng, words, rules)
             except LookupError:
                 continue
+            rules[:] = copy.deepcopy(rules)  # what was added may stand in the other document, too
             if all(is_accepted(each) for rule in rules for each in rule["filters"]):
                 wanted -= 1
             else:

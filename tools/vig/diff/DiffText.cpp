@@ -272,7 +272,7 @@ bool isShown(const ConfigDiff& config) {
     return config.diff.verdict == MachineDiff::Verdict::Different;
 }
 
-std::string escaped(std::string text) {
+std::string escaped(const std::string& text) {
     std::string html;
     for (const char each : text) {
         html += each == '&' ? "&amp;" : each == '<' ? "&lt;" : each == '>' ? "&gt;" : std::string(1, each);

@@ -28,6 +28,7 @@ std::vector<ConfigDiff> pair(const Both<const DocumentModel*>& documents) {
         }
     }
     std::vector<ConfigDiff> gone;
+    gone.reserve(old.size());
     for (const auto& [key, index] : old) {
         gone.push_back({key.first, key.second, {index, std::nullopt}, {}});
     }

@@ -107,9 +107,9 @@ class Differ::Search {
         return verdict;
     }
 
-    void add(Node node) {
+    void add(const Node& node) {
         if (seen.insert(node.states).second) {
-            nodes.push_back(std::move(node));
+            nodes.push_back(node);
         }
     }
 

@@ -76,7 +76,7 @@ class DiffRunner::Side final : public NoReport {
     void forgetMoves() { moves.clear(); }
 
     // Returns what the machine of a pair has decided by the event. REQUIRES: there is one.
-    std::vector<Step> explain(std::size_t pair, std::uint64_t event, const EventRecord* record) {
+    std::vector<Step> stepsOf(std::size_t pair, std::uint64_t event, const EventRecord* record) {
         if (!explainer) {
             explainer = std::make_unique<MachineExplainer>(
                 *runner.plan.documents[side], runner.plan.registry, [this] { return draw(explained); },
@@ -203,7 +203,7 @@ void DiffRunner::part(const std::vector<std::size_t>& differing, const EventReco
         Parting::Machine machine{&plan.pairs[pair], doings[pair], {}};
         for (const std::size_t side : {kOld, kNew}) {
             if (machine.pair->index[side]) {
-                machine.steps[side] = sides[side]->explain(pair, parting->event, record);
+                machine.steps[side] = sides[side]->stepsOf(pair, parting->event, record);
             }
         }
         parting->machines.push_back(std::move(machine));
