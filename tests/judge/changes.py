@@ -144,13 +144,14 @@ CHANGES = [change_constant, change_constant, spell_constant, spell_constant, cha
 
 def changed(rng, words, document):
     """Returns a copy of the document with one to three changes."""
-    new = json.loads(json.dumps(document))  # in which no filter is in two places at once
+    new = json.loads(json.dumps(document))
     if rng.random() < 0.05:  # a configuration comes or goes, maybe one that can do nothing
         ids = {config["id"] for config in new["configs"]}
         new["configs"].pop(rng.randrange(len(ids)))
         new["configs"] += [config for config in make_document(rng, words)["configs"] if config["id"] not in ids]
     if rng.random() < 0.1:
         rng.shuffle(new["configs"])
+    new = json.loads(json.dumps(new))  # in which no filter is in two places at once, nor in the other document
     wanted = rng.choice([1, 1, 2, 3])
     for change in rng.choices(CHANGES, k=40):
         if wanted and new["configs"]:
@@ -160,7 +161,6 @@ def changed(rng, words, document):
                 change(rng, words, rules)
             except LookupError:
                 continue
-            rules[:] = copy.deepcopy(rules)  # what was added may stand in the other document, too
             if all(is_accepted(each) for rule in rules for each in rule["filters"]):
                 wanted -= 1
             else:
