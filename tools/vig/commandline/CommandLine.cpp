@@ -17,7 +17,8 @@ namespace Brenta::OS::VIG::Tool {
 namespace {
 
 constexpr const char* kFooter =
-    "Exit status: 0 done, 1 the rules were refused, a test failed or something differs, 2 bad arguments or input, or the\n"
+    "Exit status: 0 done, 1 the rules were refused, a test failed or something differs, 2 bad arguments or input, or "
+    "the\n"
     "output cannot be written, 3 it was not decided whether something differs, 130 interrupted (but for watch, which\n"
     "Ctrl-C ends with its summary).\n"
     "`vig VERB --help` has an example.";

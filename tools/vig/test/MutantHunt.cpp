@@ -64,7 +64,7 @@ class Visits final : public Trace {
         std::string_view state;
         EventType type;
 
-        auto operator<=>(const Visit&) const = default;
+        auto operator<=>(const Visit&) const = default;  // NOLINT(modernize-use-nullptr): it takes it for a 0
     };
 
     void loaded(const DocumentModel& /*document*/) override {}

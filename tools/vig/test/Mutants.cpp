@@ -198,9 +198,10 @@ class MutantMaker {
         }
         lead(misspelt);
         TransitionModel changed = transition;
-        changed.event = neighbourOf(transition.event);
+        const EventType neighbour = neighbourOf(transition.event);
+        changed.event = neighbour;
         add(placeOf(transition, "event"),
-            fmt::format("the event {} became {}", nameOf(transition.event), nameOf(changed.event)),
+            fmt::format("the event {} became {}", nameOf(transition.event), nameOf(neighbour)),
             {{index, std::move(changed)}});
     }
 

@@ -37,7 +37,8 @@ Rank roundestDouble(Rank low, Rank high) {
     const double most = doubleAt(high);
     constexpr int kEnough = std::numeric_limits<double>::max_digits10;
     for (int digits = 1; digits < kEnough; ++digits) {
-        // Among the numbers with so many digits, one that is in the range is the nearest one to an end or to the middle.
+        // Among the numbers with so many digits, one that is in the range is the nearest one to an end or to the
+        // middle.
         for (const double near : {least, most, std::midpoint(least, most)}) {
             const std::string text = fmt::format("{:.{}e}", near, digits - 1);
             double rounded = std::numeric_limits<double>::quiet_NaN();
