@@ -202,6 +202,21 @@ Markdown does not end its cells.
   | 0 | changed | logs, with some draws, for a&#124;b "&#95;c&#95;" in state start |
   | 1 | changed | waits in another state, with some draws, on Test in state start |
 
+A machine's own event has no attributes, and an action says what it lacks of an event.
+
+  $ machines >old.json <<'END'
+  > start end EnteringState | double x >= PseudoRandomDouble() | LogZramHeartBeat
+  > start end Test | string processName == = | TriggerVelora
+  > END
+  $ machines >new.json <<'END'
+  > start end EnteringState | double PseudoRandomDouble() <= =0 | LogZramHeartBeat
+  > start end Test | string processName == =
+  > END
+  $ differ | head -3
+  old.json -> new.json: 1 changed, 1 unchanged
+    changed      1  no longer logs for no processName in state start
+    unchanged    0
+
 A change deep in the document is found at the end of the shortest way there. What a circle of draws leaves open is no
 claim.
 
