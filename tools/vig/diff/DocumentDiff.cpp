@@ -7,35 +7,11 @@
 #include <map>
 #include <utility>
 
+#include "tools/vig/diff/MachinePairs.h"
+
 namespace Brenta::OS::VIG::Tool {
 
 namespace {
-
-std::vector<ConfigDiff> pair(const Both<const DocumentModel*>& documents) {
-    std::map<std::pair<std::int64_t, std::size_t>, std::size_t> old;  // indices by id and occurrence
-    std::map<std::int64_t, std::size_t> counts;
-    for (std::size_t index = 0; index < documents[0]->configs.size(); ++index) {
-        const std::int64_t id = documents[0]->configs[index].id;
-        old[{id, counts[id]++}] = index;
-    }
-    std::vector<ConfigDiff> pairs;
-    counts.clear();
-    for (std::size_t index = 0; index < documents[1]->configs.size(); ++index) {
-        const std::int64_t id = documents[1]->configs[index].id;
-        ConfigDiff& added = pairs.emplace_back(ConfigDiff{id, counts[id]++, {std::nullopt, index}, {}});
-        if (const auto same = old.extract({id, added.occurrence}); !same.empty()) {
-            added.indices[0] = same.mapped();
-        }
-    }
-    std::vector<ConfigDiff> gone;
-    gone.reserve(old.size());
-    for (const auto& [key, index] : old) {
-        gone.push_back({key.first, key.second, {index, std::nullopt}, {}});
-    }
-    std::ranges::sort(gone, {}, [](const ConfigDiff& each) { return *each.indices[0]; });
-    std::ranges::move(gone, std::back_inserter(pairs));
-    return pairs;
-}
 
 // Tells whether the library did the same until the last event, and then something else.
 bool isConfirmed(const ConfigDiff& config, Differ::States states) {
@@ -74,7 +50,10 @@ ConfigDiff::Status ConfigDiff::status() const {
 DocumentDiff compare(const Both<const DocumentModel*>& documents, Differ::States states,
                      const Surroundings& surroundings) {
     static const ConfigModel nothing{};
-    DocumentDiff result{pair(documents)};
+    DocumentDiff result;
+    for (const MachinePair& each : pairsOf(*documents[0], *documents[1])) {
+        result.configs.push_back({each.id, each.occurrence, each.index, {}});
+    }
     // One that takes long leaves the others their share, and has what they did not need thereafter.
     std::map<const ConfigDiff*, std::uint64_t> shares;
     for (const bool isAgain : {false, true}) {

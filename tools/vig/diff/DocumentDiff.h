@@ -32,8 +32,8 @@ struct ConfigDiff {
 };
 
 struct DocumentDiff {
-    std::vector<ConfigDiff> configs;  // in the order of the new document, and then those that are gone
-    std::string fault = {};           // what was decided and the library does not do; nothing else counts then
+    std::vector<ConfigDiff> configs = {};  // in the order of the new document, and then those that are gone
+    std::string fault = {};                // what was decided and the library does not do; nothing else counts then
 };
 
 // Compares two documents by what their machines do. Where these differ, the library has done so before it is said. Used

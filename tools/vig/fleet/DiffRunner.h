@@ -8,11 +8,11 @@
 #include <string_view>
 #include <vector>
 
+#include "tools/vig/diff/MachinePairs.h"
 #include "tools/vig/document/RuleModel.h"
 #include "tools/vig/events/AttributeSet.h"
 #include "tools/vig/events/EventRecord.h"
 #include "tools/vig/fleet/DiffSummary.h"
-#include "tools/vig/fleet/MachinePairs.h"
 #include "tools/vig/fleet/Parting.h"
 #include "tools/vig/io/Console.h"
 #include "tools/vig/io/Interruption.h"

@@ -8,8 +8,8 @@
 #include <string_view>
 #include <vector>
 
+#include "tools/vig/diff/MachinePairs.h"
 #include "tools/vig/document/RuleModel.h"
-#include "tools/vig/fleet/MachinePairs.h"
 
 namespace Brenta::OS::VIG::Tool {
 

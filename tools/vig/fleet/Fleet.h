@@ -9,6 +9,7 @@
 #include "tools/vig/io/Console.h"
 #include "tools/vig/io/Interruption.h"
 #include "tools/vig/io/Output.h"
+#include "tools/vig/run/ReportWriters.h"
 
 namespace Brenta::OS::VIG::Tool {
 
@@ -38,6 +39,21 @@ class Fleet {
     const Interruption& interruption;
     Output& output;
 };
+
+// Returns the summary of a fleet as the format has it; `type` tells it from other lines.
+std::string summaryIn(ReportFormat format, const auto& summary, const std::string& type) {
+    switch (format) {
+        case ReportFormat::Text:
+            return textOf(summary);
+        case ReportFormat::Jsonl:
+            return jsonOf(summary, "\"type\":\"" + type + "\",");
+        case ReportFormat::Json:
+            return jsonOf(summary, "");
+        case ReportFormat::None:
+            break;
+    }
+    return {};
+}
 
 // Returns what stands above the text of a device.
 std::string headingOf(const std::string& device);

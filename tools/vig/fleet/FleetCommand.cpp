@@ -15,24 +15,6 @@
 
 namespace Brenta::OS::VIG::Tool {
 
-namespace {
-
-std::string summaryOf(const FleetSummary& summary, const FleetOptions& options) {
-    switch (options.format) {
-        case ReportFormat::Text:
-            return (options.summaryOnly ? "" : "\n") + textOf(summary);
-        case ReportFormat::Jsonl:
-            return jsonOf(summary, R"("type":"fleet",)");
-        case ReportFormat::Json:
-            return jsonOf(summary, "");
-        case ReportFormat::None:
-            break;
-    }
-    return {};
-}
-
-}  // namespace
-
 int fleet(const FleetOptions& options, const Console& console, const Interruption& interruption) {
     const ReportFormat format = options.summaryOnly ? ReportFormat::None : options.format;
     RuleRun rules(options, format, console, interruption);
@@ -61,7 +43,8 @@ int fleet(const FleetOptions& options, const Console& console, const Interruptio
             return Fleet::Ended{result.problem, [&summary, result] { summary.add(result); }};
         };
     });
-    rules.output().write(summaryOf(summary, options));
+    const bool isBehindDevices = options.format == ReportFormat::Text && !options.summaryOnly;
+    rules.output().write((isBehindDevices ? "\n" : "") + summaryIn(options.format, summary, "fleet"));
     const int status = summary.failed > 0 ? kExitUnusable : kExitDone;
     return rules.abandon(interruption.requested() ? kExitInterrupted : status);
 }

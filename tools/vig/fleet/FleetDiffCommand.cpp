@@ -17,24 +17,6 @@
 
 namespace Brenta::OS::VIG::Tool {
 
-namespace {
-
-std::string summaryOf(const DiffSummary& summary, ReportFormat format) {
-    switch (format) {
-        case ReportFormat::Text:
-            return textOf(summary);
-        case ReportFormat::Jsonl:
-            return jsonOf(summary, R"("type":"fleet_diff",)");
-        case ReportFormat::Json:
-            return jsonOf(summary, "");
-        case ReportFormat::None:
-            break;
-    }
-    return {};
-}
-
-}  // namespace
-
 int fleetDiff(const FleetDiffOptions& options, const Console& console, const Interruption& interruption) {
     AttributeSet context;
     if (const auto status = readContext(options.contextFile, console, interruption, context)) {
@@ -63,7 +45,7 @@ int fleetDiff(const FleetDiffOptions& options, const Console& console, const Int
             return Fleet::Ended{diff.problem, [&summary, diff] { summary.add(diff); }};
         };
     });
-    output.write(summaryOf(summary, options.format.ofDevices));
+    output.write(summaryIn(options.format.ofDevices, summary, "fleet_diff"));
     const int status = summary.isDifferent() ? kExitDifferent : kExitDone;
     return console.finish(output, interruption.requested() ? kExitInterrupted
                                   : summary.failed > 0     ? kExitUnusable

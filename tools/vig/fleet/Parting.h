@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "tools/vig/diff/MachinePairs.h"
 #include "tools/vig/fleet/DiffSummary.h"
-#include "tools/vig/fleet/MachinePairs.h"
 #include "tools/vig/trace/Trace.h"
 
 namespace Brenta::OS::VIG::Tool {

@@ -1,4 +1,4 @@
-#include "tools/vig/fleet/MachinePairs.h"
+#include "tools/vig/diff/MachinePairs.h"
 
 #include <map>
 #include <utility>
