@@ -286,7 +286,6 @@ class Differ::Search {
             plan.events.push_back(occasion.record);
         }
         plan.draws.push_back(occasion.numbers);
-        plan.odds.push_back(1);
     }
 
     // Adds what leads to the node. Returns false if it could not be found within the effort.
