@@ -129,7 +129,7 @@ class Pairs {
   public:
     Pairs(const char* const* documents, std::vector<EventRecord> values, AttributeSet contextAttributes)
         : source(std::move(values)), context(std::move(contextAttributes)), services(seen) {
-        for (const std::size_t which : {0, 1}) {
+        for (std::size_t which = 0; which < 2; ++which) {
             configs[which] = VIGResponseParser().parseFromString(support::textOf(documents[which]), registry).value;
             for (const auto& config : *configs[which]) {
                 FiniteStateMachine* const machine = config->getConfigPayload()->getFiniteStateMachine();
@@ -158,7 +158,7 @@ class Pairs {
         const std::clock_t end = std::clock() + 2 * CLOCKS_PER_SEC;
         std::int64_t least = -1;
         while (offered < events && std::clock() < end) {
-            const std::int64_t length = 1 + source.below(12);
+            const auto length = static_cast<std::int64_t>(1 + source.below(12));
             bool same = doTheSame(pair, [](auto& machine) { machine.enterState(machine.getStateByName("start")); });
             std::int64_t event = 0;
             for (; same && event < length; ++event, ++offered) {
@@ -181,7 +181,7 @@ class Pairs {
     bool doTheSame(const Pair& pair, const auto& act) {
         Done done[2];
         draws.clear();
-        for (const std::size_t which : {0, 1}) {
+        for (std::size_t which = 0; which < 2; ++which) {
             drawn = 0;
             act(*pair[which]);
             done[which] = seen.take();
