@@ -11,7 +11,7 @@
 #include "rulesengine/FiniteStateMachine.h"
 #include "tests/support/FakeTriggerService.h"
 #include "tests/support/TestEvent.h"
-#include "tools/vig/check/Findings.h"
+#include "tools/vig/check/DocumentCheck.h"
 #include "tools/vig/document/Registry.h"
 #include "vig/EventTypeNames.h"
 #include "vig/parsers/VIGResponseParser.h"

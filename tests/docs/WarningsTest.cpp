@@ -7,9 +7,9 @@
 
 #include "tests/docs/Fragments.h"
 #include "tests/support/Documents.h"
-#include "tools/vig/check/Findings.h"
-#include "tools/vig/check/WarningNames.h"
+#include "tools/vig/check/DocumentCheck.h"
 #include "tools/vig/document/Registry.h"
+#include "tools/vig/findings/WarningNames.h"
 
 namespace Tool = Brenta::OS::VIG::Tool;
 

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "tests/support/Documents.h"
-#include "tools/vig/check/Findings.h"
+#include "tools/vig/check/DocumentCheck.h"
 #include "tools/vig/document/Registry.h"
 
 namespace Brenta::OS::VIG::Tool {

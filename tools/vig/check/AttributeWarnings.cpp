@@ -5,9 +5,9 @@
 #include <algorithm>
 
 #include "tools/vig/catalogue/ActionNeeds.h"
-#include "tools/vig/check/Hints.h"
 #include "tools/vig/document/NormalFilter.h"
 #include "tools/vig/events/EventNames.h"
+#include "tools/vig/findings/Hints.h"
 #include "tools/vig/words/NearestName.h"
 #include "tools/vig/words/Text.h"
 

@@ -11,9 +11,10 @@
 
 #include "tools/vig/catalogue/Catalogue.h"
 #include "tools/vig/catalogue/CatalogueCommand.h"
-#include "tools/vig/check/WarningNames.h"
+#include "tools/vig/check/DocumentCheck.h"
 #include "tools/vig/commandline/CommandLine.h"
 #include "tools/vig/document/Registry.h"
+#include "tools/vig/findings/WarningNames.h"
 #include "tools/vig/io/FileText.h"
 #include "tools/vig/io/Output.h"
 

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "tools/vig/check/FindingWriters.h"
+#include "tools/vig/findings/FindingWriters.h"
 #include "tools/vig/io/Console.h"
 #include "tools/vig/io/Interruption.h"
 

@@ -7,9 +7,9 @@
 #include <string_view>
 #include <tuple>
 
-#include "tools/vig/check/DocumentShape.h"
-#include "tools/vig/check/Hints.h"
 #include "tools/vig/document/StrictJson.h"
+#include "tools/vig/findings/DocumentShape.h"
+#include "tools/vig/findings/Hints.h"
 #include "tools/vig/words/NearestName.h"
 #include "tools/vig/words/Text.h"
 #include "vig/base/Utf8.h"

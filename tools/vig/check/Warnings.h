@@ -10,9 +10,9 @@
 
 #include "tools/vig/catalogue/Catalogue.h"
 #include "tools/vig/check/Evidence.h"
-#include "tools/vig/check/Findings.h"
 #include "tools/vig/decide/Behaviour.h"
 #include "tools/vig/document/RuleModel.h"
+#include "tools/vig/findings/Findings.h"
 #include "vig/parsers/VIGParserConfig.h"
 
 namespace Brenta::OS::VIG::Tool {

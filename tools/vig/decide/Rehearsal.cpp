@@ -10,15 +10,6 @@
 
 namespace Brenta::OS::VIG::Tool {
 
-bool Witness::fires(std::size_t transition, std::uint64_t event) const {
-    return std::ranges::any_of(
-        trials, [&](const Trial& each) { return each.fired && each.transition == transition && each.event == event; });
-}
-
-bool Witness::firesAtTheEnd(std::size_t transition) const {
-    return fires(transition, events.size());
-}
-
 Rehearsal::Rehearsal(std::span<const ConfigModel> machines, const AttributeSet& context)
     : tracer(*this), group(context, *this, &tracer), services(group) {
     const auto registry = tracer.registryFrom(withDraws(libraryRegistry(), [this] { return draw(); }));

@@ -15,32 +15,12 @@
 #include "tools/vig/trace/Report.h"
 #include "tools/vig/trace/Trace.h"
 #include "tools/vig/trace/Tracer.h"
+#include "tools/vig/trace/Witness.h"
 
 namespace Brenta::OS::VIG::Tool {
 
 // So much effort costs an event that is offered to a machine in the library, and a move.
 inline constexpr std::uint64_t kEffortOfOffer = 50;
-
-// It is a recording that shows something, and what the machine that it is about did with it, in the library.
-struct Witness {
-    // One transition that the machine tried.
-    struct Trial {
-        std::uint64_t event;  // counted from 1, and 0 when it starts
-        std::size_t transition;
-        std::vector<bool> verdicts;  // of its filters, up to the first that is false
-        bool fired;
-    };
-
-    std::vector<EventRecord> events;
-    std::vector<double> draws;            // of all machines that play, in order; the last one is drawn for ever
-    std::vector<Trial> trials;            // those of all events
-    std::vector<std::uint64_t> triggers;  // the events by which it asked for collections
-    std::uint64_t moves = 0;              // of all machines
-
-    // Tell whether the machine fired it by the event, the last one or that of the number, or after that.
-    bool fires(std::size_t transition, std::uint64_t event) const;
-    bool firesAtTheEnd(std::size_t transition) const;
-};
 
 // It is what a machine does that others see, as a line.
 struct Deed {

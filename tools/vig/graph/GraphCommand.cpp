@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "tools/vig/catalogue/Catalogue.h"
-#include "tools/vig/check/Findings.h"
+#include "tools/vig/check/DocumentCheck.h"
 #include "tools/vig/commandline/CommandLine.h"
 #include "tools/vig/document/Registry.h"
 #include "tools/vig/graph/Pictures.h"

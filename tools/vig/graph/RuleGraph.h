@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "tools/vig/check/Findings.h"
 #include "tools/vig/document/RuleModel.h"
+#include "tools/vig/findings/Findings.h"
 
 namespace Brenta::OS::VIG::Tool {
 

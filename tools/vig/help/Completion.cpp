@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <string_view>
 
-#include "tools/vig/check/WarningNames.h"
+#include "tools/vig/findings/WarningNames.h"
 #include "tools/vig/words/Text.h"
 
 namespace Brenta::OS::VIG::Tool {

@@ -12,7 +12,6 @@
 #include <string_view>
 #include <utility>
 
-#include "tools/vig/check/RefusalSearch.h"
 #include "tools/vig/document/DocumentText.h"
 #include "tools/vig/document/Registry.h"
 #include "tools/vig/document/StrictJson.h"
@@ -20,6 +19,7 @@
 #include "tools/vig/events/EventReader.h"
 #include "tools/vig/events/LineReader.h"
 #include "tools/vig/events/RecordParser.h"
+#include "tools/vig/findings/RefusalSearch.h"
 #include "tools/vig/io/Descriptor.h"
 #include "tools/vig/io/FileText.h"
 #include "tools/vig/words/NearestName.h"

@@ -6,9 +6,12 @@
 #include <string>
 #include <vector>
 
-#include "tools/vig/check/Findings.h"
+#include "tools/vig/findings/Findings.h"
 
 namespace Brenta::OS::VIG::Tool {
+
+// Returns an error for every place for which the library refuses the document, by place.
+std::vector<Finding> refusalsIn(const DocumentText& document, const VIGParserConfig& registry);
 
 // Appends an error for every place for which the library refuses the document. Returns the elements of "configs" that
 // it accepts; nothing if it refuses the root. REQUIRES: the text of the document is JSON.

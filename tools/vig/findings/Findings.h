@@ -1,14 +1,14 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <tuple>
 #include <vector>
 
-#include "tools/vig/catalogue/Catalogue.h"
-#include "tools/vig/decide/Rehearsal.h"
 #include "tools/vig/document/DocumentText.h"
-#include "tools/vig/io/Interruption.h"
+#include "tools/vig/trace/Witness.h"
 #include "vig/parsers/VIGParserConfig.h"
 
 namespace Brenta::OS::VIG::Tool {
@@ -37,11 +37,10 @@ struct Findings {
     std::vector<std::string> unconfirmed;  // what was found, and the library does something else: faults of the tool
 };
 
-// Returns everything that is wrong with a rule document: errors for what the library refuses with these names, and what
-// `vig check` warns of, with these attributes in mind. There is an error under the name of a code of the library
-// exactly when the library refuses the document. An interruption, if there may be one, leaves the rest undecided. The
-// platform's log and its trigger service are not available meanwhile; used on one thread.
-Findings findingsIn(const DocumentText& document, const VIGParserConfig& registry, const Catalogue& catalogue,
-                    const Interruption* interruption = nullptr);
+// Orders the findings as their places stand in the text; what is found at one place stays in its order.
+inline void sortByPlace(std::vector<Finding>& found) {
+    std::ranges::stable_sort(found, {},
+                             [](const Finding& each) { return std::tuple(each.place.begin, each.place.end); });
+}
 
 }  // namespace Brenta::OS::VIG::Tool

@@ -1,45 +1,17 @@
-#include "tools/vig/check/Findings.h"
+#include "tools/vig/check/DocumentCheck.h"
 
 #include <algorithm>
 #include <numeric>
 #include <optional>
-#include <string_view>
-#include <tuple>
 #include <utility>
 
-#include "tools/vig/check/RefusalSearch.h"
 #include "tools/vig/check/Warnings.h"
-#include "tools/vig/document/ParseErrorText.h"
-#include "tools/vig/words/Text.h"
+#include "tools/vig/findings/ReaderErrors.h"
+#include "tools/vig/findings/RefusalSearch.h"
 
 namespace Brenta::OS::VIG::Tool {
 
 namespace {
-
-constexpr std::size_t kMostShownOfMessage = 200;
-
-// Returns the mistakes in the reader's report.
-std::vector<Finding> readerErrors(const SourceText& source, const std::string& text) {
-    const std::string name(textOf(VIGParseError::InvalidJson).name);
-    const SourceText report({}, text);
-    std::vector<Finding> found;
-    for (std::size_t number = 1; number <= report.lineCount(); ++number) {
-        const std::string_view line = report.line(number);
-        const auto position = DocumentText::reportedPosition(line);
-        if (position && 0 < position->line && position->line <= source.lineCount()) {
-            const std::size_t offset = std::min(source.offsetOf(*position), source.text().size());
-            found.push_back({Severity::Error, name, {offset, offset + 1, {}}, {}, {}});
-        } else if (!found.empty() && !line.empty()) {
-            std::string& message = found.back().message;
-            message += message.empty() ? "" : " ";
-            message += shortened(line.substr(std::min(line.find_first_not_of(' '), line.size())), kMostShownOfMessage);
-        }
-    }
-    if (found.empty()) {
-        found.push_back({Severity::Error, name, Place{0, 0, {}}, shortened(text, kMostShownOfMessage), {}});
-    }
-    return found;
-}
 
 // Judges the configurations that the library accepts, since only these mean something.
 void judge(const DocumentText& document, const std::vector<Json::ArrayIndex>& accepted, const VIGParserConfig& registry,
@@ -83,7 +55,7 @@ Findings findingsIn(const DocumentText& document, const VIGParserConfig& registr
     Findings findings;
     std::vector<Finding>& found = findings.all;
     if (document.report()) {
-        found = readerErrors(document.source(), *document.report());
+        found = readerErrors(document);
     } else {
         if (const auto accepted = acceptedConfigs(document, registry, found)) {
             judge(document, *accepted, registry, catalogue, interruption, findings);
@@ -91,8 +63,7 @@ Findings findingsIn(const DocumentText& document, const VIGParserConfig& registr
         }
         appendKeyWarnings(document, found);
     }
-    std::ranges::stable_sort(found, {},
-                             [](const Finding& each) { return std::tuple(each.place.begin, each.place.end); });
+    sortByPlace(found);
     return findings;
 }
 

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "tools/vig/check/DocumentShape.h"
+#include "tools/vig/findings/DocumentShape.h"
 #include "vig/parsers/FilterParser.h"
 #include "vig/parsers/VIGParserConfig.h"
 

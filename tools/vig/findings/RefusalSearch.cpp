@@ -16,17 +16,18 @@
 //
 // Where all that finds nothing in a piece that is refused, the piece itself is at fault: whatever else the library may
 // come to refuse does not go unsaid.
-#include "tools/vig/check/RefusalSearch.h"
+#include "tools/vig/findings/RefusalSearch.h"
 
 #include <algorithm>
 #include <string>
 #include <string_view>
 #include <utility>
 
-#include "tools/vig/check/Hints.h"
-#include "tools/vig/check/PieceParser.h"
 #include "tools/vig/document/ParseErrorText.h"
 #include "tools/vig/document/StrictJson.h"
+#include "tools/vig/findings/Hints.h"
+#include "tools/vig/findings/PieceParser.h"
+#include "tools/vig/findings/ReaderErrors.h"
 #include "tools/vig/words/Text.h"
 
 namespace Brenta::OS::VIG::Tool {
@@ -280,6 +281,16 @@ std::optional<std::vector<Json::ArrayIndex>> acceptedConfigs(const DocumentText&
 void searchFilter(const DocumentText& text, const Json::Value& filter, const std::string& path,
                   const VIGParserConfig& registry, std::vector<Finding>& found) {
     RefusalSearch(text, registry, found).accepts(kFilterShape, filter, path);
+}
+
+std::vector<Finding> refusalsIn(const DocumentText& document, const VIGParserConfig& registry) {
+    if (document.report()) {
+        return readerErrors(document);
+    }
+    std::vector<Finding> found;
+    acceptedConfigs(document, registry, found);
+    sortByPlace(found);
+    return found;
 }
 
 }  // namespace Brenta::OS::VIG::Tool

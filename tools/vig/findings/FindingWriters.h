@@ -4,7 +4,7 @@
 #include <memory>
 #include <string>
 
-#include "tools/vig/check/Findings.h"
+#include "tools/vig/findings/Findings.h"
 #include "tools/vig/io/Output.h"
 
 namespace Brenta::OS::VIG::Tool {

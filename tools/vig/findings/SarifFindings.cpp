@@ -6,9 +6,9 @@
 #include <utility>
 #include <vector>
 
-#include "tools/vig/check/FindingWriters.h"
-#include "tools/vig/check/WarningNames.h"
 #include "tools/vig/document/ParseErrorText.h"
+#include "tools/vig/findings/FindingWriters.h"
+#include "tools/vig/findings/WarningNames.h"
 #include "tools/vig/words/Text.h"
 
 namespace Brenta::OS::VIG::Tool {

@@ -1,4 +1,4 @@
-#include "tools/vig/check/PieceParser.h"
+#include "tools/vig/findings/PieceParser.h"
 
 #include <memory>
 #include <unordered_map>

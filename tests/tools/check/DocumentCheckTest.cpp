@@ -1,4 +1,4 @@
-#include "tools/vig/check/Findings.h"
+#include "tools/vig/check/DocumentCheck.h"
 
 #include <gtest/gtest.h>
 

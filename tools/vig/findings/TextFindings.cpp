@@ -1,4 +1,4 @@
-#include "tools/vig/check/FindingWriters.h"
+#include "tools/vig/findings/FindingWriters.h"
 
 #include <fmt/format.h>
 

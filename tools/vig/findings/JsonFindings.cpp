@@ -4,7 +4,7 @@
 #include <utility>
 #include <vector>
 
-#include "tools/vig/check/FindingWriters.h"
+#include "tools/vig/findings/FindingWriters.h"
 #include "tools/vig/words/Text.h"
 
 namespace Brenta::OS::VIG::Tool {

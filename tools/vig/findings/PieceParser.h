@@ -7,7 +7,7 @@
 #include <optional>
 #include <string>
 
-#include "tools/vig/check/DocumentShape.h"
+#include "tools/vig/findings/DocumentShape.h"
 #include "vig/parsers/VIGParseError.h"
 #include "vig/parsers/VIGParserConfig.h"
 

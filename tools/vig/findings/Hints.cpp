@@ -1,4 +1,4 @@
-#include "tools/vig/check/Hints.h"
+#include "tools/vig/findings/Hints.h"
 
 #include <algorithm>
 #include <cstddef>
