@@ -15,7 +15,12 @@ std::mutex sinkMutex;
 // The mutex guards the sink, which is never destroyed, because threads may log until the very end of the process.
 host::LogSink& currentSink = *new host::LogSink;
 
+thread_local const host::LogSink* sinkOfThread = nullptr;
+
 host::LogSink copyOfSink() {
+    if (sinkOfThread != nullptr) {
+        return *sinkOfThread;
+    }
     const std::lock_guard lock(sinkMutex);
     return currentSink;
 }
@@ -25,6 +30,13 @@ host::LogSink copyOfSink() {
 host::LogSink host::setLogSink(LogSink sink) {
     const std::lock_guard lock(sinkMutex);
     return std::exchange(currentSink, std::move(sink));
+}
+
+host::ThreadLogSink::ThreadLogSink(LogSink sink)
+    : sink(std::move(sink)), previous(std::exchange(sinkOfThread, &this->sink)) {}
+
+host::ThreadLogSink::~ThreadLogSink() {
+    sinkOfThread = previous;
 }
 
 int __android_log_print(int prio, const char* tag, const char* fmt, ...) {

@@ -20,6 +20,20 @@ using LogSink = std::function<void(int priority, std::string_view tag, std::stri
 // live until every thread that could be in it has come out.
 LogSink setLogSink(LogSink sink);
 
+// While it lives, what the thread that made it logs goes to `sink` alone, whatever setLogSink() says; where there are
+// several, to that of the latest. To be destroyed on the same thread, the latest one first.
+class ThreadLogSink {
+  public:
+    explicit ThreadLogSink(LogSink sink);
+    ThreadLogSink(const ThreadLogSink&) = delete;
+    ThreadLogSink& operator=(const ThreadLogSink&) = delete;
+    ~ThreadLogSink();
+
+  private:
+    const LogSink sink;
+    const LogSink* const previous;
+};
+
 inline constexpr std::size_t kTooManyBytes = std::size_t{1} << 30;
 
 // Makes the file's whole content, byte for byte, the value of a property of the device configuration, for the clients

@@ -219,7 +219,9 @@ What cannot be used is told, and the others are decided.
   $ echo '[]' >refused.json
   $ vig prove absent refused.json round.json >out
   vig: error: absent: No such file or directory
-  refused.json: error: refused (InvalidResponse): the root must be an object whose "configs" is an array; `vig check` tells what is wrong
+  refused.json:1:1: error: the root must be an object whose "configs" is an array [InvalidResponse]
+      []
+      ^~
   [2]
   $ grep -c machine out
   1

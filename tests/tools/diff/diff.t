@@ -266,7 +266,10 @@ claim.
   [2]
   $ echo '{}' >new.json
   $ differ
-  new.json: error: refused (InvalidResponse): the root must be an object whose "configs" is an array; `vig check` tells what is wrong
+  new.json:1:1: error: the root must be an object whose "configs" is an array ("configs" is missing) [InvalidResponse]
+      {}
+      ^~
+      hint: an array is needed; [] for none
   [2]
   $ vig diff old.json
   vig: error: NEW is required

@@ -160,7 +160,11 @@ What is not fit to be compared:
   [2]
   $ document "$(config 7 1)" >refused.json
   $ vig diff refused.json new.json same
-  refused.json: error: refused (InvalidFsm): a state machine is invalid; `vig check` tells what is wrong
+  refused.json:1:62: error: Invalid FSM JSON: 1 [InvalidFsm]
+      {"configs":[{"id":7,"payload":{"id":1,"data":{"transitions":[1]}}}]}
+                                                                   ^
+      path: configs[0].payload.data.transitions[0]
+      hint: an object is needed
   [2]
   $ vig diff new.json new.json newly same --summary-only
   fleet

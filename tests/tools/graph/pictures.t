@@ -66,7 +66,10 @@ What is no document, no events or no context is told, and nothing is drawn.
 
   $ echo '{}' >bad
   $ vig graph bad
-  bad: error: refused; `vig check bad` tells what is wrong
+  bad:1:1: error: the root must be an object whose "configs" is an array ("configs" is missing) [InvalidResponse]
+      {}
+      ^~
+      hint: an array is needed; [] for none
   [1]
   $ vig graph none
   vig: error: none: No such file or directory

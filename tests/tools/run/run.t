@@ -48,22 +48,47 @@ A document that is refused is told with the layer at fault, and with its log lin
   >   echo "$text" >refused.json
   >   vig run refused.json events.jsonl --format jsonl >out || echo "$? $(grep -c '"type":"log"' out) $(wc -l <out)"
   > done
-  refused.json: error: refused (InvalidJson): the text is not JSON
+  refused.json:2:1: error: Missing '}' or object member name [InvalidJson]
+      
+      ^
   1 2 2
-  refused.json: error: refused (InvalidResponse): the root must be an object whose "configs" is an array
+  refused.json:1:1: error: the root must be an object whose "configs" is an array [InvalidResponse]
+      []
+      ^~
   1 1 1
-  refused.json: error: refused (InvalidConfigPayload): a payload must be an object with a 32-bit number "id" and an object "data"
+  refused.json:1:31: error: Invalid VIG Config Payload JSON: {} ("id" is missing) [InvalidConfigPayload]
+      {"configs":[{"id":1,"payload":{}}]}
+                                    ^~
+      path: configs[0].payload
+      hint: a number is needed
+  refused.json:1:31: error: Invalid VIG Config Payload JSON: {} ("data" is missing) [InvalidConfigPayload]
+      {"configs":[{"id":1,"payload":{}}]}
+                                    ^~
+      path: configs[0].payload
+      hint: an object is needed
   1 2 2
-  refused.json: error: refused (InvalidFsm): a state machine is invalid
+  refused.json:1:109: error: FSM Event not found! [InvalidFsm]
+      \xe2\x80\xa6state":"start","to_state":"end","event":"test","filters":[],"actions":[]}]}}}]} (esc)
+                                               ^~~~~~
+      path: configs[0].payload.data.transitions[0].event
+      hint: there is no event "test"; did you mean "Test"?
   1 3 3
-  refused.json: error: refused (InvalidConfig): a configuration must be an object with a 64-bit number "id" and an object "payload"
+  refused.json:1:13: error: Invalid VIG Config JSON: 7 [InvalidConfig]
+      {"configs":[7]}
+                  ^
+      path: configs[0]
+      hint: an object is needed
   1 2 2
   $ vig run refused.json events.jsonl
       event  what     who            detail
           0  log      error          VIGManager: Invalid VIG Config JSON: 7
                                      .
           0  log      error          VIGManager: ViG device config is available now.
-  refused.json: error: refused (InvalidConfig): a configuration must be an object with a 64-bit number "id" and an object "payload"
+  refused.json:1:13: error: Invalid VIG Config JSON: 7 [InvalidConfig]
+      {"configs":[7]}
+                  ^
+      path: configs[0]
+      hint: an object is needed
   [1]
 
 What cannot be read is named at once.

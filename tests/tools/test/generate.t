@@ -165,8 +165,8 @@ A document without anything to reach has a test of its start, and one in a pipe 
   }
   $ document_of "$(transition a b test)" >bad.json
   $ vig test --generate bad.json 2>&1 | head -2
-  bad.json: error: refused (InvalidFsm): a state machine is invalid
-  FSM Event not found!
+  bad.json:1:103: error: FSM Event not found! [InvalidFsm]
+      \xe2\x80\xa6"from_state":"a","to_state":"b","event":"test","filters":[],"actions":[]}]}}}]} (esc)
   $ vig test --generate absent.json; vig test --generate ''; vig test --generate two.json two.test.json
   vig: error: absent.json: No such file or directory
   vig: error: --generate: expected a name, got nothing

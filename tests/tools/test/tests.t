@@ -170,17 +170,14 @@ Rules that are refused fail each test, and what the library says of them is told
   $ tests bad.json "$good" "${good/good/other}" >bad.test.json
   $ vig test bad.test.json --junit report.xml 2>&1 | grep -vE '^   '
   FAIL  bad.test.json: the rules cannot be tested
-  bad.json: error: refused (InvalidFsm): a state machine is invalid
-    FSM Event not found!
-    Invalid FSM JSON: {
-    }
-    .
+  bad.json:1:103: error: FSM Event not found! [InvalidFsm]
   2 tests: 0 passed, 2 failed
   [1]
   $ grep -oE '<testcase [^>]*|FSM Event.*' report.xml
   <testcase classname="bad.test.json" name="good"
-  FSM Event not found!
+  FSM Event not found! [InvalidFsm]">bad.json:1:103: error: FSM Event not found! [InvalidFsm]
   <testcase classname="bad.test.json" name="other"
+  FSM Event not found! [InvalidFsm]">bad.json:1:103: error: FSM Event not found! [InvalidFsm]
   $ tests absent.json "$good" >absent.test.json
   $ vig test absent.test.json
   vig: error: absent.json: No such file or directory

@@ -81,7 +81,10 @@ What is wrong is said, and where.
   [2]
   $ echo '{}' >refused.json
   $ tune refused.json "$number" d1 --target 1%
-  refused.json: error: refused (InvalidResponse): the root must be an object whose "configs" is an array
+  refused.json:1:1: error: the root must be an object whose "configs" is an array ("configs" is missing) [InvalidResponse]
+      {}
+      ^~
+      hint: an array is needed; [] for none
   [2]
   $ tune none.json "$number" d1 --target 1%
   vig: error: none.json: No such file or directory

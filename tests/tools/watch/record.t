@@ -15,10 +15,14 @@ A recording is a new file, or may be overwritten, and is opened when the rules r
   [2]
   $ echo '{' >bad.json
   $ watch bad.json --record record.jsonl --force >out
-  bad.json: error: refused (InvalidJson): the text is not JSON
+  bad.json:2:1: error: Missing '}' or object member name [InvalidJson]
+      
+      ^
   [1]
   $ watch bad.json --record new.jsonl >out
-  bad.json: error: refused (InvalidJson): the text is not JSON
+  bad.json:2:1: error: Missing '}' or object member name [InvalidJson]
+      
+      ^
   [1]
   $ ls *.jsonl
   context.jsonl

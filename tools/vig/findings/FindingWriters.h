@@ -33,6 +33,10 @@ class FindingWriter {
 // as a terminal shows it. `output` must outlive each of the writers.
 std::unique_ptr<FindingWriter> textFindings(Output& output, bool coloured, bool verbose);
 
+// Return what that writer tells of a document, and why the library refuses it. REQUIRES: it does.
+std::string textOf(const SourceText& source, const Findings& findings);
+std::string refusalText(const DocumentText& document);
+
 // This writer is for programs: one object with a list of the findings. Columns count bytes.
 std::unique_ptr<FindingWriter> jsonFindings(Output& output);
 

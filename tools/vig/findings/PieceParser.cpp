@@ -62,16 +62,12 @@ PieceParser::PieceParser(const VIGParserConfig& names)
     : registered(names),
       registeredActions(registryOf(names.getActionFunctionFactories())),
       anything(registryOf(acceptedActions())),
-      previousSink(host::setLogSink([this](int, std::string_view, std::string_view message) {
+      sink([this](int, std::string_view, std::string_view message) {
           if (!firstLine) {
               firstLine = message;
           }
-      })) {
+      }) {
     collectAccepted(kResponseShape, acceptedPieces);
-}
-
-PieceParser::~PieceParser() {
-    host::setLogSink(previousSink);
 }
 
 std::optional<Refusal> PieceParser::refusalOf(const Shape& shape, const Json::Value& piece, Names names) {

@@ -20,7 +20,7 @@ struct Refusal {
 };
 
 // Hands pieces of rule documents to the library's own parsers, each with as much of a document around it as they need.
-// While it lives, the platform log is its own: one object at a time, and nothing else may log.
+// While it lives, it takes what the thread that made it logs, and is used there.
 class PieceParser {
   public:
     enum class Names {
@@ -32,7 +32,6 @@ class PieceParser {
     explicit PieceParser(const VIGParserConfig& names);
     PieceParser(const PieceParser&) = delete;
     PieceParser& operator=(const PieceParser&) = delete;
-    ~PieceParser();
 
     // Returns nothing if the library accepts the piece, which stands where an object of that shape may. A parameter
     // stands in the accepted action.
@@ -49,7 +48,7 @@ class PieceParser {
     const VIGParserConfig anything;           // of the accepted names
     std::map<Layer, Json::Value> acceptedPieces;
     std::optional<std::string> firstLine;  // since the last piece
-    const host::LogSink previousSink;
+    const host::ThreadLogSink sink;
 };
 
 }  // namespace Brenta::OS::VIG::Tool

@@ -5,9 +5,12 @@
 #include <algorithm>
 #include <span>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
+#include "tools/vig/document/Registry.h"
+#include "tools/vig/findings/RefusalSearch.h"
 #include "tools/vig/io/Console.h"
 #include "tools/vig/words/Text.h"
 
@@ -156,6 +159,21 @@ std::string gapsIn(const Findings& findings) {
            joined(named, ", ",
                   [](const UndecidedConfig& each) { return fmt::format("{} (id {})", each.path, each.id); }) +
            (others > 0 ? fmt::format(" and {} more", others) : "");
+}
+
+std::string textOf(const SourceText& source, const Findings& findings) {
+    std::string text;
+    Output output([&text](std::string_view piece) {
+        text += piece;
+        return 0;
+    });
+    TextFindings(output, false, false).write(source, findings);
+    output.flush();
+    return text;
+}
+
+std::string refusalText(const DocumentText& document) {
+    return textOf(document.source(), {refusalsIn(document, libraryRegistry()), {}, {}});
 }
 
 std::unique_ptr<FindingWriter> textFindings(Output& output, bool coloured, bool verbose) {

@@ -103,10 +103,7 @@ std::optional<int> run(const GraphOptions& options, TransitionCounter& counter, 
         rules.observe(counter);
     }
     if (const auto status = rules.load(RuleSession::Changes::Ignore)) {
-        if (*status == kExitRefused) {
-            console.say(options.rules + ": error: refused; `vig check " + options.rules + "` tells what is wrong");
-        }
-        return *status;
+        return rules.abandon(*status);
     }
     text = rules.session().document().text.source().text();
     return options.events.empty() ? std::nullopt : replay(options, rules, console, interruption);

@@ -22,8 +22,12 @@ std::string_view variable(const char* name) {
 }  // namespace
 
 void Console::say(std::string_view line) const {
+    sayText(printable(shortened(line, kMostShownOfLine)) + "\n");
+}
+
+void Console::sayText(std::string_view lines) const {
     Output output(err);
-    output.write(printable(shortened(line, kMostShownOfLine)) + "\n");
+    output.write(lines);
     output.flush();
 }
 

@@ -23,6 +23,9 @@ struct Console {
     // Writes a line to `err`, without what a terminal would act on, and of a very long one the beginning.
     void say(std::string_view line) const;
 
+    // Writes whole lines to `err`. REQUIRES: they are printable.
+    void sayText(std::string_view lines) const;
+
     // Says it as an error of the program.
     void complain(std::string_view what) const;
 

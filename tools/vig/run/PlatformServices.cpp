@@ -17,6 +17,7 @@ namespace Brenta::OS::VIG::Tool {
 namespace {
 
 thread_local PlatformServices::Receiver* receiverOfThread = nullptr;
+bool areThere = false;  // of the thread that makes them
 
 }  // namespace
 
@@ -42,10 +43,6 @@ class PlatformServices::Log {
     };
 
     void write(int priority, std::string_view tag, std::string_view message) {
-        if (receiverOfThread != nullptr) {
-            receiverOfThread->onLog(priority, tag, message);
-            return;
-        }
         const std::lock_guard lock(mutex);
         waiting.push_back({priority, std::string(tag), std::string(message)});
         arrived.notify_one();
@@ -68,24 +65,33 @@ class PlatformServices::Log {
     std::vector<Line> waiting;  // guarded by mutex
 };
 
-PlatformServices::OnThread::OnThread(Receiver& receiver) : previous(std::exchange(receiverOfThread, &receiver)) {}
+PlatformServices::OnThread::OnThread(Receiver& receiver)
+    : previous(std::exchange(receiverOfThread, &receiver)),
+      sink([&receiver](int priority, std::string_view tag, std::string_view message) {
+          receiver.onLog(priority, tag, message);
+      }) {}
 
 PlatformServices::OnThread::~OnThread() {
     receiverOfThread = previous;
 }
 
 PlatformServices::PlatformServices(Receiver& receiver)
-    : target(receiver),
-      onThread(receiver),
-      log(std::make_shared<Log>()),
-      previousSink(host::setLogSink([shared = log](int priority, std::string_view tag, std::string_view message) {
-          shared->write(priority, tag, message);
-      })) {
+    : target(receiver), onThread(receiver), isInner(std::exchange(areThere, true)), log(std::make_shared<Log>()) {
+    if (isInner) {
+        return;
+    }
+    previousSink = host::setLogSink([shared = log](int priority, std::string_view tag, std::string_view message) {
+        shared->write(priority, tag, message);
+    });
     android::defaultServiceManager()->addService(android::String16(kTriggerService),
                                                  android::sp<TriggerService>::make(receiver));
 }
 
 PlatformServices::~PlatformServices() {
+    if (isInner) {
+        return;
+    }
+    areThere = false;
     host::removeService(android::String16(kTriggerService));
     host::setLogSink(previousSink);
 }

@@ -36,10 +36,12 @@ class PlatformServices {
 
       private:
         Receiver* const previous;
+        const host::ThreadLogSink sink;
     };
 
-    // REQUIRES: `receiver` outlives it, and it outlives all other threads that log. One object at a time; to be
-    // destroyed on the thread that made it.
+    // REQUIRES: `receiver` outlives it, and it outlives all other threads that log; of several objects, all are made on
+    // one thread. Within the life of another one it stands in for nothing but what that thread does. To be destroyed on
+    // the thread that made it, the latest one first.
     explicit PlatformServices(Receiver& receiver);
     PlatformServices(const PlatformServices&) = delete;
     PlatformServices& operator=(const PlatformServices&) = delete;
@@ -57,8 +59,9 @@ class PlatformServices {
 
     Receiver& target;
     const OnThread onThread;
+    const bool isInner;
     const std::shared_ptr<Log> log;
-    const host::LogSink previousSink;
+    host::LogSink previousSink;
 };
 
 }  // namespace Brenta::OS::VIG::Tool

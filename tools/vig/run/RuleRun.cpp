@@ -11,6 +11,7 @@
 
 #include "tools/vig/commandline/CommandLine.h"
 #include "tools/vig/events/EventReader.h"
+#include "tools/vig/findings/FindingWriters.h"
 #include "tools/vig/io/Descriptor.h"
 #include "tools/vig/words/Text.h"
 
@@ -45,6 +46,10 @@ std::optional<int> readContext(const std::string& path, const Console& console, 
     return kExitUnusable;
 }
 
+void sayRefusal(const RuleSession& session, const Console& console) {
+    console.sayText(refusalText(*session.refused()));
+}
+
 std::optional<std::string> readRules(const std::string& path, const Console& console,
                                      const Interruption& interruption) {
     NoReport report;
@@ -53,7 +58,7 @@ std::optional<std::string> readRules(const std::string& path, const Console& con
         case RuleSession::Loading::Done:
             return session.document().text.source().text();
         case RuleSession::Loading::Refused:
-            console.say(fmt::format("{}: error: {}; `vig check` tells what is wrong", path, session.problem()));
+            sayRefusal(session, console);
             break;
         case RuleSession::Loading::Unreadable:
             console.complain(path + ": " + session.problem());
@@ -106,7 +111,8 @@ int RuleRun::finish(int status, std::optional<Summary::Sampling> sampling) {
 
 int RuleRun::abandon(int status) {
     if (status == kExitRefused) {
-        complainAfterOutput(options.rules + ": error: " + rules->problem());
+        out.flush();
+        sayRefusal(*rules, console);
     }
     return console.finish(out, status);
 }

@@ -41,6 +41,9 @@ void addSurroundings(Verb& verb, MachineOptions& options, const std::string& mor
 std::optional<int> readContext(const std::string& file, const Console& console, const Interruption& interruption,
                                AttributeSet& attributes);
 
+// Says why the latest document of the session was refused, as `vig check` does. REQUIRES: it was.
+void sayRefusal(const RuleSession& session, const Console& console);
+
 // Returns the text of a rule document that the library accepts. If there is none, says why, unless it is interrupted.
 std::optional<std::string> readRules(const std::string& path, const Console& console, const Interruption& interruption);
 

@@ -111,6 +111,10 @@ bool RuleSession::update() {
 RuleSession::Loading RuleSession::adopt(Delivery delivery) {
     reason = explain(delivery.error);
     const bool isRefused = !reason.empty();
+    refusedText.reset();
+    if (isRefused) {
+        refusedText.emplace(path, std::move(delivery.text));
+    }
     // An absent document reads as one without configurations.
     if (!isRefused && delivery.configs.empty()) {
         reason = whyAbsent(path);

@@ -49,6 +49,9 @@ class RuleSession final {
     // Returns why the latest document was refused or cannot be read; empty if it was accepted.
     const std::string& problem() const { return reason; }
 
+    // Returns the latest document if it was refused, else nothing.
+    const std::optional<DocumentText>& refused() const { return refusedText; }
+
     // The descriptor is readable while a changed document waits for update(), if changes are followed.
     int changesDescriptor() const { return deliveries->descriptor(); }
 
@@ -74,6 +77,7 @@ class RuleSession final {
     std::optional<Descriptor> pipeCopy;  // in memory, if the document comes by a pipe
     std::optional<RuleDocument> deliveries;
     std::string reason;
+    std::optional<DocumentText> refusedText;
 };
 
 }  // namespace Brenta::OS::VIG::Tool

@@ -19,6 +19,7 @@
 #include "tools/vig/decide/Rehearsal.h"
 #include "tools/vig/document/Registry.h"
 #include "tools/vig/events/EventNames.h"
+#include "tools/vig/findings/FindingWriters.h"
 #include "tools/vig/io/FileText.h"
 #include "tools/vig/io/Output.h"
 #include "tools/vig/test/Coverage.h"
@@ -239,9 +240,7 @@ class TestWriter {
             return fail(loaded.problem);
         }
         if (loaded.loading == RuleSession::Loading::Refused) {
-            for (const std::string& line : printableLines(path + ": error: " + loaded.problem)) {
-                console.say(line);
-            }
+            console.sayText(refusalText(DocumentText(path, std::move(text))));
             return kExitUnusable;
         }
         if (!find(std::move(text))) {

@@ -15,6 +15,7 @@
 #include <system_error>
 
 #include "tools/vig/commandline/CommandLine.h"
+#include "tools/vig/findings/FindingWriters.h"
 #include "tools/vig/io/Descriptor.h"
 #include "tools/vig/io/FileText.h"
 #include "tools/vig/io/Output.h"
@@ -203,7 +204,7 @@ class TestSuite {
                     break;
                 case RuleSession::Loading::Refused:
                     under->second.haveFailed = true;
-                    refuse(file, checks, outcome.problem);
+                    refuse(file, checks, rulesCopy);
                     return std::nullopt;
                 case RuleSession::Loading::Unreadable:
                     return unusable(file.rules + ": " + outcome.problem);
@@ -241,10 +242,11 @@ class TestSuite {
     }
 
     // Tells that none of the tests of refused rules can pass.
-    void refuse(const TestFile& file, const std::vector<Check>& checks, const std::string& problem) {
-        std::vector<std::string> lines = printableLines(problem);
-        std::for_each(lines.begin() + 1, lines.end(), [](std::string& line) { line.insert(0, "  "); });
-        lines.front().insert(0, file.rules + ": error: ");
+    void refuse(const TestFile& file, const std::vector<Check>& checks, const std::string& rulesCopy) {
+        std::string text;
+        loadRules(rulesCopy, interruption, text);
+        const std::string refusal = refusalText(DocumentText(file.rules, std::move(text)));
+        const std::vector<std::string> lines = printableLines(refusal);
         for (const Check& each : checks) {
             // It is added once for the file: a large document has many lines, and may have many tests.
             const bool isFirst = &each == &checks.front();
@@ -252,9 +254,7 @@ class TestSuite {
         }
         out.write(fmt::format("FAIL  {}: the rules cannot be tested\n", printable(file.path)));
         out.flush();
-        for (const std::string& line : lines) {
-            console.say(line);
-        }
+        console.sayText(refusal);
     }
 
     // Returns false if it is not enough.

@@ -91,24 +91,15 @@ class Explainer final : public Trace {
     std::size_t linesLeftOut = 0;
 };
 
-// Says why the rules were not loaded.
-std::string problemOf(const RuleSession& session, const Observed& observed) {
-    std::string problem = session.problem();
-    for (const Observed::Log& log : observed.logs) {
-        problem += "\n" + log.message;
-    }
-    return problem;
-}
-
 }  // namespace
 
 TestOutcome loadRules(const std::string& rules, const Interruption& interruption, std::string& text) {
-    const Expectation nothing;
-    Observed observed(nothing);
-    RuleSession session(rules, {}, {}, observed, nullptr);
+    NoReport report;
+    RuleSession session(rules, {}, {}, report, nullptr);
     const auto loading = session.load(RuleSession::Changes::Ignore, interruption);
     if (loading != RuleSession::Loading::Done) {
-        return {loading, problemOf(session, observed), {}};
+        text = loading == RuleSession::Loading::Refused ? session.refused()->source().text() : std::string();
+        return {loading, session.problem(), {}};
     }
     text = session.document().text.source().text();
     return {loading, {}, {}};
@@ -147,7 +138,7 @@ TestOutcome runTest(const std::string& rules, const TestCase& test, Trace& trace
         RuleSession session(rules, test.draws, test.context, observed, &trace);
         outcome.loading = play(session, test, observed, interruption);
         if (outcome.loading != RuleSession::Loading::Done) {
-            outcome.problem = problemOf(session, observed);
+            outcome.problem = session.problem();
             return outcome;
         }
     }

@@ -14,12 +14,12 @@ namespace Brenta::OS::VIG::Tool {
 // It says how a test or a property ended.
 struct TestOutcome {
     RuleSession::Loading loading;
-    std::string problem;               // says why the rules were refused or cannot be read, else empty
+    std::string problem;               // says why the rules cannot be read, if that is so
     std::vector<std::string> failure;  // expected against actual, and why, printable; empty if the test passed
     std::string fault = {};            // says what the library does not confirm of what was decided, which is our fault
 };
 
-// Loads the rules at that path, whose text is then in `text`.
+// Loads the rules at that path, whose text is then in `text`, also if they are refused.
 TestOutcome loadRules(const std::string& rules, const Interruption& interruption, std::string& text);
 
 // Runs a test of the rules at that path. The trace sees the whole run. A test that fails is run once more for the

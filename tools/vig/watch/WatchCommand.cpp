@@ -12,6 +12,7 @@
 #include "tools/vig/events/EventRecord.h"
 #include "tools/vig/io/Descriptor.h"
 #include "tools/vig/io/Output.h"
+#include "tools/vig/watch/DeliveredFindings.h"
 #include "tools/vig/watch/SystemSampler.h"
 #include "tools/vig/words/Text.h"
 
@@ -57,16 +58,19 @@ timespec untilThen(Clock::time_point deadline) {
 class Watch {
   public:
     // `recordOutput` is null if nothing is recorded.
-    Watch(const WatchOptions& options, const Interruption& interruption, RuleRun& rules, Output* recordOutput)
+    Watch(const WatchOptions& options, const Console& console, const Interruption& interruption, RuleRun& rules,
+          Output* recordOutput)
         : options(options),
           interruption(interruption),
           ruleRun(rules),
           record(recordOutput),
+          findings(console, interruption),
           sampler(
               options.procFolder, options.sysFolder, [] { return Clock::now().time_since_epoch(); },
               [this](std::string_view note) { ruleRun.complainAfterOutput("vig: note: " + std::string(note)); }) {}
 
     int run() {
+        tellFindings();
         const Clock::time_point start = Clock::now();
         const Clock::time_point end = start + options.duration;
         Clock::time_point next = start;
@@ -114,11 +118,25 @@ class Watch {
 
     void followDocument() {
         RuleSession& session = ruleRun.session();
-        if (session.update() && !session.problem().empty()) {
-            ruleRun.complainAfterOutput(options.rules + ": error: " + session.problem() +
-                                        "; no rules run until it is mended");
+        if (session.update()) {
+            tellFindings();
+            if (!session.problem().empty()) {
+                ruleRun.complainAfterOutput(options.rules +
+                                            ": error: " + (session.refused() ? "refused" : session.problem()) +
+                                            "; no rules run until it is mended");
+            }
         }
         ruleRun.output().flush();
+    }
+
+    void tellFindings() {
+        RuleSession& session = ruleRun.session();
+        ruleRun.output().flush();
+        if (session.refused()) {
+            findings.tell(*session.refused());
+        } else if (session.problem().empty()) {
+            findings.tell(session.document().text);
+        }
     }
 
     // Returns true if the watch was interrupted, or nobody can read what it writes.
@@ -130,6 +148,7 @@ class Watch {
     const Interruption& interruption;
     RuleRun& ruleRun;
     Output* const record;
+    DeliveredFindings findings;
     SystemSampler sampler;
     Summary::Sampling sampling{};
 };
@@ -158,7 +177,7 @@ int watch(const WatchOptions& options, const Console& console, const Interruptio
         return kExitUnusable;
     }
     Output record(file.get());
-    return Watch(options, interruption, ruleRun, recording ? &record : nullptr).run();
+    return Watch(options, console, interruption, ruleRun, recording ? &record : nullptr).run();
 }
 
 constexpr const char* kHelp =
