@@ -1,3 +1,4 @@
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 #include <json/json.h>
 
@@ -14,6 +15,7 @@
 #include "tests/support/TemporaryFolder.h"
 #include "tests/tools/ToolRun.h"
 #include "tools/vig/catalogue/ActionNeeds.h"
+#include "tools/vig/catalogue/Catalogue.h"
 #include "tools/vig/document/DocumentText.h"
 #include "tools/vig/document/Registry.h"
 #include "tools/vig/events/LineReader.h"
@@ -29,6 +31,7 @@ namespace Brenta::OS::VIG::Tool {
 namespace {
 
 using Strings = std::vector<std::string>;
+using Names = std::set<std::string>;
 using Accepts = std::function<bool(const std::string&)>;
 
 const std::string kSchemas = VIG_SOURCE_DIR "/docs/schema/";
@@ -45,6 +48,14 @@ std::string oneLine(const Json::Value& value) {
 
 Json::Value schema(const std::string& name) {
     return parsed(support::textOf(kSchemas + name));
+}
+
+Names namesIn(const auto& several, auto name) {
+    Names names;
+    for (const auto& each : several) {
+        names.emplace(std::invoke(name, each));
+    }
+    return names;
 }
 
 void collect(Json::Value& value, std::vector<Json::Value*>& all) {
@@ -170,7 +181,10 @@ TEST(Schemas, RuleTestsAcceptWhatTheToolReads) {
          R"("name":"x","process":"x","config":-1,"metadata":[],"metadata_contains":["x"]}]}}]})",
          R"({"rules":"x","properties":[{"name":"a","at_most":{"triggers":0,"events":1},"config":1,"context":{}},)"
          R"({"name":"b","can_reach":{"7":"a"}},{"name":"c","cannot_reach":{"7":"a"}},{"name":"d","between_triggers":)" +
-             filters + R"(},{"name":"e","trigger_only_if":)" + filters + "}]}"},
+             filters + R"(},{"name":"e","trigger_only_if":)" + filters + "}]}",
+         R"({"rules":"x","tests":[{"name":"a","expect":{},"series":{"event":"ProcessCpuHeartBeat","pid":7,"every_ms":0,)"
+         R"("processName":["a b","c"],"cpuAvgUtilization":"-1.5e3 .5","uint64":{"a":"1 2"},"bool":{"b":"true x2"}}},)"
+         R"({"name":"b","expect":{},"series":[{"event":"Timeout","timeout_id":1,"int64":{"c":[1,"-2"]}},{"event":"Test"}]}]})"},
         R"([null, 0, -1, 1.5, 4294967296, true, "x", "7", "info", "Test", "function", "envvar", "integer", [], {}])",
         support::linesWith(
             support::outputOf("cd " VIG_SOURCE_DIR
@@ -180,20 +194,12 @@ TEST(Schemas, RuleTestsAcceptWhatTheToolReads) {
 
 // Whoever adds a name to the library is told here where else it must stand.
 TEST(Schemas, AndTablesHaveTheNamesOfTheLibrary) {
-    using Names = std::set<std::string>;
-    const auto namesIn = [](const auto& several, auto name) {
-        Names names;
-        for (const auto& each : several) {
-            names.emplace(std::invoke(name, each));
-        }
-        return names;
-    };
-    const auto keysOf = [&](const auto& map) { return namesIn(map, [](const auto& each) { return each.first; }); };
-    const auto valuesOf = [&](const auto& table) {
+    const auto keysOf = [](const auto& map) { return namesIn(map, [](const auto& each) { return each.first; }); };
+    const auto valuesOf = [](const auto& table) {
         const auto texts = table.texts();
         return Names(texts.begin(), texts.end());
     };
-    const auto enumeration = [&, rules = schema("rule-document.schema.json")](const std::string& place) {
+    const auto enumeration = [rules = schema("rule-document.schema.json")](const std::string& place) {
         return namesIn(Json::Path(".definitions." + place + ".enum").resolve(rules), &Json::Value::asString);
     };
     const auto registry = libraryRegistry();
@@ -215,6 +221,37 @@ TEST(Schemas, AndTablesHaveTheNamesOfTheLibrary) {
     EXPECT_EQ(keysOf(registry.getEventTypes()), valuesOf(kEventTypeNames));
     EXPECT_EQ(namesIn(schema("event-record.schema.json")["properties"]["event"]["enum"], &Json::Value::asString),
               valuesOf(kEventTypeNames));
+}
+
+// An attribute that the catalogue has learnt is told here where else it must stand.
+TEST(Schemas, ASeriesHasTheAttributesOfTheCatalogue) {
+    const Catalogue catalogue = Catalogue::builtIn();
+    const Json::Value allSeries = schema("rule-test.schema.json")["definitions"]["series"]["anyOf"];
+    Names expected;
+    for (const auto& [type, event] : kEventTypeNames.pairs) {
+        expected.insert(std::string(event));
+        const CataloguedAttributes* const known = catalogue.find(type);
+        for (const auto& [name, kinds] : known != nullptr ? *known : CataloguedAttributes()) {
+            expected.insert(fmt::format("{} {} #/definitions/{}Values", event, name, kinds.text()));
+        }
+    }
+    Names actual;
+    for (const Json::Value& series : allSeries) {
+        const Json::Value& properties = series["properties"];
+        Names events = namesIn(properties["event"]["enum"], &Json::Value::asString);
+        events.insert(properties["event"].get("const", "").asString());
+        for (const std::string& event : events) {
+            actual.insert(event);
+            for (const std::string& name : properties.getMemberNames()) {
+                const std::string reference = properties[name]["$ref"].asString();
+                if (reference.ends_with("Values")) {
+                    actual.insert(fmt::format("{} {} {}", event, name, reference));
+                }
+            }
+        }
+    }
+    actual.erase("");
+    EXPECT_EQ(actual, expected);
 }
 
 }  // namespace

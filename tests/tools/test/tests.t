@@ -101,6 +101,106 @@ It makes the draws that the test or, if that has no seed either, the command lin
   FAIL  d.test.json: 1 of 3 passed
   [1]
 
+Where a state is not as expected, the last moves of its machine are shown.
+
+  $ go() { transition "$1" "$2" Test; }
+  $ document "$(config 7 "$(go start a)" "$(go a b)" "$(go b a)")" "$(config 8 "$(go start hot)")" >moves.json
+  $ tests moves.json '{"name":"m","series":{"event":"Test","int64":{"n":"0x24"}},"expect":{"states":{"7":"a","8":"a"}}}' \
+  >   '{"name":"n","events":[],"expect":{"states":{"8":"hot"},"moves":1}}' >m.test.json
+  $ vig test m.test.json | grep -E '^FAIL|state of|->  *|[^ ] -> .* .event|mov'
+  FAIL  m.test.json:1: m
+        state of configuration 7: expected "a", got "b"
+            4 moves before
+          +  b -> a  (event 5)
+          +  a -> b  (event 6)
+          +  b -> a  (event 7)
+          +  a -> b  (event 8)
+          +  b -> a  (event 9)
+          +  a -> b  (event 10)
+          +  b -> a  (event 11)
+          +  a -> b  (event 12)
+          +  b -> a  (event 13)
+          +  a -> b  (event 14)
+          +  b -> a  (event 15)
+          +  a -> b  (event 16)
+          +  b -> a  (event 17)
+          +  a -> b  (event 18)
+          +  b -> a  (event 19)
+          +  a -> b  (event 20)
+          +  b -> a  (event 21)
+          +  a -> b  (event 22)
+          +  b -> a  (event 23)
+          +  a -> b  (event 24)
+        state of configuration 8: expected "a", got "hot"
+          +  start -> hot  (event 1)
+        why not configs[0].payload.data.transitions[0] (start -> a on Test)
+        why not configs[0].payload.data.transitions[2] (b -> a on Test)
+  FAIL  m.test.json:1: n
+        state of configuration 8: expected "hot", got "start"
+            its machine has not moved
+        moves: expected 1, got 0
+        why not configs[1].payload.data.transitions[0] (start -> hot on Test)
+  FAIL  m.test.json: 0 of 2 passed
+  [1]
+
+A series tells events in short: one value is that of all events, and what actions read besides is 0.
+
+  $ short() { printf '\n{"name":"%s","series":%s,"expect":{%s}}' "$@"; }
+  $ memory='"event":"ProcessMemoryHeartBeat"'
+  $ all='"metadata":["threshold_current_value:10","threshold_units:RSS_anon_plus_swap_KB","vmRssKB:10","vmSwapKB:0","processName:camera"]'
+  $ tests rules.json "$(short one "{$memory,\"processName\":\"camera\",\"vmRssKB\":\"8x2 10x2 8\"}" "\"triggers\":[{\"event\":3,$all}]")" \
+  >   "$(short several "[{$memory,\"processName\":\"a b x2\",\"vmRssKB\":8},{\"event\":\"Test\"},{$memory,\"vmRssKB\":10,\"processName\":[\"a b\"]}]" '"triggers":[{"process":"a b","event":5}]')" \
+  >   "$(short kinds '{"event":"Timeout","timeout_id":3,"every_ms":8000,"double":{"d":"-1.5 2e3"},"bool":{"b":true},"uint64":{"u":"18446744073709551615 0"},"string":{"s":["x3",""]}}' '')" \
+  >   "$(short x32 "{$memory,\"processName\":\"x32\",\"vmRssKB\":[\"10\",9]}" '"triggers":[{"process":"x32","event":1}]')" >s.test.json
+  $ vig test s.test.json
+  ok    s.test.json: 4 of 4 passed
+  4 tests: 4 passed, 0 failed
+  $ tests rules.json "$(short late "{$memory,\"every_ms\":8000,\"vmRssKB\":\"7x2 8 7\"}" '"triggers":[{}]')" >t.test.json
+  $ vig test t.test.json | grep stopped
+                4     stopped by vmRssKB > 9, at the nearest 8 > 9 (off by 2) in event 3 at 16000 ms
+  [1]
+
+What is wrong with one is told at the value.
+
+  $ while read -r line; do tests rules.json "{\"name\":\"a\",\"expect\":{},\"series\":$line}" >b.test.json; vig test b.test.json; done <<'EOF'
+  > 7
+  > []
+  > {"event":"Tst"}
+  > {"event":"Test","timeout_id":1,"every_ms":-1,"load":1}
+  > {"event":"Timeout","int64":7}
+  > {"event":"ProcessMemoryHeartBeat","procesName":"camera","vmRssKB":"1 2","vmSwapKB":"1x3","pid":4,"int64":{"pid":4}}
+  > {"event":"Test","int64":{"a":"0x10 *3 9223372036854775808 1.0","b":[[]]},"uint64":{"c":-1},"bool":{"d":"1"}}
+  > {"event":"Test","double":{"a":"inf","b":"","c":"1x0","d":"1x2 x2","e":"\\u0031 ?"},"string":{"f":1}}
+  > [{"event":"Test","int64":{"a":"1x99999"}},{"event":"Test","int64":{"a":"1 2"}},{"event":"Test","int64":{"a":"1x100001"}}]
+  > EOF
+  b.test.json:1:65: error: tests[0].series: expected an object that tells a series of events, got a number
+  b.test.json:1:65: error: tests[0].series: there is no series
+  b.test.json:1:74: error: tests[0].series.event: unknown event "Tst"; did you mean "Test"?
+  b.test.json:1:107: error: tests[0].series.every_ms: expected an integer from 0 to 31622400000
+  b.test.json:1:94: error: tests[0].series.timeout_id: only a Timeout event has one
+  b.test.json:1:117: error: tests[0].series.load: Test events have no attribute "load"; put one that vig does not know under its kind, as in "int64": { \xe2\x80\xa6 } (esc)
+  b.test.json:1:65: error: tests[0].series: "timeout_id" is missing
+  b.test.json:1:92: error: tests[0].series.int64: expected an object, got a number
+  b.test.json:1:160: error: tests[0].series.pid: given twice
+  b.test.json:1:112: error: tests[0].series.procesName: ProcessMemoryHeartBeat events have no attribute "procesName"; did you mean "processName"?
+  b.test.json:1:148: error: tests[0].series.vmSwapKB: has 3 values, but "vmRssKB" has 2; an attribute has one value for all events, or as many as the others
+  b.test.json:1:169: error: tests[0].series.bool.d: expected true or false, got "1"
+  b.test.json:1:100: error: tests[0].series.int64.a: expected a signed 64-bit integer, or one that is repeated such as 7x3, got "*3"
+  b.test.json:1:103: error: tests[0].series.int64.a: expected a signed 64-bit integer, or one that is repeated such as 7x3, got "9223372036854775808"
+  b.test.json:1:123: error: tests[0].series.int64.a: expected a signed 64-bit integer, or one that is repeated such as 7x3, got "1.0"
+  b.test.json:1:133: error: tests[0].series.int64.b[0]: expected a signed 64-bit integer, got an array
+  b.test.json:1:152: error: tests[0].series.uint64.c: expected an unsigned 64-bit integer, or one that is repeated such as 7x3, got "-1"
+  b.test.json:1:96: error: tests[0].series.double.a: expected a number, or one that is repeated such as 7x3, got "inf"
+  b.test.json:1:105: error: tests[0].series.double.b: there is no value
+  b.test.json:1:113: error: tests[0].series.double.c: a value is repeated once, from 1 to 100000 times, not as in "1x0"
+  b.test.json:1:127: error: tests[0].series.double.d: a value is repeated once, from 1 to 100000 times, not as in "x2"
+  b.test.json:1:135: error: tests[0].series.double.e: expected a number, or one that is repeated such as 7x3, got "\\u0031"
+  b.test.json:1:135: error: tests[0].series.double.e: expected a number, or one that is repeated such as 7x3, got "?"
+  b.test.json:1:162: error: tests[0].series.string.f: expected a string, got a number
+  b.test.json:1:107: error: tests[0].series[1]: the series of a file have at most 100000 events together
+  b.test.json:1:174: error: tests[0].series[2].int64.a: a value is repeated once, from 1 to 100000 times, not as in "1x100001"
+  [2]
+
 Coverage tells what no test reaches, which can be too little.
 
   $ tests rules.json "$good" >good.test.json
@@ -180,7 +280,7 @@ Rules that are refused fail each test, and what the library says of them is told
   FSM Event not found! [InvalidFsm]">bad.json:1:103: error: FSM Event not found! [InvalidFsm]
   $ tests absent.json "$good" >absent.test.json
   $ vig test absent.test.json
-  vig: error: absent.json: No such file or directory
+  absent.test.json:1:10: error: rules: absent.json: No such file or directory
   [2]
 
 Of long texts, the part is shown in which they differ.
@@ -200,50 +300,78 @@ What is not part of a test file is an error at its place.
   > {"rules":"a","rules":"b","tests":[]}
   > {} x
   > {"tests":[]}
-  > {"rules":"","tests":[]}
+  > {"rules":"rules.json","tests":[]}
   > {"rules":1,"tests":{}}
-  > {"rules":"","tests":[7]}
-  > {"rules":"","tests":[{"name":"a","events":[],"expect":{},"seed":-1}]}
-  > {"rules":"","tests":[{"name":"a","events":[],"expect":{},"draws":[]}]}
-  > {"rules":"","tests":[{"name":"a","events":[],"expect":{},"draws":0.5}]}
-  > {"rules":"","tests":[{"name":"a","events":[],"expect":{},"draws":[0,1,-0.1,true,"0",0.99999999999999999999]}]}
-  > {"rules":"","tests":[{"name":"a","events":[],"expect":{},"seed":1,"draws":[0]}]}
-  > {"rules":"","tests":[{"name":"a","events":[],"expect":{},"context":{"int":{}}}]}
-  > {"rules":"","tests":[{"name":"a","events":[],"expect":{},"context":{"int64":{"a":"b"}}}]}
-  > {"rules":"","tests":[{"name":"a","events":[{"event":"Tst"}],"expect":{}}]}
-  > {"rules":"","tests":[{"name":"a","events":[],"expect":{"log":[{"priority":"inf","message":null}]}}]}
-  > {"rules":"","tests":[{"name":"a","events":[],"expect":{"log":["\udc00"]}}]}
-  > {"rules":"","tests":[{"name":"a","events":[],"expect":{"states":{"x":"end","7x":"end"}}}]}
-  > {"rules":"","tests":[{"name":"a","events":[],"expect":{}},{"name":"a","events":[],"expect":{}}]}
-  > {"rules":"","tests":[{"name":"a","events":"absent","expect":{}}]}
+  > {"rules":"","tests":[]}
+  > {"rules":"absent.json","rules":"here","tsts":1,"tests":[{"nam":"a","vents":[],"expect":{"stats":{},"moves":-1},"note":1}],"x":1}
+  > {"rules":"rules.json","properties":[{"name":"a","can_rech":{}},{"name":"b","x":1,"at_most":{"triggrs":1,"events":0}},{"name":"c","trigger_only_if":[{"operatr":"x"},{"x":1,"operator":"~"}]}]}
+  > {"rules":"rules.json","tests":[7]}
+  > {"rules":"rules.json","tests":[{"name":"a","events":[],"expect":{},"seed":-1}]}
+  > {"rules":"rules.json","tests":[{"name":"a","events":[],"expect":{},"draws":[]}]}
+  > {"rules":"rules.json","tests":[{"name":"a","events":[],"expect":{},"draws":0.5}]}
+  > {"rules":"rules.json","tests":[{"name":"a","events":[],"expect":{},"draws":[0,1,-0.1,true,"0",0.99999999999999999999]}]}
+  > {"rules":"rules.json","tests":[{"name":"a","events":[],"expect":{},"seed":1,"draws":[0]}]}
+  > {"rules":"rules.json","tests":[{"name":"a","events":[],"expect":{},"context":{"int":{}}}]}
+  > {"rules":"rules.json","tests":[{"name":"a","events":[],"expect":{},"context":{"int64":{"a":"b"}}}]}
+  > {"rules":"rules.json","tests":[{"name":"a","events":[{"event":"Tst"}],"expect":{}}]}
+  > {"rules":"rules.json","tests":[{"name":"a","events":[],"expect":{"log":[{"priority":"inf","message":null}]}}]}
+  > {"rules":"rules.json","tests":[{"name":"a","events":[],"expect":{"log":["\udc00"]}}]}
+  > {"rules":"rules.json","tests":[{"name":"a","events":[],"expect":{"states":{"x":"end","7x":"end"}}}]}
+  > {"rules":"rules.json","tests":[{"name":"a","events":[],"expect":{}},{"name":"a","events":[],"expect":{}}]}
+  > {"rules":"rules.json","tests":[{"name":"a","events":"absent","expect":{}}]}
   > EOF
   b.test.json:1:14: error: Duplicate key: 'rules'
+  b.test.json:1:22: error: rules: b: No such file or directory
+  b.test.json:1:34: error: tests: there is no test
   b.test.json:1:4: error: Extra non-whitespace after JSON value.
   b.test.json:1:1: error: "rules" is missing
+  b.test.json:1:1: error: neither "tests" nor "properties" are there
+  b.test.json:1:1: error: "rules" is missing
   b.test.json:1:10: error: tests: there is no test
-  b.test.json:1:21: error: tests: there is no test
+  b.test.json:1:31: error: tests: there is no test
   b.test.json:1:10: error: rules: expected a string, got a number
   b.test.json:1:20: error: tests: expected an array, got an object
-  b.test.json:1:22: error: tests[0]: expected an object, got a number
-  b.test.json:1:65: error: tests[0].seed: expected an integer from 0 to 4294967295
-  b.test.json:1:66: error: tests[0].draws: there is no draw
-  b.test.json:1:66: error: tests[0].draws: expected an array, got a number
-  b.test.json:1:69: error: tests[0].draws[1]: expected a number from 0 up to, but not including, 1
-  b.test.json:1:71: error: tests[0].draws[2]: expected a number from 0 up to, but not including, 1
-  b.test.json:1:76: error: tests[0].draws[3]: expected a number from 0 up to, but not including, 1
-  b.test.json:1:81: error: tests[0].draws[4]: expected a number from 0 up to, but not including, 1
-  b.test.json:1:85: error: tests[0].draws[5]: expected a number from 0 up to, but not including, 1
-  b.test.json:1:75: error: tests[0].draws: not together with "seed"
-  b.test.json:1:75: error: tests[0].context: unknown key "int"; did you mean "int64"?
-  b.test.json:1:68: error: tests[0].context: int64.a: expected a signed 64-bit integer, got "b"
-  b.test.json:1:44: error: tests[0].events[0]: event: unknown event "Tst"; did you mean "Test"?
-  b.test.json:1:91: error: tests[0].expect.log[0].message: expected a string, got null
-  b.test.json:1:75: error: tests[0].expect.log[0].priority: unknown priority "inf"; did you mean "info"?
-  b.test.json:1:63: error: tests[0].expect.log[0]: invalid UTF-8
-  b.test.json:1:81: error: tests[0].expect.states: expected the id of a configuration as key, got "7x"
-  b.test.json:1:70: error: tests[0].expect.states: expected the id of a configuration as key, got "x"
-  b.test.json:1:67: error: tests[1].name: there is another test "a"
-  b.test.json:1:43: error: tests[0].events: absent: No such file or directory
+  b.test.json:1:10: error: rules: there is no name
+  b.test.json:1:21: error: tests: there is no test
+  b.test.json:1:24: error: Duplicate key: 'rules'
+  b.test.json:1:46: error: unknown key "tsts"; did you mean "tests"?
+  b.test.json:1:127: error: unknown key "x"
+  b.test.json:1:32: error: rules: here: No such file or directory
+  b.test.json:1:64: error: tests[0]: unknown key "nam"; did you mean "name"?
+  b.test.json:1:119: error: tests[0]: unknown key "note"; did you mean "name"?
+  b.test.json:1:76: error: tests[0]: unknown key "vents"; did you mean "events"?
+  b.test.json:1:97: error: tests[0].expect: unknown key "stats"; did you mean "states"?
+  b.test.json:1:108: error: tests[0].expect.moves: expected an integer from 0 to 9223372036854775807
+  b.test.json:1:60: error: properties[0]: unknown key "can_rech"; did you mean "can_reach"?
+  b.test.json:1:80: error: properties[1]: unknown key "x"
+  b.test.json:1:103: error: properties[1].at_most: unknown key "triggrs"; did you mean "triggers"?
+  b.test.json:1:114: error: properties[1].at_most.events: expected an integer from 1 to 9223372036854775807
+  b.test.json:1:160: error: properties[2].trigger_only_if[0]: unknown key "operatr"; did you mean "operator"?
+  b.test.json:1:170: error: properties[2].trigger_only_if[1]: unknown key "x"
+  b.test.json:1:183: error: properties[2].trigger_only_if[1].operator: Invalid operator string: ~.; one of "==", "!=", ">", "<", ">=", "<="
+  b.test.json:1:165: error: properties[2].trigger_only_if[1]: Invalid operand value type: . ("value_type" is missing); one of "string", "integer", "double"
+  b.test.json:1:165: error: properties[2].trigger_only_if[1]: Filter operand must be an object. ("operand1" is missing); an object is needed
+  b.test.json:1:165: error: properties[2].trigger_only_if[1]: Filter operand must be an object. ("operand2" is missing); an object is needed
+  b.test.json:1:32: error: tests[0]: expected an object, got a number
+  b.test.json:1:75: error: tests[0].seed: expected an integer from 0 to 4294967295
+  b.test.json:1:76: error: tests[0].draws: there is no draw
+  b.test.json:1:76: error: tests[0].draws: expected an array, got a number
+  b.test.json:1:79: error: tests[0].draws[1]: expected a number from 0 up to, but not including, 1
+  b.test.json:1:81: error: tests[0].draws[2]: expected a number from 0 up to, but not including, 1
+  b.test.json:1:86: error: tests[0].draws[3]: expected a number from 0 up to, but not including, 1
+  b.test.json:1:91: error: tests[0].draws[4]: expected a number from 0 up to, but not including, 1
+  b.test.json:1:95: error: tests[0].draws[5]: expected a number from 0 up to, but not including, 1
+  b.test.json:1:85: error: tests[0].draws: not together with "seed"
+  b.test.json:1:85: error: tests[0].context: unknown key "int"; did you mean "int64"?
+  b.test.json:1:78: error: tests[0].context: int64.a: expected a signed 64-bit integer, got "b"
+  b.test.json:1:54: error: tests[0].events[0]: event: unknown event "Tst"; did you mean "Test"?
+  b.test.json:1:101: error: tests[0].expect.log[0].message: expected a string, got null
+  b.test.json:1:85: error: tests[0].expect.log[0].priority: unknown priority "inf"; did you mean "info"?
+  b.test.json:1:73: error: tests[0].expect.log[0]: invalid UTF-8
+  b.test.json:1:91: error: tests[0].expect.states: expected the id of a configuration as key, got "7x"
+  b.test.json:1:80: error: tests[0].expect.states: expected the id of a configuration as key, got "x"
+  b.test.json:1:77: error: tests[1].name: there is another test "a"
+  b.test.json:1:53: error: tests[0].events: absent: No such file or directory
   [2]
 
 Of a file that is all mistakes, a hundred are shown.
@@ -251,7 +379,7 @@ Of a file that is all mistakes, a hundred are shown.
   $ echo '{' >bad.jsonl
   $ tests '' $(printf '0 %.0s' {1..100}) '{"name":"a","events":"bad.jsonl","expect":{}}' 0 0 >m.test.json
   $ vig test m.test.json 2>&1 | tail -2
-  m.test.json:1:220: error: tests[99]: expected an object, got a number
+  m.test.json:1:218: error: tests[98]: expected an object, got a number
   m.test.json: error: has more mistakes than the 100 shown
   [2]
   $ printf '[%.0s' {1..2000} >deep.test.json

@@ -66,7 +66,7 @@ std::string StrictJson::mistakeIn(const DocumentText& document) {
 }
 
 bool StrictJson::hasMember(const Json::Value& object, const std::string& key, const std::string& path) {
-    if (!object.isMember(key)) {
+    if (!object.isMember(key) && !isMisspelt(path, key)) {
         complain(object, path, quoted(key) + " is missing");
     }
     return object.isMember(key);
@@ -110,14 +110,28 @@ bool StrictJson::isObject(const Json::Value& json, const std::string& path, cons
         complainOfKind(json, path, "an object");
         return false;
     }
-    bool onlyKnown = true;
     for (const std::string& key : json.getMemberNames()) {
-        if (std::ranges::find(known, key) == known.end()) {
-            complain(json[key], path, "unknown key " + shownQuoted(key) + suggestion(key, known));
-            onlyKnown = false;
+        if (std::ranges::find(known, key) != known.end()) {
+            continue;
+        }
+        complain(json[key], path, "unknown key " + shownQuoted(key) + suggestion(key, known));
+        for (const std::string_view each : known) {
+            const std::string name(each);
+            if (errors.size() <= kMostShown && !json.isMember(name) && !suggestion(key, {&each, 1}).empty()) {
+                misspelt.insert(member(path, name));
+            }
         }
     }
-    return onlyKnown;
+    return true;
+}
+
+bool StrictJson::hasOnly(const Json::Value& object, const Keys& known) {
+    const Json::Value::Members names = object.getMemberNames();
+    return std::ranges::all_of(names, [&](const std::string& each) { return std::ranges::count(known, each) > 0; });
+}
+
+bool StrictJson::isMisspelt(const std::string& path, const std::string& key) const {
+    return misspelt.contains(member(path, key));
 }
 
 std::string StrictJson::member(const std::string& path, const std::string& key) {

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -41,8 +42,12 @@ class StrictJson {
 
     bool isArray(const Json::Value& json, const std::string& path);
 
-    // Complains of keys that are not among those known, too, and returns false then.
+    // Complains of keys that are not among those known, too.
     bool isObject(const Json::Value& json, const std::string& path, const Keys& known);
+    static bool hasOnly(const Json::Value& object, const Keys& known);
+
+    // Returns true if such an object has lacked the key, and had an unknown one that is most likely meant for it.
+    bool isMisspelt(const std::string& path, const std::string& key) const;
 
     std::optional<std::string> text(const Json::Value& json, const std::string& path);
     std::vector<std::string> texts(const Json::Value& json, const std::string& path);
@@ -53,7 +58,7 @@ class StrictJson {
     std::optional<std::int64_t> optionalInteger(const Json::Value& object, const std::string& key,
                                                 const std::string& path, std::int64_t least, std::int64_t most);
 
-    // Complains if the object does not have the key.
+    // Complains if the object does not have the key, unless it is misspelt: that has been said.
     bool hasMember(const Json::Value& object, const std::string& key, const std::string& path);
 
     // Returns the path of a member of an object. The root has the empty path.
@@ -72,6 +77,7 @@ class StrictJson {
 
     const DocumentText& document;
     std::vector<std::string>& errors;
+    std::set<std::string> misspelt;  // the paths of the members meant
 };
 
 }  // namespace Brenta::OS::VIG::Tool

@@ -275,17 +275,34 @@ void compareLogs(const Expectation& expected, const Observed& actual, Mismatch& 
     }
 }
 
+std::string shownMove(const Observed::Move& move) {
+    return fmt::format("{} -> {}  (event {})", shownName(move.from), shownName(move.to), move.event);
+}
+
+void addMoves(std::vector<std::string>& lines, const Observed::State& state) {
+    if (state.moves == 0) {
+        lines.push_back("      its machine has not moved");
+    }
+    if (state.moves > state.lastMoves.size()) {
+        lines.push_back(fmt::format("      {} moves before", state.moves - state.lastMoves.size()));
+    }
+    for (const Observed::Move& each : state.lastMoves) {
+        lines.push_back("    +  " + shownMove(each));
+    }
+}
+
 void compareStates(const Expectation& expected, const Observed& actual, Mismatch& mismatch) {
     for (const auto& [config, name] : expected.states) {
         const auto found = actual.states.find(config);
         if (found == actual.states.end()) {
             mismatch.lines.push_back(fmt::format("  state of configuration {}: there is none", config));
-        } else if (found->second != name) {
+        } else if (found->second.name != name) {
             const Field expectedState = {"expected", quoted(name)};
-            const Field state = {"got", quoted(found->second)};
+            const Field state = {"got", quoted(found->second.name)};
             const std::size_t inCommon = commonBeginning(expectedState, state);
             mismatch.lines.push_back(fmt::format("  state of configuration {}: {}, {}", config,
                                                  shown(expectedState, inCommon), shown(state, inCommon)));
+            addMoves(mismatch.lines, found->second);
             if (!mismatch.first) {
                 mismatch.first = Divergence{.kind = Divergence::Kind::State, .config = config, .state = name};
             }
@@ -299,8 +316,7 @@ void compareMoves(const Expectation& expected, const Observed& actual, std::vect
     }
     lines.push_back(fmt::format("  moves: expected {}, got {}", *expected.moves, actual.moves));
     for (const Observed::Move& each : actual.firstMoves) {
-        lines.push_back(fmt::format("    +  config {}  {} -> {}  (event {})", each.config, shownName(each.from),
-                                    shownName(each.to), each.event));
+        lines.push_back(fmt::format("    +  config {}  {}", each.machine.configId, shownMove(each)));
     }
     const auto shownMoves = static_cast<std::int64_t>(actual.firstMoves.size());
     if (actual.moves > shownMoves) {
@@ -329,14 +345,23 @@ void Observed::log(const LogLine& line) {
 
 void Observed::move(const MoveLine& line) {
     ++moves;
+    const Move move = {line.event, line.machine, std::string(line.from), std::string(line.to)};
     if (firstMoves.size() < kMostRows) {
-        firstMoves.push_back({line.event, line.machine.configId, std::string(line.from), std::string(line.to)});
+        firstMoves.push_back(move);
+    }
+    State& state = machines[line.machine.index];
+    ++state.moves;
+    state.lastMoves.push_back(move);
+    if (state.lastMoves.size() > kMostRows) {
+        state.lastMoves.pop_front();
     }
 }
 
 void Observed::end(const Summary& summary) {
     for (const Summary::Machine& machine : summary.machines) {
-        states.emplace(machine.name.configId, machine.state);
+        State& state = machines[machine.name.index];
+        state.name = machine.state;
+        states.emplace(machine.name.configId, state);
     }
 }
 

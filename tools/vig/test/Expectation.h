@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <map>
 #include <optional>
 #include <string>
@@ -27,16 +28,22 @@ class Observed final : public NoReport {
 
     struct Move {
         std::uint64_t event;
-        std::int64_t config;
+        MachineName machine;
         std::string from;
         std::string to;
+    };
+
+    struct State {
+        std::string name;
+        std::uint64_t moves = 0;          // that led to it
+        std::deque<Move> lastMoves = {};  // as many as a failure shows
     };
 
     std::vector<TriggerLine> triggers;  // the first ones
     std::uint64_t triggerCount = 0;     // of all
     std::vector<Log> logs;              // likewise, but for the library's own that it has found the document
     std::uint64_t logCount = 0;
-    std::map<std::int64_t, std::string> states;  // by configuration; of several with the same id, of the first
+    std::map<std::int64_t, State> states;  // by configuration; of several with the same id, of the first
     std::int64_t moves = 0;
     std::vector<Move> firstMoves;  // as many as a failure shows
 
@@ -47,6 +54,7 @@ class Observed final : public NoReport {
 
   private:
     const Expectation& expectation;
+    std::map<std::size_t, State> machines;  // those that have moved, by their place in the document
 };
 
 // Tells no more of a run of a test than whether it is as expected, and that as soon as it is not.

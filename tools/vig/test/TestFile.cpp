@@ -22,6 +22,7 @@
 #include "tools/vig/findings/RefusalSearch.h"
 #include "tools/vig/io/Descriptor.h"
 #include "tools/vig/io/FileText.h"
+#include "tools/vig/test/Series.h"
 #include "tools/vig/words/NearestName.h"
 #include "tools/vig/words/PriorityName.h"
 #include "tools/vig/words/Text.h"
@@ -48,7 +49,9 @@ class TestFileReader {
           draws(draws),
           interruption(interruption),
           errors(errors),
+          isStrict(errors.empty()),
           check(document, errors),
+          series(document, check),
           folder(std::filesystem::path(document.source().name()).parent_path()) {}
 
     TestFile read() {
@@ -58,8 +61,11 @@ class TestFileReader {
         if (!check.isObject(root, "", {"rules", "tests", "properties", "$schema"})) {
             return file;
         }
-        file.rules = (folder / check.requiredText(root, "rules", "").value_or("")).string();
-        if (!root.isMember("tests") && !root.isMember("properties")) {
+        if (check.hasMember(root, "rules", "")) {
+            file.rules = fileAt(root["rules"], "rules").value_or("");
+        }
+        if (!root.isMember("tests") && !root.isMember("properties") && !check.isMisspelt("", "tests") &&
+            !check.isMisspelt("", "properties")) {
             check.complain(root, "", "neither \"tests\" nor \"properties\" are there");
         }
         someOf(root, "tests", "", "there is no test",
@@ -108,21 +114,37 @@ class TestFileReader {
         return name;
     }
 
+    // Returns the path of a file that the value names. If it cannot be read, complains and returns nothing.
+    std::optional<std::string> fileAt(const Json::Value& json, const std::string& path) {
+        const auto name = check.text(json, path);
+        if (!name) {
+            return std::nullopt;
+        }
+        std::string found = (folder / *name).string();
+        const std::string problem = name->empty() ? "there is no name" : whyUnreadable(found);
+        if (problem.empty()) {
+            return found;
+        }
+        const bool isElsewhere = found != *name && whyUnreadable(*name).empty();
+        check.complain(json, path,
+                       (name->empty() ? "" : shownName(found) + ": ") + problem +
+                           (isElsewhere ? "; paths are relative to the file of tests" : ""));
+        return std::nullopt;
+    }
+
     std::size_t lineOf(const Json::Value& json) const {
         return document.source().positionOf(document.placeOf(json, {}).begin).line;
     }
 
     TestCase testCase(const Json::Value& json, const std::string& path) {
         TestCase test;
-        if (!check.isObject(json, path, {"name", "events", "seed", "draws", "context", "expect"})) {
+        if (!check.isObject(json, path, {"name", "events", "series", "seed", "draws", "context", "expect"})) {
             return test;
         }
         test.line = lineOf(json);
         test.name = uniqueName(json, path, "test");
         test.draws = drawsOf(json, path);
-        if (check.hasMember(json, "events", path)) {
-            test.events = eventsOf(json["events"], StrictJson::member(path, "events"));
-        }
+        test.events = eventsOf(json, path);
         if (json.isMember("context")) {
             test.context = context(json["context"], StrictJson::member(path, "context"));
         }
@@ -154,36 +176,49 @@ class TestFileReader {
         return own;
     }
 
-    TestEvents eventsOf(const Json::Value& json, const std::string& path) {
-        if (json.isString()) {
-            return eventsOfFile(json, path);
-        }
+    TestEvents eventsOf(const Json::Value& test, const std::string& path) {
         const auto events = std::make_shared<std::vector<EventRecord>>();
-        if (!json.isArray()) {
-            check.complainOfKind(json, path, "an array of event records or the name of a file of them");
-            return events;
+        const std::string place = StrictJson::member(path, "events");
+        if (test.isMember("series")) {
+            const std::string placeOfSeries = StrictJson::member(path, "series");
+            if (test.isMember("events")) {
+                check.complain(test["series"], placeOfSeries, "not together with \"events\"");
+            }
+            *events = series.read(test["series"], placeOfSeries);
+        } else if (!check.isMisspelt(path, "series") && check.hasMember(test, "events", path)) {
+            const Json::Value& json = test["events"];
+            if (json.isString()) {
+                return eventsOfFile(json, place);
+            }
+            if (!json.isArray()) {
+                check.complainOfKind(json, place, "an array of event records or the name of a file of them");
+                return events;
+            }
+            StrictJson::forEach(json, place, [&](const auto& each, const auto& placeOfOne) {
+                const Place range = document.placeOf(each, placeOfOne);
+                const std::string text = document.source().text().substr(range.begin, range.end - range.begin);
+                keep(*events, record(text, each, placeOfOne));
+            });
         }
-        StrictJson::forEach(json, path, [&](const auto& each, const auto& place) {
-            const Place range = document.placeOf(each, place);
-            keep(*events, record(document.source().text().substr(range.begin, range.end - range.begin), each, place));
-        });
         return events;
     }
 
     TestEvents eventsOfFile(const Json::Value& json, const std::string& path) {
-        const std::string name = (folder / json.asString()).string();
-        if (const auto known = eventFiles.find(name); known != eventFiles.end()) {
-            return known->second;
-        }
         const auto events = std::make_shared<std::vector<EventRecord>>();
-        const std::string problem = whyUnreadable(name);
-        const Descriptor file(problem.empty() ? open(name.c_str(), O_RDONLY | O_CLOEXEC) : -1);
-        if (!file.isOpen()) {
-            check.complain(json, path, name + ": " + (problem.empty() ? systemError(errno) : problem));
+        const auto name = fileAt(json, path);
+        if (!name) {
             return events;
         }
-        eventFiles.emplace(name, events);
-        EventReader reader(file.get(), name, interruption, [] {});
+        if (const auto known = eventFiles.find(*name); known != eventFiles.end()) {
+            return known->second;
+        }
+        const Descriptor file(open(name->c_str(), O_RDONLY | O_CLOEXEC));
+        if (!file.isOpen()) {
+            check.complain(json, path, shownName(*name) + ": " + systemError(errno));
+            return events;
+        }
+        eventFiles.emplace(*name, events);
+        EventReader reader(file.get(), *name, interruption, [] {});
         EventRecord record;
         auto status = reader.next(record);
         for (; status == EventReader::Status::Record; status = reader.next(record)) {
@@ -197,6 +232,9 @@ class TestFileReader {
 
     EventRecord record(std::string json, const Json::Value& at, const std::string& path) {
         EventRecord result;
+        if (!isStrict) {
+            return result;
+        }
         const std::size_t size = json.size();
         json += "\n" + std::string(LineReader::PADDING, ' ');
         if (!records.parse(std::string_view(json).substr(0, size), result)) {
@@ -207,7 +245,8 @@ class TestFileReader {
 
     // Reads the attributes of a record without its event.
     AttributeSet context(const Json::Value& json, const std::string& path) {
-        if (!check.isObject(json, path, {kKindNames.begin(), kKindNames.end()})) {
+        const StrictJson::Keys kinds(kKindNames.begin(), kKindNames.end());
+        if (!check.isObject(json, path, kinds) || !StrictJson::hasOnly(json, kinds)) {
             return {};
         }
         const Place range = document.placeOf(json, path);
@@ -238,6 +277,11 @@ class TestFileReader {
                 given.emplace_back(kind, key);
             }
         }
+        const bool isMisspelt = std::ranges::any_of(
+            kKinds, [&](const auto& each) { return check.isMisspelt(path, std::string(each.second)); });
+        if (given.empty() && isMisspelt) {
+            return property;
+        }
         if (given.size() != 1) {
             const auto render = [](const auto& each) { return Tool::quoted(each.second); };
             check.complain(json, path, "expected exactly one of " + joined(kKinds, ", ", render));
@@ -264,7 +308,8 @@ class TestFileReader {
             case Property::Kind::AtMost: {
                 constexpr std::int64_t kMost = std::numeric_limits<std::int64_t>::max();
                 const Json::Value& limit = json[key];
-                if (check.isObject(limit, place, {"triggers", "events"}) && check.hasMember(limit, "triggers", place)) {
+                if (check.isObject(limit, place, {"triggers", "events"})) {
+                    check.hasMember(limit, "triggers", place);
                     property.triggers = static_cast<std::uint64_t>(
                         check.optionalInteger(limit, "triggers", place, 0, kMost).value_or(0));
                     property.events = check.optionalInteger(limit, "events", place, 1, kMost);
@@ -299,13 +344,22 @@ class TestFileReader {
                                "unknown event " + shownQuoted(*event) + suggestion(*event, kEventNames));
             }
         }
+        bool isWhole = !check.isMisspelt(path, "operator") && !check.isMisspelt(path, "value_type");
         for (const std::string key : {"operand1", "operand2"}) {
             const std::string place = StrictJson::member(path, key);
-            if (json[key].isObject() && check.isObject(json[key], place, {"type", "value"}) &&
-                json[key]["type"] == "function") {
-                check.complain(json[key], place, "the filter of a property has no function");
-                return std::nullopt;
+            isWhole = isWhole && !check.isMisspelt(path, key);
+            if (!json[key].isObject()) {
+                continue;
             }
+            check.isObject(json[key], place, {"type", "value"});
+            isWhole = isWhole && !check.isMisspelt(place, "type") && !check.isMisspelt(place, "value");
+            if (json[key]["type"] == "function") {
+                check.complain(json[key], place, "the filter of a property has no function");
+                isWhole = false;
+            }
+        }
+        if (!isWhole) {
+            return std::nullopt;
         }
         std::vector<Finding> refusals;
         searchFilter(document, json, path, registry, refusals);
@@ -399,7 +453,9 @@ class TestFileReader {
     const Draws& draws;
     const Interruption& interruption;
     std::vector<std::string>& errors;
+    const bool isStrict;  // event records and contexts are read from the text, and otherwise not at all
     StrictJson check;
+    SeriesReader series;
     const std::filesystem::path folder;
     const VIGParserConfig registry = libraryRegistry();
     RecordParser records;
@@ -418,11 +474,14 @@ std::optional<TestFile> readTestFile(const std::string& path, const Draws& draws
         return std::nullopt;
     }
     const DocumentText document(path, std::move(*content));
+    std::vector<std::string> ofFile;
     if (std::string mistake = StrictJson::mistakeIn(document); !mistake.empty()) {
-        errors.push_back(std::move(mistake));
+        ofFile.push_back(std::move(mistake));
+    }
+    if (document.report()) {
+        errors.push_back(std::move(ofFile.front()));
         return std::nullopt;
     }
-    std::vector<std::string> ofFile;
     TestFile file = TestFileReader(document, draws, interruption, ofFile).read();
     errors.insert(errors.end(), ofFile.begin(), ofFile.end());
     return ofFile.empty() ? std::optional(std::move(file)) : std::nullopt;
