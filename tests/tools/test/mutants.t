@@ -162,7 +162,7 @@ If a test fails, it would notice everything; and what is written is a file of te
   vig: error: x.test.json has the tests of limit.json
   [2]
   $ vig test hot.test.json --mutants --write rules.json
-  rules.json:1:12: error: unknown key "configs"
+  rules.json:1:1: error: is a rule document, which a file of tests names under "rules"
   [2]
   $ vig test hot.test.json --write new.test.json
   vig: error: --write requires --mutants

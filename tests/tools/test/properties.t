@@ -204,7 +204,7 @@ Rules that are refused fail each property.
 
 What is not part of a property is an error at its place.
 
-  $ while read -r line; do echo "{\"rules\":\"\",\"properties\":[$line]}" >b.test.json; vig test b.test.json; done <<'END'
+  $ while read -r line; do echo "{\"rules\":\"bad.json\",\"properties\":[$line]}" >b.test.json; vig test b.test.json; done <<'END'
   > 
   > {"name":"a"}
   > {"name":"a","at_most":{"triggers":1},"can_reach":{"7":"end"}}
@@ -220,30 +220,32 @@ What is not part of a property is an error at its place.
   > {"name":"a","between_triggers":[{"operator":"=","value_type":"integer","operand1":{"type":"constant","value":"x"},"operand2":{"type":"envvar","value":"a","of":1}}]}
   > {"name":"a","between_triggers":[{"operator":"<","value_type":"double","operand1":{"type":"function","value":"PseudoRandomDouble"},"operand2":{"type":"constant","value":"1"}}]}
   > END
-  b.test.json:1:26: error: properties: there is no property
-  b.test.json:1:27: error: properties[0]: expected exactly one of "trigger_only_if", "between_triggers", "at_most", "can_reach", "cannot_reach"
-  b.test.json:1:27: error: properties[0]: expected exactly one of "trigger_only_if", "between_triggers", "at_most", "can_reach", "cannot_reach"
-  b.test.json:1:48: error: properties[0]: unknown key "at_mst"; did you mean "at_most"?
-  b.test.json:1:68: error: properties[0].at_most: unknown key "most"
-  b.test.json:1:61: error: properties[0].at_most.triggers: expected an integer from 0 to 9223372036854775807
-  b.test.json:1:73: error: properties[0].at_most.events: expected an integer from 1 to 9223372036854775807
-  b.test.json:1:51: error: properties[0].can_reach: there is no state
-  b.test.json:1:56: error: properties[0].can_reach: expected the id of a configuration as key, got "x"
-  b.test.json:1:72: error: properties[0].config: not together with "can_reach", which says it itself
-  b.test.json:1:73: error: properties[1].name: there is another test or property "a"
-  b.test.json:1:111: error: properties[1].config: expected an integer from -9223372036854775808 to 9223372036854775807
-  b.test.json:1:57: error: properties[0].trigger_only_if: there is no filter
-  b.test.json:1:58: error: properties[0].trigger_only_if[0]: expected an object, got a number
-  b.test.json:1:68: error: properties[0].between_triggers[0].event: unknown event "Tst"; did you mean "Test"?
-  b.test.json:1:59: error: properties[0].between_triggers[0]: Invalid filter JSON: {"event":"Tst"} ("operator" is missing); one of "==", "!=", ">", "<", ">=", "<="
-  b.test.json:1:59: error: properties[0].between_triggers[0]: Invalid operand value type: . ("value_type" is missing); one of "string", "integer", "double"
-  b.test.json:1:59: error: properties[0].between_triggers[0]: Filter operand must be an object. ("operand1" is missing); an object is needed
-  b.test.json:1:59: error: properties[0].between_triggers[0]: Filter operand must be an object. ("operand2" is missing); an object is needed
-  b.test.json:1:186: error: properties[0].between_triggers[0].operand2: unknown key "of"
-  b.test.json:1:71: error: properties[0].between_triggers[0].operator: Invalid operator string: =.; one of "==", "!=", ">", "<", ">=", "<="
-  b.test.json:1:136: error: properties[0].between_triggers[0].operand1.value: Invalid constant of value type integer: x.; a whole number within the range is needed, such as "80"
-  b.test.json:1:108: error: properties[0].between_triggers[0].operand1: the filter of a property has no function
+  b.test.json:1:34: error: properties: there is no property
+  b.test.json:1:35: error: properties[0]: expected exactly one of "trigger_only_if", "between_triggers", "at_most", "can_reach", "cannot_reach"
+  b.test.json:1:35: error: properties[0]: expected exactly one of "trigger_only_if", "between_triggers", "at_most", "can_reach", "cannot_reach"
+  b.test.json:1:56: error: properties[0]: unknown key "at_mst"; did you mean "at_most"?
+  b.test.json:1:76: error: properties[0].at_most: unknown key "most"
+  b.test.json:1:57: error: properties[0].at_most: "triggers" is missing
+  b.test.json:1:67: error: properties[0].at_most.events: expected an integer from 1 to 9223372036854775807
+  b.test.json:1:69: error: properties[0].at_most.triggers: expected an integer from 0 to 9223372036854775807
+  b.test.json:1:81: error: properties[0].at_most.events: expected an integer from 1 to 9223372036854775807
+  b.test.json:1:59: error: properties[0].can_reach: there is no state
+  b.test.json:1:64: error: properties[0].can_reach: expected the id of a configuration as key, got "x"
+  b.test.json:1:80: error: properties[0].config: not together with "can_reach", which says it itself
+  b.test.json:1:81: error: properties[1].name: there is another test or property "a"
+  b.test.json:1:119: error: properties[1].config: expected an integer from -9223372036854775808 to 9223372036854775807
+  b.test.json:1:65: error: properties[0].trigger_only_if: there is no filter
+  b.test.json:1:66: error: properties[0].trigger_only_if[0]: expected an object, got a number
+  b.test.json:1:76: error: properties[0].between_triggers[0].event: unknown event "Tst"; did you mean "Test"?
+  b.test.json:1:67: error: properties[0].between_triggers[0]: Invalid filter JSON: {"event":"Tst"} ("operator" is missing); one of "==", "!=", ">", "<", ">=", "<="
+  b.test.json:1:67: error: properties[0].between_triggers[0]: Invalid operand value type: . ("value_type" is missing); one of "string", "integer", "double"
+  b.test.json:1:67: error: properties[0].between_triggers[0]: Filter operand must be an object. ("operand1" is missing); an object is needed
+  b.test.json:1:67: error: properties[0].between_triggers[0]: Filter operand must be an object. ("operand2" is missing); an object is needed
+  b.test.json:1:194: error: properties[0].between_triggers[0].operand2: unknown key "of"
+  b.test.json:1:79: error: properties[0].between_triggers[0].operator: Invalid operator string: =.; one of "==", "!=", ">", "<", ">=", "<="
+  b.test.json:1:144: error: properties[0].between_triggers[0].operand1.value: Invalid constant of value type integer: x.; a whole number within the range is needed, such as "80"
+  b.test.json:1:116: error: properties[0].between_triggers[0].operand1: the filter of a property has no function
   [2]
-  $ echo '{"rules":""}' >b.test.json; vig test b.test.json
+  $ echo '{"rules":"bad.json"}' >b.test.json; vig test b.test.json
   b.test.json:1:1: error: neither "tests" nor "properties" are there
   [2]

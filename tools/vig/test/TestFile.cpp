@@ -57,6 +57,10 @@ class TestFileReader {
     TestFile read() {
         TestFile file{document.source().name(), {}, {}, {}, {}};
         const Json::Value& root = document.root();
+        if (root.isObject() && root.isMember("configs") && !root.isMember("rules")) {
+            check.complain(root, "", "is a rule document, which a file of tests names under \"rules\"");
+            return file;
+        }
         // Editors find the schema by "$schema".
         if (!check.isObject(root, "", {"rules", "tests", "properties", "$schema"})) {
             return file;
