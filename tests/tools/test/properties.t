@@ -14,22 +14,22 @@ The tutorial's properties are true.
 
 One that is not is shown to be none.
 
-  $ sed "s|200000|150000|; s|camera.json|$VIG_SOURCE/docs/tutorial/camera.json|" "$VIG_SOURCE/docs/tutorial/camera.properties.test.json" >camera.test.json
+  $ sed "s|204800|153600|; s|camera.json|$VIG_SOURCE/docs/tutorial/camera.json|" "$VIG_SOURCE/docs/tutorial/camera.properties.test.json" >camera.test.json
   $ vig test camera.test.json --filter shrinks
   FAIL  camera.test.json:15: it shrinks before it is collected again
         configs[0] (id 300) triggers on event 1, and on event 3 without such an event between them:
-          {"event":"ProcessMemoryHeartBeat","int64":{"vmRssKB":300001,"vmSwapKB":1},"string":{"processName":"camera"}}
-          {"event":"ProcessMemoryHeartBeat","int64":{"vmRssKB":150000},"string":{"processName":"camera"}}
-          {"event":"ProcessMemoryHeartBeat","int64":{"vmRssKB":300001,"vmSwapKB":1},"string":{"processName":"camera"}}
+          {"event":"ProcessMemoryHeartBeat","int64":{"vmRssKB":307201,"vmSwapKB":1},"string":{"processName":"camera"}}
+          {"event":"ProcessMemoryHeartBeat","int64":{"vmRssKB":153600},"string":{"processName":"camera"}}
+          {"event":"ProcessMemoryHeartBeat","int64":{"vmRssKB":307201,"vmSwapKB":1},"string":{"processName":"camera"}}
         event 1: ProcessMemoryHeartBeat in state start
           configs[0].payload.data.transitions[0] -> collected: fires
             yes   processName == "camera"  "camera" == "camera"
-            yes   vmRssKB > 300000         300001 > 300000
+            yes   vmRssKB > 307200         307201 > 307200
             runs  TriggerVelora
         event 3: ProcessMemoryHeartBeat in state start
           configs[0].payload.data.transitions[0] -> collected: fires
             yes   processName == "camera"  "camera" == "camera"
-            yes   vmRssKB > 300000         300001 > 300000
+            yes   vmRssKB > 307200         307201 > 307200
             runs  TriggerVelora
   FAIL  camera.test.json: 0 of 1 passed
   1 test: 0 passed, 1 failed
