@@ -3,6 +3,7 @@
 namespace Brenta::OS::VIG::Tool {
 
 Verbs::Verbs() {
+    addInit(commandLine, init);
     addCheck(commandLine, check);
     addProve(commandLine, prove);
     addDiff(commandLine, diff);

@@ -8,6 +8,7 @@
 #include "tools/vig/fleet/FleetDiffCommand.h"
 #include "tools/vig/fleet/SummaryCommand.h"
 #include "tools/vig/graph/GraphCommand.h"
+#include "tools/vig/init/InitCommand.h"
 #include "tools/vig/test/TestCommand.h"
 #include "tools/vig/tune/TuneCommand.h"
 #include "tools/vig/watch/WatchCommand.h"
@@ -28,6 +29,7 @@ struct Verbs {
     WatchOptions watch;
     CatalogueOptions catalogue;
     TestOptions test;
+    InitOptions init;
     GraphOptions graph;
 };
 

@@ -1,0 +1,243 @@
+#include "tools/vig/init/Sketch.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <charconv>
+#include <span>
+#include <system_error>
+#include <vector>
+
+#include "tools/vig/catalogue/ActionNeeds.h"
+#include "tools/vig/catalogue/Catalogue.h"
+#include "tools/vig/events/EventNames.h"
+#include "tools/vig/words/NearestName.h"
+#include "tools/vig/words/Text.h"
+#include "vig/base/Utf8.h"
+
+namespace Brenta::OS::VIG::Tool {
+
+namespace {
+
+constexpr std::uint32_t kMostTimes = 20;
+constexpr std::string_view kProcessName = "processName";
+
+struct Unit {
+    std::string_view name;  // in lower case
+    std::int64_t factor;
+    std::int64_t divisor;
+};
+
+// The units in which a number of kB may be told; a kB has 1024 bytes, whatever the case of its letters.
+constexpr Unit kKilobytes[] = {{"kb", 1, 1},       {"kib", 1, 1},       {"mb", 1024, 1}, {"mib", 1024, 1},
+                               {"gb", 1 << 20, 1}, {"gib", 1 << 20, 1}, {"b", 1, 1024},  {"bytes", 1, 1024}};
+constexpr Unit kPercent[] = {{"%", 1, 1}};
+
+struct Watchable {
+    RulesEngine::EventType event;
+    std::string name;
+    AttributeKind kind;
+};
+
+const Catalogue& catalogue() {
+    static const Catalogue kBuiltIn = Catalogue::builtIn();
+    return kBuiltIn;
+}
+
+// Returns all attributes that the tool knows, type by type.
+std::vector<Watchable> allAttributes() {
+    std::vector<Watchable> all;
+    for (const auto& [type, typeName] : kEventTypeNames.pairs) {
+        const CataloguedAttributes* const known = catalogue().find(type);
+        for (const auto& [name, kinds] : known != nullptr ? *known : CataloguedAttributes()) {
+            for (std::size_t kind = 0; kind < kKindNames.size(); ++kind) {
+                if (kinds.has(static_cast<AttributeKind>(kind))) {
+                    all.push_back({type, name, static_cast<AttributeKind>(kind)});
+                }
+            }
+        }
+    }
+    return all;
+}
+
+// Returns those of the kinds that filters compare as numbers, and of which the name tells the event.
+std::vector<Watchable> watchables() {
+    const std::vector<Watchable> all = allAttributes();
+    std::vector<Watchable> result;
+    std::ranges::copy_if(all, std::back_inserter(result), [&](const Watchable& each) {
+        return (each.kind == AttributeKind::Int64 || each.kind == AttributeKind::Double) &&
+               std::ranges::count(all, each.name, &Watchable::name) == 1;
+    });
+    return result;
+}
+
+std::string got(const std::string& text) {
+    return ", got " + (text.empty() ? std::string("nothing") : shownQuoted(text));
+}
+
+// Reads a number of the attribute, which may have a unit.
+std::string readNumber(const std::string& text, const Sketch& sketch, Decimal& number) {
+    const std::string_view own = unitOf(sketch);
+    const std::string expected = own == "kB"
+                                     ? "expected a number of kB such as 204800, or one with its unit such as 200MB"
+                                 : own == "%" ? "expected a number of percent such as 40"
+                                              : "expected a number such as 40";
+    std::string_view rest = text;
+    const auto read = Decimal::readFrom(rest);
+    rest.remove_prefix(std::min(rest.find_first_not_of(' '), rest.size()));
+    std::string unit(rest);
+    std::ranges::transform(unit, unit.begin(), [](unsigned char each) { return std::tolower(each); });
+    const std::span<const Unit> units = own == "kB"  ? std::span<const Unit>(kKilobytes)
+                                        : own == "%" ? std::span<const Unit>(kPercent)
+                                                     : std::span<const Unit>();
+    const auto known = std::ranges::find(units, unit, &Unit::name);
+    if (!read || (!unit.empty() && known == units.end())) {
+        return expected + got(text);
+    }
+    auto value = unit.empty() ? read : read->times(known->factor);
+    value = value && !unit.empty() ? value->dividedBy(known->divisor) : value;
+    if (!value || (!sketch.isDouble && !value->isWhole())) {
+        return fmt::format("{} is too large a number of {}, or none without a fraction", shownQuoted(text), own);
+    }
+    number = *value;
+    return {};
+}
+
+}  // namespace
+
+std::string watchableAttributes() {
+    std::string text;
+    const std::vector<Watchable> all = watchables();
+    for (const auto& [type, typeName] : kEventTypeNames.pairs) {
+        std::vector<std::string_view> names;
+        for (const Watchable& each : all) {
+            if (each.event == type) {
+                names.push_back(each.name);
+            }
+        }
+        if (!names.empty()) {
+            text += fmt::format("  {}: {}\n", typeName, fmt::join(names, ", "));
+        }
+    }
+    return text;
+}
+
+bool isOfProcess(const Sketch& sketch) {
+    return catalogue().promises(sketch.event, kProcessName, AttributeKind::String);
+}
+
+std::string_view unitOf(const Sketch& sketch) {
+    const std::string_view name = sketch.attribute;
+    return name.ends_with("KB") ? "kB" : name.starts_with("psi") || name.starts_with("cpu") ? "%" : "";
+}
+
+std::vector<std::string_view> actionsFor(const Sketch& sketch) {
+    std::vector<std::string_view> names;
+    for (const bool collects : {true, false}) {
+        for (const KnownAction& each : kActions) {
+            const auto hasNeed = [&](const ActionNeed& need) {
+                return catalogue().promises(sketch.event, need.attribute, need.kind);
+            };
+            if (each.startsCollection == collects && std::ranges::all_of(each.needs, hasNeed)) {
+                names.push_back(each.name);
+            }
+        }
+    }
+    return names;
+}
+
+std::string readAttribute(const std::string& text, Sketch& sketch) {
+    const std::vector<Watchable> all = watchables();
+    const auto found = std::ranges::find(all, text, &Watchable::name);
+    if (found != all.end()) {
+        sketch.event = found->event;
+        sketch.attribute = text;
+        sketch.isDouble = found->kind == AttributeKind::Double;
+        return {};
+    }
+    const std::vector<Watchable> others = allAttributes();
+    const auto other = std::ranges::find(others, text, &Watchable::name);
+    if (other == others.end()) {
+        std::vector<std::string_view> names;
+        for (const Watchable& each : all) {
+            names.push_back(each.name);
+        }
+        return "expected the name of an attribute that is a number" + got(text) + suggestion(text, names);
+    }
+    if (other->kind == AttributeKind::Int64 || other->kind == AttributeKind::Double) {
+        return shownQuoted(text) + " tells one process from another, and has no limit";
+    }
+    return fmt::format("{} is a {}, which rules cannot compare with a limit", shownQuoted(text), nameOf(other->kind));
+}
+
+std::string readProcess(const std::string& text, Sketch& sketch) {
+    const bool isName = !text.empty() && replaceInvalidUtf8(text) == text && printable(text) == text;
+    if (!isName || text.starts_with(' ') || text.ends_with(' ')) {
+        return "expected the name of a process as events have it, such as camera" + got(text);
+    }
+    sketch.process = text;
+    return {};
+}
+
+std::string readLimit(const std::string& text, Sketch& sketch) {
+    return readNumber(text, sketch, sketch.limit);
+}
+
+std::string readTimes(const std::string& text, Sketch& sketch) {
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), sketch.times);
+    if (error != std::errc() || end != text.data() + text.size() || sketch.times < 1 || sketch.times > kMostTimes) {
+        return fmt::format("expected a whole number from 1 to {}{}", kMostTimes, got(text));
+    }
+    return {};
+}
+
+std::string readRelease(const std::string& text, Sketch& sketch) {
+    Decimal number;
+    const std::string problem = readNumber(text, sketch, number);
+    if (problem.empty() && number > sketch.limit) {
+        return fmt::format("expected a release limit that is not above the limit, which is {}{}", sketch.limit.text(),
+                           got(text));
+    }
+    sketch.release = number;
+    return problem;
+}
+
+std::string readSecond(const std::string& text, Sketch& sketch) {
+    Decimal number;
+    const std::string problem = readNumber(text, sketch, number);
+    if (problem.empty() && number <= sketch.limit) {
+        return fmt::format("expected a second limit that is above the first one, which is {}{}", sketch.limit.text(),
+                           got(text));
+    }
+    sketch.second = number;
+    return problem;
+}
+
+std::string readShare(const std::string& text, Sketch& sketch) {
+    std::string_view rest = text;
+    auto share = Decimal::readFrom(rest);
+    rest.remove_prefix(std::min(rest.find_first_not_of(' '), rest.size()));
+    if (share && rest == "%") {
+        share = share->dividedBy(100);
+        rest = {};
+    }
+    if (!share || !rest.empty() || *share == Decimal() || *share > Decimal(1, 0)) {
+        return "expected a share above 0 and up to 1, such as 0.1, or the same in percent, 10%" + got(text);
+    }
+    sketch.share = *share == Decimal(1, 0) ? std::nullopt : share;
+    return {};
+}
+
+std::string readAction(const std::string& text, Sketch& sketch) {
+    const std::vector<std::string_view> names = actionsFor(sketch);
+    if (std::ranges::find(names, text) == names.end()) {
+        return fmt::format("expected one of {}, for which {} events have what it needs{}", fmt::join(names, ", "),
+                           nameOf(sketch.event), got(text));
+    }
+    sketch.action = text;
+    return {};
+}
+
+}  // namespace Brenta::OS::VIG::Tool
