@@ -81,6 +81,16 @@ TEST(CommandLine, VerbsHaveTheirDefaultsAndOptions) {
     EXPECT_TRUE(diff.states);
     const auto tune = Parsed({"tune", "r", "p", "d", "--target", "3/day", "--context", "c"}).tune;
     EXPECT_EQ(tune.rules + tune.path + tune.devices.front() + tune.targetText + tune.contextFile, "rpd3/dayc");
+    const auto init =
+        Parsed({"init",      "r", "--attribute",    "1", "--process", "2", "--limit",   "3", "--times", "4",
+                "--release", "5", "--second-limit", "6", "--share",   "7", "--trigger", "8", "--force", "--list"})
+            .init;
+    std::string answers = init.rules;
+    for (const auto& each : init.answers) {
+        answers += each.value_or("");
+    }
+    EXPECT_EQ(answers, "r12345678");
+    EXPECT_TRUE(init.overwrite && init.list);
     const auto graph =
         Parsed({"graph", "r", "--format", "png", "--events", "e", "--seed", "7", "--context", "c"}).graph;
     EXPECT_EQ(graph.rules + graph.events + graph.contextFile, "rec");

@@ -118,8 +118,9 @@ Every verb has a help with an example.
   Example: what makes the machine cause so many triggers?
   Example: what do the events of this machine have?
   Example: where does the recording get stuck?
-  $ vig --help | grep -A10 Subcommands
+  $ vig --help | grep -A11 Subcommands
   Subcommands:
+    init                        Writes a rule document of a common kind, and its tests.
     check                       Says what is wrong with rule documents, all at once.
     prove                       Decides what rule documents can do, for all events.
     diff                        Compares what two rule documents do, for all events or for recorded ones.

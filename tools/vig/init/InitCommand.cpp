@@ -14,6 +14,7 @@
 
 #include "tools/vig/catalogue/ActionNeeds.h"
 #include "tools/vig/commandline/CommandLine.h"
+#include "tools/vig/events/EventNames.h"
 #include "tools/vig/init/Sketch.h"
 #include "tools/vig/init/SketchText.h"
 #include "tools/vig/io/FileText.h"
@@ -119,15 +120,10 @@ class Init {
                 console.complain("the input ended before everything was answered, and nothing is written");
                 return interruption.requested() ? kExitInterrupted : kExitUnusable;
             }
-        } else if (!missing.empty() || !problems.empty()) {
-            return refuse();
+            return write();
         }
         rules = rules.empty() ? kDefaultRules : rules;
-        if (const std::string problem = whyNotWritten(rules); !problem.empty()) {
-            console.complain(problem);
-            return kExitUnusable;
-        }
-        return write();
+        return missing.empty() && problems.empty() && whyNotWritten(rules).empty() ? write() : refuse();
     }
 
   private:
@@ -195,9 +191,15 @@ class Init {
     }
 
     int refuse() {
-        if (!missing.empty()) {
-            problems.push_back(
-                fmt::format("{} {} required", fmt::join(missing, ", "), missing.size() == 1 ? "is" : "are"));
+        for (const std::string_view option : missing) {
+            problems.push_back(std::string(option) + " is required");
+            if (option == "--trigger") {
+                problems.back() += fmt::format(": no collection can be asked for with {} events, and {} does nothing",
+                                               nameOf(sketch.event), fmt::join(actionsFor(sketch), " or "));
+            }
+        }
+        if (const std::string problem = whyNotWritten(rules); !problem.empty()) {
+            problems.push_back(problem);
         }
         for (std::size_t index = 0; index + 1 < problems.size(); ++index) {
             console.complain(problems[index]);
@@ -207,6 +209,9 @@ class Init {
 
     // Asks for all that the options do not say. Returns false at the end of the input.
     bool ask() {
+        if (!options.answers.front()) {
+            prompts.write("Attributes of events that have a limit:\n" + watchableAttributes());
+        }
         for (std::size_t index = 0; index < std::size(kQuestions); ++index) {
             const Question& question = kQuestions[index];
             if (options.answers[index] || !applies(question)) {
@@ -254,7 +259,7 @@ class Init {
 
     std::string hintOf(const Question& question) const {
         if (question.read == readAttribute) {
-            return "one of these:\n" + watchableAttributes();
+            return "one of those above";
         }
         if (question.read == readTimes) {
             return "a whole number";

@@ -22,6 +22,7 @@ namespace Brenta::OS::VIG::Tool {
 namespace {
 
 constexpr std::uint32_t kMostTimes = 20;
+constexpr std::size_t kWidth = 80;
 constexpr std::string_view kProcessName = "processName";
 
 struct Unit {
@@ -97,9 +98,12 @@ std::string readNumber(const std::string& text, const Sketch& sketch, Decimal& n
         return expected + got(text);
     }
     auto value = unit.empty() ? read : read->times(known->factor);
-    value = value && !unit.empty() ? value->dividedBy(known->divisor) : value;
+    if (!value) {
+        return shownQuoted(text) + " is too large";
+    }
+    value = unit.empty() ? value : value->dividedBy(known->divisor);
     if (!value || (!sketch.isDouble && !value->isWhole())) {
-        return fmt::format("{} is too large a number of {}, or none without a fraction", shownQuoted(text), own);
+        return fmt::format("{} is no whole number of {}", shownQuoted(text), own);
     }
     number = *value;
     return {};
@@ -109,19 +113,24 @@ std::string readNumber(const std::string& text, const Sketch& sketch, Decimal& n
 
 std::string watchableAttributes() {
     std::string text;
-    const std::vector<Watchable> all = watchables();
-    for (const auto& [type, typeName] : kEventTypeNames.pairs) {
-        std::vector<std::string_view> names;
-        for (const Watchable& each : all) {
-            if (each.event == type) {
-                names.push_back(each.name);
-            }
+    std::size_t column = 0;
+    std::optional<RulesEngine::EventType> last;
+    for (const Watchable& each : watchables()) {
+        if (each.event != last) {
+            text += fmt::format("{}  {}:", last ? "\n" : "", nameOf(each.event));
+            column = 2 + nameOf(each.event).size() + 1;
+        } else {
+            text += ',';
         }
-        if (!names.empty()) {
-            text += fmt::format("  {}: {}\n", typeName, fmt::join(names, ", "));
+        if (column + 2 + each.name.size() > kWidth) {
+            text += "\n   ";
+            column = 3;
         }
+        text += ' ' + each.name;
+        column += 2 + each.name.size();
+        last = each.event;
     }
-    return text;
+    return text + '\n';
 }
 
 bool isOfProcess(const Sketch& sketch) {
