@@ -26,15 +26,46 @@ TEST(CommandLine, VerbsHaveTheirDefaultsAndOptions) {
     const auto plain = Parsed({"run", "r.json"}).run;
     EXPECT_EQ(plain.format, ReportFormat::Text);
     EXPECT_EQ(plain.draws.seed, 5489u);
-    const auto run = Parsed({"run", "r", "--format", "jsonl", "a", "-", "--seed=4294967295", "--context", "c",
-                             "--explain", "--why-not", "p", "-j", "3", "--summary-only"})
+    const auto run = Parsed({"run",
+                             "r",
+                             "--format",
+                             "jsonl",
+                             "a",
+                             "-",
+                             "--seed=4294967295",
+                             "--context",
+                             "c",
+                             "--explain",
+                             "--why-not",
+                             "p",
+                             "-j",
+                             "3",
+                             "--summary-only",
+                             "--verbose",
+                             "--machine",
+                             "id=-7",
+                             "--where",
+                             "a=b=c",
+                             "--where",
+                             "event=Test",
+                             "--from",
+                             "4",
+                             "--to",
+                             "1.5m"})
                          .run;
     EXPECT_EQ(run.devices, (Strings{"a", "-"}));
-    EXPECT_EQ(run.rules + run.contextFile + run.whyNot, "rcp");
+    EXPECT_EQ(run.rules + run.contextFile + run.whyNot.value(), "rcp");
     EXPECT_EQ(run.format, ReportFormat::Jsonl);
     EXPECT_EQ(run.draws.seed, 4294967295u);
     EXPECT_EQ(run.threads, 3u);
-    EXPECT_TRUE(run.explain && run.summaryOnly);
+    EXPECT_TRUE(run.explain == Explain::Highlights && run.summaryOnly && run.verbose);
+    const SelectionOptions& chosen = run.selection;
+    EXPECT_TRUE(chosen.machine->isId && chosen.machine->number == -7);
+    EXPECT_EQ(chosen.where[0].name + chosen.where[0].value + chosen.where[1].name, "ab=cevent");
+    EXPECT_TRUE(!chosen.from->isTime && chosen.from->value == 4 && chosen.to->isTime && chosen.to->value == 90'000);
+    EXPECT_EQ(Parsed({"run", "r", "--explain=all", "e", "--why-not"}).run.explain, Explain::All);
+    EXPECT_EQ(Parsed({"run", "r", "--explain", "e", "--why-not"}).run.whyNot, "");
+    EXPECT_EQ(plain.whyNot, std::nullopt);
     const auto drawn = Parsed({"run", "r", "--draw", "0.05", "a", "--draw=0"}).run;
     EXPECT_EQ(drawn.draws.numbers, (std::vector{0.05, 0.0}));
     EXPECT_EQ(drawn.devices, Strings{"a"});
@@ -52,13 +83,13 @@ TEST(CommandLine, VerbsHaveTheirDefaultsAndOptions) {
     EXPECT_EQ(test.draws.numbers, std::vector{0.7});
     EXPECT_EQ(Parsed({"test", "--generate", "r"}).test.generate, "r");
     const auto watch = Parsed({"watch", "r", "--interval", "500ms", "--duration", "2m", "--record", "f", "--force",
-                               "--seed", "7", "--context", "c"})
+                               "--seed", "7", "--context", "c", "--verbose"})
                            .watch;
     EXPECT_EQ(watch.interval, milliseconds(500));
     EXPECT_EQ(watch.duration, milliseconds(120'000));
     EXPECT_EQ(watch.rules + watch.recordFile + watch.contextFile, "rfc");
     EXPECT_EQ(watch.draws.seed, 7u);
-    EXPECT_TRUE(watch.overwrite);
+    EXPECT_TRUE(watch.overwrite && watch.verbose);
     EXPECT_EQ(Parsed({"catalogue", "e.jsonl"}).catalogue.events, "e.jsonl");
     const auto check = Parsed({"check", "--verbose", "--format=sarif", "--allow", "no-way-out", "a", "b", "--strict",
                                "--allow", "duplicate-id", "--catalogue", "c", "--events", "e"})

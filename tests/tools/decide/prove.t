@@ -92,7 +92,8 @@ With its recordings, each of which the tool replays.
   > while read -r file draws; do
   >   path="configs[${file:4:1}].payload.data.transitions[${file:17:1}]"
   >   # shellcheck disable=SC2086 # The draws stand between spaces.
-  >   vig run rules.json $file $draws --explain | grep -F "$path -> " | grep -c ': fires$'
+  >   vig run rules.json $file $draws --explain --format jsonl |
+  >     grep -oE '"path":"[^"]*","to":"[^"]*","fired":true' | grep -cF "\"$path\""
   > done | sort | uniq -c
        12 1
   $ ls a/b | wc -l

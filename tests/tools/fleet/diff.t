@@ -28,7 +28,8 @@ Each device that differs is told with both explanations of the first event by wh
     id 7
       old  nothing
              ProcessMemoryHeartBeat in state on
-               configs[0].payload.data.transitions[1] -> start: stopped by filter 1 of 1
+               configs[0].payload.data.transitions[1]
+               -> start: stopped by filter 1 of 1
                  no    vmRssKB > 100  60 > 100
       new  trigger vig:memory_heartbeat_over_budget:p
              threshold_current_value:60  threshold_units:RSS_anon_plus_swap_KB  vmRssKB:60  vmSwapKB:0  processName:p
@@ -84,7 +85,8 @@ Each device that differs is told with both explanations of the first event by wh
     id 7
       old  nothing
              ProcessMemoryHeartBeat in state on
-               configs[0].payload.data.transitions[1] -> start: stopped by filter 1 of 1
+               configs[0].payload.data.transitions[1]
+               -> start: stopped by filter 1 of 1
                  no    vmRssKB > 100  60 > 100
       new  trigger vig:memory_heartbeat_over_budget:p
              threshold_current_value:60  threshold_units:RSS_anon_plus_swap_KB  vmRssKB:60  vmSwapKB:0  processName:p
@@ -103,7 +105,8 @@ Each device that differs is told with both explanations of the first event by wh
                  runs  LogZramHeartBeat
       new  nothing
              ZramHeartBeat in state start
-               configs[2].payload.data.transitions[0] -> start: stopped by filter 1 of 1
+               configs[2].payload.data.transitions[0]
+               -> start: stopped by filter 1 of 1
                  no    level > 2  2 > 2
   
   fleet

@@ -23,8 +23,6 @@ Devices that fail are told in their order, and the others go on, on one thread a
   2
   $ cmp out1 out3
   $ cat out3
-      event  what     who            detail
-          0  log      error          VIGManager: ViG device config is available now.
   
   == none
   vig: error: none: No such file or directory
@@ -50,7 +48,8 @@ Devices that fail are told in their order, and the others go on, on one thread a
   == d
       event  what     who            detail
           1  trigger  1 (id 8)       vig:memory_heartbeat_over_budget:p
-                                     threshold_current_value:3  threshold_units:RSS_anon_plus_swap_KB  vmRssKB:1  vmSwapKB:2  processName:p
+             threshold_current_value:3  threshold_units:RSS_anon_plus_swap_KB
+             vmRssKB:1  vmSwapKB:2  processName:p
   
   summary
     events    1

@@ -27,7 +27,7 @@ TEST(ManPage, HasEveryVerbAndSatisfiesTheFormatter) {
     const std::string page = folder.write("vig.1", manPageOf(helpWithOddities()));
     EXPECT_EQ(outputOf("groff -man -Tutf8 -ww -z " + page), "");
     const std::string text = outputOf("groff -man -Tascii -P-cbou -rLL=200n " + page);
-    for (const char* const part : {"--interval TIME", "vig graph RULES", "vig test [FILE...] [options]",
+    for (const char* const part : {"--interval TIME", "--explain [=all]", "vig graph RULES", "vig test [FILE...] [options]",
                                    "--format dot|svg|png|mermaid", ".it's [a: \\b]", ".g\n       'h\n"}) {
         EXPECT_THAT(text, HasSubstr(part));
     }
@@ -43,7 +43,8 @@ TEST(BashCompletion, CompletesVerbsOptionsWordsAndFiles) {
     } cases[] = {
         {"vig r", "run"},
         {"vig --v", "--version"},
-        {"vig run --f", "--format"},
+        {"vig run --fo", "--format"},
+        {"vig run --why-not ru", "rules file.json"},
         {"vig run --format t", "text"},
         {"vig graph --format = m", "mermaid"},
         {"vig watch --format = ''", "text\njsonl"},

@@ -27,12 +27,15 @@ For people. Nothing is shown that a terminal acts on.
   > {"event":"ZramHeartBeat","uint64":{"memUsedMaxBytes":3,"numCompressedDataBytes":2}}
   > END
       event  what     who            detail
-          0  log      error          VIGManager: ViG device config is available now.
-          1  trigger  0 (id 7)       vig:memory_heartbeat_over_budget:\x1b]0;\x07\u202ea\n
-                                     threshold_current_value:3  threshold_units:RSS_anon_plus_swap_KB  vmRssKB:1  vmSwapKB:2  processName:\x1b]0;\x07\u202ea\n
+          1  trigger  0 (id 7)
+             vig:memory_heartbeat_over_budget:\x1b]0;\x07\u202ea\n
+             threshold_current_value:3  threshold_units:RSS_anon_plus_swap_KB
+             vmRssKB:1  vmSwapKB:2  processName:\x1b]0;\x07\u202ea\n
           1  move     0 (id 7)       start -> \x1b[2J\nx
-          2  log      error          VIGManager: Missing required attribute processName in event.
-          3  log      info           VIGManager: Received VIG zram heart beat. memUsedMaxBytes: 3, numCompressedDataBytes: 2
+          2  log      error          VIGManager: Missing required attribute
+                                     processName in event.
+          3  log      info           VIGManager: Received VIG zram heart beat.
+                                     memUsedMaxBytes: 3, numCompressedDataBytes: 2
   
   summary
     events    3
@@ -41,7 +44,7 @@ For people. Nothing is shown that a terminal acts on.
     machine   0  config id 7  payload id 1  in state \x1b[2J\nx
     machine   1  config id 8  payload id 1  in state start
 
-A document that is refused is told with the layer at fault, and with its log lines.
+A document that is refused is told with the layer at fault, and with its log lines, to people if they want them.
 
   $ fsm=$(document_of "$(transition start end test)")
   $ for text in '{' '[]' '{"configs":[{"id":1,"payload":{}}]}' "$fsm" '{"configs":[7]}'; do
@@ -79,11 +82,12 @@ A document that is refused is told with the layer at fault, and with its log lin
       path: configs[0]
       hint: an object is needed
   1 2 2
-  $ vig run refused.json events.jsonl
+  $ vig run refused.json events.jsonl --verbose
       event  what     who            detail
           0  log      error          VIGManager: Invalid VIG Config JSON: 7
                                      .
-          0  log      error          VIGManager: ViG device config is available now.
+          0  log      error          VIGManager: ViG device config is available
+                                     now.
   refused.json:1:13: error: Invalid VIG Config JSON: 7 [InvalidConfig]
       {"configs":[7]}
                   ^
@@ -117,12 +121,13 @@ A bad line ends the run after what happened before.
   $ printf '%s\n{"event":"\033[2J\\u001b"}\n{"event":"Test"}\n' "$camera" >bad.jsonl
   $ vig run rules.json bad.jsonl
       event  what     who            detail
-          0  log      error          VIGManager: ViG device config is available now.
           0  move     1 (id -8)      start -> armed
           1  trigger  0 (id 7)       vig:memory_heartbeat_over_budget:camera
-                                     threshold_current_value:1024  threshold_units:RSS_anon_plus_swap_KB  vmRssKB:1000  vmSwapKB:24  processName:camera
+             threshold_current_value:1024  threshold_units:RSS_anon_plus_swap_KB
+             vmRssKB:1000  vmSwapKB:24  processName:camera
           1  trigger  1 (id -8)      vig:memory_heartbeat_over_budget:camera
-                                     threshold_current_value:1024  threshold_units:RSS_anon_plus_swap_KB  vmRssKB:1000  vmSwapKB:24  processName:camera
+             threshold_current_value:1024  threshold_units:RSS_anon_plus_swap_KB
+             vmRssKB:1000  vmSwapKB:24  processName:camera
           1  move     0 (id 7)       start -> end
   bad.jsonl:2: error: a control character in a string has to be escaped
   [2]
@@ -157,13 +162,12 @@ Draws are made as they are listed, by each device anew, and the last one stays.
   $ document_of "$(transition start other Test "$half")" "$(transition other start Test "$half")" >flip.json
   $ yes '{"event":"Test"}' | head -5 >five.jsonl
   $ vig run flip.json five.jsonl --draw 0.5 --draw 0 --draw 0.49999999999999994 --draw 0.75 --explain | grep -E 'move|<'
-                                         no    PseudoRandomDouble() < 0.5  0.5 < 0.5
-                                         yes   PseudoRandomDouble() < 0.5  0 < 0.5
+               no    PseudoRandomDouble() < 0.5  0.5 < 0.5
+               yes   PseudoRandomDouble() < 0.5  0 < 0.5
           2  move     0 (id 7)       start -> other
-                                         yes   PseudoRandomDouble() < 0.5  0.49999999999999994 < 0.5
+               yes   PseudoRandomDouble() < 0.5  0.49999999999999994 < 0.5
           3  move     0 (id 7)       other -> start
-                                         no    PseudoRandomDouble() < 0.5  0.75 < 0.5
-                                         no    PseudoRandomDouble() < 0.5  0.75 < 0.5
+               no    PseudoRandomDouble() < 0.5  0.75 < 0.5
   $ vig run flip.json five.jsonl five.jsonl -j 1 --draw 0 --draw 0.5 | grep move
           1  move     0 (id 7)       start -> other
           1  move     0 (id 7)       start -> other

@@ -16,10 +16,12 @@ A failure shows what was expected (-) against what happened (+), and why.
   FAIL  a.test.json:2: missing
         triggers: expected 1 (-), got 0 (+)
           -  config 7
-        why not configs[0].payload.data.transitions[0] (start -> hot on ProcessMemoryHeartBeat)
+        why not configs[0].payload.data.transitions[0]
+          start -> hot on ProcessMemoryHeartBeat
                 2 events
                 2   for which it was tried
-                2     stopped by vmRssKB > 9, at the nearest 8 > 9 (off by 2) in event 1
+                2     stopped by vmRssKB > 9
+                        nearest 8 > 9 (off by 2) in event 1
                 0     fired
   FAIL  a.test.json:3: other
         triggers: expected 1 (-), got 1 (+)
@@ -48,22 +50,22 @@ It is explained by the machine, of several, that did what was not expected or di
   >   "$(case_of context '{"event":"ProcessMemoryHeartBeat"}' '},"context":{"int64":{"vmRssKB":10}')" >two.test.json
   $ vig test two.test.json | grep -E '^FAIL|configs\['
   FAIL  two.test.json:2: trigger of 8
-        why not configs[1].payload.data.transitions[0] (start -> hot on ProcessMemoryHeartBeat)
+        why not configs[1].payload.data.transitions[0]
   FAIL  two.test.json:3: trigger of any
-        why not configs[0].payload.data.transitions[0] (start -> hot on ProcessMemoryHeartBeat)
-        why not configs[1].payload.data.transitions[0] (start -> hot on ProcessMemoryHeartBeat)
+        why not configs[0].payload.data.transitions[0]
+        why not configs[1].payload.data.transitions[0]
   FAIL  two.test.json:4: log
-        why not configs[0].payload.data.transitions[1] (start -> start on ZramHeartBeat)
+        why not configs[0].payload.data.transitions[1]
   FAIL  two.test.json:5: state of 8
-        why not configs[1].payload.data.transitions[0] (start -> hot on ProcessMemoryHeartBeat)
+        why not configs[1].payload.data.transitions[0]
   FAIL  two.test.json:6: state of 7
-        why not configs[0].payload.data.transitions[0] (start -> hot on ProcessMemoryHeartBeat)
+        why not configs[0].payload.data.transitions[0]
   FAIL  two.test.json:7: another process
           configs[1].payload.data.transitions[0] -> hot: fires
   FAIL  two.test.json:8: twice of 7
           configs[1].payload.data.transitions[0] -> hot: fires
   FAIL  two.test.json:9: trigger at zram
-        why not configs[1].payload.data.transitions[0] (start -> hot on ProcessMemoryHeartBeat)
+        why not configs[1].payload.data.transitions[0]
   FAIL  two.test.json:10: no log
           configs[0].payload.data.transitions[1] -> start: fires
   FAIL  two.test.json:11: context

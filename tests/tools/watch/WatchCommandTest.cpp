@@ -80,6 +80,17 @@ TEST_F(WatchCommand, RecordReplaysToTheSameTriggersAndMoves) {
         << end[0];
 }
 
+TEST_F(WatchCommand, RecordIsMadeWithoutRulesToo) {
+    options.rules.clear();
+    EXPECT_EQ(runVerb(watch, options).status, 2);
+    options.recordFile = folder.path("record.jsonl");
+    const ToolResult result = runVerb(watch, options);
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_TRUE(result.out.starts_with(R"({"type":"end","events":41,"triggers":0,"machines":[],"samples":1,)"))
+        << result.out;
+    EXPECT_EQ(linesWith(support::textOf(options.recordFile), R"({"event":"ProcessMemoryHeartBeat")").size(), 40u);
+}
+
 TEST_F(WatchCommand, RecordThatCannotBeWrittenEndsTheWatch) {
     options.recordFile = "/dev/full";
     options.overwrite = true;

@@ -11,6 +11,7 @@
 #include "tools/vig/io/Output.h"
 #include "tools/vig/words/NearestName.h"
 #include "tools/vig/words/Text.h"
+#include "tools/vig/words/Wrapped.h"
 
 namespace Brenta::OS::VIG::Tool {
 
@@ -22,21 +23,6 @@ constexpr const char* kFooter =
     "output cannot be written, 3 it was not decided whether something differs, 130 interrupted (but for watch, which\n"
     "Ctrl-C ends with its summary).\n"
     "`vig VERB --help` has an example.";
-
-std::optional<std::chrono::milliseconds> parseDuration(std::string_view text) {
-    constexpr std::pair<std::string_view, double> kUnits[] = {
-        {"ms", 1}, {"s", 1000}, {"m", 60'000}, {"h", 3'600'000}, {"", 1000}};
-    constexpr double kMost = 366.0 * 24 * 3'600'000;
-    double number = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number, std::chars_format::fixed);
-    const std::string_view unit = text.substr(static_cast<std::size_t>(end - text.data()));
-    for (const auto& [name, milliseconds] : kUnits) {
-        if (error == std::errc() && unit == name && number >= 0 && number * milliseconds <= kMost) {
-            return std::chrono::milliseconds(std::llround(number * milliseconds));
-        }
-    }
-    return std::nullopt;
-}
 
 OptionHelp helpOf(const CLI::Option& option) {
     OptionHelp help{{}, !option.nonpositional(), option.get_required(), option.get_items_expected_max() > 1,
@@ -51,7 +37,7 @@ OptionHelp helpOf(const CLI::Option& option) {
     for (const std::string& name : option.get_lnames()) {
         help.names.push_back("--" + name);
     }
-    help.argument = option.get_items_expected_max() > 0 ? option.get_type_name() : "";
+    help.argument = option.get_items_expected_max() > 0 ? option.get_type_name() : option.get_option_text();
     return help;
 }
 
@@ -76,6 +62,21 @@ void Verb::argument(const std::string& name, std::vector<std::string>& values, N
 
 void Verb::flag(const std::string& name, bool& value, const std::string& description) {
     app.add_flag(name, value, description);
+}
+
+void Verb::flagOrWord(const std::string& name, const std::string& word, const std::string& description,
+                      const std::function<void(bool withWord)>& read) {
+    const auto take = [name, word, read](const std::string& text) {
+        constexpr std::string_view kAlone = "true";  // as the parser calls it
+        if (text != kAlone && text != word) {
+            throw CLI::ValidationError(name, "expected nothing or " + word + ", got " + text);
+        }
+        read(text == word);
+    };
+    app.add_option_function<std::string>(name, take, description)
+        ->expected(0)
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast)
+        ->option_text("[=" + word + "]");
 }
 
 void Verb::text(const std::string& name, std::string& value, const std::string& kind, const std::string& description) {
@@ -116,7 +117,7 @@ void Verb::wholeNumber(const std::string& names, std::uint32_t& value, std::uint
 void Verb::duration(const std::string& name, std::chrono::milliseconds& value, std::chrono::milliseconds least,
                     const std::string& description) {
     option(name, "TIME", description, [&value, least](const std::string& text) {
-        const auto parsed = parseDuration(text);
+        const auto parsed = durationOf(text);
         value = parsed.value_or(value);
         return parsed && *parsed >= least ? "" : "expected a time such as 500ms, 1s or 2m, got " + text;
     });
@@ -130,6 +131,12 @@ void Verb::option(const std::string& name, const std::string& kind, const std::s
         }
     };
     app.add_option_function<std::string>(name, take, description)->type_name(kind);
+}
+
+void Verb::optionalText(const std::string& name, const std::string& kind, const std::string& description,
+                        const std::function<std::string(const std::string& text)>& read) {
+    option(name, "[" + kind + "]", description, read);
+    app.get_option(name)->expected(0, 1);
 }
 
 void Verb::repeated(const std::string& name, const std::string& kind, const std::string& description,
@@ -165,6 +172,11 @@ Verb CommandLine::addVerb(const std::string& name, const std::string& descriptio
 }
 
 std::optional<int> CommandLine::parse(int count, const char* const* arguments, const Console& console) {
+    const std::string_view first = count > 1 ? arguments[1] : "";
+    const bool isVerb = std::ranges::any_of(verbs, [&](const auto& verb) { return verb.first->get_name() == first; });
+    if (!isVerb && !first.starts_with('-')) {
+        return refuseVerb(first, console);
+    }
     std::string answer;
     try {
         app->parse(count, arguments);
@@ -175,11 +187,33 @@ std::optional<int> CommandLine::parse(int count, const char* const* arguments, c
         answer = app->version() + "\n";
     } catch (const CLI::Error& error) {
         const auto named = app->get_subcommands();
-        return refuseArguments(console, error.what(), named.empty() ? "" : named.front()->get_name());
+        return named.empty() ? refuseVerb(first, console)
+                             : refuseArguments(console, error.what(), named.front()->get_name());
     }
     Output output(console.out);
     output.write(answer);
     return console.finish(output, kExitDone);
+}
+
+// Says that there is no such verb, or none at all, and lists those that there are.
+int CommandLine::refuseVerb(std::string_view given, const Console& console) const {
+    std::vector<std::string> names;
+    std::size_t width = 0;
+    for (const auto& [verb, run] : verbs) {
+        names.push_back(verb->get_name());
+        width = std::max(width, names.back().size());
+    }
+    const std::vector<std::string_view> known(names.begin(), names.end());
+    console.complain((given.empty() ? "a verb is missing" : "there is no verb " + Tool::quoted(given)) +
+                     beforeList(given, known));
+    for (const auto& [verb, run] : verbs) {
+        const std::string line = fmt::format("  {:<{}}  {}", verb->get_name(), width, verb->get_description());
+        for (const std::string& each : wrapped(line, kColumns, width + 4)) {
+            console.say(each);
+        }
+    }
+    console.say("Try: vig --help");
+    return kExitUnusable;
 }
 
 int CommandLine::run(const Console& console, const Interruption& interruption) const {
@@ -195,9 +229,24 @@ ProgramHelp CommandLine::help() const {
     return help;
 }
 
+std::optional<std::chrono::milliseconds> durationOf(std::string_view text) {
+    constexpr std::pair<std::string_view, double> kUnits[] = {
+        {"ms", 1}, {"s", 1000}, {"m", 60'000}, {"h", 3'600'000}, {"", 1000}};
+    constexpr double kMost = 366.0 * 24 * 3'600'000;
+    double number = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number, std::chars_format::fixed);
+    const std::string_view unit = text.substr(static_cast<std::size_t>(end - text.data()));
+    for (const auto& [name, milliseconds] : kUnits) {
+        if (error == std::errc() && unit == name && number >= 0 && number * milliseconds <= kMost) {
+            return std::chrono::milliseconds(std::llround(number * milliseconds));
+        }
+    }
+    return std::nullopt;
+}
+
 int refuseArguments(const Console& console, std::string_view what, const std::string& verb) {
     console.complain(what);
-    console.say("Try: vig " + verb + (verb.empty() ? "--help" : " --help"));
+    console.say("Try: vig " + verb + " --help");
     return kExitUnusable;
 }
 

@@ -28,7 +28,7 @@ struct OptionHelp {
     bool isPositional;
     bool isRequired;
     bool isRepeated;       // may be given several times
-    std::string argument;  // "FILE", "text|jsonl"; empty for a flag and for a positional argument
+    std::string argument;  // "FILE", "text|jsonl", in brackets if it may be left out; empty for a flag and a positional
     std::string description;
 };
 
@@ -57,6 +57,10 @@ class Verb {
     void argument(const std::string& name, std::vector<std::string>& values, Need need, const std::string& description);
 
     void flag(const std::string& name, bool& value, const std::string& description);
+
+    // Takes the name alone, or with a word, "--name=word": `read` is given whether it has the word.
+    void flagOrWord(const std::string& name, const std::string& word, const std::string& description,
+                    const std::function<void(bool withWord)>& read);
 
     // `kind` is how the help calls what has to be given.
     void text(const std::string& name, std::string& value, const std::string& kind, const std::string& description);
@@ -99,6 +103,11 @@ class Verb {
     // Takes any other option: `read` returns what is wrong with a text, or nothing.
     void option(const std::string& name, const std::string& kind, const std::string& description,
                 const std::function<std::string(const std::string& text)>& read);
+
+    // Does the same for an option that may stand without a text, which is then empty. It is to stand behind all
+    // arguments, or to be written "--name=TEXT", for it takes the next word.
+    void optionalText(const std::string& name, const std::string& kind, const std::string& description,
+                      const std::function<std::string(const std::string& text)>& read);
 
     // Does the same for an option that may be repeated: `read` is given each text, in order.
     void repeated(const std::string& name, const std::string& kind, const std::string& description,
@@ -144,9 +153,15 @@ class CommandLine {
 
     Verb addVerb(const std::string& name, const std::string& description, const std::string& footer, Run run);
 
+    int refuseVerb(std::string_view given, const Console& console) const;
+
     const std::unique_ptr<CLI::App> app;
     std::vector<std::pair<CLI::App*, Run>> verbs;
 };
+
+// Returns the time that "500ms", "1s", "2m", "1h" or a number of seconds says, which may have a fraction; nothing if it
+// says none, or more than a year.
+std::optional<std::chrono::milliseconds> durationOf(std::string_view text);
 
 // Says what is wrong with the arguments of the verb, and where its help is. Returns the exit status.
 int refuseArguments(const Console& console, std::string_view what, const std::string& verb);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <limits>
 #include <utility>
 
 #include "tools/vig/document/Registry.h"
@@ -72,7 +73,9 @@ void Rehearsal::step(const Step& step) {
         }
     }
     if (account && step.machine.index == played && step.event == witness.events.size() && !step.attempts.empty()) {
-        std::ranges::move(explainLines(step), std::back_inserter(account->explanation));
+        // Whoever shows it puts it into columns of its own.
+        ExplainText text(std::numeric_limits<std::size_t>::max());
+        std::ranges::move(text.linesOf(step), std::back_inserter(account->explanation));
     }
 }
 

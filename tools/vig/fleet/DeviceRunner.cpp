@@ -58,7 +58,7 @@ DeviceResult DeviceRunner::run(const std::string& device, Output& output) {
     Replay replay(device, plan.console, plan.interruption);
     result.begun = replay.isOpen();
     if (result.begun) {
-        const auto report = reportOf(plan.format, output, plan.coloured, name);
+        const auto report = reportOf({plan.format, plan.coloured, name}, output);
         draw = Draws{deviceSeed(plan.draws.seed, name), plan.draws.numbers}.source();
         MachineGroup machines(plan.context, *report, nullptr);
         machines.adopt(newMachines(result.fired));

@@ -3,7 +3,9 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <memory>
+#include <system_error>
 #include <utility>
 
 #include "tools/vig/commandline/CommandLine.h"
@@ -12,12 +14,13 @@
 #include "tools/vig/fleet/Fleet.h"
 #include "tools/vig/fleet/FleetSummary.h"
 #include "tools/vig/fleet/Jobs.h"
+#include "tools/vig/words/Text.h"
 
 namespace Brenta::OS::VIG::Tool {
 
 int fleet(const FleetOptions& options, const Console& console, const Interruption& interruption) {
     const ReportFormat format = options.summaryOnly ? ReportFormat::None : options.format;
-    RuleRun rules(options, format, console, interruption);
+    RuleRun rules(options, {format, console.wantsColours(), "", options.verbose}, console, interruption);
     // The machines of the delivery stay idle: each device has its own.
     if (const auto status = rules.load(RuleSession::Changes::Ignore)) {
         return rules.abandon(*status);
@@ -61,8 +64,13 @@ Files of records may be compressed by gzip or zstd.
 A rule document describes state machines, which are told by their place in it, from 0, and by the id of their
 configuration. A trigger is what the device's trigger service would be asked for: to collect diagnostics.
 
---explain shows each transition that listens for the event, up to the one that fires, and each filter, up to the
-one that does not hold, with the values that it compared. What listens for other events is left out.
+--explain shows each transition that listens for an event, up to the one that fires, and each filter, up to the one
+that does not hold, with the values that it compared; in text only where a transition fires, or comes nearer to firing
+than before, since the machine is in its state: more of its filters hold, or the numbers that stop it are less than
+half as far apart. --explain=all shows every event, as jsonl does.
+
+--why-not takes a path of the document, its last part such as transitions[1], or a move such as 'start -> end', and
+without any tells of all transitions that never fired. It stands last, or is written --why-not=TRANSITION.
 
 With several files, each is the recording of a device with machines of its own, which neither the others nor -j
 change. A summary ends the run: of each transition how often it fired and on how many devices, and the triggers a
@@ -72,12 +80,21 @@ jsonl gives it in the last line. --explain and --why-not are for one file.
 
 Example: which events of a recording fire a trigger? And why did the second transition not fire?
   vig run rules.json trace.jsonl --format jsonl | grep '"type":"trigger"'
-  vig run rules.json trace.jsonl --why-not 'configs[0].payload.data.transitions[1]'
+  vig run rules.json trace.jsonl --why-not 'transitions[1]'
+What did the rules make of the camera in the first minute?
+  vig run rules.json trace.jsonl --explain --where processName=camera --to 1m
 Which transitions fire in a fleet?
   vig run rules.json devices/*.jsonl.gz --summary-only)";
 
 int runOneOrMany(const FleetOptions& given, const Console& console, const Interruption& interruption) {
     FleetOptions options = given;
+    std::error_code ignored;
+    if (options.devices.empty() && options.whyNot && std::filesystem::exists(*options.whyNot, ignored)) {
+        return refuseArguments(console,
+                               "--why-not takes " + Tool::quoted(*options.whyNot) +
+                                   " for a transition: write it behind the files, or --why-not=TRANSITION",
+                               "run");
+    }
     if (options.devices.empty()) {
         options.devices = {"-"};
     }
@@ -85,8 +102,10 @@ int runOneOrMany(const FleetOptions& given, const Console& console, const Interr
         options.events = options.devices.front();
         return run(options, console, interruption);
     }
-    if (options.explain || !options.whyNot.empty()) {
-        return refuseArguments(console, "--explain and --why-not tell of one device: give one file, and no summary",
+    if (options.explain != Explain::Nothing || options.whyNot || options.selection.isAny()) {
+        return refuseArguments(console,
+                               "--explain, --why-not, --machine, --where, --from and --to tell of one device: give one "
+                               "file, and no summary",
                                "run");
     }
     if (std::ranges::count(options.devices, "-") > 1) {
@@ -109,9 +128,18 @@ void addRun(CommandLine& commandLine, FleetOptions& options) {
     addSurroundings(verb, options, "; in a summary, each device draws by the seed and its name");
     verb.argument("EVENTS", options.devices, Verb::Need::Optional,
                   "The event records, a file for each device (default: -, which is standard input)");
-    verb.flag("--explain", options.explain, "Tells what every machine decides on every event, and why");
-    verb.name("--why-not", options.whyNot, "PATH",
-              "Tells at the end what kept the transition at that path of the document from firing");
+    verb.flagOrWord(
+        "--explain", "all",
+        "Tells what machines decide, and why: on events by which a transition fires or comes near, or on all",
+        [&options](bool all) { options.explain = all ? Explain::All : Explain::Highlights; });
+    verb.optionalText("--why-not", "TRANSITION",
+                      "Tells at the end what kept that transition from firing, or all those that never fired",
+                      [&options](const std::string& text) {
+                          options.whyNot = text;
+                          return std::string();
+                      });
+    addSelection(verb, options.selection);
+    addVerbose(verb, options);
     addJobs(verb, options.threads);
     verb.flag("--summary-only", options.summaryOnly, "Tells only what all devices did together, also of one device");
 }

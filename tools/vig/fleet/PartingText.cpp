@@ -11,12 +11,14 @@
 #include "tools/vig/trace/ExplainText.h"
 #include "tools/vig/words/PriorityName.h"
 #include "tools/vig/words/Text.h"
+#include "tools/vig/words/Wrapped.h"
 
 namespace Brenta::OS::VIG::Tool {
 
 namespace {
 
 constexpr std::size_t kMostLines = 50;  // a cycle of EnteringState transitions makes a thousand steps
+constexpr std::size_t kIndent = 11;     // of an explanation
 constexpr Both<std::string_view> kSides = {"old", "new"};
 
 constexpr std::array<std::string_view, kDeviceChangeNames.size()> kSentences = {"triggers newly",
@@ -57,8 +59,9 @@ std::vector<std::string> linesOf(const Doings& doings) {
 
 std::vector<std::string> linesOf(const std::vector<Step>& steps) {
     std::vector<std::string> lines;
+    ExplainText text(kColumns - kIndent);
     for (const Step& step : steps) {
-        for (const std::string& line : explainLines(step)) {
+        for (const std::string& line : text.linesOf(step)) {
             lines.push_back("  " + line);
         }
     }

@@ -98,7 +98,7 @@ int draw(const std::vector<RuleGraph>& graphs, const GraphOptions& options, cons
 // otherwise `text` is that of the document.
 std::optional<int> run(const GraphOptions& options, TransitionCounter& counter, const Console& console,
                        const Interruption& interruption, std::string& text) {
-    RuleRun rules(options, ReportFormat::None, console, interruption);
+    RuleRun rules(options, {ReportFormat::None, false}, console, interruption);
     if (!options.events.empty()) {
         rules.observe(counter);
     }

@@ -12,6 +12,11 @@ namespace Brenta::OS::VIG::Tool {
 
 namespace {
 
+// An option whose argument may be left out takes it behind "=", or, if it may be any word, behind a space as well.
+bool maybeAlone(const OptionHelp& option) {
+    return option.argument.starts_with('[');
+}
+
 // Returns the words that the argument of the option is one of, or nothing if it can be anything.
 std::string choicesOf(const OptionHelp& option) {
     std::string words;
@@ -97,6 +102,9 @@ std::string zshArgumentOf(const OptionHelp& option, const std::string& name) {
     if (option.argument.empty()) {
         return fmt::format("{}[{}]", name, zshEscaped(option.description));
     }
+    if (maybeAlone(option)) {
+        return fmt::format("{}=-[{}]::{}: ", name, zshEscaped(option.description), zshEscaped(option.argument));
+    }
     return fmt::format("{}{}=[{}]:{}:{}", repeated, name, zshEscaped(option.description), zshEscaped(option.argument),
                        zshActionOf(option));
 }
@@ -120,7 +128,7 @@ std::string bashCompletionOf(const ProgramHelp& help) {
     script += bashCase("' '*", verbs + " " + optionNamesOf(help.general), false);
     for (const VerbHelp& verb : help.verbs) {
         for (const OptionHelp& option : verb.options) {
-            if (!option.isPositional && !option.argument.empty()) {
+            if (!option.isPositional && !option.argument.empty() && !maybeAlone(option)) {
                 script +=
                     bashCase("'" + verb.name + " " + option.names.back() + "'", choicesOf(option), takesFile(option));
             }

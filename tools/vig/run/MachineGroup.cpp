@@ -40,6 +40,7 @@ void MachineGroup::drive(EventType type, std::optional<std::int64_t> timeMs, boo
             tracer->end();
         }
     }
+    driven = nullptr;
     // The report lists moves last, after all that the event has caused.
     for (Machine& each : machines) {
         State* const reached = each.machine->getCurrentState();
@@ -82,7 +83,7 @@ Summary MachineGroup::summary() const {
 }
 
 void MachineGroup::onLog(int priority, std::string_view tag, std::string_view message) {
-    report.log({current, priority, tag, message});
+    report.log({current, priority, tag, message, driven != nullptr ? std::optional(driven->name.index) : std::nullopt});
 }
 
 void MachineGroup::onTrigger(const vendor::orlan::velora::TriggerContext& request) {

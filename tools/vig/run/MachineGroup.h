@@ -74,7 +74,7 @@ class MachineGroup final : public PlatformServices::Receiver {
     std::uint64_t events = 0;
     std::uint64_t triggers = 0;
     std::uint64_t current = 0;        // the event that is being offered
-    const Machine* driven = nullptr;  // and the machine to which it is offered
+    const Machine* driven = nullptr;  // and the machine to which it is offered; null while none is at work
 };
 
 }  // namespace Brenta::OS::VIG::Tool

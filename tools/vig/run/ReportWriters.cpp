@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <map>
 #include <string_view>
 #include <utility>
@@ -16,6 +17,7 @@
 #include "tools/vig/trace/ExplainText.h"
 #include "tools/vig/words/PriorityName.h"
 #include "tools/vig/words/Text.h"
+#include "tools/vig/words/Wrapped.h"
 
 namespace Brenta::OS::VIG::Tool {
 
@@ -26,7 +28,9 @@ constexpr std::string_view kCyan = "\x1b[36m";
 constexpr std::string_view kDim = "\x1b[2m";
 constexpr std::string_view kPlain;
 
-constexpr std::size_t kDetailColumn = 35;
+constexpr std::size_t kWhatColumn = 11;  // what belongs to a row stands below it from here on
+constexpr std::size_t kWhatWidth = 7;
+constexpr std::size_t kExplainColumn = 9;
 constexpr std::size_t kMostNames = 1000;  // of triggers that are counted apart
 constexpr std::size_t kMostNamesShown = 20;
 
@@ -34,29 +38,28 @@ std::string shown(const MachineName& machine) {
     return fmt::format("{} (id {})", machine.index, machine.configId);
 }
 
-// A log message may have several lines. None may look like a row of the report.
-std::string indented(std::string_view message) {
-    const std::vector<std::string> lines = printableLines(message);
-    std::string text = lines.front();
-    for (std::size_t i = 1; i < lines.size(); ++i) {
-        text += "\n" + std::string(kDetailColumn, ' ') + lines[i];
-    }
-    return text;
+bool tells(const ReportStyle& style, std::size_t machine) {
+    return style.selection == nullptr || style.selection->has(machine);
+}
+
+// What no machine logged is not of an event, and so not chosen among them.
+bool tells(const ReportStyle& style, const LogLine& line) {
+    return !line.machine || tells(style, *line.machine);
 }
 
 // It writes aligned lines for a person, with a summary at the end. Whatever comes from documents and events is shown
 // without what a terminal would act on.
 class TextReport final : public Report {
   public:
-    TextReport(Output& output, bool withColours) : output(output), coloured(withColours) {}
+    TextReport(Output& output, const ReportStyle& style) : output(output), style(style) {}
 
     void trigger(const TriggerLine& line) override {
-        row(line.event, "trigger", kBoldYellow, shown(line.machine), printable(line.name));
-        std::string metadata;
-        for (const std::string& entry : line.metadata) {
-            metadata += (metadata.empty() ? "" : "  ") + printable(entry);
+        if (tells(style, line.machine.index)) {
+            row(line.event, "trigger", kBoldYellow, shown(line.machine), {printable(line.name)});
+            for (const std::string& each : wrapped(joined(line.metadata, "  ", printable), kColumns - kWhatColumn, 0)) {
+                output.write(std::string(kWhatColumn, ' ') + inColour(kDim, each, style.coloured) + "\n");
+            }
         }
-        output.write(std::string(kDetailColumn, ' ') + inColour(kDim, metadata, coloured) + "\n");
         if (triggersByName.size() < kMostNames || triggersByName.contains(line.name)) {
             ++triggersByName[line.name];
         } else {
@@ -65,14 +68,21 @@ class TextReport final : public Report {
     }
 
     void log(const LogLine& line) override {
+        if (!tells(style, line) || (!line.machine && !style.verbose)) {
+            return;
+        }
         std::string_view message = line.message;
         message = message.substr(0, message.find_last_not_of('\n') + 1);
-        row(line.event, "log", line.priority >= ANDROID_LOG_ERROR ? kRed : kPlain, priorityName(line.priority),
-            printable(line.tag) + ": " + indented(message));
+        // A message may have several lines, and none may look like a row of the report.
+        std::vector<std::string> lines = printableLines(message);
+        lines.front() = printable(line.tag) + ": " + lines.front();
+        row(line.event, "log", line.priority >= ANDROID_LOG_ERROR ? kRed : kPlain, priorityName(line.priority), lines);
     }
 
     void move(const MoveLine& line) override {
-        row(line.event, "move", kCyan, shown(line.machine), shownName(line.from) + " -> " + shownName(line.to));
+        if (tells(style, line.machine.index)) {
+            row(line.event, "move", kCyan, shown(line.machine), {shownName(line.from) + " -> " + shownName(line.to)});
+        }
     }
 
     void delivery(const DeliveryLine& line) override {
@@ -84,17 +94,35 @@ class TextReport final : public Report {
     }
 
     void explain(const Step& step) override {
-        const std::vector<std::string> lines = explainLines(step);
-        row(step.event, "explain", kDim, shown(step.machine), lines.front());
+        const std::vector<std::string> lines = explanations.linesOf(step);
+        row(step.event, "explain", kDim, shown(step.machine), {lines.front()});
         for (std::size_t i = 1; i < lines.size(); ++i) {
-            output.write(std::string(kDetailColumn, ' ') + lines[i] + "\n");
+            output.write(std::string(kExplainColumn, ' ') + lines[i] + "\n");
+        }
+    }
+
+    void explained(std::uint64_t events, std::uint64_t of) override {
+        if (events == of) {
+            return;
+        }
+        const std::string what = events == 0
+                                     ? fmt::format("in none of {} events did a transition fire or come near", of)
+                                     : fmt::format(
+                                           "explained {} of {} events, in which a transition fired, or came nearer to "
+                                           "firing than before",
+                                           events, of);
+        output.write(headed ? "\n" : "");
+        headed = true;
+        for (const std::string& line : wrapped(what + "; --explain=all explains all", kColumns, 0)) {
+            output.write(line + "\n");
         }
     }
 
     void whyNot(const WhyNot& answer) override {
         output.write(headed ? "\nwhy not " : "why not ");
         headed = true;
-        for (const std::string& line : whyNotLines(answer)) {
+        ExplainText text(kColumns);
+        for (const std::string& line : text.linesOf(answer)) {
             output.write(line + "\n");
         }
     }
@@ -121,15 +149,38 @@ class TextReport final : public Report {
 
   private:
     void row(std::uint64_t event, std::string_view what, std::string_view colour, std::string_view who,
-             std::string_view detail) {
+             const std::vector<std::string>& details) {
         if (!std::exchange(headed, true)) {
-            output.write(
-                inColour(kDim, fmt::format("{:>9}  {:<7}  {:<14} {}", "event", "what", "who", "detail"), coloured) +
-                "\n");
+            output.write(inColour(kDim, fmt::format("{:>9}  {:<7}  {:<14} {}", "event", "what", "who", "detail"),
+                                  style.coloured) +
+                         "\n");
         }
-        output.write(fmt::format("{:>9}  {}  {:<14} {}\n", event,
-                                 inColour(colour, fmt::format("{:<7}", what), coloured), who,
-                                 inColour(colour == kBoldYellow ? kBoldYellow : kPlain, detail, coloured)));
+        const std::string start = fmt::format("{:>9}  ", event);
+        const std::string rest = fmt::format("  {:<14} ", who);
+        const std::size_t column = start.size() + kWhatWidth + rest.size();
+        std::vector<std::string> lines = allWrapped(details, kColumns - column);
+        const bool isTooLong =
+            std::ranges::any_of(lines, [&](const auto& each) { return column + charactersIn(each) > kColumns; });
+        std::string indent(column, ' ');
+        if (isTooLong) {
+            indent.resize(kWhatColumn);
+            lines = allWrapped(details, kColumns - kWhatColumn);
+            lines.insert(lines.begin(), "");
+        }
+        std::string before = start + inColour(colour, fmt::format("{:<{}}", what, kWhatWidth), style.coloured) + rest;
+        for (const std::string& each : lines) {
+            before.resize(each.empty() ? before.find_last_not_of(' ') + 1 : before.size());
+            output.write(before + inColour(colour == kBoldYellow ? kBoldYellow : kPlain, each, style.coloured) + "\n");
+            before = indent;
+        }
+    }
+
+    static std::vector<std::string> allWrapped(const std::vector<std::string>& lines, std::size_t columns) {
+        std::vector<std::string> all;
+        for (const std::string& each : lines) {
+            std::ranges::move(wrapped(each, columns, 0), std::back_inserter(all));
+        }
+        return all;
     }
 
     // The most frequent ones come first.
@@ -149,7 +200,8 @@ class TextReport final : public Report {
     }
 
     Output& output;
-    const bool coloured;
+    const ReportStyle style;
+    ExplainText explanations{kColumns - kExplainColumn};
     bool headed = false;
     std::map<std::string, std::uint64_t> triggersByName;  // bounded
     std::uint64_t otherTriggers = 0;
@@ -171,10 +223,13 @@ std::string jsonOf(const Summary::Sampling& sampling) {
 // last.
 class JsonlReport final : public Report {
   public:
-    JsonlReport(Output& output, const std::string& device)
-        : output(output), lastKey(device.empty() ? "" : R"(,"device":)" + quoted(device)) {}
+    JsonlReport(Output& output, const ReportStyle& style)
+        : output(output), style(style), lastKey(style.device.empty() ? "" : R"(,"device":)" + quoted(style.device)) {}
 
     void trigger(const TriggerLine& line) override {
+        if (!tells(style, line.machine.index)) {
+            return;
+        }
         writeLine(fmt::format(
             R"({{"type":"trigger","event":{},"machine":{},"config_id":{},"trigger_name":{},"process_name":{},)"
             R"("metadata":{}}})",
@@ -183,11 +238,17 @@ class JsonlReport final : public Report {
     }
 
     void log(const LogLine& line) override {
+        if (!tells(style, line)) {
+            return;
+        }
         writeLine(fmt::format(R"({{"type":"log","event":{},"priority":"{}","tag":{},"message":{}}})", line.event,
                               priorityName(line.priority), quoted(line.tag), quoted(line.message)));
     }
 
     void move(const MoveLine& line) override {
+        if (!tells(style, line.machine.index)) {
+            return;
+        }
         writeLine(fmt::format(R"({{"type":"move","event":{},"machine":{},"config_id":{},"from":{},"to":{}}})",
                               line.event, line.machine.index, line.machine.configId, quoted(line.from),
                               quoted(line.to)));
@@ -201,6 +262,8 @@ class JsonlReport final : public Report {
     }
 
     void explain(const Step& step) override { writeLine(explainJson(step)); }
+
+    void explained(std::uint64_t /*events*/, std::uint64_t /*of*/) override {}
 
     void whyNot(const WhyNot& answer) override { writeLine(whyNotJson(answer)); }
 
@@ -218,17 +281,18 @@ class JsonlReport final : public Report {
     }
 
     Output& output;
+    const ReportStyle style;
     const std::string lastKey;
 };
 
 }  // namespace
 
-std::unique_ptr<Report> reportOf(ReportFormat format, Output& output, bool coloured, const std::string& device) {
-    switch (format) {
+std::unique_ptr<Report> reportOf(const ReportStyle& style, Output& output) {
+    switch (style.format) {
         case ReportFormat::Text:
-            return std::make_unique<TextReport>(output, coloured);
+            return std::make_unique<TextReport>(output, style);
         case ReportFormat::Jsonl:
-            return std::make_unique<JsonlReport>(output, device);
+            return std::make_unique<JsonlReport>(output, style);
         case ReportFormat::Json:
         case ReportFormat::None:
             break;

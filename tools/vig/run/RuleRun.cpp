@@ -69,13 +69,9 @@ std::optional<std::string> readRules(const std::string& path, const Console& con
     return std::nullopt;
 }
 
-RuleRun::RuleRun(const MachineOptions& options, ReportFormat format, const Console& console,
+RuleRun::RuleRun(const MachineOptions& options, const ReportStyle& style, const Console& console,
                  const Interruption& interruption)
-    : options(options),
-      console(console),
-      interruption(interruption),
-      out(console.out),
-      report(reportOf(format, out, console.wantsColours(), "")) {}
+    : options(options), console(console), interruption(interruption), out(console.out), report(reportOf(style, out)) {}
 
 std::optional<int> RuleRun::load(RuleSession::Changes later) {
     AttributeSet context;
@@ -103,8 +99,13 @@ void RuleRun::complainAfterOutput(std::string_view line) {
 }
 
 int RuleRun::finish(int status, std::optional<Summary::Sampling> sampling) {
-    Summary summary = rules->machines().summary();
+    Summary summary = rules ? rules->machines().summary() : Summary{};
     summary.sampling = std::move(sampling);
+    if (!rules && summary.sampling) {
+        for (const auto& [type, count] : summary.sampling->eventsByType) {
+            summary.events += count;
+        }
+    }
     report->end(summary);
     return abandon(status);
 }
@@ -141,6 +142,10 @@ void addDraws(Verb& verb, Draws& draws, const std::string& moreOnDraws) {
 void addContext(Verb& verb, std::string& contextFile) {
     verb.name("--context", contextFile, "FILE",
               "A file with one event record: the attributes of every machine's context");
+}
+
+void addVerbose(Verb& verb, RuleOptions& options) {
+    verb.flag("--verbose", options.verbose, "Shows the library's own log lines as well");
 }
 
 void addSurroundings(Verb& verb, MachineOptions& options, const std::string& moreOnSeed) {

@@ -28,12 +28,14 @@ struct MachineOptions {
 // The verbs that report what machines do have these in common.
 struct RuleOptions : MachineOptions {
     ReportFormat format = ReportFormat::Text;
+    bool verbose = false;  // people see the library's own log lines
 };
 
 // Adds what verbs take that let rules run. The options must outlive the command line.
 void addRules(Verb& verb, MachineOptions& options);
 void addDraws(Verb& verb, Draws& draws, const std::string& moreOnDraws);
 void addContext(Verb& verb, std::string& contextFile);
+void addVerbose(Verb& verb, RuleOptions& options);
 void addSurroundings(Verb& verb, MachineOptions& options, const std::string& moreOnSeed);
 
 // Reads the attributes of the one record in the file; there are none if no file is named. If it cannot be read, says
@@ -50,7 +52,7 @@ std::optional<std::string> readRules(const std::string& path, const Console& con
 // It is one run of a verb from the loading of the rules to the exit status, its report on the console.
 class RuleRun {
   public:
-    RuleRun(const MachineOptions& options, ReportFormat format, const Console& console,
+    RuleRun(const MachineOptions& options, const ReportStyle& style, const Console& console,
             const Interruption& interruption);
     RuleRun(const RuleRun&) = delete;
     RuleRun& operator=(const RuleRun&) = delete;
@@ -73,8 +75,8 @@ class RuleRun {
     // Says what is wrong after all that has been reported.
     void complainAfterOutput(std::string_view line);
 
-    // Reports the end and returns the exit status: `status` unless the output could not be written. That its reader
-    // has gone changes nothing.
+    // Reports the end, also of a run that has loaded no rules, and returns the exit status: `status` unless the output
+    // could not be written. That its reader has gone changes nothing.
     int finish(int status, std::optional<Summary::Sampling> sampling);
 
     // Does the same without the end, for a run that came to none. If the rules were refused, says why.

@@ -1,11 +1,16 @@
 #include "tools/vig/run/RunCommand.h"
 
+#include <cstddef>
+#include <cstdint>
 #include <optional>
+#include <vector>
 
 #include "tools/vig/run/Replay.h"
+#include "tools/vig/trace/Highlights.h"
 #include "tools/vig/trace/Report.h"
+#include "tools/vig/trace/Tally.h"
 #include "tools/vig/trace/Trace.h"
-#include "tools/vig/trace/WhyNot.h"
+#include "tools/vig/trace/TransitionNames.h"
 
 namespace Brenta::OS::VIG::Tool {
 
@@ -14,47 +19,76 @@ namespace {
 // Reports what the machines decide, as far as the options ask for it.
 class Explanations final : public Trace {
   public:
-    Explanations(const RunOptions& options, Report& report) : report(report), withSteps(options.explain) {
-        if (!options.whyNot.empty()) {
-            whyNot.emplace(options.whyNot);
-        }
-    }
+    Explanations(const RunOptions& options, Selection& selection, Report& report)
+        : options(options), selection(selection), report(report) {}
 
-    std::string problem() const { return whyNot ? whyNot->problem() : std::string(); }
+    // Says what is wrong with the names that the options use, in lines; nothing if they are right.
+    const std::vector<std::string>& problem() const { return unknown; }
 
-    void loaded(const DocumentModel& document) override {
-        if (whyNot) {
-            whyNot->loaded(document);
+    void loaded(const DocumentModel& loaded) override {
+        document = &loaded;
+        tally.loaded(loaded);
+        unknown = selection.loaded(loaded);
+        if (unknown.empty() && options.whyNot && !options.whyNot->empty()) {
+            asked = transitionsCalled(*options.whyNot, loaded, selection.machine());
+            if (asked.empty()) {
+                unknown = unknownTransition(*options.whyNot, loaded, selection.machine());
+            }
         }
     }
 
     void step(const Step& step) override {
-        if (withSteps) {
-            report.explain(step);
+        const bool isHighlight = highlights.has(step);
+        if (!selection.has(step.machine.index)) {
+            tally.pass(step);
+            return;
         }
-        if (whyNot) {
-            whyNot->step(step);
+        tally.step(step);
+        const bool tellsAll = options.explain == Explain::All || options.format != ReportFormat::Text;
+        if (options.explain != Explain::Nothing && (isHighlight || tellsAll)) {
+            report.explain(step);
+            explainedEvents += step.event != latestExplained ? 1 : 0;
+            latestExplained = step.event;
         }
     }
 
     void end() {
-        if (whyNot) {
-            report.whyNot(*whyNot);
+        if (options.explain == Explain::Highlights) {
+            report.explained(explainedEvents, selection.count());
+        }
+        if (!options.whyNot) {
+            return;
+        }
+        if (options.whyNot->empty()) {
+            asked = allTransitions(*document, selection.machine());
+            std::erase_if(asked, [this](const TransitionPlace& place) { return tally.hasFired(place); });
+        }
+        for (const TransitionPlace& place : asked) {
+            report.whyNot(tally.whyNot(place));
         }
     }
 
   private:
+    const RunOptions& options;
+    Selection& selection;
     Report& report;
-    const bool withSteps;
-    std::optional<WhyNot> whyNot;
+    const DocumentModel* document = nullptr;
+    std::vector<std::string> unknown;
+    std::vector<TransitionPlace> asked;
+    Tally tally;
+    Highlights highlights;
+    std::uint64_t explainedEvents = 0;  // but for the start
+    std::uint64_t latestExplained = 0;
 };
 
 }  // namespace
 
 int run(const RunOptions& options, const Console& console, const Interruption& interruption) {
-    RuleRun rules(options, options.format, console, interruption);
-    Explanations explanations(options, rules.reporter());
-    if (options.explain || !options.whyNot.empty()) {
+    Selection selection(options.selection);
+    RuleRun rules(options, {options.format, console.wantsColours(), "", options.verbose, &selection}, console,
+                  interruption);
+    Explanations explanations(options, selection, rules.reporter());
+    if (options.explain != Explain::Nothing || options.whyNot || options.selection.isAny()) {
         rules.observe(explanations);
     }
     Replay replay(options.events, console, interruption);
@@ -65,18 +99,28 @@ int run(const RunOptions& options, const Console& console, const Interruption& i
     if (const auto status = rules.load(RuleSession::Changes::Ignore)) {
         return rules.abandon(*status);
     }
-    rules.session().start();
-    if (const std::string problem = explanations.problem(); !problem.empty()) {
-        rules.complainAfterOutput(options.rules + ": error: " + problem);
+    if (!explanations.problem().empty()) {
+        rules.complainAfterOutput(options.rules + ": error: " + explanations.problem().front());
+        for (std::size_t i = 1; i < explanations.problem().size(); ++i) {
+            console.say(explanations.problem()[i]);
+        }
         return kExitUnusable;
     }
-    replay.play([&machines = rules.session().machines()](const EventRecord& record) { machines.offer(record); },
-                rules.output(), console.err);
+    rules.session().start();
+    replay.play(
+        [&machines = rules.session().machines(), &selection](const EventRecord& record) {
+            selection.next(record);
+            machines.offer(record);
+        },
+        rules.output(), console.err);
     if (!replay.problem().empty()) {
         rules.complainAfterOutput(replay.problem());
         return kExitUnusable;
     }
     explanations.end();
+    if (const std::string note = selection.note(); !note.empty()) {
+        rules.complainAfterOutput("vig: note: " + note);
+    }
     return rules.finish(interruption.requested() ? kExitInterrupted : kExitDone, std::nullopt);
 }
 

@@ -1,16 +1,18 @@
 #include "tools/vig/test/TestRun.h"
 
 #include <algorithm>
-#include <memory>
+#include <cstddef>
 #include <string_view>
 
 #include "tools/vig/trace/ExplainText.h"
-#include "tools/vig/trace/WhyNot.h"
+#include "tools/vig/trace/Tally.h"
+#include "tools/vig/words/Wrapped.h"
 
 namespace Brenta::OS::VIG::Tool {
 
 namespace {
 
+constexpr std::size_t kIndent = 8;  // of what a failed test shows, and of an explanation there
 constexpr std::size_t kMostAnswers = 3;
 constexpr std::size_t kMostLines = 100;  // a cycle of EnteringState transitions makes a thousand steps
 
@@ -21,37 +23,34 @@ class Explainer final : public Trace {
     explicit Explainer(const Divergence& what) : divergence(what) {}
 
     void loaded(const DocumentModel& document) override {
-        for (const ConfigModel& config : document.configs) {
-            if (divergence.config.value_or(config.id) != config.id) {
-                continue;
-            }
-            for (const TransitionModel& transition : config.transitions) {
-                if (answers.size() < kMostAnswers && isConcerned(transition)) {
-                    answers.push_back(std::make_unique<WhyNot>(transition.place.path));
-                    answers.back()->loaded(document);
+        tally.loaded(document);
+        for (std::size_t machine = 0; machine < document.configs.size(); ++machine) {
+            const ConfigModel& config = document.configs[machine];
+            for (std::size_t index = 0; index < config.transitions.size(); ++index) {
+                const bool isAsked = divergence.config.value_or(config.id) == config.id;
+                if (isAsked && asked.size() < kMostAnswers && isConcerned(config.transitions[index])) {
+                    asked.push_back({machine, index});
                 }
             }
         }
     }
 
     void step(const Step& step) override {
-        const bool asked = divergence.kind == Divergence::Kind::Event && step.event == divergence.event &&
-                           divergence.machine.value_or(step.machine.index) == step.machine.index;
-        if (asked && !step.attempts.empty()) {
-            add("event " + std::to_string(step.event) + ": ", explainLines(step));
+        const bool isAsked = divergence.kind == Divergence::Kind::Event && step.event == divergence.event &&
+                             divergence.machine.value_or(step.machine.index) == step.machine.index;
+        if (isAsked && !step.attempts.empty()) {
+            add("event " + std::to_string(step.event) + ": ", text.linesOf(step));
         }
-        for (const auto& answer : answers) {
-            answer->step(step);
-        }
+        tally.step(step);
     }
 
     // REQUIRES: the session still lives.
     std::vector<std::string> explanation() {
-        for (const auto& answer : answers) {
-            add("why not ", whyNotLines(*answer));
+        for (const TransitionPlace& place : asked) {
+            add("why not ", text.linesOf(tally.whyNot(place)));
         }
         if (linesLeftOut > 0) {
-            lines.push_back("  and " + std::to_string(linesLeftOut) + " more lines, which vig run --explain has");
+            lines.push_back("  and " + std::to_string(linesLeftOut) + " more lines, which vig run --explain=all has");
         }
         return std::move(lines);
     }
@@ -86,7 +85,9 @@ class Explainer final : public Trace {
     }
 
     const Divergence& divergence;
-    std::vector<std::unique_ptr<WhyNot>> answers;
+    std::vector<TransitionPlace> asked;
+    Tally tally;
+    ExplainText text{kColumns - kIndent};
     std::vector<std::string> lines;
     std::size_t linesLeftOut = 0;
 };

@@ -5,13 +5,23 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <iterator>
+#include <string_view>
 
 #include "tools/vig/events/EventNames.h"
+#include "tools/vig/trace/TransitionNames.h"
 #include "tools/vig/words/Text.h"
+#include "tools/vig/words/Wrapped.h"
 
 namespace Brenta::OS::VIG::Tool {
 
 namespace {
+
+// Below the root stand the transitions, with their filters below them.
+constexpr std::string_view kIndent = "  ";
+constexpr std::size_t kFilterIndent = 4;
+constexpr std::size_t kConditionIndent = kFilterIndent + 6;  // behind "yes", "no" or "runs"
+constexpr std::size_t kGap = 2;
 
 std::string shown(const ComparedValue& compared) {
     if (std::holds_alternative<std::monostate>(compared.value)) {
@@ -32,36 +42,45 @@ std::string shown(const FilterModel& filter, const ComparedValue& left, const Co
     return shown(left) + " " + std::string(kFilterOperatorTable.lookup(filter.op)) + " " + shown(right);
 }
 
-void addAttempt(std::vector<std::string>& lines, const Attempt& attempt) {
-    const TransitionModel& transition = *attempt.transition;
-    const std::string outcome = attempt.fired ? "fires"
-                                              : fmt::format("stopped by filter {} of {}", attempt.comparisons.size(),
-                                                            transition.filters.size());
-    lines.push_back(fmt::format("  {} -> {}: {}", transition.place.path, shownName(transition.to), outcome));
-    std::size_t width = 0;
-    for (const Comparison& each : attempt.comparisons) {
-        width = std::max(width, printable(shownCondition(*each.filter)).size());
-    }
-    for (const Comparison& each : attempt.comparisons) {
-        lines.push_back(fmt::format("    {:<4}  {:<{}}  {}", each.verdict ? "yes" : "no",
-                                    printable(shownCondition(*each.filter)), width,
-                                    shown(*each.filter, each.left, each.right)));
-    }
-    if (attempt.fired) {
-        for (const ActionModel& action : transition.actions) {
-            lines.push_back("    runs  " + shownName(action.name));
-        }
-    }
-}
-
-std::string nearestText(const FilterModel& filter, const WhyNot::NearestMiss& miss) {
+std::string shown(const FilterModel& filter, const WhyNot::NearestMiss& miss) {
     // All digits of a double hide what it is: 0.1, not 0.09999999999999787.
     const bool isInteger = std::holds_alternative<std::int64_t>(miss.left.value);
     const std::string distance =
         isInteger ? fmt::format("{:.0f}", miss.distance) : fmt::format("{:.10g}", miss.distance);
     const std::string time = miss.timeMs ? fmt::format(" at {} ms", *miss.timeMs) : "";
-    return fmt::format(", at the nearest {} (off by {}) in event {}{}", shown(filter, miss.left, miss.right), distance,
-                       miss.event, time);
+    return fmt::format("{} (off by {}) in event {}{}", shown(filter, miss.left, miss.right), distance, miss.event,
+                       time);
+}
+
+// Names the transitions that stand beside the one that is told of.
+std::string moveOf(const TransitionModel& transition) {
+    return fmt::format("{} {} -> {}", lastPartOf(transition), shownName(transition.from), shownName(transition.to));
+}
+
+// Says why a transition was never tried though the machine was in its state.
+std::string untriedText(const WhyNot& answer) {
+    const TransitionModel& transition = *answer.transition;
+    if (answer.earlier.empty()) {
+        return fmt::format("no {} came while the machine was in state {}", nameOf(transition.event),
+                           shownName(transition.from));
+    }
+    return joined(answer.earlier, " or ", [](const TransitionModel* each) { return moveOf(*each); }) +
+           " fired each time before it";
+}
+
+// Says of a transition that never fired how far it came at best: of the filters, the last one that stopped it.
+std::string stoppedText(const WhyNot& answer) {
+    if (answer.tried == 0) {
+        return untriedText(answer);
+    }
+    std::size_t last = answer.stops.size();
+    while (last > 1 && answer.stops[last - 1].count == 0) {
+        --last;
+    }
+    const FilterModel& filter = answer.transition->filters[last - 1];
+    const auto& nearest = answer.stops[last - 1].nearest;
+    return fmt::format("stopped by filter {} of {}, {}{}", last, answer.stops.size(), printable(shownCondition(filter)),
+                       nearest ? ", nearest " + shown(filter, *nearest) : "");
 }
 
 std::string json(const ComparedValue& compared) {
@@ -100,8 +119,64 @@ std::string json(const WhyNot::NearestMiss& miss) {
 
 }  // namespace
 
-std::vector<std::string> explainLines(const Step& step) {
-    std::vector<std::string> lines = {fmt::format("{} in state {}", nameOf(step.type), shownName(step.state))};
+std::string ExplainText::nameOf(const TransitionModel& transition) {
+    const bool isNew = named.insert(transition.place.path).second;
+    return isNew ? transition.place.path : std::string(lastPartOf(transition));
+}
+
+void ExplainText::addWrapped(std::vector<std::string>& lines, const std::string& line, std::size_t hanging) const {
+    std::ranges::move(wrapped(line, columns, hanging), std::back_inserter(lines));
+}
+
+void ExplainText::addAttempt(std::vector<std::string>& lines, const Attempt& attempt) {
+    const TransitionModel& transition = *attempt.transition;
+    const std::string outcome = attempt.fired ? "fires"
+                                              : fmt::format("stopped by filter {} of {}", attempt.comparisons.size(),
+                                                            transition.filters.size());
+    const std::string name = nameOf(transition);
+    const std::string rest = fmt::format("-> {}: {}", shownName(transition.to), outcome);
+    if (kIndent.size() + charactersIn(name) + 1 + charactersIn(rest) <= columns) {
+        lines.push_back(fmt::format("{}{} {}", kIndent, name, rest));
+    } else {
+        lines.push_back(fmt::format("{}{}", kIndent, name));
+        addWrapped(lines, fmt::format("{}{}", kIndent, rest), kFilterIndent);
+    }
+    // Where a condition and its values do not fit in one line, the others stand in columns without them.
+    std::size_t width = 0;
+    for (const Comparison& each : attempt.comparisons) {
+        const std::size_t condition = charactersIn(printable(shownCondition(*each.filter)));
+        const std::size_t values = charactersIn(shown(*each.filter, each.left, each.right));
+        if (kConditionIndent + condition + kGap + values <= columns) {
+            width = std::max(width, condition);
+        }
+    }
+    for (const Comparison& each : attempt.comparisons) {
+        addComparison(lines, each, width);
+    }
+    if (attempt.fired) {
+        for (const ActionModel& action : transition.actions) {
+            lines.push_back(fmt::format("{:{}}runs  {}", "", kFilterIndent, shownName(action.name)));
+        }
+    }
+}
+
+void ExplainText::addComparison(std::vector<std::string>& lines, const Comparison& comparison,
+                                std::size_t width) const {
+    const std::string condition = printable(shownCondition(*comparison.filter));
+    const std::string values = shown(*comparison.filter, comparison.left, comparison.right);
+    const std::string line =
+        fmt::format("{:{}}{:<4}  {}", "", kFilterIndent, comparison.verdict ? "yes" : "no", condition);
+    const std::size_t column = kConditionIndent + std::max(width, charactersIn(condition)) + kGap;
+    if (column + charactersIn(values) <= columns) {
+        lines.push_back(line + std::string(column - charactersIn(line), ' ') + values);
+        return;
+    }
+    addWrapped(lines, line, kConditionIndent);
+    addWrapped(lines, std::string(kConditionIndent + kGap, ' ') + values, kConditionIndent + kGap);
+}
+
+std::vector<std::string> ExplainText::linesOf(const Step& step) {
+    std::vector<std::string> lines = {fmt::format("{} in state {}", Tool::nameOf(step.type), shownName(step.state))};
     if (step.attempts.empty()) {
         lines[0] += ": no transition listens";
     }
@@ -111,14 +186,15 @@ std::vector<std::string> explainLines(const Step& step) {
     return lines;
 }
 
-std::vector<std::string> whyNotLines(const WhyNot& answer) {
+std::vector<std::string> ExplainText::linesOf(const WhyNot& answer) {
+    constexpr std::size_t kHanging = 12;
     const TransitionModel& transition = *answer.transition;
-    std::vector<std::string> lines = {fmt::format("{} ({} -> {} on {})", transition.place.path,
-                                                  shownName(transition.from), shownName(transition.to),
-                                                  nameOf(transition.event))};
+    std::vector<std::string> lines = {nameOf(transition)};
+    lines.push_back(fmt::format("  {} -> {} on {}", shownName(transition.from), shownName(transition.to),
+                                Tool::nameOf(transition.event)));
     const auto add = [&](std::uint64_t count, const std::string& what) {
         if (count > 0) {
-            lines.push_back(fmt::format("{:>9} {}", count, what));
+            addWrapped(lines, fmt::format("{:>9} {}", count, what), kHanging + 2);
         }
     };
     lines.push_back(fmt::format("{:>9} event{}", answer.events, answer.events == 1 ? "" : "s"));
@@ -130,14 +206,42 @@ std::vector<std::string> whyNotLines(const WhyNot& answer) {
     lines.push_back(fmt::format("{:>9}   for which it was tried", answer.tried));
     for (std::size_t i = 0; i < transition.filters.size(); ++i) {
         const WhyNot::Stops& stops = answer.stops[i];
-        std::string what = "    stopped by " + printable(shownCondition(transition.filters[i]));
+        add(stops.count, "    stopped by " + printable(shownCondition(transition.filters[i])));
         if (stops.nearest) {
-            what += nearestText(transition.filters[i], *stops.nearest);
+            addWrapped(lines,
+                       fmt::format("{:{}}nearest {}", "", kHanging + 4, shown(transition.filters[i], *stops.nearest)),
+                       kHanging + 6);
         }
-        add(stops.count, what);
     }
     lines.push_back(fmt::format("{:>9}     fired", answer.fired));
+    addUpstream(lines, answer);
     return lines;
+}
+
+// Says what kept the transition from being tried at all.
+void ExplainText::addUpstream(std::vector<std::string>& lines, const WhyNot& answer) const {
+    constexpr std::size_t kMostShown = 3;
+    if (answer.tried > 0) {
+        return;
+    }
+    if (answer.wasInState) {
+        addWrapped(lines, "  never tried: " + untriedText(answer), kFilterIndent);
+        return;
+    }
+    const std::string state = shownName(answer.transition->from);
+    if (answer.upstream.empty()) {
+        addWrapped(lines, "  never tried: no transition leads the machine to state " + state, kFilterIndent);
+        return;
+    }
+    addWrapped(lines, "  never tried: the machine never was in state " + state + ", since on the way there",
+               kFilterIndent);
+    for (std::size_t i = 0; i < std::min(kMostShown, answer.upstream.size()); ++i) {
+        const WhyNot& each = answer.upstream[i];
+        addWrapped(lines, fmt::format("    {} never fired: {}", moveOf(*each.transition), stoppedText(each)), 6);
+    }
+    if (answer.upstream.size() > kMostShown) {
+        lines.push_back(fmt::format("    and {} more never fired", answer.upstream.size() - kMostShown));
+    }
 }
 
 std::string explainJson(const Step& step) {
@@ -161,11 +265,12 @@ std::string whyNotJson(const WhyNot& answer) {
     return fmt::format(
         R"({{"type":"why_not","path":{},"machine":{},"config_id":{},"from":{},"to":{},"event_type":"{}",)"
         R"("events":{},"other_types":{},"other_states":{},"earlier_fired":{},"tried":{},"fired":{},)"
-        R"("filters":{}}})",
+        R"("filters":{},"upstream":{}}})",
         quoted(transition.place.path), answer.machine, answer.config->id, quoted(transition.from),
         quoted(transition.to), nameOf(transition.event), answer.events, answer.otherTypes,
         jsonArray(answer.otherStates, stateJson), answer.earlierFired, answer.tried, answer.fired,
-        jsonArray(answer.stops, filterJson));
+        jsonArray(answer.stops, filterJson),
+        jsonArray(answer.upstream, [](const WhyNot& each) { return whyNotJson(each); }));
 }
 
 }  // namespace Brenta::OS::VIG::Tool

@@ -13,7 +13,7 @@
 namespace Brenta::OS::VIG::Tool {
 
 struct Step;
-class WhyNot;
+struct WhyNot;
 
 // Names a machine by its place in the document and the id of its configuration.
 struct MachineName {
@@ -37,6 +37,7 @@ struct LogLine {
     int priority;  // one of android_LogPriority
     std::string_view tag;
     std::string_view message;
+    std::optional<std::size_t> machine = {};  // by its place, if one was at work: the others are the library's own
 };
 
 struct MoveLine {
@@ -83,6 +84,10 @@ class Report {
     virtual void move(const MoveLine& line) = 0;
     virtual void delivery(const DeliveryLine& line) = 0;
     virtual void explain(const Step& step) = 0;
+
+    // Tells after them of how many events steps were explained, of how many that were chosen.
+    virtual void explained(std::uint64_t events, std::uint64_t of) = 0;
+
     virtual void whyNot(const WhyNot& answer) = 0;
     virtual void end(const Summary& summary) = 0;
 };
@@ -95,6 +100,7 @@ class NoReport : public Report {
     void move(const MoveLine& /*line*/) override {}
     void delivery(const DeliveryLine& /*line*/) override {}
     void explain(const Step& /*step*/) override {}
+    void explained(std::uint64_t /*events*/, std::uint64_t /*of*/) override {}
     void whyNot(const WhyNot& /*answer*/) override {}
     void end(const Summary& /*summary*/) override {}
 };

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <optional>
@@ -10,9 +11,8 @@
 
 namespace Brenta::OS::VIG::Tool {
 
-// Counts over a whole run what became of one transition, and what kept it from firing.
-class WhyNot final : public Trace {
-  public:
+// It says what became of one transition over a whole run, and what kept it from firing. It refers to the document.
+struct WhyNot {
     // It is the comparison of numbers that came nearest to being true.
     struct NearestMiss {
         double distance;  // by which one side would have to change; 0 if the sides are equal doubles and may not be
@@ -27,33 +27,26 @@ class WhyNot final : public Trace {
         std::optional<NearestMiss> nearest;
     };
 
-    // `transitionPath` is a JSON path such as "configs[0].payload.data.transitions[1]".
-    explicit WhyNot(std::string transitionPath) : path(std::move(transitionPath)) {}
-
-    // Says what is wrong if the document that was loaded has no such transition, with those that it has; else empty.
-    const std::string& problem() const { return unknown; }
-
-    void loaded(const DocumentModel& document) override;
-    void step(const Step& step) override;
-
-    // These are the answer, once a document was loaded and if there is no problem.
-    const TransitionModel* transition = nullptr;
-    const ConfigModel* config = nullptr;
-    std::size_t machine = 0;
+    const TransitionModel* transition;
+    const ConfigModel* config;
+    std::size_t machine;
     std::uint64_t events = 0;      // offered to the machine, and raised by it where the transition listens for them
     std::uint64_t otherTypes = 0;  // for which the transition does not listen
-    std::map<std::string, std::uint64_t> otherStates;  // in which an event of its type met the machine
-    std::uint64_t earlierFired = 0;                    // before it was tried
+    std::map<std::string, std::uint64_t> otherStates = {};  // in which an event of its type met the machine
+    std::uint64_t earlierFired = 0;                         // before it was tried
     std::uint64_t tried = 0;
-    std::vector<Stops> stops;  // by the index of the filter
+    std::vector<Stops> stops = {};  // by the index of the filter
     std::uint64_t fired = 0;
+    bool wasInState = true;  // the machine was once in the state that the transition leaves
 
-  private:
-    void count(const Step& step, const Attempt& attempt);
+    // If it was not: the transitions on the ways there at which the machine got stuck; none if there is no way.
+    std::vector<WhyNot> upstream = {};
 
-    const std::string path;
-    std::string unknown;
-    std::size_t index = 0;  // of the transition
+    // If another one fired each time before it was tried: these.
+    std::vector<const TransitionModel*> earlier = {};
 };
+
+// Returns how far a comparison that is false is from being true; empty if it has no distance.
+std::optional<double> missOf(const Comparison& comparison);
 
 }  // namespace Brenta::OS::VIG::Tool

@@ -41,7 +41,7 @@ int tune(const TuneOptions& options, const Console& console, const Interruption&
     if (std::ranges::count(options.devices, "-") > 0) {
         return refuseArguments(console, "recordings are read more than once: standard input cannot be", "tune");
     }
-    RuleRun rules(options, ReportFormat::None, console, interruption);
+    RuleRun rules(options, {ReportFormat::None, false}, console, interruption);
     if (const auto status = rules.load(RuleSession::Changes::Ignore)) {
         const int reported = rules.abandon(*status);
         return reported == kExitRefused ? kExitUnusable : reported;

@@ -57,12 +57,13 @@ timespec untilThen(Clock::time_point deadline) {
 
 class Watch {
   public:
-    // `recordOutput` is null if nothing is recorded.
+    // `rules` have loaded some, unless none are named. `recordOutput` is null if nothing is recorded.
     Watch(const WatchOptions& options, const Console& console, const Interruption& interruption, RuleRun& rules,
           Output* recordOutput)
         : options(options),
           interruption(interruption),
           ruleRun(rules),
+          session(options.rules.empty() ? nullptr : &rules.session()),
           record(recordOutput),
           findings(console, interruption),
           sampler(
@@ -70,7 +71,9 @@ class Watch {
               [this](std::string_view note) { ruleRun.complainAfterOutput("vig: note: " + std::string(note)); }) {}
 
     int run() {
-        tellFindings();
+        if (session != nullptr) {
+            tellFindings();
+        }
         const Clock::time_point start = Clock::now();
         const Clock::time_point end = start + options.duration;
         Clock::time_point next = start;
@@ -95,7 +98,9 @@ class Watch {
             if (record != nullptr) {
                 writeEvent(*record, event);
             }
-            ruleRun.session().machines().offer(event);
+            if (session != nullptr) {
+                session->machines().offer(event);
+            }
         });
         if (record != nullptr) {
             record->flush();
@@ -105,7 +110,8 @@ class Watch {
 
     // Follows the document meanwhile. Returns false if the watch is to end.
     bool waitUntil(Clock::time_point deadline) {
-        pollfd sources[] = {{interruption.descriptor(), POLLIN, 0}, {ruleRun.session().changesDescriptor(), POLLIN, 0}};
+        const int changes = session != nullptr ? session->changesDescriptor() : -1;  // which is then left out
+        pollfd sources[] = {{interruption.descriptor(), POLLIN, 0}, {changes, POLLIN, 0}};
         while (!mustStop()) {
             const timespec left = untilThen(deadline);
             if (ppoll(sources, 2, &left, nullptr) == 0) {
@@ -117,25 +123,24 @@ class Watch {
     }
 
     void followDocument() {
-        RuleSession& session = ruleRun.session();
-        if (session.update()) {
+        if (session != nullptr && session->update()) {
             tellFindings();
-            if (!session.problem().empty()) {
+            if (!session->problem().empty()) {
                 ruleRun.complainAfterOutput(options.rules +
-                                            ": error: " + (session.refused() ? "refused" : session.problem()) +
+                                            ": error: " + (session->refused() ? "refused" : session->problem()) +
                                             "; no rules run until it is mended");
             }
         }
         ruleRun.output().flush();
     }
 
+    // REQUIRES: there are rules.
     void tellFindings() {
-        RuleSession& session = ruleRun.session();
         ruleRun.output().flush();
-        if (session.refused()) {
-            findings.tell(*session.refused());
-        } else if (session.problem().empty()) {
-            findings.tell(session.document().text);
+        if (session->refused()) {
+            findings.tell(*session->refused());
+        } else if (session->problem().empty()) {
+            findings.tell(session->document().text);
         }
     }
 
@@ -147,6 +152,7 @@ class Watch {
     const WatchOptions& options;
     const Interruption& interruption;
     RuleRun& ruleRun;
+    RuleSession* const session;  // null without rules
     Output* const record;
     DeliveredFindings findings;
     SystemSampler sampler;
@@ -161,11 +167,20 @@ int watch(const WatchOptions& options, const Console& console, const Interruptio
         console.complain(options.recordFile + ": it is an input of this very run");
         return kExitUnusable;
     }
-    RuleRun ruleRun(options, options.format, console, interruption);
-    if (const auto status = ruleRun.load(RuleSession::Changes::Follow)) {
-        return ruleRun.abandon(*status);
+    if (options.rules.empty() && !recording) {
+        return refuseArguments(console, "RULES is required, or --record FILE to record without rules", "watch");
     }
-    ruleRun.session().start();
+    const bool hasSurroundings = !options.contextFile.empty() || !options.draws.numbers.empty();
+    if (options.rules.empty() && hasSurroundings) {
+        return refuseArguments(console, "--context and --draw are for rules: name a rule document", "watch");
+    }
+    RuleRun ruleRun(options, {options.format, console.wantsColours(), "", options.verbose}, console, interruption);
+    if (!options.rules.empty()) {
+        if (const auto status = ruleRun.load(RuleSession::Changes::Follow)) {
+            return ruleRun.abandon(*status);
+        }
+        ruleRun.session().start();
+    }
     // The file is opened only when the rules are known to run: the earlier recording may be all that there is, and a
     // new file would have to be taken away again, which by its name can be another one by then.
     const Descriptor file(recording ? openRecord(options) : -1);
@@ -185,14 +200,17 @@ constexpr const char* kHelp =
 ZramHeartBeat of each zram device, which is swap that is compressed in memory. A change of RULES is delivered
 meanwhile; Ctrl-C ends with the summary.
 
-Example: watch for ten seconds, then play the recording to rules that were changed:
+Example: record this machine for a minute, to see what there is to write rules for:
+  vig watch --record trace.jsonl --duration 1m
+Watch for ten seconds, then play the recording to rules that were changed:
   vig watch rules.json --duration 10s --record trace.jsonl
   vig run changed.json trace.jsonl)";
 
 void addWatch(CommandLine& commandLine, WatchOptions& options) {
     Verb verb = commandLine.addVerb("watch", "Observes this machine, and shows what the rules do with its events.",
                                     kHelp, watch, options);
-    addRules(verb, options);
+    verb.argument("RULES", options.rules, Verb::Need::Optional,
+                  "The rule document; without one, --record records only");
     verb.choice("--format", options.format, {{"text", ReportFormat::Text}, {"jsonl", ReportFormat::Jsonl}},
                 "text for people, jsonl for programs");
     addSurroundings(verb, options, "");
@@ -201,6 +219,7 @@ void addWatch(CommandLine& commandLine, WatchOptions& options) {
     verb.duration("--duration", options.duration, std::chrono::milliseconds(0),
                   "The time after which to stop (default: 30s)");
     verb.name("--record", options.recordFile, "FILE", "Writes the events there, as records that `vig run` reads");
+    addVerbose(verb, options);
     verb.flag("--force", options.overwrite, "Lets --record overwrite a file");
 }
 

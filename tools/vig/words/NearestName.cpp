@@ -48,6 +48,11 @@ std::string suggestion(std::string_view given, std::span<const std::string_view>
     return "; did you mean " + quoted(*nearest) + "?";
 }
 
+std::string beforeList(std::string_view given, std::span<const std::string_view> names) {
+    const std::string near = suggestion(given, names);
+    return names.empty() ? "; there are none" : near.empty() ? "; there are:" : near + " There are:";
+}
+
 std::string choices(std::string_view given, std::span<const std::string_view> names) {
     if (names.empty()) {
         return "; there are none";

@@ -12,4 +12,7 @@ std::string suggestion(std::string_view given, std::span<const std::string_view>
 // Returns the same, and `; there are …` with the first few names.
 std::string choices(std::string_view given, std::span<const std::string_view> names);
 
+// Returns the suggestion, and a beginning of the list of the names, which then stand in a line each.
+std::string beforeList(std::string_view given, std::span<const std::string_view> names);
+
 }  // namespace Brenta::OS::VIG::Tool

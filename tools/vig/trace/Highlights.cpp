@@ -1,0 +1,40 @@
+#include "tools/vig/trace/Highlights.h"
+
+#include "tools/vig/trace/WhyNot.h"
+
+namespace Brenta::OS::VIG::Tool {
+
+bool Highlights::has(const Step& step) {
+    OfMachine& machine = machines[step.machine.index];
+    if (step.fired()) {
+        const TransitionModel& fired = *step.attempts.back().transition;
+        if (fired.from != fired.to) {
+            machine.nearest.clear();
+        }
+        machine.moving = step.event;
+        return true;
+    }
+    bool isNearer = false;
+    for (const Attempt& attempt : step.attempts) {
+        isNearer = comesNearer(attempt, machine) || isNearer;
+    }
+    return isNearer || (step.raised && machine.moving == step.event);
+}
+
+bool Highlights::comesNearer(const Attempt& attempt, OfMachine& machine) {
+    const Nearest now{attempt.comparisons.size() - 1, missOf(attempt.comparisons.back())};
+    if (now.held == 0 && !now.distance) {
+        return false;
+    }
+    const auto [found, isFirst] = machine.nearest.try_emplace(attempt.index, now);
+    Nearest& before = found->second;
+    const bool isNearer =
+        isFirst || now.held > before.held ||
+        (now.held == before.held && now.distance && (!before.distance || 2 * *now.distance < *before.distance));
+    if (isNearer) {
+        before = now;
+    }
+    return isNearer;
+}
+
+}  // namespace Brenta::OS::VIG::Tool
