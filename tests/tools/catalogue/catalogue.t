@@ -66,5 +66,5 @@ Those that cannot be read, or say something else.
   broken:1:26: error: events.Test: unknown key "int"; did you mean "int64"?
   broken:1:21: error: context.int64: expected an array, got a string
   broken:1:26: error: context.int64[1]: expected a string, got a number
-  broken:2:1: error: Missing '}' or object member name
+  broken:1:2: error: the text ends, and the "{" in line 1, column 1 is still open; write } at the end
   [2]

@@ -39,12 +39,12 @@ For programs: with columns in bytes, and in characters. The rules that a result 
   7:{"id":"unreachable-state","shortDescription":{"text":"the machine never comes to the state"}},
   12:{"id":"unknown-attribute","shortDescription":{"text":"an attribute that the event type does not have"}},
   22:{"id":"unknown-key","shortDescription":{"text":"a key that is ignored"}},
-  26:{"id":"unused-timeout","shortDescription":{"text":"a transition on \"Timeout\", which nothing arms by itself"}},
-  27:{"id":"no-way-out","shortDescription":{"text":"a state that cannot be left and is not \"end\""}}]}},"columnKind":"unicodeCodePoints","results":[
-  28:{"ruleId":"unknown-key","ruleIndex":20,"level":"warning","message":{"text":"the key \\"note \xc3\xa4\\" is ignored Hint: known here: \\"id\\", \\"payload\\""},"locations":[{"physicalLocation":{"artifactLocation":{"uri":"a%20b.json"},"region":{"startLine":2,"startColumn":4,"endLine":2,"endColumn":12}},"logicalLocations":[{"fullyQualifiedName":"configs[0].note \xc3\xa4"}]}]}, (esc)
-  29:{"ruleId":"InvalidConfig","ruleIndex":2,"level":"error","message":{"text":"Invalid VIG Config JSON: { \\"note \xc3\xa4\\": 1, \\"id\\": true, \\"payload\\": {\xe2\x80\xa6 (\\"id\\" is a boolean) Hint: a number is needed"},"locations":[{"physicalLocation":{"artifactLocation":{"uri":"a%20b.json"},"region":{"startLine":2,"startColumn":23,"endLine":2,"endColumn":27}},"logicalLocations":[{"fullyQualifiedName":"configs[0].id"}]}]}, (esc)
-  30:{"ruleId":"InvalidFsm","ruleIndex":4,"level":"error","message":{"text":"FSM Event not found! Hint: there is no event \"ZramHeartbeat\"; did you mean \"ZramHeartBeat\"?"},"locations":[{"physicalLocation":{"artifactLocation":{"uri":"a%20b.json"},"region":{"startLine":3,"startColumn":56,"endLine":3,"endColumn":71}},"logicalLocations":[{"fullyQualifiedName":"configs[0].payload.data.transitions[0].event"}]}]}
-  31:]}]}
+  27:{"id":"unused-timeout","shortDescription":{"text":"a transition on \"Timeout\", which nothing arms by itself"}},
+  28:{"id":"no-way-out","shortDescription":{"text":"a state that cannot be left and is not \"end\""}}]}},"columnKind":"unicodeCodePoints","results":[
+  29:{"ruleId":"unknown-key","ruleIndex":20,"level":"warning","message":{"text":"the key \\"note \xc3\xa4\\" is ignored Hint: known here: \\"id\\", \\"payload\\""},"locations":[{"physicalLocation":{"artifactLocation":{"uri":"a%20b.json"},"region":{"startLine":2,"startColumn":4,"endLine":2,"endColumn":12}},"logicalLocations":[{"fullyQualifiedName":"configs[0].note \xc3\xa4"}]}]}, (esc)
+  30:{"ruleId":"InvalidConfig","ruleIndex":2,"level":"error","message":{"text":"Invalid VIG Config JSON: { \\"note \xc3\xa4\\": 1, \\"id\\": true, \\"payload\\": {\xe2\x80\xa6 (\\"id\\" is a boolean) Hint: a number is needed"},"locations":[{"physicalLocation":{"artifactLocation":{"uri":"a%20b.json"},"region":{"startLine":2,"startColumn":23,"endLine":2,"endColumn":27}},"logicalLocations":[{"fullyQualifiedName":"configs[0].id"}]}]}, (esc)
+  31:{"ruleId":"InvalidFsm","ruleIndex":4,"level":"error","message":{"text":"FSM Event not found! Hint: there is no event \"ZramHeartbeat\"; did you mean \"ZramHeartBeat\"?"},"locations":[{"physicalLocation":{"artifactLocation":{"uri":"a%20b.json"},"region":{"startLine":3,"startColumn":56,"endLine":3,"endColumn":71}},"logicalLocations":[{"fullyQualifiedName":"configs[0].payload.data.transitions[0].event"}]}]}
+  32:]}]}
   $ vig check "$PWD/a b.json" --format sarif | grep -o '"uri":"[^"]*' | uniq
   "uri":"file:///*/a%20b.json (glob)
 
@@ -88,7 +88,7 @@ The status tells errors from warnings, which may be allowed, and both from what 
   [2]
   $ : >empty.json; vig check empty.json >out; echo $?; head -1 out
   1
-  empty.json:1:1: error: Syntax error: value, object or array expected. [InvalidJson]
+  empty.json:1:1: error: the file is empty [InvalidJson]
 
 Programs get long names whole.
 

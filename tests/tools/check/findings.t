@@ -70,7 +70,7 @@ Every mistake is found at its place: from a line and column to others, with its 
   16:5-16:9 configs[1].id: "id" is overwritten by the one in line 16, column 14 [duplicate-key]
   16:41-16:50 configs[1].payload.$schema: the key "$schema" is ignored [unknown-key]: known here: "id", "data"
   $ edited 's/"configs":/"configs"/'
-  1:13-1:14 : Missing ':' after object member name [InvalidJson]
+  1:12-1:13 : a colon is missing behind the key "configs" [InvalidJson]: write ":" between the key and its value
 
 Behind a comment the reader takes the bracket for the comma.
 

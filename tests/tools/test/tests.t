@@ -325,7 +325,7 @@ What is not part of a test file is an error at its place.
   b.test.json:1:14: error: Duplicate key: 'rules'
   b.test.json:1:22: error: rules: b: No such file or directory
   b.test.json:1:34: error: tests: there is no test
-  b.test.json:1:4: error: Extra non-whitespace after JSON value.
+  b.test.json:1:4: error: the text ends before this; remove it
   b.test.json:1:1: error: "rules" is missing
   b.test.json:1:1: error: neither "tests" nor "properties" are there
   b.test.json:1:1: error: "rules" is missing

@@ -62,6 +62,7 @@ Findings findingsIn(const DocumentText& document, const VIGParserConfig& registr
             appendIdWarnings(document, found);
         }
         appendKeyWarnings(document, found);
+        appendTrailingText(document, found);
     }
     sortByPlace(found);
     return findings;

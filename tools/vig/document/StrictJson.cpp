@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <memory>
 
+#include "tools/vig/document/JsonMistake.h"
 #include "tools/vig/words/NearestName.h"
 #include "tools/vig/words/Text.h"
 #include "vig/base/Utf8.h"
@@ -28,15 +29,18 @@ std::string reportOf(const std::string& text) {
     return report;
 }
 
-// Turns the first entry of a report, "* Line 1, Column 2\n  message\n", into a message of the tool.
-std::string messageOf(const std::string& file, std::string_view report) {
+std::string messageAt(const SourceText& source, SourceText::Position position, std::string_view what) {
+    return fmt::format("{}:{}:{}: error: {}", source.name(), position.line, position.column,
+                       shortened(what, kMostShownOfMessage));
+}
+
+// Returns the first entry of a report, "* Line 1, Column 2\n  message\n", as a message of the tool.
+std::string messageOf(const SourceText& source, std::string_view report) {
     const auto position = DocumentText::reportedPosition(report.substr(0, report.find('\n')));
     if (position) {
         report.remove_prefix(std::min(report.find_first_not_of("\n ", report.find('\n')), report.size()));
     }
-    const auto [line, column] = position.value_or(SourceText::Position{1, 1});
-    return fmt::format("{}:{}:{}: error: {}", file, line, column,
-                       shortened(report.substr(0, report.find('\n')), kMostShownOfMessage));
+    return messageAt(source, position.value_or(SourceText::Position{1, 1}), report.substr(0, report.find('\n')));
 }
 
 }  // namespace
@@ -62,7 +66,13 @@ std::string StrictJson::mistakeIn(const DocumentText& document) {
     const SourceText& source = document.source();
     // The strict reader must not be given what the other one refuses, such as text that is nested too deep.
     const std::string report = document.report() ? *document.report() : reportOf(source.text());
-    return report.empty() ? std::string() : messageOf(source.name(), report);
+    if (report.empty()) {
+        return {};
+    }
+    const auto mistakes = jsonMistakesIn(source, JsonDialect::Strict);
+    return mistakes.empty() ? messageOf(source, report)
+                            : messageAt(source, source.positionOf(mistakes.front().begin),
+                                        mistakes.front().message + "; " + mistakes.front().hint);
 }
 
 bool StrictJson::hasMember(const Json::Value& object, const std::string& key, const std::string& path) {

@@ -4,7 +4,9 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <utility>
 
+#include "tools/vig/document/JsonMistake.h"
 #include "tools/vig/document/ParseErrorText.h"
 #include "tools/vig/words/Text.h"
 
@@ -14,20 +16,25 @@ namespace {
 
 constexpr std::size_t kMostShownOfMessage = 200;
 
-}  // namespace
+Finding errorAt(std::size_t begin, std::size_t end, std::string message, std::string hint) {
+    return {Severity::Error,
+            std::string(textOf(VIGParseError::InvalidJson).name),
+            {begin, end, {}},
+            std::move(message),
+            std::move(hint)};
+}
 
-std::vector<Finding> readerErrors(const DocumentText& document) {
+// Returns the mistakes in the reader's own words.
+std::vector<Finding> reportedErrors(const DocumentText& document) {
     const SourceText& source = document.source();
-    const std::string& text = *document.report();
-    const std::string name(textOf(VIGParseError::InvalidJson).name);
-    const SourceText report({}, text);
+    const SourceText report({}, *document.report());
     std::vector<Finding> found;
     for (std::size_t number = 1; number <= report.lineCount(); ++number) {
         const std::string_view line = report.line(number);
         const auto position = DocumentText::reportedPosition(line);
         if (position && 0 < position->line && position->line <= source.lineCount()) {
             const std::size_t offset = std::min(source.offsetOf(*position), source.text().size());
-            found.push_back({Severity::Error, name, {offset, offset + 1, {}}, {}, {}});
+            found.push_back(errorAt(offset, offset + 1, {}, {}));
         } else if (!found.empty() && !line.empty()) {
             std::string& message = found.back().message;
             message += message.empty() ? "" : " ";
@@ -35,9 +42,30 @@ std::vector<Finding> readerErrors(const DocumentText& document) {
         }
     }
     if (found.empty()) {
-        found.push_back({Severity::Error, name, Place{0, 0, {}}, shortened(text, kMostShownOfMessage), {}});
+        found.push_back(errorAt(0, 0, shortened(*document.report(), kMostShownOfMessage), {}));
     }
     return found;
+}
+
+}  // namespace
+
+std::vector<Finding> readerErrors(const DocumentText& document) {
+    std::vector<Finding> found;
+    for (JsonMistake& each : jsonMistakesIn(document.source(), JsonDialect::Library)) {
+        found.push_back(errorAt(each.begin, each.end, std::move(each.message), std::move(each.hint)));
+    }
+    return found.empty() ? reportedErrors(document) : found;
+}
+
+void appendTrailingText(const DocumentText& document, std::vector<Finding>& found) {
+    const Place root = document.placeOf(document.root(), {});
+    if (auto rest = trailingText(document.source(), root.end)) {
+        found.push_back({Severity::Warning,
+                         "trailing-text",
+                         {rest->begin, rest->end, {}},
+                         std::move(rest->message),
+                         std::move(rest->hint)});
+    }
 }
 
 }  // namespace Brenta::OS::VIG::Tool

@@ -7,7 +7,10 @@
 
 namespace Brenta::OS::VIG::Tool {
 
-// Returns an error for every mistake in the reader's report. REQUIRES: the text of the document is not JSON.
+// Returns an error for every mistake because of which the text is not JSON. REQUIRES: the reader has refused it.
 std::vector<Finding> readerErrors(const DocumentText& document);
+
+// Warns of what stands behind the document and is not read. REQUIRES: the text of the document is JSON.
+void appendTrailingText(const DocumentText& document, std::vector<Finding>& found);
 
 }  // namespace Brenta::OS::VIG::Tool

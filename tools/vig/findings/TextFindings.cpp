@@ -12,6 +12,7 @@
 #include "tools/vig/document/Registry.h"
 #include "tools/vig/findings/RefusalSearch.h"
 #include "tools/vig/io/Console.h"
+#include "tools/vig/words/Characters.h"
 #include "tools/vig/words/Text.h"
 
 namespace Brenta::OS::VIG::Tool {
@@ -37,18 +38,47 @@ std::string shownLine(std::string_view text) {
     return shown;
 }
 
+// Shows as escapes what one would look for in vain at a place.
+std::string visible(std::string_view text) {
+    std::string shown;
+    while (!text.empty()) {
+        const auto [code, length] = firstCharacter(text);
+        if (code >= 0x80 && isInvisible(code)) {
+            shown += fmt::format("\\u{:04x}", static_cast<unsigned>(code));
+        } else {
+            shown += text.substr(0, length);
+        }
+        text.remove_prefix(length);
+    }
+    return shown;
+}
+
 // Returns what takes the same room as the text, and shows nothing.
 std::string blank(std::string_view text) {
     std::string spaces;
-    for (const char each : text) {
-        spaces += each == '\t' ? "\t" : beginsCharacter(each) ? " " : "";
+    for (std::size_t begin = 0; begin <= text.size();) {
+        const std::size_t end = std::min(text.find('\t', begin), text.size());
+        spaces += (begin == 0 ? "" : "\t") + std::string(columnsOf(text.substr(begin, end - begin)), ' ');
+        begin = end + 1;
     }
     return spaces;
 }
 
 std::string mark(std::string_view text) {
-    const std::size_t width = charactersIn(text);
-    return "^" + std::string(width > 0 ? width - 1 : 0, '~');
+    return "^" + std::string(std::max<std::size_t>(columnsOf(text), 1) - 1, '~');
+}
+
+// Returns the nearest place at or before `offset` where a character begins that is not drawn upon the one before it.
+std::size_t cutBefore(std::string_view line, std::size_t offset) {
+    constexpr int kMostMarks = 16;
+    std::size_t place = characterStart(line, offset);
+    for (int marks = 0; marks < kMostMarks && 0 < place && place < line.size(); ++marks) {
+        if (columnsOf(line.substr(place, firstCharacter(line.substr(place)).length)) > 0) {
+            break;
+        }
+        place = characterStart(line, place - 1);
+    }
+    return place;
 }
 
 // It is the line around a place in it, in three parts.
@@ -59,14 +89,16 @@ struct ShownLine {
 };
 
 ShownLine show(std::string_view line, std::size_t column, std::size_t length) {
-    const std::size_t place = std::min(column - 1, line.size());
+    const std::size_t place = characterStart(line, std::min(column - 1, line.size()));
     const bool isLong = line.size() > kMostShownOfLine;
-    const std::size_t begin = isLong && place > kMostShownBefore ? characterStart(line, place - kMostShownBefore) : 0;
-    const std::size_t end =
-        isLong ? characterStart(line, std::min(begin + kMostShownOfLine, line.size())) : line.size();
-    const std::size_t placeEnd = place + std::min(length, end - place);
+    const std::size_t begin = isLong && place > kMostShownBefore ? cutBefore(line, place - kMostShownBefore) : 0;
+    const std::size_t end = isLong ? cutBefore(line, std::min(begin + kMostShownOfLine, line.size())) : line.size();
+    std::size_t placeEnd = place + std::min(length, end - place);
+    while (placeEnd < end && !beginsCharacter(line[placeEnd])) {
+        ++placeEnd;
+    }
     return {(begin > 0 ? "…" : "") + shownLine(line.substr(begin, place - begin)),
-            shownLine(line.substr(place, placeEnd - place)),
+            shownLine(visible(line.substr(place, placeEnd - place))),
             shownLine(line.substr(placeEnd, end - placeEnd)) + (end < line.size() ? "…" : "")};
 }
 

@@ -30,6 +30,7 @@ inline constexpr WarningName kWarningNames[] = {
     {"missing-falls-through", "a number that an event may lack, so that a later transition fires instead"},
     {"unknown-key", "a key that is ignored"},
     {"duplicate-key", "a key that is overwritten by a later one"},
+    {"trailing-text", "what stands behind the end of the document, and is not read"},
     {"duplicate-id", "a configuration id that an earlier configuration has"},
     {"truncated-id", "an id with a fraction, which is cut off"},
     {"unused-timeout", "a transition on \"Timeout\", which nothing arms by itself"},

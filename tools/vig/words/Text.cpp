@@ -8,6 +8,7 @@
 #include <iterator>
 #include <utility>
 
+#include "tools/vig/words/Characters.h"
 #include "vig/base/Utf8.h"
 
 namespace Brenta::OS::VIG::Tool {
@@ -46,20 +47,18 @@ void appendEscaped(std::string& out, char character) {
 
 // These are control characters, line breaks, and all that change the direction of writing, each by its first and last
 // code point.
-constexpr std::pair<unsigned, unsigned> kDangerous[] = {{0x00, 0x1F},     {0x7F, 0x9F},     {0x061C, 0x061C},
+constexpr std::pair<char32_t, char32_t> kDangerous[] = {{0x00, 0x1F},     {0x7F, 0x9F},     {0x061C, 0x061C},
                                                         {0x200E, 0x200F}, {0x2028, 0x202E}, {0x2066, 0x2069}};
 
 // Returns the code point at the beginning of well-formed text if it is a dangerous one, or 0. Sets the length of the
 // character.
-unsigned dangerousCharacter(std::string_view text, std::size_t& length) {
-    const auto first = static_cast<unsigned char>(text[0]);
-    length = first < 0x80 ? 1 : first < 0xE0 ? 2 : first < 0xF0 ? 3 : 4;
-    unsigned character = length == 1 ? first : first & (0x7Fu >> length);
-    for (const char each : text.substr(1, length - 1)) {
-        character = (character << 6) + (static_cast<unsigned char>(each) & 0x3F);
-    }
-    const auto holds = [&](const auto& range) { return range.first <= character && character <= range.second; };
-    return std::ranges::any_of(kDangerous, holds) ? character : 0;
+char32_t dangerousCharacter(std::string_view text, std::size_t& length) {
+    const Character character = firstCharacter(text);
+    length = character.length;
+    const auto holds = [&](const auto& range) {
+        return range.first <= character.code && character.code <= range.second;
+    };
+    return std::ranges::any_of(kDangerous, holds) ? character.code : 0;
 }
 
 }  // namespace
@@ -70,8 +69,8 @@ void appendJsonString(std::string& out, std::string_view text) {
     std::string_view rest = valid.empty() ? text : std::string_view(valid);
     while (!rest.empty()) {
         std::size_t length = 1;
-        if (const unsigned character = dangerousCharacter(rest, length); character >= 0x7F) {
-            fmt::format_to(std::back_inserter(out), "\\u{:04x}", character);
+        if (const char32_t character = dangerousCharacter(rest, length); character >= 0x7F) {
+            fmt::format_to(std::back_inserter(out), "\\u{:04x}", static_cast<unsigned>(character));
         } else if (length == 1) {
             appendEscaped(out, rest[0]);
         } else {
@@ -97,7 +96,7 @@ std::string printable(std::string_view text) {
     for (std::size_t place = 0; place < valid.size();) {
         std::size_t length = 1;
         const std::string_view rest = std::string_view(valid).substr(place);
-        const unsigned character = dangerousCharacter(rest, length);
+        const auto character = static_cast<unsigned>(dangerousCharacter(rest, length));
         if (character >= 0x100) {
             fmt::format_to(std::back_inserter(result), "\\u{:04x}", character);
         } else if (rest[0] == '\n' || rest[0] == '\t' || rest[0] == '\r') {
