@@ -71,7 +71,7 @@ class OperandWarnings {
             warnOfKind(operand, filter.valueType, known);
         } else {
             warn(found, "unknown-attribute", operand.place,
-                 eventNoun() + " are not known to have an attribute " + shownQuoted(name), hintFor(name));
+                 eventNoun() + " are not known to have an attribute " + shownQuoted(name), hintFor(name, kind));
         }
     }
 
@@ -114,12 +114,17 @@ class OperandWarnings {
 
     std::string eventNoun() const { return std::string(nameOf(event)) + " events"; }
 
-    // Tells the name that was meant, or the events that have this one, or where to make it known.
-    std::string hintFor(const std::string& name) const {
+    // Tells the names that may have been meant, those first that have the kind, or the events that have this one, or
+    // where to make it known.
+    std::string hintFor(const std::string& name, AttributeKind kind) const {
         std::vector<std::string_view> names;
-        for (const CataloguedAttributes* const attributes : {ofEvent, &catalogue.context()}) {
-            for (const auto& each : *attributes) {
-                names.push_back(each.first);
+        for (const bool ofThatKind : {true, false}) {
+            for (const CataloguedAttributes* const attributes : {ofEvent, &catalogue.context()}) {
+                for (const auto& [known, kinds] : *attributes) {
+                    if (kinds.has(kind) == ofThatKind) {
+                        names.push_back(known);
+                    }
+                }
             }
         }
         std::string hint = asHint(suggestion(name, names));

@@ -1,5 +1,7 @@
 #include "tools/vig/check/Warnings.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <string>
 #include <utility>
@@ -7,6 +9,9 @@
 
 #include "tools/vig/check/Blame.h"
 #include "tools/vig/document/NormalFilter.h"
+#include "tools/vig/document/Units.h"
+#include "tools/vig/words/Text.h"
+#include "vig/parsers/NumberText.h"
 
 namespace Brenta::OS::VIG::Tool {
 
@@ -14,6 +19,25 @@ namespace {
 
 std::string shown(const FilterModel& filter) {
     return "`" + shownCondition(filter) + "`";
+}
+
+// Returns the hint for a share that no draw can be on both sides of: mostly it is meant as percent.
+std::string shareHint(const FilterModel& filter, const char* otherwise) {
+    constexpr double kMostPercent = 100;
+    const NormalFilter normal = normalFormOf(filter);
+    const DoubleFunction* const function = doubleFunctionOf(normal.left);
+    const double number = isConstant(normal.right) ? readNearest<double>(normal.right.operand.value) : 0;
+    if (filter.valueType != FilterValueType::Double || function == nullptr || !isConstant(normal.right) ||
+        (number >= function->least && number <= function->limit)) {
+        return otherwise;
+    }
+    const std::string range = fmt::format("a share lies between {} and {}", function->least, function->limit);
+    if (number < function->limit || number >= kMostPercent || function->limit != 1) {
+        return range + ": write such a number, or leave the filter out";
+    }
+    const bool isBelow = normal.op == FilterOperator::Less || normal.op == FilterOperator::LessEqual;
+    return range + ": write " + quoted(shownNumber(number / kMostPercent)) + " to let " +
+           shownNumber(isBelow ? number : kMostPercent - number) + " % through";
 }
 
 // Warns of the filters of one transition, each by itself and all together.
@@ -37,7 +61,7 @@ class FilterJudge {
                 std::any_of(found.begin() + static_cast<std::ptrdiff_t>(since), found.end(), [&](const Finding& each) {
                     return isInside(each) && each.name != "number-text" && each.name != "nul-character";
                 });
-            judgeAlone(index, isExplained);
+            judgeAlone(index, isExplained || !isReadWhole(filters[index]));
         }
         judgeTogether();
         return logic;
@@ -56,14 +80,15 @@ class FilterJudge {
             warn(found, "never-true", filter.place,
                  holds == Answer::No ? shown(filter) + " is never true" + why
                                      : "only " + unrecordable(filter) + " fulfils " + shown(filter),
-                 "mend the filter, or leave the transition out");
+                 shareHint(filter, "mend the filter, or leave the transition out"));
         }
         const bool always = !isExplained && behaviour.decide(junction, {0, {&junction.toHold(place, index, false)}},
                                                              Values::All) == Verdict::No;
         if (always) {
             const std::string why =
                 isOfConstants(filter) ? ", being a comparison of two constants" : ", whatever the event";
-            warn(found, "always-true", filter.place, shown(filter) + " is always true" + why, "leave the filter out");
+            warn(found, "always-true", filter.place, shown(filter) + " is always true" + why,
+                 shareHint(filter, "leave the filter out"));
         }
         logic.isConditional = logic.isConditional || !always;
     }

@@ -9,6 +9,7 @@
 #include <string_view>
 
 #include "tools/vig/document/NormalFilter.h"
+#include "tools/vig/document/NumberMeaning.h"
 #include "tools/vig/words/Text.h"
 #include "vig/parsers/NumberText.h"
 
@@ -52,10 +53,20 @@ std::optional<Decimal> decimalOf(std::string_view text) {
         sign + fmt::format("{:.{}f}", readNearest<double>(std::string(text)), decimals.size())};
 }
 
-void appendUnread(const Place& place, const std::string& text, const Reading& reading, std::vector<Finding>& found) {
-    const std::string hint = reading.rest.starts_with(',') ? "the decimal point is \".\""
-                                                           : "write " + quoted(reading.number) + " if that is meant";
-    warn(found, "number-text", place,
+// Returns the unit of what the operand is compared with, or null.
+const Unit* unitBeside(const OperandModel& operand, const FilterModel& filter) {
+    static constexpr Unit kShare{Quantity::Share, 1, "parts of 1"};
+    const OperandModel& other = &operand == &filter.operand1 ? filter.operand2 : filter.operand1;
+    return isAttribute(other) ? unitOf(other.operand.value) : doubleFunctionOf(other) != nullptr ? &kShare : nullptr;
+}
+
+void appendUnread(const OperandModel& operand, const FilterModel& filter, const Reading& reading,
+                  std::vector<Finding>& found) {
+    const std::string& text = operand.operand.value;
+    const auto meant = meaningOf(text, filter.valueType == FilterValueType::Integer, unitBeside(operand, filter));
+    const std::string hint = meant ? "write " + quoted(meant->number) + meant->more
+                                   : "write " + quoted(reading.number) + " if that is meant";
+    warn(found, "number-text", operand.place,
          shownQuoted(text) + " is read as " + reading.number + "; " + shownQuoted(reading.rest) + " is ignored", hint);
 }
 
@@ -69,15 +80,20 @@ void appendImprecise(const OperandModel& operand, std::vector<Finding>& found) {
     }
 }
 
-void appendNumberWarning(const OperandModel& operand, FilterValueType type, std::vector<Finding>& found) {
+Reading readingOf(const OperandModel& operand, FilterValueType type) {
     const std::string& text = operand.operand.value;
-    const Reading reading = type == FilterValueType::Integer ? readingOf<std::int64_t>(text) : readingOf<double>(text);
+    return type == FilterValueType::Integer ? readingOf<std::int64_t>(text) : readingOf<double>(text);
+}
+
+void appendNumberWarning(const OperandModel& operand, const FilterModel& filter, std::vector<Finding>& found) {
+    const Reading reading = readingOf(operand, filter.valueType);
     if (!reading.rest.empty()) {
-        appendUnread(operand.place, text, reading, found);
+        appendUnread(operand, filter, reading, found);
     } else if (!reading.inRange) {
         warn(found, "number-text", operand.place,
-             shownQuoted(text) + " is no number within the range, and is read as " + reading.number, "write a number");
-    } else if (type == FilterValueType::Double) {
+             shownQuoted(operand.operand.value) + " is no number within the range, and is read as " + reading.number,
+             "write a number");
+    } else if (filter.valueType == FilterValueType::Double) {
         appendImprecise(operand, found);
     }
 }
@@ -90,9 +106,17 @@ void appendNumberWarnings(const FilterModel& filter, std::vector<Finding>& found
     }
     for (const OperandModel* const operand : {&filter.operand1, &filter.operand2}) {
         if (isConstant(*operand)) {
-            appendNumberWarning(*operand, filter.valueType, found);
+            appendNumberWarning(*operand, filter, found);
         }
     }
+}
+
+bool isReadWhole(const FilterModel& filter) {
+    return filter.valueType == FilterValueType::String ||
+           std::ranges::none_of(std::initializer_list<const OperandModel*>{&filter.operand1, &filter.operand2},
+                                [&](const OperandModel* operand) {
+                                    return isConstant(*operand) && !readingOf(*operand, filter.valueType).rest.empty();
+                                });
 }
 
 }  // namespace Brenta::OS::VIG::Tool

@@ -23,10 +23,13 @@ class StateJudge {
           found(found),
           outgoing(behaviour.stateCount()),
           incoming(behaviour.stateCount()),
+          uses(behaviour.stateCount()),
           isChained(behaviour.stateCount()) {
         for (std::size_t index = 0; index < transitions.size(); ++index) {
             outgoing[behaviour.from(index)].push_back(index);
             incoming[behaviour.to(index)].push_back(index);
+            ++uses[behaviour.from(index)];
+            ++uses[behaviour.to(index)];
         }
         std::vector<std::size_t> waiting = {Behaviour::kStart};
         while (!waiting.empty()) {
@@ -49,11 +52,18 @@ class StateJudge {
         std::vector<bool> done(behaviour.stateCount());
         // It is there without being used.
         done[Behaviour::kEnd] = outgoing[Behaviour::kEnd].empty();
-        const auto candidates = strayTargets();
+        const std::vector<Spelling> spellings = misspelt(done);
         for (std::size_t index = 0; index < transitions.size(); ++index) {
             for (const auto& [state, member] :
                  {std::pair(behaviour.from(index), "from_state"), std::pair(behaviour.to(index), "to_state")}) {
-                if (!done[state] && behaviour.reaches(state) == Answer::No) {
+                if (done[state]) {
+                    continue;
+                }
+                const auto spelling = std::ranges::find(spellings, state, &Spelling::state);
+                if (spelling != spellings.end()) {
+                    done[state] = true;
+                    warnOf(*spelling, placeOf(transitions[index], member));
+                } else if (behaviour.reaches(state) == Answer::No) {
                     done[state] = true;
                     const std::string reason = isChained[state] ? whyUnreachable(state) : "";
                     if (reason.starts_with(kNorBefore)) {
@@ -63,14 +73,12 @@ class StateJudge {
                         }
                         following.push_back(found.size());
                     }
-                    const std::string hint = asHint(suggestion(behaviour.stateName(state), candidates));
                     warn(found, "unreachable-state", placeOf(transitions[index], member),
                          (isChained[state] ? "the machine never comes to "
                                            : "no chain of transitions leads from \"start\" to ") +
                              shownQuoted(behaviour.stateName(state)) + reason,
                          isChained[state] ? "mend what leads there, or leave it out"
-                         : hint.empty()   ? "lead a transition there, or leave it out"
-                                          : hint);
+                                          : "lead a transition there, or leave it out");
                 }
             }
         }
@@ -84,6 +92,9 @@ class StateJudge {
         std::vector<bool> accepted(behaviour.stateCount());  // something can come of being there, or there is a warning
         std::vector<bool> seemsAccepted(behaviour.stateCount());  // would be, if all transitions fired
         accepted[Behaviour::kEnd] = true;
+        for (const std::size_t state : explained) {
+            accepted[state] = true;
+        }
         for (std::size_t index = 0; index < transitions.size(); ++index) {
             const std::size_t from = behaviour.from(index);
             const bool doesSomething = behaviour.to(index) != from || !transitions[index].actions.empty();
@@ -97,7 +108,7 @@ class StateJudge {
                 warn(found, "no-way-out", placeOf(transitions[index], "to_state"),
                      "once in " + shownQuoted(behaviour.stateName(to)) + ", the machine does nothing any more" +
                          (seemsAccepted[to] ? ": none of the transitions from there ever fires" : ""),
-                     seemsAccepted[to] ? "mend their filters" : "if that is meant, call the state \"end\"");
+                     seemsAccepted[to] ? "mend their filters" : hintToLeave(to));
                 found.back().witness = showWaiting(to, "no-way-out at " + transitions[index].place.path);
             }
         }
@@ -119,17 +130,109 @@ class StateJudge {
         });
     }
 
-    // Returns the states that can be reached and not be left: one of them may be a misspelt name. Many are no mistake
-    // of spelling.
-    std::vector<std::string_view> strayTargets() const {
-        constexpr std::size_t kMost = 16;
-        std::vector<std::string_view> names;
-        for (std::size_t state = 0; state < outgoing.size() && names.size() < kMost; ++state) {
-            if (isChained[state] && state != Behaviour::kEnd && outgoing[state].empty()) {
-                names.push_back(behaviour.stateName(state));
+    // It is a state to which no chain of transitions leads, and others whose names are near.
+    struct Spelling {
+        std::size_t state;
+        std::vector<std::size_t> others;  // that a chain of transitions leads to
+    };
+
+    // Returns the states that are left and never entered, because their names are misspelt here or where they are
+    // entered. What is behind them is `done`, too, since it follows from that.
+    std::vector<Spelling> misspelt(std::vector<bool>& done) {
+        constexpr std::size_t kMost = 16;  // so many are no mistakes of spelling
+        std::vector<Spelling> spellings;
+        std::vector<bool> isBehind(behaviour.stateCount());
+        for (std::size_t state = 0; state < behaviour.stateCount() && spellings.size() < kMost; ++state) {
+            const bool isEntered =
+                std::ranges::any_of(incoming[state], [&](std::size_t each) { return behaviour.from(each) != state; });
+            if (isChained[state] || isEntered || outgoing[state].empty()) {
+                continue;
+            }
+            if (auto others = nearOnes(state, [&](std::size_t each) { return isChained[each]; }); !others.empty()) {
+                follow(state, isBehind);
+                spellings.push_back({state, std::move(others)});
             }
         }
-        return names;
+        for (std::size_t state = 0; state < behaviour.stateCount(); ++state) {
+            const bool isMisspelt = std::ranges::find(spellings, state, &Spelling::state) != spellings.end();
+            done[state] = done[state] || (isBehind[state] && !isChained[state] && !isMisspelt);
+        }
+        return spellings;
+    }
+
+    // Marks the states to which transitions lead from there.
+    void follow(std::size_t from, std::vector<bool>& isBehind) const {
+        std::vector<std::size_t> waiting = {from};
+        while (!waiting.empty()) {
+            const std::size_t state = waiting.back();
+            waiting.pop_back();
+            if (!isBehind[state]) {
+                isBehind[state] = true;
+                std::ranges::transform(outgoing[state], std::back_inserter(waiting),
+                                       [&](std::size_t each) { return behaviour.to(each); });
+            }
+        }
+    }
+
+    // Returns the states with names that are near, those first that cannot be left. Names that differ in numbers alone
+    // are meant.
+    std::vector<std::size_t> nearOnes(std::size_t state, const auto& isCandidate) const {
+        constexpr std::size_t kMost = 64;
+        std::vector<std::size_t> candidates;
+        for (std::size_t each = 0; each < behaviour.stateCount() && candidates.size() < kMost; ++each) {
+            if (each != state && isCandidate(each) &&
+                withoutDigits(behaviour.stateName(each)) != withoutDigits(behaviour.stateName(state))) {
+                candidates.push_back(each);
+            }
+        }
+        std::ranges::stable_partition(candidates, [&](std::size_t each) { return outgoing[each].empty(); });
+        std::vector<std::string_view> names;
+        std::ranges::transform(candidates, std::back_inserter(names),
+                               [&](std::size_t each) { return std::string_view(behaviour.stateName(each)); });
+        const auto near = nearNames(behaviour.stateName(state), names);
+        std::erase_if(candidates, [&](std::size_t each) {
+            return std::ranges::find(near, behaviour.stateName(each)) == near.end();
+        });
+        return candidates;
+    }
+
+    static std::string withoutDigits(std::string_view name) {
+        std::string result(name);
+        std::erase_if(result, [](char each) { return each >= '0' && each <= '9'; });
+        return result;
+    }
+
+    // A name that occurs once may itself be the misspelt one.
+    void warnOf(const Spelling& spelling, Place place) {
+        const std::string name = shownQuoted(behaviour.stateName(spelling.state));
+        const std::size_t other = spelling.others.front();
+        const std::string otherName = shownQuoted(behaviour.stateName(other));
+        std::string message = "no chain of transitions leads from \"start\" to " + name;
+        std::string hint = "did you mean " + listOfNames(spelling.others) + "?";
+        if (other != Behaviour::kStart && outgoing[other].empty()) {
+            message = name + " is left here and never entered, and " + otherName + " is entered in transitions[" +
+                      std::to_string(incoming[other].front()) + "] and never left";
+            explained.push_back(other);
+        }
+        if (other != Behaviour::kStart && uses[other] == 1) {
+            hint = uses[spelling.state] == 1 ? "write the same name in both places"
+                                             : "did you mean " + name + " in both places?";
+        }
+        warn(found, "unreachable-state", std::move(place), std::move(message), std::move(hint));
+    }
+
+    std::string listOfNames(const std::vector<std::size_t>& states) const {
+        return joined(states, " or ", [&](std::size_t each) { return shownQuoted(behaviour.stateName(each)); });
+    }
+
+    std::string hintToLeave(std::size_t state) const {
+        const auto others = nearOnes(state, [&](std::size_t each) {
+            return each == Behaviour::kEnd || (uses[each] > 1 && !outgoing[each].empty());
+        });
+        const bool isEnd = !others.empty() && others.front() == Behaviour::kEnd;
+        return others.empty() ? "if that is meant, call the state \"end\""
+                              : "did you mean " + listOfNames(others) + "?" +
+                                    (isEnd ? "" : " Or call the state \"end\" if the machine is to stay there");
     }
 
     // Returns the end of the sentence that the machine never comes there. REQUIRES: a chain of transitions does.
@@ -160,6 +263,8 @@ class StateJudge {
     std::vector<Finding>& found;
     std::vector<std::vector<std::size_t>> outgoing;
     std::vector<std::vector<std::size_t>> incoming;
+    std::vector<std::size_t> uses;       // how often a transition names the state
+    std::vector<std::size_t> explained;  // states whose end another warning tells
     std::vector<bool> isChained;  // a chain of transitions leads there from "start", whether they can fire or not
 };
 

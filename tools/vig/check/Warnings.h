@@ -52,6 +52,9 @@ void appendRuleWarnings(Judged& machine, std::vector<Finding>& found);
 // Warns of constants that the library reads as another number than is written.
 void appendNumberWarnings(const FilterModel& filter, std::vector<Finding>& found);
 
+// Returns false if the library ignores a part of a number in the filter, which is told then.
+bool isReadWhole(const FilterModel& filter);
+
 // Warns of a NUL in what the library accepts with it: an operator, which it reads up to there, the names of states and
 // attributes, and texts that are compared.
 void appendNulWarnings(const TransitionModel& transition, std::vector<Finding>& found);

@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <cstddef>
 
+#include "tools/vig/catalogue/Catalogue.h"
 #include "tools/vig/words/NearestName.h"
 #include "tools/vig/words/Text.h"
+#include "vig/EventTypeNames.h"
 #include "vig/parsers/JsonValues.h"
 
 namespace Brenta::OS::VIG::Tool {
@@ -97,8 +99,18 @@ std::string memberHint(const Shape& shape, std::string_view key, const Json::Val
     return typeHint(given, accepted);
 }
 
-std::string eventHint(const VIGParserConfig& registry, std::string_view name) {
-    return unknownName("event", name, namesIn(registry.getEventTypes()));
+std::string eventHint(const VIGParserConfig& registry, std::string_view name,
+                      const std::vector<std::string>& attributes) {
+    const Catalogue catalogue = Catalogue::builtIn();
+    std::vector<std::string_view> names = namesIn(registry.getEventTypes());
+    std::ranges::stable_partition(names, [&](std::string_view each) {
+        const auto type = kEventTypeNames.reverseLookup(std::string(each));
+        const CataloguedAttributes* const known = type ? catalogue.find(*type) : nullptr;
+        return known != nullptr && std::ranges::all_of(attributes, [&](const std::string& attribute) {
+                   return known->contains(attribute);
+               });
+    });
+    return unknownName("event", name, names);
 }
 
 std::string actionHint(const VIGParserConfig& registry, std::string_view name) {

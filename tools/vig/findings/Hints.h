@@ -22,8 +22,9 @@ std::string listOf(std::span<const std::string_view> names);
 // `accepted`; with an empty key, for what stands where an object of that shape should.
 std::string memberHint(const Shape& shape, std::string_view key, const Json::Value* given, const Json::Value& accepted);
 
-// These hints are for names that the registry does not have.
-std::string eventHint(const VIGParserConfig& registry, std::string_view name);
+// These hints are for names that the registry does not have. Events come first that have the attributes.
+std::string eventHint(const VIGParserConfig& registry, std::string_view name,
+                      const std::vector<std::string>& attributes);
 std::string actionHint(const VIGParserConfig& registry, std::string_view name);
 std::string functionHint(const VIGParserConfig& registry, std::string_view name);
 

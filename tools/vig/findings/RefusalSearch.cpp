@@ -73,6 +73,23 @@ std::string faultOf(std::string_view key, const Json::Value* value, const Json::
     return kind == kindName(accepted) ? std::string() : quoted(key) + " is " + std::string(kind);
 }
 
+// Returns the attributes with which the filters of a transition compare, as far as it has the form of one.
+std::vector<std::string> attributesIn(const Json::Value& transition) {
+    std::vector<std::string> names;
+    const Json::Value* const filters = memberOf(transition, "filters");
+    for (Json::ArrayIndex index = 0; filters != nullptr && filters->isArray() && index < filters->size(); ++index) {
+        for (const char* const key : {"operand1", "operand2"}) {
+            const Json::Value* const operand = memberOf((*filters)[index], key);
+            const Json::Value* const type = operand != nullptr ? memberOf(*operand, "type") : nullptr;
+            const Json::Value* const value = operand != nullptr ? memberOf(*operand, "value") : nullptr;
+            if (type != nullptr && value != nullptr && *type == "envvar" && value->isString()) {
+                names.push_back(value->asString());
+            }
+        }
+    }
+    return names;
+}
+
 class RefusalSearch {
   public:
     RefusalSearch(const DocumentText& text, const VIGParserConfig& names, std::vector<Finding>& errors)
@@ -178,7 +195,8 @@ class RefusalSearch {
         Json::Value trial = library.accepted(transition.shape);
         trial["event"] = transition.json["event"];
         if (const auto refusal = library.refusalOf(transition.shape, trial, Names::Registered)) {
-            add(transition, "event", *refusal, {}, eventHint(registry, trial["event"].asString()));
+            add(transition, "event", *refusal, {},
+                eventHint(registry, trial["event"].asString(), attributesIn(transition.json)));
         }
     }
 

@@ -3,10 +3,14 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace Brenta::OS::VIG::Tool {
 
-// Returns `; did you mean "…"?` with the name that a typing mistake most likely made `given` of; empty if none is near.
+// Returns the names that a mistake most likely made `given` of, in the order in which they come; empty if none is near.
+std::vector<std::string_view> nearNames(std::string_view given, std::span<const std::string_view> names);
+
+// Returns `; did you mean "…"?` with these names; empty if there is none.
 std::string suggestion(std::string_view given, std::span<const std::string_view> names);
 
 // Returns the same, and `; there are …` with the first few names.

@@ -1,0 +1,173 @@
+#include "tools/vig/document/NumberMeaning.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cmath>
+#include <iterator>
+#include <string_view>
+
+#include "tools/vig/words/Text.h"
+#include "vig/parsers/NumberText.h"
+
+namespace Brenta::OS::VIG::Tool {
+
+namespace {
+
+constexpr std::string_view kDigits = "0123456789";
+constexpr std::string_view kBlanks = " \t\r\n";
+constexpr double kMostExact = 0x1p53;
+
+// It is what people write behind a number, in small letters.
+struct Suffix {
+    std::string_view text;
+    Unit unit;
+};
+
+constexpr double kStep = stepOf(Quantity::Memory);
+constexpr double kSecond = stepOf(Quantity::Time);
+constexpr double kMinute = 60 * kSecond;
+constexpr double kHour = 60 * kMinute;
+
+constexpr Suffix kSuffixes[] = {
+    {"b", {Quantity::Memory, 1, "bytes"}},
+    {"byte", {Quantity::Memory, 1, "bytes"}},
+    {"bytes", {Quantity::Memory, 1, "bytes"}},
+    {"k", {Quantity::Memory, kStep, "kB"}},
+    {"kb", {Quantity::Memory, kStep, "kB"}},
+    {"kib", {Quantity::Memory, kStep, "kB"}},
+    {"m", {Quantity::Memory, kStep* kStep, "MB"}},
+    {"mb", {Quantity::Memory, kStep* kStep, "MB"}},
+    {"mib", {Quantity::Memory, kStep* kStep, "MB"}},
+    {"g", {Quantity::Memory, kStep* kStep* kStep, "GB"}},
+    {"gb", {Quantity::Memory, kStep* kStep* kStep, "GB"}},
+    {"gib", {Quantity::Memory, kStep* kStep* kStep, "GB"}},
+    {"us", {Quantity::Time, 0.001, "us"}},
+    {"ms", {Quantity::Time, 1, "ms"}},
+    {"s", {Quantity::Time, kSecond, "s"}},
+    {"sec", {Quantity::Time, kSecond, "s"}},
+    {"seconds", {Quantity::Time, kSecond, "s"}},
+    {"m", {Quantity::Time, kMinute, "minutes"}},
+    {"min", {Quantity::Time, kMinute, "minutes"}},
+    {"minutes", {Quantity::Time, kMinute, "minutes"}},
+    {"h", {Quantity::Time, kHour, "hours"}},
+    {"hours", {Quantity::Time, kHour, "hours"}},
+    {"%", {Quantity::Share, 0.01, "%"}},
+    {"percent", {Quantity::Share, 0.01, "%"}},
+};
+
+std::string_view trimmed(std::string_view text) {
+    text = text.substr(std::min(text.find_first_not_of(kBlanks), text.size()));
+    return text.substr(0, text.find_last_not_of(kBlanks) + 1);
+}
+
+// Tells whether the text is digits with the separator before each three of them: 1,234,567.
+bool isGrouped(std::string_view text, char separator) {
+    const std::size_t first = text.find(separator);
+    if (first == 0 || first == std::string_view::npos || first > 3 || (text.size() - first) % 4 != 0 ||
+        text.starts_with('0')) {
+        return false;
+    }
+    for (std::size_t place = 0; place < text.size(); ++place) {
+        const bool isSeparator = place >= first && (place - first) % 4 == 0;
+        if (isSeparator ? text[place] != separator : kDigits.find(text[place]) == std::string_view::npos) {
+            return false;
+        }
+    }
+    return true;
+}
+
+std::string without(std::string_view text, std::string_view characters) {
+    std::string result(text);
+    std::erase_if(result, [&](char each) { return characters.find(each) != std::string_view::npos; });
+    return result;
+}
+
+// Returns the number without the separators that people put into it, with a decimal point.
+std::string plain(std::string_view text) {
+    for (const char separator : {',', '.', '_', '\'', ' '}) {
+        const std::size_t point = text.find_last_of(separator == '.' ? "," : ".");
+        const bool hasDecimals = point != std::string_view::npos && point > text.find_last_of(separator);
+        if (isGrouped(text.substr(0, hasDecimals ? point : text.size()), separator)) {
+            std::string result = without(text.substr(0, hasDecimals ? point : text.size()), {&separator, 1});
+            return hasDecimals ? result + "." + std::string(text.substr(point + 1)) : result;
+        }
+    }
+    std::string result = without(text, "_'");
+    std::ranges::replace(result, ',', '.');
+    return result;
+}
+
+// Returns nothing if the whole text is no number.
+std::optional<double> valueOf(const std::string& text) {
+    const auto [value, isInRange, length] = readNumber<double>(text);
+    return isInRange && length == text.size() && std::isfinite(value) ? std::optional(value) : std::nullopt;
+}
+
+std::optional<std::string> asNumber(double value, bool isInteger) {
+    if (!isInteger) {
+        return shownNumber(value);
+    }
+    const double whole = std::round(value);
+    return std::abs(whole) < kMostExact ? std::optional(fmt::format("{:.0f}", whole)) : std::nullopt;
+}
+
+const Unit* suffixUnit(std::string_view suffix, const Unit* wanted) {
+    std::string lower(suffix);
+    std::ranges::transform(lower, lower.begin(),
+                           [](char each) { return each >= 'A' && each <= 'Z' ? static_cast<char>(each + 32) : each; });
+    const auto* const found = std::ranges::find_if(kSuffixes, [&](const Suffix& each) {
+        return each.text == lower && (wanted == nullptr || each.unit.quantity == wanted->quantity);
+    });
+    return found == std::end(kSuffixes) ? nullptr : &found->unit;
+}
+
+std::optional<NumberMeaning> withUnit(double value, std::string_view suffix, bool isInteger, const Unit* unit) {
+    const Unit* const written = unit == nullptr ? nullptr : suffixUnit(suffix, unit);
+    if (written == nullptr) {
+        return std::nullopt;
+    }
+    const auto number = asNumber(value * written->size / unit->size, isInteger);
+    if (!number || written->size == unit->size) {
+        return number ? std::optional(NumberMeaning{*number, ": the number is in " + std::string(unit->name) + " here"})
+                      : std::nullopt;
+    }
+    return NumberMeaning{
+        *number, shownNumber(value) + " " + std::string(written->name) + " is " + *number +
+                     (unit->size == 1 && unit->quantity == Quantity::Share ? "" : " " + std::string(unit->name)) +
+                     " here"};
+}
+
+}  // namespace
+
+std::optional<NumberMeaning> meaningOf(const std::string& text, bool isInteger, const Unit* unit) {
+    const std::string_view whole = trimmed(text);
+    const std::size_t slash = whole.find('/');
+    if (!isInteger && slash != std::string_view::npos) {
+        const auto part = valueOf(plain(trimmed(whole.substr(0, slash))));
+        const auto all = valueOf(plain(trimmed(whole.substr(slash + 1))));
+        return part && all && *all != 0 ? std::optional(NumberMeaning{shownNumber(*part / *all), {}}) : std::nullopt;
+    }
+    // A hexadecimal number and one with an exponent have letters, too.
+    const auto asWhole = valueOf(plain(whole));
+    const std::size_t end = std::min(whole.find_first_not_of("+-0123456789.,_' "), whole.size());
+    const auto value = asWhole ? asWhole : valueOf(plain(trimmed(whole.substr(0, end))));
+    if (!value) {
+        return std::nullopt;
+    }
+    if (!asWhole) {
+        return withUnit(*value, trimmed(whole.substr(end)), isInteger, unit);
+    }
+    const auto number = asNumber(*value, isInteger);
+    if (!number) {
+        return std::nullopt;
+    }
+    const bool isCut = isInteger && *value != std::round(*value);
+    const bool isEither = !isInteger && isGrouped(whole, ',') && whole.find(',') == whole.find_last_of(',');
+    return NumberMeaning{*number, isCut      ? ": an integer has no decimals"
+                                  : isEither ? ", or " + quoted(without(whole, ",").insert(whole.find(','), ".")) +
+                                                   " if the comma begins the decimals"
+                                             : ""};
+}
+
+}  // namespace Brenta::OS::VIG::Tool

@@ -1,0 +1,66 @@
+#include "tools/vig/document/Units.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cmath>
+#include <iterator>
+#include <span>
+
+namespace Brenta::OS::VIG::Tool {
+
+namespace {
+
+constexpr double kKilo = stepOf(Quantity::Memory);
+
+// The names of attributes in it end like that, or are just that.
+struct NamedUnit {
+    std::string_view ending;
+    Unit unit;
+};
+
+constexpr NamedUnit kUnits[] = {
+    {"Bytes", {Quantity::Memory, 1, "bytes"}},
+    {"KB", {Quantity::Memory, kKilo, "kB"}},
+    {"MB", {Quantity::Memory, kKilo* kKilo, "MB"}},
+    {"Ms", {Quantity::Time, 1, "ms"}},
+    {"Seconds", {Quantity::Time, stepOf(Quantity::Time), "s"}},
+    {"Percent", {Quantity::Share, 0.01, "percent"}},
+    {"cpuAvgUtilization", {Quantity::Share, 0.01, "percent"}},
+    {"Share", {Quantity::Share, 1, "parts of 1"}},
+};
+
+constexpr std::string_view kMemoryNames[] = {"bytes", "kB", "MB", "GB"};
+constexpr std::string_view kTimeNames[] = {"ms", "s"};
+
+}  // namespace
+
+const Unit* unitOf(std::string_view attribute) {
+    const auto* const found =
+        std::ranges::find_if(kUnits, [&](const NamedUnit& each) { return attribute.ends_with(each.ending); });
+    return found == std::end(kUnits) ? nullptr : &found->unit;
+}
+
+std::string shownIn(const Unit& unit, double number) {
+    double amount = number * unit.size;
+    if (unit.quantity == Quantity::Share) {
+        return shownNumber(amount * 100) + " %";
+    }
+    std::span<const std::string_view> names = kTimeNames;
+    if (unit.quantity == Quantity::Memory) {
+        names = kMemoryNames;
+    }
+    for (; names.size() > 1 && std::abs(amount) >= stepOf(unit.quantity); names = names.subspan(1)) {
+        amount /= stepOf(unit.quantity);
+    }
+    return shownNumber(amount) + " " + std::string(names.front());
+}
+
+std::string shownNumber(double number) {
+    constexpr double kManyDigits = 1e5;
+    constexpr double kMostPlain = 1e15;
+    const bool isPlain = std::abs(number) >= kManyDigits && std::abs(number) < kMostPlain;
+    return isPlain ? fmt::format("{:.0f}", number) : fmt::format("{:.6g}", number);
+}
+
+}  // namespace Brenta::OS::VIG::Tool
