@@ -96,7 +96,7 @@ Example: check before a commit, as strictly as possible, for a service that arms
 void addCheck(CommandLine& commandLine, CheckOptions& options) {
     std::string meanings;
     std::vector<std::string_view> names;
-    for (const auto& [name, meaning] : kWarningNames) {
+    for (const auto& [name, meaning, basis] : kWarningNames) {
         meanings += fmt::format("  {:<21} {}\n", name, meaning);
         names.push_back(name);
     }

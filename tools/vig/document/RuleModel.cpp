@@ -89,7 +89,11 @@ std::string termOf(const OperandModel& model, FilterValueType valueType) {
 }  // namespace
 
 ConfigModel modelOf(const DocumentText& document, Json::ArrayIndex index) {
-    return Modeller(document).config(document.root()["configs"][index], "configs[" + std::to_string(index) + "]");
+    return modelOf(document, document.root()["configs"][index], "configs[" + std::to_string(index) + "]");
+}
+
+ConfigModel modelOf(const DocumentText& document, const Json::Value& json, const std::string& path) {
+    return Modeller(document).config(json, path);
 }
 
 FilterModel filterModelOf(const DocumentText& document, const Json::Value& json, const std::string& path) {

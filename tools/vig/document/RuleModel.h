@@ -57,6 +57,9 @@ struct ConfigModel {
 // the document's JSON.
 ConfigModel modelOf(const DocumentText& document, Json::ArrayIndex index);
 
+// Does the same for a copy of an element, which has that path, in which other values may stand. The model refers to it.
+ConfigModel modelOf(const DocumentText& document, const Json::Value& json, const std::string& path);
+
 // Returns the model of a filter that stands anywhere in a text; `path` is its JSON path. REQUIRES: the library accepts
 // it.
 FilterModel filterModelOf(const DocumentText& document, const Json::Value& json, const std::string& path);

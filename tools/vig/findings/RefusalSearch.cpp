@@ -19,6 +19,7 @@
 #include "tools/vig/findings/RefusalSearch.h"
 
 #include <algorithm>
+#include <set>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -94,6 +95,9 @@ class RefusalSearch {
   public:
     RefusalSearch(const DocumentText& text, const VIGParserConfig& names, std::vector<Finding>& errors)
         : document(text), registry(names), library(names), found(errors) {}
+
+    // Holds the paths of what is at fault, be it there or missing.
+    std::set<std::string> faults;
 
     // Tells whether the library accepts the root, but for the elements of "configs".
     bool acceptsResponse() {
@@ -251,6 +255,7 @@ class RefusalSearch {
         if (!fault.empty()) {
             message += " (" + fault + ")";
         }
+        faults.insert(pathOf(piece, key));
         found.push_back({Severity::Error, std::string(textOf(refusal.error).name),
                          member != nullptr ? document.placeOf(*member, pathOf(piece, key)) : whole, std::move(message),
                          std::move(hint)});
@@ -266,8 +271,9 @@ class RefusalSearch {
                excerpt(text.substr(piece.begin, piece.end - piece.begin), kMostShownOfPiece);
     }
 
+    // With an empty key it is the path of the piece.
     static std::string pathOf(const Piece& piece, std::string_view key) {
-        return StrictJson::member(piece.path, std::string(key));
+        return key.empty() ? piece.path : StrictJson::member(piece.path, std::string(key));
     }
 
     const DocumentText& document;
@@ -278,22 +284,20 @@ class RefusalSearch {
 
 }  // namespace
 
-std::optional<std::vector<Json::ArrayIndex>> acceptedConfigs(const DocumentText& document,
-                                                             const VIGParserConfig& registry,
-                                                             std::vector<Finding>& found) {
+std::optional<ConfigVerdicts> judgeConfigs(const DocumentText& document, const VIGParserConfig& registry,
+                                           std::vector<Finding>& found) {
     RefusalSearch search(document, registry, found);
     if (!search.acceptsResponse()) {
         return std::nullopt;
     }
-    std::vector<Json::ArrayIndex> accepted;
+    ConfigVerdicts verdicts;
     Json::ArrayIndex index = 0;
     StrictJson::forEach(document.root()["configs"], "configs", [&](const Json::Value& each, const std::string& path) {
-        if (search.accepts(kConfigShape, each, path)) {
-            accepted.push_back(index);
-        }
+        (search.accepts(kConfigShape, each, path) ? verdicts.accepted : verdicts.refused).push_back(index);
         ++index;
     });
-    return accepted;
+    verdicts.faults = std::move(search.faults);
+    return verdicts;
 }
 
 void searchFilter(const DocumentText& text, const Json::Value& filter, const std::string& path,
@@ -306,7 +310,7 @@ std::vector<Finding> refusalsIn(const DocumentText& document, const VIGParserCon
         return readerErrors(document);
     }
     std::vector<Finding> found;
-    acceptedConfigs(document, registry, found);
+    judgeConfigs(document, registry, found);
     sortByPlace(found);
     return found;
 }

@@ -7,33 +7,39 @@ namespace Brenta::OS::VIG::Tool {
 // This is the one list of what `vig check` can warn of: the help, the documentation and the tests are held
 // against it.
 
+// It says what must not be at fault for a warning to be told: the place itself, the event of its transition as well,
+// the transition and those that it is said to come after, or everything that can happen.
+enum class Basis { Place, Event, Earlier, Machine };
+
 struct WarningName {
     std::string_view name;
     std::string_view meaning;  // half a sentence, for lists
+    Basis basis = Basis::Machine;
 };
 
 inline constexpr WarningName kWarningNames[] = {
     {"unreachable-state", "the machine never comes to the state"},
-    {"shadowed-transition", "earlier transitions always fire instead"},
+    {"shadowed-transition", "earlier transitions always fire instead", Basis::Earlier},
     {"endless-entering", "a cycle of EnteringState transitions; an error if none of them has a filter"},
-    {"never-true", "a filter that is always false, or filters that contradict each other"},
-    {"always-true", "a filter that is always true"},
-    {"unknown-attribute", "an attribute that the event type does not have"},
-    {"wrong-kind", "an attribute that the event type has, but not under the kind that the filter reads"},
-    {"missing-attribute", "an action that needs an attribute which the event type does not have"},
-    {"number-text", "a number that is not read to its end, or loses precision"},
-    {"nul-character", "a NUL in a text: in an operator what follows it is ignored, elsewhere it is cut off by others"},
-    {"context-ignored", "a comparison that never looks at the context"},
-    {"function-fallback", "an unknown function that reads as 0 or as the empty text"},
+    {"never-true", "a filter that is always false, or filters that contradict each other", Basis::Event},
+    {"always-true", "a filter that is always true", Basis::Event},
+    {"unknown-attribute", "an attribute that the event type does not have", Basis::Event},
+    {"wrong-kind", "an attribute that the event type has, but not under the kind that the filter reads", Basis::Event},
+    {"missing-attribute", "an action that needs an attribute which the event type does not have", Basis::Event},
+    {"number-text", "a number that is not read to its end, or loses precision", Basis::Place},
+    {"nul-character", "a NUL in a text: in an operator what follows it is ignored, elsewhere it is cut off by others",
+     Basis::Place},
+    {"context-ignored", "a comparison that never looks at the context", Basis::Event},
+    {"function-fallback", "an unknown function that reads as 0 or as the empty text", Basis::Place},
     {"trigger-storm", "a trigger again and again while equal events come"},
     {"mixed-processes", "a trigger to which events of different processes lead"},
     {"missing-falls-through", "a number that an event may lack, so that a later transition fires instead"},
-    {"unknown-key", "a key that is ignored"},
-    {"duplicate-key", "a key that is overwritten by a later one"},
-    {"trailing-text", "what stands behind the end of the document, and is not read"},
-    {"duplicate-id", "a configuration id that an earlier configuration has"},
-    {"truncated-id", "an id with a fraction, which is cut off"},
-    {"unused-timeout", "a transition on \"Timeout\", which nothing arms by itself"},
+    {"unknown-key", "a key that is ignored", Basis::Place},
+    {"duplicate-key", "a key that is overwritten by a later one", Basis::Place},
+    {"trailing-text", "what stands behind the end of the document, and is not read", Basis::Place},
+    {"duplicate-id", "a configuration id that an earlier configuration has", Basis::Place},
+    {"truncated-id", "an id with a fraction, which is cut off", Basis::Place},
+    {"unused-timeout", "a transition on \"Timeout\", which nothing arms by itself", Basis::Place},
     {"no-way-out", "a state that cannot be left and is not \"end\""},
 };
 
