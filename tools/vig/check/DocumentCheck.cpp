@@ -41,8 +41,11 @@ bool restsOnWhole(const Finding& finding, const MendedConfig& config) {
            (basis != Basis::Machine || config.areStatesKnown);
 }
 
-bool isSame(const Finding& left, const Finding& right) {
-    return left.name == right.name && left.place.path == right.place.path && left.severity == right.severity;
+// Tells whether both are found at the same place. The reasons for it may differ where what is refused always fires,
+// since it then is a reason itself.
+bool isSame(const Finding& left, const Finding& right, Mend mend) {
+    return left.name == right.name && left.place.path == right.place.path && left.severity == right.severity &&
+           (mend == Mend::Always || (left.message == right.message && left.hint == right.hint));
 }
 
 // Judges the configurations of one document.
@@ -75,14 +78,14 @@ class DocumentJudge {
     void judgeRefused(std::vector<Json::ArrayIndex> refused, const std::set<std::string>& faults) {
         ByConfig common = judgeMended(refused, faults, Mend::Never);
         const auto needsMore = [](const Finding& each) { return basisOf(each) > Basis::Event; };
-        for (const Mend mend : {Mend::Maybe, Mend::Always}) {
+        for (const Mend mend : {Mend::Maybe, Mend::MaybeEntering, Mend::Always}) {
             std::erase_if(refused,
                           [&](Json::ArrayIndex index) { return std::ranges::none_of(common[index], needsMore); });
             ByConfig others = judgeMended(refused, faults, mend);
             for (auto& [index, found] : common) {
                 std::erase_if(found, [&, &other = others[index]](const Finding& each) {
                     return needsMore(each) &&
-                           std::ranges::none_of(other, [&](const Finding& its) { return isSame(each, its); });
+                           std::ranges::none_of(other, [&](const Finding& its) { return isSame(each, its, mend); });
                 });
             }
         }

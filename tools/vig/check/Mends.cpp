@@ -6,10 +6,11 @@
 #include <utility>
 
 #include "rulesengine/State.h"
-#include "tools/vig/document/StrictJson.h"
+#include "vig/EventTypeNames.h"
 
 namespace Brenta::OS::VIG::Tool {
 
+using RulesEngine::EventType;
 using RulesEngine::State;
 
 namespace {
@@ -27,8 +28,9 @@ Json::Value filterOf(const char* op, const char* valueType, const char* leftType
 
 // Nothing that depends on draws is certain.
 Json::Value guardFor(Mend mend) {
-    return mend == Mend::Maybe ? filterOf("<", "double", "function", "PseudoRandomDouble", "0.5")
-                               : filterOf(mend == Mend::Never ? "!=" : "==", "integer", "constant", "0", "0");
+    return mend == Mend::Maybe || mend == Mend::MaybeEntering
+               ? filterOf("<", "double", "function", "PseudoRandomDouble", "0.5")
+               : filterOf(mend == Mend::Never ? "!=" : "==", "integer", "constant", "0", "0");
 }
 
 Json::Value actionFor(Mend mend) {
@@ -55,6 +57,7 @@ class Mender {
         }
         Json::Value& transitions = json["payload"]["data"]["transitions"];
         elsewhere = unusedState(transitions);
+        unusedEvent = unusedEventOf(transitions);
         forEach(transitions, path + ".payload.data.transitions", [&](Json::Value& each, const std::string& place) {
             if (isAtFault(place)) {
                 mendTransition(each, place);
@@ -79,6 +82,21 @@ class Mender {
             name += "?";
         }
         return name;
+    }
+
+    // No other transition comes before one on that event.
+    static std::string unusedEventOf(const Json::Value& transitions) {
+        std::string unused = "Test";
+        for (const auto& [type, name] : kEventTypeNames.pairs) {
+            const auto hasName = [text = Json::Value(std::string(name))](const Json::Value& each) {
+                return each.isObject() && each["event"] == text;
+            };
+            if (std::none_of(transitions.begin(), transitions.end(), hasName) && type != EventType::EnteringState &&
+                type != EventType::Timeout) {
+                unused = name;
+            }
+        }
+        return unused;
     }
 
     // Tells whether the value or something in it is at fault.
@@ -111,12 +129,14 @@ class Mender {
         }
         if (isLost("actions")) {
             replace("actions", Json::arrayValue);
-            transition["actions"].append(actionFor(mend));
+            if (mend != Mend::Never) {
+                transition["actions"].append(actionFor(mend));
+            }
         }
         const bool isEventLost = isLost("event");
         if (isEventLost) {
-            // Whatever comes later in the state comes too late for what happens on entering it.
-            replace("event", mend == Mend::Never ? "Test" : "EnteringState");
+            // In a state that is left as soon as it is entered no other event comes.
+            replace("event", mend == Mend::Always || mend == Mend::MaybeEntering ? "EnteringState" : unusedEvent);
             config.eventless.insert(path);
             isSure = false;
         }
@@ -149,7 +169,8 @@ class Mender {
     const std::set<std::string>& faults;
     const Mend mend;
     MendedConfig& config;
-    std::string elsewhere = {};  // a state that the machine does not have
+    std::string elsewhere = {};    // a state that the machine does not have
+    std::string unusedEvent = {};  // on which it has no transition
 };
 
 }  // namespace

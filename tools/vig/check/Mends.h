@@ -12,9 +12,10 @@ namespace Brenta::OS::VIG::Tool {
 // is judged with something in the place of what is refused that the library accepts, in ways that lie as far apart as
 // they can: what all of them have in common is said, and what is in between has that too.
 enum class Mend {
-    Never,  // what is refused keeps its transition from firing
-    Maybe,  // each event to which the rest of the transition does not say no fires it, or does not
-    Always  // each such event fires it, and what comes then has nothing to do with the rest of the machine
+    Never,          // what is refused keeps its transition from firing
+    Maybe,          // each event to which the rest of the transition does not say no fires it, or does not
+    MaybeEntering,  // likewise; if its event is refused, it is EnteringState
+    Always          // each such event fires it, and what comes then has nothing to do with the rest of the machine
 };
 
 struct MendedConfig {
