@@ -22,7 +22,7 @@
 
 A catalogue or a recording tells which attributes there are, in the place of those that the tool knows. Both add up.
 
-  $ document_of "$(transition start end Test "$(filters 'integer depth > =1')")" >rules.json
+  $ document_of "$(transition start end Test "$(filters 'integer depth > =1')" "$(actions Test)")" >rules.json
   $ echo '{"events":{"Test":{"int64":["level"]}},"context":{}}' >other.json
   $ vig check rules.json --strict --catalogue catalogue.json
   nothing found in 1 file

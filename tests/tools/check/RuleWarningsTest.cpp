@@ -35,7 +35,7 @@ Strings operator+(Strings all, const Strings& more) {
 }
 
 std::string onTest(const Strings& conditions) {
-    return support::transition("start", "end", "Test", support::filters(conditions));
+    return support::transition("start", "end", "Test", support::filters(conditions), R"([{"name":"Test"}])");
 }
 
 std::string entering(const std::string& from, const std::string& to, const Strings& conditions = {}) {
@@ -89,6 +89,12 @@ const std::pair<const char*, Strings (*)(int many)> kShapes[] = {
                    repeated(side, support::transition(to, from, event));
          }
          return all;
+     }},
+    {"shares that are drawn twice",
+     [](int many) {
+         const auto share = support::filters({"double PseudoRandomDouble() < =0.00#1"});
+         return repeated(many, support::transition("start", "a#", "Test", share)) +
+                repeated(many, support::transition("a#", "end", "Test", share, R"([{"name":"Test"}])"));
      }},
     {"states that nothing leads to, and a long name that they may be meant to have",
      [](int many) {

@@ -63,7 +63,7 @@ Of a long line only the neighbourhood of the place is shown, and nothing that wo
 
 The status tells errors from warnings, which may be allowed, and both from what cannot be read.
 
-  $ document_of "$(transition start end Test)" >clean.json
+  $ document_of "$(transition start end Test [] "$(actions Test)")" >clean.json
   $ sed 's/"id"/"x":1,&/' clean.json >warned.json
   $ vig check --strict clean.json
   nothing found in 1 file
@@ -103,7 +103,7 @@ What events show is shown by them on demand, and always to programs. They are as
 
   $ random='double PseudoRandomDouble() < =0.1'
   $ machines >shown.json <<EOF
-  > start end EnteringState | $random
+  > start end EnteringState | $random | Test
   > start hot ProcessMemoryHeartBeat | integer vmRssKB > =102400 | TriggerVelora; hot start ProcessMemoryHeartBeat | integer vmRssKB > =204800
   > EOF
   $ sed -i 's/{"configs":\[/&{"id":true},/' shown.json
@@ -146,13 +146,13 @@ What events show is shown by them on demand, and always to programs. They are as
 
 Warnings can be left out, and errors cannot.
 
-  $ vig check shown.json --allow no-way-out --allow endless-entering | tail -1
+  $ vig check shown.json --allow no-way-out --allow endless-entering --allow no-action | tail -1
   2 errors in 1 file
 
 What a thousand transitions leave of a number is decided, and so is a circle beside the way of a storm, and a state that
 only one name or none at all leaves.
 
-  $ below=$(transition start end Test "$(filters 'integer x < =-N')") above=$(transition start end Test "$(filters 'integer x > =N')")
+  $ below=$(transition start end Test "$(filters 'integer x < =-N')" "$(actions Test)") above=$(transition start end Test "$(filters 'integer x > =N')")
   $ document_of $(for n in {900..1}; do echo "${below/N/$n}" "${above/N/$n}"; done) >many.json
   $ machines >beside.json <<'END'
   > start a ProcessMemoryHeartBeat | integer vmRssKB > =10 | TriggerVelora; a b ProcessMemoryHeartBeat; b a ProcessMemoryHeartBeat | integer vmRssKB > =10; b start ProcessMemoryHeartBeat
@@ -166,7 +166,7 @@ What would take too long is left undecided, which is said: nine different number
   $ all="start end Test | "
   $ for n in {1..9}; do all+="integer a$n >= =1 & integer a$n <= =8 & "; done
   $ for n in {1..9}; do for m in {1..9}; do [ $n -ge $m ] || all+="integer a$n != a$m & "; done; done
-  $ all=${all% & }
+  $ all="${all% & } | Test"
   $ echo "$all" | machines >ways.json
   $ vig check ways.json
   ways.json: not decided: warnings may be missing of configs[0] (id 0)
@@ -177,7 +177,7 @@ What would take too long is left undecided, which is said: nine different number
   ],"errors":0,"warnings":0,"files":1,"undecided":[{"file":"ways.json","path":"configs[0]","id":0}]}
   $ vig check ways.json --format sarif | tail -1
   ],"invocations":[{"executionSuccessful":true,"toolExecutionNotifications":[{"level":"warning","message":{"text":"ways.json: warnings may be missing of configs[0] (id 0)"}}]}]}]}
-  $ for n in {0..6}; do echo "$all"; done | machines >ways.json
+  $ for n in {0..6}; do echo "$all"; all+=" Test"; done | machines >ways.json
   $ vig check ways.json clean.json
   ways.json: not decided: warnings may be missing of configs[0] (id 0), configs[1] (id 1), configs[2] (id 2), configs[3] (id 3), configs[4] (id 4) and 2 more
   nothing found in 2 files; not everything could be decided of 7 machines

@@ -10,7 +10,7 @@ What is found in the machine of each line, counted from 0: names, each with the 
 come states, then transitions behind others, and cycles that need no event.
 
   $ named() {
-  >   machines >rules.json; vig check rules.json "$@" | awk '
+  >   machines >rules.json; vig check --allow no-action rules.json "$@" | awk '
   >     / \[[a-z-]*\]$/ { name = (/: error: / ? "error " : "") substr($NF, 2, length($NF) - 2) }
   >     sub(/^    path: configs\[/, "") { line = $0 + 0; sub(/^[0-9]*\]\.payload\.data\.transitions/, "")
   >       sub(/operand1\.value/, "left"); sub(/operand2\.value/, "right")
@@ -102,7 +102,7 @@ Actions, attributes, and NULs.
   6: function-fallback [0].filters[0].right
   7: nul-character [0].filters[0].operator, nul-character [0].filters[1].operator
   8: nul-character [0].filters[0].left, nul-character [0].filters[1].right, nul-character [0].filters[2].right, nul-character [0].filters[3].left
-  9: number-text [0].filters[0].right, number-text [0].filters[1].left, function-fallback [0].filters[2].left
+  9: number-text [0].filters[0].right, number-text [0].filters[1].left, function-fallback [0].filters[2].left, invisible-character [0].filters[3].right
   10: nul-character [0].to_state, nul-character [1].from_state
 
 Filters that can never hold, and that always do.
@@ -150,7 +150,9 @@ And filters that may hold or not.
   > $cpu | double cpuAvgUtilization > =0 & double cpuAvgUtilization < =1e-300
   > $cpu | double cpuAvgUtilization != =nan & double cpuAvgUtilization != =1
   > EOF
-  nothing found in 1 file
+  1: exact-draw [0].filters[1].operator
+  7: repeated-draw [0].filters[1].left
+  8: wrong-unit [0].filters[1].right
 
 What no event does, by all that filters and transitions leave of it; and what some event does.
 
@@ -222,7 +224,7 @@ What no event does, by all that filters and transitions leave of it; and what so
 Numbers that are read as others, and those that are not.
 
   $ said() {
-  >   machines >rules.json; vig check rules.json "$@" | sed -nE 's/^[^ ]*: (warning|error)/\1/p; s/^    (hint:)/  \1/p'
+  >   machines >rules.json; vig check --allow no-action rules.json "$@" | sed -nE 's/^[^ ]*: (warning|error)/\1/p; s/^    (hint:)/  \1/p'
   > }
   $ said <<EOF | grep -v hint
   > $test | integer x > =12kB & integer x > =0x10 & integer x > =1e3 & integer x > =12.9 & double x > =1,5
@@ -242,6 +244,115 @@ Numbers that are read as others, and those that are not.
   warning: "-0.10000000000000000001" has more digits than a double holds, and is read as -0.10000000000000000555 [number-text]
   warning: "abc" is read as 0; "abc" is ignored [number-text]
   warning: "99999999999999999999" is no number within the range, and is read as 9223372036854775807 [number-text]
+
+Draws: which share they let through, and what comes of those that are let through and of the others.
+
+  $ most='double PseudoRandomDouble() > =0.1' half='double PseudoRandomDouble() < =0.5' camera='string processName == =camera'
+  $ named <<EOF
+  > $memory | $most $collect; $memory | double =0.25 <= PseudoRandomDouble() $collect
+  > $memory | double PseudoRandomDouble() >= =0.9 $collect; $memory | double PseudoRandomDouble() < =0.9 $collect; $memory | double PseudoRandomDouble() > =0.5 $collect
+  > start in EnteringState | $most; start end EnteringState; in end ProcessMemoryHeartBeat |$collect
+  > start out EnteringState | $most; out start Timeout; $memory | $big $collect
+  > start start ProcessMemoryHeartBeat | $most; $memory | $big $collect
+  > start a Test | $most; start b Test; a end ProcessMemoryHeartBeat |$collect; b end ProcessMemoryHeartBeat | $big $collect
+  > start start ZramHeartBeat | $most | LogZramHeartBeat; start end ZramHeartBeat || LogZramHeartBeat Test
+  > $memory | $big & $most | LogZramHeartBeat; $memory | $big $collect; $memory | $most & $camera | Test
+  > $memory | double PseudoRandomDouble() == =0.1 & double =0 != PseudoRandomDouble() & double PseudoRandomDouble() > =-0 $collect
+  > $cpu | double cpuAvgUtilization == PseudoRandomDouble() & double PseudoRandomDouble() != PseudoRandomDouble() & double cpuAvgUtilization < PseudoRandomDouble()
+  > $memory | $big & $random & $half & $most $collect
+  > start a Test | $random; a b Test | $random; b end ProcessMemoryHeartBeat | double =0.1 > PseudoRandomDouble() $collect
+  > start a Test | $random; a b Test | $half; b end ProcessMemoryHeartBeat |$collect
+  > start a ProcessMemoryHeartBeat | $big & $random $collect; a end ProcessMemoryHeartBeat | $big & $random $collect
+  > start a Test | $half; start b Test; a c Test | $half; a d Test; b end ProcessMemoryHeartBeat |$collect; c end ProcessMemoryHeartBeat |$collect; d end ProcessMemoryHeartBeat |$collect
+  > start a Test | $random; start a Timeout; a end ProcessMemoryHeartBeat | $random $collect
+  > start a Test | $random; a start Test; a b Timeout || Test; b end ProcessMemoryHeartBeat | $random $collect
+  > start a ProcessMemoryHeartBeat | $camera & $big & $random; a start ProcessMemoryHeartBeat | $camera & integer vmRssKB <= =10; a end ProcessMemoryHeartBeat | $camera & $random $collect; a start ProcessMemoryHeartBeat | $camera
+  > EOF
+  0: inverted-share [0].filters[0].operator, inverted-share [1].filters[0].operator
+  2: inverted-share [0].filters[0].operator
+  3: unused-timeout [1].event
+  7: missing-attribute [0].actions[0], inverted-share [2].filters[0].operator
+  8: exact-draw [0].filters[0].operator, exact-draw [0].filters[1].operator, exact-draw [0].filters[2].operator
+  9: exact-draw [0].filters[0].operator, exact-draw [0].filters[1].operator
+  10: repeated-draw [0].filters[2].left, repeated-draw [0].filters[3].left
+  11: repeated-draw [1].filters[0].left, repeated-draw [2].filters[0].right
+  13: mixed-processes [1].actions[0]
+  15: unused-timeout [1].event
+  16: unused-timeout [2].event
+  17: repeated-draw [2].filters[1].left
+
+Types of operands, units, and what cannot be seen.
+
+  $ named --catalogue catalogue.json <<EOF
+  > start end ForegroundAppsStats | integer n > 5 & string =a == on & double 1e3 > =1
+  > EOF
+  0: operand-type [0].filters[0].operand2.type, wrong-kind [0].filters[1].right, operand-type [0].filters[2].operand1.type
+  $ named <<EOF
+  > $memory | integer vmRssKB > 204800 & string processName == camera & string =processName == music & double PseudoRandomDouble < =0.1
+  > $memory | string proccessName == processName & string processName == =vmRssKB & integer vmRssKB > vmSwap & string 5 == =a
+  > $memory | integer =vmRssKB > =5 & double =PseudoRandomDouble < =0.1 & integer =5 < =vmSwapKb
+  > $test | string a == b & integer 17 < =1 & string PseudoRandomDouble == =a
+  > $memory | integer vmRssKB > =67108864 & integer vmRssKB > =67108865 & integer vmRssKB < =68719476736 & integer vmRssKB < =68719476737
+  > $cpu | double cpuAvgUtilization > =0.4 & double =1 < cpuAvgUtilization & double cpuAvgUtilization > =0 & double cpuAvgUtilization > =-0.5
+  > $test | double aShare > =1 & double aShare > =40 & integer ramMB < =65536 & integer ramMB < =4194304 & integer sizeBytes > =99999999999 & string sizeKB > =9999999999
+  > start \u00a0a Test; \u00a0a b\ufeff Test || Test; b\ufeff c\u200d Test; c\u200d d\u2764\ufe0f Test; d\u2764\ufe0f e\u200df\u200b Test; e\u200df\u200b g\u00adh Test; g\u00adh i\tj Test; i\tj end Test
+  > $memory | string processName\u3000 == =a\t & string processName != =\u2009 & string processName >= =a\u00a0 & integer \u200bpid > =7
+  > EOF
+  0: operand-type [0].filters[0].operand2.type, operand-type [0].filters[1].operand2.type, operand-type [0].filters[2].operand1.type, operand-type [0].filters[2].operand2.type, operand-type [0].filters[3].operand1.type
+  1: unknown-attribute [0].filters[0].left, unknown-attribute [0].filters[2].right, operand-type [0].filters[3].operand1.type
+  2: operand-type [0].filters[0].operand1.type, operand-type [0].filters[1].operand1.type, never-true [0].filters[2], number-text [0].filters[2].right
+  3: operand-type [0].filters[1].operand1.type
+  4: wrong-unit [0].filters[1].right, wrong-unit [0].filters[2].right
+  5: wrong-unit [0].filters[0].right
+  6: wrong-unit [0].filters[1].right, wrong-unit [0].filters[3].right
+  7: invisible-character [0].to_state, invisible-character [1].from_state, invisible-character [1].to_state, invisible-character [2].from_state, invisible-character [2].to_state, invisible-character [3].from_state, invisible-character [4].to_state, invisible-character [5].from_state, invisible-character [5].to_state, invisible-character [6].from_state, invisible-character [6].to_state, invisible-character [7].from_state
+  8: invisible-character [0].filters[0].left, invisible-character [0].filters[0].right, invisible-character [0].filters[1].right, invisible-character [0].filters[3].left
+  $ cat >events.jsonl <<'EOF'
+  > {"event":"ProcessMemoryHeartBeat","int64":{"vmRssKB":8000,"vmSwapKB":0},"double":{"aMs":40.5},"string":{"processName":"a"}}
+  > {"event":"ProcessMemoryHeartBeat","int64":{"vmRssKB":400000,"vmSwapKB":20},"double":{"aMs":2000},"string":{"processName":"a"}}
+  > EOF
+  $ ways() { echo "start a ProcessMemoryHeartBeat | $1; a b ProcessMemoryHeartBeat | $2; b c ProcessMemoryHeartBeat | $3; c end ProcessMemoryHeartBeat | $4"; }
+  $ named --events events.jsonl <<EOF
+  > $(ways 'integer vmRssKB > =300' 'integer vmRssKB > =900' 'integer vmRssKB < =1' 'integer vmRssKB < =200')
+  > $(ways 'integer vmRssKB > =10000000' 'integer vmRssKB > =300000000' 'integer vmRssKB <= =16000000' 'integer vmRssKB < =400001')
+  > $(ways 'integer vmSwapKB > =1' 'integer vmSwapKB > =0' 'integer vmSwapKB > =20480' 'integer vmSwapKB > =5000')
+  > $(ways 'double aMs > =2' 'double aMs > =5' 'double aMs > =2000000' 'double =40 == aMs')
+  > EOF
+  0: wrong-unit [0].filters[0].right, wrong-unit [3].filters[0].right
+  1: wrong-unit [1].filters[0].right, wrong-unit [2].filters[0].right
+  2: wrong-unit [2].filters[0].right
+  3: wrong-unit [0].filters[0].right
+
+Whole machines, which are the same whatever their states are called, and with no action.
+
+  $ machines >rules.json <<EOF
+  > start a Test; a end Test || Test
+  > start b Test; b end Test || Test
+  > start end Test; end a Test || Test
+  > start b Test; b end Test | string a == =1:b | Test
+  > start b Test; b end Test | string a == =1:c | Test
+  > start b Test; b end Test | integer a == =1 | Test
+  > start b Test; b end Test | integer a == 1 | Test
+  > start c Test; c end Test | integer a == =1 | Test
+  > start a Test
+  > EOF
+  $ vig check rules.json | grep -A3 -E '(copied-configuration|no-action)'
+  rules.json:1:243: warning: this machine does the same as that of configs[0], whose id is 0 [copied-configuration]
+      \xe2\x80\xa6,"actions":[{"name":"Test"}]}]}}},{"id":1,"payload":{"id":1,"data":{"transitions":[{"from_state":"st\xe2\x80\xa6 (esc)
+                                               ^
+      path: configs[1].id
+  --
+  rules.json:1:2085: warning: this machine does the same as that of configs[5], whose id is 5 [copied-configuration]
+      \xe2\x80\xa6,"actions":[{"name":"Test"}]}]}}},{"id":7,"payload":{"id":1,"data":{"transitions":[{"from_state":"st\xe2\x80\xa6 (esc)
+                                               ^
+      path: configs[7].id
+  --
+  rules.json:1:2433: warning: no transition of this machine has an action, so that nothing comes of whatever happens [no-action]
+      \xe2\x80\xa6,"actions":[{"name":"Test"}]}]}}},{"id":8,"payload":{"id":1,"data":{"transitions":[{"from_state":"st\xe2\x80\xa6 (esc)
+                                               ^
+      path: configs[8].id
+  $ document "$(config 7)" "$(config 8)" >rules.json; vig check rules.json
+  nothing found in 1 file
 
 The whole of what is said.
 
@@ -268,6 +379,11 @@ The whole of what is said.
   > start hot ProcessMemoryHeartBeat; hot end ProcessMemoryHeartBeat | $big $collect
   > start hot Test; hot end Test | integer =5 < n; hot start Test
   > start s1 EnteringState $(for n in {1..1005}; do echo "; s$n s$((n + 1)) EnteringState"; done | tr -d '\n')
+  > $memory | $most $collect
+  > start in EnteringState | $random; in a Test | $random; a end ProcessMemoryHeartBeat | $random & double PseudoRandomDouble() >= =0.2 & double PseudoRandomDouble() < =0.3 $collect
+  > $cpu | double PseudoRandomDouble() == =0.1 & double cpuAvgUtilization != PseudoRandomDouble() & double PseudoRandomDouble() > =0 & double cpuAvgUtilization > =0.4
+  > $memory | integer vmRssKB > 204800 & string =processName == camera & double =PseudoRandomDouble < =0.1 & integer vmRssKB > =314572800
+  > $test | double aShare > =40 & string a\u00a0 == =\u200b & string a == =b\u0020
   > EOF
   warning: "hot" is left here and never entered, and "hto" is entered in transitions[0] and never left [unreachable-state]
     hint: write the same name in both places
@@ -356,3 +472,39 @@ The whole of what is said.
     hint: mend what leads there, or leave it out
   warning: the machine never comes to "s1004", nor to "s1003" before it; likewise 2 more behind these [unreachable-state]
     hint: mend what leads there, or leave it out
+  warning: `PseudoRandomDouble() > 0.1` lets 90 % through, not 10 % [inverted-share]
+    hint: write PseudoRandomDouble() < 0.1 if 10 % is meant, otherwise write PseudoRandomDouble() < 0.9
+  warning: `PseudoRandomDouble() < 0.1` draws anew, after transitions[0] on the way here: both together let 1 % through [repeated-draw]
+    hint: leave the filter out here, or there
+  warning: `PseudoRandomDouble() < 0.1` draws anew, after transitions[1] on the way here: all together let 0.1 % through [repeated-draw]
+    hint: leave the filter out here, or there
+  warning: `PseudoRandomDouble() >= 0.2` draws anew, after `PseudoRandomDouble() < 0.1`: both together let 8 % through [repeated-draw]
+    hint: leave one of them out
+  warning: `PseudoRandomDouble() < 0.3` draws anew, after `PseudoRandomDouble() >= 0.2`: all together let 2.4 % through [repeated-draw]
+    hint: leave one of them out
+  warning: `PseudoRandomDouble() == 0.1` is as good as never true: a draw is hardly ever just one number [exact-draw]
+    hint: write PseudoRandomDouble() < 0.1 to let that share through
+  warning: `cpuAvgUtilization != PseudoRandomDouble()` is as good as always true: a draw is hardly ever just one number [exact-draw]
+    hint: compare by "<"
+  warning: `PseudoRandomDouble() > 0` is as good as always true: a draw is hardly ever just one number [exact-draw]
+    hint: write PseudoRandomDouble() < 0.1 to let 10 % through
+  warning: cpuAvgUtilization is in percent, so that 0.4 is less than one percent [wrong-unit]
+    hint: write 40 if 40 % is meant
+  warning: "204800" is a number, but is looked for as an attribute [operand-type]
+    hint: write "type": "constant" if the value itself is meant
+  warning: "processName" is the text itself here, not the attribute of that name [operand-type]
+    hint: write "type": "envvar" if the attribute is meant
+  warning: "camera" is looked for as an attribute, which ProcessMemoryHeartBeat events are not known to have [operand-type]
+    hint: write "type": "constant" if the value itself is meant
+  warning: "PseudoRandomDouble" is the text itself here, not the function of that name [operand-type]
+    hint: write "type": "function" if the function is meant
+  warning: vmRssKB is in kB, so that 314572800 is 300 GB [wrong-unit]
+    hint: write 307200 if 300 MB is meant
+  warning: aShare is a share from 0 to 1, and 40 is none [wrong-unit]
+    hint: write 0.4 if 40 % is meant
+  warning: "a\xc2\xa0" has U+00A0 (no-break space) at its end [invisible-character] (esc)
+    hint: write "a"
+  warning: "\xe2\x80\x8b" has U+200B (zero-width space) at its beginning [invisible-character] (esc)
+    hint: write a name that can be seen
+  warning: "b " has a space at its end [invisible-character]
+    hint: write "b"

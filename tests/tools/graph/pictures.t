@@ -10,7 +10,7 @@ Transitions are numbered within their state, and marked with what is wrong with 
   stateDiagram-v2
       classDef final stroke-width:4px
       classDef unreachable fill:white,color:grey,stroke:grey
-      state "configuration 7" as c0 {
+      state "configuration 7<br/>\xe2\x9a\xa0 no-action" as c0 { (esc)
       [*] --> c0s0
       state "start" as c0s0
       state "a" as c0s1

@@ -50,7 +50,7 @@ class WatchCommand : public testing::Test {
         const std::string half = support::filters({"double PseudoRandomDouble() < =0.5"});
         return document({
             config(1, {transition("start", "start", "ProcessMemoryHeartBeat", half, R"([{"name":"TriggerVelora"}])")}),
-            config(2, {transition("start", reached, "SystemMemoryHeartBeat")}),
+            config(2, {transition("start", reached, "SystemMemoryHeartBeat", "[]", R"([{"name":"Test"}])")}),
         });
     }
 

@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <cstdint>
 #include <utility>
 #include <vector>
 
@@ -161,6 +163,22 @@ void Catalogue::learn(const EventRecord& record) {
             place->second.add(static_cast<AttributeKind>(kind));
         }
     }
+    learnNumbers<std::int64_t>(record, AttributeKind::Int64);
+    learnNumbers<double>(record, AttributeKind::Double);
+}
+
+template <typename Number>
+void Catalogue::learnNumbers(const EventRecord& record, AttributeKind kind) {
+    auto& ranges = numbers[{record.type, kind}];
+    for (const std::string_view name : record.attributes.names(kind)) {
+        const auto number = static_cast<double>(record.attributes.find<Number>(name).value_or(0));
+        const auto place = ranges.find(name);
+        if (place == ranges.end()) {
+            ranges.emplace(name, RecordedRange{number, number});
+        } else {
+            place->second = {std::min(place->second.least, number), std::max(place->second.most, number)};
+        }
+    }
 }
 
 const CataloguedAttributes* Catalogue::find(EventType type) const {
@@ -179,6 +197,15 @@ bool Catalogue::promises(EventType type, std::string_view name, AttributeKind ki
 
 bool Catalogue::promisesInContext(std::string_view name, AttributeKind kind) const {
     return haveKind(contextAttributes, name, kind);
+}
+
+const RecordedRange* Catalogue::recorded(EventType type, std::string_view name, AttributeKind kind) const {
+    const auto ranges = numbers.find({type, kind});
+    if (ranges == numbers.end()) {
+        return nullptr;
+    }
+    const auto found = ranges->second.find(name);
+    return found == ranges->second.end() ? nullptr : &found->second;
 }
 
 std::string Catalogue::text() const {

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "rulesengine/EventType.h"
 #include "tools/vig/document/DocumentText.h"
@@ -31,6 +32,12 @@ class KindSet {
     std::bitset<kKindNames.size()> bits;
 };
 
+// It has the least and the greatest number that was recorded of an attribute.
+struct RecordedRange {
+    double least;
+    double most;
+};
+
 using CataloguedAttributes = std::map<std::string, KindSet, std::less<>>;
 
 // It says which attributes the events of each type have, and which the machines' contexts have.
@@ -48,7 +55,7 @@ class Catalogue {
     static std::optional<Catalogue> readFrom(const std::string& path, const Interruption& interruption,
                                              std::string& problem);
 
-    // Adds the attributes that an event has, as far as they are not known.
+    // Adds the attributes that an event has, as far as they are not known, and their numbers.
     void learn(const EventRecord& record);
 
     // Returns null if nothing is known about events of the type. EnteringState events are known to have none.
@@ -60,6 +67,9 @@ class Catalogue {
     bool promises(RulesEngine::EventType type, std::string_view name, AttributeKind kind) const;
     bool promisesInContext(std::string_view name, AttributeKind kind) const;
 
+    // Returns null if no number of the attribute was learned. The kind is Int64 or Double.
+    const RecordedRange* recorded(RulesEngine::EventType type, std::string_view name, AttributeKind kind) const;
+
     // The catalogue as JSON that read() reads back to an equal one: the types in the order of the library's table,
     // the names in byte order.
     std::string text() const;
@@ -67,7 +77,13 @@ class Catalogue {
   private:
     class Filling;
 
+    using Ranges = std::map<std::string, RecordedRange, std::less<>>;
+
+    template <typename Number>
+    void learnNumbers(const EventRecord& record, AttributeKind kind);
+
     std::map<RulesEngine::EventType, CataloguedAttributes> events;
+    std::map<std::pair<RulesEngine::EventType, AttributeKind>, Ranges> numbers;
     CataloguedAttributes contextAttributes;
 };
 

@@ -72,6 +72,7 @@ class DocumentJudge {
                 findings.undecided.push_back({configs[index].place.path, configs[index].id});
             }
         }
+        appendCopyWarnings(configs, findings.all);
     }
 
     // Says of each what is true of it however it will be mended.

@@ -15,7 +15,11 @@ void appendRuleWarnings(Judged& machine, std::vector<Finding>& found) {
         }
         appendNulWarnings(transition, found);
         appendAttributeWarnings(transition, machine.surroundings.catalogue, machine.surroundings.registry, found);
+        appendTypeWarnings(transition, machine.surroundings.catalogue, machine.surroundings.registry, since, found);
+        appendInvisibleWarnings(transition, since, found);
         machine.logics.push_back(judgeFilters(machine, index, since, found));
+        appendUnitWarnings(transition, machine.surroundings.catalogue, found);
+        appendDrawWarnings(transition, found);
     }
     appendShadowWarnings(machine, found);
     appendEnteringWarnings(machine, found);
@@ -23,6 +27,8 @@ void appendRuleWarnings(Judged& machine, std::vector<Finding>& found) {
     appendStormWarnings(machine, found);
     appendFallThroughWarnings(machine, found);
     appendProcessWarnings(machine, found);
+    appendSamplingWarnings(machine, found);
+    appendActionWarnings(machine.config, found);
     std::ranges::stable_sort(found.begin() + before, found.end(), {},
                              [](const Finding& each) { return each.place.begin; });
 }

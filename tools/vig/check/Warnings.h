@@ -2,7 +2,9 @@
 
 #include <json/value.h>
 
+#include <algorithm>
 #include <cstddef>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -64,6 +66,20 @@ void appendNulWarnings(const TransitionModel& transition, std::vector<Finding>& 
 void appendAttributeWarnings(const TransitionModel& transition, const Catalogue& catalogue,
                              const VIGParserConfig& registry, std::vector<Finding>& found);
 
+// Warns of blanks at the ends of names, and of characters in them that nobody sees. `since` is as below.
+void appendInvisibleWarnings(const TransitionModel& transition, std::size_t since, std::vector<Finding>& found);
+
+// Warns of operands whose type is that of another one, such as a number that is looked for as an attribute. What has
+// been found since that place is about the transition; what this explains is taken out.
+void appendTypeWarnings(const TransitionModel& transition, const Catalogue& catalogue, const VIGParserConfig& registry,
+                        std::size_t since, std::vector<Finding>& found);
+
+// Warns of numbers that are of another unit than their attribute.
+void appendUnitWarnings(const TransitionModel& transition, const Catalogue& catalogue, std::vector<Finding>& found);
+
+// Warns of draws that are compared for equality, and of a transition that draws twice.
+void appendDrawWarnings(const TransitionModel& transition, std::vector<Finding>& found);
+
 // Returns what the filters come to. Warns of those that are always or never true, and that contradict each other. What
 // has been found since that place is about the transition.
 FilterLogic judgeFilters(Judged& machine, std::size_t transition, std::size_t since, std::vector<Finding>& found);
@@ -89,12 +105,27 @@ void appendFallThroughWarnings(Judged& machine, std::vector<Finding>& found);
 // Warns of a trigger to which events of several processes lead.
 void appendProcessWarnings(Judged& machine, std::vector<Finding>& found);
 
+// Warns of shares that are on the wrong side, and that are drawn again on the way.
+void appendSamplingWarnings(Judged& machine, std::vector<Finding>& found);
+
+// Warns of a machine without any action.
+void appendActionWarnings(const ConfigModel& config, std::vector<Finding>& found);
+
+// Warns of machines that do the same as an earlier one.
+void appendCopyWarnings(std::span<const ConfigModel> configs, std::vector<Finding>& found);
+
 // Returns the attributes that the action needs and events of the type are known not to have, as a list for people.
 std::string missingFor(const ActionModel& action, RulesEngine::EventType event, const Catalogue& catalogue);
 
 inline void warn(std::vector<Finding>& found, std::string_view name, Place place, std::string message,
                  std::string hint = {}) {
     found.push_back({Severity::Warning, std::string(name), std::move(place), std::move(message), std::move(hint)});
+}
+
+// Takes out what has been found since then and stands there: its cause is about to be told.
+inline void takeOutAt(const Place& place, std::size_t since, std::vector<Finding>& found) {
+    const auto isThere = [&](const Finding& each) { return each.place.begin == place.begin; };
+    found.erase(std::remove_if(found.begin() + static_cast<std::ptrdiff_t>(since), found.end(), isThere), found.end());
 }
 
 // Returns what suggestion() gives, standing alone.

@@ -1,0 +1,126 @@
+// A number for an attribute is taken for one of another unit where it makes no sense as it is and some as the other: by
+// what devices have, or by what was recorded. A limit that no recorded value has come to is no mistake by itself.
+#include <cmath>
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "tools/vig/check/Warnings.h"
+#include "tools/vig/document/NormalFilter.h"
+#include "tools/vig/document/Units.h"
+#include "tools/vig/words/Text.h"
+#include "vig/parsers/NumberText.h"
+
+namespace Brenta::OS::VIG::Tool {
+
+namespace {
+
+constexpr std::string_view kName = "wrong-unit";
+constexpr double kMostMemory = 64.0 * 1024 * 1024 * 1024;  // in bytes, that a device has
+
+// A limit is likely to be so much less than what was recorded at most, or so much more.
+constexpr double kBelow = 4;
+constexpr double kAbove = 2;
+
+class UnitJudge {
+  public:
+    UnitJudge(const FilterModel& filter, const Unit& unit, const RecordedRange* recorded, std::vector<Finding>& found)
+        : normal(normalFormOf(filter)),
+          attribute(normal.left.operand.value),
+          number(readNearest<double>(normal.right.operand.value)),
+          unit(unit),
+          recorded(recorded),
+          found(found) {}
+
+    void judge() {
+        if (!(number > 0) || std::isinf(number)) {
+            return;
+        }
+        if (unit.quantity == Quantity::Share) {
+            judgeShare();
+            return;
+        }
+        const double step = stepOf(unit.quantity);
+        if (isTooLarge(number / step)) {
+            warnOf(number / step);
+        } else if (isTooSmall(number * step)) {
+            warnOf(number * step);
+        }
+    }
+
+  private:
+    void judgeShare() {
+        const bool isPercent = unit.size < 1;
+        if (isPercent && number < 1) {
+            warn(found, kName, normal.right.place,
+                 shownName(attribute) + " is in percent, so that " + shownNumber(number) + " is less than one percent",
+                 "write " + shownNumber(number * 100) + " if " + shownPercent(number) + " is meant");
+        } else if (!isPercent && number > 1) {
+            warn(found, kName, normal.right.place,
+                 shownName(attribute) + " is a share from 0 to 1, and " + shownNumber(number) + " is none",
+                 "write " + shownNumber(number / 100) + " if " + shownPercent(number / 100) + " is meant");
+        }
+    }
+
+    static std::string shownPercent(double share) { return shownNumber(share * 100) + " %"; }
+
+    bool isBelow() const { return normal.op == FilterOperator::Less || normal.op == FilterOperator::LessEqual; }
+
+    bool isTooLarge(double meant) const {
+        // There is no smaller unit.
+        if (unit.size <= 1) {
+            return false;
+        }
+        if (unit.quantity == Quantity::Memory && number * unit.size > kMostMemory && meant * unit.size <= kMostMemory) {
+            return true;
+        }
+        return recorded != nullptr && number > recorded->most &&
+               isNear(meant, isBelow() ? recorded->least : recorded->most);
+    }
+
+    bool isTooSmall(double meant) const {
+        return recorded != nullptr && number < recorded->least && meant >= recorded->least / kBelow &&
+               meant <= recorded->most * (isBelow() ? 1 : kAbove);
+    }
+
+    static bool isNear(double meant, double value) { return meant >= value / kBelow && meant <= value * kAbove; }
+
+    void warnOf(double meant) {
+        const std::string usual = shownIn(unit, number);
+        std::string message = shownName(attribute) + " is in " + std::string(unit.name);
+        if (!usual.ends_with(unit.name)) {
+            message += ", so that " + shownNumber(number) + " is " + usual;
+        }
+        if (recorded != nullptr && number > recorded->most) {
+            message += ": no recorded one was above " + shownNumber(recorded->most);
+        } else if (recorded != nullptr && number < recorded->least) {
+            message += ": no recorded one was below " + shownNumber(recorded->least);
+        }
+        warn(found, kName, normal.right.place, message,
+             "write " + shownNumber(std::round(meant)) + " if " + shownIn(unit, meant) + " is meant");
+    }
+
+    const NormalFilter normal;
+    const std::string& attribute;
+    const double number;
+    const Unit& unit;
+    const RecordedRange* const recorded;
+    std::vector<Finding>& found;
+};
+
+}  // namespace
+
+void appendUnitWarnings(const TransitionModel& transition, const Catalogue& catalogue, std::vector<Finding>& found) {
+    for (const FilterModel& filter : transition.filters) {
+        const NormalFilter normal = normalFormOf(filter);
+        const std::string& name = normal.left.operand.value;
+        const Unit* const unit = unitOf(name);
+        if (filter.valueType == FilterValueType::String || !isAttribute(normal.left) || !isConstant(normal.right) ||
+            unit == nullptr) {
+            continue;
+        }
+        UnitJudge(filter, *unit, catalogue.recorded(transition.event, name, kindOf(filter.valueType)), found).judge();
+    }
+}
+
+}  // namespace Brenta::OS::VIG::Tool
