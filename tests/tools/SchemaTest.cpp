@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <iterator>
 #include <random>
 #include <set>
 #include <string>
@@ -16,6 +17,7 @@
 #include "tests/tools/ToolRun.h"
 #include "tools/vig/catalogue/ActionNeeds.h"
 #include "tools/vig/catalogue/Catalogue.h"
+#include "tools/vig/check/DocumentCheck.h"
 #include "tools/vig/document/DocumentText.h"
 #include "tools/vig/document/Registry.h"
 #include "tools/vig/events/LineReader.h"
@@ -67,19 +69,15 @@ void collect(Json::Value& value, std::vector<Json::Value*>& all) {
     }
 }
 
-// Changes the seeds at up to two places, and expects that the schema accepts of the results what `accepts` does, and
-// its own examples and these besides. `replacements` is a JSON array.
-void compare(const std::string& name, const Accepts& accepts, const Strings& seeds, const std::string& replacements,
-             const Strings& examples) {
+// Returns so many of the seeds, each changed at up to two places. `replacements` is a JSON array.
+Strings changed(const Strings& seeds, const std::string& replacements, int rounds) {
     std::mt19937 random(1);
     const auto anyOf = [&](const auto& several) -> auto& {
         return several[static_cast<unsigned>(random() % several.size())];
     };
     const Json::Value others = parsed(replacements);
     Strings texts;
-    std::vector<bool> accepted;
-    constexpr int kRounds = 6000;
-    for (int round = 0; round < kRounds; ++round) {
+    for (int round = 0; round < rounds; ++round) {
         Json::Value value = parsed(anyOf(seeds));
         for (auto changes = random() % 3; changes > 0; --changes) {
             std::vector<Json::Value*> all;
@@ -93,8 +91,35 @@ void compare(const std::string& name, const Accepts& accepts, const Strings& see
             }
         }
         texts.push_back(oneLine(value));
-        accepted.push_back(accepts(texts.back()));
     }
+    return texts;
+}
+
+// Returns for each text whether the schema accepts it.
+std::vector<bool> verdictsOf(const std::string& name, const Strings& texts) {
+    std::string lines;
+    for (const std::string& text : texts) {
+        lines += oneLine(parsed(text)) + "\n";
+    }
+    const support::TemporaryFolder folder;
+    const std::string output = support::outputOf("'" VIG_SOURCE_DIR "/tests/tools/schema_verdicts.py' '" + kSchemas +
+                                                 name + "' <" + folder.write("texts", lines).string());
+    EXPECT_EQ(output.size(), 2 * texts.size()) << output;
+    std::vector<bool> verdicts;
+    for (std::size_t index = 0; index < output.size(); index += 2) {
+        verdicts.push_back(output[index] == '1');
+    }
+    verdicts.resize(texts.size());
+    return verdicts;
+}
+
+// Expects that the schema accepts of changed seeds what `accepts` does, and its own examples and these besides.
+void compare(const std::string& name, const Accepts& accepts, const Strings& seeds, const std::string& replacements,
+             const Strings& examples) {
+    constexpr int kRounds = 6000;
+    Strings texts = changed(seeds, replacements, kRounds);
+    std::vector<bool> accepted;
+    std::ranges::transform(texts, std::back_inserter(accepted), accepts);
     const auto count = std::count(accepted.begin(), accepted.end(), true);
     EXPECT_GT(count, kRounds / 5);
     EXPECT_LT(count, kRounds * 4 / 5);
@@ -102,19 +127,12 @@ void compare(const std::string& name, const Accepts& accepts, const Strings& see
         texts.push_back(oneLine(each));
     }
     for (const std::string& each : examples) {
-        texts.push_back(oneLine(parsed(each)));
+        texts.push_back(each);
     }
     accepted.resize(texts.size(), true);
-    std::string lines;
-    for (const std::string& text : texts) {
-        lines += text + "\n";
-    }
-    const support::TemporaryFolder folder;
-    const std::string output = support::outputOf("'" VIG_SOURCE_DIR "/tests/tools/schema_verdicts.py' '" + kSchemas +
-                                                 name + "' <" + folder.write("texts", lines).string());
-    ASSERT_EQ(output.size(), 2 * texts.size()) << output;
+    const std::vector<bool> verdicts = verdictsOf(name, texts);
     for (std::size_t index = 0; index < texts.size(); ++index) {
-        EXPECT_EQ(output[2 * index] == '1', accepted[index]) << texts[index];
+        EXPECT_EQ(verdicts[index], accepted[index]) << texts[index];
     }
 }
 
@@ -144,6 +162,47 @@ TEST(Schemas, RuleDocumentAcceptsWhatTheLibraryAccepts) {
         R"([null, 0, -1.5, 2147483648.5, -2147483649.0, 1e300, true, "", "x", [], {}, "9e9", "integer", "double", " +7",)"
         R"("string", "nan", "\u000b7", "\u00a07", "function", "constant", "envvar", ">=", "Test", "PseudoRandomDouble"])",
         examples);
+}
+
+TEST(Schemas, StrictRuleDocumentRefusesOnlyWhatIsWarnedOf) {
+    const auto documentWith = [](const std::string& state, const Strings& conditions) {
+        return support::documentOf({support::transition("start", state, "Test", support::filters(conditions),
+                                                        R"([{"name":"Test","comment":"x"}])"),
+                                    support::transition(state, "end", "Test")});
+    };
+    const std::string draw = "double PseudoRandomDouble() ";
+    Strings seeds = support::exampleDocuments();
+    seeds.push_back(documentWith("a", {draw + "< =0.1", "string a == =b", "integer x > =1", "double =1.5e3 <= y"}));
+    seeds.push_back(documentWith("b", {"double a > PseudoRandomDouble()", "string a < = b ", "double =-0x1p3 >= a"}));
+    Strings texts = changed(
+        seeds,
+        R"([null, 2.5, true, "x", "a ", "\u00a0a", "7", "-1", "1.5", " 12", "12kB", "1e-3", "1.", ".5", "0x1p-3",)"
+        R"("==", "!=", "integer", "double", "string", "function", "constant", "envvar", [], {}])",
+        3000);
+    const Strings refused = {documentWith("a ", {}),
+                             documentWith("\u200ba", {}),
+                             documentWith("a", {draw + "== =0.1"}),
+                             documentWith("a", {draw + "< =10"}),
+                             documentWith("a", {"integer x > 7"}),
+                             documentWith("a", {"string x != =\tcamera"}),
+                             documentWith("a", {"integer x > =12kB"}),
+                             support::documentOf({support::transition("start", "end", "Test")})};
+    texts.insert(texts.end(), refused.begin(), refused.end());
+    const auto accepted = verdictsOf("rule-document.schema.json", texts);
+    const auto strict = verdictsOf("rule-document.strict.schema.json", texts);
+    std::size_t count = 0;
+    for (std::size_t index = 0; index < texts.size(); ++index) {
+        EXPECT_TRUE(accepted[index] || !strict[index]) << texts[index];
+        EXPECT_TRUE(!strict[index] || index + refused.size() < texts.size()) << texts[index];
+        if (accepted[index] && !strict[index]) {
+            ++count;
+            EXPECT_FALSE(
+                findingsIn(DocumentText("", texts[index]), libraryRegistry(), Catalogue::builtIn()).all.empty())
+                << texts[index];
+        }
+    }
+    EXPECT_GT(count, 50U);
+    EXPECT_EQ(verdictsOf("rule-document.strict.schema.json", seeds), std::vector<bool>(seeds.size(), true));
 }
 
 TEST(Schemas, EventRecordAcceptsWhatTheToolReads) {

@@ -26,8 +26,7 @@ constexpr std::size_t kNone = std::numeric_limits<std::size_t>::max();
 class SamplingJudge {
   public:
     SamplingJudge(Judged& machine, std::vector<Finding>& found)
-        : machine(machine),
-          behaviour(machine.possible),
+        : behaviour(machine.possible),
           transitions(machine.config.transitions),
           found(found),
           outgoing(behaviour.stateCount()) {
@@ -225,7 +224,6 @@ class SamplingJudge {
              "leave the filter out here, or there");
     }
 
-    Judged& machine;
     Behaviour& behaviour;
     const std::vector<TransitionModel>& transitions;
     std::vector<Finding>& found;
