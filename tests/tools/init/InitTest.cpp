@@ -83,6 +83,12 @@ TEST_F(Init, AsksAPersonUntilTheAnswersAreRight) {
               Strings{"vig: error: the input ended before everything was answered, and nothing is written"});
     EXPECT_FALSE(std::filesystem::exists(rules));
 
+    // What would be overwritten is told before anything is asked.
+    folder.write("a.test.json", "mine");
+    EXPECT_EQ(answered({"init", rules}, "").status, kExitUnusable);
+    EXPECT_EQ(support::textOf(tests), "mine");
+    std::filesystem::remove(tests);
+
     // What options say is not asked, and the right ones of two answers are these.
     const std::string answers = "vmRsKB\nvmRssKB\n\n camera \n200 M\n200 MB\n0\n3\n300MB\n\n10\n10%\nNone\n\n";
     const auto asked = answered({"init", "--second-limit", "1GB"}, answers + tests + "\n" + rules + "\n");

@@ -93,12 +93,9 @@ class Answers {
     const Interruption& interruption;
 };
 
-std::string withoutSuffix(const std::string& rules) {
-    return rules.ends_with(kSuffix) ? rules.substr(0, rules.size() - kSuffix.size()) : rules;
-}
-
 std::string testsBeside(const std::string& rules) {
-    return withoutSuffix(rules) + std::string(kSuffixOfTests);
+    const std::string name = rules.ends_with(kSuffix) ? rules.substr(0, rules.size() - kSuffix.size()) : rules;
+    return name + std::string(kSuffixOfTests);
 }
 
 class Init {
@@ -113,17 +110,18 @@ class Init {
 
     int run() {
         readOptions();
-        if (!missing.empty() && problems.empty() && isatty(console.in) == 1) {
-            if (!ask()) {
-                prompts.write("\n");
-                prompts.flush();
-                console.complain("the input ended before everything was answered, and nothing is written");
-                return interruption.requested() ? kExitInterrupted : kExitUnusable;
-            }
-            return write();
+        const bool asks = !missing.empty() && isatty(console.in) == 1;
+        if (rules.empty() && !asks) {
+            rules = kDefaultRules;
         }
-        rules = rules.empty() ? kDefaultRules : rules;
-        return missing.empty() && problems.empty() && whyNotWritten(rules).empty() ? write() : refuse();
+        const std::string problem = rules.empty() ? std::string() : whyNotWritten(rules);
+        if (!problem.empty()) {
+            problems.push_back(problem);
+        }
+        if (!problems.empty() || (!missing.empty() && !asks)) {
+            return refuse();
+        }
+        return !asks || ask() ? write() : abandon();
     }
 
   private:
@@ -198,13 +196,20 @@ class Init {
                                                nameOf(sketch.event), fmt::join(actionsFor(sketch), " or "));
             }
         }
-        if (const std::string problem = whyNotWritten(rules); !problem.empty()) {
-            problems.push_back(problem);
-        }
         for (std::size_t index = 0; index + 1 < problems.size(); ++index) {
             console.complain(problems[index]);
         }
         return refuseArguments(console, problems.back(), "init");
+    }
+
+    int abandon() {
+        prompts.write("\n");
+        prompts.flush();
+        if (interruption.requested()) {
+            return kExitInterrupted;
+        }
+        console.complain("the input ended before everything was answered, and nothing is written");
+        return kExitUnusable;
     }
 
     // Asks for all that the options do not say. Returns false at the end of the input.
@@ -214,17 +219,15 @@ class Init {
         }
         for (std::size_t index = 0; index < std::size(kQuestions); ++index) {
             const Question& question = kQuestions[index];
-            if (options.answers[index] || !applies(question)) {
-                // What rested on an answer could not be read before.
-                if (options.answers[index] && applies(question)) {
-                    const std::string problem = take(question, *options.answers[index]);
-                    if (problem.empty()) {
-                        continue;
-                    }
-                    tell(fmt::format("{}: {}", question.option, problem));
-                } else {
+            if (!applies(question)) {
+                continue;
+            }
+            if (const auto& given = options.answers[index]) {
+                const std::string problem = take(question, *given);
+                if (problem.empty()) {
                     continue;
                 }
+                tell(fmt::format("{}: {}", question.option, problem));
             }
             if (!ask(question.text, hintOf(question), defaultOf(question),
                      [&](const std::string& answer) { return take(question, answer); })) {
