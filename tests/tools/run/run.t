@@ -51,9 +51,10 @@ A document that is refused is told with the layer at fault, and with its log lin
   >   echo "$text" >refused.json
   >   vig run refused.json events.jsonl --format jsonl >out || echo "$? $(grep -c '"type":"log"' out) $(wc -l <out)"
   > done
-  refused.json:2:1: error: Missing '}' or object member name [InvalidJson]
-      
-      ^
+  refused.json:1:2: error: the text ends, and the "{" in line 1, column 1 is still open [InvalidJson]
+      {
+       ^
+      hint: write } at the end
   1 2 2
   refused.json:1:1: error: the root must be an object whose "configs" is an array [InvalidResponse]
       []

@@ -15,14 +15,16 @@ A recording is a new file, or may be overwritten, and is opened when the rules r
   [2]
   $ echo '{' >bad.json
   $ watch bad.json --record record.jsonl --force >out
-  bad.json:2:1: error: Missing '}' or object member name [InvalidJson]
-      
-      ^
+  bad.json:1:2: error: the text ends, and the "{" in line 1, column 1 is still open [InvalidJson]
+      {
+       ^
+      hint: write } at the end
   [1]
   $ watch bad.json --record new.jsonl >out
-  bad.json:2:1: error: Missing '}' or object member name [InvalidJson]
-      
-      ^
+  bad.json:1:2: error: the text ends, and the "{" in line 1, column 1 is still open [InvalidJson]
+      {
+       ^
+      hint: write } at the end
   [1]
   $ ls *.jsonl
   context.jsonl

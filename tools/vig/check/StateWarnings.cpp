@@ -185,7 +185,8 @@ class StateJudge {
                 candidates.push_back(each);
             }
         }
-        std::ranges::stable_partition(candidates, [&](std::size_t each) { return outgoing[each].empty(); });
+        std::stable_partition(candidates.begin(), candidates.end(),
+                              [&](std::size_t each) { return outgoing[each].empty(); });
         std::vector<std::string_view> names;
         std::ranges::transform(candidates, std::back_inserter(names),
                                [&](std::size_t each) { return std::string_view(behaviour.stateName(each)); });

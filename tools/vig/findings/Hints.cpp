@@ -103,7 +103,7 @@ std::string eventHint(const VIGParserConfig& registry, std::string_view name,
                       const std::vector<std::string>& attributes) {
     const Catalogue catalogue = Catalogue::builtIn();
     std::vector<std::string_view> names = namesIn(registry.getEventTypes());
-    std::ranges::stable_partition(names, [&](std::string_view each) {
+    std::stable_partition(names.begin(), names.end(), [&](std::string_view each) {
         const auto type = kEventTypeNames.reverseLookup(std::string(each));
         const CataloguedAttributes* const known = type ? catalogue.find(*type) : nullptr;
         return known != nullptr && std::ranges::all_of(attributes, [&](const std::string& attribute) {
