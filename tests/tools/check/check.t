@@ -37,14 +37,14 @@ For programs: with columns in bytes, and in characters. The rules that a result 
   $ vig check "a b.json" --format sarif | grep -nv '^{"id":"[^u].*,$' | sed 's/\("vig","version":"\)[0-9.]*/\1/'
   1:{"version":"2.1.0","$schema":"https://docs.oasis-open.org/sarif/sarif/v2.1.0/os/schemas/sarif-schema-2.1.0.json","runs":[{"tool":{"driver":{"name":"vig","version":"","rules":[
   7:{"id":"unreachable-state","shortDescription":{"text":"the machine never comes to the state"}},
-  12:{"id":"unknown-attribute","shortDescription":{"text":"an attribute that the event type does not have"}},
-  22:{"id":"unknown-key","shortDescription":{"text":"a key that is ignored"}},
-  27:{"id":"unused-timeout","shortDescription":{"text":"a transition on \"Timeout\", which nothing arms by itself"}},
-  28:{"id":"no-way-out","shortDescription":{"text":"a state that cannot be left and is not \"end\""}}]}},"columnKind":"unicodeCodePoints","results":[
-  29:{"ruleId":"unknown-key","ruleIndex":20,"level":"warning","message":{"text":"the key \\"note \xc3\xa4\\" is ignored Hint: known here: \\"id\\", \\"payload\\""},"locations":[{"physicalLocation":{"artifactLocation":{"uri":"a%20b.json"},"region":{"startLine":2,"startColumn":4,"endLine":2,"endColumn":12}},"logicalLocations":[{"fullyQualifiedName":"configs[0].note \xc3\xa4"}]}]}, (esc)
-  30:{"ruleId":"InvalidConfig","ruleIndex":2,"level":"error","message":{"text":"Invalid VIG Config JSON: { \\"note \xc3\xa4\\": 1, \\"id\\": true, \\"payload\\": {\xe2\x80\xa6 (\\"id\\" is a boolean) Hint: a number is needed"},"locations":[{"physicalLocation":{"artifactLocation":{"uri":"a%20b.json"},"region":{"startLine":2,"startColumn":23,"endLine":2,"endColumn":27}},"logicalLocations":[{"fullyQualifiedName":"configs[0].id"}]}]}, (esc)
-  31:{"ruleId":"InvalidFsm","ruleIndex":4,"level":"error","message":{"text":"FSM Event not found! Hint: there is no event \"ZramHeartbeat\"; did you mean \"ZramHeartBeat\"?"},"locations":[{"physicalLocation":{"artifactLocation":{"uri":"a%20b.json"},"region":{"startLine":3,"startColumn":56,"endLine":3,"endColumn":71}},"logicalLocations":[{"fullyQualifiedName":"configs[0].payload.data.transitions[0].event"}]}]}
-  32:]}]}
+  15:{"id":"unknown-attribute","shortDescription":{"text":"an attribute that the event type does not have"}},
+  30:{"id":"unknown-key","shortDescription":{"text":"a key that is ignored"}},
+  35:{"id":"unused-timeout","shortDescription":{"text":"a transition on \"Timeout\", which nothing arms by itself"}},
+  36:{"id":"no-way-out","shortDescription":{"text":"a state that cannot be left and is not \"end\""}}]}},"columnKind":"unicodeCodePoints","results":[
+  37:{"ruleId":"unknown-key","ruleIndex":28,"level":"warning","message":{"text":"the key \\"note \xc3\xa4\\" is ignored Hint: known here: \\"id\\", \\"payload\\""},"locations":[{"physicalLocation":{"artifactLocation":{"uri":"a%20b.json"},"region":{"startLine":2,"startColumn":4,"endLine":2,"endColumn":12}},"logicalLocations":[{"fullyQualifiedName":"configs[0].note \xc3\xa4"}]}]}, (esc)
+  38:{"ruleId":"InvalidConfig","ruleIndex":2,"level":"error","message":{"text":"Invalid VIG Config JSON: { \\"note \xc3\xa4\\": 1, \\"id\\": true, \\"payload\\": {\xe2\x80\xa6 (\\"id\\" is a boolean) Hint: a number is needed"},"locations":[{"physicalLocation":{"artifactLocation":{"uri":"a%20b.json"},"region":{"startLine":2,"startColumn":23,"endLine":2,"endColumn":27}},"logicalLocations":[{"fullyQualifiedName":"configs[0].id"}]}]}, (esc)
+  39:{"ruleId":"InvalidFsm","ruleIndex":4,"level":"error","message":{"text":"FSM Event not found! Hint: there is no event \"ZramHeartbeat\"; did you mean \"ZramHeartBeat\"?"},"locations":[{"physicalLocation":{"artifactLocation":{"uri":"a%20b.json"},"region":{"startLine":3,"startColumn":56,"endLine":3,"endColumn":71}},"logicalLocations":[{"fullyQualifiedName":"configs[0].payload.data.transitions[0].event"}]}]}
+  40:]}]}
   $ vig check "$PWD/a b.json" --format sarif | grep -o '"uri":"[^"]*' | uniq
   "uri":"file:///*/a%20b.json (glob)
 
@@ -109,7 +109,7 @@ What events show is shown by them on demand, and always to programs. They are as
   $ sed -i 's/{"configs":\[/&{"id":true},/' shown.json
   $ vig check shown.json --verbose | tail -12
       hint: a number is needed
-  shown.json:1:590: warning: "TriggerVelora" asks for a collection once in 2 ProcessMemoryHeartBeat events as long as their values stay the same: they lead from "start" to "hot" to "start" [trigger-storm]
+  shown.json:1:605: warning: "TriggerVelora" asks for a collection once in 2 ProcessMemoryHeartBeat events as long as their values stay the same: they lead from "start" to "hot" to "start" [trigger-storm]
       \xe2\x80\xa6onstant","value":"102400"}}],"actions":[{"name":"TriggerVelora"}]},{"from_state":"hot","to_state":"s\xe2\x80\xa6 (esc)
                                                ^~~~~~~~~~~~~~~~~~~~~~~~
       path: configs[2].payload.data.transitions[0].actions[0]

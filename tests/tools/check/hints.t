@@ -1,5 +1,5 @@
   $ . "$TESTDIR/../rules.sh"
-  $ told() { machines >rules.json; vig check rules.json | grep -E 'error:|warning:|hint:' | sed -E 's/^[^ ]*: (error|warning): //'; }
+  $ told() { machines >rules.json; vig check rules.json --allow no-action --allow copied-configuration | grep -E 'error:|warning:|hint:' | sed -E 's/^[^ ]*: (error|warning): //'; }
 
 A hint mends, and never makes worse. What is ignored of a number was meant: in the unit of what it is compared with.
 
@@ -131,3 +131,32 @@ Of names that are near, those come first that fit the filters beside them.
       hint: there is no event "MemoryHeartBeat"; did you mean "SystemMemoryHeartBeat" or "ProcessMemoryHeartBeat"?
   FSM Event not found! [InvalidFsm]
       hint: there is no event "MemoryHeartBeat"; did you mean "ProcessMemoryHeartBeat" or "SystemMemoryHeartBeat"?
+
+What is refused may be of another type of operand, or have characters that nobody sees.
+
+  $ told <<'EOF'
+  > start end Test | integer x > =vmRssKB & integer =memFreeKB < 5 & double x < PseudoRandomDouble() & double =0.1 > cpuAvgUtilization() & double =7 < 5e1()
+  > start end Test | double x > =PseudoRandomDouble & integer x > =99999999999999999999 & double =1 < Other()
+  > start end Test\u00a0 | string x == y | \u200bTest
+  > start a\u200d Test | string x == y; a\u200d \u200c\u2009b\u00a0\u00a0c Test || Test\u2060
+  > EOF
+  Invalid constant of value type integer: vmRssKB. [InvalidFsm]
+      hint: "vmRssKB" is an attribute: write "type": "envvar"
+  Invalid constant of value type integer: memFreeKB. [InvalidFsm]
+      hint: "memFreeKB" is an attribute: write "type": "envvar"
+  Failed to find function: cpuAvgUtilization [InvalidFsm]
+      hint: "cpuAvgUtilization" is an attribute: write "type": "envvar"
+  Failed to find function: 5e1 [InvalidFsm]
+      hint: "5e1" is a number: write "type": "constant"
+  Invalid constant of value type double: PseudoRandomDouble. [InvalidFsm]
+      hint: "PseudoRandomDouble" is a function: write "type": "function"
+  Invalid constant of value type integer: 99999999999999999999. [InvalidFsm]
+      hint: a whole number within the range is needed, such as "80"
+  Failed to find function: Other [InvalidFsm]
+      hint: one of "PseudoRandomDouble"
+  FSM Event not found! [InvalidFsm]
+      hint: there is no event "Test\xc2\xa0", which has U+00A0 (no-break space) at its end; did you mean "Test"? (esc)
+  FSM Action (\xe2\x80\x8bTest) not found! [InvalidFsm] (esc)
+      hint: there is no action "\xe2\x80\x8bTest", which has U+200B (zero-width space) at its beginning; did you mean "Test"? (esc)
+  FSM Action (Test\xe2\x81\xa0) not found! [InvalidFsm] (esc)
+      hint: there is no action "Test\xe2\x81\xa0", which has U+2060 (word joiner) at its end; did you mean "Test"? (esc)

@@ -300,7 +300,7 @@ Types of operands, units, and what cannot be seen.
   > EOF
   0: operand-type [0].filters[0].operand2.type, operand-type [0].filters[1].operand2.type, operand-type [0].filters[2].operand1.type, operand-type [0].filters[2].operand2.type, operand-type [0].filters[3].operand1.type
   1: unknown-attribute [0].filters[0].left, unknown-attribute [0].filters[2].right, operand-type [0].filters[3].operand1.type
-  2: operand-type [0].filters[0].operand1.type, operand-type [0].filters[1].operand1.type, never-true [0].filters[2], number-text [0].filters[2].right
+  2: operand-type [0].filters[0].operand1.type, operand-type [0].filters[1].operand1.type, number-text [0].filters[2].right
   3: operand-type [0].filters[1].operand1.type
   4: wrong-unit [0].filters[1].right, wrong-unit [0].filters[2].right
   5: wrong-unit [0].filters[0].right

@@ -6,8 +6,10 @@
 #include "tools/vig/catalogue/Catalogue.h"
 #include "tools/vig/words/NearestName.h"
 #include "tools/vig/words/Text.h"
+#include "tools/vig/words/Unseen.h"
 #include "vig/EventTypeNames.h"
 #include "vig/parsers/JsonValues.h"
+#include "vig/parsers/NumberText.h"
 
 namespace Brenta::OS::VIG::Tool {
 
@@ -44,12 +46,13 @@ auto ofFunctions(const VIGParserConfig& registry, FilterValueType type, const au
 }
 
 std::string unknownName(std::string_view what, std::string_view given, const std::vector<std::string_view>& names) {
-    const std::string near = suggestion(given, names);
+    const std::string near = suggestion(seenOf(given), names);
     if (near.empty() && names.size() <= kMostNamesListed) {
         return oneOf(given, names);
     }
+    const std::string unseen = unseenIn(given);
     return "there is no " + std::string(what) + " " + shownQuoted(given) +
-           (near.empty() ? "; known are " + listOf(names) : near);
+           (unseen.empty() ? "" : ", which has " + unseen) + (near.empty() ? "; known are " + listOf(names) : near);
 }
 
 // Says how the number or boolean is written as a string.
@@ -144,6 +147,26 @@ bool hasFunction(const VIGParserConfig& registry, const std::string& name, Filte
 
 std::vector<std::string_view> functionNames(const VIGParserConfig& registry, FilterValueType type) {
     return ofFunctions(registry, type, [](const auto& table) { return namesIn(table); });
+}
+
+std::string operandTypeHint(const VIGParserConfig& registry, FilterOperand::Type given, const std::string& value) {
+    const Catalogue catalogue = Catalogue::builtIn();
+    const auto isAttribute = [&](const auto& pair) {
+        const CataloguedAttributes* const known = catalogue.find(pair.first);
+        return known != nullptr && known->contains(value);
+    };
+    const auto isFunction = [&](const auto& pair) { return hasFunction(registry, value, pair.first); };
+    if (std::ranges::any_of(kEventTypeNames.pairs, isAttribute)) {
+        return shownQuoted(value) + " is an attribute: write \"type\": \"envvar\"";
+    }
+    if (given == FilterOperand::Type::Constant && std::ranges::any_of(kFilterValueTypeTable.pairs, isFunction)) {
+        return shownQuoted(value) + " is a function: write \"type\": \"function\"";
+    }
+    const auto number = readNumber<double>(value);
+    const bool isNumber = number.isInRange && number.length == value.size();
+    return given == FilterOperand::Type::Function && isNumber
+               ? shownQuoted(value) + " is a number: write \"type\": \"constant\""
+               : std::string();
 }
 
 std::string numberHint(std::string_view type) {

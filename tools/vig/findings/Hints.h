@@ -36,6 +36,10 @@ std::vector<std::string_view> functionNames(const VIGParserConfig& registry, Fil
 // Returns under which keys an action of that name is registered with parameters: "Notify(integer)".
 std::vector<std::string_view> keysWithParameters(const VIGParserConfig& registry, std::string_view name);
 
+// The hint is for the value of an operand that is refused, where it seems to be that of an operand of another type than
+// the one given: the name of an attribute that the tool knows, or of a function, or a number.
+std::string operandTypeHint(const VIGParserConfig& registry, FilterOperand::Type given, const std::string& value);
+
 // The hint is for a text that is no number of the type.
 std::string numberHint(std::string_view type);
 

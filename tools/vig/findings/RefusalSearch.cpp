@@ -215,9 +215,13 @@ class RefusalSearch {
             trial[otherKey] = neutral(filter.json[otherKey]);
             if (const auto refusal = library.refusalOf(filter.shape, trial, Names::Registered)) {
                 const bool isConstant = operand["type"].asString() == "constant";
+                const std::string meant = operandTypeHint(
+                    registry, isConstant ? FilterOperand::Type::Constant : FilterOperand::Type::Function,
+                    operand["value"].asString());
                 add({kOperandShape, operand, pathOf(filter, key)}, "value", *refusal, {},
-                    isConstant ? numberHint(trial["value_type"].asString())
-                               : functionHint(registry, operand["value"].asString()));
+                    !meant.empty() ? meant
+                    : isConstant   ? numberHint(trial["value_type"].asString())
+                                   : functionHint(registry, operand["value"].asString()));
             }
         }
     }
