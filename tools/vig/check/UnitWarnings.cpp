@@ -53,14 +53,16 @@ class UnitJudge {
         const bool isPercent = unit.size < 1;
         if (isPercent && number < 1) {
             warn(found, kName, normal.right.place,
-                 shownName(attribute) + " is in percent, so that " + shownNumber(number) + " is less than one percent",
+                 shownName(attribute) + " is in percent, so that " + written() + " is less than one percent",
                  "write " + shownNumber(number * 100) + " if " + shownPercent(number) + " is meant");
         } else if (!isPercent && number > 1) {
             warn(found, kName, normal.right.place,
-                 shownName(attribute) + " is a share from 0 to 1, and " + shownNumber(number) + " is none",
+                 shownName(attribute) + " is a share from 0 to 1, and " + written() + " is none",
                  "write " + shownNumber(number / 100) + " if " + shownPercent(number / 100) + " is meant");
         }
     }
+
+    std::string written() const { return shownName(normal.right.operand.value); }
 
     static std::string shownPercent(double share) { return shownNumber(share * 100) + " %"; }
 
@@ -89,7 +91,7 @@ class UnitJudge {
         const std::string usual = shownIn(unit, number);
         std::string message = shownName(attribute) + " is in " + std::string(unit.name);
         if (!usual.ends_with(unit.name)) {
-            message += ", so that " + shownNumber(number) + " is " + usual;
+            message += ", so that " + written() + " is " + usual;
         }
         if (recorded != nullptr && number > recorded->most) {
             message += ": no recorded one was above " + shownNumber(recorded->most);
