@@ -175,7 +175,7 @@ Findings findingsIn(const DocumentText& document, const VIGParserConfig& registr
         appendKeyWarnings(document, found);
         appendTrailingText(document, found);
     }
-    sortByPlace(found);
+    settle(found, document);
     return findings;
 }
 

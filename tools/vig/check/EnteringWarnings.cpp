@@ -90,7 +90,7 @@ class CycleSearch {
         }
         states += (cycle.size() > kMostShown ? "… to " : "") + shownQuoted(closing.to);
         const bool endless = !cycle.back().isUncertain && cycle.back().uncertainBefore == cycle.front().uncertainBefore;
-        warn(found, "endless-entering", closing.place,
+        warn(found, "endless-entering", placeAt(closing, "event"),
              "EnteringState transitions lead from " + states +
                  (endless ? ", without end" : ", unless filters say otherwise") + ": one event makes up to 1000 moves",
              "let one of them listen for another event");

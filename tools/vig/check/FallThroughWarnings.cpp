@@ -127,12 +127,11 @@ class FallThroughSearch {
             return;
         }
         const TransitionModel& model = transitions[transition];
-        const std::string& path = transitions[later].place.path;
         FilterModel opposite = filter;
         opposite.op = negated(filter.op);
         warn(found, "missing-falls-through", filter.place,
              "`" + shownCondition(filter) + "` is false for a " + std::string(nameOf(model.event)) + " event without " +
-                 shownName(name) + ", which then fires " + path.substr(path.rfind("transitions[")) +
+                 shownName(name) + ", which then fires " + shownTransition(transitions[later]) +
                  " as if it were the opposite",
              "add the filter `" + shownCondition(opposite) +
                  "` there, or name the attribute in a file for --catalogue if all these events have it");

@@ -193,14 +193,13 @@ class ProcessSearch {
             machine.wasCut = true;
             return;
         }
-        const auto pathOf = [&](std::size_t step) {
-            const std::string& path = transitions[route.steps[step].transition].place.path;
-            return path.substr(path.rfind("transitions["));
+        const auto shownStep = [&](std::size_t step) {
+            return shownTransition(transitions[route.steps[step].transition]);
         };
         warn(found, "mixed-processes", action.place,
              "the events that lead to " + shownQuoted(action.name) +
-                 " may come from different processes: " + pathOf(std::min(open, other)) + " fires for one, and " +
-                 pathOf(std::max(open, other)) + " for another",
+                 " may come from different processes: " + shownStep(std::min(open, other)) + " fires for one, and " +
+                 shownStep(std::max(open, other)) + " for another",
              "add the same filter on processName to both of them");
         found.back().witness = witness;
     }

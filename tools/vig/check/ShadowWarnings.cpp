@@ -10,11 +10,6 @@ namespace Brenta::OS::VIG::Tool {
 
 namespace {
 
-std::string shortPathOf(const TransitionModel& transition) {
-    const std::string& path = transition.place.path;
-    return path.substr(path.rfind("transitions["));
-}
-
 void warnOfShadow(Judged& machine, std::size_t transition, Values which, std::vector<Finding>& found) {
     Behaviour& behaviour = machine.possible;
     const TransitionModel& model = machine.config.transitions[transition];
@@ -31,11 +26,11 @@ void warnOfShadow(Judged& machine, std::size_t transition, Values which, std::ve
     const std::string why = always  ? ", which always fires"
                             : isOne ? ", which fires whenever this one could"
                                     : ", one of which fires whenever this one could";
-    warn(found, "shadowed-transition", model.place,
-         (which == Values::All ? "this never fires: before it in "
-                               : "only an infinity, NaN or a text that is no UTF-8 fires this: before it in ") +
-             shownQuoted(model.from) + (isOne ? " comes " : " come ") +
-             blame.text([&](std::size_t each) { return shortPathOf(junction.transition(each)); }) + " on " +
+    warn(found, "shadowed-transition", placeAt(model, "event"),
+         (which == Values::All ? "this never fires: before it "
+                               : "only an infinity, NaN or a text that is no UTF-8 fires this: before it ") +
+             std::string(isOne ? "comes " : "come ") +
+             blame.text([&](std::size_t each) { return shownTransition(junction.transition(each)); }) + " on " +
              std::string(nameOf(model.event)) + why,
          always  ? "put this one before it"
          : isOne ? "put this one before it, or give that one another filter"

@@ -143,4 +143,11 @@ Place placeOf(const auto& object, const char* member) {
     return {offsetOf(value.getOffsetStart()), offsetOf(value.getOffsetLimit()), object.place.path + "." + member};
 }
 
+// Returns where such a member stands, for what is wrong with the whole: people look for a name, not for a brace.
+Place placeAt(const auto& object, const char* member) {
+    Place place = placeOf(object, member);
+    place.path = object.place.path;
+    return place;
+}
+
 }  // namespace Brenta::OS::VIG::Tool

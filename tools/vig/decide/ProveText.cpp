@@ -44,10 +44,6 @@ std::string counted(std::uint64_t number, const std::string& word) {
     return fmt::format("{} {}{}", number, word, number == 1 ? "" : "s");
 }
 
-std::string nameOf(std::string_view state) {
-    return state.empty() ? "\"\"" : shownName(state);
-}
-
 std::string unless(const Proof::Names& context) {
     return context.empty() ? "" : ", unless the context has a certain " + joined(context, ", ", shownName);
 }
@@ -139,15 +135,16 @@ std::string textOf(const Proof& proof) {
     Table states;
     for (std::size_t state = 0; state < proof.states.size(); ++state) {
         const Proof::Claim& claim = proof.states[state];
-        states.rows.push_back({"  " + nameOf(proof.stateNames[state]), textOf(claim), fileOf(claim.recording)});
+        states.rows.push_back({"  " + shownState(proof.stateNames[state]), textOf(claim), fileOf(claim.recording)});
     }
     Table transitions;
     const std::size_t digits = std::to_string(proof.transitions.size()).size();
     for (std::size_t index = 0; index < proof.transitions.size(); ++index) {
         const TransitionModel& each = proof.config->transitions[index];
         const Proof::Claim& claim = proof.transitions[index];
-        transitions.rows.push_back({fmt::format("{:>{}}  {} -> {} on {}", index, digits + 2, nameOf(each.from),
-                                                nameOf(each.to), nameOf(each.event)),
+        const std::string line = each.where.starts_with("line") ? " (" + each.where + ")" : "";
+        transitions.rows.push_back({fmt::format("{:>{}}  {} -> {} on {}{}", index, digits + 2, shownState(each.from),
+                                                shownState(each.to), nameOf(each.event), line),
                                     textOf(claim), fileOf(claim.recording)});
     }
     return fmt::format("machine {} (id {})\n  states\n{}  transitions\n{}{}", proof.index, proof.config->id,

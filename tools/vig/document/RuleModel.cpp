@@ -1,5 +1,6 @@
 #include "tools/vig/document/RuleModel.h"
 
+#include <map>
 #include <utility>
 
 #include "tools/vig/document/StrictJson.h"
@@ -24,6 +25,7 @@ class Modeller {
                             [&](const Json::Value& each, const std::string& place) {
                                 model.transitions.push_back(transition(each, place));
                             });
+        nameLines(model.transitions);
         return model;
     }
 
@@ -38,6 +40,21 @@ class Modeller {
     }
 
   private:
+    void nameLines(std::vector<TransitionModel>& transitions) const {
+        const auto lineOf = [&](const TransitionModel& each) {
+            return document.source().positionOf(document.placeOf((*each.json)["from_state"], {}).begin).line;
+        };
+        std::map<std::size_t, std::size_t> counts;
+        for (const TransitionModel& each : transitions) {
+            ++counts[lineOf(each)];
+        }
+        for (TransitionModel& each : transitions) {
+            const std::size_t line = lineOf(each);
+            each.where = counts[line] == 1 ? "line " + std::to_string(line)
+                                           : each.place.path.substr(each.place.path.rfind("transitions["));
+        }
+    }
+
     TransitionModel transition(const Json::Value& json, const std::string& path) const {
         TransitionModel model{document.placeOf(json, path),
                               json["from_state"].asString(),
@@ -67,7 +84,7 @@ class Modeller {
             const auto typeOf = [](const Json::Value& parameter) { return parameter["type"].asString(); };
             key += "(" + joined(json["parameters"], ",", typeOf) + ")";
         }
-        return {document.placeOf(json, path), std::move(name), std::move(key)};
+        return {document.placeOf(json["name"], path), std::move(name), std::move(key)};
     }
 
     const DocumentText& document;
@@ -105,6 +122,10 @@ DocumentModel::DocumentModel(std::string fileName, std::string content)
     for (Json::ArrayIndex index = 0; index < text.root()["configs"].size(); ++index) {
         configs.push_back(modelOf(text, index));
     }
+}
+
+std::string shownTransition(const TransitionModel& transition) {
+    return shownState(transition.from) + " -> " + shownState(transition.to) + " (" + transition.where + ")";
 }
 
 std::string conditionOf(const FilterModel& filter) {

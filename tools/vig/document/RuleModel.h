@@ -31,7 +31,7 @@ struct FilterModel {
 };
 
 struct ActionModel {
-    Place place;
+    Place place;  // of its name, with the path of the action
     std::string name;
     std::string key;  // under which the registry is asked for it: "Test", "Test()", "Notify(integer,string)"
 };
@@ -44,6 +44,7 @@ struct TransitionModel {
     std::vector<FilterModel> filters;
     std::vector<ActionModel> actions;
     const Json::Value* json;
+    std::string where = {};  // people look for it: "line 42", or "transitions[2]" if others stand in that line too
 };
 
 struct ConfigModel {
@@ -74,6 +75,9 @@ struct DocumentModel {
     const DocumentText text;
     std::vector<ConfigModel> configs;  // as many as there are machines
 };
+
+// Returns the transition for people to find: `collected -> start (line 42)`.
+std::string shownTransition(const TransitionModel& transition);
 
 // Returns the filter as a condition for people to read: `vmRssKB > 2097152`, `PseudoRandomDouble() < 0.1`, `"a" ==
 // name`.

@@ -1,10 +1,10 @@
 #pragma once
 
-#include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
-#include <tuple>
 #include <vector>
 
 #include "tools/vig/document/DocumentText.h"
@@ -15,6 +15,13 @@ namespace Brenta::OS::VIG::Tool {
 
 enum class Severity { Error, Warning };
 
+// It names a transition for people to find, whatever else is wrong with it.
+struct TransitionName {
+    std::string from;  // "?" if no name is there
+    std::string to;
+    std::size_t line;  // where the names stand
+};
+
 // It says one thing that is wrong with a rule document, at its place.
 struct Finding {
     Severity severity;
@@ -23,6 +30,7 @@ struct Finding {
     std::string message;
     std::string hint;                                  // what would mend it; may be empty
     std::shared_ptr<const Witness> witness = nullptr;  // that it happens, with an empty context; may be null
+    std::optional<TransitionName> transition = {};     // in which the place lies
 };
 
 // It is a configuration of which not everything could be decided, so that warnings of it may be missing.
@@ -37,10 +45,8 @@ struct Findings {
     std::vector<std::string> unconfirmed;  // what was found, and the library does something else: faults of the tool
 };
 
-// Orders the findings as their places stand in the text; what is found at one place stays in its order.
-inline void sortByPlace(std::vector<Finding>& found) {
-    std::ranges::stable_sort(found, {},
-                             [](const Finding& each) { return std::tuple(each.place.begin, each.place.end); });
-}
+// Orders the findings as their places stand in the text, and names the transitions that these lie in. What is found at
+// one place stays in its order.
+void settle(std::vector<Finding>& found, const DocumentText& document);
 
 }  // namespace Brenta::OS::VIG::Tool

@@ -11,6 +11,11 @@ namespace Brenta::OS::VIG::Tool {
 
 namespace {
 
+std::string jsonOf(const TransitionName& transition) {
+    return fmt::format(R"({{"from":{},"to":{},"line":{}}})", quoted(transition.from), quoted(transition.to),
+                       transition.line);
+}
+
 class JsonFindings final : public FindingWriter {
   public:
     explicit JsonFindings(Output& output) : output(output) { output.write(R"({"findings":[)"); }
@@ -26,10 +31,11 @@ class JsonFindings final : public FindingWriter {
             output.write(
                 fmt::format("{}\n"
                             R"({{"file":{},"line":{},"column":{},"end_line":{},"end_column":{},"severity":"{}",)"
-                            R"("name":{},"path":{},"message":{},"hint":{}{}}})",
+                            R"("name":{},"path":{},"message":{},"hint":{}{}{}}})",
                             std::exchange(separator, ","), quoted(source.name()), start.line, start.column, end.line,
                             end.column, finding.severity == Severity::Error ? "error" : "warning", quoted(finding.name),
                             quoted(finding.place.path), quoted(finding.message), quoted(finding.hint),
+                            finding.transition ? ",\"transition\":" + jsonOf(*finding.transition) : "",
                             finding.witness ? ",\"witness\":" + jsonOf(*finding.witness) : ""));
         }
     }

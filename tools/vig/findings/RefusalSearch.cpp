@@ -315,7 +315,7 @@ std::vector<Finding> refusalsIn(const DocumentText& document, const VIGParserCon
     }
     std::vector<Finding> found;
     judgeConfigs(document, registry, found);
-    sortByPlace(found);
+    settle(found, document);
     return found;
 }
 

@@ -70,8 +70,12 @@ std::string regionOf(Columns& columns, const Place& place) {
                        end.line, end.column);
 }
 
-std::string logicalLocations(const std::string& path) {
-    return path.empty() ? "" : fmt::format(R"(,"logicalLocations":[{{"fullyQualifiedName":{}}}])", quoted(path));
+std::string logicalLocations(const Finding& finding) {
+    const std::string& path = finding.place.path;
+    const auto& transition = finding.transition;
+    const std::string name = transition ? R"("name":)" + quoted(transition->from + " -> " + transition->to) + "," : "";
+    return path.empty() ? ""
+                        : fmt::format(R"(,"logicalLocations":[{{{}"fullyQualifiedName":{}}}])", name, quoted(path));
 }
 
 class SarifFindings final : public FindingWriter {
@@ -106,7 +110,7 @@ class SarifFindings final : public FindingWriter {
                             R"({{"physicalLocation":{{"artifactLocation":{{"uri":{}}},"region":{}}}{}}}]{}}})",
                             std::exchange(separator, ","), quoted(finding.name), rule,
                             finding.severity == Severity::Error ? "error" : "warning", quoted(finding.message + hint),
-                            quoted(uri), regionOf(columns, finding.place), logicalLocations(finding.place.path),
+                            quoted(uri), regionOf(columns, finding.place), logicalLocations(finding),
                             finding.witness ? ",\"properties\":{\"witness\":" + jsonOf(*finding.witness) + "}" : ""));
         }
     }

@@ -155,10 +155,15 @@ class TextFindings final : public FindingWriter {
                      fmt::format("{} [{}]\n", shownText(finding.message), finding.name));
         output.write(fmt::format("    {}{}{}\n    {}{}\n", shown.before, shown.at, shown.after, blank(shown.before),
                                  inColour(kGreen, mark(shown.at), coloured)));
-        for (const auto& [label, text] : {std::pair("path", &finding.place.path), std::pair("hint", &finding.hint)}) {
-            if (!text->empty()) {
-                output.write(fmt::format("    {}: {}\n", label, shownText(*text)));
-            }
+        if (!finding.place.path.empty()) {
+            const std::string transition =
+                finding.transition ? fmt::format(": {} -> {} (line {})", shownState(finding.transition->from),
+                                                 shownState(finding.transition->to), finding.transition->line)
+                                   : "";
+            output.write(fmt::format("    path: {}{}\n", shownText(finding.place.path), transition));
+        }
+        if (!finding.hint.empty()) {
+            output.write(fmt::format("    hint: {}\n", shownText(finding.hint)));
         }
         if (verbose && finding.witness) {
             writeWitness(*finding.witness);

@@ -159,6 +159,10 @@ std::string shownName(std::string_view text) {
     return printable(shortened(text, kMostShownOfName));
 }
 
+std::string shownState(std::string_view name) {
+    return name.empty() ? "\"\"" : shownName(name);
+}
+
 std::string shownQuoted(std::string_view text) {
     return quoted(shortened(text, kMostShownOfName));
 }

@@ -45,6 +45,9 @@ constexpr std::size_t kMostShownOfName = 64;
 std::string shownName(std::string_view text);
 std::string shownQuoted(std::string_view text);
 
+// Returns the name of a state as tables and lists show it, where nobody would see an empty one.
+std::string shownState(std::string_view name);
+
 // Returns true if the line has nothing but spaces, tabs and a carriage return.
 bool isBlank(std::string_view line);
 
