@@ -87,17 +87,17 @@ meant says the one that occurs more often. Names that differ in numbers are mean
   > start one Test; two end Test
   > start hto Test; hot end Test
   > EOF
-  "hot" is left here and never entered, and "Hot" is entered in transitions[0] and never left [unreachable-state]
+  "hot" is left here and never entered, and "Hot" is entered by start -> Hot (transitions[0]) and never left [unreachable-state]
       hint: write the same name in both places
-  "very_hot" is left here and never entered, and "veryHot" is entered in transitions[0] and never left [unreachable-state]
+  "very_hot" is left here and never entered, and "veryHot" is entered by start -> veryHot (transitions[0]) and never left [unreachable-state]
       hint: did you mean "very_hot" in both places?
-  this never fires: before it in "very_hot" comes transitions[1] on Test, which always fires [shadowed-transition]
+  this never fires: before it comes very_hot -> end (transitions[1]) on Test, which always fires [shadowed-transition]
       hint: put this one before it
   no chain of transitions leads from "start" to "hott" [unreachable-state]
       hint: did you mean "hot"?
   once in "hott", the machine does nothing any more [no-way-out]
       hint: did you mean "hot"? Or call the state "end" if the machine is to stay there
-  `n > 3` is false for a Test event without n, which then fires transitions[1] as if it were the opposite [missing-falls-through]
+  `n > 3` is false for a Test event without n, which then fires start -> hot (transitions[1]) as if it were the opposite [missing-falls-through]
       hint: add the filter `n <= 3` there, or name the attribute in a file for --catalogue if all these events have it
   no chain of transitions leads from "start" to "Start" [unreachable-state]
       hint: did you mean "start"?
@@ -111,7 +111,7 @@ meant says the one that occurs more often. Names that differ in numbers are mean
       hint: if that is meant, call the state "end"
   no chain of transitions leads from "start" to "two" [unreachable-state]
       hint: lead a transition there, or leave it out
-  "hot" is left here and never entered, and "hto" is entered in transitions[0] and never left [unreachable-state]
+  "hot" is left here and never entered, and "hto" is entered by start -> hto (transitions[0]) and never left [unreachable-state]
       hint: write the same name in both places
 
 Of names that are near, those come first that fit the filters beside them.
@@ -158,5 +158,13 @@ What is refused may be of another type of operand, or have characters that nobod
       hint: there is no event "Test\xc2\xa0", which has U+00A0 (no-break space) at its end; did you mean "Test"? (esc)
   FSM Action (\xe2\x80\x8bTest) not found! [InvalidFsm] (esc)
       hint: there is no action "\xe2\x80\x8bTest", which has U+200B (zero-width space) at its beginning; did you mean "Test"? (esc)
+  "a\xe2\x80\x8d" has U+200D (zero-width joiner) at its end [invisible-character] (esc)
+      hint: write "a"
+  "a\xe2\x80\x8d" has U+200D (zero-width joiner) at its end [invisible-character] (esc)
+      hint: write "a"
+  "\xe2\x80\x8c\xe2\x80\x89b\xc2\xa0\xc2\xa0c" has U+200C (zero-width non-joiner) at its beginning [invisible-character] (esc)
+      hint: write "b c"
+  once in "\xe2\x80\x8c\xe2\x80\x89b\xc2\xa0\xc2\xa0c", the machine does nothing any more [no-way-out] (esc)
+      hint: if that is meant, call the state "end"
   FSM Action (Test\xe2\x81\xa0) not found! [InvalidFsm] (esc)
       hint: there is no action "Test\xe2\x81\xa0", which has U+2060 (word joiner) at its end; did you mean "Test"? (esc)

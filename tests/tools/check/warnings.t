@@ -385,7 +385,7 @@ The whole of what is said.
   > $memory | integer vmRssKB > 204800 & string =processName == camera & double =PseudoRandomDouble < =0.1 & integer vmRssKB > =314572800
   > $test | double aShare > =40 & string a\u00a0 == =\u200b & string a == =b\u0020
   > EOF
-  warning: "hot" is left here and never entered, and "hto" is entered in transitions[0] and never left [unreachable-state]
+  warning: "hot" is left here and never entered, and "hto" is entered by start -> hto (transitions[0]) and never left [unreachable-state]
     hint: write the same name in both places
   warning: this never fires: before it in "start" comes transitions[0] on ProcessMemoryHeartBeat, which fires whenever this one could [shadowed-transition]
     hint: put this one before it, or give that one another filter

@@ -211,8 +211,8 @@ class StateJudge {
         std::string message = "no chain of transitions leads from \"start\" to " + name;
         std::string hint = "did you mean " + listOfNames(spelling.others) + "?";
         if (other != Behaviour::kStart && outgoing[other].empty()) {
-            message = name + " is left here and never entered, and " + otherName + " is entered in transitions[" +
-                      std::to_string(incoming[other].front()) + "] and never left";
+            message = name + " is left here and never entered, and " + otherName + " is entered by " +
+                      shownTransition(transitions[incoming[other].front()]) + " and never left";
             explained.push_back(other);
         }
         if (other != Behaviour::kStart && uses[other] == 1) {
