@@ -9,13 +9,13 @@ A hint mends, and never makes worse. What is ignored of a number was meant: in t
   > done; of integer durationMs 5s; of integer waitSeconds 5m; of integer size 5MB
   > for text in 80% 0,8 1,234 1,234.5; do of double cpuAvgUtilization "$text"; done; } | told | grep -v 'known to\|catalogue'
   "200MB" is read as 200; "MB" is ignored [number-text]
-      hint: write "204800"200 MB is 204800 kB here
+      hint: write "204800": 200 MB is 204800 kB here
   "200 MiB" is read as 200; " MiB" is ignored [number-text]
-      hint: write "204800"200 MB is 204800 kB here
+      hint: write "204800": 200 MB is 204800 kB here
   "1.5GB" is read as 1; ".5GB" is ignored [number-text]
-      hint: write "1572864"1.5 GB is 1572864 kB here
+      hint: write "1572864": 1.5 GB is 1572864 kB here
   "200M" is read as 200; "M" is ignored [number-text]
-      hint: write "204800"200 MB is 204800 kB here
+      hint: write "204800": 200 MB is 204800 kB here
   "204800kB" is read as 204800; "kB" is ignored [number-text]
       hint: write "204800": the number is in kB here
   "204,800" is read as 204; ",800" is ignored [number-text]
@@ -35,9 +35,9 @@ A hint mends, and never makes worse. What is ignored of a number was meant: in t
   "300x" is read as 300; "x" is ignored [number-text]
       hint: write "300" if that is meant
   "5s" is read as 5; "s" is ignored [number-text]
-      hint: write "5000"5 s is 5000 ms here
+      hint: write "5000": 5 s is 5000 ms here
   "5m" is read as 5; "m" is ignored [number-text]
-      hint: write "300"5 minutes is 300 s here
+      hint: write "300": 5 minutes is 300 s here
   "5MB" is read as 5; "MB" is ignored [number-text]
       hint: write "5" if that is meant
   "80%" is read as 80; "%" is ignored [number-text]
@@ -67,7 +67,7 @@ A share lies between 0 and 1.
   `PseudoRandomDouble() < 1` is always true, whatever the event [always-true]
       hint: leave the filter out
   "10%" is read as 10; "%" is ignored [number-text]
-      hint: write "0.1"10 % is 0.1 here
+      hint: write "0.1": 10 % is 0.1 here
   "0,1" is read as 0; ",1" is ignored [number-text]
       hint: write "0.1"
   "1/10" is read as 1; "/10" is ignored [number-text]

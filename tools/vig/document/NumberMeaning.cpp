@@ -133,7 +133,7 @@ std::optional<NumberMeaning> withUnit(double value, std::string_view suffix, boo
                       : std::nullopt;
     }
     return NumberMeaning{
-        *number, shownNumber(value) + " " + std::string(written->name) + " is " + *number +
+        *number, ": " + shownNumber(value) + " " + std::string(written->name) + " is " + *number +
                      (unit->size == 1 && unit->quantity == Quantity::Share ? "" : " " + std::string(unit->name)) +
                      " here"};
 }
