@@ -118,6 +118,7 @@ A verb that is missing or misspelt is answered by all that there are.
 
   $ vig
   vig: error: a verb is missing; there are:
+    init       Writes a rule document of a common kind, and its tests.
     check      Says what is wrong with rule documents, all at once.
     prove      Decides what rule documents can do, for all events.
     diff       Compares what two rule documents do, for all events or for recorded
