@@ -30,7 +30,7 @@ of a transition that never fires.
   rules.json:1:489: survived: to_state "hot" became "never"
   rules.json:1:489: survived: to_state "hot" became "hot_"
   rules.json:1:503: survived: the event ZramHeartBeat became ProcessCpuHeartBeat
-  rules.json:1:543: survived: the action LogZramHeartBeat was lost
+  rules.json:1:551: survived: the action LogZramHeartBeat was lost
   mutants  rules.json: 4 of 19 noticed, besides 4 without effect
   wrote  more.test.json: 5 more tests
   1 test: 1 passed, 0 failed
@@ -40,7 +40,7 @@ of a transition that never fires.
       unchanged: nothing
       changed:   triggers "vig:memory_heartbeat_over_budget:app"
   $ grep -A3 'action LogZramHeartBeat' first
-  rules.json:1:543: survived: the action LogZramHeartBeat was lost [configs[0].payload.data.transitions[1].actions[0]]
+  rules.json:1:551: survived: the action LogZramHeartBeat was lost [configs[0].payload.data.transitions[1].actions[0]]
     it shows by 2 events, the last one {"event":"ZramHeartBeat","uint64":{"memUsedMaxBytes":1,"numCompressedDataBytes":1}}, with the draws 0
       unchanged: logs "Received VIG zram heart beat. memUsedMaxBytes: 1, numCompressedD\xe2\x80\xa6" (esc)
       changed:   nothing
@@ -92,7 +92,7 @@ Numbers are changed by a step and by a tenth, and texts, operators, events, stat
   kinds.json:1:383: survived: `30 > d` became `29 > d`
   kinds.json:1:383: survived: `30 > d` became `27 > d`
   kinds.json:1:383: survived: `30 > d` became `33 > d`
-  kinds.json:1:520: survived: the action TriggerVeloraCpu was lost
+  kinds.json:1:528: survived: the action TriggerVeloraCpu was lost
   kinds.json:1:550: survived: the transition start -> end on Test was lost
   kinds.json:1:583: survived: to_state "end" became "start"
   kinds.json:1:583: survived: to_state "end" became "end_"
@@ -101,7 +101,7 @@ Numbers are changed by a step and by a tenth, and texts, operators, events, stat
   kinds.json:1:615: survived: `e >= 9223372036854775807` became `e > 9223372036854775807`
   kinds.json:1:615: survived: `e >= 9223372036854775807` became `e >= 9223372036854775806`
   kinds.json:1:615: survived: `e >= 9223372036854775807` became `e >= 8301034833169298227`
-  kinds.json:1:770: survived: the action TriggerVeloraCpu was lost
+  kinds.json:1:778: survived: the action TriggerVeloraCpu was lost
   kinds.json:1:800: survived: the transition end -> start on TelemetryEventEnd was lost
   kinds.json:1:831: survived: to_state "start" became "end"
   kinds.json:1:831: survived: to_state "start" became "start_"
