@@ -56,17 +56,17 @@ int check(const CheckOptions& options, const Console& console, const Interruptio
             return kExitInterrupted;
         }
         if (!text) {
-            console.complain(fmt::format("{}: {}", path, problem));
+            console.complain(fmt::format("{}: {}", nameOfInput(path), problem));
             isUsable = false;
             continue;
         }
-        const DocumentText document(path, std::move(*text));
+        const DocumentText document(nameOfInput(path), std::move(*text));
         Findings findings = findingsIn(document, registry, catalogue, &interruption);
         if (interruption.requested()) {
             return kExitInterrupted;
         }
         for (const std::string& each : findings.unconfirmed) {
-            console.complain(fmt::format("{}: a fault of vig: the library does not do what was found: {}", path, each));
+            console.complain(fmt::format("{}: a fault of vig: the library does not do what was found: {}", document.source().name(), each));
             isUsable = false;
         }
         std::erase_if(findings.all, [&](const Finding& each) {
@@ -102,7 +102,7 @@ void addCheck(CommandLine& commandLine, CheckOptions& options) {
     }
     Verb verb = commandLine.addVerb("check", "Says what is wrong with rule documents, all at once.",
                                     fmt::format(kHelp, meanings), check, options);
-    verb.argument("RULES", options.rules, Verb::Need::Required, "The rule documents");
+    verb.argument("RULES", options.rules, Verb::Need::Required, "The rule documents; - for standard input");
     verb.choice("--format", options.format,
                 {{"text", FindingFormat::Text}, {"json", FindingFormat::Json}, {"sarif", FindingFormat::Sarif}},
                 "text for people, json for programs, sarif for code reviews");

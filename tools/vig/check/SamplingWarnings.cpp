@@ -216,9 +216,8 @@ class SamplingJudge {
         for (std::size_t count = 0; count < before.count; ++count) {
             whole *= share;
         }
-        const std::string& path = transitions[before.last].place.path;
         warn(found, "repeated-draw", normalFormOf(*filter).left.place,
-             "`" + shownCondition(*filter) + "` draws anew, after " + path.substr(path.rfind("transitions[")) +
+             "`" + shownCondition(*filter) + "` draws anew, after " + shownTransition(transitions[before.last]) +
                  " on the way here: " + (before.count > 1 ? "all" : "both") + " together let " + shownPercent(whole) +
                  " through",
              "leave the filter out here, or there");

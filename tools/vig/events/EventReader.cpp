@@ -8,17 +8,10 @@
 #include <string_view>
 #include <utility>
 
+#include "tools/vig/io/FileText.h"
 #include "tools/vig/words/Text.h"
 
 namespace Brenta::OS::VIG::Tool {
-
-namespace {
-
-bool isStandardInput(const std::string& events) {
-    return events == "-";
-}
-
-}  // namespace
 
 Descriptor openEvents(const std::string& events, const Console& console) {
     Descriptor file(isStandardInput(events) ? dup(console.in)
@@ -36,7 +29,7 @@ std::string whyEventsNotOpened(const std::string& events, int error) {
 }
 
 std::string nameOfEvents(const std::string& events) {
-    return isStandardInput(events) ? "<stdin>" : events;
+    return nameOfInput(events);
 }
 
 EventReader::EventReader(int source, std::string sourceName, const Interruption& interruption,

@@ -14,6 +14,7 @@
 #include "tools/vig/fleet/Fleet.h"
 #include "tools/vig/fleet/FleetSummary.h"
 #include "tools/vig/fleet/Jobs.h"
+#include "tools/vig/io/FileText.h"
 #include "tools/vig/words/Text.h"
 
 namespace Brenta::OS::VIG::Tool {
@@ -98,6 +99,9 @@ int runOneOrMany(const FleetOptions& given, const Console& console, const Interr
     if (options.devices.empty()) {
         options.devices = {"-"};
     }
+    if (std::ranges::count(options.devices, "-") + (isStandardInput(options.rules) ? 1 : 0) > 1) {
+        return refuseArguments(console, kStandardInputTwice, "run");
+    }
     if (options.devices.size() == 1 && !options.summaryOnly && options.format != ReportFormat::Json) {
         options.events = options.devices.front();
         return run(options, console, interruption);
@@ -107,9 +111,6 @@ int runOneOrMany(const FleetOptions& given, const Console& console, const Interr
                                "--explain, --why-not, --machine, --where, --from and --to tell of one device: give one "
                                "file, and no summary",
                                "run");
-    }
-    if (std::ranges::count(options.devices, "-") > 1) {
-        return refuseArguments(console, "standard input can be one device only", "run");
     }
     return fleet(options, console, interruption);
 }

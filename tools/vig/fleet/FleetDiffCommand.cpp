@@ -1,6 +1,7 @@
 #include "tools/vig/fleet/FleetDiffCommand.h"
 
 #include <algorithm>
+#include <array>
 #include <memory>
 #include <optional>
 
@@ -77,6 +78,11 @@ Example: does a change matter, and on which devices of a fleet?
   vig diff old.json new.json devices/*.jsonl.gz --summary-only)";
 
 int diff(const FleetDiffOptions& options, const Console& console, const Interruption& interruption) {
+    if (std::ranges::count(options.devices, "-") +
+            std::ranges::count(std::array{options.rules, options.newRules}, "-") >
+        1) {
+        return refuseArguments(console, kStandardInputTwice, "diff");
+    }
     if (options.devices.empty()) {
         if (!options.format.ofDocuments || options.summaryOnly || !options.draws.numbers.empty()) {
             return refuseArguments(console, "jsonl, --summary-only and --draw are for files of event records", "diff");
@@ -88,9 +94,6 @@ int diff(const FleetDiffOptions& options, const Console& console, const Interrup
     if (options.format.ofDevices == ReportFormat::None || options.states || !options.catalogueFile.empty()) {
         return refuseArguments(console, "markdown, --states and --catalogue are for documents without event records",
                                "diff");
-    }
-    if (std::ranges::count(options.devices, "-") > 1) {
-        return refuseArguments(console, "standard input can be one device only", "diff");
     }
     return fleetDiff(options, console, interruption);
 }

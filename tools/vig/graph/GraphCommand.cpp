@@ -11,6 +11,7 @@
 #include "tools/vig/document/Registry.h"
 #include "tools/vig/graph/Pictures.h"
 #include "tools/vig/graph/RuleGraph.h"
+#include "tools/vig/io/FileText.h"
 #include "tools/vig/io/Output.h"
 #include "tools/vig/run/Replay.h"
 #include "tools/vig/trace/Trace.h"
@@ -116,12 +117,15 @@ int graph(const GraphOptions& options, const Console& console, const Interruptio
         console.complain("standard output is a terminal, which cannot show a PNG; redirect it to a file");
         return kExitUnusable;
     }
+    if (isStandardInput(options.rules) && isStandardInput(options.events)) {
+        return refuseArguments(console, kStandardInputTwice, "graph");
+    }
     TransitionCounter counter;
     std::string text;
     if (const auto status = run(options, counter, console, interruption, text)) {
         return *status;
     }
-    const DocumentModel document(options.rules, std::move(text));
+    const DocumentModel document(nameOfInput(options.rules), std::move(text));
     const Findings findings = findingsIn(document.text, libraryRegistry(), Catalogue::builtIn(), &interruption);
     if (interruption.requested()) {
         return kExitInterrupted;

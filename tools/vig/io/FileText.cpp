@@ -29,6 +29,14 @@ int writeAll(const Descriptor& file, std::string_view text) {
 
 }  // namespace
 
+bool isStandardInput(const std::string& path) {
+    return path == "-";
+}
+
+std::string nameOfInput(const std::string& path) {
+    return isStandardInput(path) ? "<stdin>" : path;
+}
+
 std::string whyUnreadable(const std::string& path) {
     struct stat status = {};
     if (stat(path.c_str(), &status) != 0) {
@@ -52,11 +60,12 @@ std::string whyUnreadable(const std::string& path) {
 }
 
 std::optional<std::string> readFile(const std::string& path, const Interruption& interruption, std::string& problem) {
-    problem = whyUnreadable(path);
+    problem = isStandardInput(path) ? "" : whyUnreadable(path);
     if (!problem.empty()) {
         return std::nullopt;
     }
-    const Descriptor file(open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    const Descriptor file(isStandardInput(path) ? fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 0)
+                                                : open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
     if (!file.isOpen()) {
         problem = systemError(errno);
         return std::nullopt;
@@ -64,16 +73,18 @@ std::optional<std::string> readFile(const std::string& path, const Interruption&
     std::string text;
     char piece[1 << 16];
     while (!interruption.requested()) {
+        // Standard input is left as it is, so that its reading would wait.
+        pollfd sources[] = {{file.get(), POLLIN, 0}, {interruption.descriptor(), POLLIN, 0}};
+        if (poll(sources, 2, -1) < 0 || sources[0].revents == 0) {
+            continue;
+        }
         const ssize_t got = read(file.get(), piece, sizeof piece);
         if (got == 0) {
             return text;
         }
         if (got > 0) {
             text.append(piece, static_cast<std::size_t>(got));
-        } else if (errno == EAGAIN) {
-            pollfd sources[] = {{file.get(), POLLIN, 0}, {interruption.descriptor(), POLLIN, 0}};
-            poll(sources, 2, -1);
-        } else if (errno != EINTR) {
+        } else if (errno != EAGAIN && errno != EINTR) {
             problem = systemError(errno);
             return std::nullopt;
         }

@@ -9,11 +9,17 @@
 
 namespace Brenta::OS::VIG::Tool {
 
+// Tells whether the argument of a verb is "-", which stands for standard input.
+bool isStandardInput(const std::string& path);
+
+// Returns what messages call the argument: "<stdin>", or its path.
+std::string nameOfInput(const std::string& path);
+
 // Returns why the file is not read, or an empty text if it is: it is a regular file, or a pipe that the shell has
 // opened for the process.
 std::string whyUnreadable(const std::string& path);
 
-// Returns the whole content of such a file. If it is not read, returns nothing, with the reason in `problem`; also
+// Returns the whole content of such a file, or of standard input. If it is not read, returns nothing, with the reason in `problem`; also
 // nothing if it was interrupted.
 std::optional<std::string> readFile(const std::string& path, const Interruption& interruption, std::string& problem);
 

@@ -13,6 +13,7 @@
 #include "tools/vig/events/EventReader.h"
 #include "tools/vig/findings/FindingWriters.h"
 #include "tools/vig/io/Descriptor.h"
+#include "tools/vig/io/FileText.h"
 #include "tools/vig/words/Text.h"
 
 namespace Brenta::OS::VIG::Tool {
@@ -61,7 +62,7 @@ std::optional<std::string> readRules(const std::string& path, const Console& con
             sayRefusal(session, console);
             break;
         case RuleSession::Loading::Unreadable:
-            console.complain(path + ": " + session.problem());
+            console.complain(nameOfInput(path) + ": " + session.problem());
             break;
         case RuleSession::Loading::Interrupted:
             break;
@@ -85,7 +86,7 @@ std::optional<int> RuleRun::load(RuleSession::Changes later) {
         case RuleSession::Loading::Refused:
             return kExitRefused;
         case RuleSession::Loading::Unreadable:
-            console.complain(options.rules + ": " + rules->problem());
+            console.complain(nameOfInput(options.rules) + ": " + rules->problem());
             return kExitUnusable;
         case RuleSession::Loading::Interrupted:
             break;
@@ -119,7 +120,7 @@ int RuleRun::abandon(int status) {
 }
 
 void addRules(Verb& verb, MachineOptions& options) {
-    verb.argument("RULES", options.rules, Verb::Need::Required, "The rule document");
+    verb.argument("RULES", options.rules, Verb::Need::Required, "The rule document; - for standard input");
 }
 
 void addDraws(Verb& verb, Draws& draws, const std::string& moreOnDraws) {

@@ -31,6 +31,9 @@ struct RuleOptions : MachineOptions {
     bool verbose = false;  // people see the library's own log lines
 };
 
+inline constexpr std::string_view kStandardInputTwice =
+    "standard input can be one of them only: the rule document, or one file of event records";
+
 // Adds what verbs take that let rules run. The options must outlive the command line.
 void addRules(Verb& verb, MachineOptions& options);
 void addDraws(Verb& verb, Draws& draws, const std::string& moreOnDraws);

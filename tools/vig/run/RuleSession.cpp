@@ -57,11 +57,11 @@ RuleSession::RuleSession(std::string rulesPath, const Draws& draws, AttributeSet
       services(group) {}
 
 RuleSession::Loading RuleSession::load(Changes later, const Interruption& interruption) {
-    reason = whyUnreadable(path);
+    reason = isStandardInput(path) ? "" : whyUnreadable(path);
     if (!reason.empty()) {
         return Loading::Unreadable;
     }
-    if (isPipe(path) && !copyPipe(interruption)) {
+    if ((isStandardInput(path) || isPipe(path)) && !copyPipe(interruption)) {
         return interruption.requested() ? Loading::Interrupted : Loading::Unreadable;
     }
     deliveries.emplace(pipeCopy ? pathOf(*pipeCopy) : path, draw, tracer.get());
@@ -113,11 +113,11 @@ RuleSession::Loading RuleSession::adopt(Delivery delivery) {
     const bool isRefused = !reason.empty();
     refusedText.reset();
     if (isRefused) {
-        refusedText.emplace(path, std::move(delivery.text));
+        refusedText.emplace(nameOfInput(path), std::move(delivery.text));
     }
     // An absent document reads as one without configurations.
     if (!isRefused && delivery.configs.empty()) {
-        reason = whyAbsent(path);
+        reason = whyAbsent(pipeCopy ? pathOf(*pipeCopy) : path);
     }
     if (reason.empty()) {
         model.reset();
@@ -128,7 +128,7 @@ RuleSession::Loading RuleSession::adopt(Delivery delivery) {
 }
 
 const DocumentModel& RuleSession::document() {
-    return model ? *model : model.emplace(path, std::move(text));
+    return model ? *model : model.emplace(nameOfInput(path), std::move(text));
 }
 
 }  // namespace Brenta::OS::VIG::Tool

@@ -74,7 +74,7 @@ class RuleSession final {
     std::optional<DocumentModel> model;    // made when it is asked for
     MachineGroup group;
     PlatformServices services;
-    std::optional<Descriptor> pipeCopy;  // in memory, if the document comes by a pipe
+    std::optional<Descriptor> pipeCopy;  // in memory, if the document comes by a pipe or by standard input
     std::optional<RuleDocument> deliveries;
     std::string reason;
     std::optional<DocumentText> refusedText;

@@ -474,10 +474,10 @@ std::optional<TestFile> readTestFile(const std::string& path, const Draws& draws
     std::string problem;
     auto content = readFile(path, interruption, problem);
     if (!content) {
-        errors.push_back("vig: error: " + path + ": " + problem);
+        errors.push_back("vig: error: " + nameOfInput(path) + ": " + problem);
         return std::nullopt;
     }
-    const DocumentText document(path, std::move(*content));
+    const DocumentText document(nameOfInput(path), std::move(*content));
     std::vector<std::string> ofFile;
     if (std::string mistake = StrictJson::mistakeIn(document); !mistake.empty()) {
         ofFile.push_back(std::move(mistake));
