@@ -22,7 +22,7 @@ Every mistake is found at its place: from a line and column to others, with its 
 
   $ edited() {
   >   sed "${@/#/-e}" clean.json >rules.json; vig check rules.json --format json | sed -nE '
-  >     s/.*"line":(.*),"column":(.*),"end_line":(.*),"end_column":(.*),"severity":".*","name":"(.*)","path":"(.*)","message":"(.*)","hint":"(.*)"\},?$/\1:\2-\3:\4 \6: \7 [\5]: \8/; T
+  >     s/.*"line":(.*),"column":(.*),"end_line":(.*),"end_column":(.*),"severity":".*","name":"(.*)","path":"(.*)","message":"(.*)","hint":"([^{]*)"(,"transition":.*)?\},?$/\1:\2-\3:\4 \6: \7 [\5]: \8/; T
   >     s/configs\[0\]\.payload\.data\.transitions\[0\]/~/; s/\\"/"/g; s/: $//; p'
   > }
   $ vig check clean.json

@@ -37,8 +37,11 @@ std::optional<TransitionName> nameTransition(std::string_view path, const Docume
     }
     const Json::Value& from = memberOf(*transition, "from_state");
     const Json::Value& to = memberOf(*transition, "to_state");
+    if (!from.isString() && !to.isString()) {
+        return std::nullopt;
+    }
     const auto nameIn = [](const Json::Value& state) { return state.isString() ? state.asString() : "?"; };
-    const Json::Value& named = from.isString() ? from : to.isString() ? to : *transition;
+    const Json::Value& named = from.isString() ? from : to;
     return TransitionName{nameIn(from), nameIn(to),
                           document.source().positionOf(document.placeOf(named, {}).begin).line};
 }
