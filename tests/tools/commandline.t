@@ -62,7 +62,7 @@ What is missing or wrong is a usage error, which names the help to read.
   2 vig: error: --explain, --why-not, --machine, --where, --from and --to tell of one device: give one file, and no summary. Try: vig run --help
   2 vig: error: --explain, --why-not, --machine, --where, --from and --to tell of one device: give one file, and no summary. Try: vig run --help
   2 vig: error: --explain, --why-not, --machine, --where, --from and --to tell of one device: give one file, and no summary. Try: vig run --help
-  2 vig: error: standard input can be one device only. Try: vig run --help
+  2 vig: error: standard input can be one of them only: the rule document, or one file of event records. Try: vig run --help
   2 vig: error: --jobs: expected a whole number from 1 to 256, got 0. Try: vig run --help
   2 vig: error: --jobs: expected a whole number from 1 to 256, got 257. Try: vig run --help
   2 vig: error: --seed: expected a whole number from 0 to 4294967295, got -1. Try: vig run --help

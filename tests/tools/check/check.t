@@ -20,7 +20,7 @@
   a b.json:3:56: error: FSM Event not found! [InvalidFsm]
       \t\t{ "from_state": "start", "to_state": "end", "event": "ZramHeartbeat", (esc)
       \t\t                                                     ^~~~~~~~~~~~~~~ (esc)
-      path: configs[0].payload.data.transitions[0].event
+      path: configs[0].payload.data.transitions[0].event: start -> end (line 3)
       hint: there is no event "ZramHeartbeat"; did you mean "ZramHeartBeat"?
   2 errors, 1 warning in 1 file
   [1]
@@ -31,7 +31,7 @@ For programs: with columns in bytes, and in characters. The rules that a result 
   {"findings":[
   {"file":"a b.json","line":2,"column":4,"end_line":2,"end_column":13,"severity":"warning","name":"unknown-key","path":"configs[0].note \xc3\xa4","message":"the key \\"note \xc3\xa4\\" is ignored","hint":"known here: \\"id\\", \\"payload\\""}, (esc)
   {"file":"a b.json","line":2,"column":24,"end_line":2,"end_column":28,"severity":"error","name":"InvalidConfig","path":"configs[0].id","message":"Invalid VIG Config JSON: { \\"note \xc3\xa4\\": 1, \\"id\\": true, \\"payload\\": {\xe2\x80\xa6 (\\"id\\" is a boolean)","hint":"a number is needed"}, (esc)
-  {"file":"a b.json","line":3,"column":56,"end_line":3,"end_column":71,"severity":"error","name":"InvalidFsm","path":"configs[0].payload.data.transitions[0].event","message":"FSM Event not found!","hint":"there is no event \"ZramHeartbeat\"; did you mean \"ZramHeartBeat\"?"}
+  {"file":"a b.json","line":3,"column":56,"end_line":3,"end_column":71,"severity":"error","name":"InvalidFsm","path":"configs[0].payload.data.transitions[0].event","message":"FSM Event not found!","hint":"there is no event \"ZramHeartbeat\"; did you mean \"ZramHeartBeat\"?","transition":{"from":"start","to":"end","line":3}}
   ],"errors":2,"warnings":1,"files":1,"undecided":[]}
   [1]
   $ vig check "a b.json" --format sarif | grep -nv '^{"id":"[^u].*,$' | sed 's/\("vig","version":"\)[0-9.]*/\1/'
@@ -43,7 +43,7 @@ For programs: with columns in bytes, and in characters. The rules that a result 
   36:{"id":"no-way-out","shortDescription":{"text":"a state that cannot be left and is not \"end\""}}]}},"columnKind":"unicodeCodePoints","results":[
   37:{"ruleId":"unknown-key","ruleIndex":28,"level":"warning","message":{"text":"the key \\"note \xc3\xa4\\" is ignored Hint: known here: \\"id\\", \\"payload\\""},"locations":[{"physicalLocation":{"artifactLocation":{"uri":"a%20b.json"},"region":{"startLine":2,"startColumn":4,"endLine":2,"endColumn":12}},"logicalLocations":[{"fullyQualifiedName":"configs[0].note \xc3\xa4"}]}]}, (esc)
   38:{"ruleId":"InvalidConfig","ruleIndex":2,"level":"error","message":{"text":"Invalid VIG Config JSON: { \\"note \xc3\xa4\\": 1, \\"id\\": true, \\"payload\\": {\xe2\x80\xa6 (\\"id\\" is a boolean) Hint: a number is needed"},"locations":[{"physicalLocation":{"artifactLocation":{"uri":"a%20b.json"},"region":{"startLine":2,"startColumn":23,"endLine":2,"endColumn":27}},"logicalLocations":[{"fullyQualifiedName":"configs[0].id"}]}]}, (esc)
-  39:{"ruleId":"InvalidFsm","ruleIndex":4,"level":"error","message":{"text":"FSM Event not found! Hint: there is no event \"ZramHeartbeat\"; did you mean \"ZramHeartBeat\"?"},"locations":[{"physicalLocation":{"artifactLocation":{"uri":"a%20b.json"},"region":{"startLine":3,"startColumn":56,"endLine":3,"endColumn":71}},"logicalLocations":[{"fullyQualifiedName":"configs[0].payload.data.transitions[0].event"}]}]}
+  39:{"ruleId":"InvalidFsm","ruleIndex":4,"level":"error","message":{"text":"FSM Event not found! Hint: there is no event \"ZramHeartbeat\"; did you mean \"ZramHeartBeat\"?"},"locations":[{"physicalLocation":{"artifactLocation":{"uri":"a%20b.json"},"region":{"startLine":3,"startColumn":56,"endLine":3,"endColumn":71}},"logicalLocations":[{"name":"start -> end","fullyQualifiedName":"configs[0].payload.data.transitions[0].event"}]}]}
   40:]}]}
   $ vig check "$PWD/a b.json" --format sarif | grep -o '"uri":"[^"]*' | uniq
   "uri":"file:///*/a%20b.json (glob)
@@ -109,10 +109,10 @@ What events show is shown by them on demand, and always to programs. They are as
   $ sed -i 's/{"configs":\[/&{"id":true},/' shown.json
   $ vig check shown.json --verbose | tail -12
       hint: a number is needed
-  shown.json:1:605: warning: "TriggerVelora" asks for a collection once in 2 ProcessMemoryHeartBeat events as long as their values stay the same: they lead from "start" to "hot" to "start" [trigger-storm]
-      \xe2\x80\xa6onstant","value":"102400"}}],"actions":[{"name":"TriggerVelora"}]},{"from_state":"hot","to_state":"s\xe2\x80\xa6 (esc)
-                                               ^~~~~~~~~~~~~~~~~~~~~~~~
-      path: configs[2].payload.data.transitions[0].actions[0]
+  shown.json:1:613: warning: "TriggerVelora" asks for a collection once in 2 ProcessMemoryHeartBeat events as long as their values stay the same: they lead from "start" to "hot" to "start" [trigger-storm]
+      \xe2\x80\xa6,"value":"102400"}}],"actions":[{"name":"TriggerVelora"}]},{"from_state":"hot","to_state":"start","e\xe2\x80\xa6 (esc)
+                                               ^~~~~~~~~~~~~~~
+      path: configs[2].payload.data.transitions[0].actions[0]: start -> hot (line 1)
       hint: let the filters on the way exclude each other, or add the filter PseudoRandomDouble() < 0.1
       for example:
           {"event":"ProcessMemoryHeartBeat","int64":{"vmRssKB":204801,"vmSwapKB":1},"string":{"processName":"app"}}
@@ -181,3 +181,42 @@ What would take too long is left undecided, which is said: nine different number
   $ vig check ways.json clean.json
   ways.json: not decided: warnings may be missing of configs[0] (id 0), configs[1] (id 1), configs[2] (id 2), configs[3] (id 3), configs[4] (id 4) and 2 more
   nothing found in 2 files; not everything could be decided of 7 machines
+
+Warnings are told beside errors, as far as they are there however those are mended: the last action may ask for
+collections, so that nothing is said of storms, and the third transition may lead to "b".
+
+  $ sed 's/TriggerVelora/Trigger/; s/"Test"/"Tst"/' >beside.json < <(machines <<'EOF'
+  > start hot ProcessMemoryHeartBeat | integer vmRsKB > =1x; start end ProcessMemoryHeartBeat; start b ProcessMemoryHeartBeat; hot b Test; c b ProcessMemoryHeartBeat || TriggerVelora
+  > EOF
+  > )
+  $ vig check beside.json | sed -n 's/^beside.json:[0-9:]* //p; /path/p'
+  warning: `vmRsKB > 1x` is false for a ProcessMemoryHeartBeat event without vmRsKB, which then fires start -> end (transitions[1]) as if it were the opposite [missing-falls-through]
+      path: configs[0].payload.data.transitions[0].filters[0]: start -> hot (line 1)
+  warning: ProcessMemoryHeartBeat events are not known to have an attribute "vmRsKB" [unknown-attribute]
+      path: configs[0].payload.data.transitions[0].filters[0].operand1.value: start -> hot (line 1)
+  warning: "1x" is read as 1; "x" is ignored [number-text]
+      path: configs[0].payload.data.transitions[0].filters[0].operand2.value: start -> hot (line 1)
+  warning: this never fires: before it comes start -> end (transitions[1]) on ProcessMemoryHeartBeat, which always fires [shadowed-transition]
+      path: configs[0].payload.data.transitions[2]: start -> b (line 1)
+  error: FSM Event not found! [InvalidFsm]
+      path: configs[0].payload.data.transitions[3].event: hot -> b (line 1)
+  warning: no chain of transitions leads from "start" to "c" [unreachable-state]
+      path: configs[0].payload.data.transitions[4].from_state: c -> b (line 1)
+  error: FSM Action (Trigger) not found! [InvalidFsm]
+      path: configs[0].payload.data.transitions[4].actions[0].name: c -> b (line 1)
+
+Standard input is a document as well, of which the other verbs tell what is wrong alike.
+
+  $ vig check - <warned.json | head -1
+  <stdin>:1:14: warning: the key "x" is ignored [unknown-key]
+  $ vig graph --format mermaid - <beside.json 2>&1 | grep error
+  <stdin>:1:529: error: FSM Event not found! [InvalidFsm]
+  <stdin>:1:660: error: FSM Action (Trigger) not found! [InvalidFsm]
+  $ vig graph - --events - <beside.json
+  vig: error: standard input can be one of them only: the rule document, or one file of event records
+  Try: vig graph --help
+  [2]
+  $ document_of "$(transition start end Test)" >rules.json
+  $ echo '{"rules":"rules.json","tests":[{"name":"a","events":[],"expect":{"states":{"7":"start"}}}]}' | vig test -
+  ok    <stdin>: 1 of 1 passed
+  1 test: 1 passed, 0 failed

@@ -12,7 +12,7 @@ come states, then transitions behind others, and cycles that need no event.
   $ named() {
   >   machines >rules.json; vig check --allow no-action rules.json "$@" | awk '
   >     / \[[a-z-]*\]$/ { name = (/: error: / ? "error " : "") substr($NF, 2, length($NF) - 2) }
-  >     sub(/^    path: configs\[/, "") { line = $0 + 0; sub(/^[0-9]*\]\.payload\.data\.transitions/, "")
+  >     sub(/^    path: configs\[/, "") { line = $0 + 0; sub(/: .* -> .* [(]line [0-9]*[)]$/, ""); sub(/^[0-9]*\]\.payload\.data\.transitions/, "")
   >       sub(/operand1\.value/, "left"); sub(/operand2\.value/, "right")
   >       found[line] = found[line] (found[line] ? ", " : line ": ") name " " $0; any = 1 }
   >     END { if (!any) print; for (line = 0; line < NR; ++line) if (line in found) print found[line] }'
@@ -387,9 +387,9 @@ The whole of what is said.
   > EOF
   warning: "hot" is left here and never entered, and "hto" is entered by start -> hto (transitions[0]) and never left [unreachable-state]
     hint: write the same name in both places
-  warning: this never fires: before it in "start" comes transitions[0] on ProcessMemoryHeartBeat, which fires whenever this one could [shadowed-transition]
+  warning: this never fires: before it comes start -> end (transitions[0]) on ProcessMemoryHeartBeat, which fires whenever this one could [shadowed-transition]
     hint: put this one before it, or give that one another filter
-  warning: this never fires: before it in "start" comes transitions[2] on ProcessMemoryHeartBeat, which always fires [shadowed-transition]
+  warning: this never fires: before it comes start -> end (transitions[2]) on ProcessMemoryHeartBeat, which always fires [shadowed-transition]
     hint: put this one before it
   error: EnteringState transitions lead from "a" to "b" to "a", without end: one event makes up to 1000 moves [endless-entering]
     hint: let one of them listen for another event
@@ -434,17 +434,17 @@ The whole of what is said.
     hint: mend the filter, or leave the transition out
   warning: `processName >= ""` is always true, whatever the event [always-true]
     hint: leave the filter out
-  warning: this never fires: before it in "start" come transitions[0], transitions[1], transitions[2] and 1 more on ProcessMemoryHeartBeat, one of which fires whenever this one could [shadowed-transition]
+  warning: this never fires: before it come start -> end (transitions[0]), start -> end (transitions[1]), start -> end (transitions[2]) and 1 more on ProcessMemoryHeartBeat, one of which fires whenever this one could [shadowed-transition]
     hint: put this one before them, or give one of them another filter
-  warning: only an infinity, NaN or a text that is no UTF-8 fires this: before it in "start" come transitions[0] and transitions[1] on ProcessCpuHeartBeat, one of which fires whenever this one could [shadowed-transition]
+  warning: only an infinity, NaN or a text that is no UTF-8 fires this: before it come start -> end (transitions[0]) and start -> end (transitions[1]) on ProcessCpuHeartBeat, one of which fires whenever this one could [shadowed-transition]
     hint: put this one before them, or give one of them another filter
   warning: only an infinity or NaN fulfils `cpuAvgUtilization >= inf` [never-true]
     hint: mend the filter, or leave the transition out
-  warning: this never fires: before it in "start" comes transitions[0] on ProcessCpuHeartBeat, which fires whenever this one could [shadowed-transition]
+  warning: this never fires: before it comes start -> end (transitions[0]) on ProcessCpuHeartBeat, which fires whenever this one could [shadowed-transition]
     hint: put this one before it, or give that one another filter
   warning: only an infinity or NaN fulfils `cpuAvgUtilization > 1.7976931348623157e308` [never-true]
     hint: mend the filter, or leave the transition out
-  warning: this never fires: before it in "start" comes transitions[0] on ProcessCpuHeartBeat, which fires whenever this one could [shadowed-transition]
+  warning: this never fires: before it comes start -> end (transitions[0]) on ProcessCpuHeartBeat, which fires whenever this one could [shadowed-transition]
     hint: put this one before it, or give that one another filter
   warning: the machine never comes to "a": none of the transitions that could lead there ever fires [unreachable-state]
     hint: mend what leads there, or leave it out
@@ -460,9 +460,9 @@ The whole of what is said.
     hint: mend the filter, or leave the transition out
   warning: "TriggerVelora" asks for a collection once in 2 ProcessMemoryHeartBeat events as long as their values stay the same: they lead from "start" to "hot" to "start" [trigger-storm]
     hint: let the filters on the way exclude each other, or add the filter PseudoRandomDouble() < 0.1
-  warning: the events that lead to "TriggerVelora" may come from different processes: transitions[0] fires for one, and transitions[1] for another [mixed-processes]
+  warning: the events that lead to "TriggerVelora" may come from different processes: start -> hot (transitions[0]) fires for one, and hot -> end (transitions[1]) for another [mixed-processes]
     hint: add the same filter on processName to both of them
-  warning: `5 < n` is false for a Test event without n, which then fires transitions[2] as if it were the opposite [missing-falls-through]
+  warning: `5 < n` is false for a Test event without n, which then fires hot -> start (transitions[2]) as if it were the opposite [missing-falls-through]
     hint: add the filter `5 >= n` there, or name the attribute in a file for --catalogue if all these events have it
   warning: the machine never comes to "s1001": EnteringState transitions end after 1000 moves, in "s1000" [unreachable-state]
     hint: mend what leads there, or leave it out
@@ -474,9 +474,9 @@ The whole of what is said.
     hint: mend what leads there, or leave it out
   warning: `PseudoRandomDouble() > 0.1` lets 90 % through, not 10 % [inverted-share]
     hint: write PseudoRandomDouble() < 0.1 if 10 % is meant, otherwise write PseudoRandomDouble() < 0.9
-  warning: `PseudoRandomDouble() < 0.1` draws anew, after transitions[0] on the way here: both together let 1 % through [repeated-draw]
+  warning: `PseudoRandomDouble() < 0.1` draws anew, after start -> in (transitions[0]) on the way here: both together let 1 % through [repeated-draw]
     hint: leave the filter out here, or there
-  warning: `PseudoRandomDouble() < 0.1` draws anew, after transitions[1] on the way here: all together let 0.1 % through [repeated-draw]
+  warning: `PseudoRandomDouble() < 0.1` draws anew, after in -> a (transitions[1]) on the way here: all together let 0.1 % through [repeated-draw]
     hint: leave the filter out here, or there
   warning: `PseudoRandomDouble() >= 0.2` draws anew, after `PseudoRandomDouble() < 0.1`: both together let 8 % through [repeated-draw]
     hint: leave one of them out

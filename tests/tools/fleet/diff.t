@@ -155,7 +155,7 @@ What is not fit to be compared:
   Try: vig diff --help
   [2]
   $ vig diff old.json new.json - -
-  vig: error: standard input can be one device only
+  vig: error: standard input can be one of them only: the rule document, or one file of event records
   Try: vig diff --help
   [2]
   $ vig diff old.json none same

@@ -32,7 +32,7 @@ Transitions are numbered within their state, and marked with what is wrong with 
       class c0s2 unreachable
       class c0s4 final
   $ vig graph rules.json --format dot | grep -o '[a-z0-9]* \[tooltip="[^ ].*label=<'
-  c0s1 [tooltip="1: unused-timeout: nothing arms a timeout by itself: only a service that does so sends the event \xc2\xb7 2: missing-falls-through: `pid &gt; 3x` is false for a Test event without pid, which then fires transitions[4] as if it were the opposite \xc2\xb7 number-text: &quot;3x&quot; is read as 3; &quot;x&quot; is ignored", label=< (esc)
+  c0s1 [tooltip="1: unused-timeout: nothing arms a timeout by itself: only a service that does so sends the event \xc2\xb7 2: missing-falls-through: `pid &gt; 3x` is false for a Test event without pid, which then fires a -&gt; b (transitions[4]) as if it were the opposite \xc2\xb7 number-text: &quot;3x&quot; is read as 3; &quot;x&quot; is ignored", label=< (esc)
   c0s2 [tooltip="unreachable-state: no chain of transitions leads from &quot;start&quot; to &quot;lost&quot;", label=<
   c0s3 [tooltip="no-way-out: once in &quot;b&quot;, the machine does nothing any more", label=<
 

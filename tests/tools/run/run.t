@@ -74,7 +74,7 @@ A document that is refused is told with the layer at fault, and with its log lin
   refused.json:1:109: error: FSM Event not found! [InvalidFsm]
       \xe2\x80\xa6state":"start","to_state":"end","event":"test","filters":[],"actions":[]}]}}}]} (esc)
                                                ^~~~~~
-      path: configs[0].payload.data.transitions[0].event
+      path: configs[0].payload.data.transitions[0].event: start -> end (line 1)
       hint: there is no event "test"; did you mean "Test"?
   1 3 3
   refused.json:1:13: error: Invalid VIG Config JSON: 7 [InvalidConfig]
