@@ -27,8 +27,9 @@ TEST(ManPage, HasEveryVerbAndSatisfiesTheFormatter) {
     const std::string page = folder.write("vig.1", manPageOf(helpWithOddities()));
     EXPECT_EQ(outputOf("groff -man -Tutf8 -ww -z " + page), "");
     const std::string text = outputOf("groff -man -Tascii -P-cbou -rLL=200n " + page);
-    for (const char* const part : {"--interval TIME", "--explain [=all]", "vig graph RULES", "vig test [FILE...] [options]",
-                                   "--format dot|svg|png|mermaid", ".it's [a: \\b]", ".g\n       'h\n"}) {
+    for (const char* const part :
+         {"--interval TIME", "--explain [=all]", "vig graph RULES", "vig test [FILE...] [options]",
+          "--format dot|svg|png|mermaid", ".it's [a: \\b]", ".g\n       'h\n"}) {
         EXPECT_THAT(text, HasSubstr(part));
     }
 }

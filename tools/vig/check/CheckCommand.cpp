@@ -66,7 +66,8 @@ int check(const CheckOptions& options, const Console& console, const Interruptio
             return kExitInterrupted;
         }
         for (const std::string& each : findings.unconfirmed) {
-            console.complain(fmt::format("{}: a fault of vig: the library does not do what was found: {}", document.source().name(), each));
+            console.complain(fmt::format("{}: a fault of vig: the library does not do what was found: {}",
+                                         document.source().name(), each));
             isUsable = false;
         }
         std::erase_if(findings.all, [&](const Finding& each) {

@@ -19,8 +19,8 @@ std::string nameOfInput(const std::string& path);
 // opened for the process.
 std::string whyUnreadable(const std::string& path);
 
-// Returns the whole content of such a file, or of standard input. If it is not read, returns nothing, with the reason in `problem`; also
-// nothing if it was interrupted.
+// Returns the whole content of such a file, or of standard input. If it is not read, returns nothing, with the reason
+// in `problem`; also nothing if it was interrupted.
 std::optional<std::string> readFile(const std::string& path, const Interruption& interruption, std::string& problem);
 
 // Returns the same as a file in memory, for who takes only a path, or takes it more than once.

@@ -457,7 +457,8 @@ Example: all tests, with what they do not reach, and a report for the build serv
 void addTest(CommandLine& commandLine, TestOptions& options) {
     Verb verb = commandLine.addVerb("test", "Runs the tests of rule documents, and decides their properties.", kHelp,
                                     test, options);
-    verb.argument("FILE", options.files, Verb::Need::Optional, "Files of tests; - for standard input, of which paths are relative to the current folder");
+    verb.argument("FILE", options.files, Verb::Need::Optional,
+                  "Files of tests; - for standard input, of which paths are relative to the current folder");
     verb.name(
         "--generate", options.generate, "RULES",
         "Writes a file of tests that reach all of this rule document that can be reached, in the place of running any");
