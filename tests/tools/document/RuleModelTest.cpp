@@ -37,7 +37,7 @@ TEST(RuleModel, KnowsThePlaceOfEachPiece) {
         const FilterModel& filter = config.transitions[1].filters[1];
         EXPECT_EQ(filter.place.path, "configs[0].payload.data.transitions[1].filters[1]");
         EXPECT_EQ(textAt(document, filter.operand2.place), R"("0.1")");
-        EXPECT_EQ(textAt(document, config.transitions[0].actions[0].place), R"({"name":"LogZramHeartBeat"})");
+        EXPECT_EQ(textAt(document, config.transitions[0].actions[0].place), R"("LogZramHeartBeat")");
     }
 }
 

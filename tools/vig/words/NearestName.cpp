@@ -76,7 +76,9 @@ std::vector<std::string_view> nearNames(std::string_view given, std::span<const 
         const std::size_t distance = name.size() > kLongestName ? kLongestName : distanceOf(given, name);
         const bool isNear = distance <= std::max<std::size_t>(2, name.size() / 3) &&
                             2 * distance <= std::max(given.size(), name.size());
-        if (isNear || (given.size() >= 4 && isShortFor(given, name))) {
+        // Several things may have the same name.
+        const bool isNew = std::ranges::find(near, name) == near.end();
+        if (isNew && (isNear || (given.size() >= 4 && isShortFor(given, name)))) {
             near.push_back(name);
             distances.push_back(distance);
             best = std::min(best, distance);
