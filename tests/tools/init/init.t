@@ -70,7 +70,7 @@ Nothing is overwritten unless that is wanted, and what is wrong is told at once.
   > b.json --attribute pid --times 3x
   > b.json --attribute memUsedMaxBytes --share 0
   > b.json --attribute memFreeKB --process camera --limit 2000B --share 0.1.
-  > b.json --attribute vmRssKB --process ' a' --limit 200M --trigger TriggerVeloraCpu
+  > b.json --attribute vmRssKB --process ' a' --limit 200W --trigger TriggerVeloraCpu
   > b.json --attribute vmRssKB --process a --limit 9999999999MB
   > b.json --attribute vmRssKB --process a --limit 1.5 --second-limit 1
   > b.json --attribute vmRssKB --process a --limit 1MB --release 2MB --second-limit 1024 --share 1e-3
@@ -108,7 +108,7 @@ Nothing is overwritten unless that is wanted, and what is wrong is told at once.
   vig: error: --trigger is required: no collection can be asked for with SystemMemoryHeartBeat events, and Test does nothing
   Try: vig init --help
   vig: error: --process: expected the name of a process as events have it, such as camera, got " a"
-  vig: error: --limit: expected a number of kB such as 204800, or one with its unit such as 200MB, got "200M"
+  vig: error: --limit: expected a number of kB such as 204800, or one with its unit such as 200MB, got "200W"
   vig: error: --trigger: expected one of TriggerVelora, Test, for which ProcessMemoryHeartBeat events have what it needs, got "TriggerVeloraCpu"
   Try: vig init --help
   vig: error: --limit: "9999999999MB" is too large

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <iterator>
 #include <string_view>
 
 #include "tools/vig/words/Text.h"
@@ -17,44 +16,6 @@ namespace {
 constexpr std::string_view kDigits = "0123456789";
 constexpr std::string_view kBlanks = " \t\r\n";
 constexpr double kMostExact = 0x1p53;
-
-// It is what people write behind a number, in small letters.
-struct Suffix {
-    std::string_view text;
-    Unit unit;
-};
-
-constexpr double kStep = stepOf(Quantity::Memory);
-constexpr double kSecond = stepOf(Quantity::Time);
-constexpr double kMinute = 60 * kSecond;
-constexpr double kHour = 60 * kMinute;
-
-constexpr Suffix kSuffixes[] = {
-    {"b", {Quantity::Memory, 1, "bytes"}},
-    {"byte", {Quantity::Memory, 1, "bytes"}},
-    {"bytes", {Quantity::Memory, 1, "bytes"}},
-    {"k", {Quantity::Memory, kStep, "kB"}},
-    {"kb", {Quantity::Memory, kStep, "kB"}},
-    {"kib", {Quantity::Memory, kStep, "kB"}},
-    {"m", {Quantity::Memory, kStep* kStep, "MB"}},
-    {"mb", {Quantity::Memory, kStep* kStep, "MB"}},
-    {"mib", {Quantity::Memory, kStep* kStep, "MB"}},
-    {"g", {Quantity::Memory, kStep* kStep* kStep, "GB"}},
-    {"gb", {Quantity::Memory, kStep* kStep* kStep, "GB"}},
-    {"gib", {Quantity::Memory, kStep* kStep* kStep, "GB"}},
-    {"us", {Quantity::Time, 0.001, "us"}},
-    {"ms", {Quantity::Time, 1, "ms"}},
-    {"s", {Quantity::Time, kSecond, "s"}},
-    {"sec", {Quantity::Time, kSecond, "s"}},
-    {"seconds", {Quantity::Time, kSecond, "s"}},
-    {"m", {Quantity::Time, kMinute, "minutes"}},
-    {"min", {Quantity::Time, kMinute, "minutes"}},
-    {"minutes", {Quantity::Time, kMinute, "minutes"}},
-    {"h", {Quantity::Time, kHour, "hours"}},
-    {"hours", {Quantity::Time, kHour, "hours"}},
-    {"%", {Quantity::Share, 0.01, "%"}},
-    {"percent", {Quantity::Share, 0.01, "%"}},
-};
 
 std::string_view trimmed(std::string_view text) {
     text = text.substr(std::min(text.find_first_not_of(kBlanks), text.size()));
@@ -112,18 +73,8 @@ std::optional<std::string> asNumber(double value, bool isInteger) {
     return std::abs(whole) < kMostExact ? std::optional(fmt::format("{:.0f}", whole)) : std::nullopt;
 }
 
-const Unit* suffixUnit(std::string_view suffix, const Unit* wanted) {
-    std::string lower(suffix);
-    std::ranges::transform(lower, lower.begin(),
-                           [](char each) { return each >= 'A' && each <= 'Z' ? static_cast<char>(each + 32) : each; });
-    const auto* const found = std::ranges::find_if(kSuffixes, [&](const Suffix& each) {
-        return each.text == lower && (wanted == nullptr || each.unit.quantity == wanted->quantity);
-    });
-    return found == std::end(kSuffixes) ? nullptr : &found->unit;
-}
-
 std::optional<NumberMeaning> withUnit(double value, std::string_view suffix, bool isInteger, const Unit* unit) {
-    const Unit* const written = unit == nullptr ? nullptr : suffixUnit(suffix, unit);
+    const Unit* const written = unit == nullptr ? nullptr : unitNamed(suffix, unit->quantity);
     if (written == nullptr) {
         return std::nullopt;
     }

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <iterator>
 #include <span>
+#include <string>
 
 namespace Brenta::OS::VIG::Tool {
 
@@ -30,6 +31,43 @@ constexpr NamedUnit kUnits[] = {
     {"Share", {Quantity::Share, 1, "parts of 1"}},
 };
 
+// It is what people write behind a number, in small letters.
+struct Suffix {
+    std::string_view text;
+    Unit unit;
+};
+
+constexpr double kSecond = stepOf(Quantity::Time);
+constexpr double kMinute = 60 * kSecond;
+constexpr double kHour = 60 * kMinute;
+
+constexpr Suffix kSuffixes[] = {
+    {"b", {Quantity::Memory, 1, "bytes"}},
+    {"byte", {Quantity::Memory, 1, "bytes"}},
+    {"bytes", {Quantity::Memory, 1, "bytes"}},
+    {"k", {Quantity::Memory, kKilo, "kB"}},
+    {"kb", {Quantity::Memory, kKilo, "kB"}},
+    {"kib", {Quantity::Memory, kKilo, "kB"}},
+    {"m", {Quantity::Memory, kKilo* kKilo, "MB"}},
+    {"mb", {Quantity::Memory, kKilo* kKilo, "MB"}},
+    {"mib", {Quantity::Memory, kKilo* kKilo, "MB"}},
+    {"g", {Quantity::Memory, kKilo* kKilo* kKilo, "GB"}},
+    {"gb", {Quantity::Memory, kKilo* kKilo* kKilo, "GB"}},
+    {"gib", {Quantity::Memory, kKilo* kKilo* kKilo, "GB"}},
+    {"us", {Quantity::Time, 0.001, "us"}},
+    {"ms", {Quantity::Time, 1, "ms"}},
+    {"s", {Quantity::Time, kSecond, "s"}},
+    {"sec", {Quantity::Time, kSecond, "s"}},
+    {"seconds", {Quantity::Time, kSecond, "s"}},
+    {"m", {Quantity::Time, kMinute, "minutes"}},
+    {"min", {Quantity::Time, kMinute, "minutes"}},
+    {"minutes", {Quantity::Time, kMinute, "minutes"}},
+    {"h", {Quantity::Time, kHour, "hours"}},
+    {"hours", {Quantity::Time, kHour, "hours"}},
+    {"%", {Quantity::Share, 0.01, "%"}},
+    {"percent", {Quantity::Share, 0.01, "percent"}},
+};
+
 constexpr std::string_view kMemoryNames[] = {"bytes", "kB", "MB", "GB"};
 constexpr std::string_view kTimeNames[] = {"ms", "s"};
 
@@ -39,6 +77,15 @@ const Unit* unitOf(std::string_view attribute) {
     const auto* const found =
         std::ranges::find_if(kUnits, [&](const NamedUnit& each) { return attribute.ends_with(each.ending); });
     return found == std::end(kUnits) ? nullptr : &found->unit;
+}
+
+const Unit* unitNamed(std::string_view name, Quantity quantity) {
+    std::string lower(name);
+    std::ranges::transform(lower, lower.begin(),
+                           [](char each) { return each >= 'A' && each <= 'Z' ? static_cast<char>(each + 32) : each; });
+    const auto* const found = std::ranges::find_if(
+        kSuffixes, [&](const Suffix& each) { return each.text == lower && each.unit.quantity == quantity; });
+    return found == std::end(kSuffixes) ? nullptr : &found->unit;
 }
 
 std::string shownIn(const Unit& unit, double number) {

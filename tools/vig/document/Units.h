@@ -16,6 +16,10 @@ struct Unit {
 // Returns the unit that the name of an attribute tells: vmRssKB is in kB. Returns null if it tells none.
 const Unit* unitOf(std::string_view attribute);
 
+// Returns the unit of the quantity that people write like that behind a number, in letters of any case: "MB", "s". A kB
+// has 1024 bytes. Returns null if there is none.
+const Unit* unitNamed(std::string_view name, Quantity quantity);
+
 // Returns how many of a unit make the next larger one of its quantity, which is no share.
 constexpr double stepOf(Quantity quantity) {
     return quantity == Quantity::Memory ? 1024 : 1000;

@@ -3,15 +3,14 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <array>
-#include <cctype>
 #include <charconv>
-#include <span>
+#include <cmath>
 #include <system_error>
 #include <vector>
 
 #include "tools/vig/catalogue/ActionNeeds.h"
 #include "tools/vig/catalogue/Catalogue.h"
+#include "tools/vig/document/Units.h"
 #include "tools/vig/events/EventNames.h"
 #include "tools/vig/words/NearestName.h"
 #include "tools/vig/words/Text.h"
@@ -24,17 +23,6 @@ namespace {
 constexpr std::uint32_t kMostTimes = 20;
 constexpr std::size_t kWidth = 80;
 constexpr std::string_view kProcessName = "processName";
-
-struct Unit {
-    std::string_view name;  // in lower case
-    std::int64_t factor;
-    std::int64_t divisor;
-};
-
-// The units in which a number of kB may be told; a kB has 1024 bytes, whatever the case of its letters.
-constexpr Unit kKilobytes[] = {{"kb", 1, 1},       {"kib", 1, 1},       {"mb", 1024, 1}, {"mib", 1024, 1},
-                               {"gb", 1 << 20, 1}, {"gib", 1 << 20, 1}, {"b", 1, 1024},  {"bytes", 1, 1024}};
-constexpr Unit kPercent[] = {{"%", 1, 1}};
 
 struct Watchable {
     RulesEngine::EventType event;
@@ -78,6 +66,12 @@ std::string got(const std::string& text) {
     return ", got " + (text.empty() ? std::string("nothing") : shownQuoted(text));
 }
 
+// Returns null if nothing is known.
+const Unit* unitOfNumbers(const Sketch& sketch) {
+    // How long processes wait for memory is in percent, which the names do not tell.
+    return sketch.attribute.starts_with("psi") ? unitNamed("percent", Quantity::Share) : unitOf(sketch.attribute);
+}
+
 // Reads a number of the attribute, which may have a unit.
 std::string readNumber(const std::string& text, const Sketch& sketch, Decimal& number) {
     const std::string_view own = unitOf(sketch);
@@ -88,20 +82,17 @@ std::string readNumber(const std::string& text, const Sketch& sketch, Decimal& n
     std::string_view rest = text;
     const auto read = Decimal::readFrom(rest);
     rest.remove_prefix(std::min(rest.find_first_not_of(' '), rest.size()));
-    std::string unit(rest);
-    std::ranges::transform(unit, unit.begin(), [](unsigned char each) { return std::tolower(each); });
-    const std::span<const Unit> units = own == "kB"  ? std::span<const Unit>(kKilobytes)
-                                        : own == "%" ? std::span<const Unit>(kPercent)
-                                                     : std::span<const Unit>();
-    const auto known = std::ranges::find(units, unit, &Unit::name);
-    if (!read || (!unit.empty() && known == units.end())) {
+    const Unit* const here = unitOfNumbers(sketch);
+    const Unit* const written = here == nullptr ? nullptr : unitNamed(rest, here->quantity);
+    if (!read || (!rest.empty() && written == nullptr)) {
         return expected + got(text);
     }
-    auto value = unit.empty() ? read : read->times(known->factor);
+    const double ratio = written == nullptr ? 1 : written->size / here->size;
+    auto value = ratio > 1 ? read->times(std::llround(ratio)) : read;
     if (!value) {
         return shownQuoted(text) + " is too large";
     }
-    value = unit.empty() ? value : value->dividedBy(known->divisor);
+    value = ratio < 1 ? value->dividedBy(std::llround(1 / ratio)) : value;
     if (!value || (!sketch.isDouble && !value->isWhole())) {
         return fmt::format("{} is no whole number of {}", shownQuoted(text), own);
     }
@@ -138,8 +129,8 @@ bool isOfProcess(const Sketch& sketch) {
 }
 
 std::string_view unitOf(const Sketch& sketch) {
-    const std::string_view name = sketch.attribute;
-    return name.ends_with("KB") ? "kB" : name.starts_with("psi") || name.starts_with("cpu") ? "%" : "";
+    const Unit* const unit = unitOfNumbers(sketch);
+    return unit == nullptr ? "" : unit->name == "percent" ? "%" : unit->name;
 }
 
 std::vector<std::string_view> actionsFor(const Sketch& sketch) {
