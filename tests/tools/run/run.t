@@ -96,6 +96,18 @@ A document that is refused is told with the layer at fault, and with its log lin
       hint: an object is needed
   [1]
 
+What stands behind the end is told, and the rules run.
+
+  $ printf '{"configs":[]}\n}' >trailing.json
+  $ vig run trailing.json events.jsonl
+  trailing.json:2:1: warning: the document ends before this, and what follows is ignored [trailing-text]
+      }
+      ^
+      hint: remove it, or the bracket further up that closes too early
+  summary
+    events    2
+    triggers  0
+
 What cannot be read is named at once.
 
   $ vig run absent events.jsonl

@@ -12,6 +12,7 @@
 #include "tools/vig/commandline/CommandLine.h"
 #include "tools/vig/events/EventReader.h"
 #include "tools/vig/findings/FindingWriters.h"
+#include "tools/vig/findings/ReaderErrors.h"
 #include "tools/vig/io/Descriptor.h"
 #include "tools/vig/io/FileText.h"
 #include "tools/vig/words/Text.h"
@@ -82,6 +83,9 @@ std::optional<int> RuleRun::load(RuleSession::Changes later) {
     rules.emplace(options.rules, options.draws, std::move(context), *report, trace);
     switch (rules->load(later, interruption)) {
         case RuleSession::Loading::Done:
+            if (later == RuleSession::Changes::Ignore) {
+                warnOfTrailingText();
+            }
             return std::nullopt;
         case RuleSession::Loading::Refused:
             return kExitRefused;
@@ -92,6 +96,16 @@ std::optional<int> RuleRun::load(RuleSession::Changes later) {
             break;
     }
     return kExitInterrupted;
+}
+
+// Whoever wrote what stands behind the end of the rules thinks that it runs.
+void RuleRun::warnOfTrailingText() {
+    const DocumentText& text = rules->document().text;
+    Findings findings;
+    appendTrailingText(text, findings.all);
+    if (!findings.all.empty()) {
+        console.sayText(textOf(text.source(), findings));
+    }
 }
 
 void RuleRun::complainAfterOutput(std::string_view line) {

@@ -65,7 +65,7 @@ class RuleRun {
     void observe(Trace& listener) { trace = &listener; }
 
     // Reads the context and loads the rules. If that fails, returns the exit status, having said why unless the rules
-    // were refused: abandon() says that.
+    // were refused: abandon() says that. Warns of what stands behind their end unless changes are followed.
     std::optional<int> load(RuleSession::Changes later);
 
     // REQUIRES: load() has returned nothing.
@@ -86,6 +86,8 @@ class RuleRun {
     int abandon(int status);
 
   private:
+    void warnOfTrailingText();
+
     const MachineOptions& options;
     const Console& console;
     const Interruption& interruption;
