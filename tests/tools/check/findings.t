@@ -46,7 +46,7 @@ Every mistake is found at its place: from a line and column to others, with its 
   $ edited 's/"ProcessMemoryHeartBeat"/"processMemoryHeartbeat"/' 's/">"/"=>"/' 's/"300000"/300000/' \
   >   's/{.*"PseudoRandomDouble" }/"PseudoRandomDouble"/' 's/"TriggerVelora"/"TriggerVelor"/'
   4:58-4:82 ~.event: FSM Event not found! [InvalidFsm]: there is no event "processMemoryHeartbeat"; did you mean "ProcessMemoryHeartBeat"?
-  6:23-6:27 ~.filters[0].operator: Invalid operator string: =>. [InvalidFsm]: one of "==", "!=", ">", "<", ">=", "<="
+  6:23-6:27 ~.filters[0].operator: Invalid operator string: =>. [InvalidFsm]: write ">=": one of "==", "!=", ">", "<", ">=", "<="
   8:54-8:60 ~.filters[0].operand2.value: Filter operand value is missing or invalid. ("value" is a number) [InvalidFsm]: a string: write "300000" for 300000
   10:23-10:43 ~.filters[1].operand1: Filter operand must be an object. ("operand1" is a string) [InvalidFsm]: an object is needed
   13:30-13:44 ~.actions[0].name: FSM Action (TriggerVelor) not found! [InvalidFsm]: there is no action "TriggerVelor"; did you mean "TriggerVelora"?
@@ -60,7 +60,7 @@ Every mistake is found at its place: from a line and column to others, with its 
   10:54-10:68 ~.filters[1].operand1.value: Failed to find function: PseudoRandom [InvalidFsm]: there is no function "PseudoRandom"; did you mean "PseudoRandomDouble"?
   11:54-11:56 ~.filters[1].operand2.value: Invalid constant of value type double: . [InvalidFsm]: a number within the range is needed, such as "0.5"
   13:30-13:36 ~.actions[0].name: FSM Action (Tset) not found! [InvalidFsm]: there is no action "Tset"; did you mean "Test"?
-  13:63-13:68 ~.actions[0].parameters[0].type: Invalid action parameter type: int. [InvalidFsm]: one of "string", "integer", "double"
+  13:63-13:68 ~.actions[0].parameters[0].type: Invalid action parameter type: int. [InvalidFsm]: write "integer": one of "string", "integer", "double"
   13:114-13:124 ~.actions[0].parameters[1].value: Invalid value for an action parameter of type integer: 2147483648. [InvalidFsm]: a whole number within the range is needed, such as "80"
   $ edited 's/"filters": \[/& null, [],/' 's/"actions": \[/& "Test",/'
   5:20-5:24 ~.filters[0]: Invalid filter JSON: null [InvalidFsm]: an object is needed

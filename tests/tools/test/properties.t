@@ -242,7 +242,7 @@ What is not part of a property is an error at its place.
   b.test.json:1:67: error: properties[0].between_triggers[0]: Filter operand must be an object. ("operand1" is missing); an object is needed
   b.test.json:1:67: error: properties[0].between_triggers[0]: Filter operand must be an object. ("operand2" is missing); an object is needed
   b.test.json:1:194: error: properties[0].between_triggers[0].operand2: unknown key "of"
-  b.test.json:1:79: error: properties[0].between_triggers[0].operator: Invalid operator string: =.; one of "==", "!=", ">", "<", ">=", "<="
+  b.test.json:1:79: error: properties[0].between_triggers[0].operator: Invalid operator string: =.; write "==": one of "==", "!=", ">", "<", ">=", "<="
   b.test.json:1:144: error: properties[0].between_triggers[0].operand1.value: Invalid constant of value type integer: x.; a whole number within the range is needed, such as "80"
   b.test.json:1:116: error: properties[0].between_triggers[0].operand1: the filter of a property has no function
   [2]

@@ -7,6 +7,7 @@
 
 #include "tools/vig/words/NearestName.h"
 #include "tools/vig/words/Text.h"
+#include "tools/vig/words/Unseen.h"
 
 namespace Brenta::OS::VIG::Tool {
 
@@ -214,6 +215,9 @@ class StateJudge {
             message = name + " is left here and never entered, and " + otherName + " is entered by " +
                       shownTransition(transitions[incoming[other].front()]) + " and never left";
             explained.push_back(other);
+        }
+        if (seenOf(behaviour.stateName(spelling.state)) == seenOf(behaviour.stateName(other))) {
+            return;  // an invisible-character tells it
         }
         if (other != Behaviour::kStart && uses[other] == 1) {
             hint = uses[spelling.state] == 1 ? "write the same name in both places"

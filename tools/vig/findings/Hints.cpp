@@ -17,6 +17,25 @@ namespace {
 
 constexpr std::size_t kMostNamesListed = 6;
 
+struct Meant {
+    std::string_view written;
+    std::string_view meant;
+};
+
+// These are of other languages.
+constexpr Meant kMeantOperators[] = {{"=", "=="},  {"===", "=="}, {"eq", "=="},  {"<>", "!="}, {"!==", "!="},
+                                     {"=!", "!="}, {"ne", "!="},  {"=>", ">="},  {"ge", ">="}, {"gte", ">="},
+                                     {"=<", "<="}, {"le", "<="},  {"lte", "<="}, {"gt", ">"},  {"lt", "<"}};
+constexpr Meant kMeantTypes[] = {{"int", "integer"},    {"int32", "integer"}, {"int64", "integer"},
+                                 {"long", "integer"},   {"float", "double"},  {"real", "double"},
+                                 {"decimal", "double"}, {"str", "string"},    {"text", "string"}};
+
+// Returns the beginning of a hint.
+std::string firstMeant(std::string_view given, std::span<const Meant> table) {
+    const auto found = std::ranges::find(table, given, &Meant::written);
+    return found == table.end() ? "" : "write " + quoted(found->meant) + ": ";
+}
+
 std::string oneOf(std::string_view given, std::span<const std::string_view> names) {
     return "one of " + listOf(names) + (given.empty() ? "" : suggestion(given, names));
 }
@@ -87,10 +106,12 @@ std::string memberHint(const Shape& shape, std::string_view key, const Json::Val
     const bool isString = given != nullptr && given->isString();
     const std::string text = isString ? given->asString() : std::string();
     if (key == "operator") {
-        return oneOf("", kFilterOperatorTable.texts());  // for texts that short, every one is near
+        // For texts that short, every one is near.
+        return firstMeant(text, kMeantOperators) + oneOf("", kFilterOperatorTable.texts());
     }
     if (key == "value_type" || (key == "type" && shape.layer == Layer::Parameter)) {
-        return oneOf(text, kFilterValueTypeTable.texts());
+        const std::string meant = firstMeant(text, kMeantTypes);
+        return meant + oneOf(meant.empty() ? text : "", kFilterValueTypeTable.texts());
     }
     if (key == "type") {
         return oneOf(text, kFilterOperandTypeTable.texts());

@@ -53,9 +53,10 @@ std::size_t distanceOf(std::string_view given, std::string_view name) {
 }
 
 // Tells whether the name is the text with something left out of it: in between, or at most the half at its end.
-bool isShortFor(std::string_view text, std::string_view name) {
+bool isShortFor(std::string_view given, std::string_view name) {
+    const std::string text = folded(given);
     std::size_t place = 0;
-    for (const char each : name) {
+    for (const char each : folded(name)) {
         place += place < text.size() && text[place] == each ? 1 : 0;
     }
     return place == text.size() && 2 * text.size() >= name.size();
