@@ -1,5 +1,7 @@
 #include "tools/vig/check/Mends.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <cstddef>
 #include <string_view>
@@ -7,6 +9,7 @@
 
 #include "rulesengine/State.h"
 #include "vig/EventTypeNames.h"
+#include "vig/functions/DoubleFunctions.h"
 
 namespace Brenta::OS::VIG::Tool {
 
@@ -26,11 +29,13 @@ Json::Value filterOf(const char* op, const char* valueType, const char* leftType
     return filter;
 }
 
-// Nothing that depends on draws is certain.
+// A draw below the middle of its range is as often true as not.
 Json::Value guardFor(Mend mend) {
-    return mend == Mend::Maybe || mend == Mend::MaybeEntering
-               ? filterOf("<", "double", "function", "PseudoRandomDouble", "0.5")
-               : filterOf(mend == Mend::Never ? "!=" : "==", "integer", "constant", "0", "0");
+    if (mend == Mend::Never || mend == Mend::Always) {
+        return filterOf(mend == Mend::Never ? "!=" : "==", "integer", "constant", "0", "0");
+    }
+    const auto* const draw = std::ranges::find_if(kDoubleFunctions, &DoubleFunction::isRandom);
+    return filterOf("<", "double", "function", draw->name, fmt::format("{}", (draw->least + draw->limit) / 2).c_str());
 }
 
 Json::Value actionFor(Mend mend) {
