@@ -10,6 +10,11 @@ namespace Brenta::OS::VIG::Tool {
 
 namespace {
 
+// Tells whether the same events fulfil the filters of both, as far as the text shows.
+bool isSame(const TransitionModel& left, const TransitionModel& right) {
+    return !left.filters.empty() && (*left.json)["filters"] == (*right.json)["filters"];
+}
+
 void warnOfShadow(Judged& machine, std::size_t transition, Values which, std::vector<Finding>& found) {
     Behaviour& behaviour = machine.possible;
     const TransitionModel& model = machine.config.transitions[transition];
@@ -32,9 +37,11 @@ void warnOfShadow(Judged& machine, std::size_t transition, Values which, std::ve
              std::string(isOne ? "comes " : "come ") +
              blame.text([&](std::size_t each) { return shownTransition(junction.transition(each)); }) + " on " +
              std::string(nameOf(model.event)) + why,
-         always  ? "put this one before it"
-         : isOne ? "put this one before it, or give that one another filter"
-                 : "put this one before them, or give one of them another filter");
+         isOne && isSame(model, junction.transition(blame.clauses.front()))
+             ? "both have the same filters: leave one of them out, or change what should differ"
+         : always ? "put this one before it"
+         : isOne  ? "put this one before it, or give that one another filter"
+                  : "put this one before them, or give one of them another filter");
 }
 
 }  // namespace

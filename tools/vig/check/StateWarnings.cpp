@@ -232,7 +232,8 @@ class StateJudge {
 
     std::string hintToLeave(std::size_t state) const {
         const auto others = nearOnes(state, [&](std::size_t each) {
-            return each == Behaviour::kEnd || (uses[each] > 1 && !outgoing[each].empty());
+            const bool isBuiltIn = each == Behaviour::kStart || each == Behaviour::kEnd;
+            return isBuiltIn || (uses[each] > 1 && !outgoing[each].empty());
         });
         const bool isEnd = !others.empty() && others.front() == Behaviour::kEnd;
         return others.empty() ? "if that is meant, call the state \"end\""

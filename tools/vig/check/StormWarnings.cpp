@@ -234,6 +234,9 @@ class StormSearch {
         }
         states += (circle.size() > kMostShown ? " to … to " : " to ") + first;
         const std::size_t length = circle.size();
+        const auto shownStep = [&](std::size_t step) {
+            return shownTransition(machine.config.transitions[steps[step].transition]);
+        };
         warn(found, "trigger-storm", action.place,
              length == 1
                  ? fmt::format("{} asks for a collection at every {} event that fulfils the filters, and the machine "
@@ -244,8 +247,9 @@ class StormSearch {
                        "lead from {}",
                        shownQuoted(action.name), length, event, states),
              length == 1 ? "move to another state, or add the filter PseudoRandomDouble() < 0.1"
-                         : "let the filters on the way exclude each other, or add the filter PseudoRandomDouble() < "
-                           "0.1");
+                         : fmt::format("the same event must not fulfil the filters of both {} and {}; or add the "
+                                       "filter PseudoRandomDouble() < 0.1",
+                                       shownStep(circle.front()), shownStep(circle.back())));
         found.back().witness = witness;
     }
 

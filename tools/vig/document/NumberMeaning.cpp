@@ -115,10 +115,13 @@ std::optional<NumberMeaning> meaningOf(const std::string& text, bool isInteger, 
     }
     const bool isCut = isInteger && *value != std::round(*value);
     const bool isEither = !isInteger && isGrouped(whole, ',') && whole.find(',') == whole.find_last_of(',');
-    return NumberMeaning{*number, isCut      ? ": an integer has no decimals"
-                                  : isEither ? ", or " + quoted(without(whole, ",").insert(whole.find(','), ".")) +
-                                                   " if the comma begins the decimals"
-                                             : ""};
+    const std::string below = fmt::format("{:.0f}", std::floor(*value));
+    const std::string above = fmt::format("{:.0f}", std::ceil(*value));
+    return NumberMeaning{isCut ? below : *number,
+                         isCut      ? " or " + quoted(above) + ": an integer has no decimals"
+                         : isEither ? ", or " + quoted(without(whole, ",").insert(whole.find(','), ".")) +
+                                          " if the comma begins the decimals"
+                                    : ""};
 }
 
 }  // namespace Brenta::OS::VIG::Tool

@@ -81,12 +81,13 @@ std::string asString(const Json::Value& value) {
 }
 
 std::string typeHint(const Json::Value* given, const Json::Value& accepted) {
+    const bool isAlone = given != nullptr && given->isObject();
     switch (accepted.type()) {
         case Json::stringValue:
             return given != nullptr && (given->isNumeric() || given->isBool()) ? asString(*given)
                                                                                : "a string is needed";
         case Json::arrayValue:
-            return "an array is needed; [] for none";
+            return isAlone ? "an array is needed: put [ ] around the object" : "an array is needed; [] for none";
         case Json::objectValue:
             return "an object is needed";
         default:
@@ -116,11 +117,46 @@ std::string memberHint(const Shape& shape, std::string_view key, const Json::Val
     if (key == "type") {
         return oneOf(text, kFilterOperandTypeTable.texts());
     }
+    const bool isOperand = key == "operand1" || key == "operand2";
+    if (isString && (isOperand || (key.empty() && shape.layer == Layer::Action))) {
+        return "an object is needed: write " +
+               std::string(isOperand ? R"({ "type": "constant", "value": )" : R"({ "name": )") + shownQuoted(text) +
+               " }";
+    }
     if (key == "id" && given != nullptr && given->isNumeric()) {
         return shape.layer == Layer::Config ? "a number within the signed 64-bit range is needed"
                                             : "a number within the signed 32-bit range is needed";
     }
     return typeHint(given, accepted);
+}
+
+std::string nestingHint(const Shape::Member& missing, const Json::Value& piece) {
+    std::string around;
+    std::string closing;
+    const Shape::Member* member = &missing;
+    while (member != nullptr && member->inside != nullptr) {
+        const bool isList = member->kind == Shape::Kind::List;
+        around += (around.empty() ? "" : " ") + quoted(member->key) + (isList ? ": [ {" : ": {");
+        closing.insert(0, isList ? " } ]" : " }");
+        const Shape::Member* next = nullptr;
+        for (const Shape::Member& each : member->inside->members) {
+            if (each.inside != nullptr && piece.isMember(std::string(each.key))) {
+                return "put " + around + " …" + closing + " around " + quoted(each.key);
+            }
+            next = each.inside != nullptr ? &each : next;
+        }
+        member = next;
+    }
+    return {};
+}
+
+std::string rootHint(const Json::Value& root) {
+    if (root.isArray()) {
+        return R"(put {"configs": … } around it)";
+    }
+    return root.isObject() && root.isMember("rules") && (root.isMember("tests") || root.isMember("properties"))
+               ? "this is a file of tests, which `vig test` runs"
+               : std::string();
 }
 
 std::string eventHint(const VIGParserConfig& registry, std::string_view name,
@@ -154,7 +190,7 @@ std::string functionHint(const VIGParserConfig& registry, std::string_view name)
     for (const auto& [type, text] : kFilterValueTypeTable.pairs) {
         const auto names = functionNames(registry, type);
         if (std::ranges::binary_search(names, name)) {
-            return "a function of the value type " + quoted(text);
+            return "write \"value_type\": " + quoted(text) + ", which the function gives";
         }
         all.insert(all.end(), names.begin(), names.end());
     }

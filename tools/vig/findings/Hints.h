@@ -22,6 +22,12 @@ std::string listOf(std::span<const std::string_view> names);
 // `accepted`; with an empty key, for what stands where an object of that shape should.
 std::string memberHint(const Shape& shape, std::string_view key, const Json::Value* given, const Json::Value& accepted);
 
+// The hint is for a piece without that member, in which something stands that belongs into it, at whatever depth.
+std::string nestingHint(const Shape::Member& missing, const Json::Value& piece);
+
+// The hint is for a root that is no rule document as a whole, but something else of ours.
+std::string rootHint(const Json::Value& root);
+
 // These hints are for names that the registry does not have. Events come first that have the attributes.
 std::string eventHint(const VIGParserConfig& registry, std::string_view name,
                       const std::vector<std::string>& attributes);

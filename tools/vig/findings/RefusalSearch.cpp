@@ -102,12 +102,17 @@ class RefusalSearch {
     // Tells whether the library accepts the root, but for the elements of "configs".
     bool acceptsResponse() {
         const Piece root{kResponseShape, document.root(), {}};
+        const std::string hint = rootHint(root.json);
         if (root.json.isObject()) {
-            return acceptsMember(root, kResponseMembers[0]);
+            const bool isAccepted = acceptsMember(root, kResponseMembers[0]);
+            if (!isAccepted && !hint.empty()) {
+                found.back().hint = hint;
+            }
+            return isAccepted;
         }
         const auto refusal = library.refusalOf(root.shape, standIn(root.json, {}, Shape::Kind::Value), Names::Accepted);
         if (refusal) {
-            add(root, {}, *refusal, {}, {});
+            add(root, {}, *refusal, {}, hint);
         }
         return !refusal;
     }
@@ -162,8 +167,9 @@ class RefusalSearch {
         }
         const auto refusal = library.refusalOf(piece.shape, trial, Names::Accepted);
         if (refusal) {
+            const std::string nesting = value == nullptr ? nestingHint(member, piece.json) : std::string();
             add(piece, member.key, *refusal, faultOf(member.key, value, accepted),
-                memberHint(piece.shape, member.key, value, accepted));
+                nesting.empty() ? memberHint(piece.shape, member.key, value, accepted) : nesting);
         }
         return !refusal;
     }
