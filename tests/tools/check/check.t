@@ -113,7 +113,7 @@ What events show is shown by them on demand, and always to programs. They are as
       \xe2\x80\xa6,"value":"102400"}}],"actions":[{"name":"TriggerVelora"}]},{"from_state":"hot","to_state":"start","e\xe2\x80\xa6 (esc)
                                                ^~~~~~~~~~~~~~~
       path: configs[2].payload.data.transitions[0].actions[0]: start -> hot (line 1)
-      hint: let the filters on the way exclude each other, or add the filter PseudoRandomDouble() < 0.1
+      hint: the same event must not fulfil the filters of both start -> hot (transitions[0]) and hot -> start (transitions[1]); or add the filter PseudoRandomDouble() < 0.1
       for example:
           {"event":"ProcessMemoryHeartBeat","int64":{"vmRssKB":204801,"vmSwapKB":1},"string":{"processName":"app"}}
           {"event":"ProcessMemoryHeartBeat","int64":{"vmRssKB":204801,"vmSwapKB":1},"string":{"processName":"app"}}

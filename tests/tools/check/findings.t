@@ -22,7 +22,7 @@ Every mistake is found at its place: from a line and column to others, with its 
 
   $ edited() {
   >   sed "${@/#/-e}" clean.json >rules.json; vig check rules.json --format json | sed -nE '
-  >     s/.*"line":(.*),"column":(.*),"end_line":(.*),"end_column":(.*),"severity":".*","name":"(.*)","path":"(.*)","message":"(.*)","hint":"([^{]*)"(,"transition":.*)?\},?$/\1:\2-\3:\4 \6: \7 [\5]: \8/; T
+  >     s/.*"line":(.*),"column":(.*),"end_line":(.*),"end_column":(.*),"severity":".*","name":"(.*)","path":"(.*)","message":"(.*)","hint":"(([^"\\]|\\.)*)"(,"transition":.*)?\},?$/\1:\2-\3:\4 \6: \7 [\5]: \8/; T
   >     s/configs\[0\]\.payload\.data\.transitions\[0\]/~/; s/\\"/"/g; s/: $//; p'
   > }
   $ vig check clean.json
@@ -48,11 +48,11 @@ Every mistake is found at its place: from a line and column to others, with its 
   4:58-4:82 ~.event: FSM Event not found! [InvalidFsm]: there is no event "processMemoryHeartbeat"; did you mean "ProcessMemoryHeartBeat"?
   6:23-6:27 ~.filters[0].operator: Invalid operator string: =>. [InvalidFsm]: write ">=": one of "==", "!=", ">", "<", ">=", "<="
   8:54-8:60 ~.filters[0].operand2.value: Filter operand value is missing or invalid. ("value" is a number) [InvalidFsm]: a string: write "300000" for 300000
-  10:23-10:43 ~.filters[1].operand1: Filter operand must be an object. ("operand1" is a string) [InvalidFsm]: an object is needed
+  10:23-10:43 ~.filters[1].operand1: Filter operand must be an object. ("operand1" is a string) [InvalidFsm]: an object is needed: write { "type": "constant", "value": "PseudoRandomDouble" }
   13:30-13:44 ~.actions[0].name: FSM Action (TriggerVelor) not found! [InvalidFsm]: there is no action "TriggerVelor"; did you mean "TriggerVelora"?
   $ edited 's/"envvar"/"env"/' 's/"double"/"integer"/' 's/"0.1"/"1"/' 's/"TriggerVelora"/&, "parameters": []/'
   7:33-7:38 ~.filters[0].operand1.type: Unknown filter operand type: env [InvalidFsm]: one of "constant", "function", "envvar"
-  10:54-10:74 ~.filters[1].operand1.value: Failed to find function: PseudoRandomDouble [InvalidFsm]: a function of the value type "double"
+  10:54-10:74 ~.filters[1].operand1.value: Failed to find function: PseudoRandomDouble [InvalidFsm]: write "value_type": "double", which the function gives
   13:61-13:63 ~.actions[0].parameters: FSM Action (TriggerVelora()) not found! [InvalidFsm]: registered without parameters: remove "parameters"
   $ edited 's/"integer"/"Integer"/' 's/"PseudoRandomDouble"/"PseudoRandom"/' 's/"0.1"/""/' \
   >   's/"TriggerVelora"/"Tset", "parameters": [{ "type": "int", "value": 1 }, { "type": "integer", "value": 2147483648 }]/'
@@ -65,7 +65,7 @@ Every mistake is found at its place: from a line and column to others, with its 
   $ edited 's/"filters": \[/& null, [],/' 's/"actions": \[/& "Test",/'
   5:20-5:24 ~.filters[0]: Invalid filter JSON: null [InvalidFsm]: an object is needed
   5:26-5:28 ~.filters[1]: Invalid filter JSON: [] [InvalidFsm]: an object is needed
-  13:20-13:26 ~.actions[0]: Invalid action JSON: "Test" [InvalidFsm]: an object is needed
+  13:20-13:26 ~.actions[0]: Invalid action JSON: "Test" [InvalidFsm]: an object is needed: write { "name": "Test" }
   $ edited 's/"configs"/"$schema": 1, &/' 's/"id": 8/"id": 6, "\\u0069d": 8/' 's/"id": 2/"$schema": 1, &/'
   16:5-16:9 configs[1].id: "id" is overwritten by the one in line 16, column 14 [duplicate-key]
   16:41-16:50 configs[1].payload.$schema: the key "$schema" is ignored [unknown-key]: known here: "id", "data"

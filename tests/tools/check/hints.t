@@ -29,7 +29,7 @@ A hint mends, and never makes worse. What is ignored of a number was meant: in t
   "0x32000" is read as 0; "x32000" is ignored [number-text]
       hint: write "204800"
   "12,5" is read as 12; ",5" is ignored [number-text]
-      hint: write "13": an integer has no decimals
+      hint: write "12" or "13": an integer has no decimals
   "5s" is read as 5; "s" is ignored [number-text]
       hint: write "5" if that is meant
   "300x" is read as 300; "x" is ignored [number-text]

@@ -202,6 +202,7 @@ What no event does, by all that filters and transitions leave of it; and what so
   > start hot ProcessMemoryHeartBeat | $same; hot end ProcessMemoryHeartBeat | $same $collect; hot hot ProcessMemoryHeartBeat
   > start hot ProcessMemoryHeartBeat | $big & $random $collect; hot start EnteringState
   > start hot Test; hot on ProcessMemoryHeartBeat | $big & $random $collect; on hot EnteringState
+  > start hot ProcessMemoryHeartBeat | string processName == = ; hot end ProcessMemoryHeartBeat | $same $collect
   > EOF
   0: trigger-storm [0].actions[0]
   2: trigger-storm [2].actions[0]
@@ -459,7 +460,7 @@ The whole of what is said.
   warning: `2 < 1` is never true, being a comparison of two constants [never-true]
     hint: mend the filter, or leave the transition out
   warning: "TriggerVelora" asks for a collection once in 2 ProcessMemoryHeartBeat events as long as their values stay the same: they lead from "start" to "hot" to "start" [trigger-storm]
-    hint: let the filters on the way exclude each other, or add the filter PseudoRandomDouble() < 0.1
+    hint: the same event must not fulfil the filters of both start -> hot (transitions[0]) and hot -> start (transitions[1]); or add the filter PseudoRandomDouble() < 0.1
   warning: the events that lead to "TriggerVelora" may come from different processes: start -> hot (transitions[0]) fires for one, and hot -> end (transitions[1]) for another [mixed-processes]
     hint: add the same filter on processName to both of them
   warning: `5 < n` is false for a Test event without n, which then fires hot -> start (transitions[2]) as if it were the opposite [missing-falls-through]

@@ -39,6 +39,12 @@ bool bindsName(const FilterModel& filter) {
            !normal.right.operand.value.empty();
 }
 
+bool looksAtName(const FilterModel& filter) {
+    const NormalFilter normal = normalFormOf(filter);
+    return (isAttribute(normal.left) && normal.left.operand.value == kProcessName) ||
+           (isAttribute(normal.right) && normal.right.operand.value == kProcessName);
+}
+
 std::string nameIn(const EventRecord& record) {
     return std::string(record.attributes.find<std::string_view>(kProcessName).value_or(""));
 }
@@ -113,8 +119,8 @@ class ProcessSearch {
             return Binding::NoName;
         }
         const std::string name = nameIn(*event);
-        if (name.empty()) {
-            return Binding::AnyName;  // nothing is asked of it
+        if (name.empty() && std::ranges::none_of(transitions[transition].filters, looksAtName)) {
+            return Binding::AnyName;
         }
         const FilterModel named = isNamed(name);
         const FilterModel* const further[] = {&named};
@@ -127,7 +133,9 @@ class ProcessSearch {
         Junction::Question question = extended.toReach(target);
         question.clauses.push_back(&extended.furtherFails(0));
         question.clauses.push_back(&extended.present(AttributeKind::String, kProcessName));
-        return behaviour.decide(extended, question) == Verdict::Yes ? Binding::AnyName : Binding::OneName;
+        return behaviour.decide(extended, question) == Verdict::Yes ? Binding::AnyName
+               : name.empty()                                       ? Binding::NoName
+                                                                    : Binding::OneName;
     }
 
     // Returns the action that asks for a collection in that of the ways to trigger, which are in the order of the
