@@ -6,8 +6,10 @@
 #include <cstddef>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "rulesengine/State.h"
+#include "tools/vig/catalogue/ActionNeeds.h"
 #include "vig/EventTypeNames.h"
 #include "vig/functions/DoubleFunctions.h"
 
@@ -38,9 +40,16 @@ Json::Value guardFor(Mend mend) {
     return filterOf("<", "double", "function", draw->name, fmt::format("{}", (draw->least + draw->limit) / 2).c_str());
 }
 
+// Not each event has what each action needs to ask for a collection.
 Json::Value actionFor(Mend mend) {
+    std::vector<std::string> triggers;
+    for (const KnownAction& each : kActions) {
+        if (each.startsCollection) {
+            triggers.emplace_back(each.name);
+        }
+    }
     Json::Value action;
-    action["name"] = mend == Mend::Never ? "Test" : "TriggerVelora";
+    action["name"] = mend == Mend::Never ? "Test" : mend == Mend::Maybe ? triggers.front() : triggers.back();
     return action;
 }
 
