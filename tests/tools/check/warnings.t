@@ -298,16 +298,18 @@ Types of operands, units, and what cannot be seen.
   > $test | double aShare > =1 & double aShare > =40 & integer ramMB < =65536 & integer ramMB < =4194304 & integer sizeBytes > =99999999999 & string sizeKB > =9999999999
   > start \u00a0a Test; \u00a0a b\ufeff Test || Test; b\ufeff c\u200d Test; c\u200d d\u2764\ufe0f Test; d\u2764\ufe0f e\u200df\u200b Test; e\u200df\u200b g\u00adh Test; g\u00adh i\tj Test; i\tj end Test
   > $memory | string processName\u3000 == =a\t & string processName != =\u2009 & string processName >= =a\u00a0 & integer \u200bpid > =7
+  > start a ProcessMemoryHeartBeat | integer vmRssKB > =204800 & integer vmSwapKB < =15360 $collect; a start ProcessMemoryHeartBeat | integer vmRssKB < =200 & integer vmSwapKB > =15
   > EOF
   0: operand-type [0].filters[0].operand2.type, operand-type [0].filters[1].operand2.type, operand-type [0].filters[2].operand1.type, operand-type [0].filters[2].operand2.type, operand-type [0].filters[3].operand1.type
   1: unknown-attribute [0].filters[0].left, unknown-attribute [0].filters[2].right, operand-type [0].filters[3].operand1.type
   2: operand-type [0].filters[0].operand1.type, operand-type [0].filters[1].operand1.type, number-text [0].filters[2].right
   3: operand-type [0].filters[1].operand1.type
-  4: wrong-unit [0].filters[1].right, wrong-unit [0].filters[2].right
+  4: wrong-unit [0].filters[0].right, wrong-unit [0].filters[1].right, wrong-unit [0].filters[2].right
   5: wrong-unit [0].filters[0].right
   6: wrong-unit [0].filters[1].right, wrong-unit [0].filters[3].right
   7: invisible-character [0].to_state, invisible-character [1].from_state, invisible-character [1].to_state, invisible-character [2].from_state, invisible-character [2].to_state, invisible-character [3].from_state, invisible-character [4].to_state, invisible-character [5].from_state, invisible-character [5].to_state, invisible-character [6].from_state, invisible-character [6].to_state, invisible-character [7].from_state
   8: invisible-character [0].filters[0].left, invisible-character [0].filters[0].right, invisible-character [0].filters[1].right, invisible-character [0].filters[3].left
+  9: wrong-unit [1].filters[0].right
   $ cat >events.jsonl <<'EOF'
   > {"event":"ProcessMemoryHeartBeat","int64":{"vmRssKB":8000,"vmSwapKB":0},"double":{"aMs":40.5},"string":{"processName":"a"}}
   > {"event":"ProcessMemoryHeartBeat","int64":{"vmRssKB":400000,"vmSwapKB":20},"double":{"aMs":2000},"string":{"processName":"a"}}

@@ -223,6 +223,7 @@ What cannot be used is told, and the others are decided.
   refused.json:1:1: error: the root must be an object whose "configs" is an array [InvalidResponse]
       []
       ^~
+      hint: put {"configs": \xe2\x80\xa6 } around it (esc)
   [2]
   $ grep -c machine out
   1

@@ -59,6 +59,7 @@ A document that is refused is told with the layer at fault, and with its log lin
   refused.json:1:1: error: the root must be an object whose "configs" is an array [InvalidResponse]
       []
       ^~
+      hint: put {"configs": \xe2\x80\xa6 } around it (esc)
   1 1 1
   refused.json:1:31: error: Invalid VIG Config Payload JSON: {} ("id" is missing) [InvalidConfigPayload]
       {"configs":[{"id":1,"payload":{}}]}

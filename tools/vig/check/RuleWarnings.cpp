@@ -18,9 +18,9 @@ void appendRuleWarnings(Judged& machine, std::vector<Finding>& found) {
         appendTypeWarnings(transition, machine.surroundings.catalogue, machine.surroundings.registry, since, found);
         appendInvisibleWarnings(transition, since, found);
         machine.logics.push_back(judgeFilters(machine, index, since, found));
-        appendUnitWarnings(transition, machine.surroundings.catalogue, found);
         appendDrawWarnings(transition, found);
     }
+    appendUnitWarnings(machine.config, machine.surroundings.catalogue, found);
     appendShadowWarnings(machine, found);
     appendEnteringWarnings(machine, found);
     appendStateWarnings(machine, found);

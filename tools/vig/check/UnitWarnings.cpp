@@ -2,8 +2,9 @@
 // what devices have, or by what was recorded. A limit that no recorded value has come to is no mistake by itself.
 #include <cmath>
 #include <cstdint>
-#include <optional>
+#include <set>
 #include <string>
+#include <utility>
 
 #include "tools/vig/check/Warnings.h"
 #include "tools/vig/document/NormalFilter.h"
@@ -22,14 +23,19 @@ constexpr double kMostMemory = 64.0 * 1024 * 1024 * 1024;  // in bytes, that a d
 constexpr double kBelow = 4;
 constexpr double kAbove = 2;
 
+// The numbers with which a machine compares attributes, by the names of these.
+using Limits = std::set<std::pair<std::string, double>>;
+
 class UnitJudge {
   public:
-    UnitJudge(const FilterModel& filter, const Unit& unit, const RecordedRange* recorded, std::vector<Finding>& found)
-        : normal(normalFormOf(filter)),
+    UnitJudge(const NormalFilter& normal, const Unit& unit, const RecordedRange* recorded, const Limits& limits,
+              std::vector<Finding>& found)
+        : normal(normal),
           attribute(normal.left.operand.value),
           number(readNearest<double>(normal.right.operand.value)),
           unit(unit),
           recorded(recorded),
+          limits(limits),
           found(found) {}
 
     void judge() {
@@ -43,7 +49,7 @@ class UnitJudge {
         const double step = stepOf(unit.quantity);
         if (isTooLarge(number / step)) {
             warnOf(number / step);
-        } else if (isTooSmall(number * step)) {
+        } else if (isTooSmall(number * step) || isBesideItself(number * step)) {
             warnOf(number * step);
         }
     }
@@ -85,6 +91,12 @@ class UnitJudge {
                meant <= recorded->most * (isBelow() ? 1 : kAbove);
     }
 
+    // Tells whether the machine has the same limit in the unit of the attribute as well.
+    bool isBesideItself(double meant) const {
+        constexpr double kLeast = 16;  // fewer are likely to be a limit of their own
+        return unit.quantity == Quantity::Memory && number >= kLeast && limits.contains({attribute, meant});
+    }
+
     static bool isNear(double meant, double value) { return meant >= value / kBelow && meant <= value * kAbove; }
 
     void warnOf(double meant) {
@@ -98,31 +110,49 @@ class UnitJudge {
         } else if (recorded != nullptr && number < recorded->least) {
             message += ": no recorded one was below " + shownNumber(recorded->least);
         }
+        if (isBesideItself(meant)) {
+            message += ", and another limit of this machine is " + shownIn(unit, meant);
+        }
         warn(found, kName, normal.right.place, message,
              "write " + shownNumber(std::round(meant)) + " if " + shownIn(unit, meant) + " is meant");
     }
 
-    const NormalFilter normal;
+    const NormalFilter& normal;
     const std::string& attribute;
     const double number;
     const Unit& unit;
     const RecordedRange* const recorded;
+    const Limits& limits;
     std::vector<Finding>& found;
 };
 
+// Calls `visit` with each filter that compares an attribute of a known unit with a number.
+void forEachLimit(const ConfigModel& config, const auto& visit) {
+    for (const TransitionModel& transition : config.transitions) {
+        for (const FilterModel& filter : transition.filters) {
+            const NormalFilter normal = normalFormOf(filter);
+            const Unit* const unit = unitOf(normal.left.operand.value);
+            if (filter.valueType != FilterValueType::String && isAttribute(normal.left) && isConstant(normal.right) &&
+                unit != nullptr) {
+                visit(filter, transition, normal, *unit);
+            }
+        }
+    }
+}
+
 }  // namespace
 
-void appendUnitWarnings(const TransitionModel& transition, const Catalogue& catalogue, std::vector<Finding>& found) {
-    for (const FilterModel& filter : transition.filters) {
-        const NormalFilter normal = normalFormOf(filter);
-        const std::string& name = normal.left.operand.value;
-        const Unit* const unit = unitOf(name);
-        if (filter.valueType == FilterValueType::String || !isAttribute(normal.left) || !isConstant(normal.right) ||
-            unit == nullptr) {
-            continue;
-        }
-        UnitJudge(filter, *unit, catalogue.recorded(transition.event, name, kindOf(filter.valueType)), found).judge();
-    }
+void appendUnitWarnings(const ConfigModel& config, const Catalogue& catalogue, std::vector<Finding>& found) {
+    Limits limits;
+    forEachLimit(config, [&](const FilterModel&, const TransitionModel&, const NormalFilter& normal, const Unit&) {
+        limits.emplace(normal.left.operand.value, readNearest<double>(normal.right.operand.value));
+    });
+    forEachLimit(config, [&](const FilterModel& filter, const TransitionModel& transition, const NormalFilter& normal,
+                             const Unit& unit) {
+        const RecordedRange* const recorded =
+            catalogue.recorded(transition.event, normal.left.operand.value, kindOf(filter.valueType));
+        UnitJudge(normal, unit, recorded, limits, found).judge();
+    });
 }
 
 }  // namespace Brenta::OS::VIG::Tool

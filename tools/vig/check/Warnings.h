@@ -75,7 +75,7 @@ void appendTypeWarnings(const TransitionModel& transition, const Catalogue& cata
                         std::size_t since, std::vector<Finding>& found);
 
 // Warns of numbers that are of another unit than their attribute.
-void appendUnitWarnings(const TransitionModel& transition, const Catalogue& catalogue, std::vector<Finding>& found);
+void appendUnitWarnings(const ConfigModel& config, const Catalogue& catalogue, std::vector<Finding>& found);
 
 // Warns of draws that are compared for equality, and of a transition that draws twice.
 void appendDrawWarnings(const TransitionModel& transition, std::vector<Finding>& found);
