@@ -220,3 +220,13 @@ Standard input is a document as well, of which the other verbs tell what is wron
   $ echo '{"rules":"rules.json","tests":[{"name":"a","events":[],"expect":{"states":{"7":"start"}}}]}' | vig test -
   ok    <stdin>: 1 of 1 passed
   1 test: 1 passed, 0 failed
+  $ vig check - - </dev/null; vig test - - </dev/null; vig test --generate -
+  vig: error: standard input can be read only once
+  Try: vig check --help
+  vig: error: standard input can be read only once
+  Try: vig test --help
+  vig: error: --generate takes a file, since the tests name it
+  Try: vig test --help
+  [2]
+  $ echo '{"configs":[]}' | vig prove -
+

@@ -190,7 +190,7 @@ What is wrong with one is told at the value.
   b.test.json:1:169: error: tests[0].series.bool.d: expected true or false, got "1"
   b.test.json:1:100: error: tests[0].series.int64.a: expected a signed 64-bit integer, or one that is repeated such as 7x3, got "*3"
   b.test.json:1:103: error: tests[0].series.int64.a: expected a signed 64-bit integer, or one that is repeated such as 7x3, got "9223372036854775808"
-  b.test.json:1:123: error: tests[0].series.int64.a: expected a signed 64-bit integer, or one that is repeated such as 7x3, got "1.0"
+  b.test.json:1:123: error: tests[0].series.int64.a: expected a signed 64-bit integer, got "1.0"; write 1
   b.test.json:1:133: error: tests[0].series.int64.b[0]: expected a signed 64-bit integer, got an array
   b.test.json:1:152: error: tests[0].series.uint64.c: expected an unsigned 64-bit integer, or one that is repeated such as 7x3, got "-1"
   b.test.json:1:96: error: tests[0].series.double.a: expected a number, or one that is repeated such as 7x3, got "inf"
@@ -296,6 +296,13 @@ Of long texts, the part is shown in which they differ.
           +  process \xe2\x80\xa6xxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxend"  (event 1) (esc)
         state of configuration 7: expected "499 times x\xe2\x80\xa6, got "hot" (esc)
   [1]
+
+And there may not be too much of them.
+
+  $ tests rules.json "{\"name\":\"t\",\"series\":{\"event\":\"Test\",\"string\":{\"a\":\"$x\"},\"int64\":{\"b\":\"1x672\"}},\"expect\":{}}" >l.test.json
+  $ vig test l.test.json
+  l.test.json:1:53: error: tests[0].series: the series of a file have at most 64 MB of texts
+  [2]
 
 What is not part of a test file is an error at its place.
 

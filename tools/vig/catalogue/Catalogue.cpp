@@ -195,6 +195,15 @@ bool Catalogue::promises(EventType type, std::string_view name, AttributeKind ki
     return known != nullptr && haveKind(*known, name, kind);
 }
 
+std::optional<std::string_view> Catalogue::eventWith(const std::string& name) const {
+    const auto has = [&](const auto& pair) {
+        const CataloguedAttributes* const known = find(pair.first);
+        return known != nullptr && known->contains(name);
+    };
+    const auto found = std::ranges::find_if(kEventTypeNames.pairs, has);
+    return found == std::end(kEventTypeNames.pairs) ? std::nullopt : std::optional<std::string_view>(found->second);
+}
+
 bool Catalogue::promisesInContext(std::string_view name, AttributeKind kind) const {
     return haveKind(contextAttributes, name, kind);
 }

@@ -64,6 +64,9 @@ class Catalogue {
     const CataloguedAttributes& context() const { return contextAttributes; }
 
     // Tell whether events of the type, or the context, are known to have the attribute under that kind.
+    // Returns the name of an event type that has an attribute of that name, if any has.
+    std::optional<std::string_view> eventWith(const std::string& name) const;
+
     bool promises(RulesEngine::EventType type, std::string_view name, AttributeKind kind) const;
     bool promisesInContext(std::string_view name, AttributeKind kind) const;
 

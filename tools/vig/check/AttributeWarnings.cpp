@@ -128,11 +128,8 @@ class OperandWarnings {
             }
         }
         std::string hint = asHint(suggestion(name, names));
-        for (const auto& [type, text] : kEventTypeNames.pairs) {
-            const CataloguedAttributes* const others = catalogue.find(type);
-            if (hint.empty() && others != nullptr && others->contains(name)) {
-                hint = std::string(text) + " events have it";
-            }
+        if (const auto other = catalogue.eventWith(name); other && hint.empty()) {
+            hint = std::string(*other) + " events have it";
         }
         return hint.empty() ? "if the service gives it to them, name it in a file for --catalogue" : hint;
     }

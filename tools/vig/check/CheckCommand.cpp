@@ -37,6 +37,9 @@ std::optional<int> loadCatalogue(const CheckOptions& options, const Console& con
 }  // namespace
 
 int check(const CheckOptions& options, const Console& console, const Interruption& interruption) {
+    if (hasStandardInputTwice(options.rules)) {
+        return refuseArguments(console, kReadOnce, "check");
+    }
     Catalogue catalogue;
     if (const auto status = loadCatalogue(options, console, interruption, catalogue)) {
         return *status;

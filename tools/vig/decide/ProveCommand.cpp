@@ -18,6 +18,7 @@
 #include "tools/vig/document/Registry.h"
 #include "tools/vig/events/AttributeSet.h"
 #include "tools/vig/io/Descriptor.h"
+#include "tools/vig/io/FileText.h"
 #include "tools/vig/io/Output.h"
 #include "tools/vig/run/RuleRun.h"
 #include "tools/vig/words/Text.h"
@@ -38,6 +39,9 @@ class ProveRun {
         if (const auto status = loadCatalogue(options.catalogueFile, console, interruption, catalogue)) {
             return *status;
         }
+        if (hasStandardInputTwice(options.rules)) {
+            return refuseArguments(console, kReadOnce, "prove");
+        }
         if (const auto status = readContext(options.contextFile, console, interruption, context)) {
             return *status;
         }
@@ -50,7 +54,7 @@ class ProveRun {
             const auto text = readRules(path, console, interruption);
             isUsable = isUsable && text;
             if (text) {
-                proveDocument(path, *text);
+                proveDocument(nameOfInput(path), *text);
                 // Whatever becomes of the next document, this one's answers are told.
                 out.flush();
             }

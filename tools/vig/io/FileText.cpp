@@ -6,6 +6,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -35,6 +36,10 @@ bool isStandardInput(const std::string& path) {
 
 std::string nameOfInput(const std::string& path) {
     return isStandardInput(path) ? "<stdin>" : path;
+}
+
+bool hasStandardInputTwice(const std::vector<std::string>& paths) {
+    return std::ranges::count(paths, "-") > 1;
 }
 
 std::string whyUnreadable(const std::string& path) {

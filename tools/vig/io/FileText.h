@@ -3,6 +3,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "tools/vig/io/Descriptor.h"
 #include "tools/vig/io/Interruption.h"
@@ -14,6 +15,10 @@ bool isStandardInput(const std::string& path);
 
 // Returns what messages call the argument: "<stdin>", or its path.
 std::string nameOfInput(const std::string& path);
+
+// Tells whether standard input is asked for more than once, which can be read once only.
+bool hasStandardInputTwice(const std::vector<std::string>& paths);
+inline constexpr std::string_view kReadOnce = "standard input can be read only once";
 
 // Returns why the file is not read, or an empty text if it is: it is a regular file, or a pipe that the shell has
 // opened for the process.

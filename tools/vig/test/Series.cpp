@@ -14,6 +14,8 @@
 
 #include "tools/vig/catalogue/ActionNeeds.h"
 #include "tools/vig/catalogue/Catalogue.h"
+#include "tools/vig/document/NumberMeaning.h"
+#include "tools/vig/document/Units.h"
 #include "tools/vig/events/EventNames.h"
 #include "tools/vig/words/NearestName.h"
 #include "tools/vig/words/Text.h"
@@ -146,11 +148,15 @@ class AttributeReader {
                 names.push_back(each);
             }
         }
-        const std::string near = suggestion(name, names);
-        const std::string_view mend = "; put one that vig does not know under its kind, as in \"int64\": { … }";
+        std::string mend = suggestion(name, names);
+        if (const auto other = catalogue().eventWith(name); other && mend.empty()) {
+            mend = fmt::format("; {} events have it", *other);
+        }
+        if (mend.empty()) {
+            mend = "; put one that vig does not know under its kind, as in \"int64\": { … }";
+        }
         check.complain(json, path,
-                       fmt::format("{} events have no attribute {}{}", nameOf(type), shownQuoted(name),
-                                   near.empty() ? mend : near));
+                       fmt::format("{} events have no attribute {}{}", nameOf(type), shownQuoted(name), mend));
     }
 
     void add(const Json::Value& json, Attribute attribute) {
@@ -214,7 +220,7 @@ class AttributeReader {
         }
         // A text may end like that itself.
         const std::size_t x = attribute.kind == AttributeKind::String ? word.text.npos : word.text.rfind('x');
-        const auto times = x == word.text.npos ? std::nullopt : repetition(word.text.substr(x));
+        const auto times = x == 0 || x == word.text.npos ? std::nullopt : repetition(word.text.substr(x));
         addValue({word.text.substr(0, times ? x : word.text.npos), word.place}, attribute);
         if (times && !attribute.runs.empty()) {
             repeat(*times, word, attribute);
@@ -224,10 +230,16 @@ class AttributeReader {
     void addValue(const Word& word, Attribute& attribute) {
         const auto value = valueOf(attribute.kind, word.text);
         if (!value) {
-            const bool isString = attribute.kind == AttributeKind::String || attribute.kind == AttributeKind::Bool;
-            check.complain(word.place, fmt::format("expected {}{}, got {}", describe(attribute.kind),
-                                                   isString ? "" : ", or one that is repeated such as 7x3",
-                                                   shownQuoted(word.text)));
+            auto meant =
+                meaningOf(std::string(word.text), attribute.kind != AttributeKind::Double, unitOf(attribute.name));
+            if (meant && !valueOf(attribute.kind, meant->number)) {
+                meant.reset();
+            }
+            const bool isBool = attribute.kind == AttributeKind::Bool;
+            check.complain(word.place,
+                           fmt::format("expected {}{}, got {}{}", describe(attribute.kind),
+                                       isBool || meant ? "" : ", or one that is repeated such as 7x3",
+                                       shownQuoted(word.text), meant ? "; write " + meant->number + meant->more : ""));
         }
         attribute.runs.push_back({value.value_or(std::uint64_t{0}), 1});
         ++attribute.events;
@@ -314,6 +326,19 @@ std::optional<EventType> typeOf(const Json::Value& json, const std::string& path
     return type;
 }
 
+// Returns how many bytes the names and the texts of so many events have.
+std::size_t bytesOf(const std::vector<Attribute>& attributes, std::size_t length) {
+    std::size_t bytes = 0;
+    for (const Attribute& each : attributes) {
+        bytes += each.name.size() * length;
+        for (const Run& run : each.runs) {
+            const std::string* const text = std::get_if<std::string>(&run.value);
+            bytes += text == nullptr ? 0 : text->size() * (each.events == 1 ? length : run.events);
+        }
+    }
+    return bytes;
+}
+
 // Gives the values of an attribute to the events, of which the first one is `begin`.
 void distribute(const Attribute& attribute, std::vector<EventRecord>& events, std::size_t begin) {
     const std::size_t perRun = attribute.events == 1 ? events.size() - begin : 0;  // one value is that of all events
@@ -357,6 +382,11 @@ void SeriesReader::readOne(const Json::Value& json, const std::string& path, std
     const std::size_t length = lengthOf(attributes, check).value_or(0);
     if (length > kMostEvents - count) {
         check.complain(json, path, fmt::format("the series of a file have at most {} events together", kMostEvents));
+        return;
+    }
+    bytes += bytesOf(attributes, length);
+    if (bytes > kMostBytes) {
+        check.complain(json, path, fmt::format("the series of a file have at most {} MB of texts", kMostBytes >> 20));
         return;
     }
     count += length;

@@ -20,6 +20,8 @@ class SeriesReader {
   public:
     static constexpr std::size_t kMostEvents = 100'000;  // of all that one reader reads
 
+    static constexpr std::size_t kMostBytes = 64 << 20;  // of their names and texts
+
     // Both must outlive it.
     SeriesReader(const DocumentText& text, StrictJson& json) : document(text), check(json) {}
 
@@ -33,6 +35,7 @@ class SeriesReader {
     const DocumentText& document;
     StrictJson& check;
     std::size_t count = 0;
+    std::size_t bytes = 0;
 };
 
 }  // namespace Brenta::OS::VIG::Tool

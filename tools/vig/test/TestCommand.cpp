@@ -400,6 +400,12 @@ class TestSuite {
 }  // namespace
 
 int test(const TestOptions& options, const Console& console, const Interruption& interruption) {
+    if (options.generate == "-") {
+        return refuseArguments(console, "--generate takes a file, since the tests name it", "test");
+    }
+    if (hasStandardInputTwice(options.files)) {
+        return refuseArguments(console, kReadOnce, "test");
+    }
     if (!options.generate.empty()) {
         return generateTests(options.generate, console, interruption);
     }
@@ -422,7 +428,8 @@ constexpr const char* kHelp =
         "seed": 5489, "context": { "int64": { "limit": 5 } },
         "expect": { "triggers": [ { "process": "camera", "event": 1, "metadata_contains": ["vmSwapKB:0"] } ],
                     "log": [], "states": { "7": "end" }, "moves": 1 } } ] }
-"events" may also be the name of a file of event records. A trigger may be told by its "name", "process", "config"
+"events" may also be the name of a file of event records, and "series" in its place tells them in short:
+  "series": { "event": "ProcessMemoryHeartBeat", "processName": "camera", "vmRssKB": "100000 400000x3" } A trigger may be told by its "name", "process", "config"
 (id), "event" (number), "metadata" (all of it) and "metadata_contains"; a log line is its message, or an object with
 "message" and "priority". Triggers and log lines that are not expected fail the test, but for the line that the
 document was found. States and moves are checked where they are given. "seed" and "context" may be left out.

@@ -4,6 +4,12 @@
 
 namespace Brenta::OS::VIG::Tool {
 
+namespace {
+
+constexpr std::size_t kMostOfEvent = 20;
+
+}  // namespace
+
 bool Highlights::has(const Step& step) {
     OfMachine& machine = machines[step.machine.index];
     if (step.fired()) {
@@ -11,14 +17,15 @@ bool Highlights::has(const Step& step) {
         if (fired.from != fired.to) {
             machine.nearest.clear();
         }
+        machine.steps = machine.moving == step.event ? machine.steps + 1 : 1;
         machine.moving = step.event;
-        return true;
+        return machine.steps <= kMostOfEvent;
     }
     bool isNearer = false;
     for (const Attempt& attempt : step.attempts) {
         isNearer = comesNearer(attempt, machine) || isNearer;
     }
-    return isNearer || (step.raised && machine.moving == step.event);
+    return isNearer || (step.raised && machine.moving == step.event && machine.steps <= kMostOfEvent);
 }
 
 bool Highlights::comesNearer(const Attempt& attempt, OfMachine& machine) {

@@ -14,7 +14,7 @@ namespace Brenta::OS::VIG::Tool {
 // machine is in its state. It does so if more of its filters hold than before; or if it is stopped by the same filter
 // as before, which compares numbers, and they are less than half as far apart. That a first filter compares other texts
 // is no nearness, for it is how most documents choose a process. So there are only so many of these steps between two
-// moves, however many events come.
+// moves, however many events come; and only the first few of one event, where states that are entered lead on and on.
 class Highlights {
   public:
     // Is to be told each step, in order.
@@ -29,6 +29,7 @@ class Highlights {
     struct OfMachine {
         std::map<std::size_t, Nearest> nearest;  // by the index of the transition
         std::optional<std::uint64_t> moving;     // the latest event that made it move
+        std::size_t steps = 0;                   // that were worth a look by that event
     };
 
     static bool comesNearer(const Attempt& attempt, OfMachine& machine);

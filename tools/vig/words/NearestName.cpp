@@ -62,6 +62,12 @@ bool isShortFor(std::string_view given, std::string_view name) {
     return place == text.size() && 2 * text.size() >= name.size();
 }
 
+// Tells whether one of them is a short form of the other one.
+bool isShortForm(std::string_view given, std::string_view name) {
+    constexpr std::size_t kLeast = 4;
+    return (given.size() >= kLeast && isShortFor(given, name)) || (name.size() >= kLeast && isShortFor(name, given));
+}
+
 }  // namespace
 
 std::vector<std::string_view> nearNames(std::string_view given, std::span<const std::string_view> names) {
@@ -79,7 +85,7 @@ std::vector<std::string_view> nearNames(std::string_view given, std::span<const 
                             2 * distance <= std::max(given.size(), name.size());
         // Several things may have the same name.
         const bool isNew = std::ranges::find(near, name) == near.end();
-        if (isNew && (isNear || (given.size() >= 4 && isShortFor(given, name)))) {
+        if (isNew && (isNear || isShortForm(given, name))) {
             near.push_back(name);
             distances.push_back(distance);
             best = std::min(best, distance);
@@ -88,7 +94,7 @@ std::vector<std::string_view> nearNames(std::string_view given, std::span<const 
     std::size_t index = 0;
     std::erase_if(near, [&](std::string_view name) {
         const std::size_t distance = distances[index++];
-        return distance > best && (best <= kSlip || !isShortFor(given, name));
+        return distance > best && (best <= kSlip || !isShortForm(given, name));
     });
     near.resize(std::min(near.size(), kMost));
     return near;
