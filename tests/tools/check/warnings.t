@@ -304,7 +304,7 @@ Types of operands, units, and what cannot be seen.
   1: unknown-attribute [0].filters[0].left, unknown-attribute [0].filters[2].right, operand-type [0].filters[3].operand1.type
   2: operand-type [0].filters[0].operand1.type, operand-type [0].filters[1].operand1.type, number-text [0].filters[2].right
   3: operand-type [0].filters[1].operand1.type
-  4: wrong-unit [0].filters[0].right, wrong-unit [0].filters[1].right, wrong-unit [0].filters[2].right
+  4: wrong-unit [0].filters[1].right, wrong-unit [0].filters[2].right
   5: wrong-unit [0].filters[0].right
   6: wrong-unit [0].filters[1].right, wrong-unit [0].filters[3].right
   7: invisible-character [0].to_state, invisible-character [1].from_state, invisible-character [1].to_state, invisible-character [2].from_state, invisible-character [2].to_state, invisible-character [3].from_state, invisible-character [4].to_state, invisible-character [5].from_state, invisible-character [5].to_state, invisible-character [6].from_state, invisible-character [6].to_state, invisible-character [7].from_state

@@ -152,7 +152,7 @@ A series tells events in short: one value is that of all events, and what action
   $ all='"metadata":["threshold_current_value:10","threshold_units:RSS_anon_plus_swap_KB","vmRssKB:10","vmSwapKB:0","processName:camera"]'
   $ tests rules.json "$(short one "{$memory,\"processName\":\"camera\",\"vmRssKB\":\"8x2 10x2 8\"}" "\"triggers\":[{\"event\":3,$all}]")" \
   >   "$(short several "[{$memory,\"processName\":\"a b x2\",\"vmRssKB\":8},{\"event\":\"Test\"},{$memory,\"vmRssKB\":10,\"processName\":[\"a b\"]}]" '"triggers":[{"process":"a b","event":5}]')" \
-  >   "$(short kinds '{"event":"Timeout","timeout_id":3,"every_ms":8000,"double":{"d":"-1.5 2e3"},"bool":{"b":true},"uint64":{"u":"18446744073709551615 0"},"string":{"s":["x3",""]}}' '')" \
+  >   "$(short kinds '{"event":"Timeout","timeout_id":3,"every_ms":8000,"double":{"d":"-1.5 2e3"},"bool":{"b":true},"uint64":{"u":"18446744073709551615 0"},"string":{"s":["x3",""],"t":"x3 x"}}' '')" \
   >   "$(short x32 "{$memory,\"processName\":\"x32\",\"vmRssKB\":[\"10\",9]}" '"triggers":[{"process":"x32","event":1}]')" >s.test.json
   $ vig test s.test.json
   ok    s.test.json: 4 of 4 passed

@@ -115,6 +115,15 @@ What is told is chosen by the machine, the attributes, and the number or the tim
   --where nmae=y: note: no event has an attribute "nmae" 
   --from 9:  9 explain 0 9 explain 1 
   --from 7ms --to 7ms:  8 explain 0 8 explain 1 
+  $ (beat 5 y 1; echo '{"event":"Test","uint64":{"u":7},"double":{"d":0.5},"bool":{"b":true}}'; beat 9 y 1) >kinds.jsonl
+  $ for chosen in '--from 5ms --to 5ms' '--where u=7' '--where d=0.50' '--where b=true' '--where b=false'; do
+  >   vig run near.json kinds.jsonl --explain=all $chosen 2>&1 | grep -oE '^ +[0-9]+ +explain|note.*' | tr -s ' \n' ' '; echo "with $chosen"
+  > done
+   1 explain 2 explain with --from 5ms --to 5ms
+   2 explain with --where u=7
+   2 explain with --where d=0.50
+   2 explain with --where b=true
+  note: none of 3 events is chosen by --where, --from and --to with --where b=false
   $ vig run two.json near.jsonl --machine 1 --from 2 --to 2 --format jsonl | cut -c1-40
   {"type":"log","event":0,"priority":"erro
   {"type":"move","event":2,"machine":1,"co

@@ -93,8 +93,10 @@ class UnitJudge {
 
     // Tells whether the machine has the same limit in the unit of the attribute as well.
     bool isBesideItself(double meant) const {
-        constexpr double kLeast = 16;  // fewer are likely to be a limit of their own
-        return unit.quantity == Quantity::Memory && number >= kLeast && limits.contains({attribute, meant});
+        constexpr double kLeast = 16;  // kB, as fewer are likely to be a limit of their own
+        constexpr double kStep = stepOf(Quantity::Memory);
+        return unit.quantity == Quantity::Memory && unit.size == kStep && number >= kLeast && number < kStep &&
+               limits.contains({attribute, meant});
     }
 
     static bool isNear(double meant, double value) { return meant >= value / kBelow && meant <= value * kAbove; }

@@ -78,15 +78,20 @@ std::optional<NumberMeaning> withUnit(double value, std::string_view suffix, boo
     if (written == nullptr) {
         return std::nullopt;
     }
-    const auto number = asNumber(value * written->size / unit->size, isInteger);
+    const double exact = value * written->size / unit->size;
+    const bool isRounded = isInteger && exact != std::round(exact);
+    if (isRounded && (std::round(exact) == 0 || written->size == unit->size)) {
+        return std::nullopt;
+    }
+    const auto number = asNumber(exact, isInteger);
     if (!number || written->size == unit->size) {
         return number ? std::optional(NumberMeaning{*number, ": the number is in " + std::string(unit->name) + " here"})
                       : std::nullopt;
     }
     return NumberMeaning{
-        *number, ": " + shownNumber(value) + " " + std::string(written->name) + " is " + *number +
-                     (unit->size == 1 && unit->quantity == Quantity::Share ? "" : " " + std::string(unit->name)) +
-                     " here"};
+        *number,
+        ": " + shownNumber(value) + " " + std::string(written->name) + (isRounded ? " is about " : " is ") + *number +
+            (unit->size == 1 && unit->quantity == Quantity::Share ? "" : " " + std::string(unit->name)) + " here"};
 }
 
 }  // namespace
