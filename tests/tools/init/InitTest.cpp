@@ -105,6 +105,13 @@ TEST_F(Init, AsksAPersonUntilTheAnswersAreRight) {
          "--second-limit", "1048576", "--share", "0.1", "--trigger", "TriggerVelora"},
         terminal.get());
     EXPECT_EQ(written, support::textOf(rules) + support::textOf(tests));
+
+    // Nothing stays of a wrong answer, nor of a wrong option that could not be read at first.
+    const auto mended =
+        answered({"init", rules, "--force", "--process", "camera", "--limit", "200MB", "--release", "1GB"},
+                 "vmRssKB\n21\n\nx\n300MB\nnone\n1MB\n\n20\nall\n\n");
+    EXPECT_EQ(support::linesWith(mended.out, "rules "),
+              Strings{"rules  TriggerVelora when vmRssKB of camera is above 204800 kB; never anew"});
 }
 
 }  // namespace

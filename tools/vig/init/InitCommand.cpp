@@ -157,13 +157,18 @@ class Init {
         return std::nullopt;
     }
 
-    // Returns what is wrong with the answer.
+    // Returns what is wrong with the answer. Nothing stays of one that is wrong, since the next may be that there is no
+    // such part.
     std::string take(const Question& question, const std::string& answer) {
         if (question.none != nullptr && answer == question.none) {
             return {};
         }
-        std::string problem = question.read(answer, sketch);
-        hasLimit = hasLimit || (question.read == readLimit && problem.empty());
+        Sketch tried = sketch;
+        std::string problem = question.read(answer, tried);
+        if (problem.empty()) {
+            sketch = std::move(tried);
+            hasLimit = hasLimit || question.read == readLimit;
+        }
         return problem;
     }
 

@@ -29,7 +29,8 @@ struct Sketch {
 };
 
 // These read one part of a sketch from a text that a person has written. They return what is expected, and got in its
-// place; nothing if all is well. Each may make use of what those before it have read.
+// place; nothing if all is well. Each may make use of what those before it have read. After a problem, that part of the
+// sketch is of no use.
 std::string readAttribute(const std::string& text, Sketch& sketch);
 std::string readProcess(const std::string& text, Sketch& sketch);
 std::string readLimit(const std::string& text, Sketch& sketch);
