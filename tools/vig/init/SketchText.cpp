@@ -176,9 +176,14 @@ Heartbeats allOf(const Sketch& sketch) {
     const Decimal over = sketch.above(sketch.limit);
     Heartbeats beats;
     add(beats, true, sketch.limit);
-    for (std::uint32_t tooFew = 1; tooFew < sketch.times; ++tooFew) {
-        add(beats, true, over, tooFew);
+    // Counts that are too small come small and large by turns: a machine that does not forget one acts on the next.
+    for (std::uint32_t few = 1; 2 * few <= sketch.times; ++few) {
+        add(beats, true, over, few);
         add(beats, true, sketch.limit);
+        if (2 * few < sketch.times) {
+            add(beats, true, over, sketch.times - few);
+            add(beats, true, sketch.limit);
+        }
     }
     add(beats, true, over, sketch.times);
     if (!sketch.release && !sketch.second) {
