@@ -75,6 +75,10 @@ Nothing is overwritten unless that is wanted, and what is wrong is told at once.
   > b.json --attribute vmRssKB --process a --limit 1.5 --second-limit 1
   > b.json --attribute vmRssKB --process a --limit 1MB --release 2MB --second-limit 1024 --share 1e-3
   > b.json --attribute cpuAvgUtilization --process a --limit 40KB
+  > b.json --attribute vmRssKB --process $'camera\xe2\x80\x8b' --limit 1
+  > b.json --attribute vmRssKB --process a --limit 100GB
+  > b.json --attribute vmRssKB --process a --limit 200 --second-limit 200MB
+  > b.json --attribute cpuAvgUtilization --process a --limit 0.4
   > END
   vig: error: camera.json and camera.test.json exist already; --force overwrites them
   Try: vig init --help
@@ -107,7 +111,7 @@ Nothing is overwritten unless that is wanted, and what is wrong is told at once.
   vig: error: --share: expected a share above 0 and up to 1, such as 0.1, or the same in percent, 10%, got "0.1."
   vig: error: --trigger is required: no collection can be asked for with SystemMemoryHeartBeat events, and Test does nothing
   Try: vig init --help
-  vig: error: --process: expected the name of a process as events have it, such as camera, got " a"
+  vig: error: --process: " a" has a space at its beginning; write "a"
   vig: error: --limit: expected a number of kB such as 204800, or one with its unit such as 200MB, got "200W"
   vig: error: --trigger: expected one of TriggerVelora, Test, for which ProcessMemoryHeartBeat events have what it needs, got "TriggerVeloraCpu"
   Try: vig init --help
@@ -120,6 +124,14 @@ Nothing is overwritten unless that is wanted, and what is wrong is told at once.
   vig: error: --share: expected a share above 0 and up to 1, such as 0.1, or the same in percent, 10%, got "1e-3"
   Try: vig init --help
   vig: error: --limit: expected a number of percent such as 40, got "40KB"
+  Try: vig init --help
+  vig: error: --process: "camera\xe2\x80\x8b" has U+200B (zero-width space) at its end; write "camera" (esc)
+  Try: vig init --help
+  vig: error: --limit: vmRssKB is in kB, so that 104857600 is 100 GB; write 102400 if 100 MB is meant
+  Try: vig init --help
+  vig: error: --second-limit: vmRssKB is in kB, and another limit of this machine is 200 MB; write 204800 if 200 MB is meant
+  Try: vig init --help
+  vig: error: --limit: cpuAvgUtilization is in percent, so that 0.4 is less than one percent; write 40 if 40 % is meant
   Try: vig init --help
   [2]
   $ ls

@@ -13,7 +13,11 @@
 #include <vector>
 
 #include "tools/vig/catalogue/ActionNeeds.h"
+#include "tools/vig/catalogue/Catalogue.h"
+#include "tools/vig/check/DocumentCheck.h"
 #include "tools/vig/commandline/CommandLine.h"
+#include "tools/vig/document/DocumentText.h"
+#include "tools/vig/document/Registry.h"
 #include "tools/vig/events/EventNames.h"
 #include "tools/vig/init/Sketch.h"
 #include "tools/vig/init/SketchText.h"
@@ -98,6 +102,24 @@ std::string testsBeside(const std::string& rules) {
     return name + std::string(kSuffixOfTests);
 }
 
+// Returns what `vig check --strict` would say of the document, as far as it is known: nothing is written that it
+// refuses.
+std::string whyNotClean(Sketch sketch) {
+    if (sketch.attribute.empty() || isOfProcess(sketch) == sketch.process.empty()) {
+        return {};
+    }
+    if (sketch.action.empty()) {
+        sketch.action = actionsFor(sketch).front();
+    }
+    const DocumentText document("", documentOf(sketch));
+    const Findings findings = findingsIn(document, libraryRegistry(), Catalogue::builtIn());
+    if (findings.all.empty()) {
+        return {};
+    }
+    const Finding& first = findings.all.front();
+    return first.message + (first.hint.empty() ? "" : "; " + first.hint);
+}
+
 class Init {
   public:
     Init(const InitOptions& options, const Console& console, const Interruption& interruption)
@@ -165,6 +187,9 @@ class Init {
         }
         Sketch tried = sketch;
         std::string problem = question.read(answer, tried);
+        if (problem.empty()) {
+            problem = whyNotClean(tried);
+        }
         if (problem.empty()) {
             sketch = std::move(tried);
             hasLimit = hasLimit || question.read == readLimit;

@@ -173,8 +173,7 @@ std::string readAttribute(const std::string& text, Sketch& sketch) {
 }
 
 std::string readProcess(const std::string& text, Sketch& sketch) {
-    const bool isName = !text.empty() && replaceInvalidUtf8(text) == text && printable(text) == text;
-    if (!isName || text.starts_with(' ') || text.ends_with(' ')) {
+    if (text.empty() || replaceInvalidUtf8(text) != text || printable(text) != text) {
         return "expected the name of a process as events have it, such as camera" + got(text);
     }
     sketch.process = text;
