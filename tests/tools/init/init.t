@@ -75,6 +75,10 @@ Nothing is overwritten unless that is wanted, and what is wrong is told at once.
   > b.json --attribute vmRssKB --process a --limit 1.5 --second-limit 1
   > b.json --attribute vmRssKB --process a --limit 1MB --release 2MB --second-limit 1024 --share 1e-3
   > b.json --attribute cpuAvgUtilization --process a --limit 40KB
+  > new --force --attribute rss
+  > b.json --attribute vmRssKB --process a --limit 204,800 --share 0,1
+  > b.json --attribute vmRssKB --process a --limit 0.123456GB
+  > b.json --attribute vmRssKB --process a --limit 99999999999
   > b.json --attribute vmRssKB --process $'camera\xe2\x80\x8b' --limit 1
   > b.json --attribute vmRssKB --process a --limit 100GB
   > b.json --attribute vmRssKB --process a --limit 200 --second-limit 200MB
@@ -86,7 +90,8 @@ Nothing is overwritten unless that is wanted, and what is wrong is told at once.
   Try: vig init --help
   vig: error: c.json exists already; --force overwrites it
   Try: vig init --help
-  vig: error: absent/b.json: No such file or directory
+  vig: error: absent/b.json: the folder cannot be written to: No such file or directory
+  Try: vig init --help
   vig: error: --attribute is required
   vig: error: --process is required
   vig: error: --limit is required
@@ -107,7 +112,7 @@ Nothing is overwritten unless that is wanted, and what is wrong is told at once.
   vig: error: --limit is required
   Try: vig init --help
   vig: error: --process: the events with memFreeKB are of no process
-  vig: error: --limit: "2000B" is no whole number of kB
+  vig: error: --limit: "2000B" is no whole number of kB; the nearest one is 2
   vig: error: --share: expected a share above 0 and up to 1, such as 0.1, or the same in percent, 10%, got "0.1."
   vig: error: --trigger is required: no collection can be asked for with SystemMemoryHeartBeat events, and Test does nothing
   Try: vig init --help
@@ -117,13 +122,25 @@ Nothing is overwritten unless that is wanted, and what is wrong is told at once.
   Try: vig init --help
   vig: error: --limit: "9999999999MB" is too large
   Try: vig init --help
-  vig: error: --limit: "1.5" is no whole number of kB
+  vig: error: --limit: "1.5" is no whole number of kB; the nearest one is 2
   Try: vig init --help
   vig: error: --release: expected a release limit that is not above the limit, which is 1024, got "2MB"
   vig: error: --second-limit: expected a second limit that is above the first one, which is 1024, got "1024"
-  vig: error: --share: expected a share above 0 and up to 1, such as 0.1, or the same in percent, 10%, got "1e-3"
+  vig: error: --share: expected a share above 0 and up to 1, such as 0.1, or the same in percent, 10%, got "1e-3"; write "0.001"
   Try: vig init --help
   vig: error: --limit: expected a number of percent such as 40, got "40KB"
+  Try: vig init --help
+  vig: error: --attribute: expected the name of an attribute that is a number, got "rss"; there are vmRssKB, vmSwapKB, anonPagesKB, buffersKB, cachedKB, dirtyKB, mappedKB, memAvailableKB, memFreeKB, memTotalKB and 12 more
+  vig: error: new: not a regular file
+  vig: error: --process is required
+  vig: error: --limit is required
+  Try: vig init --help
+  vig: error: --limit: expected a number of kB such as 204800, or one with its unit such as 200MB, got "204,800"; write "204800"
+  vig: error: --share: expected a share above 0 and up to 1, such as 0.1, or the same in percent, 10%, got "0,1"; write "0.1"
+  Try: vig init --help
+  vig: error: --limit: "0.123456GB" is no whole number of kB; the nearest one is 129453
+  Try: vig init --help
+  vig: error: --limit: "99999999999" is too large
   Try: vig init --help
   vig: error: --process: "camera\xe2\x80\x8b" has U+200B (zero-width space) at its end; write "camera" (esc)
   Try: vig init --help
@@ -141,3 +158,9 @@ Nothing is overwritten unless that is wanted, and what is wrong is told at once.
   new
   rules.json
   rules.test.json
+
+A path can be copied into a shell as it is told.
+
+  $ mkdir "a b"; for path in "a b/it's.json" -a.json; do vig init --attribute vmRssKB --process a --limit 9 -- "$path" </dev/null | grep next; done
+  next   vig check --strict 'a b/it'\''s.json'; vig test --coverage --mutants 'a b/it'\''s.test.json'
+  next   vig check --strict ./-a.json; vig test --coverage --mutants ./-a.test.json

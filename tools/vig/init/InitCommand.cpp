@@ -120,6 +120,16 @@ std::string whyNotClean(Sketch sketch) {
     return first.message + (first.hint.empty() ? "" : "; " + first.hint);
 }
 
+// Returns a path as people type it in a shell.
+std::string shellWord(const std::string& path) {
+    constexpr std::string_view kPlain = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789/._-+,:@%=";
+    std::string word = path.starts_with('-') ? "./" : "";
+    for (const char each : path) {
+        word += each == '\'' ? std::string("'\\''") : std::string(1, each);
+    }
+    return printable(word.find_first_not_of(kPlain) == std::string::npos ? word : "'" + word + "'");
+}
+
 class Init {
   public:
     Init(const InitOptions& options, const Console& console, const Interruption& interruption)
@@ -314,9 +324,17 @@ class Init {
         if (path.ends_with(kSuffixOfTests)) {
             return path + ": that is how a file of tests is called; name the rule document";
         }
+        const std::string folder = std::filesystem::path(path).parent_path();
+        if (access(folder.empty() ? "." : folder.c_str(), W_OK | X_OK) != 0) {
+            return fmt::format("{}: the folder cannot be written to: {}", path, systemError(errno));
+        }
         std::vector<std::string> there;
         for (const std::string& each : {path, testsBeside(path)}) {
             std::error_code ignored;
+            const auto status = std::filesystem::status(each, ignored);
+            if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status)) {
+                return each + ": not a regular file";
+            }
             if (std::filesystem::exists(std::filesystem::symlink_status(each, ignored))) {
                 there.push_back(each);
             }
@@ -342,8 +360,8 @@ class Init {
             out.write(fmt::format("wrote  {}\n", printable(path)));
         }
         out.write(fmt::format("rules  {}\n", printable(summaryOf(sketch))));
-        out.write(fmt::format("next   vig check --strict {0}; vig test --coverage --mutants {1}\n", printable(rules),
-                              printable(tests)));
+        out.write(fmt::format("next   vig check --strict {0}; vig test --coverage --mutants {1}\n", shellWord(rules),
+                              shellWord(tests)));
         return console.finish(out, kExitDone);
     }
 

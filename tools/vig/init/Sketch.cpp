@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cctype>
 #include <charconv>
 #include <cmath>
 #include <system_error>
@@ -10,11 +11,13 @@
 
 #include "tools/vig/catalogue/ActionNeeds.h"
 #include "tools/vig/catalogue/Catalogue.h"
+#include "tools/vig/document/NumberMeaning.h"
 #include "tools/vig/document/Units.h"
 #include "tools/vig/events/EventNames.h"
 #include "tools/vig/words/NearestName.h"
 #include "tools/vig/words/Text.h"
 #include "vig/base/Utf8.h"
+#include "vig/parsers/NumberText.h"
 
 namespace Brenta::OS::VIG::Tool {
 
@@ -66,6 +69,17 @@ std::string got(const std::string& text) {
     return ", got " + (text.empty() ? std::string("nothing") : shownQuoted(text));
 }
 
+// Returns how a sentence goes on with what was meant by a text that is no number; nothing if that cannot be guessed, or
+// would not be taken.
+std::string meant(const std::string& text, bool isInteger, const Unit* unit, const auto& isTaken) {
+    const auto meaning = meaningOf(text, isInteger, unit);
+    std::string_view rest = meaning ? std::string_view(meaning->number) : std::string_view();
+    const auto number = Decimal::readFrom(rest);
+    return number && rest.empty() && isTaken(*number)
+               ? fmt::format("; write {}{}", quoted(meaning->number), meaning->more)
+               : "";
+}
+
 // Returns null if nothing is known.
 const Unit* unitOfNumbers(const Sketch& sketch) {
     // How long processes wait for memory is in percent, which the names do not tell.
@@ -84,17 +98,21 @@ std::string readNumber(const std::string& text, const Sketch& sketch, Decimal& n
     rest.remove_prefix(std::min(rest.find_first_not_of(' '), rest.size()));
     const Unit* const here = unitOfNumbers(sketch);
     const Unit* const written = here == nullptr ? nullptr : unitNamed(rest, here->quantity);
-    if (!read || (!rest.empty() && written == nullptr)) {
-        return expected + got(text);
-    }
-    const double ratio = written == nullptr ? 1 : written->size / here->size;
-    auto value = ratio > 1 ? read->times(std::llround(ratio)) : read;
-    if (!value) {
+    if (readNearest<double>(text) > Decimal::kMostDigits) {
         return shownQuoted(text) + " is too large";
     }
-    value = ratio < 1 ? value->dividedBy(std::llround(1 / ratio)) : value;
+    if (!read || (!rest.empty() && written == nullptr)) {
+        return expected + got(text) + meant(text, !sketch.isDouble, here, [](const Decimal&) { return true; });
+    }
+    const double ratio = written == nullptr ? 1 : written->size / here->size;
+    const double nearest = readNearest<double>(text) * ratio;
+    if (nearest > Decimal::kMostDigits) {
+        return shownQuoted(text) + " is too large";
+    }
+    const auto value = ratio < 1 ? read->dividedBy(std::llround(1 / ratio)) : read->times(std::llround(ratio));
     if (!value || (!sketch.isDouble && !value->isWhole())) {
-        return fmt::format("{} is no whole number of {}", shownQuoted(text), own);
+        return fmt::format("{} is no whole number of {}; the nearest one is {:.0f}", shownQuoted(text), own,
+                           std::round(nearest));
     }
     number = *value;
     return {};
@@ -164,7 +182,16 @@ std::string readAttribute(const std::string& text, Sketch& sketch) {
         for (const Watchable& each : all) {
             names.push_back(each.name);
         }
-        return "expected the name of an attribute that is a number" + got(text) + suggestion(text, names);
+        // Those come first that it is a part of: rss is one of vmRssKB.
+        const auto isSame = [](unsigned char left, unsigned char right) {
+            return std::tolower(left) == std::tolower(right);
+        };
+        std::stable_partition(names.begin(), names.end(), [&](std::string_view name) {
+            return std::search(name.begin(), name.end(), text.begin(), text.end(), isSame) != name.end();
+        });
+        const std::string near = suggestion(text, names);
+        return "expected the name of an attribute that is a number" + got(text) +
+               (near.empty() ? choices(text, names) : near);
     }
     if (other->kind == AttributeKind::Int64 || other->kind == AttributeKind::Double) {
         return shownQuoted(text) + " tells one process from another, and has no limit";
@@ -222,8 +249,10 @@ std::string readShare(const std::string& text, Sketch& sketch) {
         share = share->dividedBy(100);
         rest = {};
     }
-    if (!share || !rest.empty() || *share == Decimal() || *share > Decimal(1, 0)) {
-        return "expected a share above 0 and up to 1, such as 0.1, or the same in percent, 10%" + got(text);
+    const auto isShare = [](const Decimal& number) { return number > Decimal() && number <= Decimal(1, 0); };
+    if (!share || !rest.empty() || !isShare(*share)) {
+        return "expected a share above 0 and up to 1, such as 0.1, or the same in percent, 10%" + got(text) +
+               meant(text, false, unitOf("Share"), isShare);
     }
     sketch.share = *share == Decimal(1, 0) ? std::nullopt : share;
     return {};
