@@ -224,3 +224,14 @@ Where nothing may be ignored, comments and commas at the end are mistakes as wel
   catalogue.json:1:4: error: the text ends before this; remove it
   catalogue.json:1:11: error: Duplicate key: 'a'
   [2]
+
+A long line takes no longer than other texts of its size, whatever stands in it.
+
+  $ blanks=$(printf '%200000s')
+  $ long() { yes -- "$1" | head -n 50000 | tr -d '\n'; }
+  $ for text in "$blanks[$(long '[],')x" "$blanks[1 $(long '<<<<<<< ')" "[1 $(long '--,')"; do
+  >   printf '%s' "$text" >rules.json; timeout 20 vig check rules.json | tail -1
+  > done
+  1 error in 1 file
+  1 error in 1 file
+  4 errors in 1 file

@@ -113,7 +113,8 @@ class JsonSearch {
     struct Level {
         char closing;
         std::size_t begin;
-        std::string key;  // whose value it is; may be empty
+        std::size_t indentation;  // of its line
+        std::string key;          // whose value it is; may be empty
         Expected expected;
     };
 
@@ -407,7 +408,7 @@ class JsonSearch {
         const bool isObject = token.kind == '{';
         const bool isMember = !levels.empty() && levels.back().closing == '}';
         scanner.hasEnded = levels.size() == kMostLevels;
-        levels.push_back({isObject ? '}' : ']', token.begin, isMember ? key : std::string(),
+        levels.push_back({isObject ? '}' : ']', token.begin, indentationAt(token.begin), isMember ? key : std::string(),
                           isObject ? Expected::Key : Expected::Value});
     }
 
@@ -586,15 +587,21 @@ class JsonSearch {
     // A bracket that closes stands no further left than the line in which it was opened, in a text that people indent.
     void noteIndentation(const JsonToken& token, const Level& level) {
         const auto [line, column] = source.positionOf(token.begin);
-        const bool isFirst = indentationAt(token.begin) + 1 == column;
-        if (suspectLine == 0 && isFirst && indentationAt(token.begin) < indentationAt(level.begin)) {
+        const std::size_t indentation = indentationAt(token.begin);
+        if (suspectLine == 0 && indentation + 1 == column && indentation < level.indentation) {
             suspectLine = line;
         }
     }
 
-    std::size_t indentationAt(std::size_t place) const {
-        const std::string_view line = source.line(source.positionOf(place).line);
-        return std::min(line.find_first_not_of(" \t"), line.size());
+    // A line may have many brackets, and its blanks are counted once.
+    std::size_t indentationAt(std::size_t place) {
+        const std::size_t number = source.positionOf(place).line;
+        if (number != indentedLine) {
+            const std::string_view line = source.line(number);
+            indentedLine = number;
+            lastIndentation = std::min(line.find_first_not_of(" \t"), line.size());
+        }
+        return lastIndentation;
     }
 
     std::string whereMissing() const {
@@ -692,7 +699,9 @@ class JsonSearch {
     JsonToken beforeLast;
     JsonToken lastClosed;
     std::size_t tokenCount = 0;
-    std::size_t tokenOfLast = 0;  // mistake; 0 if none
+    std::size_t tokenOfLast = 0;   // mistake; 0 if none
+    std::size_t indentedLine = 0;  // the last one of which the indentation was asked; 0 if none
+    std::size_t lastIndentation = 0;
     std::size_t suspectLine = 0;  // before which a bracket is missing, by the indentation; 0 if none
 };
 

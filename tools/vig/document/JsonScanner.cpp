@@ -32,7 +32,7 @@ std::size_t oddCommentMark(std::string_view rest) {
     if (rest[0] == '#' || rest[0] == '/') {
         return 1;
     }
-    if (rest.starts_with("--") && rest.find_first_of(kWhiteSpace) == 2) {
+    if (rest.starts_with("--") && rest.size() > 2 && kWhiteSpace.find(rest[2]) != std::string_view::npos) {
         return 2;
     }
     return rest.starts_with("<!--") ? 4 : 0;
@@ -263,9 +263,11 @@ void JsonScanner::skipConflict() {
     }
 }
 
+// It looks back over the blanks alone, since a line may be long and have many marks.
 bool JsonScanner::isFirstOnLine() const {
-    const auto [line, column] = source.positionOf(place);
-    return source.line(line).find_first_not_of(" \t") + 1 == column;
+    const std::size_t column = source.positionOf(place).column;
+    const std::string_view before = text.substr(place + 1 - column, column - 1);
+    return before.find_last_not_of(" \t") == std::string_view::npos;
 }
 
 // The whole text may be one line, whose end is looked for once.
