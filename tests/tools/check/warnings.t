@@ -63,6 +63,17 @@ come states, then transitions behind others, and cycles that need no event.
   3: error endless-entering [2]
   4: endless-entering [1]
 
+A thousand states that nobody enters, whose long names might be near one another, take no time to speak of.
+
+  $ awk 'BEGIN { srand(1); printf "{\"configs\":[{\"id\":1,\"payload\":{\"id\":1,\"data\":{\"transitions\":["
+  >   for (count = 0; count < 2000; ++count) { name = ""
+  >     while (length(name) < 60) name = name substr("abcdefgh", 1 + int(rand() * 8), 1)
+  >     printf "%s{\"from_state\":\"%s\",\"to_state\":\"%s\",\"event\":\"Test\",\"filters\":[],\"actions\":[]}", count ? "," : "",
+  >       count < 1000 ? last : name, count < 1000 ? name : "end"; last = name }
+  >   print "]}}}]}" }' | sed 's/"from_state":""/"from_state":"start"/' >many.json
+  $ timeout 20 vig check --allow no-action many.json | tail -n 1
+  1001 warnings in 1 file
+
 Actions, attributes, and NULs.
 
   $ named <<EOF
@@ -299,6 +310,8 @@ Types of operands, units, and what cannot be seen.
   > start \u00a0a Test; \u00a0a b\ufeff Test || Test; b\ufeff c\u200d Test; c\u200d d\u2764\ufe0f Test; d\u2764\ufe0f e\u200df\u200b Test; e\u200df\u200b g\u00adh Test; g\u00adh i\tj Test; i\tj end Test
   > $memory | string processName\u3000 == =a\t & string processName != =\u2009 & string processName >= =a\u00a0 & integer \u200bpid > =7
   > start a ProcessMemoryHeartBeat | integer vmRssKB > =204800 & integer vmSwapKB < =15360 $collect; a start ProcessMemoryHeartBeat | integer vmRssKB < =200 & integer vmSwapKB > =15
+  > start col\u200b Test; col end Test
+  > start a\u200b ProcessMemoryHeartBeat | $big; start a ProcessMemoryHeartBeat; a end Test
   > EOF
   0: operand-type [0].filters[0].operand2.type, operand-type [0].filters[1].operand2.type, operand-type [0].filters[2].operand1.type, operand-type [0].filters[2].operand2.type, operand-type [0].filters[3].operand1.type
   1: unknown-attribute [0].filters[0].left, unknown-attribute [0].filters[2].right, operand-type [0].filters[3].operand1.type
@@ -310,6 +323,8 @@ Types of operands, units, and what cannot be seen.
   7: invisible-character [0].to_state, invisible-character [1].from_state, invisible-character [1].to_state, invisible-character [2].from_state, invisible-character [2].to_state, invisible-character [3].from_state, invisible-character [4].to_state, invisible-character [5].from_state, invisible-character [5].to_state, invisible-character [6].from_state, invisible-character [6].to_state, invisible-character [7].from_state
   8: invisible-character [0].filters[0].left, invisible-character [0].filters[0].right, invisible-character [0].filters[1].right, invisible-character [0].filters[3].left
   9: wrong-unit [1].filters[0].right
+  10: invisible-character [0].to_state
+  11: invisible-character [0].to_state
   $ cat >events.jsonl <<'EOF'
   > {"event":"ProcessMemoryHeartBeat","int64":{"vmRssKB":8000,"vmSwapKB":0},"double":{"aMs":40.5},"string":{"processName":"a"}}
   > {"event":"ProcessMemoryHeartBeat","int64":{"vmRssKB":400000,"vmSwapKB":20},"double":{"aMs":2000},"string":{"processName":"a"}}

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <memory>
 #include <string>
+#include <unordered_set>
 
 #include "tools/vig/words/NearestName.h"
 #include "tools/vig/words/Text.h"
@@ -96,6 +97,7 @@ class StateJudge {
         for (const std::size_t state : explained) {
             accepted[state] = true;
         }
+        acceptSeenAsLeft(accepted);
         for (std::size_t index = 0; index < transitions.size(); ++index) {
             const std::size_t from = behaviour.from(index);
             const bool doesSomething = behaviour.to(index) != from || !transitions[index].actions.empty();
@@ -129,6 +131,20 @@ class StateJudge {
             const bool isAtStart = last == witness.trials.rend();
             return isAtStart ? state == Behaviour::kStart : behaviour.to(last->transition) == state;
         });
+    }
+
+    // Marks states that cannot be left, if one that can is seen as the same: an invisible-character tells it.
+    void acceptSeenAsLeft(std::vector<bool>& accepted) const {
+        std::unordered_set<std::string> left;
+        for (std::size_t state = 0; state < behaviour.stateCount(); ++state) {
+            if (!outgoing[state].empty()) {
+                left.insert(seenOf(behaviour.stateName(state)));
+            }
+        }
+        for (std::size_t state = 0; state < behaviour.stateCount(); ++state) {
+            accepted[state] =
+                accepted[state] || (outgoing[state].empty() && left.contains(seenOf(behaviour.stateName(state))));
+        }
     }
 
     // It is a state to which no chain of transitions leads, and others whose names are near.
@@ -175,15 +191,27 @@ class StateJudge {
         }
     }
 
-    // Returns the states with names that are near, those first that cannot be left. Names that differ in numbers alone
-    // are meant.
-    std::vector<std::size_t> nearOnes(std::size_t state, const auto& isCandidate) const {
+    // Returns the states whose names are seen as the same, or else those with names that are near, those first that
+    // cannot be left. Names that differ in numbers alone are meant. In a machine with many states that ask for it, the
+    // last ones get none, so that this takes no time to speak of.
+    std::vector<std::size_t> nearOnes(std::size_t state, const auto& isCandidate) {
         constexpr std::size_t kMost = 64;
+        constexpr std::size_t kMostAsking = 32;
+        const std::string_view name = behaviour.stateName(state);
+        const std::string seen = seenOf(name);
+        const std::string bare = withoutDigits(name);
         std::vector<std::size_t> candidates;
-        for (std::size_t each = 0; each < behaviour.stateCount() && candidates.size() < kMost; ++each) {
-            if (each != state && isCandidate(each) &&
-                withoutDigits(behaviour.stateName(each)) != withoutDigits(behaviour.stateName(state))) {
-                candidates.push_back(each);
+        if (askingForNear++ >= kMostAsking) {
+            return candidates;
+        }
+        for (std::size_t each = 0; each < behaviour.stateCount(); ++each) {
+            if (each != state && isCandidate(each)) {
+                if (seenOf(behaviour.stateName(each)) == seen) {
+                    return {each};
+                }
+                if (candidates.size() < kMost && withoutDigits(behaviour.stateName(each)) != bare) {
+                    candidates.push_back(each);
+                }
             }
         }
         std::stable_partition(candidates.begin(), candidates.end(),
@@ -191,7 +219,7 @@ class StateJudge {
         std::vector<std::string_view> names;
         std::ranges::transform(candidates, std::back_inserter(names),
                                [&](std::size_t each) { return std::string_view(behaviour.stateName(each)); });
-        const auto near = nearNames(behaviour.stateName(state), names);
+        const auto near = nearNames(name, names);
         std::erase_if(candidates, [&](std::size_t each) {
             return std::ranges::find(near, behaviour.stateName(each)) == near.end();
         });
@@ -230,7 +258,7 @@ class StateJudge {
         return joined(states, " or ", [&](std::size_t each) { return shownQuoted(behaviour.stateName(each)); });
     }
 
-    std::string hintToLeave(std::size_t state) const {
+    std::string hintToLeave(std::size_t state) {
         const auto others = nearOnes(state, [&](std::size_t each) {
             const bool isBuiltIn = each == Behaviour::kStart || each == Behaviour::kEnd;
             return isBuiltIn || (uses[each] > 1 && !outgoing[each].empty());
@@ -271,6 +299,7 @@ class StateJudge {
     std::vector<std::vector<std::size_t>> incoming;
     std::vector<std::size_t> uses;       // how often a transition names the state
     std::vector<std::size_t> explained;  // states whose end another warning tells
+    std::size_t askingForNear = 0;       // states
     std::vector<bool> isChained;  // a chain of transitions leads there from "start", whether they can fire or not
 };
 
