@@ -108,7 +108,7 @@ What events show is shown by them on demand, and always to programs. They are as
   > EOF
   $ sed -i 's/{"configs":\[/&{"id":true},/' shown.json
   $ vig check shown.json --verbose | tail -12
-      hint: a number is needed
+      hint: an object is needed
   shown.json:1:613: warning: "TriggerVelora" asks for a collection once in 2 ProcessMemoryHeartBeat events as long as their values stay the same: they lead from "start" to "hot" to "start" [trigger-storm]
       \xe2\x80\xa6,"value":"102400"}}],"actions":[{"name":"TriggerVelora"}]},{"from_state":"hot","to_state":"start","e\xe2\x80\xa6 (esc)
                                                ^~~~~~~~~~~~~~~

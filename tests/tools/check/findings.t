@@ -29,7 +29,7 @@ Every mistake is found at its place: from a line and column to others, with its 
   nothing found in 1 file
   $ edited 's/"id": 7/"id": "7"/' 's/{ "id": 8.*/{ "id": 8 }/'
   2:11-2:14 configs[0].id: Invalid VIG Config JSON: { "id": "7", "payload": { "id": 1, "data\xe2\x80\xa6 ("id" is a string) [InvalidConfig]: a number is needed, without quotes (esc)
-  16:3-16:14 configs[1]: Invalid VIG Config JSON: { "id": 8 } ("payload" is missing) [InvalidConfig]: an object is needed
+  16:11-16:12 configs[1]: Invalid VIG Config JSON: { "id": 8 } ("payload" is missing) [InvalidConfig]: an object is needed
   $ edited 's/"id": 7/"id": null/' 's/"<"/"< "/' 's/{ "name".*}/{}/'
   2:11-2:15 configs[0].id: Invalid VIG Config JSON: { "id": null, "payload": { "id": 1, "dat\xe2\x80\xa6 ("id" is null) [InvalidConfig]: a number is needed (esc)
   9:23-9:27 ~.filters[1].operator: Invalid operator string: < . [InvalidFsm]: one of "==", "!=", ">", "<", ">=", "<="
@@ -38,7 +38,7 @@ Every mistake is found at its place: from a line and column to others, with its 
   2:33-2:43 configs[0].payload.id: Invalid VIG Config Payload JSON: { "id": 2147483648, "data": { "transitio\xe2\x80\xa6 [InvalidConfigPayload]: a number within the signed 32-bit range is needed (esc)
   16:11-16:15 configs[1].id: the id -8.5 is read as -8 [truncated-id]
   $ edited 's/"from_state": "start", //'
-  3:5-14:6 ~: Invalid FSM JSON: { "to_state": "end", "event": "ProcessMe\xe2\x80\xa6 ("from_state" is missing) [InvalidFsm]: a string is needed (esc)
+  4:19-4:24 ~: Invalid FSM JSON: { "to_state": "end", "event": "ProcessMe\xe2\x80\xa6 ("from_state" is missing) [InvalidFsm]: a string is needed (esc)
   $ edited 's/"end"/1/' 's/"name": "TriggerVelora"/&, "parameters": {}/' 's/"id": 8/"id": 7/'
   4:42-4:43 ~.to_state: Invalid FSM JSON: { "from_state": "start", "to_state": 1, \xe2\x80\xa6 ("to_state" is a number) [InvalidFsm]: a string: write "1" for 1 (esc)
   13:47-13:59 ~.actions[0].parameters: "parameters" is ignored, because it is not an array [unknown-key]: remove it, or write an array

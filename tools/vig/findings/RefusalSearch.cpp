@@ -256,7 +256,8 @@ class RefusalSearch {
         }
     }
 
-    // Appends an error at the member, or at the piece if it lacks one of that key. `fault` is said beside the message.
+    // Appends an error at the member, or at what leads people to the piece if it lacks one of that key. `fault` is said
+    // beside the message.
     void add(const Piece& piece, std::string_view key, const Refusal& refusal, const std::string& fault,
              std::string hint) {
         const Json::Value* const member = key.empty() ? nullptr : memberOf(piece.json, key);
@@ -267,8 +268,19 @@ class RefusalSearch {
         }
         faults.insert(pathOf(piece, key));
         found.push_back({Severity::Error, std::string(textOf(refusal.error).name),
-                         member != nullptr ? document.placeOf(*member, pathOf(piece, key)) : whole, std::move(message),
-                         std::move(hint)});
+                         member != nullptr ? document.placeOf(*member, pathOf(piece, key)) : seenPlaceOf(piece),
+                         std::move(message), std::move(hint)});
+    }
+
+    // Returns where a name or a number of the piece stands, if it has one: people do not look for a brace.
+    Place seenPlaceOf(const Piece& piece) const {
+        for (const Shape::Member& member : piece.shape.members) {
+            const Json::Value* const value = memberOf(piece.json, member.key);
+            if (member.inside == nullptr && value != nullptr) {
+                return document.placeOf(*value, piece.path);
+            }
+        }
+        return document.placeOf(piece.json, piece.path);
     }
 
     // The library ends a message that shows JSON, over many lines, like that.
