@@ -69,6 +69,12 @@ Every mistake is found at its place: from a line and column to others, with its 
   $ edited 's/"configs"/"$schema": 1, &/' 's/"id": 8/"id": 6, "\\u0069d": 8/' 's/"id": 2/"$schema": 1, &/'
   16:5-16:9 configs[1].id: "id" is overwritten by the one in line 16, column 14 [duplicate-key]
   16:41-16:50 configs[1].payload.$schema: the key "$schema" is ignored [unknown-key]: known here: "id", "data"
+  $ edited 's/"<"/">"/' 's/"0.1"/"10"/'
+  9:23-9:26 ~.filters[1]: `PseudoRandomDouble() > 10` is never true, whatever the event [never-true]: a share lies between 0 and 1: write PseudoRandomDouble() < 0.1 to let 10 % through
+  $ edited 's/"<"/"!="/' 's/"0.1"/"-1"/'
+  9:23-9:27 ~.filters[1]: `PseudoRandomDouble() != -1` is always true, whatever the event [always-true]: a share lies between 0 and 1: write such a number, or leave the filter out
+  $ edited 's/"double"/"integer"/' 's/"function", "value": "PseudoRandomDouble"/"envvar", "value": "vmRssKB"/' 's/"0.1"/"5"/'
+  9:23-9:26 ~.filters[1]: `vmRssKB < 5` contradicts `vmRssKB > 300000` in the same transition [never-true]: a transition fires only if all its filters hold: make two transitions for two cases
   $ edited 's/"configs":/"configs"/'
   1:12-1:13 : a colon is missing behind the key "configs" [InvalidJson]: write ":" between the key and its value
 

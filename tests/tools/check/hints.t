@@ -51,7 +51,7 @@ A hint mends, and never makes worse. What is ignored of a number was meant: in t
 
 A share lies between 0 and 1.
 
-  $ for text in '< =10' '<= =12.5' '> =90' '< =100' '< =-1' '< =1' '< =10%' '< =0,1' '< =1/10'; do
+  $ for text in '< =10' '<= =12.5' '> =90' '> =10' '== =10' '< =100' '< =-1' '< =1' '>= =1' '< =10%' '< =0,1' '< =1/10'; do
   >   echo "start end Test | double PseudoRandomDouble() $text | Test"
   > done | told
   `PseudoRandomDouble() < 10` is always true, whatever the event [always-true]
@@ -60,12 +60,18 @@ A share lies between 0 and 1.
       hint: a share lies between 0 and 1: write "0.125" to let 12.5 % through
   `PseudoRandomDouble() > 90` is never true, whatever the event [never-true]
       hint: a share lies between 0 and 1: write "0.9" to let 10 % through
+  `PseudoRandomDouble() > 10` is never true, whatever the event [never-true]
+      hint: a share lies between 0 and 1: write PseudoRandomDouble() < 0.1 to let 10 % through
+  `PseudoRandomDouble() == 10` is never true, whatever the event [never-true]
+      hint: a share lies between 0 and 1: write PseudoRandomDouble() < 0.1 to let 10 % through
   `PseudoRandomDouble() < 100` is always true, whatever the event [always-true]
       hint: a share lies between 0 and 1: write such a number, or leave the filter out
   `PseudoRandomDouble() < -1` is never true, whatever the event [never-true]
       hint: a share lies between 0 and 1: write such a number, or leave the filter out
   `PseudoRandomDouble() < 1` is always true, whatever the event [always-true]
-      hint: leave the filter out
+      hint: leave the filter out; or write "0.01" to let 1 % through
+  `PseudoRandomDouble() >= 1` is never true, whatever the event [never-true]
+      hint: mend the filter, or leave the transition out; or write PseudoRandomDouble() < 0.01 to let 1 % through
   "10%" is read as 10; "%" is ignored [number-text]
       hint: write "0.1": 10 % is 0.1 here
   "0,1" is read as 0; ",1" is ignored [number-text]

@@ -28,16 +28,22 @@ std::string shareHint(const FilterModel& filter, const char* otherwise) {
     const DoubleFunction* const function = doubleFunctionOf(normal.left);
     const double number = isConstant(normal.right) ? readNearest<double>(normal.right.operand.value) : 0;
     if (filter.valueType != FilterValueType::Double || function == nullptr || !isConstant(normal.right) ||
-        (number >= function->least && number <= function->limit)) {
+        (number >= function->least && number < function->limit)) {
         return otherwise;
     }
     const std::string range = fmt::format("a share lies between {} and {}", function->least, function->limit);
     if (number < function->limit || number >= kMostPercent || function->limit != 1) {
         return range + ": write such a number, or leave the filter out";
     }
-    const bool isBelow = normal.op == FilterOperator::Less || normal.op == FilterOperator::LessEqual;
-    return range + ": write " + quoted(shownNumber(number / kMostPercent)) + " to let " +
-           shownNumber(isBelow ? number : kMostPercent - number) + " % through";
+    const bool isAbove = normal.op == FilterOperator::Greater || normal.op == FilterOperator::GreaterEqual;
+    // Above 10 of 100 are 90, where mostly 10 are meant: that takes another operator.
+    const bool isEquality = normal.op == FilterOperator::Equal || normal.op == FilterOperator::NotEqual;
+    const bool isOther = isEquality || (isAbove && number < kMostPercent / 2);
+    const std::string share = shownNumber(number / kMostPercent);
+    const std::string write = "write " + (isOther ? normal.left.operand.value + "() < " + share : quoted(share)) +
+                              " to let " + shownNumber(isAbove && !isOther ? kMostPercent - number : number) +
+                              " % through";
+    return number > function->limit ? range + ": " + write : std::string(otherwise) + "; or " + write;
 }
 
 // Warns of the filters of one transition, each by itself and all together.
@@ -77,7 +83,7 @@ class FilterJudge {
         } else if (!isExplained) {
             const std::string why =
                 isOfConstants(filter) ? ", being a comparison of two constants" : ", whatever the event";
-            warn(found, "never-true", filter.place,
+            warn(found, "never-true", placeAt(filter, "operator"),
                  holds == Answer::No ? shown(filter) + " is never true" + why
                                      : "only " + unrecordable(filter) + " fulfils " + shown(filter),
                  shareHint(filter, "mend the filter, or leave the transition out"));
@@ -87,7 +93,7 @@ class FilterJudge {
         if (always) {
             const std::string why =
                 isOfConstants(filter) ? ", being a comparison of two constants" : ", whatever the event";
-            warn(found, "always-true", filter.place, shown(filter) + " is always true" + why,
+            warn(found, "always-true", placeAt(filter, "operator"), shown(filter) + " is always true" + why,
                  shareHint(filter, "leave the filter out"));
         }
         logic.isConditional = logic.isConditional || !always;
@@ -112,7 +118,7 @@ class FilterJudge {
         blame.clauses.erase(blame.clauses.begin());
         const std::string others = blame.text([&](std::size_t each) { return shown(filters[possible[each]]); }) +
                                    (blame.clauses.size() > 1 ? ", taken together," : "");
-        warn(found, "never-true", last.place,
+        warn(found, "never-true", placeAt(last, "operator"),
              isNever ? shown(last) + " contradicts " + others + " in the same transition"
                      : "only " + unrecordable(last) + " fulfils " + shown(last) + " and " + others +
                            " in the same transition",
