@@ -279,8 +279,10 @@ Draws: which share they let through, and what comes of those that are let throug
   > start a Test | $random; start a Timeout; a end ProcessMemoryHeartBeat | $random $collect
   > start a Test | $random; a start Test; a b Timeout || Test; b end ProcessMemoryHeartBeat | $random $collect
   > start a ProcessMemoryHeartBeat | $camera & $big & $random; a start ProcessMemoryHeartBeat | $camera & integer vmRssKB <= =10; a end ProcessMemoryHeartBeat | $camera & $random $collect; a start ProcessMemoryHeartBeat | $camera
+  > start a Test | $big & $random; start b Test | $big & $most; a end ProcessMemoryHeartBeat |$collect; b end ProcessMemoryHeartBeat |$collect
   > EOF
   0: inverted-share [0].filters[0].operator, inverted-share [1].filters[0].operator
+  1: repeated-draw [1].filters[0].left
   2: inverted-share [0].filters[0].operator
   3: unused-timeout [1].event
   7: missing-attribute [0].actions[0], inverted-share [2].filters[0].operator
@@ -292,6 +294,7 @@ Draws: which share they let through, and what comes of those that are let throug
   15: unused-timeout [1].event
   16: unused-timeout [2].event
   17: repeated-draw [2].filters[1].left
+  18: repeated-draw [1].filters[1].left
 
 Types of operands, units, and what cannot be seen.
 

@@ -3,6 +3,7 @@
 // action lies behind that one. A draw with an action behind it chooses. One without lets go, and is meant for the
 // larger share. Where actions lie behind both, it divides, and either side may be the larger one.
 #include <algorithm>
+#include <cmath>
 #include <limits>
 #include <map>
 #include <optional>
@@ -56,7 +57,10 @@ class SamplingJudge {
             const bool isOne = conditions[index].size() + 1 == transitions[index].filters.size();
             for (const FilterModel& filter : transitions[index].filters) {
                 const auto share = shareOf(filter);
-                if (samples(share) && kind == Kind::Chooses) {
+                const std::size_t other = samples(share) && isOne ? otherSideOf(index, *share) : kNone;
+                if (other != kNone) {
+                    warnOfSplit(filter, *share, transitions[other]);
+                } else if (samples(share) && kind == Kind::Chooses) {
                     if (isOne) {
                         warnOfSide(filter, *share);
                     }
@@ -124,6 +128,31 @@ class SamplingJudge {
             }
         }
         return false;
+    }
+
+    // Returns an earlier transition that draws for what this share leaves, under the same conditions.
+    std::size_t otherSideOf(std::size_t index, double share) const {
+        constexpr double kRounding = 1e-9;
+        for (const std::size_t each : outgoing[behaviour.from(index)]) {
+            const auto& filters = transitions[each].filters;
+            const bool isOne = conditions[each].size() + 1 == filters.size();
+            if (each < index && isOne && transitions[each].event == transitions[index].event &&
+                conditions[each] == conditions[index] && std::ranges::any_of(filters, [&](const FilterModel& filter) {
+                    const auto other = shareOf(filter);
+                    return samples(other) && std::abs(*other + share - 1) < kRounding;
+                })) {
+                return each;
+            }
+        }
+        return kNone;
+    }
+
+    // Who writes both sides of a share expects one draw to choose between them.
+    void warnOfSplit(const FilterModel& filter, double share, const TransitionModel& other) {
+        warn(found, "repeated-draw", normalFormOf(filter).left.place,
+             "`" + shownCondition(filter) + "` draws anew, after " + shownTransition(other) +
+                 ": both together let only " + shownPercent(share * share) + " through here",
+             "leave the filter out: what the other one leaves comes here");
     }
 
     void warnOfSide(const FilterModel& filter, double share) {
