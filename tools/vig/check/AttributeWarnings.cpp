@@ -141,6 +141,22 @@ class OperandWarnings {
     std::vector<Finding>& found;
 };
 
+// Actions that ask for a collection may stand for each other, as far as events have what they need.
+std::string hintForAction(const ActionModel& action, EventType event, const Catalogue& catalogue) {
+    if (!startsCollection(action.key)) {
+        return "without them it logs 0; listen for another event";
+    }
+    for (const KnownAction& each : kActions) {
+        const auto isThere = [&](const ActionNeed& need) {
+            return catalogue.promises(event, need.attribute, need.kind);
+        };
+        if (each.startsCollection && std::ranges::all_of(each.needs, isThere)) {
+            return "without them it only logs; did you mean " + quoted(each.name) + "?";
+        }
+    }
+    return "without them it only logs; listen for another event";
+}
+
 }  // namespace
 
 std::string missingFor(const ActionModel& action, EventType event, const Catalogue& catalogue) {
@@ -160,26 +176,6 @@ std::string missingFor(const ActionModel& action, EventType event, const Catalog
     }
     return fmt::format("{}", fmt::join(missing, ", "));
 }
-
-namespace {
-
-// Actions that ask for a collection may stand for each other, as far as events have what they need.
-std::string hintForAction(const ActionModel& action, EventType event, const Catalogue& catalogue) {
-    if (!startsCollection(action.key)) {
-        return "without them it logs 0; listen for another event";
-    }
-    for (const KnownAction& each : kActions) {
-        const auto isThere = [&](const ActionNeed& need) {
-            return catalogue.promises(event, need.attribute, need.kind);
-        };
-        if (each.startsCollection && std::ranges::all_of(each.needs, isThere)) {
-            return "without them it only logs; did you mean " + quoted(each.name) + "?";
-        }
-    }
-    return "without them it only logs; listen for another event";
-}
-
-}  // namespace
 
 void appendAttributeWarnings(const TransitionModel& transition, const Catalogue& catalogue,
                              const VIGParserConfig& registry, std::vector<Finding>& found) {

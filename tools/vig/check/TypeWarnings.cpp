@@ -44,7 +44,9 @@ class TypeJudge {
         if (meant) {
             // This is the cause of what else was found there.
             takeOutAt(operand.place, since, found);
-            warn(found, "operand-type", placeOfType(filter, member), messageFor(operand, text, *meant),
+            warn(found, "operand-type",
+                 placeInside(filter, (*filter.json)[member]["type"], std::string(member) + ".type"),
+                 messageFor(operand, text, *meant),
                  "write \"type\": " + quoted(kFilterOperandTypeTable.lookup(*meant)) + " if the " + nounOf(*meant) +
                      " is meant");
         }
@@ -100,15 +102,6 @@ class TypeJudge {
 
     static std::string nounOf(Type type) {
         return type == Type::Constant ? "value itself" : type == Type::Envvar ? "attribute" : "function";
-    }
-
-    static Place placeOfType(const FilterModel& filter, const char* member) {
-        const Json::Value& type = (*filter.json)[member]["type"];
-        const auto offsetOf = [&](std::ptrdiff_t place) {
-            return filter.place.begin + static_cast<std::size_t>(place - filter.json->getOffsetStart());
-        };
-        return {offsetOf(type.getOffsetStart()), offsetOf(type.getOffsetLimit()),
-                filter.place.path + "." + member + ".type"};
     }
 
     const RulesEngine::EventType event;

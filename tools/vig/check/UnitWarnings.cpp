@@ -6,6 +6,7 @@
 #include <string>
 #include <utility>
 
+#include "tools/vig/check/DrawShare.h"
 #include "tools/vig/check/Warnings.h"
 #include "tools/vig/document/NormalFilter.h"
 #include "tools/vig/document/Units.h"
@@ -69,8 +70,6 @@ class UnitJudge {
     }
 
     std::string written() const { return shownName(normal.right.operand.value); }
-
-    static std::string shownPercent(double share) { return shownNumber(share * 100) + " %"; }
 
     bool isBelow() const { return normal.op == FilterOperator::Less || normal.op == FilterOperator::LessEqual; }
 

@@ -133,14 +133,18 @@ inline std::string asHint(const std::string& suggested) {
     return suggested.empty() ? suggested : suggested.substr(suggested.find_first_not_of("; "));
 }
 
+// Returns the place of a value inside of a transition or a filter.
+Place placeInside(const auto& object, const Json::Value& value, const std::string& path) {
+    const auto offsetOf = [&](std::ptrdiff_t place) {
+        return object.place.begin + static_cast<std::size_t>(place - object.json->getOffsetStart());
+    };
+    return {offsetOf(value.getOffsetStart()), offsetOf(value.getOffsetLimit()), object.place.path + "." + path};
+}
+
 // Returns the place of a member of a transition or a filter, such as "to_state".
 Place placeOf(const auto& object, const char* member) {
     const Json::Value& whole = *object.json;
-    const Json::Value& value = whole[member];
-    const auto offsetOf = [&](std::ptrdiff_t place) {
-        return object.place.begin + static_cast<std::size_t>(place - whole.getOffsetStart());
-    };
-    return {offsetOf(value.getOffsetStart()), offsetOf(value.getOffsetLimit()), object.place.path + "." + member};
+    return placeInside(object, whole[member], member);
 }
 
 // Returns where such a member stands, for what is wrong with the whole: people look for a name, not for a brace.
