@@ -57,7 +57,8 @@ bool isRefusal(const Finding& finding) {
 
 bool has(const std::vector<Finding>& all, const Finding& wanted) {
     return std::ranges::any_of(all, [&](const Finding& each) {
-        return each.name == wanted.name && each.place.path == wanted.place.path && each.severity == wanted.severity;
+        return each.name == wanted.name && each.place.path == wanted.place.path && each.severity == wanted.severity &&
+               each.message == wanted.message;
     });
 }
 
