@@ -215,7 +215,7 @@ The line around a place is cut between characters, and the mark stands below, ho
 
 Where nothing may be ignored, comments and commas at the end are mistakes as well.
 
-  $ for text in '{ "events": {}, }' '{ "events": /* none */ {} }' '{} {}' '{} // none' '{ "a": 1, "a": 1 }'; do
+  $ for text in '{ "events": {}, }' '{ "events": /* none */ {} }' '{} {}' '{} // none' '{ "a": 1, "a": 1 }' '{ "x": 1, "events": 1, "a": 1 }' '{ "events": /* none */ {}, }'; do
   >   echo "$text" >catalogue.json; vig check rules.json --catalogue catalogue.json
   > done
   catalogue.json:1:15: error: the last comma has nothing behind it; remove it
@@ -223,6 +223,11 @@ Where nothing may be ignored, comments and commas at the end are mistakes as wel
   catalogue.json:1:4: error: the text ends before this: it is another one; keep one of the two
   catalogue.json:1:4: error: the text ends before this; remove it
   catalogue.json:1:11: error: Duplicate key: 'a'
+  catalogue.json:1:8: error: unknown key "x"
+  catalogue.json:1:21: error: events: expected an object, got a number
+  catalogue.json:1:29: error: unknown key "a"
+  catalogue.json:1:13: error: a comment stands here, which is no JSON; remove it
+  catalogue.json:1:26: error: the last comma has nothing behind it; remove it
   [2]
 
 A long line takes no longer than other texts of its size, whatever stands in it.

@@ -179,20 +179,20 @@ What is wrong with one is told at the value.
   b.test.json:1:65: error: tests[0].series: expected an object that tells a series of events, got a number
   b.test.json:1:65: error: tests[0].series: there is no series
   b.test.json:1:74: error: tests[0].series.event: unknown event "Tst"; did you mean "Test"?
-  b.test.json:1:107: error: tests[0].series.every_ms: expected an integer from 0 to 31622400000
   b.test.json:1:94: error: tests[0].series.timeout_id: only a Timeout event has one
+  b.test.json:1:107: error: tests[0].series.every_ms: expected an integer from 0 to 31622400000
   b.test.json:1:117: error: tests[0].series.load: Test events have no attribute "load"; put one that vig does not know under its kind, as in "int64": { \xe2\x80\xa6 } (esc)
   b.test.json:1:65: error: tests[0].series: "timeout_id" is missing
   b.test.json:1:92: error: tests[0].series.int64: expected an object, got a number
-  b.test.json:1:160: error: tests[0].series.pid: given twice
   b.test.json:1:112: error: tests[0].series.procesName: ProcessMemoryHeartBeat events have no attribute "procesName"; did you mean "processName"?
   b.test.json:1:148: error: tests[0].series.vmSwapKB: has 3 values, but "vmRssKB" has 2; an attribute has one value for all events, or as many as the others
-  b.test.json:1:169: error: tests[0].series.bool.d: expected true or false, got "1"
+  b.test.json:1:160: error: tests[0].series.pid: given twice
   b.test.json:1:100: error: tests[0].series.int64.a: expected a signed 64-bit integer, or one that is repeated such as 7x3, got "*3"
   b.test.json:1:103: error: tests[0].series.int64.a: expected a signed 64-bit integer, or one that is repeated such as 7x3, got "9223372036854775808"
   b.test.json:1:123: error: tests[0].series.int64.a: expected a signed 64-bit integer, got "1.0"; write 1
   b.test.json:1:133: error: tests[0].series.int64.b[0]: expected a signed 64-bit integer, got an array
   b.test.json:1:152: error: tests[0].series.uint64.c: expected an unsigned 64-bit integer, or one that is repeated such as 7x3, got "-1"
+  b.test.json:1:169: error: tests[0].series.bool.d: expected true or false, got "1"
   b.test.json:1:96: error: tests[0].series.double.a: expected a number, or one that is repeated such as 7x3, got "inf"
   b.test.json:1:105: error: tests[0].series.double.b: there is no value
   b.test.json:1:113: error: tests[0].series.double.c: a value is repeated once, from 1 to 100000 times, not as in "1x0"
@@ -309,6 +309,7 @@ What is not part of a test file is an error at its place.
   $ while read -r line; do echo "$line" >b.test.json; vig test b.test.json; done <<'EOF'
   > {"rules":"a","rules":"b","tests":[]}
   > {} x
+  > {"rules" "a",, "tests":[]}
   > {"tests":[]}
   > {"rules":"rules.json","tests":[]}
   > {"rules":1,"tests":{}}
@@ -336,6 +337,7 @@ What is not part of a test file is an error at its place.
   b.test.json:1:4: error: the text ends before this; remove it
   b.test.json:1:1: error: "rules" is missing
   b.test.json:1:1: error: neither "tests" nor "properties" are there
+  b.test.json:1:9: error: a colon is missing behind the key "rules"; write ":" between the key and its value
   b.test.json:1:1: error: "rules" is missing
   b.test.json:1:10: error: tests: there is no test
   b.test.json:1:31: error: tests: there is no test
@@ -344,24 +346,24 @@ What is not part of a test file is an error at its place.
   b.test.json:1:10: error: rules: there is no name
   b.test.json:1:21: error: tests: there is no test
   b.test.json:1:24: error: Duplicate key: 'rules'
-  b.test.json:1:46: error: unknown key "tsts"; did you mean "tests"?
-  b.test.json:1:127: error: unknown key "x"
   b.test.json:1:32: error: rules: here: No such file or directory
+  b.test.json:1:46: error: unknown key "tsts"; did you mean "tests"?
   b.test.json:1:64: error: tests[0]: unknown key "nam"; did you mean "name"?
-  b.test.json:1:119: error: tests[0]: unknown key "note"; did you mean "name"?
   b.test.json:1:76: error: tests[0]: unknown key "vents"; did you mean "events"?
   b.test.json:1:97: error: tests[0].expect: unknown key "stats"; did you mean "states"?
   b.test.json:1:108: error: tests[0].expect.moves: expected an integer from 0 to 9223372036854775807
+  b.test.json:1:119: error: tests[0]: unknown key "note"; did you mean "name"?
+  b.test.json:1:127: error: unknown key "x"
   b.test.json:1:60: error: properties[0]: unknown key "can_rech"; did you mean "can_reach"?
   b.test.json:1:80: error: properties[1]: unknown key "x"
   b.test.json:1:103: error: properties[1].at_most: unknown key "triggrs"; did you mean "triggers"?
   b.test.json:1:114: error: properties[1].at_most.events: expected an integer from 1 to 9223372036854775807
   b.test.json:1:160: error: properties[2].trigger_only_if[0]: unknown key "operatr"; did you mean "operator"?
+  b.test.json:1:165: error: properties[2].trigger_only_if[1]: Invalid operand value type: . ("value_type" is missing); one of "string", "integer", "double"
+  b.test.json:1:165: error: properties[2].trigger_only_if[1]: Filter operand must be an object. ("operand1" is missing); an object is needed
+  b.test.json:1:165: error: properties[2].trigger_only_if[1]: Filter operand must be an object. ("operand2" is missing); an object is needed
   b.test.json:1:170: error: properties[2].trigger_only_if[1]: unknown key "x"
   b.test.json:1:183: error: properties[2].trigger_only_if[1].operator: Invalid operator string: ~.; one of "==", "!=", ">", "<", ">=", "<="
-  b.test.json:1:183: error: properties[2].trigger_only_if[1]: Invalid operand value type: . ("value_type" is missing); one of "string", "integer", "double"
-  b.test.json:1:183: error: properties[2].trigger_only_if[1]: Filter operand must be an object. ("operand1" is missing); an object is needed
-  b.test.json:1:183: error: properties[2].trigger_only_if[1]: Filter operand must be an object. ("operand2" is missing); an object is needed
   b.test.json:1:32: error: tests[0]: expected an object, got a number
   b.test.json:1:75: error: tests[0].seed: expected an integer from 0 to 4294967295
   b.test.json:1:76: error: tests[0].draws: there is no draw
@@ -375,11 +377,11 @@ What is not part of a test file is an error at its place.
   b.test.json:1:85: error: tests[0].context: unknown key "int"; did you mean "int64"?
   b.test.json:1:78: error: tests[0].context: int64.a: expected a signed 64-bit integer, got "b"
   b.test.json:1:54: error: tests[0].events[0]: event: unknown event "Tst"; did you mean "Test"?
-  b.test.json:1:101: error: tests[0].expect.log[0].message: expected a string, got null
   b.test.json:1:85: error: tests[0].expect.log[0].priority: unknown priority "inf"; did you mean "info"?
+  b.test.json:1:101: error: tests[0].expect.log[0].message: expected a string, got null
   b.test.json:1:73: error: tests[0].expect.log[0]: invalid UTF-8
-  b.test.json:1:91: error: tests[0].expect.states: expected the id of a configuration as key, got "7x"
   b.test.json:1:80: error: tests[0].expect.states: expected the id of a configuration as key, got "x"
+  b.test.json:1:91: error: tests[0].expect.states: expected the id of a configuration as key, got "7x"
   b.test.json:1:77: error: tests[1].name: there is another test "a"
   b.test.json:1:53: error: tests[0].events: absent: No such file or directory
   [2]

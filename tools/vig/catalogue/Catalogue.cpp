@@ -123,33 +123,28 @@ class Catalogue::Filling {
 };
 
 Catalogue Catalogue::builtIn() {
-    std::string problem;
-    return read(DocumentText("built-in", kBuiltIn), problem).value_or(Catalogue());
+    std::vector<std::string> errors;
+    return read(DocumentText("built-in", kBuiltIn), errors).value_or(Catalogue());
 }
 
-std::optional<Catalogue> Catalogue::read(const DocumentText& document, std::string& problem) {
-    problem = StrictJson::mistakeIn(document);
-    if (!problem.empty()) {
-        return std::nullopt;
-    }
+std::optional<Catalogue> Catalogue::read(const DocumentText& document, std::vector<std::string>& errors) {
     Catalogue catalogue;
-    std::vector<std::string> errors;
-    Filling(document, catalogue, errors).readAll(document.root());
-    if (!errors.empty()) {
-        problem = std::move(errors.front());
-        return std::nullopt;
+    errors = StrictJson::mistakesIn(document);
+    if (errors.empty()) {
+        Filling(document, catalogue, errors).readAll(document.root());
     }
-    return catalogue;
+    return errors.empty() ? std::optional(std::move(catalogue)) : std::nullopt;
 }
 
 std::optional<Catalogue> Catalogue::readFrom(const std::string& path, const Interruption& interruption,
-                                             std::string& problem) {
+                                             std::vector<std::string>& errors) {
+    std::string problem;
     std::optional<std::string> content = readFile(path, interruption, problem);
     if (!content) {
-        problem = "vig: error: " + path + ": " + problem;
+        errors = {"vig: error: " + path + ": " + problem};
         return std::nullopt;
     }
-    return read(DocumentText(path, std::move(*content)), problem);
+    return read(DocumentText(path, std::move(*content)), errors);
 }
 
 void Catalogue::learn(const EventRecord& record) {

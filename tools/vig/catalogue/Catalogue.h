@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "rulesengine/EventType.h"
 #include "tools/vig/document/DocumentText.h"
@@ -47,13 +48,13 @@ class Catalogue {
     static Catalogue builtIn();
 
     // Reads a document of the form of text(), which may also say that it extends the built-in one. Returns nothing,
-    // with "catalogue.json:3:14: error: …" in `problem`, if it is of another form.
-    static std::optional<Catalogue> read(const DocumentText& document, std::string& problem);
+    // with "catalogue.json:3:14: error: …" for each mistake in `errors`, if it is of another form.
+    static std::optional<Catalogue> read(const DocumentText& document, std::vector<std::string>& errors);
 
-    // Does the same with a file. If it cannot be read, `problem` says why. Returns nothing either if it was
+    // Does the same with a file. If it cannot be read, `errors` say why. Returns nothing either if it was
     // interrupted.
     static std::optional<Catalogue> readFrom(const std::string& path, const Interruption& interruption,
-                                             std::string& problem);
+                                             std::vector<std::string>& errors);
 
     // Adds the attributes that an event has, as far as they are not known, and their numbers.
     void learn(const EventRecord& record);

@@ -40,13 +40,15 @@ std::optional<int> loadCatalogue(const std::string& file, const Console& console
         catalogue = Catalogue::builtIn();
         return std::nullopt;
     }
-    std::string problem;
-    auto read = Catalogue::readFrom(file, interruption, problem);
+    std::vector<std::string> errors;
+    auto read = Catalogue::readFrom(file, interruption, errors);
     if (interruption.requested()) {
         return kExitInterrupted;
     }
     if (!read) {
-        console.say(problem);
+        for (const std::string& each : errors) {
+            console.say(each);
+        }
         return kExitUnusable;
     }
     catalogue = std::move(*read);

@@ -62,17 +62,21 @@ std::string_view kindName(const Json::Value& value) {
     }
 }
 
-std::string StrictJson::mistakeIn(const DocumentText& document) {
+std::vector<std::string> StrictJson::mistakesIn(const DocumentText& document) {
     const SourceText& source = document.source();
     // The strict reader must not be given what the other one refuses, such as text that is nested too deep.
     const std::string report = document.report() ? *document.report() : reportOf(source.text());
+    std::vector<std::string> messages;
     if (report.empty()) {
-        return {};
+        return messages;
     }
-    const auto mistakes = jsonMistakesIn(source, JsonDialect::Strict);
-    return mistakes.empty() ? messageOf(source, report)
-                            : messageAt(source, source.positionOf(mistakes.front().begin),
-                                        mistakes.front().message + "; " + mistakes.front().hint);
+    for (const JsonMistake& each : jsonMistakesIn(source, JsonDialect::Strict)) {
+        messages.push_back(messageAt(source, source.positionOf(each.begin), each.message + "; " + each.hint));
+    }
+    if (messages.empty()) {
+        messages.push_back(messageOf(source, report));
+    }
+    return messages;
 }
 
 bool StrictJson::hasMember(const Json::Value& object, const std::string& key, const std::string& path) {
@@ -90,17 +94,24 @@ void StrictJson::complain(const Json::Value& at, const std::string& path, const 
 
 void StrictJson::complain(const Place& place, const std::string& what) {
     const auto position = document.source().positionOf(place.begin);
-    add(fmt::format("{}:{}:{}: error: {}{}{}", document.source().name(), position.line, position.column,
-                    shortened(place.path, kMostShownOfMessage), place.path.empty() ? "" : ": ",
-                    shortened(what, kMostShownOfMessage)));
+    insert(place.begin, fmt::format("{}:{}:{}: error: {}{}{}", document.source().name(), position.line, position.column,
+                                    shortened(place.path, kMostShownOfMessage), place.path.empty() ? "" : ": ",
+                                    shortened(what, kMostShownOfMessage)));
 }
 
-void StrictJson::add(std::string mistake) {
+void StrictJson::add(const Json::Value& at, std::string mistake) {
+    insert(document.placeOf(at, "").begin, std::move(mistake));
+}
+
+void StrictJson::insert(std::size_t place, std::string mistake) {
     if (errors.size() == kMostShown) {
+        place = document.source().text().size();
         mistake = fmt::format("{}: error: has more mistakes than the {} shown", document.source().name(), kMostShown);
     }
     if (errors.size() <= kMostShown) {
-        errors.push_back(std::move(mistake));
+        const auto after = std::ranges::upper_bound(places, place);
+        errors.insert(errors.end() - (places.end() - after), std::move(mistake));
+        places.insert(after, place);
     }
 }
 

@@ -17,26 +17,26 @@ namespace Brenta::OS::VIG::Tool {
 std::string_view kindName(const Json::Value& value);
 
 // Reads values of a JSON text of which nothing may be ignored. What is wrong is collected as
-// "file:line:column: error: tests[0].seed: …", up to a hundred mistakes and a line that there are more. Nothing throws,
-// whatever a value is. `path` is always the JSON path of the value given.
+// "file:line:column: error: tests[0].seed: …" by place, up to a hundred mistakes and a line that there are more.
+// Nothing throws, whatever a value is. `path` is always the JSON path of the value given.
 class StrictJson {
   public:
     using Keys = std::vector<std::string_view>;
 
-    // Returns what a strict reader finds wrong with the text, where the library's own reader is lenient; empty if
-    // nothing.
-    static std::string mistakeIn(const DocumentText& document);
+    // Returns what a strict reader finds wrong with the text, where the library's own reader is lenient, by place.
+    static std::vector<std::string> mistakesIn(const DocumentText& document);
 
     // Both must outlive it. The values are those of the document.
-    StrictJson(const DocumentText& text, std::vector<std::string>& errors) : document(text), errors(errors) {}
+    StrictJson(const DocumentText& text, std::vector<std::string>& errors)
+        : document(text), errors(errors), places(errors.size()) {}
 
     void complain(const Json::Value& at, const std::string& path, const std::string& what);
 
     // Does the same for a place that is known.
     void complain(const Place& place, const std::string& what);
 
-    // Adds a mistake in another file that belongs to this one, with its place.
-    void add(std::string mistake);
+    // Adds a mistake in another file, which the value names.
+    void add(const Json::Value& at, std::string mistake);
 
     void complainOfKind(const Json::Value& json, const std::string& path, std::string_view expected);
 
@@ -75,9 +75,12 @@ class StrictJson {
     // A file that is not meant for the reader has as many mistakes as it has values.
     static constexpr std::size_t kMostShown = 100;
 
+    void insert(std::size_t place, std::string mistake);
+
     const DocumentText& document;
     std::vector<std::string>& errors;
-    std::set<std::string> misspelt;  // the paths of the members meant
+    std::vector<std::size_t> places;  // of the errors
+    std::set<std::string> misspelt;   // the paths of the members meant
 };
 
 }  // namespace Brenta::OS::VIG::Tool

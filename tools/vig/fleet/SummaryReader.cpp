@@ -321,8 +321,8 @@ class DiffSummaryParser : private NumberParser {
 };
 
 std::optional<AnySummary> read(const DocumentText& document, std::vector<std::string>& errors) {
-    if (std::string mistake = StrictJson::mistakeIn(document); !mistake.empty()) {
-        errors.push_back(std::move(mistake));
+    if (const auto mistakes = StrictJson::mistakesIn(document); !mistakes.empty()) {
+        errors.insert(errors.end(), mistakes.begin(), mistakes.end());
         return std::nullopt;
     }
     std::vector<std::string> problems;

@@ -229,7 +229,7 @@ class TestFileReader {
             events->push_back(record);
         }
         if (status == EventReader::Status::Failed) {
-            check.add(reader.error());
+            check.add(json, reader.error());
         }
         return events;
     }
@@ -478,12 +478,9 @@ std::optional<TestFile> readTestFile(const std::string& path, const Draws& draws
         return std::nullopt;
     }
     const DocumentText document(nameOfInput(path), std::move(*content));
-    std::vector<std::string> ofFile;
-    if (std::string mistake = StrictJson::mistakeIn(document); !mistake.empty()) {
-        ofFile.push_back(std::move(mistake));
-    }
+    std::vector<std::string> ofFile = StrictJson::mistakesIn(document);
     if (document.report()) {
-        errors.push_back(std::move(ofFile.front()));
+        errors.insert(errors.end(), ofFile.begin(), ofFile.end());
         return std::nullopt;
     }
     TestFile file = TestFileReader(document, draws, interruption, ofFile).read();
