@@ -25,6 +25,7 @@ What stands in the place of JSON is named, with the mend. A line is what is edit
   > s/7/yes/
   > s/7/${ID}/
   > s/7/{{ id }}/
+  > s/"data": {/&{/
   > s/7/<id>/
   > s/7/0x1F/
   > s/7/.5/
@@ -100,6 +101,7 @@ What stands in the place of JSON is named, with the mend. A line is what is edit
   1:24 yes is no value of JSON [InvalidJson]: write true, or "yes" if a text is meant
   1:24 ${ID} is a placeholder that was not filled in [InvalidJson]: write the value in its place
   1:24 {{ id }} is a placeholder that was not filled in [InvalidJson]: write the value in its place
+  1:58 this "{" is one too many [InvalidJson]: remove it
   1:24 <id> is a placeholder that was not filled in [InvalidJson]: write the value in its place
   1:24 0x1F is not written as JSON writes numbers [InvalidJson]: write 31
   1:24 .5 is not written as JSON writes numbers [InvalidJson]: write 0.5

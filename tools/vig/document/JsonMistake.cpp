@@ -395,12 +395,22 @@ class JsonSearch {
         } else if (expected() == Expected::Colon || !isInObject) {
             takeUnseparated(token);
         } else if (last.kind == '{' && last.end == token.begin && token.kind == '{') {
-            tellPlaceholder(last.begin);
+            tellDoubledBrace(token);
         } else if (last.kind == 'v' && shown(last) == "-") {
             tellStray(last);
             scanner.hasEnded = true;
         } else {
             takeOpeningForKey(token);
+        }
+    }
+
+    // It begins a placeholder if that ends on its line; otherwise the object behind it is meant.
+    void tellDoubledBrace(const JsonToken& token) {
+        if (scanner.restOfLine(token.end).find("}}") != std::string_view::npos) {
+            tellPlaceholder(last.begin);
+        } else {
+            tell("bracket", token.begin, token.end, "this \"{\" is one too many", "remove it");
+            scanner.hasEnded = true;
         }
     }
 
