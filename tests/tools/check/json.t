@@ -96,7 +96,7 @@ What stands in the place of JSON is named, with the mend. A line is what is edit
   1:25 \ud800 is the first half of a character [InvalidJson]: write its second half behind it, or the character itself
   1:24 the text app server lacks its quotes [InvalidJson]: write "app server"
   1:24 True is written in small letters [InvalidJson]: write true
-  1:24 None is no value of JSON [InvalidJson]: write null, or "None" if a text is meant
+  1:24 None is no value of JSON [InvalidJson]: JSON has numbers, texts in quotes, true, false and null
   1:24 NaN is no number of JSON [InvalidJson]: write a number, or leave it out
   1:24 yes is no value of JSON [InvalidJson]: write true, or "yes" if a text is meant
   1:24 ${ID} is a placeholder that was not filled in [InvalidJson]: write the value in its place

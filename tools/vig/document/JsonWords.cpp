@@ -188,7 +188,7 @@ WordMistake valueMistake(std::string_view word) {
         return {shown + " is written in small letters", "write " + lower};
     }
     if (isOneOf(lower, {"none", "nil", "undefined"})) {
-        return {shown + " is no value of JSON", "write null, or " + quoted(word) + " if a text is meant"};
+        return {shown + " is no value of JSON", "JSON has numbers, texts in quotes, true, false and null"};
     }
     if (isOneOf(lower, {"nan", "-nan", "inf", "-inf", "+inf", "infinity", "-infinity", "+infinity"})) {
         return {shown + " is no number of JSON", "write a number, or leave it out"};
