@@ -70,6 +70,7 @@ What stands in the place of JSON is named, with the mend. A line is what is edit
   > s/ \]/ ] ]/
   > s/\[\].*//
   > s/\[\].*/"end/
+  > s/\[\].*/"end”/
   > s/ "id"/ { "id"/
   > s/{/{ "a": 1, {/
   > s/^/configs: /
@@ -146,6 +147,7 @@ What stands in the place of JSON is named, with the mend. A line is what is edit
   2:29 this "]" is one too many [InvalidJson]: remove it
   2:17 the text ends, and the "{" of "data" in line 1, column 57 is still open, and 4 more around it [InvalidJson]: write }}}]} at the end
   2:18 the text that begins here is not closed [InvalidJson]: write " where it ends
+  2:22 a text ends with " (U+0022), and not with \xe2\x80\x9d (U+201D) [InvalidJson]: write "end" (esc)
   1:18 the "{" in line 1, column 16 is not closed before this one [InvalidJson]: write "}" before it, or where it is missing further up
   1:11 "{" stands where a key should, in the "{" in line 1, column 1 [InvalidJson]: write the key and ":" before it; a list of objects stands in [ ]
   1:1 the file looks like YAML [InvalidJson]: write it as JSON, which begins with "{"

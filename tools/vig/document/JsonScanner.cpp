@@ -115,10 +115,20 @@ void JsonScanner::takeText(JsonToken& token) {
 }
 
 void JsonScanner::tellUnclosed(const JsonToken& token) {
-    const std::size_t length = restOfLine(token.begin).find_last_not_of(kWhiteSpace) + 1;
+    hasEnded = true;
+    const std::string_view line = restOfLine(token.begin);
+    for (std::size_t end = 1; end < line.size(); end += firstCharacter(line.substr(end)).length) {
+        const auto [code, size] = firstCharacter(line.substr(end));
+        if (code != '"' && lookAlike(code) == '"') {
+            mistakes.tell("quotes", token.begin + end, token.begin + end + size,
+                          "a text ends with \" (U+0022), and not with " + characterName(line.substr(end)),
+                          "write " + shownQuoted(line.substr(1, end - 1)));
+            return;
+        }
+    }
+    const std::size_t length = line.find_last_not_of(kWhiteSpace) + 1;
     mistakes.tell("unclosed", token.begin, token.begin + length, "the text that begins here is not closed",
                   "write \" where it ends");
-    hasEnded = true;
 }
 
 // A text ends at a quote of the same kind, on the same line. Where another one ends it, it may be that of the next
