@@ -119,6 +119,9 @@ void JsonScanner::tellUnclosed(const JsonToken& token) {
     const std::string_view line = restOfLine(token.begin);
     for (std::size_t end = 1; end < line.size(); end += firstCharacter(line.substr(end)).length) {
         const auto [code, size] = firstCharacter(line.substr(end));
+        if (std::string_view(",:{}[]").find(line[end]) != std::string_view::npos) {
+            break;  // the quote behind it may belong to another text
+        }
         if (code != '"' && lookAlike(code) == '"') {
             mistakes.tell("quotes", token.begin + end, token.begin + end + size,
                           "a text ends with \" (U+0022), and not with " + characterName(line.substr(end)),
