@@ -359,11 +359,11 @@ What is not part of a test file is an error at its place.
   b.test.json:1:103: error: properties[1].at_most: unknown key "triggrs"; did you mean "triggers"?
   b.test.json:1:114: error: properties[1].at_most.events: expected an integer from 1 to 9223372036854775807
   b.test.json:1:160: error: properties[2].trigger_only_if[0]: unknown key "operatr"; did you mean "operator"?
-  b.test.json:1:165: error: properties[2].trigger_only_if[1]: Invalid operand value type: . ("value_type" is missing); one of "string", "integer", "double"
-  b.test.json:1:165: error: properties[2].trigger_only_if[1]: Filter operand must be an object. ("operand1" is missing); an object is needed
-  b.test.json:1:165: error: properties[2].trigger_only_if[1]: Filter operand must be an object. ("operand2" is missing); an object is needed
   b.test.json:1:170: error: properties[2].trigger_only_if[1]: unknown key "x"
   b.test.json:1:183: error: properties[2].trigger_only_if[1].operator: Invalid operator string: ~.; one of "==", "!=", ">", "<", ">=", "<="
+  b.test.json:1:183: error: properties[2].trigger_only_if[1]: Invalid operand value type: . ("value_type" is missing); one of "string", "integer", "double"
+  b.test.json:1:183: error: properties[2].trigger_only_if[1]: Filter operand must be an object. ("operand1" is missing); an object is needed
+  b.test.json:1:183: error: properties[2].trigger_only_if[1]: Filter operand must be an object. ("operand2" is missing); an object is needed
   b.test.json:1:32: error: tests[0]: expected an object, got a number
   b.test.json:1:75: error: tests[0].seed: expected an integer from 0 to 4294967295
   b.test.json:1:76: error: tests[0].draws: there is no draw
