@@ -224,9 +224,9 @@ What is not part of a property is an error at its place.
   b.test.json:1:35: error: properties[0]: expected exactly one of "trigger_only_if", "between_triggers", "at_most", "can_reach", "cannot_reach"
   b.test.json:1:35: error: properties[0]: expected exactly one of "trigger_only_if", "between_triggers", "at_most", "can_reach", "cannot_reach"
   b.test.json:1:56: error: properties[0]: unknown key "at_mst"; did you mean "at_most"?
-  b.test.json:1:76: error: properties[0].at_most: unknown key "most"
   b.test.json:1:57: error: properties[0].at_most: "triggers" is missing
   b.test.json:1:67: error: properties[0].at_most.events: expected an integer from 1 to 9223372036854775807
+  b.test.json:1:76: error: properties[0].at_most: unknown key "most"
   b.test.json:1:69: error: properties[0].at_most.triggers: expected an integer from 0 to 9223372036854775807
   b.test.json:1:81: error: properties[0].at_most.events: expected an integer from 1 to 9223372036854775807
   b.test.json:1:59: error: properties[0].can_reach: there is no state
@@ -236,14 +236,14 @@ What is not part of a property is an error at its place.
   b.test.json:1:119: error: properties[1].config: expected an integer from -9223372036854775808 to 9223372036854775807
   b.test.json:1:65: error: properties[0].trigger_only_if: there is no filter
   b.test.json:1:66: error: properties[0].trigger_only_if[0]: expected an object, got a number
-  b.test.json:1:76: error: properties[0].between_triggers[0].event: unknown event "Tst"; did you mean "Test"?
   b.test.json:1:67: error: properties[0].between_triggers[0]: Invalid filter JSON: {"event":"Tst"} ("operator" is missing); one of "==", "!=", ">", "<", ">=", "<="
   b.test.json:1:67: error: properties[0].between_triggers[0]: Invalid operand value type: . ("value_type" is missing); one of "string", "integer", "double"
   b.test.json:1:67: error: properties[0].between_triggers[0]: Filter operand must be an object. ("operand1" is missing); an object is needed
   b.test.json:1:67: error: properties[0].between_triggers[0]: Filter operand must be an object. ("operand2" is missing); an object is needed
-  b.test.json:1:194: error: properties[0].between_triggers[0].operand2: unknown key "of"
+  b.test.json:1:76: error: properties[0].between_triggers[0].event: unknown event "Tst"; did you mean "Test"?
   b.test.json:1:79: error: properties[0].between_triggers[0].operator: Invalid operator string: =.; write "==": one of "==", "!=", ">", "<", ">=", "<="
   b.test.json:1:144: error: properties[0].between_triggers[0].operand1.value: Invalid constant of value type integer: x.; a whole number within the range is needed, such as "80"
+  b.test.json:1:194: error: properties[0].between_triggers[0].operand2: unknown key "of"
   b.test.json:1:116: error: properties[0].between_triggers[0].operand1: the filter of a property has no function
   [2]
   $ echo '{"rules":"bad.json"}' >b.test.json; vig test b.test.json
