@@ -313,6 +313,7 @@ Types of operands, units, and what cannot be seen.
   > start \u00a0a Test; \u00a0a b\ufeff Test || Test; b\ufeff c\u200d Test; c\u200d d\u2764\ufe0f Test; d\u2764\ufe0f e\u200df\u200b Test; e\u200df\u200b g\u00adh Test; g\u00adh i\tj Test; i\tj end Test
   > $memory | string processName\u3000 == =a\t & string processName != =\u2009 & string processName >= =a\u00a0 & integer \u200bpid > =7
   > start a ProcessMemoryHeartBeat | integer vmRssKB > =204800 & integer vmSwapKB < =15360 $collect; a start ProcessMemoryHeartBeat | integer vmRssKB < =200 & integer vmSwapKB > =15
+  > $memory | integer vmRssKB > =204800 & integer vmRssKB > =200MB
   > start col\u200b Test; col end Test
   > start a\u200b ProcessMemoryHeartBeat | $big; start a ProcessMemoryHeartBeat; a end Test
   > EOF
@@ -326,8 +327,9 @@ Types of operands, units, and what cannot be seen.
   7: invisible-character [0].to_state, invisible-character [1].from_state, invisible-character [1].to_state, invisible-character [2].from_state, invisible-character [2].to_state, invisible-character [3].from_state, invisible-character [4].to_state, invisible-character [5].from_state, invisible-character [5].to_state, invisible-character [6].from_state, invisible-character [6].to_state, invisible-character [7].from_state
   8: invisible-character [0].filters[0].left, invisible-character [0].filters[0].right, invisible-character [0].filters[1].right, invisible-character [0].filters[3].left
   9: wrong-unit [1].filters[0].right
-  10: invisible-character [0].to_state
+  10: number-text [0].filters[1].right
   11: invisible-character [0].to_state
+  12: invisible-character [0].to_state
   $ cat >events.jsonl <<'EOF'
   > {"event":"ProcessMemoryHeartBeat","int64":{"vmRssKB":8000,"vmSwapKB":0},"double":{"aMs":40.5},"string":{"processName":"a"}}
   > {"event":"ProcessMemoryHeartBeat","int64":{"vmRssKB":400000,"vmSwapKB":20},"double":{"aMs":2000},"string":{"processName":"a"}}

@@ -127,14 +127,16 @@ class UnitJudge {
     std::vector<Finding>& found;
 };
 
-// Calls `visit` with each filter that compares an attribute of a known unit with a number.
+// Calls `visit` with each filter that compares an attribute of a known unit with a number. What is not read to its end
+// is told elsewhere, with what may be meant.
 void forEachLimit(const ConfigModel& config, const auto& visit) {
     for (const TransitionModel& transition : config.transitions) {
         for (const FilterModel& filter : transition.filters) {
             const NormalFilter normal = normalFormOf(filter);
             const Unit* const unit = unitOf(normal.left.operand.value);
+            const std::string& number = normal.right.operand.value;
             if (filter.valueType != FilterValueType::String && isAttribute(normal.left) && isConstant(normal.right) &&
-                unit != nullptr) {
+                unit != nullptr && readNumber<double>(number).length == number.size()) {
                 visit(filter, transition, normal, *unit);
             }
         }
