@@ -244,3 +244,21 @@ A long line takes no longer than other texts of its size, whatever stands in it.
   1 error in 1 file
   1 error in 1 file
   4 errors in 1 file
+
+A mark stays under its place behind characters of no width and of two, and where a line is cut; a quote inside of a key
+is blamed.
+
+  $ printf '{"a\xcc\x81\xe4\xb8\xad": 1, x: 2}' >rules.json; vig check rules.json | sed -n 2,3p
+      {"a\xcc\x81\xe4\xb8\xad": 1, x: 2} (esc)
+                 ^
+  $ printf '{"%s": x}' "$(printf 'e\xcc\x81%.0s' {1..80})" >rules.json; vig check rules.json | sed -n 2,3p
+      \xe2\x80\xa6e\xcc\x81e\xcc\x81e\xcc\x81e\xcc\x81e\xcc\x81e\xcc\x81e\xcc\x81e\xcc\x81e\xcc\x81e\xcc\x81e\xcc\x81e\xcc\x81e\xcc\x81": x} (esc)
+                       ^
+  $ printf '{"a"b": 1}' >rules.json; vig check rules.json
+  rules.json:1:4: error: the text ends at this quote, and goes on behind it [InvalidJson]
+      {"a"b": 1}
+         ^
+      hint: write \" for a quote inside of a text, or a comma between two texts
+  1 error in 1 file
+  [1]
+

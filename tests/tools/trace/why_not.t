@@ -140,3 +140,13 @@ anything runs.
   two.json: error: there is no transition "transitions[1]"; did you mean "transitions[0]"? There are:
     transitions[0]  start -> end on Test
   [2]
+
+An equal number misses `!=` by the least there is.
+
+  $ document_of "$(transition start end Test "$(filters 'integer pid != =3' 'integer pid != =8')")" >other.json
+  $ vig run other.json events.jsonl --why-not 'transitions[0]' | grep -A1 stopped
+          1     stopped by pid != 3
+                  nearest 3 != 3 (off by 1) in event 1
+          1     stopped by pid != 8
+                  nearest 8 != 8 (off by 1) in event 2 at 9 ms
+
