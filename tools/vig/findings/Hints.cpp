@@ -1,5 +1,7 @@
 #include "tools/vig/findings/Hints.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <cstddef>
 
@@ -147,7 +149,7 @@ std::string nestingHint(const Shape::Member& missing, const Json::Value& piece) 
         const Shape::Member* next = nullptr;
         for (const Shape::Member& each : member->inside->members) {
             if (each.inside != nullptr && piece.isMember(std::string(each.key))) {
-                return "put " + around + " …" + closing + " around " + quoted(each.key);
+                return fmt::format("put {} …{} around {}", around, closing, quoted(each.key));
             }
             next = each.inside != nullptr ? &each : next;
         }

@@ -354,7 +354,7 @@ class Init {
              {std::pair(rules, documentOf(sketch)), std::pair(tests, testsOf(sketch, name))}) {
             if (const std::string problem = replaceFile(path, text); !problem.empty()) {
                 out.flush();
-                console.complain(path + ": " + problem);
+                console.complain(fmt::format("{}: {}", path, problem));
                 return kExitUnusable;
             }
             out.write(fmt::format("wrote  {}\n", printable(path)));

@@ -179,6 +179,7 @@ std::string readAttribute(const std::string& text, Sketch& sketch) {
     const auto other = std::ranges::find(others, text, &Watchable::name);
     if (other == others.end()) {
         std::vector<std::string_view> names;
+        names.reserve(all.size());
         for (const Watchable& each : all) {
             names.push_back(each.name);
         }
@@ -221,7 +222,7 @@ std::string readTimes(const std::string& text, Sketch& sketch) {
 
 std::string readRelease(const std::string& text, Sketch& sketch) {
     Decimal number;
-    const std::string problem = readNumber(text, sketch, number);
+    std::string problem = readNumber(text, sketch, number);
     if (problem.empty() && number > sketch.limit) {
         return fmt::format("expected a release limit that is not above the limit, which is {}{}", sketch.limit.text(),
                            got(text));
@@ -232,7 +233,7 @@ std::string readRelease(const std::string& text, Sketch& sketch) {
 
 std::string readSecond(const std::string& text, Sketch& sketch) {
     Decimal number;
-    const std::string problem = readNumber(text, sketch, number);
+    std::string problem = readNumber(text, sketch, number);
     if (problem.empty() && number <= sketch.limit) {
         return fmt::format("expected a second limit that is above the first one, which is {}{}", sketch.limit.text(),
                            got(text));
