@@ -1,17 +1,5 @@
 What it can write is listed, with examples that it writes; they are formatted as the examples are.
 
-  $ vig init --list
-  over a budget  one action, when the attribute is above the limit for the first time
-                 vig init --attribute vmRssKB --process camera --limit 200MB
-  debounce       only when it is so several times in a row, not at a short peak
-                 vig init --attribute vmRssKB --process camera --limit 200MB --times 3
-  hysteresis     again each time, once it has been down to a release limit
-                 vig init --attribute vmRssKB --process camera --limit 200MB --release 140MB
-  sampled        on a share of the devices, which each of them draws when it starts
-                 vig init --attribute vmRssKB --process camera --limit 200MB --share 10%
-  escalation     once more, when it goes on growing
-                 vig init --attribute vmRssKB --process camera --limit 200MB --release 140MB --second-limit 1GB
-  All of these go together.
   $ vig init --list | grep -o 'vig init.*' | while read -r command; do eval "$command --force" </dev/null | sed -n 's/^rules  //p'; done
   TriggerVelora when vmRssKB of camera is above 204800 kB; never anew
   TriggerVelora when vmRssKB of camera is above 204800 kB 3 times in a row; never anew

@@ -122,9 +122,12 @@ class Catalogue::Filling {
     Catalogue& catalogue;
 };
 
-Catalogue Catalogue::builtIn() {
-    std::vector<std::string> errors;
-    return read(DocumentText("built-in", kBuiltIn), errors).value_or(Catalogue());
+const Catalogue& Catalogue::builtIn() {
+    static const Catalogue kMade = [] {
+        std::vector<std::string> errors;
+        return read(DocumentText("built-in", kBuiltIn), errors).value_or(Catalogue());
+    }();
+    return kMade;
 }
 
 std::optional<Catalogue> Catalogue::read(const DocumentText& document, std::vector<std::string>& errors) {

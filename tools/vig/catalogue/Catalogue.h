@@ -44,8 +44,9 @@ using CataloguedAttributes = std::map<std::string, KindSet, std::less<>>;
 // It says which attributes the events of each type have, and which the machines' contexts have.
 class Catalogue {
   public:
-    // It has what `vig watch` produces, which includes what the library's actions read. Its context is empty.
-    static Catalogue builtIn();
+    // It has what `vig watch` produces, which includes what the library's actions read. Its context is empty. It is
+    // made once, and any thread may use it.
+    static const Catalogue& builtIn();
 
     // Reads a document of the form of text(), which may also say that it extends the built-in one. Returns nothing,
     // with "catalogue.json:3:14: error: …" for each mistake in `errors`, if it is of another form.

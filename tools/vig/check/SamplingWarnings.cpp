@@ -192,7 +192,8 @@ class SamplingJudge {
 
     std::vector<Draws> leastDraws(const std::vector<bool>& isChoosing) const {
         std::vector<Draws> result(behaviour.stateCount());
-        const auto reached = statesFromStart();
+        std::vector<bool> reached(behaviour.stateCount());
+        follow(behaviour, outgoing, Behaviour::kStart, reached);
         std::vector<std::vector<std::size_t>> levels(1);  // states by the count
         const auto arrive = [&](std::size_t state, std::size_t count, std::size_t last) {
             Draws& draws = result[state];
@@ -220,22 +221,6 @@ class SamplingJudge {
             }
         }
         return result;
-    }
-
-    std::vector<bool> statesFromStart() const {
-        std::vector<bool> reached(behaviour.stateCount());
-        std::vector<std::size_t> waiting = {Behaviour::kStart};
-        while (!waiting.empty()) {
-            const std::size_t state = waiting.back();
-            waiting.pop_back();
-            if (!reached[state]) {
-                reached[state] = true;
-                for (const std::size_t each : outgoing[state]) {
-                    waiting.push_back(behaviour.to(each));
-                }
-            }
-        }
-        return reached;
     }
 
     void warnOfRepeat(std::size_t index, const Draws& before, double share) {

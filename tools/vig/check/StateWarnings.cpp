@@ -33,16 +33,7 @@ class StateJudge {
             ++uses[behaviour.from(index)];
             ++uses[behaviour.to(index)];
         }
-        std::vector<std::size_t> waiting = {Behaviour::kStart};
-        while (!waiting.empty()) {
-            const std::size_t state = waiting.back();
-            waiting.pop_back();
-            if (!isChained[state]) {
-                isChained[state] = true;
-                std::ranges::transform(outgoing[state], std::back_inserter(waiting),
-                                       [&](std::size_t each) { return behaviour.to(each); });
-            }
-        }
+        follow(behaviour, outgoing, Behaviour::kStart, isChained);
     }
 
     // Each state is named once, at its first transition. Of those that are lost with one before them only some are
@@ -166,7 +157,7 @@ class StateJudge {
                 continue;
             }
             if (auto others = nearOnes(state, [&](std::size_t each) { return isChained[each]; }); !others.empty()) {
-                follow(state, isBehind);
+                follow(behaviour, outgoing, state, isBehind);
                 spellings.push_back({state, std::move(others)});
             }
         }
@@ -175,20 +166,6 @@ class StateJudge {
             done[state] = done[state] || (isBehind[state] && !isChained[state] && !isMisspelt);
         }
         return spellings;
-    }
-
-    // Marks the states to which transitions lead from there.
-    void follow(std::size_t from, std::vector<bool>& isBehind) const {
-        std::vector<std::size_t> waiting = {from};
-        while (!waiting.empty()) {
-            const std::size_t state = waiting.back();
-            waiting.pop_back();
-            if (!isBehind[state]) {
-                isBehind[state] = true;
-                std::ranges::transform(outgoing[state], std::back_inserter(waiting),
-                                       [&](std::size_t each) { return behaviour.to(each); });
-            }
-        }
     }
 
     // Returns the states whose names are seen as the same, or else those with names that are near, those first that

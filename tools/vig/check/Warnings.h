@@ -128,6 +128,23 @@ inline void takeOutAt(const Place& place, std::size_t since, std::vector<Finding
     found.erase(std::remove_if(found.begin() + static_cast<std::ptrdiff_t>(since), found.end(), isThere), found.end());
 }
 
+// Marks the states to which chains of transitions lead from one; `outgoing` has the transitions by the state they
+// leave.
+inline void follow(const Behaviour& behaviour, const std::vector<std::vector<std::size_t>>& outgoing, std::size_t from,
+                   std::vector<bool>& isBehind) {
+    std::vector<std::size_t> waiting = {from};
+    while (!waiting.empty()) {
+        const std::size_t state = waiting.back();
+        waiting.pop_back();
+        if (!isBehind[state]) {
+            isBehind[state] = true;
+            for (const std::size_t each : outgoing[state]) {
+                waiting.push_back(behaviour.to(each));
+            }
+        }
+    }
+}
+
 // Returns what suggestion() gives, standing alone.
 inline std::string asHint(const std::string& suggested) {
     return suggested.empty() ? suggested : suggested.substr(suggested.find_first_not_of("; "));

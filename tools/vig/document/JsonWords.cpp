@@ -62,13 +62,6 @@ bool hasFormOfNumber(std::string_view word) {
     return word.empty();
 }
 
-std::string inLowerCase(std::string_view text) {
-    std::string result(text);
-    std::ranges::transform(result, result.begin(),
-                           [](char each) { return each >= 'A' && each <= 'Z' ? static_cast<char>(each + 32) : each; });
-    return result;
-}
-
 bool isOneOf(std::string_view word, std::initializer_list<std::string_view> words) {
     return std::ranges::find(words, word) != words.end();
 }

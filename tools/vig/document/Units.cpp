@@ -8,6 +8,8 @@
 #include <span>
 #include <string>
 
+#include "tools/vig/words/Text.h"
+
 namespace Brenta::OS::VIG::Tool {
 
 namespace {
@@ -80,9 +82,7 @@ const Unit* unitOf(std::string_view attribute) {
 }
 
 const Unit* unitNamed(std::string_view name, Quantity quantity) {
-    std::string lower(name);
-    std::ranges::transform(lower, lower.begin(),
-                           [](char each) { return each >= 'A' && each <= 'Z' ? static_cast<char>(each + 32) : each; });
+    const std::string lower = inLowerCase(name);
     const auto* const found = std::ranges::find_if(
         kSuffixes, [&](const Suffix& each) { return each.text == lower && each.unit.quantity == quantity; });
     return found == std::end(kSuffixes) ? nullptr : &found->unit;

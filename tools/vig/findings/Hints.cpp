@@ -32,12 +32,6 @@ constexpr Meant kMeantTypes[] = {{"int", "integer"},    {"int32", "integer"}, {"
                                  {"long", "integer"},   {"float", "double"},  {"real", "double"},
                                  {"decimal", "double"}, {"str", "string"},    {"text", "string"}};
 
-// It is made once: there may be thousands of errors.
-const Catalogue& builtInCatalogue() {
-    static const Catalogue kCatalogue = Catalogue::builtIn();
-    return kCatalogue;
-}
-
 // Returns the beginning of a hint.
 std::string firstMeant(std::string_view given, std::span<const Meant> table) {
     const auto found = std::ranges::find(table, given, &Meant::written);
@@ -169,7 +163,7 @@ std::string rootHint(const Json::Value& root) {
 
 std::string eventHint(const VIGParserConfig& registry, std::string_view name,
                       const std::vector<std::string>& attributes) {
-    const Catalogue& catalogue = builtInCatalogue();
+    const Catalogue& catalogue = Catalogue::builtIn();
     std::vector<std::string_view> names = namesIn(registry.getEventTypes());
     std::stable_partition(names.begin(), names.end(), [&](std::string_view each) {
         const auto type = kEventTypeNames.reverseLookup(std::string(each));
@@ -215,7 +209,7 @@ std::vector<std::string_view> functionNames(const VIGParserConfig& registry, Fil
 }
 
 std::string operandTypeHint(const VIGParserConfig& registry, FilterOperand::Type given, const std::string& value) {
-    const Catalogue& catalogue = builtInCatalogue();
+    const Catalogue& catalogue = Catalogue::builtIn();
     const auto isAttribute = [&](const auto& pair) {
         const CataloguedAttributes* const known = catalogue.find(pair.first);
         return known != nullptr && known->contains(value);

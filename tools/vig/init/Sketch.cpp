@@ -33,16 +33,11 @@ struct Watchable {
     AttributeKind kind;
 };
 
-const Catalogue& catalogue() {
-    static const Catalogue kBuiltIn = Catalogue::builtIn();
-    return kBuiltIn;
-}
-
 // Returns all attributes that the tool knows, type by type.
 std::vector<Watchable> allAttributes() {
     std::vector<Watchable> all;
     for (const auto& [type, typeName] : kEventTypeNames.pairs) {
-        const CataloguedAttributes* const known = catalogue().find(type);
+        const CataloguedAttributes* const known = Catalogue::builtIn().find(type);
         for (const auto& [name, kinds] : known != nullptr ? *known : CataloguedAttributes()) {
             for (std::size_t kind = 0; kind < kKindNames.size(); ++kind) {
                 if (kinds.has(static_cast<AttributeKind>(kind))) {
@@ -143,7 +138,7 @@ std::string watchableAttributes() {
 }
 
 bool isOfProcess(const Sketch& sketch) {
-    return catalogue().promises(sketch.event, kProcessName, AttributeKind::String);
+    return Catalogue::builtIn().promises(sketch.event, kProcessName, AttributeKind::String);
 }
 
 std::string_view unitOf(const Sketch& sketch) {
@@ -156,7 +151,7 @@ std::vector<std::string_view> actionsFor(const Sketch& sketch) {
     for (const bool collects : {true, false}) {
         for (const KnownAction& each : kActions) {
             const auto hasNeed = [&](const ActionNeed& need) {
-                return catalogue().promises(sketch.event, need.attribute, need.kind);
+                return Catalogue::builtIn().promises(sketch.event, need.attribute, need.kind);
             };
             if (each.startsCollection == collects && std::ranges::all_of(each.needs, hasNeed)) {
                 names.push_back(each.name);

@@ -38,12 +38,17 @@ class Explanations final : public Trace {
     }
 
     void step(const Step& step) override {
-        const bool isHighlight = highlights.has(step);
-        if (!selection.has(step.machine.index)) {
+        // The one needs all steps, and so does the other, but only if they are asked for.
+        const bool isHighlight = options.explain == Explain::Highlights && highlights.has(step);
+        const bool isSelected = selection.has(step.machine.index);
+        if (options.whyNot && isSelected) {
+            tally.step(step);
+        } else if (options.whyNot) {
             tally.pass(step);
+        }
+        if (!isSelected) {
             return;
         }
-        tally.step(step);
         const bool tellsAll = options.explain == Explain::All || options.format != ReportFormat::Text;
         if (options.explain != Explain::Nothing && (isHighlight || tellsAll)) {
             report.explain(step);

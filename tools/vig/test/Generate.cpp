@@ -208,7 +208,7 @@ class GoalFinder {
 
     const AttributeSet context;
     const VIGParserConfig registry = libraryRegistry();
-    const Catalogue catalogue = Catalogue::builtIn();
+    const Catalogue& catalogue = Catalogue::builtIn();
     Effort effort;
     const Surroundings surroundings{registry, catalogue, context, effort};
     const DocumentModel document;

@@ -537,7 +537,7 @@ class MutantHunt {
     MutantMachines machines;
 
     std::vector<AttributeSet> contexts;  // the empty one, and those of the tests
-    const Catalogue catalogue = Catalogue::builtIn();
+    const Catalogue& catalogue = Catalogue::builtIn();
     Effort effort;
     std::deque<Surroundings> surroundings;
     std::map<std::pair<std::size_t, std::size_t>, std::unique_ptr<Differ>> differs;  // by machine and context

@@ -397,7 +397,7 @@ TestOutcome checkProperty(const std::string& rules, const Property& property, co
     std::size_t machine = 0;
     {
         const VIGParserConfig registry = libraryRegistry();
-        const Catalogue catalogue = Catalogue::builtIn();
+        const Catalogue& catalogue = Catalogue::builtIn();
         Effort effort{.interruption = &interruption};
         const DocumentModel document({}, std::move(text));
         Rehearsal rehearsal(document.configs, property.context);

@@ -100,11 +100,6 @@ std::optional<std::size_t> repetition(std::string_view text) {
     return error == std::errc() ? std::optional(times) : std::nullopt;
 }
 
-const Catalogue& catalogue() {
-    static const Catalogue kBuiltIn = Catalogue::builtIn();
-    return kBuiltIn;
-}
-
 // Reads the attributes of one series.
 class AttributeReader {
   public:
@@ -138,18 +133,18 @@ class AttributeReader {
 
     void readKnown(const Json::Value& json, const std::string& name, const std::string& path, EventType type) {
         for (std::size_t kind = 0; kind < kKindNames.size(); ++kind) {
-            if (catalogue().promises(type, name, static_cast<AttributeKind>(kind))) {
+            if (Catalogue::builtIn().promises(type, name, static_cast<AttributeKind>(kind))) {
                 return add(json, {name, static_cast<AttributeKind>(kind), document.placeOf(json, path)});
             }
         }
         StrictJson::Keys names(std::begin(kOwnKeys), std::end(kOwnKeys));
-        if (const CataloguedAttributes* const known = catalogue().find(type)) {
+        if (const CataloguedAttributes* const known = Catalogue::builtIn().find(type)) {
             for (const auto& [each, kinds] : *known) {
                 names.push_back(each);
             }
         }
         std::string mend = suggestion(name, names);
-        if (const auto other = catalogue().eventWith(name); other && mend.empty()) {
+        if (const auto other = Catalogue::builtIn().eventWith(name); other && mend.empty()) {
             mend = fmt::format("; {} events have it", *other);
         }
         if (mend.empty()) {
@@ -303,7 +298,7 @@ void addNeeds(std::vector<Attribute>& attributes, EventType type) {
         for (const ActionNeed& need : action.needs) {
             const bool isThere = std::ranges::count(attributes, need.attribute, &Attribute::name) > 0;
             const auto zero = need.kind == AttributeKind::String ? std::nullopt : valueOf(need.kind, "0");
-            if (zero && !isThere && catalogue().promises(type, need.attribute, need.kind)) {
+            if (zero && !isThere && Catalogue::builtIn().promises(type, need.attribute, need.kind)) {
                 attributes.push_back({std::string(need.attribute), need.kind, {}, {{*zero, 1}}, 1});
             }
         }

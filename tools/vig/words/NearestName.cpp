@@ -60,12 +60,8 @@ std::size_t editDistance(std::string_view left, std::string_view right, std::siz
 
 // Returns the name without what people mistake most: capital letters and the marks between words.
 std::string folded(std::string_view name) {
-    std::string result;
-    for (const char each : name) {
-        if (each != '_' && each != '-' && each != ' ') {
-            result += each >= 'A' && each <= 'Z' ? static_cast<char>(each + 32) : each;
-        }
-    }
+    std::string result = inLowerCase(name);
+    std::erase_if(result, [](char each) { return each == '_' || each == '-' || each == ' '; });
     return result;
 }
 

@@ -123,6 +123,13 @@ std::vector<std::string> printableLines(std::string_view message) {
     return lines;
 }
 
+std::string inLowerCase(std::string_view text) {
+    std::string result(text);
+    std::ranges::transform(result, result.begin(),
+                           [](char each) { return each >= 'A' && each <= 'Z' ? static_cast<char>(each + 32) : each; });
+    return result;
+}
+
 std::size_t charactersIn(std::string_view text) {
     return static_cast<std::size_t>(std::ranges::count_if(text, beginsCharacter));
 }

@@ -28,6 +28,9 @@ constexpr bool beginsCharacter(char byte) {
     return (static_cast<unsigned char>(byte) & 0xC0) != 0x80;
 }
 
+// Returns the text with the capital letters of ASCII as small ones.
+std::string inLowerCase(std::string_view text);
+
 std::size_t charactersIn(std::string_view text);
 
 // Returns the nearest place at or before `offset` where no character of UTF-8 is divided.
