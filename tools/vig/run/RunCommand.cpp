@@ -5,6 +5,7 @@
 #include <optional>
 #include <vector>
 
+#include "tools/vig/io/FileText.h"
 #include "tools/vig/run/Replay.h"
 #include "tools/vig/trace/Highlights.h"
 #include "tools/vig/trace/Report.h"
@@ -93,7 +94,8 @@ int run(const RunOptions& options, const Console& console, const Interruption& i
     RuleRun rules(options, {options.format, console.wantsColours(), "", options.verbose, &selection}, console,
                   interruption);
     Explanations explanations(options, selection, rules.reporter());
-    if (options.explain != Explain::Nothing || options.whyNot || options.selection.isAny()) {
+    const bool isAsked = options.explain != Explain::Nothing || options.whyNot || options.selection.isAny();
+    if (isAsked) {
         rules.observe(explanations);
     }
     Replay replay(options.events, console, interruption);
@@ -105,7 +107,7 @@ int run(const RunOptions& options, const Console& console, const Interruption& i
         return rules.abandon(*status);
     }
     if (!explanations.problem().empty()) {
-        rules.complainAfterOutput(options.rules + ": error: " + explanations.problem().front());
+        rules.complainAfterOutput(nameOfInput(options.rules) + ": error: " + explanations.problem().front());
         for (std::size_t i = 1; i < explanations.problem().size(); ++i) {
             console.say(explanations.problem()[i]);
         }
@@ -113,8 +115,10 @@ int run(const RunOptions& options, const Console& console, const Interruption& i
     }
     rules.session().start();
     replay.play(
-        [&machines = rules.session().machines(), &selection](const EventRecord& record) {
-            selection.next(record);
+        [&machines = rules.session().machines(), &selection, isAsked](const EventRecord& record) {
+            if (isAsked) {
+                selection.next(record);
+            }
             machines.offer(record);
         },
         rules.output(), console.err);
