@@ -32,6 +32,7 @@ void Tally::loaded(const DocumentModel& loaded) {
     machines.assign(loaded.configs.size(), {});
     for (std::size_t i = 0; i < machines.size(); ++i) {
         for (const TransitionModel& each : loaded.configs[i].transitions) {
+            machines[i].leadingTo[each.to].push_back(machines[i].transitions.size());
             machines[i].transitions.push_back({0, 0, std::vector<WhyNot::Stops>(each.filters.size())});
         }
         machines[i].visited.emplace(RulesEngine::State::START_STATE);
@@ -114,15 +115,15 @@ WhyNot Tally::countsOf(const TransitionPlace& place) const {
 std::vector<WhyNot> Tally::upstreamOf(const TransitionPlace& place) const {
     const OfMachine& counts = machines[place.machine];
     const auto& transitions = document->configs[place.machine].transitions;
-    std::map<std::string_view, std::vector<std::size_t>> leadingTo;
-    for (std::size_t i = 0; i < transitions.size(); ++i) {
-        leadingTo[transitions[i].to].push_back(i);
-    }
     std::vector<WhyNot> stuck;
     std::set<std::string_view> seen = {transitions[place.index].from};
     std::vector<std::string_view> next = {transitions[place.index].from};
     for (std::size_t i = 0; i < next.size(); ++i) {
-        for (const std::size_t index : leadingTo[next[i]]) {
+        const auto leading = counts.leadingTo.find(next[i]);
+        if (leading == counts.leadingTo.end()) {
+            continue;
+        }
+        for (const std::size_t index : leading->second) {
             const std::string_view from = transitions[index].from;
             if (counts.visited.contains(from)) {
                 stuck.push_back(countsOf({place.machine, index}));

@@ -47,9 +47,10 @@ class Tally final : public Trace {
 
     struct OfMachine {
         std::vector<OfTransition> transitions;
-        std::map<std::string, Counts, std::less<>> offered;  // events, by the state that they met
-        std::map<std::string, Counts, std::less<>> raised;   // where a transition listens for them
-        std::set<std::string, std::less<>> visited;          // states
+        std::map<std::string_view, std::vector<std::size_t>> leadingTo;  // transitions, by the state
+        std::map<std::string, Counts, std::less<>> offered;              // events, by the state that they met
+        std::map<std::string, Counts, std::less<>> raised;               // where a transition listens for them
+        std::set<std::string, std::less<>> visited;                      // states
     };
 
     WhyNot countsOf(const TransitionPlace& place) const;
