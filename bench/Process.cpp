@@ -25,7 +25,7 @@ double seconds(const timeval& time) {
 
 }  // namespace
 
-double runProgram(const std::vector<std::string>& command) {
+double runProgram(const std::vector<std::string>& command, int exitStatus) {
     std::vector<char*> arguments;
     for (const std::string& argument : command) {
         arguments.push_back(const_cast<char*>(argument.c_str()));
@@ -41,7 +41,7 @@ double runProgram(const std::vector<std::string>& command) {
         wait4(child, &status, 0, &usage);
     }
     posix_spawn_file_actions_destroy(&actions);
-    if (status != 0) {
+    if (!WIFEXITED(status) || WEXITSTATUS(status) != exitStatus) {
         fail(command[0]);
     }
     return seconds(usage.ru_utime) + seconds(usage.ru_stime);

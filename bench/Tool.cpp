@@ -132,11 +132,11 @@ std::uint64_t readAll(const std::string& path) {
     return sum;
 }
 
-Scenario::Loop repeated(const std::vector<std::string>& command) {
-    return [command](std::size_t times) {
+Scenario::Loop repeated(const std::vector<std::string>& command, int exitStatus = 0) {
+    return [command, exitStatus](std::size_t times) {
         double total = 0;
         for (std::size_t i = 0; i < times; ++i) {
-            total += runProgram(command);
+            total += runProgram(command, exitStatus);
         }
         return total;
     };
@@ -160,7 +160,7 @@ Scenario::Loop vigOverFleet(std::size_t devices, std::vector<std::string> comman
 std::string manyTransitions(std::size_t count, std::size_t moved) {
     const std::filesystem::path path = folder() / fmt::format("{}.{}.json", count, moved);
     constexpr std::size_t kOfState = 40;
-    const std::size_t states = count / kOfState;
+    const std::size_t states = (count + kOfState - 1) / kOfState;
     const auto filter = [](const char* op, const char* type, const char* attribute, const std::string& constant) {
         return fmt::format(R"({{"operator":"{}","value_type":"{}","operand1":{{"type":"envvar","value":"{}"}},)"
                            R"("operand2":{{"type":"constant","value":"{}"}}}})",
@@ -190,10 +190,10 @@ std::string manyTransitions(std::size_t count, std::size_t moved) {
     return path;
 }
 
-Scenario::Loop vig(const std::vector<std::string>& arguments) {
+Scenario::Loop vig(const std::vector<std::string>& arguments, int exitStatus = 0) {
     std::vector<std::string> command = {VIG_TOOL};
     command.insert(command.end(), arguments.begin(), arguments.end());
-    return repeated(command);
+    return repeated(command, exitStatus);
 }
 
 }  // namespace
@@ -234,10 +234,12 @@ void addTool(std::vector<Scenario>& scenarios) {
                                  return vig({"check", manyTransitions(transitions, 0)});
                              }});
     }
+    constexpr int kDiffers = 1;
     for (const std::size_t transitions : {2'500, 5'000, 10'000, 20'000}) {
-        scenarios.push_back({fmt::format("diff/{}", transitions), 1, [transitions] {
-                                 return vig({"diff", manyTransitions(transitions, 0), manyTransitions(transitions, 1)});
-                             }});
+        scenarios.push_back(
+            {fmt::format("diff/{}", transitions), 1, [transitions] {
+                 return vig({"diff", manyTransitions(transitions, 0), manyTransitions(transitions, 1)}, kDiffers);
+             }});
     }
 }
 
