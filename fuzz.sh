@@ -49,7 +49,7 @@ report() {
 install_packages "${BUILD_PACKAGES[@]}" "${FUZZ_PACKAGES[@]}"
 build_preset fuzz vig_fuzz
 
-readonly TARGETS=(decide documents engine events)
+readonly TARGETS=(decide documents engine events layouts)
 mkdir -p "$FOUND"
 for target in "${TARGETS[@]}"; do
     while [ "$(jobs -rp | wc -l)" -ge 2 ]; do

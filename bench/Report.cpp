@@ -153,7 +153,13 @@ std::vector<Comparison> comparisons() {
                       "random/std", 0});
     result.push_back({"\"PseudoRandomDouble\", two threads", "`std::mt19937` behind a mutex, two threads",
                       "random/vig, two threads", "random/std, two threads", 0});
-    result.push_back({"`vig run`, 1,000,000 records", "simdjson", "run/1000000/vig", "run/1000000/simdjson", 3.0});
+    result.push_back({"`vig run`, 1,000,000 records", "simdjson", "run/1000000/vig", "run/1000000/simdjson", 1.8});
+    result.push_back(
+        {"`vig run`, the same without rules", "simdjson", "run/no rules/vig", "run/1000000/simdjson", 1.1});
+    result.push_back(
+        {"`vig run`, a recording of this machine", "simdjson", "run/machine/vig", "run/machine/simdjson", 2.2});
+    result.push_back({"`vig run`, no two lines alike but in their values", "simdjson", "run/changing/vig",
+                      "run/changing/simdjson", 0});
     result.push_back({"`vig run`, 100,000 records", "`jq`", "run/100000/vig", "run/100000/jq", 1.0 / 30});
     result.push_back({"`vig diff`, 1,000 devices, each machine changed", "`vig run`", "fleet/diff", "fleet/run", 1.3});
     result.push_back({"`vig check`, 5,000 transitions", "2,500 of them", "check/5000", "check/2500", 1.15, 0, 2});

@@ -7,12 +7,14 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <iostream>
 #include <random>
 #include <string>
 
 #include "bench/Process.h"
 #include "bench/Scenario.h"
+#include "tests/support/Documents.h"
 #include "tests/support/TemporaryFolder.h"
 
 // `vig run` is compared with the parser that it reads with and with the filter that a person would write, `vig check`
@@ -27,9 +29,13 @@ const std::filesystem::path& folder() {
     return folder.path();
 }
 
+// Says which lines of a recording have the same bytes between their values.
+enum class Layout { Same, Changing };
+
 // Makes memory heartbeats of 200 processes; one in a thousand is over the budgets of the rules.
-std::string recording(std::size_t records) {
-    const std::filesystem::path path = folder() / fmt::format("{}.jsonl", records);
+std::string recording(std::size_t records, Layout layout = Layout::Same) {
+    const bool isSame = layout == Layout::Same;
+    const std::filesystem::path path = folder() / fmt::format("{}.{}.jsonl", records, isSame ? "same" : "changing");
     if (std::filesystem::exists(path)) {
         return path;
     }
@@ -38,10 +44,27 @@ std::string recording(std::size_t records) {
     for (std::size_t i = 0; i < records; ++i) {
         const auto process = random() % 200;
         file << fmt::format(
-            R"({{"event":"ProcessMemoryHeartBeat","time_ms":{},"int64":{{"pid":{},"vmRssKB":{},"vmSwapKB":{}}},)"
+            R"({{"event":"ProcessMemoryHeartBeat","time_ms":{},"int64":{{"pid{}":{},"vmRssKB":{},"vmSwapKB":{}}},)"
             R"("string":{{"processName":"com.example.app{}"}}}})"
             "\n",
-            i, 1000 + process, random() % 1000 == 0 ? 900'000 : random() % 500'000, random() % 4096, process);
+            i, isSame ? "" : fmt::format("{:x}", i), 1000 + process,
+            random() % 1000 == 0 ? 900'000 : random() % 500'000, random() % 4096, process);
+    }
+    return path;
+}
+
+// Records this machine for a moment, and repeats that.
+std::string recordingOfThisMachine() {
+    const std::filesystem::path path = folder() / "machine.jsonl";
+    if (std::filesystem::exists(path)) {
+        return path;
+    }
+    const std::string once = folder() / "once.jsonl";
+    runProgram({VIG_TOOL, "watch", "--record", once, "--duration", "2s", "--interval", "100ms"});
+    const std::string text = support::textOf(once);
+    std::ofstream file(path);
+    for (std::size_t size = 0; size < 100'000'000; size += text.size()) {
+        file << text;
     }
     return path;
 }
@@ -102,7 +125,11 @@ void touch(simdjson::ondemand::value value, std::uint64_t& sum) {
             sum += std::string_view(value.get_string()).size();
             break;
         case simdjson::ondemand::json_type::number:
-            sum += static_cast<std::uint64_t>(std::int64_t(value.get_int64()));
+            if (std::int64_t whole = 0; value.get_int64().get(whole) == simdjson::SUCCESS) {
+                sum += static_cast<std::uint64_t>(whole);
+            } else {
+                sum += double(value.get_double()) > 0 ? 1 : 0;
+            }
             break;
         default:
             break;
@@ -199,17 +226,27 @@ Scenario::Loop vig(const std::vector<std::string>& arguments, int exitStatus = 0
 }  // namespace
 
 void addTool(std::vector<Scenario>& scenarios) {
-    scenarios.push_back({"run/1000000/vig", 1, [] {
-                             return vig({"run", rules(kLimits), recording(1'000'000), "--format", "jsonl"});
-                         }});
-    scenarios.push_back({"run/1000000/simdjson", 1, []() -> Scenario::Loop {
-                             return [events = recording(1'000'000)](std::size_t times) {
-                                 return timed(times, [&] {
-                                     if (readAll(events) == 0) {
-                                         std::abort();
-                                     }
-                                 });
-                             };
+    const auto addReplay = [&](const std::string& name, const std::function<std::string()>& events) {
+        scenarios.push_back({name + "/vig", 1, [events] {
+                                 return vig({"run", rules(kLimits), events(), "--format", "jsonl"});
+                             }});
+        scenarios.push_back({name + "/simdjson", 1, [events]() -> Scenario::Loop {
+                                 return [path = events()](std::size_t times) {
+                                     return timed(times, [&] {
+                                         if (readAll(path) == 0) {
+                                             std::abort();
+                                         }
+                                     });
+                                 };
+                             }});
+    };
+    addReplay("run/1000000", [] { return recording(1'000'000); });
+    addReplay("run/machine", recordingOfThisMachine);
+    addReplay("run/changing", [] { return recording(1'000'000, Layout::Changing); });
+    scenarios.push_back({"run/no rules/vig", 1, [] {
+                             const std::string path = folder() / "none.json";
+                             std::ofstream(path) << R"({"configs":[]})";
+                             return vig({"run", path, recording(1'000'000), "--format", "jsonl"});
                          }});
     scenarios.push_back({"run/100000/vig", 1, [] {
                              return vig({"run", rules(kLimits), recording(100'000), "--format", "jsonl"});

@@ -47,12 +47,14 @@ using Brenta::OS::RulesEngine::State;
 std::vector<EventRecord> recordsIn(const char* file) {
     std::vector<EventRecord> records;
     std::istringstream lines(support::textOf(file));
+    RecordParser parser;
     for (std::string line; std::getline(lines, line);) {
-        if (!RecordParser().parse(
-                std::string_view(line + std::string(LineReader::PADDING, '\n')).substr(0, line.size()),
-                records.emplace_back())) {
+        const std::string padded = line + std::string(LineReader::PADDING, '\n');
+        const EventRecord* const record = parser.parse(std::string_view(padded).substr(0, line.size()));
+        if (record == nullptr) {
             std::abort();
         }
+        records.push_back(*record);
     }
     return records;
 }

@@ -208,8 +208,7 @@ TEST(Schemas, StrictRuleDocumentRefusesOnlyWhatIsWarnedOf) {
 TEST(Schemas, EventRecordAcceptsWhatTheToolReads) {
     const auto accepts = [](const std::string& text) {
         const std::string padded = text + std::string(LineReader::PADDING, '\n');
-        EventRecord ignored;
-        return RecordParser().parse(std::string_view(padded).substr(0, text.size()), ignored);
+        return RecordParser().parse(std::string_view(padded).substr(0, text.size())) != nullptr;
     };
     compare("event-record.schema.json", accepts,
             {R"({"event":"Timeout","timeout_id":3})", R"({"event":"Test","string":{"a":"b"},"int64":{"c":1,"d":0}})",

@@ -154,8 +154,7 @@ TEST(EventReader, BadLineIsReportedWithItsPlaceAndTheKeyAtFault) {
     const int folder = open("/", O_RDONLY | O_DIRECTORY);
     const Interruption interruption;
     EventReader reader(folder, "here", interruption, [] {});
-    EventRecord record;
-    EXPECT_EQ(reader.next(record), EventReader::Status::Failed);
+    EXPECT_EQ(reader.next(), EventReader::Status::Failed);
     EXPECT_EQ(reader.error(), "vig: error: here: Is a directory");
     close(folder);
 }
@@ -204,8 +203,7 @@ TEST(EventReader, WhatHasArrivedFromAPipeIsHandedOutBeforeWaitingForMore) {
     const MemoryFile file("{\"event\":\"Test\"}\n");
     Interruption interruption;
     interruption.request();
-    EventRecord record;
-    EXPECT_EQ(EventReader(file.descriptor, "file", interruption, [] {}).next(record), EventReader::Status::Interrupted);
+    EXPECT_EQ(EventReader(file.descriptor, "file", interruption, [] {}).next(), EventReader::Status::Interrupted);
 }
 
 // The libraries that made the formats compress the text.

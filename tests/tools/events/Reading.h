@@ -5,12 +5,15 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
 #include "tools/vig/events/EventReader.h"
+#include "tools/vig/events/LineReader.h"
+#include "tools/vig/events/RecordParser.h"
 #include "tools/vig/io/Output.h"
 
 namespace support {
@@ -33,9 +36,8 @@ struct Reading {
             }
             text.remove_prefix(std::min(piece, text.size()));
         });
-        Tool::EventRecord record;
-        while (reader.next(record) == Tool::EventReader::Status::Record) {
-            records.push_back(record);
+        while (reader.next() == Tool::EventReader::Status::Record) {
+            records.push_back(reader.record());
         }
         error = reader.error();
         bytes = reader.bytesRead();
@@ -50,6 +52,29 @@ struct Reading {
     std::string error;
     std::uint64_t bytes;
 };
+
+// Holds what a parser makes of a line.
+struct Outcome {
+    Outcome(Tool::RecordParser& parser, const std::string& line) {
+        const std::string padded = line + std::string(Tool::LineReader::PADDING, '\n');
+        if (const Tool::EventRecord* const read = parser.parse(std::string_view(padded).substr(0, line.size()))) {
+            record = *read;
+        } else {
+            error = parser.error();
+        }
+    }
+
+    bool operator==(const Outcome&) const = default;
+
+    std::optional<Tool::EventRecord> record;
+    std::string error;
+};
+
+// A parser that has read nothing knows no layout of lines.
+inline Outcome alone(const std::string& line) {
+    Tool::RecordParser parser;
+    return {parser, line};
+}
 
 inline std::string written(const std::vector<Tool::EventRecord>& records) {
     std::string text;

@@ -227,11 +227,10 @@ std::string Catalogue::text() const {
 }
 
 EventReader::Status learnFrom(EventReader& reader, Catalogue& catalogue) {
-    EventRecord record;
-    auto status = reader.next(record);
+    auto status = reader.next();
     while (status == EventReader::Status::Record) {
-        catalogue.learn(record);
-        status = reader.next(record);
+        catalogue.learn(reader.record());
+        status = reader.next();
     }
     return status;
 }

@@ -6,10 +6,11 @@ using RulesEngine::Event;
 
 void AttributeSet::clear() {
     std::apply([](auto&... each) { (each.clear(), ...); }, tables);
-    text.clear();
+    nameText.clear();
+    stringText.clear();
 }
 
-AttributeSet::Span AttributeSet::store(std::string_view added) {
+AttributeSet::Span AttributeSet::store(std::string& text, std::string_view added) {
     const Span span{text.size(), added.size()};
     text += added;
     return span;
@@ -20,7 +21,7 @@ std::vector<std::string_view> AttributeSet::names(Event::ValueType kind) const {
     const auto collect = [&](const auto& attributes) {
         names.reserve(attributes.size());
         for (const auto& each : attributes) {
-            names.push_back(view(each.name));
+            names.push_back(nameOf(each));
         }
     };
     auto place = static_cast<std::size_t>(kind);  // the tables are in the order of the kinds
@@ -37,7 +38,7 @@ template <typename T>
 bool AttributeSet::equals(const AttributeSet& other) const {
     return std::equal(table<T>().begin(), table<T>().end(), other.table<T>().begin(), other.table<T>().end(),
                       [&](const auto& left, const auto& right) {
-                          return view(left.name) == other.view(right.name) &&
+                          return nameOf(left) == other.nameOf(right) &&
                                  toValue(left.value) == other.toValue(right.value);
                       });
 }

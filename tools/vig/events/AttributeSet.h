@@ -24,14 +24,28 @@ class AttributeSet {
     // Copies the name and the value. The set is out of order until sort<T>() has been called.
     template <typename T>
     void add(std::string_view name, std::type_identity_t<T> value) {
-        table<T>().push_back({store(name), toStored(value)});
+        table<T>().push_back({store(nameText, name), toStored(value)});
+    }
+
+    // Replaces the value of the attribute at a place among those of its kind, which keeps its name. Strings are
+    // replaced all together, each once, after dropStrings().
+    template <typename T>
+    void replace(std::size_t place, std::type_identity_t<T> value) {
+        table<T>()[place].value = toStored(value);
+    }
+    void dropStrings() { stringText.clear(); }
+
+    // Returns the place of an attribute among those of its kind. REQUIRES: the set has it, and is in order.
+    template <typename T>
+    std::size_t placeOf(std::string_view name) const {
+        return static_cast<std::size_t>(lowerBound<T>(name) - table<T>().begin());
     }
 
     // Puts the attributes of a kind in order. Returns the name of one that was added twice, if any.
     template <typename T>
     std::optional<std::string_view> sort() {
         auto& attributes = table<T>();
-        const auto less = [this](const auto& left, const auto& right) { return view(left.name) < view(right.name); };
+        const auto less = [&](const auto& left, const auto& right) { return nameOf(left) < nameOf(right); };
         const auto notLess = [&](const auto& left, const auto& right) { return !less(left, right); };
         auto twice = std::adjacent_find(attributes.begin(), attributes.end(), notLess);
         // Most records are written in order.
@@ -39,7 +53,7 @@ class AttributeSet {
             std::sort(attributes.begin(), attributes.end(), less);
             twice = std::adjacent_find(attributes.begin(), attributes.end(), notLess);
         }
-        return twice == attributes.end() ? std::nullopt : std::optional(view(twice->name));
+        return twice == attributes.end() ? std::nullopt : std::optional(nameOf(*twice));
     }
 
     template <typename T>
@@ -48,9 +62,9 @@ class AttributeSet {
         // Among few names, most differ in length already.
         const auto found =
             attributes.size() <= kFew
-                ? std::ranges::find_if(attributes, [&](const auto& each) { return view(each.name) == name; })
-                : std::ranges::lower_bound(attributes, name, {}, [this](const auto& each) { return view(each.name); });
-        if (found == attributes.end() || view(found->name) != name) {
+                ? std::ranges::find_if(attributes, [&](const auto& each) { return nameOf(each) == name; })
+                : lowerBound<T>(name);
+        if (found == attributes.end() || nameOf(*found) != name) {
             return std::nullopt;
         }
         return toValue(found->value);
@@ -65,7 +79,7 @@ class AttributeSet {
     template <typename T>
     void forEach(const auto& visit) const {
         for (const auto& each : table<T>()) {
-            visit(view(each.name), toValue(each.value));
+            visit(nameOf(each), toValue(each.value));
         }
     }
 
@@ -77,7 +91,7 @@ class AttributeSet {
   private:
     static constexpr std::size_t kFew = 8;
 
-    // It is a part of `text`, which may move while attributes are added.
+    // It is a part of one of the two texts, which may move while attributes are added.
     struct Span {
         std::size_t begin;
         std::size_t size;
@@ -101,13 +115,20 @@ class AttributeSet {
         return std::get<std::vector<Attribute<T>>>(tables);
     }
 
-    Span store(std::string_view added);
-    std::string_view view(Span span) const { return std::string_view(text).substr(span.begin, span.size); }
+    static Span store(std::string& text, std::string_view added);
+    static std::string_view view(const std::string& text, Span span) { return {text.data() + span.begin, span.size}; }
+
+    std::string_view nameOf(const auto& attribute) const { return view(nameText, attribute.name); }
+
+    template <typename T>
+    auto lowerBound(std::string_view name) const {
+        return std::ranges::lower_bound(table<T>(), name, {}, [&](const auto& each) { return nameOf(each); });
+    }
 
     template <typename T>
     Stored<T> toStored(T value) {
         if constexpr (std::is_same_v<T, std::string_view>) {
-            return store(value);
+            return store(stringText, value);
         } else {
             return value;
         }
@@ -115,7 +136,7 @@ class AttributeSet {
     template <typename T>
     auto toValue(T stored) const {
         if constexpr (std::is_same_v<T, Span>) {
-            return view(stored);
+            return view(stringText, stored);
         } else {
             return stored;
         }
@@ -127,7 +148,8 @@ class AttributeSet {
     std::tuple<std::vector<Attribute<std::uint64_t>>, std::vector<Attribute<std::int64_t>>,
                std::vector<Attribute<double>>, std::vector<Attribute<bool>>, std::vector<Attribute<std::string_view>>>
         tables;
-    std::string text;  // all names and all strings
+    std::string nameText;    // all names
+    std::string stringText;  // all strings
 };
 
 }  // namespace Brenta::OS::VIG::Tool

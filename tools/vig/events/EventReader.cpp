@@ -36,7 +36,7 @@ EventReader::EventReader(int source, std::string sourceName, const Interruption&
                          std::function<void()> waiting)
     : name(std::move(sourceName)), lines(source, name, interruption, std::move(waiting)) {}
 
-EventReader::Status EventReader::next(EventRecord& record) {
+EventReader::Status EventReader::next() {
     std::string_view line;
     do {
         switch (lines.next(line)) {
@@ -51,7 +51,8 @@ EventReader::Status EventReader::next(EventRecord& record) {
                 return Status::Failed;
         }
     } while (isBlank(line));
-    if (parser.parse(line, record)) {
+    current = parser.parse(line);
+    if (current != nullptr) {
         return Status::Record;
     }
     message = name + ":" + std::to_string(lines.lineNumber()) + ": error: " + parser.error();

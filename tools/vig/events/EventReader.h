@@ -32,8 +32,11 @@ class EventReader {
     // `sourceName` stands in messages. For the rest see LineReader.
     EventReader(int source, std::string sourceName, const Interruption& interruption, std::function<void()> waiting);
 
-    // Fills `record` with the next one.
-    Status next(EventRecord& record);
+    // Goes on to the next one.
+    Status next();
+
+    // Returns, after Record, that one. It is valid until the next call.
+    const EventRecord& record() const { return *current; }
 
     // Returns, after Failed, "events.jsonl:12: error: …" for a bad line, or why nothing can be read.
     const std::string& error() const { return message; }
@@ -44,6 +47,7 @@ class EventReader {
     const std::string name;
     LineReader lines;
     RecordParser parser;
+    const EventRecord* current = nullptr;
     std::string message;
 };
 

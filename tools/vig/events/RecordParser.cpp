@@ -5,13 +5,14 @@
 #include <algorithm>
 #include <array>
 #include <bit>
-#include <charconv>
 #include <cstddef>
 #include <cstdint>
 #include <utility>
 
 #include "tools/vig/events/EventNames.h"
+#include "tools/vig/events/JsonNumber.h"
 #include "tools/vig/events/LineReader.h"
+#include "tools/vig/events/RecordLayouts.h"
 #include "tools/vig/words/NearestName.h"
 #include "tools/vig/words/Text.h"
 #include "vig/base/Utf8.h"
@@ -50,33 +51,6 @@ std::string named(std::string_view key) {
         return each > ' ' && each < '\x7F' && each != '"' && each != '\\' && each != '.' && each != ':';
     });
     return plain ? shownName(key) : shownQuoted(key);
-}
-
-constexpr std::string_view kDigits = "0123456789";
-
-std::size_t countDigits(std::string_view text) {
-    return std::min(text.find_first_not_of(kDigits), text.size());
-}
-
-// Tells whether the text is a number as JSON writes one.
-bool isJsonNumber(std::string_view text) {
-    text.remove_prefix(text.starts_with('-') ? 1 : 0);
-    const std::size_t whole = text.starts_with('0') ? 1 : countDigits(text);
-    text.remove_prefix(whole);
-    bool isComplete = whole > 0;
-    if (text.starts_with('.')) {
-        const std::size_t fraction = countDigits(text.substr(1));
-        isComplete = isComplete && fraction > 0;
-        text.remove_prefix(1 + fraction);
-    }
-    if (text.starts_with('e') || text.starts_with('E')) {
-        text.remove_prefix(1);
-        text.remove_prefix(text.starts_with('+') || text.starts_with('-') ? 1 : 0);
-        const std::size_t exponent = countDigits(text);
-        isComplete = isComplete && exponent > 0;
-        text.remove_prefix(exponent);
-    }
-    return isComplete && text.empty();
 }
 
 // Tells whether the text is a number of the kind, which can only be out of its range then.
@@ -139,12 +113,10 @@ simdjson::error_code convert(ondemand::value value, std::uint64_t& converted) {
 // zeros with a long exponent, so that it is not asked at all.
 template <>
 simdjson::error_code convert(ondemand::value value, double& converted) {
-    const std::string_view token = trimmed(value.raw_json_token());
-    if (!isNumber<double>(token)) {
-        return simdjson::INCORRECT_TYPE;
-    }
-    const auto error = std::from_chars(token.data(), token.data() + token.size(), converted).ec;
-    return error == std::errc() ? simdjson::SUCCESS : simdjson::NUMBER_ERROR;
+    const std::errc error = toDouble(trimmed(value.raw_json_token()), converted);
+    return error == std::errc()                   ? simdjson::SUCCESS
+           : error == std::errc::invalid_argument ? simdjson::INCORRECT_TYPE
+                                                  : simdjson::NUMBER_ERROR;
 }
 
 std::string_view describe(simdjson::error_code code) {
@@ -166,17 +138,18 @@ std::string_view describe(simdjson::error_code code) {
 
 class RecordParser::Impl {
   public:
-    bool parse(std::string_view text, EventRecord& record);
+    const EventRecord* parse(std::string_view text);
 
     std::string error;
 
   private:
-    bool readMember(std::string_view key, ondemand::value value, EventRecord& record);
+    bool read(std::string_view text);
+    bool readMember(std::string_view key, ondemand::value value);
     bool readEventType(ondemand::value value, EventType& type);
     bool readInteger(std::string_view key, ondemand::value value, std::optional<std::int64_t>& integer);
     template <typename T>
-    bool readKind(std::string_view kind, ondemand::value value, AttributeSet& attributes);
-    bool checkWhole(const EventRecord& record);
+    bool readKind(std::string_view kind, ondemand::value value);
+    bool checkWhole();
 
     template <typename T>
     bool wrongValue(const std::string& key, ondemand::value value, simdjson::error_code code);
@@ -190,10 +163,23 @@ class RecordParser::Impl {
     }
 
     ondemand::parser parser;
-    unsigned seen = 0;  // which of kMembers the record has, one bit each
+    RecordLayouts layouts;
+    EventRecord record;  // of the last text that had no layout which is known
+    unsigned seen = 0;   // which of kMembers the record has, one bit each
 };
 
-bool RecordParser::Impl::parse(std::string_view text, EventRecord& record) {
+const EventRecord* RecordParser::Impl::parse(std::string_view text) {
+    if (const EventRecord* const known = layouts.read(text)) {
+        return known;
+    }
+    if (!read(text)) {
+        return nullptr;
+    }
+    layouts.remember(text, record);
+    return &record;
+}
+
+bool RecordParser::Impl::read(std::string_view text) {
     record.timeMs.reset();
     record.timeoutId.reset();
     record.attributes.clear();
@@ -221,15 +207,15 @@ bool RecordParser::Impl::parse(std::string_view text, EventRecord& record) {
         if (const auto code = member.value().get(value)) {
             return malformed(code);
         }
-        if (!readMember(key, value, record)) {
+        if (!readMember(key, value)) {
             return false;
         }
     }
     const bool atEnd = document.current_location().error() == simdjson::OUT_OF_BOUNDS;
-    return atEnd ? checkWhole(record) : fail("something follows after the object");
+    return atEnd ? checkWhole() : fail("something follows after the object");
 }
 
-bool RecordParser::Impl::readMember(std::string_view key, ondemand::value value, EventRecord& record) {
+bool RecordParser::Impl::readMember(std::string_view key, ondemand::value value) {
     const auto place = std::ranges::find(kMembers, key);
     if (place == kMembers.end()) {
         return fail(named(key) + ": unknown key" + suggestion(key, kMembers));
@@ -248,15 +234,15 @@ bool RecordParser::Impl::readMember(std::string_view key, ondemand::value value,
         case 2:
             return readInteger(key, value, record.timeoutId);
         case 3:
-            return readKind<std::uint64_t>(key, value, record.attributes);
+            return readKind<std::uint64_t>(key, value);
         case 4:
-            return readKind<std::int64_t>(key, value, record.attributes);
+            return readKind<std::int64_t>(key, value);
         case 5:
-            return readKind<double>(key, value, record.attributes);
+            return readKind<double>(key, value);
         case 6:
-            return readKind<bool>(key, value, record.attributes);
+            return readKind<bool>(key, value);
         default:
-            return readKind<std::string_view>(key, value, record.attributes);
+            return readKind<std::string_view>(key, value);
     }
 }
 
@@ -280,7 +266,7 @@ bool RecordParser::Impl::readInteger(std::string_view key, ondemand::value value
 }
 
 template <typename T>
-bool RecordParser::Impl::readKind(std::string_view kind, ondemand::value value, AttributeSet& attributes) {
+bool RecordParser::Impl::readKind(std::string_view kind, ondemand::value value) {
     ondemand::object object;
     if (const auto code = value.get(object)) {
         return wrongValue<ondemand::object>(std::string(kind), value, code);
@@ -298,13 +284,13 @@ bool RecordParser::Impl::readKind(std::string_view kind, ondemand::value value, 
         if (const auto code = convert(content, converted)) {
             return wrongValue<T>(std::string(kind) + "." + named(name), content, code);
         }
-        attributes.add<T>(name, converted);
+        record.attributes.add<T>(name, converted);
     }
-    const auto twice = attributes.sort<T>();
+    const auto twice = record.attributes.sort<T>();
     return !twice || fail(std::string(kind) + "." + named(*twice) + ": given twice");
 }
 
-bool RecordParser::Impl::checkWhole(const EventRecord& record) {
+bool RecordParser::Impl::checkWhole() {
     if ((seen & 1U) == 0) {
         return fail("event: missing");
     }
@@ -334,8 +320,8 @@ RecordParser::RecordParser() : impl(std::make_unique<Impl>()) {}
 
 RecordParser::~RecordParser() = default;
 
-bool RecordParser::parse(std::string_view text, EventRecord& record) {
-    return impl->parse(text, record);
+const EventRecord* RecordParser::parse(std::string_view text) {
+    return impl->parse(text);
 }
 
 const std::string& RecordParser::error() const {

@@ -17,11 +17,11 @@ class RecordParser {
     RecordParser& operator=(const RecordParser&) = delete;
     ~RecordParser();
 
-    // Fills `record` from one JSON object. Returns false, with the record in any state, if the text is not a record.
+    // Returns the record that one JSON object is, valid until the next call; null if the text is not a record.
     // REQUIRES: LineReader::PADDING bytes after the text may be read, the first of them a line feed.
-    bool parse(std::string_view text, EventRecord& record);
+    const EventRecord* parse(std::string_view text);
 
-    // Says what is wrong with the last text, naming the key at fault.
+    // Says what is wrong with the last text, of which parse() returned null, naming the key at fault.
     const std::string& error() const;
 
   private:

@@ -39,11 +39,10 @@ bool Replay::play(const std::function<void(const EventRecord&)>& take, Output& o
         output.flush();
         progress.showIfDue(count, reader.bytesRead());
     });
-    EventRecord record;
     auto status = EventReader::Status::Record;
     while (!interruption.requested() && !output.failed() &&
-           (status = reader.next(record)) == EventReader::Status::Record) {
-        take(record);
+           (status = reader.next()) == EventReader::Status::Record) {
+        take(reader.record());
         ++count;
         progress.update(count, reader.bytesRead());
     }

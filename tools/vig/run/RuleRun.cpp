@@ -31,13 +31,12 @@ std::optional<int> readContext(const std::string& path, const Console& console, 
         return kExitUnusable;
     }
     EventReader reader(file.get(), path, interruption, [] {});
-    EventRecord record;
-    EventRecord second;
-    auto status = reader.next(record);
+    auto status = reader.next();
     if (status == EventReader::Status::Record) {
-        status = reader.next(second);
+        AttributeSet first = reader.record().attributes;
+        status = reader.next();
         if (status == EventReader::Status::End) {
-            attributes = std::move(record.attributes);
+            attributes = std::move(first);
             return std::nullopt;
         }
     }

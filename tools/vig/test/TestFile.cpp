@@ -223,10 +223,9 @@ class TestFileReader {
         }
         eventFiles.emplace(*name, events);
         EventReader reader(file.get(), *name, interruption, [] {});
-        EventRecord record;
-        auto status = reader.next(record);
-        for (; status == EventReader::Status::Record; status = reader.next(record)) {
-            events->push_back(record);
+        auto status = reader.next();
+        for (; status == EventReader::Status::Record; status = reader.next()) {
+            events->push_back(reader.record());
         }
         if (status == EventReader::Status::Failed) {
             check.add(json, reader.error());
@@ -235,16 +234,17 @@ class TestFileReader {
     }
 
     EventRecord record(std::string json, const Json::Value& at, const std::string& path) {
-        EventRecord result;
         if (!isStrict) {
-            return result;
+            return {};
         }
         const std::size_t size = json.size();
         json += "\n" + std::string(LineReader::PADDING, ' ');
-        if (!records.parse(std::string_view(json).substr(0, size), result)) {
+        const EventRecord* const read = records.parse(std::string_view(json).substr(0, size));
+        if (read == nullptr) {
             check.complain(at, path, records.error());
+            return {};
         }
-        return result;
+        return *read;
     }
 
     // Reads the attributes of a record without its event.

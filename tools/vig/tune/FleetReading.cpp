@@ -256,12 +256,12 @@ class DeviceReader {
 
     void replay(std::size_t device, const Descriptor& records) {
         EventReader reader(records.get(), plan.devices[device], plan.interruption, [] {});
-        EventRecord record;
         std::uint64_t events = 0;
         std::optional<std::int64_t> earliest;
         std::optional<std::int64_t> latest;
         auto status = EventReader::Status::Record;
-        while (!plan.interruption.requested() && (status = reader.next(record)) == EventReader::Status::Record) {
+        while (!plan.interruption.requested() && (status = reader.next()) == EventReader::Status::Record) {
+            const EventRecord& record = reader.record();
             ++events;
             offer(record);
             if (record.timeMs) {

@@ -1,0 +1,93 @@
+#include "tools/vig/events/RecordLayouts.h"
+
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <random>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "tests/tools/events/Reading.h"
+#include "tools/vig/events/LineReader.h"
+
+namespace Brenta::OS::VIG::Tool {
+
+namespace {
+
+using support::alone;
+using support::Outcome;
+
+const std::vector<std::string>& lines() {
+    static const std::vector<std::string> lines = {
+        R"({"event":"Test"})",
+        R"({"event":"Timeout","time_ms":12,"timeout_id":-3})",
+        R"({"event":"ProcessMemoryHeartBeat","time_ms":7019,"int64":{"pid":10945,"vmRssKB":331140},)"
+        R"("string":{"processName":"com.example.camera","note":""}})",
+        R"( { "string" : {"z":"é","a":"1234567","b":"12345678"} , "double":{"half":-0.5e1,"d":0}, "event" : "Test" } )",
+        R"({"bool":{"yes":true,"no":false},"uint64":{"most":18446744073709551615},"event":"ZramHeartBeat","int64":{}})",
+        R"({"event":"Te\u0073t","string":{"escaped":"a\"b\\","\u0061":"c"}})",
+    };
+    return lines;
+}
+
+TEST(RecordLayouts, EachLineIsReadAsIfItWereAloneWhateverOnesWereBefore) {
+    const std::string bytes = std::string("\"\\{}:,09-.eE tf\n\x01\x7F\x80\xC3\xFF", 21) + '\0';
+    for (const std::string& line : lines()) {
+        ASSERT_EQ(alone(line).error, "");
+        std::vector<std::string> others = {line + "\r", line.substr(0, line.size() - 1)};
+        for (std::size_t place = 0; place < line.size(); ++place) {
+            for (const char byte : bytes) {
+                others.push_back(line);
+                others.back()[place] = byte;
+                others.push_back(std::string(line).insert(place, 1, byte));
+            }
+            others.push_back(std::string(line).erase(place, 1));
+            others.push_back(std::string(line).insert(place, "1234567890123456789"));
+        }
+        for (const std::string& other : others) {
+            RecordParser parser;
+            ASSERT_EQ(Outcome(parser, line).error, "");
+            EXPECT_TRUE(Outcome(parser, other) == alone(other)) << line << "\n" << other;
+            EXPECT_TRUE(Outcome(parser, line) == alone(line)) << line << "\nafter " << other;
+        }
+    }
+    std::mt19937 random(1);
+    RecordParser parser;
+    for (int i = 0; i < 20'000; ++i) {
+        std::string line = lines()[random() % lines().size()];
+        if (random() % 4 == 0) {
+            line[random() % line.size()] = bytes[random() % bytes.size()];
+        }
+        ASSERT_TRUE(Outcome(parser, line) == alone(line)) << line;
+    }
+}
+
+TEST(RecordLayouts, LinesThatLookLikeEarlierOnesAreKnownUntilTheyNeverDo) {
+    RecordLayouts layouts;
+    // Returns how many lines were known. `nameOf` gives the name of an attribute in each.
+    const auto knownOf = [&](int count, auto nameOf) {
+        int known = 0;
+        for (int i = 0; i < count; ++i) {
+            const std::string line =
+                R"({"event":"Test","int64":{"a)" + std::to_string(nameOf(i)) + "\":" + std::to_string(i) + "}}";
+            const std::string padded = line + std::string(LineReader::PADDING, '\n');
+            if (layouts.read(std::string_view(padded).substr(0, line.size())) != nullptr) {
+                ++known;
+            } else {
+                layouts.remember(line, alone(line).record.value());
+            }
+        }
+        return known;
+    };
+    EXPECT_EQ(knownOf(1000, [](int) { return 0; }), 999);
+    EXPECT_GT(knownOf(1000, [](int i) { return i * i % 10; }), 950);
+    EXPECT_EQ(knownOf(1000, [](int i) { return 1000 + i; }), 0);
+    // They are hardly looked for any more, and soon are again.
+    EXPECT_LT(knownOf(1000, [](int) { return 0; }), 1000);
+    EXPECT_EQ(knownOf(1000, [](int) { return 0; }), 1000);
+}
+
+}  // namespace
+
+}  // namespace Brenta::OS::VIG::Tool

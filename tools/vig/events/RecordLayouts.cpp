@@ -1,0 +1,318 @@
+#include "tools/vig/events/RecordLayouts.h"
+
+#include <simdjson.h>
+
+#include <algorithm>
+#include <bit>
+#include <charconv>
+#include <cstring>
+#include <string>
+#include <type_traits>
+#include <utility>
+
+#include "tools/vig/events/EventNames.h"
+#include "tools/vig/events/JsonNumber.h"
+#include "tools/vig/events/LineReader.h"
+
+namespace Brenta::OS::VIG::Tool {
+
+namespace {
+
+constexpr std::size_t kMostLayouts = 32;
+constexpr std::size_t kLongestLine = std::size_t{1} << 14;  // what is remembered stays small
+constexpr std::size_t kLongestPause = 1023;
+
+constexpr std::size_t kWord = sizeof(std::uint64_t);
+static_assert(LineReader::PADDING >= kWord);
+
+// The first byte is the lowest.
+std::uint64_t wordAt(const char* at) {
+    std::uint64_t word;
+    std::memcpy(&word, at, kWord);
+    if constexpr (std::endian::native == std::endian::big) {
+        word = __builtin_bswap64(word);
+    }
+    return word;
+}
+
+constexpr std::uint64_t everyByte(std::uint8_t byte) {
+    return byte * UINT64_C(0x0101010101010101);
+}
+
+constexpr std::uint64_t kHighBits = everyByte(0x80);
+
+// Returns a word in which the lowest bit that is set belongs to the first byte that is less; the limit is at most 0x80.
+constexpr std::uint64_t firstLess(std::uint64_t word, std::uint8_t limit) {
+    return (word - everyByte(limit)) & ~word & kHighBits;
+}
+
+constexpr std::uint64_t firstEqual(std::uint64_t word, std::uint8_t byte) {
+    return firstLess(word ^ everyByte(byte), 1);
+}
+
+bool isDigit(char each) {
+    return each >= '0' && each <= '9';
+}
+
+// Each of the following moves `at` over a value and returns true, or returns false.
+
+template <typename T>
+bool readInteger(const char*& at, const char* end, T& value) {
+    const char* const digits = at + (std::is_signed_v<T> && *at == '-' ? 1 : 0);
+    if (*digits == '0' && isDigit(digits[1])) {
+        return false;
+    }
+    const auto [behind, error] = std::from_chars(at, end, value);
+    at = behind;
+    return error == std::errc();
+}
+
+bool readDouble(const char*& at, const char* end, double& value) {
+    const std::string_view rest(at, static_cast<std::size_t>(end - at));
+    const std::string_view token = rest.substr(0, rest.find_first_not_of("+-.0123456789Ee"));
+    at += token.size();
+    return toDouble(token, value) == std::errc();
+}
+
+bool readBool(const char*& at, const char* end, bool& value) {
+    const std::string_view rest(at, static_cast<std::size_t>(end - at));
+    value = rest.starts_with("true");
+    at += value ? 4 : 5;
+    return value || rest.starts_with("false");
+}
+
+// The value ends before the quote. The line feed behind the line ends it, too.
+bool readString(const char*& at, const char* /*end*/, std::string_view& value) {
+    const char* const begin = at;
+    std::uint64_t high = 0;
+    for (;; at += kWord) {
+        const std::uint64_t word = wordAt(at);
+        const std::uint64_t ends = firstEqual(word, '"') | firstEqual(word, '\\') | firstLess(word, ' ');
+        high |= word & kHighBits;
+        if (ends != 0) {
+            at += std::countr_zero(ends) / 8;
+            value = std::string_view(begin, static_cast<std::size_t>(at - begin));
+            return *at == '"' && (high == 0 || simdjson::validate_utf8(value));
+        }
+    }
+}
+
+// Returns how many bytes a token at the beginning of a text has that is well-formed: a string with its quotes, a
+// number, true or false.
+std::size_t sizeOfToken(std::string_view text) {
+    std::size_t size = 1;
+    if (text.front() != '"') {
+        return text.find_first_of(" \t\r\n,}");
+    }
+    for (; text[size] != '"'; ++size) {
+        size += text[size] == '\\' ? 1 : 0;
+    }
+    return size + 1;
+}
+
+template <typename T>
+void addNames(const AttributeSet& from, AttributeSet& to) {
+    from.forEach<T>([&](std::string_view name, T) { to.add<T>(name, T()); });
+}
+
+}  // namespace
+
+// The strings are empty, so that dropStrings() leaves nothing of them.
+RecordLayout::RecordLayout(const EventRecord& like)
+    : record{.type = like.type, .timeMs = like.timeMs, .timeoutId = like.timeoutId} {
+    addNames<std::uint64_t>(like.attributes, record.attributes);
+    addNames<std::int64_t>(like.attributes, record.attributes);
+    addNames<double>(like.attributes, record.attributes);
+    addNames<bool>(like.attributes, record.attributes);
+    addNames<std::string_view>(like.attributes, record.attributes);
+}
+
+// The line is known to be a record, so that it is enough to tell its tokens apart.
+std::optional<RecordLayout> RecordLayout::of(std::string_view line, const EventRecord& record) {
+    RecordLayout layout(record);
+    std::vector<std::string_view> keys;  // of the objects that the place is in
+    bool isValue = false;
+    std::size_t constant = 0;  // where the bytes begin that follow the last value
+    for (std::size_t at = 0; at < line.size();) {
+        switch (line[at]) {
+            case '{':
+                keys.emplace_back();
+                isValue = false;
+                ++at;
+                continue;
+            case '}':
+                keys.pop_back();
+                ++at;
+                continue;
+            case ':':
+            case ',':
+                isValue = line[at] == ':';
+                ++at;
+                continue;
+            case ' ':
+            case '\t':
+            case '\r':
+            case '\n':
+                ++at;
+                continue;
+            default:
+                break;
+        }
+        const std::size_t quote = line[at] == '"' ? 1 : 0;
+        const std::string_view text = line.substr(at + quote, sizeOfToken(line.substr(at)) - 2 * quote);
+        const std::size_t begin = at + quote;
+        at = begin + text.size() + quote;
+        if (!isValue) {
+            if (text.find('\\') != std::string_view::npos) {
+                return std::nullopt;
+            }
+            keys.back() = text;
+        } else if (const auto slot = layout.slotOf(keys)) {
+            layout.addConstant(line.substr(constant, begin - constant));
+            layout.slots.push_back(*slot);
+            constant = begin + text.size();
+        }
+    }
+    layout.addConstant(line.substr(constant));
+    return layout;
+}
+
+// The value that has no slot is the name of the event, which is a constant of the layout.
+std::optional<RecordLayout::Slot> RecordLayout::slotOf(const std::vector<std::string_view>& keys) const {
+    if (keys.size() == 1) {
+        return keys[0] == "time_ms"      ? std::optional(Slot{Member::TimeMs, 0})
+               : keys[0] == "timeout_id" ? std::optional(Slot{Member::TimeoutId, 0})
+                                         : std::nullopt;
+    }
+    const AttributeSet& attributes = record.attributes;
+    switch (static_cast<AttributeKind>(std::ranges::find(kKindNames, keys[0]) - kKindNames.begin())) {
+        case AttributeKind::Uint64:
+            return Slot{Member::Uint64, attributes.placeOf<std::uint64_t>(keys[1])};
+        case AttributeKind::Int64:
+            return Slot{Member::Int64, attributes.placeOf<std::int64_t>(keys[1])};
+        case AttributeKind::Double:
+            return Slot{Member::Double, attributes.placeOf<double>(keys[1])};
+        case AttributeKind::Bool:
+            return Slot{Member::Bool, attributes.placeOf<bool>(keys[1])};
+        case AttributeKind::String:
+            return Slot{Member::String, attributes.placeOf<std::string_view>(keys[1])};
+    }
+    return std::nullopt;
+}
+
+bool RecordLayout::isSameAs(const RecordLayout& other) const {
+    return words == other.words && constants == other.constants && slots == other.slots;
+}
+
+void RecordLayout::addConstant(std::string_view bytes) {
+    const std::size_t count = (bytes.size() + kWord - 1) / kWord;
+    const std::size_t first = words.size();
+    const std::size_t inLast = bytes.size() - (count - 1) * kWord;
+    const std::uint64_t mask = ~std::uint64_t{0} >> 8 * (kWord - inLast);
+    std::string padded(bytes);
+    padded.resize(count * kWord);
+    for (std::size_t i = 0; i < count; ++i) {
+        words.push_back(wordAt(padded.data() + i * kWord));
+    }
+    constants.push_back({first, bytes.size(), mask});
+}
+
+bool RecordLayout::skip(const Constant& constant, const char*& at, const char* end) const {
+    if (static_cast<std::size_t>(end - at) < constant.size) {
+        return false;
+    }
+    const std::uint64_t* word = words.data() + constant.firstWord;
+    const char* const behind = at + constant.size;
+    for (; at + kWord < behind; at += kWord) {
+        if (wordAt(at) != *word++) {
+            return false;
+        }
+    }
+    const bool isSame = ((wordAt(at) ^ *word) & constant.lastMask) == 0;
+    at = behind;
+    return isSame;
+}
+
+bool RecordLayout::readValue(const Slot& slot, const char*& at, const char* end) {
+    const auto attribute = [&]<typename T>(bool (*read)(const char*&, const char*, T&)) {
+        T value;
+        const bool isRead = read(at, end, value);
+        if (isRead) {
+            record.attributes.replace<T>(slot.place, value);
+        }
+        return isRead;
+    };
+    switch (slot.member) {
+        case Member::TimeMs:
+            return readInteger(at, end, *record.timeMs);
+        case Member::TimeoutId:
+            return readInteger(at, end, *record.timeoutId);
+        case Member::Uint64:
+            return attribute(readInteger<std::uint64_t>);
+        case Member::Int64:
+            return attribute(readInteger<std::int64_t>);
+        case Member::Double:
+            return attribute(readDouble);
+        case Member::Bool:
+            return attribute(readBool);
+        case Member::String:
+            return attribute(readString);
+    }
+    return false;
+}
+
+const EventRecord* RecordLayout::read(std::string_view line) {
+    const char* at = line.data();
+    const char* const end = at + line.size();
+    record.attributes.dropStrings();
+    for (std::size_t i = 0; i < slots.size(); ++i) {
+        if (!skip(constants[i], at, end) || !readValue(slots[i], at, end)) {
+            return nullptr;
+        }
+    }
+    return skip(constants.back(), at, end) && at == end ? &record : nullptr;
+}
+
+const EventRecord* RecordLayouts::read(std::string_view line) {
+    if (letPass > 0 || known.empty()) {
+        return nullptr;
+    }
+    const std::size_t guess = known[last].next;
+    const EventRecord* record = readAs(guess, line);
+    for (std::size_t place = 0; record == nullptr && place < known.size(); ++place) {
+        record = place == guess ? nullptr : readAs(place, line);
+    }
+    return record;
+}
+
+const EventRecord* RecordLayouts::readAs(std::size_t place, std::string_view line) {
+    const EventRecord* const record = known[place].layout.read(line);
+    if (record != nullptr) {
+        known[last].next = place;
+        known[place].lastHit = ++hits;
+        last = place;
+        pause /= 2;
+    }
+    return record;
+}
+
+void RecordLayouts::remember(std::string_view line, const EventRecord& record) {
+    if (letPass > 0) {
+        --letPass;
+        return;
+    }
+    letPass = pause;
+    pause = std::min(2 * pause + 1, kLongestPause);
+    auto layout = line.size() <= kLongestLine ? RecordLayout::of(line, record) : std::nullopt;
+    if (!layout || std::ranges::any_of(known, [&](const Known& each) { return each.layout.isSameAs(*layout); })) {
+        return;
+    }
+    if (known.size() < kMostLayouts) {
+        known.push_back({std::move(*layout), known.size(), hits});
+    } else {
+        const auto place = std::ranges::min_element(known, {}, &Known::lastHit) - known.begin();
+        known[static_cast<std::size_t>(place)] = {std::move(*layout), static_cast<std::size_t>(place), hits};
+    }
+}
+
+}  // namespace Brenta::OS::VIG::Tool
