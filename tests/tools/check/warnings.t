@@ -56,12 +56,14 @@ come states, then transitions behind others, and cycles that need no event.
   > start a EnteringState | $random; a b EnteringState; b a EnteringState
   > start end EnteringState | $random; start start EnteringState || Test
   > start a EnteringState; a b EnteringState; b a Test
+  > start start EnteringState | double =1x == =1 | Test
   > EOF
   0: error endless-entering [0]
   1: error endless-entering [2]
   2: endless-entering [1]
   3: error endless-entering [2]
   4: endless-entering [1]
+  6: error endless-entering [0], number-text [0].filters[0].left
 
 A thousand states that nobody enters, whose long names might be near one another, take no time to speak of.
 

@@ -67,7 +67,7 @@ class FilterJudge {
                 std::any_of(found.begin() + static_cast<std::ptrdiff_t>(since), found.end(), [&](const Finding& each) {
                     return isInside(each) && each.name != "number-text" && each.name != "nul-character";
                 });
-            judgeAlone(index, isExplained || !isReadWhole(filters[index]));
+            judgeAlone(index, isExplained);
         }
         judgeTogether();
         return logic;
@@ -76,11 +76,12 @@ class FilterJudge {
   private:
     void judgeAlone(std::size_t index, bool isExplained) {
         const FilterModel& filter = filters[index];
+        const bool isTold = isExplained || !isReadWhole(filter);
         const Answer holds = behaviour.answerTo(junction, {0, {&junction.toHold(place, index, true)}});
         logic.holds = std::max(logic.holds, holds);
         if (holds == Answer::Yes || holds == Answer::Undecided) {
             possible.push_back(index);
-        } else if (!isExplained) {
+        } else if (!isTold) {
             const std::string why =
                 isOfConstants(filter) ? ", being a comparison of two constants" : ", whatever the event";
             warn(found, "never-true", placeAt(filter, "operator"),
@@ -90,7 +91,7 @@ class FilterJudge {
         }
         const bool always = !isExplained && behaviour.decide(junction, {0, {&junction.toHold(place, index, false)}},
                                                              Values::All) == Verdict::No;
-        if (always) {
+        if (always && !isTold) {
             const std::string why =
                 isOfConstants(filter) ? ", being a comparison of two constants" : ", whatever the event";
             warn(found, "always-true", placeAt(filter, "operator"), shown(filter) + " is always true" + why,
