@@ -25,9 +25,8 @@ from documents import EVENT_TYPES, Vocabulary, is_accepted, make_document
 from semantics import Machine, context_of, filter_of
 
 PROPERTIES = ["trigger_only_if", "between_triggers", "at_most", "can_reach", "cannot_reach"]
-# Where one of these stands at a filter, never-true does not: it would only tell what comes of them.
+# Where one of these stands at a filter, never-true and always-true do not: they would only tell what comes of them.
 FINDS_NOTHING = {"unknown-attribute", "context-ignored", "function-fallback"}
-NEVER_FIRES = FINDS_NOTHING | {"never-true", "shadowed-transition"}
 
 
 read_line = functools.lru_cache(json.loads)  # an endless circle writes the same lines again and again
@@ -161,7 +160,10 @@ class DocumentCase(Case):
             self.properties.append({"name": f"property {number}"} | own | prop)
             self.verdicts.append(all(machine.holds(prop) for machine in asked))
         tests = {"rules": "rules.json", "properties": self.properties}
-        (folder / "rules.json").write_text(json.dumps(document, indent=1))
+        text = json.dumps(document, indent=1)
+        lines = iter(number for number, line in enumerate(text.splitlines(), 1) if '"from_state": ' in line)
+        self.lines = [list(itertools.islice(lines, len(rules))) for rules in self.rules]
+        (folder / "rules.json").write_text(text)
         (folder / "rules.test.json").write_text(json.dumps(tests, indent=1))
         names = {semantics.KINDS[kind]: names for kind, names in words.attributes.items()}
         for name, context in (("nothing", {}), ("contexts", names)):
@@ -287,7 +289,11 @@ class DocumentCase(Case):
         for each in answer["findings"]:
             place = re.fullmatch(r"configs\[(\d+)\]\.payload\.data\.transitions\[(\d+)\]\.?(.*)", each["path"])
             if place and not answer["undecided"]:
-                found[int(place[1])][int(place[2])][place[3], each["name"]] = each
+                config, number = int(place[1]), int(place[2])
+                found[config][number][place[3], each["name"]] = each
+                rule = self.rules[config][number]
+                told = {"from": rule["from_state"], "to": rule["to_state"], "line": self.lines[config][number]}
+                self.expect(f"{each['path']}: the transition of a finding", told, each["transition"])
         return None if answer["undecided"] else found
 
     def compare_check(self):
@@ -296,6 +302,7 @@ class DocumentCase(Case):
                 self.compare_transition_warnings(index, number, found[number])
             self.compare_state_warnings(f"machine {index}", machine, self.rules[index], found)
             self.compare_storms(index, machine, found)
+            self.compare_circles(index, machine, found)
         # A context that may have any attribute makes nothing impossible that is possible in one of these.
         for index, found in enumerate(self.findings("contexts") or []):
             dead = {number for number, each in enumerate(found)
@@ -313,15 +320,19 @@ class DocumentCase(Case):
         rule, filters = machine.transitions[number], self.filters[index][number]
         passes = functools.partial(machine.passes, rule.event)
         contradictory = next((last for last in range(len(filters)) if not passes(filters[:last + 1], [], True)), None)
-        silent = any(place.startswith(f"filters[{contradictory}]") and name in FINDS_NOTHING for place, name in found)
+        alone = [] if contradictory is None else filters[contradictory:contradictory + 1]
+        silent = not passes(alone, [], True) and is_explained(found, contradictory)
         named = sorted(int(re.search(r"\d+", place)[0]) for place, name in found if name == "never-true")
         self.expect(f"{what}: first never-true", contradictory,
                     min(named + [contradictory] * silent, default=None))
         if contradictory in named:
-            alone = filters[contradictory:contradictory + 1]
             subject = filters[:contradictory + 1] if passes(alone, [], True) else alone
             self.expect(f"{what}: only an infinity or NaN fulfils", passes(subject, [], False),
                         found[f"filters[{contradictory}]", "never-true"]["message"].startswith("only"))
+        always = [number for number, each in enumerate(filters) if not passes([], [frozenset([each])], False)]
+        self.expect(f"{what}: always true", [each for each in always if not is_explained(found, each)],
+                    sorted(int(re.search(r"\d+", place)[0]) for place, name in found if name == "always-true"))
+        self.counts["check always-true"] += len(always)
         recordable = contradictory is None
         shadowed = passes(filters, [], recordable) and not passes(filters, rule.before, recordable)
         self.expect(f"{what}: shadowed", shadowed, ("", "shadowed-transition") in found)
@@ -330,7 +341,10 @@ class DocumentCase(Case):
         if shadowed and ("", "shadowed-transition") in found:
             message, only = found["", "shadowed-transition"]["message"], passes(filters, rule.before, False)
             self.expect(f"{what}: only an infinity or NaN fires", only, message.startswith("only"))
-            before = [machine.transitions[int(each)].filters for each in re.findall(r"transitions\[(\d+)", message)]
+            before = [machine.transitions[self.lines[index].index(int(line))].filters
+                      for line in re.findall(r"\(line (\d+)\)", message)]
+            always = len(before) == 1 and not passes([], before, False)
+            self.expect(f"{what}: the one before always fires", always, message.endswith(", which always fires"))
             if " more on " not in message:
                 self.expect(f"{what}: passes those named, and all but one of them", [False] + [True] * len(before), [
                     passes(filters, each, only)
@@ -349,8 +363,7 @@ class DocumentCase(Case):
         self.counts["check states without way out"] += len(stuck)
         self.expect(f"{what}: has a way out", [], [state for state in stuck if state not in machine.stuck() - {"end"}])
         led_to = {machine.transitions[number].target for number in machine.reached_by_any.transitions}
-        excused = {rule["from_state"] for rule, each in zip(rules, found) if NEVER_FIRES & names_in(each)}
-        self.expect(f"{what}: has no way out", set(), machine.stuck() & led_to - {"end"} - excused - set(stuck))
+        self.expect(f"{what}: has no way out", set(), machine.stuck() & led_to - {"end"} - set(stuck))
 
     def compare_storms(self, index, machine, found):
         certain = machine.storms({state: list(chain.rests)[0] for state, chain in machine.chains.items()
@@ -372,6 +385,26 @@ class DocumentCase(Case):
         missed = {number for number in machine.storms(machine.sure_rests()) for rule in [machine.transitions[number]]
                   if rule.event != "Timeout" and (rule.source, rule.event) not in cycles}
         self.expect(f"machine {index}: storms that are named nowhere", set(), missed)
+
+    def compare_circles(self, index, machine, found):
+        """Each circle of EnteringState transitions that nothing can stop is an error, which is told at one of them."""
+        told = sorted(number for number, each in enumerate(found) for (_, name), finding in each.items()
+                      if name == "endless-entering" and finding["severity"] == "error")
+        # What is not known to be there is not known to let everything through either.
+        sure = {state: moves[0] for state, moves in machine.next.items() if len(moves) == 1 and moves != [None]
+                and FINDS_NOTHING.isdisjoint(names_in(found[moves[0]]))}
+        circles = set()
+        for state in machine.reached_by_any.states:
+            way = []
+            while state in sure and sure[state] not in way:
+                way.append(sure[state])
+                state = machine.transitions[way[-1]].target
+            if state in sure:
+                circles.add(frozenset(way[way.index(sure[state]):]))
+        self.expect(f"machine {index}: errors for each endless circle", [1] * len(circles),
+                    [len(circle.intersection(told)) for circle in circles])
+        self.expect(f"machine {index}: errors for endless circles", len(circles), len(told))
+        self.counts["check endless circles"] += len(circles)
 
     def compare_properties(self):
         done = self.vig("test", "rules.test.json")
@@ -431,6 +464,13 @@ def answers_of(machine, stays):
 
 def names_in(found):
     return {name for _, name in found}
+
+
+def is_explained(found, number):
+    """Tells whether what is found inside of that filter says already what it comes to."""
+    return any(place.startswith(f"filters[{number}]") and (
+        name in FINDS_NOTHING or (name == "number-text" and finding["message"].endswith(" is ignored")))
+        for (place, name), finding in found.items())
 
 
 def states_with(warning, rules, found):

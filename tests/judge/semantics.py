@@ -510,10 +510,10 @@ class Machine:
                 if goes_on([rule], frozenset([triggers(rule, 1)]))}
 
     def stuck(self):
-        """Returns the states in which the machine does nothing any more once it is there."""
+        """Returns the states in which the machine does nothing any more once it is there, whatever the event."""
         return {state for state in self.reached_by_any.states if not any(
             rule.source == state and (rule.target != state or rule.actions) and (
-                index in self.next[state] if rule.event == "EnteringState" else self.can(rule))
+                index in self.next[state] if rule.event == "EnteringState" else self.can(rule, recordable=False))
             for index, rule in enumerate(self.transitions))}
 
     def shortest_break(self, prop):
