@@ -51,6 +51,9 @@ readonly CHECK_PACKAGES=(
 # What answers a second time what the tool decides.
 # shellcheck disable=SC2034
 readonly JUDGE_PACKAGES=(python3 python3-z3)
+# What spreads a replay over many processes, and draws what came of it.
+# shellcheck disable=SC2034
+readonly FLEET_PACKAGES=(python3-cryptography python3-distributed python3-matplotlib util-linux)
 # What explores the model of the manager.
 # shellcheck disable=SC2034
 readonly MODEL_PACKAGES=(gcc libc6-dev spin)
