@@ -38,14 +38,14 @@ for ((i = 0; i < 24; ++i)); do
 done
 gzip devices/device-7
 mv devices/device-3 $'devices/sub folder/\xff device'
-mv devices/device-4 ./-4
+mv devices/device-4 ./-a
 echo no record | tee devices/broken >devices/.hidden
-printf '%s\n' -4 missing >list
+printf '%s\n' -a a\ missing\ one >list
 { find devices -type f ! -name '.*' -print0; tr '\n' '\0' <list; } | LC_ALL=C sort -z >names
 
 fail() {
     echo "$1" >&2
-    tail -n 50 out said >&2
+    tail -n 99 out said >&2
     exit 1
 }
 
@@ -64,7 +64,8 @@ try 2 'kill once' rules.json devices @list --seed 7 --workers 3 --partition 2 --
 [ -d killed ] || fail "no worker was killed"
 [ "$(grep -c '^run - .*device-12' calls)" -eq 2 ] || fail "what the killed worker had did not run twice"
 cmp expected out || fail "another result than that of one run"
-[[ $(<said) == *"$(cat problems && vig summary expected)" ]] || fail "not said: what one run says, and the table"
+# Dask may say something in between.
+[[ $(<said) == *"$(<problems)"*"$(vig summary expected)"* ]] || fail "not said: what one run says, and the table"
 /usr/bin/python3 - fired.png <<'END' || fail "no picture, or an empty one"
 import sys
 import matplotlib.image
@@ -79,7 +80,7 @@ try 1 '' refused.json devices
 [ "$(grep -c error: said) $(wc -l <calls) $(wc -c <out)" = '1 1 0' ] || fail "not once"
 
 echo "== a partition that kills its workers is named"
-DASK_DISTRIBUTED__SCHEDULER__ALLOWED_FAILURES=1 try 1 kill rules.json devices/device-12 devices/device-5 --workers 3 --partition 1
+DASK_DISTRIBUTED__SCHEDULER__ALLOWED_FAILURES=1 try 1 kill rules.json devices/device-12 --workers 3
 [ ! -s out ] || fail "a summary of less than the fleet"
 grep -qx "'devices/device-12'" said || fail "its recording is not named"
 
@@ -112,3 +113,4 @@ left = [each for each in psutil.wait_procs(started, timeout=5)[1] if each.status
 assert not left, left
 END
 [ ! -s out ] || fail "a summary of less than the fleet"
+! grep -q Traceback said || fail "more said than it should"
