@@ -57,13 +57,15 @@ def partitions_of(names, size):
 
 
 def vig(arguments, text, folder):
-    """Returns what vig writes and what it says. It ends with the worker that runs it, which may be killed at any time."""
+    """Returns what vig writes, and what it says on standard error."""
+    # A vig whose worker is killed ends, too.
     ended = subprocess.run(["setpriv", "--pdeathsig", "KILL", "vig", *arguments],
                            input=text, cwd=folder, capture_output=True)
     # With 2 and a summary there are recordings that could not be read: the summary counts them.
     if ended.returncode not in (0, 2) or not ended.stdout:
         said = ended.stderr.decode(errors="backslashreplace")
-        raise RuntimeError(f"vig {arguments[0]} has ended with {ended.returncode} on {os.uname().nodename}. {said}".strip())
+        machine = os.uname().nodename
+        raise RuntimeError(f"vig {arguments[0]} has ended with {ended.returncode} on {machine}. {said}".strip())
     return ended.stdout, ended.stderr
 
 
@@ -94,16 +96,21 @@ def backtest(client, document, partitions, seed):
 
 def watch(partitions):
     """Shows how far they are, on a terminal, and ends with the first one that fails for good."""
-    began, done, total = time.monotonic(), 0, sum(map(len, partitions.values()))
+    began = time.monotonic()
+    done, total = 0, sum(map(len, partitions.values()))
     for future in as_completed(partitions):
         names = partitions[future]
-        if future.status != "finished":
-            # Dask itself reruns what a lost worker had; it gives up where several workers are lost with the same partition.
-            sys.exit(f"{future.exception()}\nIt had these recordings:\n" + "\n".join(repr(os.fsdecode(each)) for each in names))
+        if future.cancelled():
+            raise RuntimeError("the scheduler is lost, and with it what its workers have done")
+        if future.status == "error":
+            # Dask itself reruns what a lost worker had, until too many workers are lost with the same partition.
+            named = "\n".join(repr(os.fsdecode(each)) for each in names)
+            raise RuntimeError(f"{future.exception()}\nThe recordings of this partition:\n{named}")
         done += len(names)
         if sys.stderr.isatty():
             left = (time.monotonic() - began) / done * (total - done)
-            print(f"\r{done} of {total} recordings, {left:.0f} s left \033[K", end="" if done < total else "\n", file=sys.stderr)
+            end = "" if done < total else "\n"
+            print(f"\r{done} of {total} recordings, {left:.0f} s left \033[K", end=end, file=sys.stderr, flush=True)
 
 
 def plot(summary, file):
@@ -119,7 +126,7 @@ def plot(summary, file):
         axes.bar_label(bars, padding=3)
         axes.margins(x=0.15)
         axes.set_title(f"{key}, of {summary['devices']}" if key == "devices" else key)
-    axes.set_yticks(range(len(rows)), [name for name, _ in rows], parse_math=False)
+    axes.set_yticks(range(len(rows)), [name.replace("$", r"\$") for name, _ in rows])  # no formulas
     axes.invert_yaxis()
     figure.savefig(file)
 
@@ -134,9 +141,11 @@ def client_of(arguments):
     multiprocessing.resource_tracker.ensure_running()  # which would let it through again
     signal.pthread_sigmask(signal.SIG_BLOCK, {signal.SIGINT})
     # Only this machine reaches these workers, and of its users only this one has their key.
-    with tempfile.TemporaryDirectory() as scratch, LocalCluster(
-            n_workers=arguments.workers, threads_per_worker=1, local_directory=scratch, security=True, host="127.0.0.1",
-            dashboard_address="127.0.0.1:0", worker_dashboard_address="127.0.0.1:0") as cluster, Client(cluster) as client:
+    closed = {"host": "127.0.0.1", "security": True, "dashboard_address": "127.0.0.1:0",
+              "worker_dashboard_address": "127.0.0.1:0"}
+    with tempfile.TemporaryDirectory() as scratch, \
+            LocalCluster(n_workers=arguments.workers, threads_per_worker=1, local_directory=scratch, **closed) as cluster, \
+            Client(cluster) as client:
         signal.pthread_sigmask(signal.SIG_UNBLOCK, {signal.SIGINT})
         yield client
 
@@ -151,7 +160,8 @@ def positive(text):
 def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("rules", help="the rule document")
-    parser.add_argument("recordings", nargs="+", help="files, a device each; folders of them; @FILE or - for a list of names")
+    parser.add_argument("recordings", nargs="+",
+                        help="files, a device each; folders of them; @FILE or - for a list of names")
     where = parser.add_mutually_exclusive_group()
     where.add_argument("--workers", type=positive, default=len(os.sched_getaffinity(0)), metavar="N",
                        help="processes of this machine (default: its cores)")

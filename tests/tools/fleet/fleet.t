@@ -85,3 +85,10 @@ Standard input has one name.
   $ vig run rules.json - a --format jsonl <storm | grep -o '"device":"<[^}]*}' | uniq -c
        13 "device":"<stdin>"}
         1 "device":"<stdin>","triggers":12,"events":12}
+
+Names of recordings are what a mapper may be given.
+
+  $ printf '%s\n' d none a | xargs -r -d '\n' vig run rules.json -j 1 --format json -- >mapped
+  vig: error: none: No such file or directory
+  [123]
+  $ vig run rules.json a d none --format json 2>/dev/null | cmp - mapped
