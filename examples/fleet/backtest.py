@@ -56,7 +56,7 @@ def partitions_of(names, size):
     return partitions
 
 
-def vig(arguments, text, folder):
+def vig(arguments, folder, text=b""):
     """Returns what vig writes, and what it says on standard error."""
     # A vig whose worker is killed ends, too.
     ended = subprocess.run(["setpriv", "--pdeathsig", "KILL", "vig", *arguments],
@@ -69,23 +69,21 @@ def vig(arguments, text, folder):
     return ended.stdout, ended.stderr
 
 
-def run(names, document, folder, seed):
+def run(names, rules, seed, folder):
     """The mapper."""
-    return vig(["run", "-", "--format", "json", "-j", "1", *seed, "--", *names], document, folder)
+    return vig(["run", "--format", "json", "-j", "1", *seed, "--", rules, *names], folder)
 
 
 def merge(results, folder):
     """The reducer."""
     summaries, said = zip(*results)
-    return vig(["summary", "--format", "json"], b"".join(summaries), folder)[0], b"".join(said)
+    return vig(["summary", "--format", "json"], folder, b"".join(summaries))[0], b"".join(said)
 
 
-def backtest(client, document, partitions, seed):
+def backtest(client, partitions, rules, seed):
     """Returns the summary of all partitions and what vig said of them, in their order."""
     folder = os.getcwd()
-    # A result of its own: it travels once to each worker, and is made anew if all that had it are lost.
-    document = client.submit(bytes, document, pure=False)
-    runs = [client.submit(run, each, document, folder, seed, pure=False) for each in partitions]
+    runs = [client.submit(run, each, rules, seed, folder, pure=False) for each in partitions]
     level = runs
     while len(level) > 1:
         level = [client.submit(merge, level[i:i + MERGED_AT_ONCE], folder, pure=False)
@@ -179,17 +177,15 @@ def main():
             parser.error(f"--plot: {arguments.plot}: expected a name that ends with .png, .svg or .pdf")
         if not importlib.util.find_spec("matplotlib"):
             parser.error("--plot: needs python3-matplotlib")
-    # A document that is refused is refused once, here.
+    # A document that is refused is refused once, here. One that is changed afterwards would be noticed by the reducer.
     seed = ["--seed", arguments.seed] if arguments.seed else []
     refused = subprocess.run(["vig", "run", "--format", "json", *seed, "--", arguments.rules, os.devnull],
                              stdout=subprocess.DEVNULL).returncode
     if refused:
         return refused
-    with open(arguments.rules, "rb") as file:
-        document = file.read()
 
     with client_of(arguments) as client:
-        summary, said = backtest(client, document, partitions_of(names, arguments.partition), seed)
+        summary, said = backtest(client, partitions_of(names, arguments.partition), arguments.rules, seed)
     sys.stderr.buffer.write(said)
     sys.stdout.buffer.write(summary)
     sys.stdout.flush()
