@@ -52,15 +52,13 @@ void FiniteStateMachine::onEvent(const Event& event) {
 }
 
 void FiniteStateMachine::offer(const Event& event, int maxMoves) {
-    const Event* offered = &event;
+    EvaluationContext& current = *context;  // no action replaces it
     // The bound keeps a cycle of EnteringState transitions from hanging the thread that delivers events.
-    for (int moves = 0; moves < maxMoves; ++moves) {
-        State* const next = currentState->offer(*context, *offered);
-        if (next == nullptr) {
+    for (State* next = currentState->offer(current, event); next != nullptr; next = next->enter(current)) {
+        currentState = next;
+        if (--maxMoves == 0) {
             return;
         }
-        currentState = next;
-        offered = &Event::ENTERING_STATE;
     }
 }
 

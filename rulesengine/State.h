@@ -60,6 +60,18 @@ class VIG_EXPORT State {
         return nullptr;
     }
 
+    // Offers the event of entering. It is the library's own, so what it matches is known without a virtual call.
+    State* enter(EvaluationContext& context) const {
+        for (const auto& transition : transitions) {
+            if (transition->eventType == EventType::EnteringState) {
+                if (State* const next = transition->onEvent(context, Event::ENTERING_STATE)) {
+                    return next;
+                }
+            }
+        }
+        return nullptr;
+    }
+
     const std::string name;
     FiniteStateMachine& machine;
     std::vector<std::unique_ptr<Transition>> transitions;
