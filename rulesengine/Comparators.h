@@ -12,6 +12,7 @@
 #include "rulesengine/EvaluationContext.h"
 #include "rulesengine/Event.h"
 #include "rulesengine/Filter.h"
+#include "rulesengine/ShortText.h"
 
 namespace Brenta::OS::RulesEngine {
 
@@ -32,10 +33,15 @@ class VIG_EXPORT EvtAndContextComparator final : public Filter {
     bool operator()(const EvaluationContext& context, const Event& event) const override {
         if constexpr (std::is_same_v<T, std::string>) {
             std::string_view value = event.getStringAttr(attributeName);
-            if (value.empty()) {
+            if (value.empty()) [[unlikely]] {
                 value = context.getStringAttr(attributeName);
             }
-            return Op()(value, std::string_view(constant));
+            const bool equal = areEqualTexts(value, constant);
+            if constexpr (std::is_same_v<Op, std::equal_to<>> || std::is_same_v<Op, std::not_equal_to<>>) {
+                return Op()(equal, true);
+            } else {
+                return Op()(equal ? 0 : value.compare(constant), 0);
+            }
         } else {
             auto value = numberOf(event);
             if (!value) {

@@ -29,6 +29,7 @@ diff - <(find . ! -type d ! -path './include/vig/platform/*' | sed -E 's/(so\.[0
 ./include/vig/rulesengine/FiniteStateMachine.h
 ./include/vig/rulesengine/FuncAction.h
 ./include/vig/rulesengine/FuncFilter.h
+./include/vig/rulesengine/ShortText.h
 ./include/vig/rulesengine/State.h
 ./include/vig/rulesengine/TimeoutEvent.h
 ./include/vig/rulesengine/Transition.h

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "rulesengine/Event.h"
+#include "rulesengine/ShortText.h"
 
 namespace Brenta::OS::VIG::Tool {
 
@@ -60,10 +61,15 @@ class AttributeSet {
     std::optional<T> find(std::string_view name) const {
         const auto& attributes = table<T>();
         // Among few names, most differ in length already.
-        const auto found =
-            attributes.size() <= kFew
-                ? std::ranges::find_if(attributes, [&](const auto& each) { return nameOf(each) == name; })
-                : lowerBound<T>(name);
+        if (attributes.size() <= kFew) {
+            for (const auto& each : attributes) {
+                if (RulesEngine::areEqualTexts(nameOf(each), name)) {
+                    return toValue(each.value);
+                }
+            }
+            return std::nullopt;
+        }
+        const auto found = lowerBound<T>(name);
         if (found == attributes.end() || nameOf(*found) != name) {
             return std::nullopt;
         }
