@@ -14,7 +14,6 @@
 
 #include "bench/Process.h"
 #include "bench/Scenario.h"
-#include "tests/support/Documents.h"
 #include "tests/support/TemporaryFolder.h"
 
 // `vig run` is compared with the parser that it reads with and with the filter that a person would write, `vig check`
@@ -61,10 +60,9 @@ std::string recordingOfThisMachine() {
     }
     const std::string once = folder() / "once.jsonl";
     runProgram({VIG_TOOL, "watch", "--record", once, "--duration", "2s", "--interval", "100ms"});
-    const std::string text = support::textOf(once);
     std::ofstream file(path);
-    for (std::size_t size = 0; size < 100'000'000; size += text.size()) {
-        file << text;
+    for (std::uintmax_t size = 0; size < 100'000'000; size += std::filesystem::file_size(once)) {
+        file << std::ifstream(once).rdbuf();
     }
     return path;
 }

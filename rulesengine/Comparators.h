@@ -36,11 +36,10 @@ class VIG_EXPORT EvtAndContextComparator final : public Filter {
             if (value.empty()) [[unlikely]] {
                 value = context.getStringAttr(attributeName);
             }
-            const bool equal = areEqualTexts(value, constant);
             if constexpr (std::is_same_v<Op, std::equal_to<>> || std::is_same_v<Op, std::not_equal_to<>>) {
-                return Op()(equal, true);
+                return Op()(areEqualTexts(value, constant), true);
             } else {
-                return Op()(equal ? 0 : value.compare(constant), 0);
+                return Op()(value, std::string_view(constant));
             }
         } else {
             auto value = numberOf(event);
