@@ -19,6 +19,9 @@ struct Comparison {
     double aim;               // the ratio may be at most that; 0 if there is none
     std::size_t counted = 0;  // how often it is done to count its instructions; 0 if they are not counted
     double units = 1;         // of theirs that ours does
+    // If these are given, the growths of both are compared: each against a smaller scenario of its own, for each unit.
+    std::string oursSmaller = {};
+    std::string theirsSmaller = {};
 };
 
 // Returns all that is reported, in the order of the table.

@@ -264,17 +264,19 @@ void addTool(std::vector<Scenario>& scenarios) {
         {"fleet/diff", 1, [] {
              return vigOverFleet(kDevices, {"diff", rules(kLimits), rules({kOtherLimit, kOtherLimit, kOtherLimit})});
          }});
+    constexpr int kDiffers = 1;
+    constexpr int kNotAllDecided = 1;  // what another context would change is beyond the steps that are spent on it
     for (const std::size_t transitions : {2'500, 5'000, 10'000, 20'000}) {
         scenarios.push_back({fmt::format("check/{}", transitions), 1, [transitions] {
                                  return vig({"check", manyTransitions(transitions, 0)});
                              }});
-    }
-    constexpr int kDiffers = 1;
-    for (const std::size_t transitions : {2'500, 5'000, 10'000, 20'000}) {
         scenarios.push_back(
             {fmt::format("diff/{}", transitions), 1, [transitions] {
                  return vig({"diff", manyTransitions(transitions, 0), manyTransitions(transitions, 1)}, kDiffers);
              }});
+        scenarios.push_back({fmt::format("prove/{}", transitions), 1, [transitions] {
+                                 return vig({"prove", manyTransitions(transitions, 0)}, kNotAllDecided);
+                             }});
     }
 }
 
