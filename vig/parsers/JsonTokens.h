@@ -44,19 +44,27 @@ class JsonTokens {
 
     // Returns whether the next character that is not white space is `character`; comments are not skipped.
     bool isFollowedBy(char character) const {
-        const std::size_t place = text.find_first_not_of(kWhiteSpace, position);
-        return place != std::string_view::npos && text[place] == character;
+        const std::size_t place = endOfWhiteSpace();
+        return place < text.size() && text[place] == character;
     }
 
   private:
-    static constexpr std::string_view kWhiteSpace = " \t\r\n";
+    // Most tokens have none before them: no call is made to see that.
+    std::size_t endOfWhiteSpace() const {
+        std::size_t place = position;
+        while (place < text.size() &&
+               (text[place] == ' ' || text[place] == '\n' || text[place] == '\t' || text[place] == '\r')) {
+            ++place;
+        }
+        return place;
+    }
 
     void moveTo(std::size_t place) { position = std::min(place, text.size()); }
 
     // Returns whether there was a comment.
     bool skipSeparators() {
         for (bool hasComment = false;; hasComment = true) {
-            moveTo(text.find_first_not_of(kWhiteSpace, position));
+            position = endOfWhiteSpace();
             if (position == text.size() || text[position] != '/') {
                 return hasComment;
             }
