@@ -44,10 +44,12 @@ TEST(EventReader, RecordBecomesAnEventWithTheAttributesOfEachKind) {
         R"("uint64":{"most":18446744073709551615},"double":{"whole":90,"half":-0.5},"time_ms":1200,)"
         R"("bool":{"yes":true,"no":false},"string":{"processName":"c\u0061m\n\ud83d\ude00","empty":"","\u00e9":"","":""}})"
         "\n"
-        R"({"event":"Timeout","timeout_id":3})"
+        R"({"device":"\u0061\"","event":"Timeout","timeout_id":3})"
+        "\n"
+        R"({"ended":true,"device":"b"})"
         "\n"
         R"({"event":"Test"})");
-    ASSERT_EQ(all.records.size(), 3u) << all.error;
+    ASSERT_EQ(all.records.size(), 4u) << all.error;
     EXPECT_EQ(all.records[0].timeMs, 1200);
     const RecordedEvent event(all.records[0].attributes, all.records[0].type);
     EXPECT_EQ(event.type, EventType::ProcessMemoryHeartBeat);
@@ -67,8 +69,10 @@ TEST(EventReader, RecordBecomesAnEventWithTheAttributesOfEachKind) {
     EXPECT_FALSE(event.getDoubleAttr("vmRssKB") || event.getInt64Attr("whole"));
     EXPECT_FALSE(event.getUint64Attr("vmRssK") || event.getBoolAttr("vmRssKBs"));
     // Nothing of a record is left in the next.
-    EXPECT_TRUE(all.records[1] == (EventRecord{.type = EventType::Timeout, .timeoutId = 3}));
-    EXPECT_TRUE(all.records[2] == EventRecord{.type = EventType::Test});
+    EXPECT_TRUE(all.records[1] == (EventRecord{.type = EventType::Timeout, .timeoutId = 3, .device = "a\""}));
+    EXPECT_TRUE(all.records[2] == (EventRecord{.device = "b", .isEnd = true}));
+    EXPECT_TRUE(all.records[3] == EventRecord{.type = EventType::Test});
+    EXPECT_TRUE(Reading(written(all.records)).isSame(all));
 }
 
 TEST(EventReader, WhatIsWrongWithAnAttributeIsToldOfEachKind) {
@@ -130,6 +134,13 @@ TEST(EventReader, BadLineIsReportedWithItsPlaceAndTheKeyAtFault) {
          R"(event: unknown event "ProcessMemoryHeartbeat"; did you mean "ProcessMemoryHeartBeat"?)"},
         {R"({"event":")" + name + "\"}", "event: unknown event \"" + name.substr(0, 64) + "…\""},
         {R"({"event":7})", "event: expected a string, got 7"},
+        {R"({"event":"Test","device":7})", "device: expected a string, got 7"},
+        {R"({"event":"Test","device":""})", R"(device: expected a name, got "")"},
+        {R"({"device":"a"})", "event: missing"},
+        {R"({"device":"a","ended":1})", "ended: expected true or false, got 1"},
+        {R"({"device":"a","ended":false})", "ended: expected true, got false"},
+        {R"({"ended":true})", R"(ended: stands beside "device" and nothing else)"},
+        {R"({"device":"a","ended":true,"int64":{}})", R"(ended: stands beside "device" and nothing else)"},
         {R"({"int64":{"a":1}})", "event: missing"},
         {R"({"event":"Timeout"})", "timeout_id: missing, which a Timeout event needs"},
         {R"({"event":"Test","timeout_id":3})", "timeout_id: only a Timeout event has one"},
@@ -153,10 +164,40 @@ TEST(EventReader, BadLineIsReportedWithItsPlaceAndTheKeyAtFault) {
     }
     const int folder = open("/", O_RDONLY | O_DIRECTORY);
     const Interruption interruption;
-    EventReader reader(folder, "here", interruption, [] {});
+    EventReader reader(folder, "here", EventReader::Devices::One, interruption, [] {});
     EXPECT_EQ(reader.next(), EventReader::Status::Failed);
     EXPECT_EQ(reader.error(), "vig: error: here: Is a directory");
     close(folder);
+}
+
+TEST(EventReader, RecordsAreOfTheDevicesThatTheReaderIsToldOf) {
+    using Devices = EventReader::Devices;
+    const std::string a = R"({"device":"a","event":"Test"})";
+    const std::string b = R"({"device":"b","event":"Test"})";
+    const std::string unnamed = R"({"event":"Test"})";
+    const std::string end = R"({"device":"a","ended":true})";
+    const struct {
+        Devices devices;
+        std::vector<std::string> lines;
+        std::size_t records;
+        std::string mistake;  // in the last line
+    } cases[] = {
+        {Devices::One, {unnamed, a, unnamed, a, end}, 4, ""},
+        {Devices::One, {end}, 0, ""},
+        {Devices::One, {a, b}, 1, R"("b" after "a"; vig run --by-device gives each machines of its own)"},
+        {Devices::One, {b, end}, 1, R"("a" after "b"; vig run --by-device gives each machines of its own)"},
+        {Devices::One, {a, end, a}, 1, R"("a" has ended; vig run --by-device begins anew)"},
+        {Devices::One, {end, unnamed}, 0, R"("a" has ended; vig run --by-device begins anew)"},
+        {Devices::Any, {a, unnamed, end, b, end, a}, 6, ""},
+        {Devices::Named, {a, b, end, a, end}, 5, ""},
+        {Devices::Named, {a, unnamed}, 1, "missing, without which nobody knows whose event it is"},
+    };
+    for (const auto& [devices, lines, records, mistake] : cases) {
+        const Reading reading(fmt::format("{}\n", fmt::join(lines, "\n")), 32768, devices);
+        EXPECT_EQ(reading.records.size(), records);
+        EXPECT_EQ(reading.error,
+                  mistake.empty() ? "" : fmt::format("events.jsonl:{}: error: device: {}", lines.size(), mistake));
+    }
 }
 
 TEST(EventReader, NumbersHaveTheValueThatIsNearest) {
@@ -203,7 +244,8 @@ TEST(EventReader, WhatHasArrivedFromAPipeIsHandedOutBeforeWaitingForMore) {
     const MemoryFile file("{\"event\":\"Test\"}\n");
     Interruption interruption;
     interruption.request();
-    EXPECT_EQ(EventReader(file.descriptor, "file", interruption, [] {}).next(), EventReader::Status::Interrupted);
+    EXPECT_EQ(EventReader(file.descriptor, "file", EventReader::Devices::One, interruption, [] {}).next(),
+              EventReader::Status::Interrupted);
 }
 
 // The libraries that made the formats compress the text.

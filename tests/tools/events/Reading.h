@@ -22,11 +22,12 @@ namespace Tool = Brenta::OS::VIG::Tool;
 
 // Holds what a reader makes of a text up to its end or the error. It comes out of a pipe, in pieces of that size.
 struct Reading {
-    explicit Reading(std::string_view text, std::size_t piece = 32768) {
+    explicit Reading(std::string_view text, std::size_t piece = 32768,
+                     Tool::EventReader::Devices devices = Tool::EventReader::Devices::Any) {
         int ends[2] = {-1, -1};
         const int status = pipe(ends);
         const Tool::Interruption never;
-        Tool::EventReader reader(ends[0], "events.jsonl", never, [&] {
+        Tool::EventReader reader(ends[0], "events.jsonl", devices, never, [&] {
             atWaits.push_back(records.size());
             if (text.empty()) {
                 close(std::exchange(ends[1], -1));

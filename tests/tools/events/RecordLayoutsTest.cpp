@@ -21,7 +21,8 @@ using support::Outcome;
 const std::vector<std::string>& lines() {
     static const std::vector<std::string> lines = {
         R"({"event":"Test"})",
-        R"({"event":"Timeout","time_ms":12,"timeout_id":-3})",
+        R"({"event":"Timeout","time_ms":12,"timeout_id":-3,"device":"unit 7"})",
+        R"({"device":"é","ended":true})",
         R"({"event":"ProcessMemoryHeartBeat","time_ms":7019,"int64":{"pid":10945,"vmRssKB":331140},)"
         R"("string":{"processName":"com.example.camera","note":""}})",
         R"( { "string" : {"z":"é","a":"1234567","b":"12345678"} , "double":{"half":-0.5e1,"d":0}, "event" : "Test" } )",

@@ -229,7 +229,9 @@ std::string Catalogue::text() const {
 EventReader::Status learnFrom(EventReader& reader, Catalogue& catalogue) {
     auto status = reader.next();
     while (status == EventReader::Status::Record) {
-        catalogue.learn(reader.record());
+        if (!reader.record().isEnd) {
+            catalogue.learn(reader.record());
+        }
         status = reader.next();
     }
     return status;

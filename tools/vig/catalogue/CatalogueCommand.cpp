@@ -20,7 +20,7 @@ std::optional<int> learnFrom(const std::string& events, const Console& console, 
         console.say(whyEventsNotOpened(events, errno));
         return kExitUnusable;
     }
-    EventReader reader(file.get(), nameOfEvents(events), interruption, [] {});
+    EventReader reader(file.get(), nameOfEvents(events), EventReader::Devices::Any, interruption, [] {});
     switch (learnFrom(reader, catalogue)) {
         case EventReader::Status::Failed:
             console.say(reader.error());

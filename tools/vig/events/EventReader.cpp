@@ -1,6 +1,7 @@
 #include "tools/vig/events/EventReader.h"
 
 #include <fcntl.h>
+#include <fmt/format.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -32,13 +33,28 @@ std::string nameOfEvents(const std::string& events) {
     return nameOfInput(events);
 }
 
-EventReader::EventReader(int source, std::string sourceName, const Interruption& interruption,
+std::string OneDevice::mistakeIn(const EventRecord& record) {
+    if (hasEnded) {
+        return "device: " + shownQuoted(name) + " has ended; vig run --by-device begins anew";
+    }
+    if (!record.device.empty() && record.device != name) {
+        if (!name.empty()) {
+            return fmt::format("device: {} after {}; vig run --by-device gives each machines of its own",
+                               shownQuoted(record.device), shownQuoted(name));
+        }
+        name = record.device;
+    }
+    hasEnded = record.isEnd;
+    return {};
+}
+
+EventReader::EventReader(int source, std::string sourceName, Devices devices, const Interruption& interruption,
                          std::function<void()> waiting)
-    : name(std::move(sourceName)), lines(source, name, interruption, std::move(waiting)) {}
+    : name(std::move(sourceName)), devices(devices), lines(source, name, interruption, std::move(waiting)) {}
 
 EventReader::Status EventReader::next() {
     std::string_view line;
-    do {
+    while (true) {
         switch (lines.next(line)) {
             case LineReader::Status::Line:
                 break;
@@ -50,13 +66,31 @@ EventReader::Status EventReader::next() {
                 message = lines.problem();
                 return Status::Failed;
         }
-    } while (isBlank(line));
-    current = parser.parse(line);
-    if (current != nullptr) {
-        return Status::Record;
+        if (isBlank(line)) {
+            continue;
+        }
+        current = parser.parse(line);
+        const std::string mistake = current != nullptr ? mistakeIn(*current) : parser.error();
+        if (!mistake.empty()) {
+            message = name + ":" + std::to_string(lines.lineNumber()) + ": error: " + mistake;
+            return Status::Failed;
+        }
+        if (!current->isEnd || devices != Devices::One) {
+            return Status::Record;
+        }
     }
-    message = name + ":" + std::to_string(lines.lineNumber()) + ": error: " + parser.error();
-    return Status::Failed;
+}
+
+std::string EventReader::mistakeIn(const EventRecord& record) {
+    switch (devices) {
+        case Devices::One:
+            return device.mistakeIn(record);
+        case Devices::Named:
+            return record.device.empty() ? "device: missing, without which nobody knows whose event it is" : "";
+        case Devices::Any:
+            break;
+    }
+    return {};
 }
 
 }  // namespace Brenta::OS::VIG::Tool

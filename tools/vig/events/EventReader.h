@@ -23,14 +23,30 @@ std::string whyEventsNotOpened(const std::string& events, int error);
 // Returns what messages about the records and reports call it.
 std::string nameOfEvents(const std::string& events);
 
+// Tells whether records that come one after the other are of one device.
+class OneDevice {
+  public:
+    // Returns what is wrong with the next record; empty if nothing is.
+    std::string mistakeIn(const EventRecord& record);
+
+  private:
+    std::string name;  // empty as long as no record has named it
+    bool hasEnded = false;
+};
+
 // Reads event records, one JSON object a line, from a descriptor, in memory that does not grow with their number.
 // The lines may be compressed by gzip or zstd. Empty lines are skipped.
 class EventReader {
   public:
     enum class Status { Record, End, Interrupted, Failed };
 
+    // It says of which devices the records are: of one, which they need not name and whose end is not handed out; of
+    // any; or of those that each record names.
+    enum class Devices { One, Any, Named };
+
     // `sourceName` stands in messages. For the rest see LineReader.
-    EventReader(int source, std::string sourceName, const Interruption& interruption, std::function<void()> waiting);
+    EventReader(int source, std::string sourceName, Devices devices, const Interruption& interruption,
+                std::function<void()> waiting);
 
     // Goes on to the next one.
     Status next();
@@ -44,7 +60,12 @@ class EventReader {
     std::uint64_t bytesRead() const { return lines.bytesRead(); }
 
   private:
+    // Returns what is wrong with the device of a record; empty if nothing is.
+    std::string mistakeIn(const EventRecord& record);
+
     const std::string name;
+    const Devices devices;
+    OneDevice device;
     LineReader lines;
     RecordParser parser;
     const EventRecord* current = nullptr;

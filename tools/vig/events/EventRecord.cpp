@@ -50,7 +50,14 @@ void appendKinds(std::string& line, const AttributeSet& attributes) {
 }  // namespace
 
 std::string jsonOf(const EventRecord& record) {
-    std::string line = fmt::format("{{\"event\":\"{}\"", nameOf(record.type));
+    std::string line = "{";
+    if (!record.device.empty()) {
+        line += "\"device\":" + quoted(record.device) + ",";
+    }
+    if (record.isEnd) {
+        return line + "\"ended\":true}";
+    }
+    fmt::format_to(std::back_inserter(line), "\"event\":\"{}\"", nameOf(record.type));
     if (record.timeMs) {
         fmt::format_to(std::back_inserter(line), ",\"time_ms\":{}", *record.timeMs);
     }

@@ -15,12 +15,14 @@ namespace Brenta::OS::VIG::Tool {
 
 class Output;
 
-// It is one event as it is recorded: a line of an event file.
+// It is one event as it is recorded: a line of an event file; or the line that says that a device has no more of them.
 struct EventRecord {
     RulesEngine::EventType type{};
     std::optional<std::int64_t> timeMs = {};     // since the recording began; for people, no rule sees it
     std::optional<std::int64_t> timeoutId = {};  // engaged exactly if the type is Timeout
     AttributeSet attributes = {};
+    std::string device = {};  // whose event it is; for who reads the recording, no rule sees it; empty if not named
+    bool isEnd = false;       // it is no event but the end of the device, and has nothing else
 
     bool operator==(const EventRecord&) const = default;
 };

@@ -119,7 +119,7 @@ void addNames(const AttributeSet& from, AttributeSet& to) {
 
 // The strings are empty, so that dropStrings() leaves nothing of them.
 RecordLayout::RecordLayout(const EventRecord& like)
-    : record{.type = like.type, .timeMs = like.timeMs, .timeoutId = like.timeoutId} {
+    : record{.type = like.type, .timeMs = like.timeMs, .timeoutId = like.timeoutId, .isEnd = like.isEnd} {
     addNames<std::uint64_t>(like.attributes, record.attributes);
     addNames<std::int64_t>(like.attributes, record.attributes);
     addNames<double>(like.attributes, record.attributes);
@@ -177,10 +177,12 @@ std::optional<RecordLayout> RecordLayout::of(std::string_view line, const EventR
     return layout;
 }
 
-// The value that has no slot is the name of the event, which is a constant of the layout.
+// The values that have no slot are the name of the event and that a device has ended, which are constants of the
+// layout.
 std::optional<RecordLayout::Slot> RecordLayout::slotOf(const std::vector<std::string_view>& keys) const {
     if (keys.size() == 1) {
-        return keys[0] == "time_ms"      ? std::optional(Slot{Member::TimeMs, 0})
+        return keys[0] == "device"       ? std::optional(Slot{Member::Device, 0})
+               : keys[0] == "time_ms"    ? std::optional(Slot{Member::TimeMs, 0})
                : keys[0] == "timeout_id" ? std::optional(Slot{Member::TimeoutId, 0})
                                          : std::nullopt;
     }
@@ -243,6 +245,12 @@ bool RecordLayout::readValue(const Slot& slot, const char*& at, const char* end)
         return isRead;
     };
     switch (slot.member) {
+        case Member::Device: {
+            std::string_view name;
+            const bool isRead = readString(at, end, name);
+            record.device = name;
+            return isRead && !name.empty();
+        }
         case Member::TimeMs:
             return readInteger(at, end, *record.timeMs);
         case Member::TimeoutId:

@@ -24,7 +24,7 @@ class RecordLayout {
     bool isSameAs(const RecordLayout& other) const;
 
   private:
-    enum class Member : std::uint8_t { TimeMs, TimeoutId, Uint64, Int64, Double, Bool, String };
+    enum class Member : std::uint8_t { Device, TimeMs, TimeoutId, Uint64, Int64, Double, Bool, String };
 
     // It stands behind bytes that are the same in each line, and goes to a place among the attributes of its kind.
     struct Slot {

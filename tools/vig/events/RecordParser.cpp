@@ -27,8 +27,11 @@ static_assert(LineReader::PADDING >= simdjson::SIMDJSON_PADDING);
 
 namespace {
 
-constexpr auto kMembers =
-    std::to_array<std::string_view>({"event", "time_ms", "timeout_id", "uint64", "int64", "double", "bool", "string"});
+constexpr auto kMembers = std::to_array<std::string_view>(
+    {"event", "time_ms", "timeout_id", "uint64", "int64", "double", "bool", "string", "device", "ended"});
+constexpr unsigned kEventBit = 1U << 0;
+constexpr unsigned kDeviceBit = 1U << 8;
+constexpr unsigned kEndedBit = 1U << 9;
 
 template <typename T>
 constexpr std::string_view kExpected;
@@ -147,6 +150,8 @@ class RecordParser::Impl {
     bool readMember(std::string_view key, ondemand::value value);
     bool readEventType(ondemand::value value, EventType& type);
     bool readInteger(std::string_view key, ondemand::value value, std::optional<std::int64_t>& integer);
+    bool readDevice(ondemand::value value);
+    bool readEnded(ondemand::value value);
     template <typename T>
     bool readKind(std::string_view kind, ondemand::value value);
     bool checkWhole();
@@ -180,6 +185,9 @@ const EventRecord* RecordParser::Impl::parse(std::string_view text) {
 }
 
 bool RecordParser::Impl::read(std::string_view text) {
+    record.type = {};
+    record.device.clear();
+    record.isEnd = false;
     record.timeMs.reset();
     record.timeoutId.reset();
     record.attributes.clear();
@@ -241,8 +249,12 @@ bool RecordParser::Impl::readMember(std::string_view key, ondemand::value value)
             return readKind<double>(key, value);
         case 6:
             return readKind<bool>(key, value);
-        default:
+        case 7:
             return readKind<std::string_view>(key, value);
+        case 8:
+            return readDevice(value);
+        default:
+            return readEnded(value);
     }
 }
 
@@ -263,6 +275,22 @@ bool RecordParser::Impl::readInteger(std::string_view key, ondemand::value value
                                      std::optional<std::int64_t>& integer) {
     const auto code = value.get(integer.emplace());
     return !code || wrongValue<std::int64_t>(std::string(key), value, code);
+}
+
+bool RecordParser::Impl::readDevice(ondemand::value value) {
+    std::string_view name;
+    if (const auto code = value.get(name)) {
+        return wrongValue<std::string_view>("device", value, code);
+    }
+    record.device = name;
+    return !name.empty() || fail("device: expected a name, got \"\"");
+}
+
+bool RecordParser::Impl::readEnded(ondemand::value value) {
+    if (const auto code = value.get(record.isEnd)) {
+        return wrongValue<bool>("ended", value, code);
+    }
+    return record.isEnd || fail("ended: expected true, got false");
 }
 
 template <typename T>
@@ -291,7 +319,10 @@ bool RecordParser::Impl::readKind(std::string_view kind, ondemand::value value) 
 }
 
 bool RecordParser::Impl::checkWhole() {
-    if ((seen & 1U) == 0) {
+    if (record.isEnd) {
+        return seen == (kDeviceBit | kEndedBit) || fail("ended: stands beside \"device\" and nothing else");
+    }
+    if ((seen & kEventBit) == 0) {
         return fail("event: missing");
     }
     if (record.type == EventType::Timeout && !record.timeoutId) {

@@ -35,7 +35,7 @@ bool Replay::play(const std::function<void(const EventRecord&)>& take, Output& o
     Progress progress(terminal, sizeOf(file));
     std::uint64_t count = 0;
     output.beforeWriting([&] { progress.clear(); });
-    EventReader reader(file.get(), nameOfEvents(events), interruption, [&] {
+    EventReader reader(file.get(), nameOfEvents(events), EventReader::Devices::One, interruption, [&] {
         output.flush();
         progress.showIfDue(count, reader.bytesRead());
     });

@@ -30,7 +30,7 @@ std::optional<int> readContext(const std::string& path, const Console& console, 
         console.complain(path + ": " + systemError(errno));
         return kExitUnusable;
     }
-    EventReader reader(file.get(), path, interruption, [] {});
+    EventReader reader(file.get(), path, EventReader::Devices::One, interruption, [] {});
     auto status = reader.next();
     if (status == EventReader::Status::Record) {
         AttributeSet first = reader.record().attributes;

@@ -198,10 +198,16 @@ class TestFileReader {
                 check.complainOfKind(json, place, "an array of event records or the name of a file of them");
                 return events;
             }
+            OneDevice device;
             StrictJson::forEach(json, place, [&](const auto& each, const auto& placeOfOne) {
                 const Place range = document.placeOf(each, placeOfOne);
                 const std::string text = document.source().text().substr(range.begin, range.end - range.begin);
-                keep(*events, record(text, each, placeOfOne));
+                EventRecord event = record(text, each, placeOfOne);
+                if (const std::string mistake = device.mistakeIn(event); !mistake.empty()) {
+                    check.complain(each, placeOfOne, mistake);
+                } else if (!event.isEnd) {
+                    keep(*events, std::move(event));
+                }
             });
         }
         return events;
@@ -222,7 +228,7 @@ class TestFileReader {
             return events;
         }
         eventFiles.emplace(*name, events);
-        EventReader reader(file.get(), *name, interruption, [] {});
+        EventReader reader(file.get(), *name, EventReader::Devices::One, interruption, [] {});
         auto status = reader.next();
         for (; status == EventReader::Status::Record; status = reader.next()) {
             events->push_back(reader.record());

@@ -255,7 +255,7 @@ class DeviceReader {
     }
 
     void replay(std::size_t device, const Descriptor& records) {
-        EventReader reader(records.get(), plan.devices[device], plan.interruption, [] {});
+        EventReader reader(records.get(), plan.devices[device], EventReader::Devices::One, plan.interruption, [] {});
         std::uint64_t events = 0;
         std::optional<std::int64_t> earliest;
         std::optional<std::int64_t> latest;
