@@ -26,39 +26,20 @@ TEST(CommandLine, VerbsHaveTheirDefaultsAndOptions) {
     const auto plain = Parsed({"run", "r.json"}).run;
     EXPECT_EQ(plain.format, ReportFormat::Text);
     EXPECT_EQ(plain.draws.seed, 5489u);
-    const auto run = Parsed({"run",
-                             "r",
-                             "--format",
-                             "jsonl",
-                             "a",
-                             "-",
-                             "--seed=4294967295",
-                             "--context",
-                             "c",
-                             "--explain",
-                             "--why-not",
-                             "p",
-                             "-j",
-                             "3",
-                             "--summary-only",
-                             "--verbose",
-                             "--machine",
-                             "id=-7",
-                             "--where",
-                             "a=b=c",
-                             "--where",
-                             "event=Test",
-                             "--from",
-                             "4",
-                             "--to",
-                             "1.5m"})
-                         .run;
+    EXPECT_FALSE(plain.summaryOnly || plain.byDevice);
+    const auto run =
+        Parsed(
+            {"run",       "r",         "--format",  "jsonl",   "a",     "-",       "--seed=4294967295", "--context",
+             "c",         "--explain", "--why-not", "p",       "-j",    "3",       "--summary-only",    "--by-device",
+             "--verbose", "--machine", "id=-7",     "--where", "a=b=c", "--where", "event=Test",        "--from",
+             "4",         "--to",      "1.5m"})
+            .run;
     EXPECT_EQ(run.devices, (Strings{"a", "-"}));
     EXPECT_EQ(run.rules + run.contextFile + run.whyNot.value(), "rcp");
     EXPECT_EQ(run.format, ReportFormat::Jsonl);
     EXPECT_EQ(run.draws.seed, 4294967295u);
     EXPECT_EQ(run.threads, 3u);
-    EXPECT_TRUE(run.explain == Explain::Highlights && run.summaryOnly && run.verbose);
+    EXPECT_TRUE(run.explain == Explain::Highlights && run.summaryOnly && run.byDevice && run.verbose);
     const SelectionOptions& chosen = run.selection;
     EXPECT_TRUE(chosen.machine->isId && chosen.machine->number == -7);
     EXPECT_EQ(chosen.where[0].name + chosen.where[0].value + chosen.where[1].name, "ab=cevent");

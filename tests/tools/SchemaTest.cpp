@@ -211,8 +211,8 @@ TEST(Schemas, EventRecordAcceptsWhatTheToolReads) {
         return RecordParser().parse(std::string_view(padded).substr(0, text.size())) != nullptr;
     };
     compare("event-record.schema.json", accepts,
-            {R"({"event":"Timeout","timeout_id":3})", R"({"device":"a","ended":true})", R"({"event":"Test","device":"b"})",
-             R"({"event":"Test","string":{"a":"b"},"int64":{"c":1,"d":0}})",
+            {R"({"event":"Timeout","timeout_id":3})", R"({"device":"a","ended":true})",
+             R"({"event":"Test","device":"b"})", R"({"event":"Test","string":{"a":"b"},"int64":{"c":1,"d":0}})",
              R"({"event":"Test","time_ms":-1,"uint64":{"a":18446744073709551615},"bool":{"b":true},"string":{},)"
              R"("int64":{"":-9223372036854775808},"double":{"c":1e300,"d":2}})"},
             R"([null, 1, -1, 1.5, true, "", "Timeout", "Test", "x", [], {}, 18446744073709551615])",

@@ -12,6 +12,7 @@ What is missing or wrong is a usage error, which names the help to read.
   > run r a b --explain
   > run r a --format json --why-not p
   > run r a --summary-only --explain
+  > run r a --by-device --where a=b
   > run r - -
   > run r a -j 0
   > run r a -j 257
@@ -59,9 +60,10 @@ What is missing or wrong is a usage error, which names the help to read.
   2 vig: error: FILE is required. Try: vig test --help
   2 vig: error: RULES is required. Try: vig check --help
   2 vig: error: RULES is required. Try: vig graph --help
-  2 vig: error: --explain, --why-not, --machine, --where, --from and --to tell of one device: give one file, and no summary. Try: vig run --help
-  2 vig: error: --explain, --why-not, --machine, --where, --from and --to tell of one device: give one file, and no summary. Try: vig run --help
-  2 vig: error: --explain, --why-not, --machine, --where, --from and --to tell of one device: give one file, and no summary. Try: vig run --help
+  2 vig: error: --explain, --why-not, --machine, --where, --from and --to tell of one device: give one file, and neither a summary nor --by-device. Try: vig run --help
+  2 vig: error: --explain, --why-not, --machine, --where, --from and --to tell of one device: give one file, and neither a summary nor --by-device. Try: vig run --help
+  2 vig: error: --explain, --why-not, --machine, --where, --from and --to tell of one device: give one file, and neither a summary nor --by-device. Try: vig run --help
+  2 vig: error: --explain, --why-not, --machine, --where, --from and --to tell of one device: give one file, and neither a summary nor --by-device. Try: vig run --help
   2 vig: error: standard input can be one of them only: the rule document, or one file of event records. Try: vig run --help
   2 vig: error: --jobs: expected a whole number from 1 to 256, got 0. Try: vig run --help
   2 vig: error: --jobs: expected a whole number from 1 to 256, got 257. Try: vig run --help
@@ -86,7 +88,7 @@ What is missing or wrong is a usage error, which names the help to read.
   2 vig: error: --where: expected ATTRIBUTE=VALUE, such as processName=camera, got =camera. Try: vig run --help
   2 vig: error: --where: there is no event "Tset"; did you mean "Test"?. Try: vig run --help
   2 vig: error: --from: expected the number of an event, or a time with its unit such as 500ms, 8s or 2m, got 8q. Try: vig run --help
-  2 vig: error: --explain, --why-not, --machine, --where, --from and --to tell of one device: give one file, and no summary. Try: vig run --help
+  2 vig: error: --explain, --why-not, --machine, --where, --from and --to tell of one device: give one file, and neither a summary nor --by-device. Try: vig run --help
   2 vig: error: --context and --draw are for rules: name a rule document. Try: vig watch --help
   2 vig: error: --format: expected text|json, got jsonl. Try: vig summary --help
   2 vig: error: --interval: expected a time such as 500ms, 1s or 2m, got 0. Try: vig watch --help

@@ -1,8 +1,9 @@
   $ . "$TESTDIR/../rules.sh"
   $ cat >events.jsonl <<'EOF'
   > {"event":"Test","int64":{"x":1},"double":{"x":2,"é\"":0.5}}
-  > {"event":"ZramHeartBeat"}
-  > {"event":"Test","int64":{"depth":1},"bool":{"b":true}}
+  > {"device":"a","event":"ZramHeartBeat"}
+  > {"device":"a","ended":true}
+  > {"device":"b","event":"Test","int64":{"depth":1},"bool":{"b":true}}
   > EOF
   $ vig catalogue <events.jsonl | tee catalogue.json
   {

@@ -1,7 +1,9 @@
+#include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cstdint>
 #include <map>
 #include <string>
@@ -11,10 +13,13 @@
 #include <vector>
 
 #include "tests/support/Documents.h"
+#include "tests/support/PeakMemory.h"
 #include "tests/support/TemporaryFolder.h"
+#include "tests/tools/PseudoTerminal.h"
 #include "tests/tools/ToolRun.h"
 #include "tests/tools/fleet/ChangedText.h"
 #include "tools/vig/fleet/DeviceRunner.h"
+#include "tools/vig/fleet/Fleet.h"
 #include "tools/vig/fleet/FleetCommand.h"
 #include "tools/vig/fleet/FleetSummary.h"
 #include "tools/vig/fleet/SummaryCommand.h"
@@ -105,6 +110,110 @@ TEST_F(Fleet, OutputIsThatOfTheDevicesAloneInTheirOrderWhateverTheNumberOfThread
     }
 }
 
+std::string endOf(const std::string& device) {
+    return R"({"device":")" + device + R"(","ended":true})" + "\n";
+}
+
+TEST_F(Fleet, StreamThatNamesItsDevicesGivesWhatAFileOfEachDoes) {
+    options.devices.resize(40);
+    std::string parts[2];
+    std::vector<std::vector<std::string>> records;
+    for (const std::string& device : options.devices) {
+        records.push_back(linesWith(support::textOf(device), ""));
+    }
+    // Some are told to end, while others are still to come.
+    for (std::size_t line = 0; line <= 8000; ++line) {
+        for (std::size_t i = 0; i < records.size(); ++i) {
+            if (line < records[i].size()) {
+                parts[i % 2] += R"({"device":")" + options.devices[i] + "\"," + records[i][line].substr(1) + "\n";
+            } else if (line == records[i].size() && i % 3 == 0) {
+                parts[i % 2] += endOf(options.devices[i]);
+            }
+        }
+    }
+    // The lines of a device come in the order of its events.
+    const auto byDevice = [](const std::string& out) {
+        std::map<std::string, std::vector<std::string>> lines;
+        for (const std::string& line : linesWith(out, "")) {
+            const std::size_t key = line.rfind("\"device\":");
+            lines[key == line.npos ? "" : line.substr(key)].push_back(line);
+        }
+        return lines;
+    };
+    for (const ReportFormat format : {ReportFormat::Json, ReportFormat::Jsonl}) {
+        options.format = format;
+        const std::string expected = run(2).out;
+        FleetOptions streams = options;
+        streams.byDevice = true;
+        streams.devices = {folder.write("both", parts[0] + parts[1])};
+        const ToolResult one = runVerb(fleet, streams);
+        streams.devices = {folder.write("even", parts[0]), folder.write("odd", parts[1])};
+        const ToolResult two = runVerb(fleet, streams);
+        EXPECT_EQ(one.err + two.err, "");
+        if (format == ReportFormat::Json) {
+            EXPECT_EQ(one.out, expected);
+            EXPECT_EQ(two.out, expected);
+        } else {
+            EXPECT_TRUE(byDevice(one.out) == byDevice(expected));
+            EXPECT_TRUE(byDevice(two.out) == byDevice(expected));
+        }
+    }
+}
+
+TEST_F(Fleet, ProgressIsNotMixedWithWhatDevicesDo) {
+    const PseudoTerminal terminal;
+    const MemoryFile file;
+    const Console both{STDIN_FILENO, terminal.descriptor(), terminal.descriptor()};
+    const Console errors{STDIN_FILENO, file.descriptor, terminal.descriptor()};
+    for (const ReportFormat told : {ReportFormat::Text, ReportFormat::Jsonl}) {
+        EXPECT_EQ(terminalFor(told, both), -1);
+        EXPECT_EQ(terminalFor(told, errors), terminal.descriptor());
+    }
+    for (const ReportFormat summaryAlone : {ReportFormat::Json, ReportFormat::None}) {
+        EXPECT_EQ(terminalFor(summaryAlone, both), terminal.descriptor());
+    }
+    Progress::Clock::time_point time;
+    Progress progress(terminal.descriptor(), {2, 0}, [&time] { return time; });
+    options.devices.resize(2);
+    Output output(file.descriptor);
+    const Interruption interruption;
+    Tool::Fleet(options.devices, errors, interruption, output, progress).run(1, [&] {
+        return [&](const std::string& /*device*/, Output& /*text*/) {
+            time += std::chrono::seconds(1);
+            progress.addDevice();
+            return Tool::Fleet::Ended{"it failed", [] {}};
+        };
+    });
+    const std::string clear = "\r\x1b[K";
+    EXPECT_EQ(terminal.shown(), clear + "1 of 2 devices, 0 events, 0 a second" + clear + "it failed\r\n" + clear +
+                                    "2 of 2 devices, 0 events, 0 a second" + clear + "it failed\r\n");
+}
+
+TEST_F(Fleet, DeviceThatIsAliveTakesLittleMemoryAndOneThatHasEndedNone) {
+    if (support::kHasSanitizer) {
+        GTEST_SKIP() << "the sanitizer takes memory of its own";
+    }
+    constexpr std::size_t kDevices = 20'000;
+    std::string alive;
+    std::string ended;
+    for (std::size_t i = 0; i < kDevices; ++i) {
+        alive += fmt::format(R"({{"device":"{}","event":"Test"}})"
+                             "\n",
+                             i);
+        ended += endOf(std::to_string(i));
+    }
+    options.byDevice = true;
+    options.format = ReportFormat::Json;
+    const auto memoryFor = [&](const std::string& stream) {
+        options.devices = {folder.write("stream", stream)};
+        return support::peakMemory([&] { runVerb(fleet, options); });
+    };
+    const std::size_t memoryForOne = memoryFor(endOf("a"));
+    EXPECT_LT(memoryFor(ended), memoryForOne + kDevices * 400);
+    // Each has three machines, and has drawn.
+    EXPECT_LT(memoryFor(alive), memoryForOne + kDevices * (3 * 2000 + 6000));
+}
+
 TEST(DeviceSeed, IsAFixedMixOfTheSeedAndTheName) {
     // The hashes are published test vectors of FNV-1a: 0xCBF29CE484222325, 0xAF63DC4C8601EC8C and 0x85944171F73967E8.
     EXPECT_EQ(deviceSeed(0, ""), 0xCBF29CE4 ^ 0x84222325);
@@ -140,20 +249,35 @@ TEST_F(Fleet, MergedPartsEqualTheWholeByteForByteWhateverTheNames) {
 
 TEST_F(Fleet, InterruptionEndsWithTheSummaryOfWhatWasDone) {
     options.format = ReportFormat::Json;
-    options.devices = {options.devices[0], "-", options.devices[2]};
-    const MemoryFile out;
-    Interruption interruption;
-    int ends[2];
-    ASSERT_EQ(pipe(ends), 0);
-    ASSERT_EQ(write(ends[1], "{\"event\":\"Test\"}\n", 17), 17);
-    {
-        // Once its record is taken, the second device stays silent.
-        const std::jthread user = support::interruptOnceRead(ends[0], interruption);
-        EXPECT_EQ(fleet(options, {ends[0], out.descriptor, STDERR_FILENO}, interruption), 130);
+    const std::string test = R"("event":"Test"})"
+                             "\n";
+    const struct {
+        bool byDevice;
+        std::vector<std::string> devices;
+        std::string records;
+        std::string summary;
+    } cases[] = {
+        {false, {options.devices[0], "-", options.devices[2]}, "{" + test, R"("devices":2,"failed":0,"unfinished":2,)"},
+        {true, {"-"}, R"({"device":"a",)" + test, R"("devices":1,"failed":0,"unfinished":1,)"},
+        {true, {"-"}, endOf("c"), R"("devices":1,"failed":0,"unfinished":1,)"},
+    };
+    for (const auto& [byDevice, devices, records, summary] : cases) {
+        options.byDevice = byDevice;
+        options.devices = devices;
+        const MemoryFile out;
+        Interruption interruption;
+        int ends[2];
+        ASSERT_EQ(pipe(ends), 0);
+        ASSERT_EQ(write(ends[1], records.data(), records.size()), std::ssize(records));
+        {
+            // Once that record is taken, no more come.
+            const std::jthread user = support::interruptOnceRead(ends[0], interruption);
+            EXPECT_EQ(fleet(options, {ends[0], out.descriptor, STDERR_FILENO}, interruption), 130);
+        }
+        EXPECT_THAT(out.content(), HasSubstr(summary));
+        close(ends[0]);
+        close(ends[1]);
     }
-    EXPECT_THAT(out.content(), HasSubstr(R"("devices":2,"failed":0,"unfinished":2,)"));
-    close(ends[0]);
-    close(ends[1]);
 }
 
 TEST_F(Fleet, MergeBeyondTheLargestNumberIsRefusedWithItsPlace) {

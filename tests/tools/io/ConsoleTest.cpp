@@ -1,7 +1,6 @@
 #include "tools/vig/io/Console.h"
 
 #include <gtest/gtest.h>
-#include <pty.h>
 #include <stdlib.h>
 #include <unistd.h>
 
@@ -11,6 +10,7 @@
 
 #include "tests/support/Documents.h"
 #include "tests/support/TemporaryFolder.h"
+#include "tests/tools/PseudoTerminal.h"
 #include "tests/tools/ToolRun.h"
 #include "tools/vig/words/Text.h"
 
@@ -49,10 +49,8 @@ TEST(Text, JsonStringIsValidWhateverTheText) {
 }
 
 TEST(Console, ColoursAreForTerminalsWhoseUserWantsThem) {
-    int controller = 0;
-    int terminal = 0;
-    ASSERT_EQ(openpty(&controller, &terminal, nullptr, nullptr, nullptr), 0);
-    const Console console{STDIN_FILENO, terminal, STDERR_FILENO};
+    const support::PseudoTerminal terminal;
+    const Console console{STDIN_FILENO, terminal.descriptor(), STDERR_FILENO};
     setenv("TERM", "dumb", 1);
     EXPECT_FALSE(console.wantsColours());
     setenv("TERM", "xterm", 1);
@@ -66,14 +64,13 @@ TEST(Console, ColoursAreForTerminalsWhoseUserWantsThem) {
     const std::string rules =
         folder.write("rules.json", support::documentOf({support::transition("start", "end", "Test")}));
     const std::string events = folder.write("events.jsonl", "{\"event\":\"Test\"}\n");
-    EXPECT_EQ(support::runTool({"run", rules, events}, {STDIN_FILENO, terminal, terminal}, Interruption()), 0);
-    std::string shown(4096, '\0');
-    shown.resize(static_cast<std::size_t>(read(controller, shown.data(), shown.size())));
+    EXPECT_EQ(support::runTool({"run", rules, events}, {STDIN_FILENO, terminal.descriptor(), terminal.descriptor()},
+                               Interruption()),
+              0);
+    const std::string shown = terminal.shown();
     EXPECT_NE(shown.find("        1  \x1B[36mmove   \x1B[0m  0 (id 7)       start -> end\r\n"), std::string::npos)
         << shown;
     unsetenv("TERM");
-    close(terminal);
-    close(controller);
 }
 
 }  // namespace

@@ -325,6 +325,8 @@ What is not part of a test file is an error at its place.
   > {"rules":"rules.json","tests":[{"name":"a","events":[],"expect":{},"context":{"int":{}}}]}
   > {"rules":"rules.json","tests":[{"name":"a","events":[],"expect":{},"context":{"int64":{"a":"b"}}}]}
   > {"rules":"rules.json","tests":[{"name":"a","events":[{"event":"Tst"}],"expect":{}}]}
+  > {"rules":"rules.json","tests":[{"name":"a","events":[{"event":"Test","device":"a"},{"event":"Test","device":"b"},{"device":"a","ended":true}],"expect":{"moves":9}}]}
+  > {"rules":"rules.json","tests":[{"name":"a","events":[{"device":"a","ended":true},{"event":"Test"}],"expect":{}}]}
   > {"rules":"rules.json","tests":[{"name":"a","events":[],"expect":{"log":[{"priority":"inf","message":null}]}}]}
   > {"rules":"rules.json","tests":[{"name":"a","events":[],"expect":{"log":["\udc00"]}}]}
   > {"rules":"rules.json","tests":[{"name":"a","events":[],"expect":{"states":{"x":"end","7x":"end"}}}]}
@@ -377,6 +379,8 @@ What is not part of a test file is an error at its place.
   b.test.json:1:85: error: tests[0].context: unknown key "int"; did you mean "int64"?
   b.test.json:1:78: error: tests[0].context: int64.a: expected a signed 64-bit integer, got "b"
   b.test.json:1:54: error: tests[0].events[0]: event: unknown event "Tst"; did you mean "Test"?
+  b.test.json:1:84: error: tests[0].events[1]: device: "b" after "a"; vig run --by-device gives each machines of its own
+  b.test.json:1:82: error: tests[0].events[1]: device: "a" has ended; vig run --by-device begins anew
   b.test.json:1:85: error: tests[0].expect.log[0].priority: unknown priority "inf"; did you mean "info"?
   b.test.json:1:101: error: tests[0].expect.log[0].message: expected a string, got null
   b.test.json:1:73: error: tests[0].expect.log[0]: invalid UTF-8

@@ -135,7 +135,7 @@ DeviceDiff DiffRunner::run(const std::string& device, Output& output) {
     if (plan.interruption.requested()) {
         return diff;
     }
-    Replay replay(device, plan.console, plan.interruption);
+    Replay replay(device, EventReader::Devices::One, plan.console, plan.interruption);
     diff.begun = replay.isOpen();
     diff.pairs.resize(plan.pairs.size());
     if (diff.begun) {
@@ -145,11 +145,11 @@ DeviceDiff DiffRunner::run(const std::string& device, Output& output) {
             [this](const EventRecord& record) {
                 drive(++diff.events, &record, [&record](MachineGroup& machines) { machines.offer(record); });
             },
-            output, -1);
+            output, plan.progress);
     }
     diff.problem = replay.problem();
     if (parting && plan.format == ReportFormat::Text) {
-        output.write(headingOf(device) + textOf(diff, *parting) + "\n");
+        output.write(headingOf(name) + textOf(diff, *parting) + "\n");
     } else if (parting && plan.format == ReportFormat::Jsonl) {
         output.write(jsonOf(diff, *parting));
     }

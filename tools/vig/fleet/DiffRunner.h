@@ -17,13 +17,15 @@
 #include "tools/vig/io/Console.h"
 #include "tools/vig/io/Interruption.h"
 #include "tools/vig/io/Output.h"
+#include "tools/vig/io/Progress.h"
 #include "tools/vig/run/Draws.h"
 #include "tools/vig/run/ReportWriters.h"
 #include "vig/parsers/VIGParserConfig.h"
 
 namespace Brenta::OS::VIG::Tool {
 
-// All devices of a fleet have this in common. It is used by several threads at once, none of which changes it.
+// All devices of a fleet have this in common. It is used by several threads at once, none of which changes anything but
+// the progress.
 struct DiffPlan {
     const Both<const DocumentModel*> documents;
     const std::vector<MachinePair> pairs;  // of them
@@ -33,6 +35,7 @@ struct DiffPlan {
     ReportFormat format;
     const Console& console;
     const Interruption& interruption;
+    Progress& progress;
 };
 
 // Gives both machines of a pair the same numbers: the k-th one that is drawn while an event is offered follows from

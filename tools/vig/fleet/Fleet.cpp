@@ -1,12 +1,12 @@
 #include "tools/vig/fleet/Fleet.h"
 
 #include <fmt/format.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <atomic>
 #include <utility>
 
-#include "tools/vig/events/EventReader.h"
 #include "tools/vig/fleet/DeviceOrder.h"
 #include "tools/vig/fleet/Jobs.h"
 #include "tools/vig/words/Text.h"
@@ -33,17 +33,23 @@ std::uint64_t Fleet::run(unsigned threads, const std::function<Runner()>& makeRu
                 ++accounted;
                 if (!ended.problem.empty()) {
                     output.flush();
-                    console.say(ended.problem);
+                    progress.aside([&] { console.say(ended.problem); });
                 }
             });
         }
     };
     onThreads(std::min<std::size_t>(threads, devices.size()), work);
+    progress.clear();
     return devices.size() - accounted;
 }
 
-std::string headingOf(const std::string& device) {
-    return fmt::format("== {}\n", printable(nameOfEvents(device)));
+int terminalFor(ReportFormat ofDevices, const Console& console) {
+    const bool tellsDevices = ofDevices == ReportFormat::Text || ofDevices == ReportFormat::Jsonl;
+    return tellsDevices && isatty(console.out) == 1 ? -1 : console.err;
+}
+
+std::string headingOf(const std::string& name) {
+    return fmt::format("== {}\n", printable(name));
 }
 
 }  // namespace Brenta::OS::VIG::Tool

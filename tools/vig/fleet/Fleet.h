@@ -9,6 +9,7 @@
 #include "tools/vig/io/Console.h"
 #include "tools/vig/io/Interruption.h"
 #include "tools/vig/io/Output.h"
+#include "tools/vig/io/Progress.h"
 #include "tools/vig/run/ReportWriters.h"
 
 namespace Brenta::OS::VIG::Tool {
@@ -25,10 +26,11 @@ class Fleet {
     // Takes a device to its end, on one thread, and writes to the output what it has to say of it.
     using Runner = std::function<Ended(const std::string& device, Output& text)>;
 
-    // All must outlive it. The devices are files of event records, or "-" for standard input.
+    // All must outlive it. The devices are files of event records, or "-" for standard input; one that has several
+    // devices counts as one here.
     Fleet(const std::vector<std::string>& devices, const Console& console, const Interruption& interruption,
-          Output& output)
-        : devices(devices), console(console), interruption(interruption), output(output) {}
+          Output& output, Progress& progress)
+        : devices(devices), console(console), interruption(interruption), output(output), progress(progress) {}
 
     // Each thread, this one included, makes a runner of its own. Returns the number of devices that no thread came to.
     std::uint64_t run(unsigned threads, const std::function<Runner()>& makeRunner);
@@ -38,7 +40,12 @@ class Fleet {
     const Console& console;
     const Interruption& interruption;
     Output& output;
+    Progress& progress;
 };
+
+// Returns the terminal that shows the progress of a fleet, or -1: what devices do, if that is told, is not to be mixed
+// with it.
+int terminalFor(ReportFormat ofDevices, const Console& console);
 
 // Returns the summary of a fleet as the format has it; `type` tells it from other lines.
 std::string summaryIn(ReportFormat format, const auto& summary, const std::string& type) {
@@ -56,6 +63,6 @@ std::string summaryIn(ReportFormat format, const auto& summary, const std::strin
 }
 
 // Returns what stands above the text of a device.
-std::string headingOf(const std::string& device);
+std::string headingOf(const std::string& name);
 
 }  // namespace Brenta::OS::VIG::Tool

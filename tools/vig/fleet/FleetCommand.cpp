@@ -10,11 +10,14 @@
 
 #include "tools/vig/commandline/CommandLine.h"
 #include "tools/vig/document/Registry.h"
+#include "tools/vig/events/EventReader.h"
 #include "tools/vig/fleet/DeviceRunner.h"
 #include "tools/vig/fleet/Fleet.h"
 #include "tools/vig/fleet/FleetSummary.h"
 #include "tools/vig/fleet/Jobs.h"
 #include "tools/vig/io/FileText.h"
+#include "tools/vig/io/Progress.h"
+#include "tools/vig/run/Replay.h"
 #include "tools/vig/words/Text.h"
 
 namespace Brenta::OS::VIG::Tool {
@@ -27,6 +30,8 @@ int fleet(const FleetOptions& options, const Console& console, const Interruptio
         return rules.abandon(*status);
     }
     RuleSession& session = rules.session();
+    Progress progress(terminalFor(format, console),
+                      {options.byDevice ? 0 : options.devices.size(), sizeOfEvents(options.devices, console)});
     const FleetPlan plan{session.document(),
                          libraryRegistry(),
                          session.contextAttributes(),
@@ -34,17 +39,27 @@ int fleet(const FleetOptions& options, const Console& console, const Interruptio
                          format,
                          console.wantsColours(),
                          console,
-                         interruption};
+                         interruption,
+                         progress};
     FleetSummary summary = FleetSummary::of(plan.document);
-    Fleet devices(options.devices, console, interruption, rules.output());
+    Fleet devices(options.devices, console, interruption, rules.output(), progress);
+    const auto runFile = [&summary, &plan](DeviceRunner& runner, const std::string& device, Output& text) {
+        if (plan.format == ReportFormat::Text) {
+            text.write("\n" + headingOf(nameOfEvents(device)));
+        }
+        DeviceResult result = runner.run(device, text);
+        plan.progress.addDevice();
+        return Fleet::Ended{result.problem, [&summary, result] { summary.add(result); }};
+    };
+    const auto runByDevice = [&summary, &plan](DeviceRunner& runner, const std::string& events, Output& text) {
+        FleetSummary part = FleetSummary::of(plan.document);
+        const std::string problem = runner.runByDevice(events, text, part);
+        return Fleet::Ended{problem, [&summary, part] { summary.merge(part); }};
+    };
     summary.unfinished += devices.run(options.threads, [&] {
         const auto runner = std::make_shared<DeviceRunner>(plan);
-        return [&summary, &plan, runner](const std::string& device, Output& text) {
-            if (plan.format == ReportFormat::Text) {
-                text.write("\n" + headingOf(device));
-            }
-            DeviceResult result = runner->run(device, text);
-            return Fleet::Ended{result.problem, [&summary, result] { summary.add(result); }};
+        return [&, runner](const std::string& events, Output& text) {
+            return options.byDevice ? runByDevice(*runner, events, text) : runFile(*runner, events, text);
         };
     });
     const bool isBehindDevices = options.format == ReportFormat::Text && !options.summaryOnly;
@@ -79,6 +94,11 @@ device. A storm is a device with at least {} triggers, more than one for each {}
 read to its end is told and the others go on. --format json gives the summary alone, which `vig summary` reads,
 jsonl gives it in the last line. --explain and --why-not are for one file.
 
+With --by-device, a file has the records of any number of devices, each of which names its own, and a device may be told
+to end, after which it needs no memory:
+  {{"device":"a","event":"Test"}}
+  {{"device":"a","ended":true}}
+
 Example: which events of a recording fire a trigger? And why did the second transition not fire?
   vig run rules.json trace.jsonl --format jsonl | grep '"type":"trigger"'
   vig run rules.json trace.jsonl --why-not 'transitions[1]'
@@ -102,14 +122,15 @@ int runOneOrMany(const FleetOptions& given, const Console& console, const Interr
     if (std::ranges::count(options.devices, "-") + (isStandardInput(options.rules) ? 1 : 0) > 1) {
         return refuseArguments(console, kStandardInputTwice, "run");
     }
-    if (options.devices.size() == 1 && !options.summaryOnly && options.format != ReportFormat::Json) {
+    const bool isOneDevice = options.devices.size() == 1 && !options.byDevice;
+    if (isOneDevice && !options.summaryOnly && options.format != ReportFormat::Json) {
         options.events = options.devices.front();
         return run(options, console, interruption);
     }
     if (options.explain != Explain::Nothing || options.whyNot || options.selection.isAny()) {
         return refuseArguments(console,
                                "--explain, --why-not, --machine, --where, --from and --to tell of one device: give one "
-                               "file, and no summary",
+                               "file, and neither a summary nor --by-device",
                                "run");
     }
     return fleet(options, console, interruption);
@@ -142,6 +163,8 @@ void addRun(CommandLine& commandLine, FleetOptions& options) {
     addSelection(verb, options.selection);
     addVerbose(verb, options);
     addJobs(verb, options.threads);
+    verb.flag("--by-device", options.byDevice,
+              "Gives each device that the records name machines of its own, and ends with a summary");
     verb.flag("--summary-only", options.summaryOnly, "Tells only what all devices did together, also of one device");
 }
 

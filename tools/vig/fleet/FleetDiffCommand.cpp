@@ -14,7 +14,9 @@
 #include "tools/vig/fleet/Fleet.h"
 #include "tools/vig/fleet/Jobs.h"
 #include "tools/vig/io/Output.h"
+#include "tools/vig/io/Progress.h"
 #include "tools/vig/run/PlatformServices.h"
+#include "tools/vig/run/Replay.h"
 
 namespace Brenta::OS::VIG::Tool {
 
@@ -32,17 +34,18 @@ int fleetDiff(const FleetDiffOptions& options, const Console& console, const Int
     const DocumentModel now(options.newRules, *newText);
     NoReceiver quiet;
     const PlatformServices services(quiet);
-    const DiffPlan plan{{&old, &now},      pairsOf(old, now),
-                        libraryRegistry(), context,
-                        options.draws,     options.summaryOnly ? ReportFormat::None : options.format.ofDevices,
-                        console,           interruption};
+    const ReportFormat format = options.summaryOnly ? ReportFormat::None : options.format.ofDevices;
+    Progress progress(terminalFor(format, console), {options.devices.size(), sizeOfEvents(options.devices, console)});
+    const DiffPlan plan{{&old, &now}, pairsOf(old, now), libraryRegistry(), context, options.draws,
+                        format,       console,           interruption,      progress};
     Output output(console.out);
     DiffSummary summary = DiffSummary::of(old, now);
-    Fleet devices(options.devices, console, interruption, output);
+    Fleet devices(options.devices, console, interruption, output, progress);
     summary.unfinished += devices.run(options.threads, [&] {
         const auto runner = std::make_shared<DiffRunner>(plan);
-        return [&summary, runner](const std::string& device, Output& text) {
+        return [&summary, &progress, runner](const std::string& device, Output& text) {
             const DeviceDiff diff = runner->run(device, text);
+            progress.addDevice();
             return Fleet::Ended{diff.problem, [&summary, diff] { summary.add(diff); }};
         };
     });

@@ -44,10 +44,12 @@ class TransitionCounter final : public Trace {
 // Replays the events to the machines. If that fails, says why and returns the exit status.
 std::optional<int> replay(const GraphOptions& options, RuleRun& rules, const Console& console,
                           const Interruption& interruption) {
-    Replay replay(options.events, console, interruption);
+    Replay replay(options.events, EventReader::Devices::One, console, interruption);
+    Progress progress(console.err, {0, sizeOfEvents({options.events}, console)});
     rules.session().start();
     replay.play([&machines = rules.session().machines()](const EventRecord& record) { machines.offer(record); },
-                rules.output(), console.err);
+                rules.output(), progress);
+    progress.clear();
     if (!replay.problem().empty()) {
         console.say(replay.problem());
         return kExitUnusable;

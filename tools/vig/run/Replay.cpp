@@ -5,49 +5,49 @@
 #include <cerrno>
 #include <cstdint>
 
-#include "tools/vig/events/EventReader.h"
-#include "tools/vig/io/Progress.h"
+#include "tools/vig/io/FileText.h"
 
 namespace Brenta::OS::VIG::Tool {
 
-namespace {
-
-// Returns the size in bytes, or 0 if it is not known before the end.
-std::uint64_t sizeOf(const Descriptor& file) {
-    struct stat status = {};
-    const bool known = fstat(file.get(), &status) == 0 && S_ISREG(status.st_mode);
-    return known ? static_cast<std::uint64_t>(status.st_size) : 0;
+std::uint64_t sizeOfEvents(const std::vector<std::string>& files, const Console& console) {
+    std::uint64_t size = 0;
+    for (const std::string& file : files) {
+        struct stat status = {};
+        if ((isStandardInput(file) ? fstat(console.in, &status) : stat(file.c_str(), &status)) == 0) {
+            if (!S_ISREG(status.st_mode)) {
+                return 0;
+            }
+            size += static_cast<std::uint64_t>(status.st_size);
+        }
+    }
+    return size;
 }
 
-}  // namespace
-
-Replay::Replay(const std::string& recordedEvents, const Console& console, const Interruption& interruption)
-    : events(recordedEvents), interruption(interruption), file(openEvents(events, console)) {
+Replay::Replay(const std::string& recordedEvents, EventReader::Devices devices, const Console& console,
+               const Interruption& interruption)
+    : events(recordedEvents), devices(devices), interruption(interruption), file(openEvents(events, console)) {
     if (!file.isOpen() && !interruption.requested()) {
         reason = whyEventsNotOpened(events, errno);
     }
 }
 
-bool Replay::play(const std::function<void(const EventRecord&)>& take, Output& output, int terminal) {
+bool Replay::play(const std::function<void(const EventRecord&)>& take, Output& output, Progress& progress) {
     if (!file.isOpen()) {
         return false;
     }
-    Progress progress(terminal, sizeOf(file));
+    ReadingProgress read(progress);
     std::uint64_t count = 0;
-    output.beforeWriting([&] { progress.clear(); });
-    EventReader reader(file.get(), nameOfEvents(events), EventReader::Devices::One, interruption, [&] {
+    EventReader reader(file.get(), nameOfEvents(events), devices, interruption, [&] {
         output.flush();
-        progress.showIfDue(count, reader.bytesRead());
+        read.tell(count, reader.bytesRead());
     });
     auto status = EventReader::Status::Record;
-    while (!interruption.requested() && !output.failed() &&
-           (status = reader.next()) == EventReader::Status::Record) {
+    while (!interruption.requested() && !output.failed() && (status = reader.next()) == EventReader::Status::Record) {
         take(reader.record());
         ++count;
-        progress.update(count, reader.bytesRead());
+        read.update(count, reader.bytesRead());
     }
-    progress.clear();
-    output.beforeWriting({});
+    read.tell(count, reader.bytesRead());
     if (status == EventReader::Status::Failed) {
         reason = reader.error();
     }

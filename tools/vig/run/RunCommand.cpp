@@ -91,6 +91,7 @@ class Explanations final : public Trace {
 
 int run(const RunOptions& options, const Console& console, const Interruption& interruption) {
     Selection selection(options.selection);
+    Progress progress(console.err, {0, sizeOfEvents({options.events}, console)});
     RuleRun rules(options, {options.format, console.wantsColours(), "", options.verbose, &selection}, console,
                   interruption);
     Explanations explanations(options, selection, rules.reporter());
@@ -98,7 +99,7 @@ int run(const RunOptions& options, const Console& console, const Interruption& i
     if (isAsked) {
         rules.observe(explanations);
     }
-    Replay replay(options.events, console, interruption);
+    Replay replay(options.events, EventReader::Devices::One, console, interruption);
     if (!replay.problem().empty()) {
         console.say(replay.problem());
         return kExitUnusable;
@@ -113,6 +114,7 @@ int run(const RunOptions& options, const Console& console, const Interruption& i
         }
         return kExitUnusable;
     }
+    rules.output().beforeWriting([&progress] { progress.clear(); });
     rules.session().start();
     replay.play(
         [&machines = rules.session().machines(), &selection, isAsked](const EventRecord& record) {
@@ -121,7 +123,8 @@ int run(const RunOptions& options, const Console& console, const Interruption& i
             }
             machines.offer(record);
         },
-        rules.output(), console.err);
+        rules.output(), progress);
+    progress.clear();
     if (!replay.problem().empty()) {
         rules.complainAfterOutput(replay.problem());
         return kExitUnusable;

@@ -24,8 +24,10 @@
 #include "tools/vig/fleet/DeviceRunner.h"
 #include "tools/vig/fleet/Jobs.h"
 #include "tools/vig/io/Descriptor.h"
+#include "tools/vig/io/Progress.h"
 #include "tools/vig/run/MachineGroup.h"
 #include "tools/vig/run/PlatformServices.h"
+#include "tools/vig/run/Replay.h"
 #include "tools/vig/trace/RebuiltMachines.h"
 #include "vig/parsers/FilterParser.h"
 #include "vig/parsers/VIGResponseParser.h"
@@ -161,8 +163,10 @@ class Collector {
 // Replays devices one after the other, on the thread that made it.
 class DeviceReader {
   public:
-    DeviceReader(const TunePlan& plan, std::span<const Rank> thresholds, std::span<const RankRange> ranges)
+    DeviceReader(const TunePlan& plan, std::span<const Rank> thresholds, std::span<const RankRange> ranges,
+                 Progress& progress)
         : plan(plan),
+          progress(progress),
           collector(plan, ranges),
           needed(neededConfigs()),
           machines(plan.context),
@@ -256,6 +260,7 @@ class DeviceReader {
 
     void replay(std::size_t device, const Descriptor& records) {
         EventReader reader(records.get(), plan.devices[device], EventReader::Devices::One, plan.interruption, [] {});
+        ReadingProgress read(progress);
         std::uint64_t events = 0;
         std::optional<std::int64_t> earliest;
         std::optional<std::int64_t> latest;
@@ -263,12 +268,14 @@ class DeviceReader {
         while (!plan.interruption.requested() && (status = reader.next()) == EventReader::Status::Record) {
             const EventRecord& record = reader.record();
             ++events;
+            read.update(events, reader.bytesRead());
             offer(record);
             if (record.timeMs) {
                 earliest = std::min(earliest.value_or(*record.timeMs), *record.timeMs);
                 latest = std::max(latest.value_or(*record.timeMs), *record.timeMs);
             }
         }
+        read.tell(events, reader.bytesRead());
         if (status == EventReader::Status::Failed) {
             reading.problems[device] = reader.error();
         }
@@ -294,6 +301,7 @@ class DeviceReader {
     }
 
     const TunePlan& plan;
+    Progress& progress;
     Collector collector;
     std::size_t tunedMachine = 0;  // among those of a threshold
     const std::vector<std::size_t> needed;
@@ -330,14 +338,16 @@ void FleetReading::add(const FleetReading& other) {
 }
 
 FleetReading readFleet(const TunePlan& plan, std::span<const Rank> thresholds, std::span<const RankRange> ranges) {
+    Progress progress(plan.console.err, {plan.devices.size(), sizeOfEvents(plan.devices, plan.console)});
     std::mutex mutex;
     FleetReading all;  // guarded by mutex
     std::atomic<std::size_t> next = 0;
     onThreads(std::min<std::size_t>(plan.threads, plan.devices.size()), [&] {
-        DeviceReader reader(plan, thresholds, ranges);
+        DeviceReader reader(plan, thresholds, ranges, progress);
         for (std::size_t device = next++; device < plan.devices.size() && !plan.interruption.requested();
              device = next++) {
             reader.read(device);
+            progress.addDevice();
         }
         const std::lock_guard lock(mutex);
         all.add(reader.reading);
