@@ -64,6 +64,16 @@ TEST(RecordLayouts, EachLineIsReadAsIfItWereAloneWhateverOnesWereBefore) {
     }
 }
 
+// Reads a line by its layout, or remembers that.
+bool isKnown(RecordLayouts& layouts, const std::string& line) {
+    const std::string padded = line + std::string(LineReader::PADDING, '\n');
+    if (layouts.read(std::string_view(padded).substr(0, line.size())) != nullptr) {
+        return true;
+    }
+    layouts.remember(line, alone(line).record.value());
+    return false;
+}
+
 TEST(RecordLayouts, LinesThatLookLikeEarlierOnesAreKnownUntilTheyNeverDo) {
     RecordLayouts layouts;
     // Returns how many lines were known. `nameOf` gives the name of an attribute in each.
@@ -72,12 +82,7 @@ TEST(RecordLayouts, LinesThatLookLikeEarlierOnesAreKnownUntilTheyNeverDo) {
         for (int i = 0; i < count; ++i) {
             const std::string line =
                 R"({"event":"Test","int64":{"a)" + std::to_string(nameOf(i)) + "\":" + std::to_string(i) + "}}";
-            const std::string padded = line + std::string(LineReader::PADDING, '\n');
-            if (layouts.read(std::string_view(padded).substr(0, line.size())) != nullptr) {
-                ++known;
-            } else {
-                layouts.remember(line, alone(line).record.value());
-            }
+            known += isKnown(layouts, line) ? 1 : 0;
         }
         return known;
     };
@@ -85,8 +90,31 @@ TEST(RecordLayouts, LinesThatLookLikeEarlierOnesAreKnownUntilTheyNeverDo) {
     EXPECT_GT(knownOf(1000, [](int i) { return i * i % 10; }), 950);
     EXPECT_EQ(knownOf(1000, [](int i) { return 1000 + i; }), 0);
     // They are hardly looked for any more, and soon are again.
-    EXPECT_LT(knownOf(1000, [](int) { return 0; }), 1000);
+    EXPECT_LT(knownOf(2000, [](int) { return 0; }), 1500);
     EXPECT_EQ(knownOf(1000, [](int) { return 0; }), 1000);
+}
+
+TEST(RecordLayouts, LinesThatAreDearToTellApartAreSoonNotLookedFor) {
+    RecordLayouts layouts;
+    std::mt19937 random(1);
+    int known = 0;
+    for (int i = 0; i < 3000; ++i) {
+        known += isKnown(layouts, R"({"event":"Test","string":{"a":")" + std::string(100, 'x') + R"(","b)" +
+                                      std::to_string(random() % 30) + R"(":""}})")
+                     ? 1
+                     : 0;
+    }
+    EXPECT_LT(known, 1000);
+}
+
+TEST(RecordLayouts, LongLineIsNotCopiedForEachLayoutThatBeginsLikeIt) {
+    RecordLayouts layouts;
+    const auto lineOf = [](std::size_t size) {
+        return R"({"event":"Test","string":{"a":")" + std::string(size, 'x') + "\"}}";
+    };
+    EXPECT_FALSE(isKnown(layouts, lineOf(1)));
+    EXPECT_TRUE(isKnown(layouts, lineOf(10'000)));
+    EXPECT_FALSE(isKnown(layouts, lineOf(20'000)));
 }
 
 }  // namespace

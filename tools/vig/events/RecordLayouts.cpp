@@ -19,8 +19,13 @@ namespace Brenta::OS::VIG::Tool {
 namespace {
 
 constexpr std::size_t kMostLayouts = 32;
-constexpr std::size_t kLongestLine = std::size_t{1} << 14;  // what is remembered stays small
+constexpr std::size_t kLongestLine = std::size_t{1} << 14;  // what is remembered, and read so, stays small
 constexpr std::size_t kLongestPause = 1023;
+
+// What is saved and spent is counted in bytes that were looked at in vain; the factors are measured.
+constexpr std::int64_t kSavedByHit = 2;
+constexpr std::int64_t kCostOfRemembering = 10;
+constexpr std::int64_t kMostSavings = std::int64_t{1} << 18;  // enough to learn many layouts at the beginning
 
 constexpr std::size_t kWord = sizeof(std::uint64_t);
 static_assert(LineReader::PADDING >= kWord);
@@ -269,20 +274,28 @@ bool RecordLayout::readValue(const Slot& slot, const char*& at, const char* end)
     return false;
 }
 
-const EventRecord* RecordLayout::read(std::string_view line) {
+const EventRecord* RecordLayout::read(std::string_view line, std::size_t& seen) {
     const char* at = line.data();
     const char* const end = at + line.size();
     record.attributes.dropStrings();
-    for (std::size_t i = 0; i < slots.size(); ++i) {
-        if (!skip(constants[i], at, end) || !readValue(slots[i], at, end)) {
-            return nullptr;
-        }
+    bool fits = true;
+    for (std::size_t i = 0; fits && i < slots.size(); ++i) {
+        fits = skip(constants[i], at, end) && readValue(slots[i], at, end);
     }
-    return skip(constants.back(), at, end) && at == end ? &record : nullptr;
+    fits = fits && skip(constants.back(), at, end) && at == end;
+    seen = static_cast<std::size_t>(at - line.data());
+    return fits ? &record : nullptr;
 }
 
+RecordLayouts::RecordLayouts() : savings(kMostSavings) {}
+
 const EventRecord* RecordLayouts::read(std::string_view line) {
-    if (letPass > 0 || known.empty()) {
+    if (savings < 0) {
+        savings = 0;
+        letPass = pause;
+        pause = std::min(2 * pause + 1, kLongestPause);
+    }
+    if (letPass > 0 || known.empty() || line.size() > kLongestLine) {
         return nullptr;
     }
     const std::size_t guess = known[last].next;
@@ -294,12 +307,19 @@ const EventRecord* RecordLayouts::read(std::string_view line) {
 }
 
 const EventRecord* RecordLayouts::readAs(std::size_t place, std::string_view line) {
-    const EventRecord* const record = known[place].layout.read(line);
-    if (record != nullptr) {
-        known[last].next = place;
-        known[place].lastHit = ++hits;
-        last = place;
-        pause /= 2;
+    std::size_t seen = 0;
+    const EventRecord* const record = known[place].layout.read(line, seen);
+    if (record == nullptr) {
+        savings -= static_cast<std::int64_t>(seen);
+        return nullptr;
+    }
+    known[last].next = place;
+    known[place].lastHit = ++hits;
+    last = place;
+    savings += kSavedByHit * static_cast<std::int64_t>(line.size());
+    if (savings > kMostSavings) {
+        savings = kMostSavings;
+        pause = 0;
     }
     return record;
 }
@@ -309,9 +329,11 @@ void RecordLayouts::remember(std::string_view line, const EventRecord& record) {
         --letPass;
         return;
     }
-    letPass = pause;
-    pause = std::min(2 * pause + 1, kLongestPause);
-    auto layout = line.size() <= kLongestLine ? RecordLayout::of(line, record) : std::nullopt;
+    if (line.size() > kLongestLine) {
+        return;
+    }
+    savings -= kCostOfRemembering * static_cast<std::int64_t>(line.size());
+    auto layout = RecordLayout::of(line, record);
     if (!layout || std::ranges::any_of(known, [&](const Known& each) { return each.layout.isSameAs(*layout); })) {
         return;
     }

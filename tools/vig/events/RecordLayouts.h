@@ -18,8 +18,8 @@ class RecordLayout {
     static std::optional<RecordLayout> of(std::string_view line, const EventRecord& record);
 
     // Returns the record that a line is. Returns null if the bytes between its values are others, or if one of the
-    // values needs a closer look: it may be wrong then.
-    const EventRecord* read(std::string_view line);
+    // values needs a closer look: it may be wrong then. `seen` becomes the number of bytes that were looked at.
+    const EventRecord* read(std::string_view line, std::size_t& seen);
 
     bool isSameAs(const RecordLayout& other) const;
 
@@ -57,9 +57,11 @@ class RecordLayout {
 };
 
 // It remembers the layouts of the last lines, so that a recording whose lines look alike need not be parsed as JSON.
-// Where they do not, it soon stops to look.
+// Where looking for them costs more than it saves, it soon stops to look for a while.
 class RecordLayouts {
   public:
+    RecordLayouts();
+
     // Returns the record that a line is, valid until the next call; null if none of the layouts fits.
     // REQUIRES: LineReader::PADDING bytes after the line may be read.
     const EventRecord* read(std::string_view line);
@@ -79,7 +81,8 @@ class RecordLayouts {
     std::vector<Known> known;
     std::size_t last = 0;  // the place of the layout of the last line that fitted one
     std::uint64_t hits = 0;
-    std::size_t pause = 0;    // so many lines are let pass after the next one that fits none
+    std::int64_t savings;     // what lines that fitted have saved, less what was spent on others
+    std::size_t pause = 0;    // so many lines are let pass when that is used up
     std::size_t letPass = 0;  // so many are still to be
 };
 
