@@ -123,10 +123,10 @@ void touch(simdjson::ondemand::value value, std::uint64_t& sum) {
             sum += std::string_view(value.get_string()).size();
             break;
         case simdjson::ondemand::json_type::number:
-            if (std::int64_t whole = 0; value.get_int64().get(whole) == simdjson::SUCCESS) {
-                sum += static_cast<std::uint64_t>(whole);
+            if (const simdjson::ondemand::number number = value.get_number(); number.is_double()) {
+                sum += number.get_double() > 0 ? 1 : 0;
             } else {
-                sum += double(value.get_double()) > 0 ? 1 : 0;
+                sum += number.is_uint64() ? number.get_uint64() : static_cast<std::uint64_t>(number.get_int64());
             }
             break;
         default:

@@ -52,6 +52,7 @@ void FiniteStateMachine::onEvent(const Event& event) {
 }
 
 void FiniteStateMachine::offer(const Event& event, int maxMoves) {
+    assert(maxMoves > 0);
     EvaluationContext& current = *context;  // no action replaces it
     // The bound keeps a cycle of EnteringState transitions from hanging the thread that delivers events.
     for (State* next = currentState->offer(current, event); next != nullptr; next = next->enter(current)) {

@@ -142,7 +142,8 @@ def client_of(arguments):
     closed = {"host": "127.0.0.1", "security": True, "dashboard_address": "127.0.0.1:0",
               "worker_dashboard_address": "127.0.0.1:0"}
     with tempfile.TemporaryDirectory() as scratch, \
-            LocalCluster(n_workers=arguments.workers, threads_per_worker=1, local_directory=scratch, **closed) as cluster, \
+            LocalCluster(n_workers=arguments.workers, threads_per_worker=1, local_directory=scratch,
+                         **closed) as cluster, \
             Client(cluster) as client:
         signal.pthread_sigmask(signal.SIG_UNBLOCK, {signal.SIGINT})
         yield client
@@ -172,6 +173,8 @@ def main():
     names = recordings_of(arguments.recordings)
     if not names or b"-" in names:
         parser.error("a recording is called -: write ./-" if names else "there is no recording")
+    if arguments.rules == "-":
+        parser.error("the workers read the document by its name, so that it cannot be standard input")
     if arguments.plot:
         if not arguments.plot.endswith((".png", ".svg", ".pdf")):
             parser.error(f"--plot: {arguments.plot}: expected a name that ends with .png, .svg or .pdf")

@@ -33,19 +33,10 @@ std::string nameOfEvents(const std::string& events) {
     return nameOfInput(events);
 }
 
-std::string OneDevice::mistakeIn(const EventRecord& record) {
-    if (hasEnded) {
-        return "device: " + shownQuoted(name) + " has ended; vig run --by-device begins anew";
-    }
-    if (!record.device.empty() && record.device != name) {
-        if (!name.empty()) {
-            return fmt::format("device: {} after {}; vig run --by-device gives each machines of its own",
-                               shownQuoted(record.device), shownQuoted(name));
-        }
-        name = record.device;
-    }
-    hasEnded = record.isEnd;
-    return {};
+std::string OneDevice::mistakeIn(const EventRecord& record) const {
+    return hasEnded ? "device: " + shownQuoted(name) + " has ended; vig run --by-device begins anew"
+                    : fmt::format("device: {} after {}; vig run --by-device gives each machines of its own",
+                                  shownQuoted(record.device), shownQuoted(name));
 }
 
 EventReader::EventReader(int source, std::string sourceName, Devices devices, const Interruption& interruption,
@@ -70,9 +61,9 @@ EventReader::Status EventReader::next() {
             continue;
         }
         current = parser.parse(line);
-        const std::string mistake = current != nullptr ? mistakeIn(*current) : parser.error();
-        if (!mistake.empty()) {
-            message = name + ":" + std::to_string(lines.lineNumber()) + ": error: " + mistake;
+        if (current == nullptr || !acceptsDeviceOf(*current)) {
+            message = name + ":" + std::to_string(lines.lineNumber()) +
+                      ": error: " + (current == nullptr ? parser.error() : mistakeIn(*current));
             return Status::Failed;
         }
         if (!current->isEnd || devices != Devices::One) {
@@ -81,16 +72,21 @@ EventReader::Status EventReader::next() {
     }
 }
 
-std::string EventReader::mistakeIn(const EventRecord& record) {
+bool EventReader::acceptsDeviceOf(const EventRecord& record) {
     switch (devices) {
         case Devices::One:
-            return device.mistakeIn(record);
+            return device.accepts(record);
         case Devices::Named:
-            return record.device.empty() ? "device: missing, without which nobody knows whose event it is" : "";
+            return !record.device.empty();
         case Devices::Any:
             break;
     }
-    return {};
+    return true;
+}
+
+std::string EventReader::mistakeIn(const EventRecord& record) const {
+    return devices == Devices::One ? device.mistakeIn(record)
+                                   : "device: missing, without which nobody knows whose event it is";
 }
 
 }  // namespace Brenta::OS::VIG::Tool

@@ -26,8 +26,21 @@ std::string nameOfEvents(const std::string& events);
 // Tells whether records that come one after the other are of one device.
 class OneDevice {
   public:
-    // Returns what is wrong with the next record; empty if nothing is.
-    std::string mistakeIn(const EventRecord& record);
+    // Returns false if the next record is not. The ones that were not do not count.
+    bool accepts(const EventRecord& record) {
+        const bool isNamed = !record.device.empty();
+        if (hasEnded || (isNamed && !name.empty() && record.device != name)) {
+            return false;
+        }
+        if (isNamed && name.empty()) {
+            name = record.device;
+        }
+        hasEnded = record.isEnd;
+        return true;
+    }
+
+    // Returns what is wrong with a record that was not accepted.
+    std::string mistakeIn(const EventRecord& record) const;
 
   private:
     std::string name;  // empty as long as no record has named it
@@ -60,8 +73,8 @@ class EventReader {
     std::uint64_t bytesRead() const { return lines.bytesRead(); }
 
   private:
-    // Returns what is wrong with the device of a record; empty if nothing is.
-    std::string mistakeIn(const EventRecord& record);
+    bool acceptsDeviceOf(const EventRecord& record);
+    std::string mistakeIn(const EventRecord& record) const;
 
     const std::string name;
     const Devices devices;

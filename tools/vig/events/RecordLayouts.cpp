@@ -289,19 +289,18 @@ const EventRecord* RecordLayout::read(std::string_view line, std::size_t& seen) 
 
 RecordLayouts::RecordLayouts() : savings(kMostSavings) {}
 
-const EventRecord* RecordLayouts::read(std::string_view line) {
-    if (savings < 0) {
-        savings = 0;
-        letPass = pause;
-        pause = std::min(2 * pause + 1, kLongestPause);
-    }
-    if (letPass > 0 || known.empty() || line.size() > kLongestLine) {
+const EventRecord* RecordLayouts::find(std::string_view line) {
+    if (known.empty() || line.size() > kLongestLine) {
         return nullptr;
     }
     const std::size_t guess = known[last].next;
     const EventRecord* record = readAs(guess, line);
     for (std::size_t place = 0; record == nullptr && place < known.size(); ++place) {
         record = place == guess ? nullptr : readAs(place, line);
+    }
+    // A line that fits none is learnt from first.
+    if (record != nullptr) {
+        pauseIfSpent();
     }
     return record;
 }
@@ -324,15 +323,20 @@ const EventRecord* RecordLayouts::readAs(std::size_t place, std::string_view lin
     return record;
 }
 
-void RecordLayouts::remember(std::string_view line, const EventRecord& record) {
-    if (letPass > 0) {
-        --letPass;
-        return;
+void RecordLayouts::pauseIfSpent() {
+    if (savings < 0) {
+        savings = 0;
+        letPass = pause;
+        pause = std::min(2 * pause + 1, kLongestPause);
     }
+}
+
+void RecordLayouts::learn(std::string_view line, const EventRecord& record) {
     if (line.size() > kLongestLine) {
         return;
     }
     savings -= kCostOfRemembering * static_cast<std::int64_t>(line.size());
+    pauseIfSpent();
     auto layout = RecordLayout::of(line, record);
     if (!layout || std::ranges::any_of(known, [&](const Known& each) { return each.layout.isSameAs(*layout); })) {
         return;

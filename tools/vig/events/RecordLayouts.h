@@ -64,10 +64,16 @@ class RecordLayouts {
 
     // Returns the record that a line is, valid until the next call; null if none of the layouts fits.
     // REQUIRES: LineReader::PADDING bytes after the line may be read.
-    const EventRecord* read(std::string_view line);
+    const EventRecord* read(std::string_view line) { return letPass > 0 ? nullptr : find(line); }
 
     // Is told of each line that was not read here and is a record: that one.
-    void remember(std::string_view line, const EventRecord& record);
+    void remember(std::string_view line, const EventRecord& record) {
+        if (letPass > 0) {
+            --letPass;
+        } else {
+            learn(line, record);
+        }
+    }
 
   private:
     struct Known {
@@ -76,7 +82,10 @@ class RecordLayouts {
         std::uint64_t lastHit;  // the larger, the later
     };
 
+    const EventRecord* find(std::string_view line);
     const EventRecord* readAs(std::size_t place, std::string_view line);
+    void learn(std::string_view line, const EventRecord& record);
+    void pauseIfSpent();
 
     std::vector<Known> known;
     std::size_t last = 0;  // the place of the layout of the last line that fitted one

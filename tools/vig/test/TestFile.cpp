@@ -203,8 +203,8 @@ class TestFileReader {
                 const Place range = document.placeOf(each, placeOfOne);
                 const std::string text = document.source().text().substr(range.begin, range.end - range.begin);
                 EventRecord event = record(text, each, placeOfOne);
-                if (const std::string mistake = device.mistakeIn(event); !mistake.empty()) {
-                    check.complain(each, placeOfOne, mistake);
+                if (!device.accepts(event)) {
+                    check.complain(each, placeOfOne, device.mistakeIn(event));
                 } else if (!event.isEnd) {
                     keep(*events, std::move(event));
                 }
