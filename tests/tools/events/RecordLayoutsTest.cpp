@@ -22,12 +22,13 @@ const std::vector<std::string>& lines() {
     static const std::vector<std::string> lines = {
         R"({"event":"Test"})",
         R"({"event":"Timeout","time_ms":12,"timeout_id":-3,"device":"unit 7"})",
-        R"({"device":"é","ended":true})",
+        R"({"device":"7","ended":true})",
         R"({"event":"ProcessMemoryHeartBeat","time_ms":7019,"int64":{"pid":10945,"vmRssKB":331140},)"
         R"("string":{"processName":"com.example.camera","note":""}})",
         R"( { "string" : {"z":"é","a":"1234567","b":"12345678"} , "double":{"half":-0.5e1,"d":0}, "event" : "Test" } )",
-        R"({"bool":{"yes":true,"no":false},"uint64":{"most":18446744073709551615},"event":"ZramHeartBeat","int64":{}})",
+        R"({"bool":{"yes":true,"no":false},"uint64":{"most":18446744073709551615,"least":0},"event":"ZramHeartBeat","int64":{}})",
         R"({"event":"Te\u0073t","string":{"escaped":"a\"b\\","\u0061":"c"}})",
+        R"({"event":"Test","string":{"y":"c","\u007A":"d"}})",
     };
     return lines;
 }
@@ -74,24 +75,35 @@ bool isKnown(RecordLayouts& layouts, const std::string& line) {
     return false;
 }
 
+// Returns one of as many layouts as there are numbers.
+std::string lineLike(int number) {
+    return R"({"event":"Test","int64":{"a)" + std::to_string(number) + "\":1}}";
+}
+
 TEST(RecordLayouts, LinesThatLookLikeEarlierOnesAreKnownUntilTheyNeverDo) {
     RecordLayouts layouts;
-    // Returns how many lines were known. `nameOf` gives the name of an attribute in each.
-    const auto knownOf = [&](int count, auto nameOf) {
+    // Returns how many lines were known.
+    const auto knownOf = [&](int count, auto lineOf) {
         int known = 0;
         for (int i = 0; i < count; ++i) {
-            const std::string line =
-                R"({"event":"Test","int64":{"a)" + std::to_string(nameOf(i)) + "\":" + std::to_string(i) + "}}";
-            known += isKnown(layouts, line) ? 1 : 0;
+            known += isKnown(layouts, lineOf(i)) ? 1 : 0;
         }
         return known;
     };
-    EXPECT_EQ(knownOf(1000, [](int) { return 0; }), 999);
-    EXPECT_GT(knownOf(1000, [](int i) { return i * i % 10; }), 950);
-    EXPECT_EQ(knownOf(1000, [](int i) { return 1000 + i; }), 0);
+    const auto same = [](int) { return lineLike(0); };
+    EXPECT_EQ(knownOf(1000, same), 999);
+    // Those that were seen longest ago are forgotten.
+    EXPECT_EQ(knownOf(100, [](int i) { return lineLike(i % 2 * i); }), 50);
+    // What is remembered is remembered once, though it has to be looked at more closely each time.
+    const std::string closer = R"({"event":"Test","string":{"a":"\n"}})";
+    knownOf(1000, [](int i) { return lineLike(i / 40); });
+    EXPECT_EQ(knownOf(200, [&](int i) { return i % 2 == 0 ? lineLike(i % 50 / 2) : closer; }), 100);
+    EXPECT_EQ(knownOf(5000, [](int i) { return lineLike(1000 + i); }), 0);
     // They are hardly looked for any more, and soon are again.
-    EXPECT_LT(knownOf(2000, [](int) { return 0; }), 1500);
-    EXPECT_EQ(knownOf(1000, [](int) { return 0; }), 1000);
+    const int knownAgain = knownOf(3000, same);
+    EXPECT_GT(knownAgain, 900);
+    EXPECT_LT(knownAgain, 3000);
+    EXPECT_EQ(knownOf(1000, same), 1000);
 }
 
 TEST(RecordLayouts, LinesThatAreDearToTellApartAreSoonNotLookedFor) {

@@ -23,6 +23,7 @@
 #include "tools/vig/fleet/FleetCommand.h"
 #include "tools/vig/fleet/FleetSummary.h"
 #include "tools/vig/fleet/SummaryCommand.h"
+#include "tools/vig/run/Replay.h"
 #include "tools/vig/run/RunCommand.h"
 
 namespace Brenta::OS::VIG::Tool {
@@ -174,19 +175,22 @@ TEST_F(Fleet, ProgressIsNotMixedWithWhatDevicesDo) {
     }
     Progress::Clock::time_point time;
     Progress progress(terminal.descriptor(), {2, 0}, [&time] { return time; });
-    options.devices.resize(2);
+    options.devices = {"it failed", ""};
     Output output(file.descriptor);
     const Interruption interruption;
     Tool::Fleet(options.devices, errors, interruption, output, progress).run(1, [&] {
-        return [&](const std::string& /*device*/, Output& /*text*/) {
+        return [&](const std::string& device, Output& /*text*/) {
             time += std::chrono::seconds(1);
             progress.addDevice();
-            return Tool::Fleet::Ended{"it failed", [] {}};
+            return Tool::Fleet::Ended{device, [] {}};
         };
     });
     const std::string clear = "\r\x1b[K";
     EXPECT_EQ(terminal.shown(), clear + "1 of 2 devices, 0 events, 0 a second" + clear + "it failed\r\n" + clear +
-                                    "2 of 2 devices, 0 events, 0 a second" + clear + "it failed\r\n");
+                                    "2 of 2 devices, 0 events, 0 a second" + clear);
+    const std::vector<std::string> three = {folder.write("three", "{}\n"), "missing"};
+    EXPECT_EQ(sizeOfEvents(three, both), 3U);
+    EXPECT_EQ(sizeOfEvents({three[0], folder.path().string()}, both), 0U);
 }
 
 TEST_F(Fleet, DeviceThatIsAliveTakesLittleMemoryAndOneThatHasEndedNone) {

@@ -38,9 +38,12 @@ TEST_F(ProgressOnTerminal, LineIsRewrittenTwiceASecondAndIsGoneWhenSomethingIsSa
     time = milliseconds(1499);
     progress.addDevice();
     EXPECT_EQ(terminal.shown(), "");
-    time = milliseconds(1500);
+    time = milliseconds(1600);
     progress.addRead(400, 2500);
-    EXPECT_EQ(terminal.shown(), clear + "1 of 3 devices, 600 events, 400 a second, 2 s left");
+    EXPECT_EQ(terminal.shown(), clear + "1 of 3 devices, 600 events, 375 a second, 2 s left");
+    time = milliseconds(2099);
+    progress.addDevice();
+    EXPECT_EQ(terminal.shown(), "");
     progress.aside([&] { EXPECT_EQ(write(terminal.descriptor(), "said\n", 5), 5); });
     EXPECT_EQ(terminal.shown(), clear + "said\r\n");
     progress.clear();
