@@ -102,17 +102,10 @@ bool readString(const char*& at, const char* /*end*/, std::string_view& value) {
     }
 }
 
-// Returns how many bytes a token at the beginning of a text has that is well-formed: a string with its quotes, a
-// number, true or false.
+// Returns how many bytes a token at the beginning of a text has that is well-formed: a string with its quotes, in which
+// nothing is escaped, a number, true or false.
 std::size_t sizeOfToken(std::string_view text) {
-    std::size_t size = 1;
-    if (text.front() != '"') {
-        return text.find_first_of(" \t\r\n,}");
-    }
-    for (; text[size] != '"'; ++size) {
-        size += text[size] == '\\' ? 1 : 0;
-    }
-    return size + 1;
+    return text.front() == '"' ? text.find('"', 1) + 1 : text.find_first_of(" \t\r\n,}");
 }
 
 template <typename T>
@@ -133,7 +126,7 @@ RecordLayout::RecordLayout(const EventRecord& like)
 }
 
 // The line is known to be a record, so that it is enough to tell its tokens apart.
-std::optional<RecordLayout> RecordLayout::of(std::string_view line, const EventRecord& record) {
+RecordLayout RecordLayout::of(std::string_view line, const EventRecord& record) {
     RecordLayout layout(record);
     std::vector<std::string_view> keys;  // of the objects that the place is in
     bool isValue = false;
@@ -168,9 +161,6 @@ std::optional<RecordLayout> RecordLayout::of(std::string_view line, const EventR
         const std::size_t begin = at + quote;
         at = begin + text.size() + quote;
         if (!isValue) {
-            if (text.find('\\') != std::string_view::npos) {
-                return std::nullopt;
-            }
             keys.back() = text;
         } else if (const auto slot = layout.slotOf(keys)) {
             layout.addConstant(line.substr(constant, begin - constant));
@@ -332,20 +322,23 @@ void RecordLayouts::pauseIfSpent() {
 }
 
 void RecordLayouts::learn(std::string_view line, const EventRecord& record) {
-    if (line.size() > kLongestLine) {
-        return;
+    // What is escaped is never read by a layout.
+    if (line.size() <= kLongestLine && line.find('\\') == std::string_view::npos) {
+        savings -= kCostOfRemembering * static_cast<std::int64_t>(line.size());
+        add(RecordLayout::of(line, record));
     }
-    savings -= kCostOfRemembering * static_cast<std::int64_t>(line.size());
     pauseIfSpent();
-    auto layout = RecordLayout::of(line, record);
-    if (!layout || std::ranges::any_of(known, [&](const Known& each) { return each.layout.isSameAs(*layout); })) {
+}
+
+void RecordLayouts::add(RecordLayout layout) {
+    if (std::ranges::any_of(known, [&](const Known& each) { return each.layout.isSameAs(layout); })) {
         return;
     }
     if (known.size() < kMostLayouts) {
-        known.push_back({std::move(*layout), known.size(), hits});
+        known.push_back({std::move(layout), known.size(), hits});
     } else {
         const auto place = std::ranges::min_element(known, {}, &Known::lastHit) - known.begin();
-        known[static_cast<std::size_t>(place)] = {std::move(*layout), static_cast<std::size_t>(place), hits};
+        known[static_cast<std::size_t>(place)] = {std::move(layout), static_cast<std::size_t>(place), hits};
     }
 }
 

@@ -14,8 +14,8 @@ namespace Brenta::OS::VIG::Tool {
 // holds a record of its own, of which only the values change from line to line.
 class RecordLayout {
   public:
-    // Returns the layout of a line that is the record; nothing if a name in it is escaped.
-    static std::optional<RecordLayout> of(std::string_view line, const EventRecord& record);
+    // Returns the layout of a line that is the record. REQUIRES: nothing in it is escaped.
+    static RecordLayout of(std::string_view line, const EventRecord& record);
 
     // Returns the record that a line is. Returns null if the bytes between its values are others, or if one of the
     // values needs a closer look: it may be wrong then. `seen` becomes the number of bytes that were looked at.
@@ -85,6 +85,7 @@ class RecordLayouts {
     const EventRecord* find(std::string_view line);
     const EventRecord* readAs(std::size_t place, std::string_view line);
     void learn(std::string_view line, const EventRecord& record);
+    void add(RecordLayout layout);
     void pauseIfSpent();
 
     std::vector<Known> known;
