@@ -171,8 +171,8 @@ std::vector<Comparison> comparisons() {
         {"`vig run`, the same without rules", "simdjson", "run/no rules/vig", "run/1000000/simdjson", 1.1});
     result.push_back(
         {"`vig run`, a recording of this machine", "simdjson", "run/machine/vig", "run/machine/simdjson", 2.2});
-    result.push_back({"`vig run`, a layout of its own for each line", "simdjson", "run/changing/vig",
-                      "run/changing/simdjson", 0});
+    result.push_back(
+        {"`vig run`, a layout of its own for each line", "simdjson", "run/changing/vig", "run/changing/simdjson", 0});
     result.push_back({"`vig run`, 100,000 records", "`jq`", "run/100000/vig", "run/100000/jq", 1.0 / 30});
     result.push_back({"`vig diff`, 1,000 devices, each machine changed", "`vig run`", "fleet/diff", "fleet/run", 1.3});
     for (const char* verb : {"check", "diff", "prove"}) {
