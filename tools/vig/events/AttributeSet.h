@@ -28,11 +28,15 @@ class AttributeSet {
         table<T>().push_back({store(nameText, name), toStored(value)});
     }
 
-    // Replaces the value of the attribute at a place among those of its kind, which keeps its name. Strings are
-    // replaced all together, each once, after dropStrings().
+    // Returns the value, to be replaced, of the attribute at a place among those of its kind, which is not a string.
     template <typename T>
-    void replace(std::size_t place, std::type_identity_t<T> value) {
-        table<T>()[place].value = toStored(value);
+    T& valueAt(std::size_t place) {
+        return table<T>()[place].value;
+    }
+
+    // Replaces a string. Strings are replaced all together, each once, after dropStrings().
+    void replaceString(std::size_t place, std::string_view value) {
+        table<std::string_view>()[place].value = store(stringText, value);
     }
     void dropStrings() { stringText.clear(); }
 

@@ -62,7 +62,7 @@ bool isDigit(char each) {
 // Each of the following moves `at` over a value and returns true, or returns false.
 
 template <typename T>
-bool readInteger(const char*& at, const char* end, T& value) {
+[[gnu::always_inline]] inline bool readInteger(const char*& at, const char* end, T& value) {
     const char* const digits = at + (std::is_signed_v<T> && *at == '-' ? 1 : 0);
     if (*digits == '0' && isDigit(digits[1])) {
         return false;
@@ -87,7 +87,7 @@ bool readBool(const char*& at, const char* end, bool& value) {
 }
 
 // The value ends before the quote. The line feed behind the line ends it, too.
-bool readString(const char*& at, const char* /*end*/, std::string_view& value) {
+bool readString(const char*& at, std::string_view& value) {
     const char* const begin = at;
     std::uint64_t high = 0;
     for (;; at += kWord) {
@@ -214,7 +214,8 @@ void RecordLayout::addConstant(std::string_view bytes) {
     constants.push_back({first, bytes.size(), mask});
 }
 
-bool RecordLayout::skip(const Constant& constant, const char*& at, const char* end) const {
+[[gnu::always_inline]] inline bool RecordLayout::skip(const Constant& constant, const char*& at,
+                                                      const char* end) const {
     if (static_cast<std::size_t>(end - at) < constant.size) {
         return false;
     }
@@ -230,36 +231,34 @@ bool RecordLayout::skip(const Constant& constant, const char*& at, const char* e
     return isSame;
 }
 
-bool RecordLayout::readValue(const Slot& slot, const char*& at, const char* end) {
-    const auto attribute = [&]<typename T>(bool (*read)(const char*&, const char*, T&)) {
-        T value;
-        const bool isRead = read(at, end, value);
-        if (isRead) {
-            record.attributes.replace<T>(slot.place, value);
-        }
-        return isRead;
-    };
+[[gnu::always_inline]] inline bool RecordLayout::readValue(const Slot& slot, const char*& at, const char* end) {
+    AttributeSet& attributes = record.attributes;
+    std::string_view text;
     switch (slot.member) {
-        case Member::Device: {
-            std::string_view name;
-            const bool isRead = readString(at, end, name);
-            record.device = name;
-            return isRead && !name.empty();
-        }
+        case Member::Device:
+            if (!readString(at, text)) {
+                return false;
+            }
+            record.device = text;
+            return !text.empty();
         case Member::TimeMs:
             return readInteger(at, end, *record.timeMs);
         case Member::TimeoutId:
             return readInteger(at, end, *record.timeoutId);
         case Member::Uint64:
-            return attribute(readInteger<std::uint64_t>);
+            return readInteger(at, end, attributes.valueAt<std::uint64_t>(slot.place));
         case Member::Int64:
-            return attribute(readInteger<std::int64_t>);
+            return readInteger(at, end, attributes.valueAt<std::int64_t>(slot.place));
         case Member::Double:
-            return attribute(readDouble);
+            return readDouble(at, end, attributes.valueAt<double>(slot.place));
         case Member::Bool:
-            return attribute(readBool);
+            return readBool(at, end, attributes.valueAt<bool>(slot.place));
         case Member::String:
-            return attribute(readString);
+            if (!readString(at, text)) {
+                return false;
+            }
+            attributes.replaceString(slot.place, text);
+            return true;
     }
     return false;
 }
