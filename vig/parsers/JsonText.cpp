@@ -92,7 +92,7 @@ std::optional<std::string> reportOfUnreadable(std::string_view text, unsigned le
         return report(text, 0, "Longer than the limit of " + std::to_string(kMostTextBytes) + " bytes.");
     }
     const std::string_view json = withoutByteOrderMark(text);
-    if (std::ranges::count_if(json, [](char c) { return c == '[' || c == '{'; }) <
+    if (std::count_if(json.begin(), json.end(), [](char c) { return c == '[' || c == '{'; }) <
         static_cast<std::ptrdiff_t>(levels)) {
         return std::nullopt;
     }
