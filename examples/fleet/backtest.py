@@ -190,6 +190,7 @@ def main():
     with client_of(arguments) as client:
         summary, said = backtest(client, partitions_of(names, arguments.partition), arguments.rules, seed)
     sys.stderr.buffer.write(said)
+    sys.stderr.flush()
     sys.stdout.buffer.write(summary)
     sys.stdout.flush()
     subprocess.run(["vig", "summary"], input=summary, stdout=sys.stderr, check=True)
