@@ -98,6 +98,8 @@ import signal
 import subprocess
 import sys
 import psutil
+# A background job of a shell ignores it, and so would what it starts.
+signal.signal(signal.SIGINT, signal.SIG_DFL)
 with open("out", "wb") as out, open("said", "wb") as said:
     example = subprocess.Popen([sys.argv[1], "rules.json", "devices", "--workers", "3"], start_new_session=True,
                                stdin=subprocess.DEVNULL, stdout=out, stderr=said)
