@@ -57,10 +57,11 @@ EventReader::Status EventReader::next() {
                 message = lines.problem();
                 return Status::Failed;
         }
-        if (isBlank(line)) {
+        current = parser.parse(line);
+        // No record is blank, so that only what is none has to be looked at.
+        if (current == nullptr && isBlank(line)) {
             continue;
         }
-        current = parser.parse(line);
         if (current == nullptr || !acceptsDeviceOf(*current)) {
             message = name + ":" + std::to_string(lines.lineNumber()) +
                       ": error: " + (current == nullptr ? parser.error() : mistakeIn(*current));
