@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # rooms.sh: prints from which folders each folder of the library and of the tool includes; fails, and says where, if one
-# includes from a folder that is not to its left.
+# includes from a folder that is not to its left, or if two headers give a class the same name: all have one namespace, and
+# the linker takes one for the other without a word.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
@@ -40,3 +41,10 @@ grep -rHoE --include='*.h' --include='*.cpp' '^#include "(os|rulesengine|vig|too
             }
             exit wrong
         }' <(folders) -
+
+grep -rHoE --include='*.h' '^(class|struct|enum class)( VIG_EXPORT)? [A-Za-z]+[^;]*$' os rulesengine vig tools/vig |
+    sed -E 's/:(class|struct|enum class)( VIG_EXPORT)? ([A-Za-z]+).*/ \3/' |
+    awk '
+        $2 in first { print $1 ": error: " $2 " is a name that " first[$2] " gives, too" >"/dev/stderr"; wrong = 1 }
+        { first[$2] = $1 }
+        END { exit wrong }'
