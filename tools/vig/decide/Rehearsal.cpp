@@ -51,6 +51,14 @@ Account Rehearsal::giveAccount(std::size_t machine, const Plan& plan) {
     return given;
 }
 
+void Rehearsal::show(std::size_t machine, const Plan& plan, Trace& steps, Report& lines) {
+    alsoTrace = &steps;
+    alsoReport = &lines;
+    play(machine, plan);
+    alsoTrace = nullptr;
+    alsoReport = nullptr;
+}
+
 double Rehearsal::draw() {
     constexpr double kOfOthers = 0.5;
     const bool isPlanned = group.drivenIndex() == played && drawn < numbers->size();
@@ -61,7 +69,16 @@ double Rehearsal::draw() {
 
 void Rehearsal::loaded(const DocumentModel& /*document*/) {}
 
+void Rehearsal::offered(const EventRecord& record) {
+    if (alsoTrace != nullptr) {
+        alsoTrace->offered(record);
+    }
+}
+
 void Rehearsal::step(const Step& step) {
+    if (alsoTrace != nullptr) {
+        alsoTrace->step(step);
+    }
     for (const Attempt& attempt : step.attempts) {
         witness.moves += attempt.fired ? 1 : 0;
         if (step.machine.index == played) {
@@ -80,6 +97,9 @@ void Rehearsal::step(const Step& step) {
 }
 
 void Rehearsal::trigger(const TriggerLine& line) {
+    if (alsoReport != nullptr) {
+        alsoReport->trigger(line);
+    }
     if (line.machine.index == played) {
         witness.triggers.push_back(line.event);
         if (account) {
@@ -93,6 +113,9 @@ void Rehearsal::trigger(const TriggerLine& line) {
 }
 
 void Rehearsal::log(const LogLine& line) {
+    if (alsoReport != nullptr) {
+        alsoReport->log(line);
+    }
     if (account && group.drivenIndex() == played) {
         account->deeds.push_back({line.event, Deed::Kind::Log, std::string(line.message)});
     }

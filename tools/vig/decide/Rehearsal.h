@@ -58,8 +58,12 @@ class Rehearsal final : private Trace, private NoReport {
     Witness play(std::size_t machine, const Plan& plan);
     Account giveAccount(std::size_t machine, const Plan& plan);
 
+    // Plays it as well, and passes on what all machines do.
+    void show(std::size_t machine, const Plan& plan, Trace& steps, Report& lines);
+
   private:
     void loaded(const DocumentModel& document) override;
+    void offered(const EventRecord& record) override;
     void step(const Step& step) override;
     void trigger(const TriggerLine& line) override;
     void log(const LogLine& line) override;
@@ -74,6 +78,8 @@ class Rehearsal final : private Trace, private NoReport {
     std::size_t drawn = 0;                         // so many of them
     Witness witness;
     std::optional<Account> account;  // if one is to be given
+    Trace* alsoTrace = nullptr;      // if it is shown
+    Report* alsoReport = nullptr;
 };
 
 }  // namespace Brenta::OS::VIG::Tool

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "tools/vig/diff/DiffWriters.h"
+#include "tools/vig/diff/MachinePairs.h"
 #include "tools/vig/events/EventNames.h"
 #include "tools/vig/events/EventRecord.h"
 #include "tools/vig/words/Text.h"
@@ -19,7 +20,6 @@ constexpr std::size_t kMostEventsShown = 12;    // the last ones of a recording
 constexpr std::size_t kMostIdsNamed = 12;       // of configurations of which there is nothing else to say
 constexpr std::size_t kMostLinesOfEither = 40;  // of what a machine did; a circle makes a thousand
 constexpr std::size_t kWidestColumn = 72;       // wider ones stand one under the other
-constexpr Both<const char*> kSides = {"old", "new"};
 
 std::string counted(std::size_t number, const std::string& word) {
     return fmt::format("{} {}{}", number, word, number == 1 ? "" : "s");
@@ -81,11 +81,6 @@ std::string verbFor(const std::vector<std::string_view>& old, const std::vector<
                                          : verb + " otherwise";
 }
 
-std::string labelOf(const ConfigDiff& config) {
-    return config.occurrence == 0 ? fmt::format("{}", config.id)
-                                  : fmt::format("{} (the {}. with this id)", config.id, config.occurrence + 1);
-}
-
 const char* wordFor(const ConfigDiff& config) {
     if (config.isOnlyIn(0)) {
         return "removed";
@@ -106,38 +101,6 @@ const char* wordFor(const ConfigDiff& config) {
 
 std::string when(const MachineDiff& diff) {
     return diff.events == 0 ? "at the start" : "by event " + std::to_string(diff.events);
-}
-
-// Returns what is to be said of one configuration, line by line.
-std::vector<std::string> summaryOf(const ConfigDiff& config) {
-    const MachineDiff& diff = config.diff;
-    std::vector<std::string> lines;
-    switch (diff.verdict) {
-        case MachineDiff::Verdict::Different:
-            for (const MachineDiff::Change& each : diff.changes) {
-                std::string line = wordsFor(each, diff.states);
-                if (std::ranges::count(lines, line) == 0) {
-                    lines.push_back(std::move(line));
-                }
-            }
-            if (diff.areOddsSame) {
-                lines.push_back("only what is drawn differs: everything is as probable as before");
-            }
-            break;
-        case MachineDiff::Verdict::Unrecordable:
-            lines.push_back("only an infinity, NaN or a text that is no UTF-8 shows a difference");
-            break;
-        case MachineDiff::Verdict::Undecided:
-            lines.push_back(fmt::format("not decided up to {}: no shorter recording shows a difference",
-                                        counted(diff.events, "event")));
-            break;
-        case MachineDiff::Verdict::Same:
-            if (!config.indices[0] || !config.indices[1]) {
-                lines.emplace_back("does nothing that is seen");
-            }
-            break;
-    }
-    return lines;
 }
 
 // Counts the configurations: "1 changed, 2 unchanged".
@@ -219,7 +182,7 @@ std::string beside(const Both<std::vector<std::string>>& texts, const std::strin
     }
     Both<std::vector<std::string>> columns = texts;
     for (std::size_t side = 0; side < columns.size(); ++side) {
-        columns[side].insert(columns[side].begin(), kSides[side]);
+        columns[side].emplace(columns[side].begin(), kSides[side]);
     }
     for (std::size_t index = 0; index < std::max(columns[0].size(), columns[1].size()); ++index) {
         const std::string left = index < columns[0].size() ? columns[0][index] : "";
@@ -291,6 +254,42 @@ std::string escapedInCell(const std::string& text) {
 }
 
 }  // namespace
+
+std::string labelOf(const ConfigDiff& config) {
+    return config.occurrence == 0 ? fmt::format("{}", config.id)
+                                  : fmt::format("{} (the {}. with this id)", config.id, config.occurrence + 1);
+}
+
+std::vector<std::string> summaryOf(const ConfigDiff& config) {
+    const MachineDiff& diff = config.diff;
+    std::vector<std::string> lines;
+    switch (diff.verdict) {
+        case MachineDiff::Verdict::Different:
+            for (const MachineDiff::Change& each : diff.changes) {
+                std::string line = wordsFor(each, diff.states);
+                if (std::ranges::count(lines, line) == 0) {
+                    lines.push_back(std::move(line));
+                }
+            }
+            if (diff.areOddsSame) {
+                lines.push_back("only what is drawn differs: everything is as probable as before");
+            }
+            break;
+        case MachineDiff::Verdict::Unrecordable:
+            lines.push_back("only an infinity, NaN or a text that is no UTF-8 shows a difference");
+            break;
+        case MachineDiff::Verdict::Undecided:
+            lines.push_back(fmt::format("not decided up to {}: no shorter recording shows a difference",
+                                        counted(diff.events, "event")));
+            break;
+        case MachineDiff::Verdict::Same:
+            if (!config.indices[0] || !config.indices[1]) {
+                lines.emplace_back("does nothing that is seen");
+            }
+            break;
+    }
+    return lines;
+}
 
 std::string wordsFor(const MachineDiff::Change& change, const Both<std::string>& states) {
     const auto& [old, changed] = change.outcomes;

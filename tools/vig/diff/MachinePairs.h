@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <string_view>
 #include <vector>
 
 #include "tools/vig/diff/Meeting.h"
@@ -13,6 +14,7 @@ namespace Brenta::OS::VIG::Tool {
 // The old document comes first wherever both have something.
 inline constexpr std::size_t kOld = 0;
 inline constexpr std::size_t kNew = 1;
+inline constexpr Both<std::string_view> kSides = {"old", "new"};
 
 // It is a machine of two documents: the configurations in both that have the same id. If several of one document have
 // it, the first ones belong together, the second ones and so on.

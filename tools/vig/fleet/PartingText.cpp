@@ -19,7 +19,6 @@ namespace {
 
 constexpr std::size_t kMostLines = 50;  // a cycle of EnteringState transitions makes a thousand steps
 constexpr std::size_t kIndent = 11;     // of an explanation
-constexpr Both<std::string_view> kSides = {"old", "new"};
 
 constexpr std::array<std::string_view, kDeviceChangeNames.size()> kSentences = {"triggers newly",
                                                                                 "triggers no longer",

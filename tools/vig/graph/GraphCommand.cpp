@@ -5,10 +5,7 @@
 #include <optional>
 #include <vector>
 
-#include "tools/vig/catalogue/Catalogue.h"
-#include "tools/vig/check/DocumentCheck.h"
 #include "tools/vig/commandline/CommandLine.h"
-#include "tools/vig/document/Registry.h"
 #include "tools/vig/graph/Pictures.h"
 #include "tools/vig/graph/RuleGraph.h"
 #include "tools/vig/io/FileText.h"
@@ -128,11 +125,11 @@ int graph(const GraphOptions& options, const Console& console, const Interruptio
         return *status;
     }
     const DocumentModel document(nameOfInput(options.rules), std::move(text));
-    const Findings findings = findingsIn(document.text, libraryRegistry(), Catalogue::builtIn(), &interruption);
+    const std::vector<RuleGraph> graphs = checkedGraphsOf(document, counter.traffic, interruption);
     if (interruption.requested()) {
         return kExitInterrupted;
     }
-    return draw(graphsOf(document.configs, findings.all, counter.traffic), options, console, interruption);
+    return draw(graphs, options, console, interruption);
 }
 
 constexpr const char* kHelp =

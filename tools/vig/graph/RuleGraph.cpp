@@ -8,6 +8,9 @@
 #include <utility>
 
 #include "rulesengine/FiniteStateMachine.h"
+#include "tools/vig/catalogue/Catalogue.h"
+#include "tools/vig/check/DocumentCheck.h"
+#include "tools/vig/document/Registry.h"
 #include "tools/vig/events/EventNames.h"
 
 namespace Brenta::OS::VIG::Tool {
@@ -198,6 +201,12 @@ std::vector<RuleGraph> graphsOf(const std::vector<ConfigModel>& configs, const s
         graphs.push_back(Grapher(configs[index], marks).build(ofConfig));
     }
     return graphs;
+}
+
+std::vector<RuleGraph> checkedGraphsOf(const DocumentModel& document, const std::vector<std::vector<Traffic>>& traffic,
+                                       const Interruption& interruption) {
+    const Findings findings = findingsIn(document.text, libraryRegistry(), Catalogue::builtIn(), &interruption);
+    return graphsOf(document.configs, findings.all, traffic);
 }
 
 }  // namespace Brenta::OS::VIG::Tool

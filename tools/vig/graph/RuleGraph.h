@@ -8,6 +8,7 @@
 
 #include "tools/vig/document/RuleModel.h"
 #include "tools/vig/findings/Findings.h"
+#include "tools/vig/io/Interruption.h"
 
 namespace Brenta::OS::VIG::Tool {
 
@@ -63,5 +64,10 @@ inline constexpr std::size_t kMostParallelArrows = 4;
 // for each transition of each configuration.
 std::vector<RuleGraph> graphsOf(const std::vector<ConfigModel>& configs, const std::vector<Finding>& findings,
                                 const std::vector<std::vector<Traffic>>& traffic);
+
+// Does the same with all that `vig check` finds in the document. Once it is interrupted, what is returned means
+// nothing.
+std::vector<RuleGraph> checkedGraphsOf(const DocumentModel& document, const std::vector<std::vector<Traffic>>& traffic,
+                                       const Interruption& interruption);
 
 }  // namespace Brenta::OS::VIG::Tool

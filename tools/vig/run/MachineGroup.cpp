@@ -69,6 +69,9 @@ void MachineGroup::startAnew() {
 
 void MachineGroup::offer(const EventRecord& record) {
     current = ++events;
+    if (tracer != nullptr) {
+        tracer->offer(record);
+    }
     withEventOf(record, [&](const Event& event) {
         drive(event.type, record.timeMs, false, [&](FiniteStateMachine& machine) { machine.onEvent(event); });
     });

@@ -72,14 +72,23 @@ std::optional<std::string> readRules(const std::string& path, const Console& con
 
 RuleRun::RuleRun(const MachineOptions& options, const ReportStyle& style, const Console& console,
                  const Interruption& interruption)
-    : options(options), console(console), interruption(interruption), out(console.out), report(reportOf(style, out)) {}
+    : options(options),
+      console(console),
+      interruption(interruption),
+      out(console.out),
+      written(reportOf(style, out)),
+      report(*written) {}
+
+RuleRun::RuleRun(const MachineOptions& options, Report& report, const Console& console,
+                 const Interruption& interruption)
+    : options(options), console(console), interruption(interruption), out(console.out), report(report) {}
 
 std::optional<int> RuleRun::load(RuleSession::Changes later) {
     AttributeSet context;
     if (const auto status = readContext(options.contextFile, console, interruption, context)) {
         return status;
     }
-    rules.emplace(options.rules, options.draws, std::move(context), *report, trace);
+    rules.emplace(options.rules, options.draws, std::move(context), report, trace);
     switch (rules->load(later, interruption)) {
         case RuleSession::Loading::Done:
             if (later == RuleSession::Changes::Ignore) {
@@ -120,7 +129,7 @@ int RuleRun::finish(int status, std::optional<Summary::Sampling> sampling) {
             summary.events += count;
         }
     }
-    report->end(summary);
+    report.end(summary);
     return abandon(status);
 }
 

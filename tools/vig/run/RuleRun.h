@@ -52,11 +52,13 @@ void sayRefusal(const RuleSession& session, const Console& console);
 // Returns the text of a rule document that the library accepts. If there is none, says why, unless it is interrupted.
 std::optional<std::string> readRules(const std::string& path, const Console& console, const Interruption& interruption);
 
-// It is one run of a verb from the loading of the rules to the exit status, its report on the console.
+// It is one run of a verb from the loading of the rules to the exit status, its report on the console, or to whom the
+// caller says, who must outlive it.
 class RuleRun {
   public:
     RuleRun(const MachineOptions& options, const ReportStyle& style, const Console& console,
             const Interruption& interruption);
+    RuleRun(const MachineOptions& options, Report& report, const Console& console, const Interruption& interruption);
     RuleRun(const RuleRun&) = delete;
     RuleRun& operator=(const RuleRun&) = delete;
 
@@ -73,7 +75,7 @@ class RuleRun {
 
     Output& output() { return out; }
 
-    Report& reporter() { return *report; }
+    Report& reporter() { return report; }
 
     // Says what is wrong after all that has been reported.
     void complainAfterOutput(std::string_view line);
@@ -92,7 +94,8 @@ class RuleRun {
     const Console& console;
     const Interruption& interruption;
     Output out;
-    std::unique_ptr<Report> report;
+    const std::unique_ptr<Report> written;  // null if the caller has the report
+    Report& report;
     Trace* trace = nullptr;
     std::optional<RuleSession> rules;
 };

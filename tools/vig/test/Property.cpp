@@ -436,6 +436,9 @@ TestOutcome checkProperty(const std::string& rules, const Property& property, co
             outcome.failure.push_back(std::move(line));
         }
     }
+    outcome.event = counterexample->decisive.back();
+    outcome.machine = machine;
+    outcome.refutation = std::move(replayed);
     return outcome;
 }
 

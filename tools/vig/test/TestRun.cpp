@@ -109,9 +109,11 @@ TestOutcome loadRules(const std::string& rules, const Interruption& interruption
 RuleSession::Loading play(RuleSession& session, const TestCase& test, Report& report,
                           const Interruption& interruption) {
     const auto loading = session.load(RuleSession::Changes::Ignore, interruption);
-    if (loading != RuleSession::Loading::Done) {
-        return loading;
-    }
+    return loading == RuleSession::Loading::Done ? offer(session, test, report, interruption) : loading;
+}
+
+RuleSession::Loading offer(RuleSession& session, const TestCase& test, Report& report,
+                           const Interruption& interruption) {
     session.start();
     for (const EventRecord& event : *test.events) {
         if (interruption.requested()) {
@@ -120,7 +122,7 @@ RuleSession::Loading play(RuleSession& session, const TestCase& test, Report& re
         session.machines().offer(event);
     }
     report.end(session.machines().summary());
-    return loading;
+    return RuleSession::Loading::Done;
 }
 
 std::vector<std::string> explain(const std::string& rules, const TestCase& test, const Divergence& divergence,
@@ -146,6 +148,10 @@ TestOutcome runTest(const std::string& rules, const TestCase& test, Trace& trace
     Mismatch mismatch = compare(test.expect, observed);
     outcome.failure = std::move(mismatch.lines);
     if (mismatch.first) {
+        if (mismatch.first->kind == Divergence::Kind::Event) {
+            outcome.event = mismatch.first->event;
+            outcome.machine = mismatch.first->machine;
+        }
         for (std::string& line : explain(rules, test, *mismatch.first, interruption)) {
             outcome.failure.push_back(std::move(line));
         }

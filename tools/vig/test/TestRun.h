@@ -1,5 +1,8 @@
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -17,6 +20,12 @@ struct TestOutcome {
     std::string problem;               // says why the rules cannot be read, if that is so
     std::vector<std::string> failure;  // expected against actual, and why, printable; empty if the test passed
     std::string fault = {};            // says what the library does not confirm of what was decided, which is our fault
+
+    // Of one that did not: the event by which it went another way, and the machine that did, as far as there is such an
+    // event; and, of a property, what refutes it.
+    std::optional<std::uint64_t> event = {};
+    std::optional<std::size_t> machine = {};
+    std::optional<TestCase> refutation = {};
 };
 
 // Loads the rules at that path, whose text is then in `text`, also if they are refused.
@@ -28,6 +37,10 @@ TestOutcome runTest(const std::string& rules, const TestCase& test, Trace& trace
 
 // Loads the rules of a session and offers its machines the events of the test. REQUIRES: the session has the report.
 RuleSession::Loading play(RuleSession& session, const TestCase& test, Report& report, const Interruption& interruption);
+
+// Starts the machines of a session that is loaded, and offers them those events.
+RuleSession::Loading offer(RuleSession& session, const TestCase& test, Report& report,
+                           const Interruption& interruption);
 
 // Runs it and returns why it went that way at the divergence, in printable lines.
 std::vector<std::string> explain(const std::string& rules, const TestCase& test, const Divergence& divergence,

@@ -23,23 +23,8 @@ constexpr std::size_t kFilterIndent = 4;
 constexpr std::size_t kConditionIndent = kFilterIndent + 6;  // behind "yes", "no" or "runs"
 constexpr std::size_t kGap = 2;
 
-std::string shown(const ComparedValue& compared) {
-    if (std::holds_alternative<std::monostate>(compared.value)) {
-        return "missing";
-    }
-    std::string text;
-    if (const auto* const integer = std::get_if<std::int64_t>(&compared.value)) {
-        text = fmt::format("{}", *integer);
-    } else if (const auto* const number = std::get_if<double>(&compared.value)) {
-        text = fmt::format("{}", *number);
-    } else if (const auto* const characters = std::get_if<std::string>(&compared.value)) {
-        text = shownQuoted(*characters);
-    }
-    return compared.missing ? text + " (missing)" : text;
-}
-
 std::string shown(const FilterModel& filter, const ComparedValue& left, const ComparedValue& right) {
-    return shown(left) + " " + std::string(kFilterOperatorTable.lookup(filter.op)) + " " + shown(right);
+    return shownValue(left) + " " + std::string(kFilterOperatorTable.lookup(filter.op)) + " " + shownValue(right);
 }
 
 std::string shown(const FilterModel& filter, const WhyNot::NearestMiss& miss) {
@@ -92,7 +77,7 @@ std::string json(const ComparedValue& compared) {
     }
     const auto* const number = std::get_if<double>(&compared.value);
     // JSON has no word for infinities and NaN.
-    return number != nullptr && !std::isfinite(*number) ? quoted(shown(compared)) : shown(compared);
+    return number != nullptr && !std::isfinite(*number) ? quoted(shownValue(compared)) : shownValue(compared);
 }
 
 std::string json(const Comparison& comparison) {
@@ -118,6 +103,21 @@ std::string json(const WhyNot::NearestMiss& miss) {
 }
 
 }  // namespace
+
+std::string shownValue(const ComparedValue& compared) {
+    if (std::holds_alternative<std::monostate>(compared.value)) {
+        return "missing";
+    }
+    std::string text;
+    if (const auto* const integer = std::get_if<std::int64_t>(&compared.value)) {
+        text = fmt::format("{}", *integer);
+    } else if (const auto* const number = std::get_if<double>(&compared.value)) {
+        text = fmt::format("{}", *number);
+    } else if (const auto* const characters = std::get_if<std::string>(&compared.value)) {
+        text = shownQuoted(*characters);
+    }
+    return compared.missing ? text + " (missing)" : text;
+}
 
 std::string ExplainText::nameOf(const TransitionModel& transition) {
     const bool isNew = named.insert(transition.place.path).second;

@@ -32,6 +32,9 @@ class ExplainText {
     std::set<std::string> named;  // paths
 };
 
+// Returns a value as an explanation shows it.
+std::string shownValue(const ComparedValue& compared);
+
 // Return the same as one JSON object each, without a line end.
 std::string explainJson(const Step& step);
 std::string whyNotJson(const WhyNot& answer);

@@ -15,6 +15,8 @@
 
 namespace Brenta::OS::VIG::Tool {
 
+struct EventRecord;
+
 // It is one side of a filter, as it was when it was compared.
 struct ComparedValue {
     // It holds nothing for a number that is in neither the event nor the context, which makes the filter false.
@@ -59,6 +61,9 @@ class Trace {
 
     // Is called before the machines of that document are started.
     virtual void loaded(const DocumentModel& document) = 0;
+
+    // Is called before an event is offered to the machines, of whose steps the next ones are.
+    virtual void offered(const EventRecord& /*record*/) {}
 
     // If a transition fires, its actions run after this call. The events that a machine raises make no step in a
     // state that does not listen for them.

@@ -19,8 +19,8 @@
 #include "rulesengine/Filter.h"
 #include "rulesengine/FuncFilter.h"
 #include "rulesengine/Transition.h"
+#include "tools/vig/trace/OperandReader.h"
 #include "tools/vig/trace/RebuiltMachines.h"
-#include "vig/parsers/NumberText.h"
 
 namespace Brenta::OS::VIG::Tool {
 
@@ -30,15 +30,6 @@ using RulesEngine::EventType;
 using RulesEngine::Filter;
 using RulesEngine::FuncFilter;
 using RulesEngine::Transition;
-
-namespace {
-
-struct FunctionResult {
-    std::string function;
-    ComparedValue value;
-};
-
-}  // namespace
 
 // Puts steps together from what the filters of the machines tell. Used on the thread that drives them.
 class StepRecorder {
@@ -80,81 +71,6 @@ class StepRecorder {
 
 namespace {
 
-// `source` is an event or a context.
-template <typename T>
-std::optional<T> attributeOf(const auto& source, const std::string& name) {
-    if constexpr (std::is_same_v<T, std::string>) {
-        const std::string_view text = source.getStringAttr(name);
-        return text.empty() ? std::nullopt : std::optional<T>(text);
-    } else if constexpr (std::is_same_v<T, double>) {
-        return source.getDoubleAttr(name);
-    } else {
-        return source.getInt64Attr(name);
-    }
-}
-
-bool comparesWithConstant(const FilterModel& filter) {
-    const bool left = filter.operand1.operand.type == FilterOperand::Type::Constant;
-    const bool right = filter.operand2.operand.type == FilterOperand::Type::Constant;
-    return left != right;
-}
-
-// Reads again what a filter has compared, by the rules by which the library builds it.
-class OperandReader {
-  public:
-    // A filter that compares an attribute with a constant looks for it in the context, too.
-    OperandReader(const std::vector<FunctionResult>& results, const FilterModel& filter,
-                  const EvaluationContext& context, const Event& event)
-        : results(results), context(context), event(event), looksInContext(comparesWithConstant(filter)) {}
-
-    ComparedValue read(const FilterOperand& operand, FilterValueType type) {
-        switch (type) {
-            case FilterValueType::String:
-                return readAs<std::string>(operand);
-            case FilterValueType::Integer:
-                return readAs<std::int64_t>(operand);
-            case FilterValueType::Double:
-                break;
-        }
-        return readAs<double>(operand);
-    }
-
-  private:
-    template <typename T>
-    ComparedValue readAs(const FilterOperand& operand) {
-        switch (operand.type) {
-            case FilterOperand::Type::Constant:
-                return {readNearest<T>(operand.value)};
-            case FilterOperand::Type::Envvar:
-                return readAttribute<T>(operand.value);
-            case FilterOperand::Type::Function:
-                break;
-        }
-        // A function that the registry does not have was not called.
-        const bool called = next < results.size() && results[next].function == operand.value;
-        return called ? results[next++].value : ComparedValue{T()};
-    }
-
-    template <typename T>
-    ComparedValue readAttribute(const std::string& name) const {
-        std::optional<T> found = attributeOf<T>(event, name);
-        if (!found && looksInContext) {
-            found = attributeOf<T>(context, name);
-        }
-        if (found) {
-            return {std::move(*found)};
-        }
-        const bool comparesNothing = looksInContext && !std::is_same_v<T, std::string>;
-        return comparesNothing ? ComparedValue{std::monostate(), true} : ComparedValue{T(), true};
-    }
-
-    const std::vector<FunctionResult>& results;
-    const EvaluationContext& context;
-    const Event& event;
-    const bool looksInContext;
-    std::size_t next = 0;
-};
-
 // Returns a filter that says the same as the one given.
 std::shared_ptr<Filter> watched(std::shared_ptr<Filter> original, const FilterModel& model, StepRecorder& recorder) {
     return std::make_shared<FuncFilter>(
@@ -162,8 +78,8 @@ std::shared_ptr<Filter> watched(std::shared_ptr<Filter> original, const FilterMo
             recorder.results.clear();
             const bool verdict = (*original)(context, event);
             OperandReader reader(recorder.results, model, context, event);
-            ComparedValue left = reader.read(model.operand1.operand, model.valueType);
-            ComparedValue right = reader.read(model.operand2.operand, model.valueType);
+            ComparedValue left = reader.read(model.operand1.operand);
+            ComparedValue right = reader.read(model.operand2.operand);
             recorder.compared({&model, std::move(left), std::move(right), verdict});
             return verdict;
         });
@@ -233,6 +149,10 @@ std::vector<std::unique_ptr<VIGConfig>> Tracer::watch(const DocumentModel& docum
 void Tracer::begin(std::uint64_t event, EventType type, std::optional<std::int64_t> timeMs, MachineName machine,
                    std::string_view state, bool raised) {
     recorder->begin({event, timeMs, machine, state, type, raised, {}});
+}
+
+void Tracer::offer(const EventRecord& record) {
+    recorder->trace.offered(record);
 }
 
 void Tracer::end() {

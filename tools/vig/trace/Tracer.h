@@ -37,6 +37,9 @@ class Tracer {
     std::vector<std::unique_ptr<VIGConfig>> watch(const DocumentModel& document,
                                                   const std::vector<std::unique_ptr<VIGConfig>>& configs);
 
+    // Is to be called before an event is offered to the machines.
+    void offer(const EventRecord& record);
+
     // Are to be called around each call that drives a machine; `raised` if the machine makes the event itself.
     void begin(std::uint64_t event, RulesEngine::EventType type, std::optional<std::int64_t> timeMs,
                MachineName machine, std::string_view state, bool raised);
