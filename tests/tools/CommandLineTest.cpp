@@ -62,6 +62,7 @@ TEST(CommandLine, VerbsHaveTheirDefaultsAndOptions) {
     EXPECT_TRUE(test.coverage && test.mutants);
     EXPECT_EQ(test.coverageMin, 99.5);
     EXPECT_EQ(test.draws.numbers, std::vector{0.7});
+    EXPECT_EQ(Parsed({"test", "a", "--format", "html"}).test.format, TestFormat::Html);
     EXPECT_EQ(Parsed({"test", "--generate", "r"}).test.generate, "r");
     const auto watch = Parsed({"watch", "r", "--interval", "500ms", "--duration", "2m", "--record", "f", "--force",
                                "--seed", "7", "--context", "c", "--verbose"})

@@ -79,7 +79,7 @@ What is missing or wrong is a usage error, which names the help to read.
   2 vig: error: --draw: expected a number from 0 up to, but not including, 1, got 1e-400. Try: vig graph --help
   2 vig: error: --draw: expected a number from 0 up to, but not including, 1, got nan. Try: vig test --help
   2 vig: error: --seed excludes --draw. Try: vig watch --help
-  2 vig: error: --format: expected text|jsonl|json, got xml. Try: vig run --help
+  2 vig: error: --format: expected text|jsonl|json|html, got xml. Try: vig run --help
   2 vig: error: The following argument was not expected: --interval. Try: vig run --help
   2 vig: error: --context: expected a name, got nothing. Try: vig run --help
   2 vig: error: --why-not takes "." for a transition: write it behind the files, or --why-not=TRANSITION. Try: vig run --help

@@ -151,7 +151,7 @@ What is not fit to be compared:
   Try: vig diff --help
   [2]
   $ vig diff old.json new.json same --states
-  vig: error: markdown, --states and --catalogue are for documents without event records
+  vig: error: markdown, html, --states and --catalogue are for documents without event records
   Try: vig diff --help
   [2]
   $ vig diff old.json new.json - -

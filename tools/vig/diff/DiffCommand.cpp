@@ -7,6 +7,7 @@
 
 #include "tools/vig/catalogue/Catalogue.h"
 #include "tools/vig/catalogue/CatalogueCommand.h"
+#include "tools/vig/diff/DiffPage.h"
 #include "tools/vig/diff/DiffWriters.h"
 #include "tools/vig/diff/DocumentDiff.h"
 #include "tools/vig/document/Registry.h"
@@ -27,6 +28,7 @@ std::string outputOf(const DocumentDiff& diff, DiffFormat format, const Both<std
         case DiffFormat::Markdown:
             return markdownOf(diff, files);
         case DiffFormat::Text:
+        case DiffFormat::Html:
             break;
     }
     return textOf(diff, files);
@@ -83,8 +85,15 @@ int diffDocuments(const DiffOptions& options, const Console& console, const Inte
                         diff.fault));
         return kExitUnusable;
     }
+    const Both<const DocumentModel*> compared = {&*documents[0], &*documents[1]};
+    const std::string text = outputOf(diff, options.format, files);
+    const std::string output =
+        options.format == DiffFormat::Html ? pageOf(diff, compared, context, text, console, interruption) : text;
+    if (interruption.requested()) {
+        return kExitInterrupted;
+    }
     Output out(console.out);
-    out.write(outputOf(diff, options.format, files));
+    out.write(output);
     return console.finish(out, statusOf(diff));
 }
 

@@ -10,7 +10,8 @@ namespace Brenta::OS::VIG::Tool {
 inline constexpr int kExitDifferent = 1;
 inline constexpr int kExitUndecided = 3;
 
-enum class DiffFormat { Text, Json, Markdown };
+// Html is a page that has the text, and lets people step through each recording that shows a difference.
+enum class DiffFormat { Text, Json, Markdown, Html };
 
 struct DiffOptions {
     std::string oldRules = {};  // files with rule documents

@@ -56,6 +56,7 @@ std::string summaryIn(ReportFormat format, const auto& summary, const std::strin
             return jsonOf(summary, "\"type\":\"" + type + "\",");
         case ReportFormat::Json:
             return jsonOf(summary, "");
+        case ReportFormat::Html:
         case ReportFormat::None:
             break;
     }

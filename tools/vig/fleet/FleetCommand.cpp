@@ -17,6 +17,7 @@
 #include "tools/vig/fleet/Jobs.h"
 #include "tools/vig/io/FileText.h"
 #include "tools/vig/io/Progress.h"
+#include "tools/vig/page/RunPage.h"
 #include "tools/vig/run/Replay.h"
 #include "tools/vig/words/Text.h"
 
@@ -88,6 +89,9 @@ half as far apart. --explain=all shows every event, as jsonl does.
 --why-not takes a path of the document, its last part such as transitions[1], or a move such as 'start -> end', and
 without any tells of all transitions that never fired. It stands last, or is written --why-not=TRANSITION.
 
+--format html writes all of it as one page for a browser, on which the recording can be stepped through: the machines
+as `vig graph` draws them, a time line, and what each filter compared.
+
 With several files, each is the recording of a device with machines of its own, which neither the others nor -j
 change. A summary ends the run: of each transition how often it fired and on how many devices, and the triggers a
 device. A storm is a device with at least {} triggers, more than one for each {} of its events. A file that cannot be
@@ -102,6 +106,8 @@ to end, after which it needs no memory:
 Example: which events of a recording fire a trigger? And why did the second transition not fire?
   vig run rules.json trace.jsonl --format jsonl | grep '"type":"trigger"'
   vig run rules.json trace.jsonl --why-not 'transitions[1]'
+What happened, for who does not have the tool?
+  vig run rules.json trace.jsonl --format html > replay.html
 What did the rules make of the camera in the first minute?
   vig run rules.json trace.jsonl --explain --where processName=camera --to 1m
 Which transitions fire in a fleet?
@@ -123,6 +129,16 @@ int runOneOrMany(const FleetOptions& given, const Console& console, const Interr
         return refuseArguments(console, kStandardInputTwice, "run");
     }
     const bool isOneDevice = options.devices.size() == 1 && !options.byDevice;
+    if (options.format == ReportFormat::Html) {
+        if (!isOneDevice || options.summaryOnly || options.explain != Explain::Nothing || options.whyNot) {
+            return refuseArguments(console,
+                                   "--format html tells all of one device: give one file, and neither --explain, "
+                                   "--why-not, --by-device nor --summary-only",
+                                   "run");
+        }
+        options.events = options.devices.front();
+        return runToPage(options, console, interruption);
+    }
     if (isOneDevice && !options.summaryOnly && options.format != ReportFormat::Json) {
         options.events = options.devices.front();
         return run(options, console, interruption);
@@ -145,8 +161,11 @@ void addRun(CommandLine& commandLine, FleetOptions& options) {
                             runOneOrMany, options);
     addRules(verb, options);
     verb.choice("--format", options.format,
-                {{"text", ReportFormat::Text}, {"jsonl", ReportFormat::Jsonl}, {"json", ReportFormat::Json}},
-                "text for people, jsonl for programs, json for a summary alone");
+                {{"text", ReportFormat::Text},
+                 {"jsonl", ReportFormat::Jsonl},
+                 {"json", ReportFormat::Json},
+                 {"html", ReportFormat::Html}},
+                "text for people, jsonl for programs, json for a summary alone, html for a page to step through it");
     addSurroundings(verb, options, "; in a summary, each device draws by the seed and its name");
     verb.argument("EVENTS", options.devices, Verb::Need::Optional,
                   "The event records, a file for each device (default: -, which is standard input)");

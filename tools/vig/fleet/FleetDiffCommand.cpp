@@ -61,6 +61,8 @@ namespace {
 constexpr const char* kHelp =
     R"(Without files of events, both documents are compared for all events: each two machines are proved to do the same, or
 shown to differ by a shortest recording. The exit status is 0 if they do the same, 1 if not, 3 if it is not decided.
+--format html writes a page for a browser, on which each of these recordings can be stepped through, the two machines
+side by side.
 
 Each file is the recording of a device, as `vig run` takes it. It is read once, and each event offered to the machines
 of both documents. Machines belong together if their configurations have the same id. What counts is what can be seen:
@@ -95,8 +97,8 @@ int diff(const FleetDiffOptions& options, const Console& console, const Interrup
                              console, interruption);
     }
     if (options.format.ofDevices == ReportFormat::None || options.states || !options.catalogueFile.empty()) {
-        return refuseArguments(console, "markdown, --states and --catalogue are for documents without event records",
-                               "diff");
+        return refuseArguments(
+            console, "markdown, html, --states and --catalogue are for documents without event records", "diff");
     }
     return fleetDiff(options, console, interruption);
 }
@@ -112,9 +114,10 @@ void addDiff(CommandLine& commandLine, FleetDiffOptions& options) {
                 {{"text", {DiffFormat::Text, ReportFormat::Text}},
                  {"json", {DiffFormat::Json, ReportFormat::Json}},
                  {"jsonl", {std::nullopt, ReportFormat::Jsonl}},
-                 {"markdown", {DiffFormat::Markdown, ReportFormat::None}}},
+                 {"markdown", {DiffFormat::Markdown, ReportFormat::None}},
+                 {"html", {DiffFormat::Html, ReportFormat::None}}},
                 "text for people, json for programs, and for a summary alone; jsonl, with EVENTS, for each device; "
-                "markdown, without, for a comment of a review");
+                "without, markdown for a comment of a review, and html for a page to step through what shows it");
     verb.flag("--states", options.states, "The names of states count, too; without EVENTS");
     addCatalogueFile(verb, options.catalogueFile);
     addSurroundings(verb, options, "; each device draws by the seed and its name");

@@ -42,7 +42,8 @@ bool Replay::play(const std::function<void(const EventRecord&)>& take, Output& o
         read.tell(count, reader.bytesRead());
     });
     auto status = EventReader::Status::Record;
-    while (!interruption.requested() && !output.failed() && (status = reader.next()) == EventReader::Status::Record) {
+    while (!isStopped && !interruption.requested() && !output.failed() &&
+           (status = reader.next()) == EventReader::Status::Record) {
         take(reader.record());
         ++count;
         read.update(count, reader.bytesRead());

@@ -31,9 +31,12 @@ class Replay {
     // them.
     const std::string& problem() const { return reason; }
 
-    // Gives the records, if they are open, to `take`, one after the other, until they end or are bad, or the run is
-    // interrupted or nobody can read the output any more. Returns true if they ended.
+    // Gives the records, if they are open, to `take`, one after the other, until they end or are bad, it stops, or the
+    // run is interrupted, or nobody can read the output any more. Returns true if they ended.
     bool play(const std::function<void(const EventRecord&)>& take, Output& output, Progress& progress);
+
+    // To be called by `take`, for which there are enough records.
+    void stop() { isStopped = true; }
 
   private:
     const std::string events;
@@ -41,6 +44,7 @@ class Replay {
     const Interruption& interruption;
     const Descriptor file;
     std::string reason;
+    bool isStopped = false;
 };
 
 }  // namespace Brenta::OS::VIG::Tool

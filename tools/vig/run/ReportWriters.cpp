@@ -294,6 +294,7 @@ std::unique_ptr<Report> reportOf(const ReportStyle& style, Output& output) {
         case ReportFormat::Jsonl:
             return std::make_unique<JsonlReport>(output, style);
         case ReportFormat::Json:
+        case ReportFormat::Html:
         case ReportFormat::None:
             break;
     }

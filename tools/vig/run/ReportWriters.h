@@ -9,8 +9,8 @@
 
 namespace Brenta::OS::VIG::Tool {
 
-// Json is a summary alone, at the end of a run over a fleet.
-enum class ReportFormat { Text, Jsonl, Json, None };
+// Json is a summary alone, at the end of a run over a fleet. Html is a page, which other rooms make.
+enum class ReportFormat { Text, Jsonl, Json, Html, None };
 
 // Says how a report is written, and how much of it.
 struct ReportStyle {

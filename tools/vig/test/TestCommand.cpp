@@ -26,6 +26,7 @@
 #include "tools/vig/test/MutantHunt.h"
 #include "tools/vig/test/Property.h"
 #include "tools/vig/test/TestFile.h"
+#include "tools/vig/test/TestPage.h"
 #include "tools/vig/test/TestRun.h"
 #include "tools/vig/test/TestText.h"
 #include "tools/vig/words/Text.h"
@@ -37,19 +38,34 @@ namespace {
 class TestSuite {
   public:
     TestSuite(const TestOptions& options, const Console& console, const Interruption& interruption)
-        : options(options), console(console), interruption(interruption), out(console.out) {}
+        : options(options),
+          console(console),
+          interruption(interruption),
+          out(options.format == TestFormat::Html ? Output([this](std::string_view text) {
+              report += text;
+              return 0;
+          })
+                                                 : Output(console.out)),
+          page(console, interruption) {}
 
     int run() {
+        const int status = runAll();
+        return options.format == TestFormat::Html ? writePage(status) : console.finish(out, status);
+    }
+
+  private:
+    // Returns the exit status.
+    int runAll() {
         if (!read() || (!options.writeFile.empty() && !readTarget())) {
             return interruption.requested() ? kExitInterrupted : kExitUnusable;
         }
         for (const TestFile& file : files) {
             if (const auto status = runFile(file)) {
-                return console.finish(out, *status);
+                return *status;
             }
         }
         if (interruption.requested()) {
-            return console.finish(out, kExitInterrupted);
+            return kExitInterrupted;
         }
         const auto failed = std::ranges::count_if(verdicts, [](const auto& each) { return !each.failure.empty(); });
         const bool covered = reportCoverage();
@@ -59,18 +75,17 @@ class TestSuite {
                 status = std::max(status, reportMutants(rules));
             }
             if (interruption.requested()) {
-                return console.finish(out, kExitInterrupted);
+                return kExitInterrupted;
             }
         }
         out.write(fmt::format("{} test{}: {} passed, {} failed\n", verdicts.size(), verdicts.size() == 1 ? "" : "s",
                               verdicts.size() - static_cast<std::size_t>(failed), failed));
         if (!options.junitFile.empty() && !writeJUnit()) {
-            return console.finish(out, interruption.requested() ? kExitInterrupted : kExitUnusable);
+            return interruption.requested() ? kExitInterrupted : kExitUnusable;
         }
-        return console.finish(out, status);
+        return status;
     }
 
-  private:
     // A rule document is read once, however many tests of it there are: a pipe tells it only once, and a file may be
     // saved meanwhile.
     struct Rules {
@@ -85,6 +100,7 @@ class TestSuite {
     struct Check {
         const std::string& name;
         std::size_t line;
+        const TestCase* test;  // null if it is a property
         std::function<TestOutcome()> run;
     };
 
@@ -190,11 +206,12 @@ class TestSuite {
         under->second.files.push_back(&file);
         std::vector<Check> checks;
         for (const TestCase& each : file.tests) {
-            checks.push_back(
-                {each.name, each.line, [&] { return runTest(rulesCopy, each, under->second.coverage, interruption); }});
+            checks.push_back({each.name, each.line, &each,
+                              [&] { return runTest(rulesCopy, each, under->second.coverage, interruption); }});
         }
         for (const Property& each : file.properties) {
-            checks.push_back({each.name, each.line, [&] { return checkProperty(rulesCopy, each, interruption); }});
+            checks.push_back(
+                {each.name, each.line, nullptr, [&] { return checkProperty(rulesCopy, each, interruption); }});
         }
         std::size_t failed = 0;
         for (const Check& each : checks) {
@@ -219,6 +236,9 @@ class TestSuite {
             if (!outcome.failure.empty()) {
                 under->second.haveFailed = true;
                 show(file, each, outcome.failure);
+                if (options.format == TestFormat::Html) {
+                    page.add(rulesCopy, fmt::format("{}:{}: {}", file.path, each.line, each.name), each.test, outcome);
+                }
             }
         }
         out.write(fmt::format("{}  {}: {} of {} passed\n", failed == 0 ? "ok  " : "FAIL", printable(file.path),
@@ -226,6 +246,17 @@ class TestSuite {
         // Whatever becomes of the next file, this one's verdict is told.
         out.flush();
         return std::nullopt;
+    }
+
+    // Also tells what was found before an input was unusable, as the text does.
+    int writePage(int status) {
+        out.flush();
+        if (report.empty() || status == kExitInterrupted) {
+            return status;
+        }
+        Output html(console.out);
+        html.write(page.html(joined(files, ", ", [](const TestFile& file) { return printable(file.path); }), report));
+        return console.finish(html, status);
     }
 
     int unusable(const std::string& what) {
@@ -389,7 +420,9 @@ class TestSuite {
     const TestOptions& options;
     const Console& console;
     const Interruption& interruption;
+    std::string report;  // what would be printed, if a page is made
     Output out;
+    TestPage page;
     std::vector<TestFile> files;
     std::map<std::string, Rules> rulesByPath;  // without links and ".."
     std::vector<TestVerdict> verdicts;
@@ -458,6 +491,9 @@ a file of tests, with what the document does now: read it before you keep it.
 
 Coverage counts the transitions that fired, and for each filter whether it was ever true and whether it was ever false.
 
+--format html writes a page with the whole report, on which the tests and properties that fail can be stepped through
+in a browser.
+
 Example: all tests, with what they do not reach, and a report for the build server:
   vig test rules/*.test.json --coverage-min 100 --junit results.xml)";
 
@@ -466,6 +502,8 @@ void addTest(CommandLine& commandLine, TestOptions& options) {
                                     test, options);
     verb.argument("FILE", options.files, Verb::Need::Optional,
                   "Files of tests; - for standard input, of which paths are relative to the current folder");
+    verb.choice("--format", options.format, {{"text", TestFormat::Text}, {"html", TestFormat::Html}},
+                "text for people, html for a page that also lets them step through the tests that fail");
     verb.name(
         "--generate", options.generate, "RULES",
         "Writes a file of tests that reach all of this rule document that can be reached, in the place of running any");
@@ -485,8 +523,8 @@ void addTest(CommandLine& commandLine, TestOptions& options) {
     verb.name("--write", options.writeFile, "FILE", "Adds tests to this file that notice them; with --mutants");
     verb.name("--junit", options.junitFile, "FILE", "Writes the results there, as JUnit XML");
     addDraws(verb, options.draws, "; for the tests without \"draws\" and \"seed\"");
-    for (const char* const other :
-         {"FILE", "--filter", "--coverage", "--coverage-min", "--mutants", "--write", "--junit", "--draw"}) {
+    for (const char* const other : {"FILE", "--format", "--filter", "--coverage", "--coverage-min", "--mutants",
+                                    "--write", "--junit", "--draw"}) {
         verb.refuseTogether("--generate", other);
     }
 }

@@ -12,8 +12,12 @@ namespace Brenta::OS::VIG::Tool {
 
 class CommandLine;
 
+// Html is a page that has all of the text, and lets people step through the tests that failed.
+enum class TestFormat { Text, Html };
+
 struct TestOptions {
     std::vector<std::string> files;
+    TestFormat format = TestFormat::Text;
     std::string filter;                 // a part of the names of the tests to run, which may have wildcards
     std::string generate;               // the rule document to write tests of; empty if tests are to be run
     bool coverage = false;              // tells what the tests have not reached
