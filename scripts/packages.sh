@@ -14,6 +14,9 @@ readonly TEST_PACKAGES=(groff-base libgmock-dev python3-cram python3-fastjsonsch
 # What draws, for the tests of pictures.
 # shellcheck disable=SC2034
 readonly PICTURE_PACKAGES=(fonts-dejavu-core graphviz)
+# What checks the types of the replay page's program, and tries pages in a browser.
+# shellcheck disable=SC2034
+readonly PAGE_PACKAGES=(chromium chromium-driver node-typescript python3-selenium)
 # What the benchmark measures with, and against.
 # shellcheck disable=SC2034
 readonly BENCH_PACKAGES=(
