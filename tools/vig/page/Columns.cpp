@@ -85,12 +85,15 @@ void EventColumns::addAttributes(Table& table, const AttributeSet& attributes) {
 }
 
 std::string EventColumns::json(ColumnWriter& writer) {
-    const auto optional = [&](OptionalColumn<std::int64_t>& column) {
-        return column.isEmpty() ? std::string("null") : "{" + column.json(count(), writer) + "}";
+    std::string all = fmt::format(R"("events":{{"count":{},)", count());
+    all += writer.members("number", numbers, "type", types);
+    const auto appendOptional = [&](std::string_view name, OptionalColumn<std::int64_t>& column) {
+        all += fmt::format(R"(,"{}":)", name);
+        all += column.isEmpty() ? std::string("null") : "{" + column.json(count(), writer) + "}";
     };
-    std::string all = fmt::format(R"("events":{{"count":{},"number":{},"type":{},"time":{},"timeout":{}}})", count(),
-                                  writer.add(numbers), writer.add(types), optional(times), optional(timeouts));
-    all += R"(,"types":)" + jsonArray(knownTypes, [](EventType type) { return quoted(Tool::nameOf(type)); });
+    appendOptional("time", times);
+    appendOptional("timeout", timeouts);
+    all += R"(},"types":)" + jsonArray(knownTypes, [](EventType type) { return quoted(Tool::nameOf(type)); });
     all += R"(,"tables":[)";
     for (Table& each : tables) {
         all += (&each == &tables.front() ? "" : ",") + json(each, writer);

@@ -37,8 +37,19 @@ class NumberedTexts {
 };
 
 // Writes columns of numbers one behind the other, in little endian, each where numbers of its size may begin.
+// Two of them are never written by the arguments of one call, whose order is each compiler's own.
 class ColumnWriter {
   public:
+    // Writes columns, each after its name, in order. Returns members of a JSON object: where each is and of which type.
+    template <typename T, typename... Others>
+    std::string members(std::string_view name, const std::vector<T>& column, const Others&... others) {
+        std::string json = quoted(name) + ":" + add(column);
+        if constexpr (sizeof...(others) > 0) {
+            json += "," + members(others...);
+        }
+        return json;
+    }
+
     // Returns where the column is and of which type, as JSON.
     template <typename T>
     std::string add(const std::vector<T>& column) {
@@ -87,7 +98,8 @@ class OptionalColumn {
         values.resize(rows);
         present.resize(rows);
         const bool isWhole = std::ranges::count(present, 0) == 0;
-        return R"("values":)" + writer.add(values) + R"(,"present":)" + (isWhole ? "null" : writer.add(present));
+        return isWhole ? writer.members("values", values) + R"(,"present":null)"
+                       : writer.members("values", values, "present", present);
     }
 
   private:

@@ -184,12 +184,14 @@ std::string RecordedRun::json(const Machine& machine, ColumnWriter& writer) {
     const auto shapeJson = [](const Shape* shape) {
         return jsonArray(*shape, [](char32_t number) { return std::to_string(static_cast<std::uint32_t>(number)); });
     };
-    return fmt::format(R"({{"label":{},"number":{},"states":{},"transitions":[{}],"turns":{},"shapes":{},)"
-                       R"("drawn":{{"at":{},"number":{},"text":{}}}}})",
-                       quoted(machine.title.label), machine.title.number,
-                       jsonArray(machine.states, [](const std::string& name) { return quoted(shownName(name)); }),
-                       transitions, turnsJson(machine, writer), jsonArray(machine.shapes, shapeJson),
-                       writer.add(machine.drawnAt), writer.add(machine.drawnNumbers), writer.add(machine.drawnTexts));
+    const std::string turns = turnsJson(machine, writer);
+    const std::string drawn =
+        writer.members("at", machine.drawnAt, "number", machine.drawnNumbers, "text", machine.drawnTexts);
+    return fmt::format(
+        R"({{"label":{},"number":{},"states":{},"transitions":[{}],"turns":{},"shapes":{},"drawn":{{{}}}}})",
+        quoted(machine.title.label), machine.title.number,
+        jsonArray(machine.states, [](const std::string& name) { return quoted(shownName(name)); }), transitions, turns,
+        jsonArray(machine.shapes, shapeJson), drawn);
 }
 
 std::string RecordedRun::encoded(const PagePicture& picture) {
@@ -199,12 +201,11 @@ std::string RecordedRun::encoded(const PagePicture& picture) {
         endTurns(each, events.count());
         machinesJson += (machinesJson.empty() ? "" : ",") + json(each, writer);
     }
-    const std::string linesJson = fmt::format(
-        R"({{"at":{},"machine":{},"step":{},"kind":{},"text":{}}})", writer.add(lines.positions),
-        writer.add(lines.machines), writer.add(lines.steps), writer.add(lines.kinds), writer.add(lines.texts));
+    const std::string linesJson = writer.members("at", lines.positions, "machine", lines.machines, "step", lines.steps,
+                                                 "kind", lines.kinds, "text", lines.texts);
     const auto unchanged = [](std::string_view text) { return text; };
     std::string json = fmt::format(
-        R"({{{},"texts":{},"shownTexts":{},"machines":[{}],"lines":{},"lineTexts":{},"picture":{},"noPicture":{}}})",
+        R"({{{},"texts":{},"shownTexts":{},"machines":[{}],"lines":{{{}}},"lineTexts":{},"picture":{},"noPicture":{}}})",
         events.json(writer), events.texts.json(unchanged), events.texts.json(shownQuoted), machinesJson, linesJson,
         lineTexts.json(unchanged), quoted(picture.svg), quoted(picture.whyNone));
     ColumnWriter head;
