@@ -6,6 +6,7 @@ TOOL is the tool's executable, SOURCES the folder of the project, and SCREENSHOT
 import base64
 import collections
 import json
+import math
 import pathlib
 import re
 import statistics
@@ -353,12 +354,13 @@ class KeysAndButtons(unittest.TestCase):
             event, place = self.click_lane(machine, share)
             self.assertEqual(place, (str(event), f"{machine} (id {100 + 7 * machine})"))
 
-    def click_lane(self, machine, share):
+    def click_lane(self, machine, share, start=0, span=None):
+        """Returns the event that is there, where so many from `start` are in sight, and what the click leads to."""
         lane = browser.find(f'.lane[data-machine="{machine}"] .track')
         browser.run("arguments[0].scrollIntoView({block: 'center'})", lane)
         x = round(lane.rect["width"] * share)
         browser.click_at(lane, x, 20)
-        return int(x / lane.rect["width"] * (self.last + 1)), browser.place()
+        return int(start + x / lane.rect["width"] * (span or self.last + 1)), browser.place()
 
     def test_the_time_line_becomes_larger_and_smaller(self):
         whole, half, quarter = (0.98, 1), (0.45, 0.55), (0.2, 0.3)
@@ -373,6 +375,50 @@ class KeysAndButtons(unittest.TestCase):
     def right_edge(self):
         """Returns which part of the recording lies before the last event in sight."""
         return int(self.click_lane(0, 0.998)[1][0]) / self.last
+
+    def test_the_wheel_the_mouse_and_two_fingers_move_the_time_line(self):
+        count = self.last + 1
+        track = browser.find('.lane[data-machine="0"] .track')
+        browser.run("arguments[0].scrollIntoView({block: 'center'})", track)
+        left, top, width = browser.run("const box = arguments[0].getBoundingClientRect(); return [box.x, box.y, box.width]", track)
+        at = {share: round(left + share * width) for share in (0.2, 0.3, 0.5, 0.7, 0.9)}
+        place = {share: (x - left) / width for share, x in at.items()}
+        y = round(top + 20)
+
+        def mouse(kind, x, **others):
+            browser.command("Input.dispatchMouseEvent", type=f"mouse{kind}", x=x, y=y, **others)
+
+        def touch(kind, *xs):
+            browser.command("Input.dispatchTouchEvent", type=f"touch{kind}",
+                            touchPoints=[{"x": x, "y": y, "id": index} for index, x in enumerate(xs)])
+
+        def check_view(what, start, span):
+            for share in (0.3, 0.7):
+                event, seen = self.click_lane(0, share, start, span)
+                self.assertEqual(seen[0], str(event), f"{what}: {share}")
+            return start, span
+
+        mouse("Wheel", at[0.3], deltaX=0, deltaY=-500)
+        span = count / math.exp(500 * 0.002)
+        view = check_view("wheel", place[0.3] * (count - span), span)
+        mouse("Wheel", at[0.3], deltaX=100, deltaY=0)
+        view = check_view("wheel to the side", view[0] + 100 / width * span, span)
+        mouse("Pressed", at[0.7], button="left", clickCount=1)
+        mouse("Moved", at[0.5], button="left", buttons=1)
+        mouse("Released", at[0.5], button="left", clickCount=1)
+        view = check_view("mouse", view[0] + (place[0.7] - place[0.5]) * span, span)
+        touch("Start", at[0.2])
+        touch("Start", at[0.2], at[0.5])
+        touch("Move", at[0.2], at[0.7])
+        touch("Move", at[0.2], at[0.9])
+        touch("End")
+        closer = (at[0.5] - at[0.2]) / (at[0.9] - at[0.2])
+        here = browser.place()
+        touch("Start", at[0.2])
+        touch("Start", at[0.2], at[0.9])
+        touch("End")
+        self.assertEqual(browser.place(), here, "two fingers that only touch choose nothing")
+        check_view("two fingers", view[0] + place[0.2] * span * (1 - closer), span * closer)
 
     def test_the_picture_becomes_larger_and_smaller(self):
         browser.open(page_of(escalation, "escalation"))
@@ -592,6 +638,19 @@ return Array.from({ length: canvas.height }, (_, y) => {
 """
 
 
+# Returns the places of a canvas that have a colour of the page. Mixed with itself, a colour becomes one that is next to it.
+PIXELS = """
+const [canvas, name] = arguments;
+const paper = document.createElement('canvas').getContext('2d');
+paper.fillStyle = getComputedStyle(canvas).getPropertyValue(name).trim();
+paper.fillRect(0, 0, 1, 1);
+const wanted = paper.getImageData(0, 0, 1, 1).data;
+const seen = canvas.getContext('2d').getImageData(0, 0, canvas.width, canvas.height).data;
+return [...Array(canvas.width * canvas.height).keys()]
+    .filter((index) => wanted.every((part, at) => Math.abs(part - seen[index * 4 + at]) < 3))
+    .map((index) => [index % canvas.width, Math.floor(index / canvas.width)]);
+"""
+
 # Returns the colour that a lane has there, above the letters.
 COLOUR = "return arguments[0].getContext('2d').getImageData(arguments[1], 14, 1, 1).data.join()"
 
@@ -684,6 +743,46 @@ class Looks(unittest.TestCase):
         middle = line.index(max(line))
         self.assertEqual(line, sorted(line[:middle]) + sorted(line[middle:], reverse=True), "a dot is round")
         self.assertEqual(set(move), {2}, "a bar is as wide everywhere")
+
+    def test_a_plot_has_a_dot_for_each_value(self):
+        where = made_folder("crowded")
+        recordings.crowded(where, (EXAMPLES / "escalation.json").read_text())
+        for name, run in [("escalation", escalation), ("crowded", Run(TOOL, where, "rules.json", "events.jsonl"))]:
+            with self.subTest(name):
+                browser.open(page_of(run, name))
+                self.check_plot(run, browser.wait("return document.querySelector('#plots canvas')"))
+
+    def check_plot(self, run, canvas):
+        self.assertEqual(browser.find("#plots .label").text, "vmRssKB")
+        width = canvas.rect["width"]
+        values = {index: event["int64"]["vmRssKB"] for index, event in enumerate(run.events, 1)
+                  if "vmRssKB" in event.get("int64", {})}
+        compared = {index for index in values if any("vmRssKB" in each["condition"] for step in run.steps[index, 0]
+                                                     for tried in step["transitions"] for each in tried["filters"])}
+        self.assertTrue(len(values) > len(compared) + 10 > 20)
+        constants = [1048576, 204800, 102400]
+        least, greatest = min(constants + [*values.values()]), max(constants + [*values.values()])
+
+        def row(value):
+            return math.floor(8 + (greatest - value) / (greatest - least) * 56 + 0.5)
+
+        wanted = {"--compared": set(), "--plot": set()}
+        for index, value in values.items():
+            x, y = math.floor((index + 0.5) / (len(run.events) + 1) * width + 0.5), row(value)
+            colour, reach = ("--compared", 2) if index in compared else ("--plot", 1)
+            wanted[colour] |= {(x + i, y + j) for i in range(-reach, reach) for j in range(-reach, reach)}
+        lines = {row(value) for value in constants}
+        for colour, dots in wanted.items():
+            # Dots are as wide as an odd number of pixels: where two lie half on one, it may have their colour.
+            near = {(x + i, y + j) for x, y in dots for i in (-1, 0, 1) for j in (-1, 0, 1)}
+            seen = {tuple(each) for each in browser.run(PIXELS, canvas, colour)}
+            self.assertEqual(seen - near, set(), f"{colour}: what is no value")
+            # The lines of the constants lie above the dots, and their names, which stand at the left.
+            hidden = {(x, y) for x, y in dots - seen if y not in lines and width / 4 < x < width}
+            if colour == "--plot":
+                hidden -= {(x + i, y + j) for x, y in wanted["--compared"] for i in (-1, 0, 1) for j in (-1, 0, 1)}
+            self.assertEqual(hidden, set(), f"{colour}: what is not drawn")
+            self.assertGreater(len(seen), 60, colour)
 
     def test_a_lane_has_the_state_of_each_event_that_was_chosen(self):
         for name, options in [("escalation", []), ("chosen", ["--where", "event=ZramHeartBeat"])]:

@@ -180,6 +180,14 @@ def hostile(folder):
     write(folder, document([rules]), events + events)
 
 
+def crowded(folder, rules):
+    """Events that are many more than pixels, and lie close to each other in a plot: here and there."""
+    rng = random.Random(20261127)
+    events = [{"event": "ProcessMemoryHeartBeat", "string": {"processName": rng.choice(["camera"] + 9 * ["gallery"])},
+               "int64": {"vmRssKB": rng.randrange(0, 1200000)} if rng.random() < 0.9 else {}} for _ in range(4000)]
+    write(folder, json.loads(rules), events)
+
+
 def large(folder, events=100_000, machines=50):
     """Writes a recording as of a long day: the memory of twenty processes goes up and down."""
     rng = random.Random(50)

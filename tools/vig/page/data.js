@@ -1,7 +1,8 @@
 'use strict';
 
-// It reads a recording out of the page. Nothing is copied out of the columns, so that a recording takes as much memory
-// as its bytes; what is asked for again and again, such as where a machine moves, is found once and kept in an index.
+// It reads a recording out of the page. Nothing is copied out of the columns but the numbers that were plotted, so that a
+// recording takes little more memory than its bytes; what is asked for again and again, such as where a machine moves, is
+// found once and kept in an index.
 
 const kColumnArrays = {
     u8: Uint8Array,
@@ -231,6 +232,10 @@ class Recording {
             present: column.present && this.numbers(column.present),
         })));
         this.rows = this.#findRows();
+        /** @type {Map<number, Uint32Array>} */
+        this.positionsOfTypes = new Map();
+        /** @type {Map<AttributeColumn, Float64Array>} */
+        this.doublesOfColumns = new Map();
         this.machines = machines.map((machine) => new Machine(machine, this));
         this.lineAt = this.numbers(lines.at);
         this.lineMachines = this.numbers(lines.machine);
@@ -285,6 +290,28 @@ class Recording {
             rows[position] = next[this.types[position]]++;
         }
         return rows;
+    }
+
+    /**
+     * Returns the positions of the events of a type: of the k-th row of its table, the k-th.
+     * @param {number} type
+     */
+    positionsOf(type) {
+        const known = this.positionsOfTypes.get(type);
+        const positions = known ?? Uint32Array.from(this.rows.keys()).filter((position) => this.types[position] === type);
+        this.positionsOfTypes.set(type, positions);
+        return positions;
+    }
+
+    /**
+     * Returns the numbers of a column as they can be drawn: what is absent is no number.
+     * @param {AttributeColumn} column
+     */
+    doublesOf(column) {
+        const doubles = this.doublesOfColumns.get(column) ??
+            Float64Array.from(column.values, (value, row) => this.#presentAt(column, row) ? Number(value) : NaN);
+        this.doublesOfColumns.set(column, doubles);
+        return doubles;
     }
 
     #findLines() {

@@ -62,38 +62,30 @@ function plotsOf(recording, machine) {
  * @returns {Plot}
  */
 function plotOf(recording, machine, { name, kind, types, constants }) {
-    const columns = recording.tables.map((table, type) =>
-        types.has(type) ? table.find((column) => column.name === name && column.kind === kind) : undefined);
+    const series = [...types].flatMap((type) => {
+        const column = recording.tables[type]?.find((each) => each.name === name && each.kind === kind);
+        return column ? [{ positions: recording.positionsOf(type), values: recording.doublesOf(column) }] : [];
+    });
     const compares = Uint8Array.from(machine.shapes, (steps) => steps.some((step) => !step.raised &&
         step.attempts.some((attempt) => machine.transitions[attempt.transition].filters.slice(0, attempt.made).some(
             (filter) => filter.kind === kind && (filter.left.attribute === name || filter.right.attribute === name))))
         ? 1 : 0);
-    const positions = new Uint32Array(recording.count);
-    const values = new Float64Array(recording.count);
-    const compared = new Uint8Array(recording.count);
     const lines = [...constants].map((text) => ({ text, value: Number(text) }))
         .filter((line) => Number.isFinite(line.value)).sort((a, b) => b.value - a.value);
     let [least, greatest] = [lines.at(-1)?.value ?? Infinity, lines.at(0)?.value ?? -Infinity];
-    let count = 0;
-    for (let position = 0; position < recording.count; ++position) {
-        const column = columns[recording.types[position]];
-        const row = recording.rows[position];
-        const value = column && (!column.present || column.present[row]) ? Number(column.values[row]) : NaN;
-        if (Number.isFinite(value)) {
-            positions[count] = position;
-            values[count] = value;
-            compared[count] = compares[machine.turns[position]];
-            least = Math.min(least, value);
-            greatest = Math.max(greatest, value);
-            ++count;
+    for (const { values } of series) {
+        for (const value of values) {
+            if (Number.isFinite(value)) {
+                least = Math.min(least, value);
+                greatest = Math.max(greatest, value);
+            }
         }
     }
     return {
         name: recording.data.names[name],
         constants: lines,
-        positions: positions.slice(0, count),
-        values: values.slice(0, count),
-        compared: compared.slice(0, count),
+        series,
+        isCompared: (position) => compares[machine.turns[position]] !== 0,
         least,
         greatest: greatest > least ? greatest : least + 1,
     };
@@ -538,10 +530,21 @@ class Timeline {
         const height = kPlotHeight - 2 * kPlotMargin;
         /** @type {(value: number) => number} */
         const y = (value) => kPlotMargin + (plot.greatest - value) / (plot.greatest - plot.least) * height;
+        const places = () => new Uint8Array((Math.ceil(this.width) + 1) * kPlotHeight);
+        const [others, compared] = [places(), places()];
+        for (const { positions, values } of plot.series) {
+            const end = lowerBound(positions, this.from + this.span);
+            for (let row = lowerBound(positions, Math.floor(this.from)); row < end; ++row) {
+                if (Number.isFinite(values[row])) {
+                    const place = Math.round(this.#x(positions[row] + 0.5)) * kPlotHeight + Math.round(y(values[row]));
+                    (plot.isCompared(positions[row]) ? compared : others)[place] = 1;
+                }
+            }
+        }
         pen.fillStyle = this.#colour('--plot');
-        this.#drawValues(pen, plot, 0, kDot, y);
+        this.#drawDots(pen, others, kDot);
         pen.fillStyle = this.#colour('--compared');
-        this.#drawValues(pen, plot, 1, kComparedDot, y);
+        this.#drawDots(pen, compared, kComparedDot);
         this.#drawConstants(pen, plot, y);
     }
 
@@ -570,24 +573,22 @@ class Timeline {
     }
 
     /**
-     * Draws the values that were compared, or the others: one in each place.
+     * Draws dots, those that touch each other in a column as one: a plot may have as many as there are events.
      * @param {CanvasRenderingContext2D} pen
-     * @param {Plot} plot
-     * @param {number} compared
+     * @param {Uint8Array} places from the top to the bottom, from the left to the right
      * @param {number} size
-     * @param {(value: number) => number} y
      */
-    #drawValues(pen, plot, compared, size, y) {
-        const taken = new Uint8Array((Math.ceil(this.width) + 1) * kPlotHeight);
-        const end = lowerBound(plot.positions, this.from + this.span);
-        for (let i = lowerBound(plot.positions, Math.floor(this.from)); i < end; ++i) {
-            const left = Math.round(this.#x(plot.positions[i] + 0.5));
-            const top = Math.round(y(plot.values[i]));
-            const place = left * kPlotHeight + top;
-            if (plot.compared[i] === compared && taken[place] === 0) {
-                taken[place] = 1;
-                pen.fillRect(left - size / 2, top - size / 2, size, size);
+    #drawDots(pen, places, size) {
+        let place = places.indexOf(1);
+        while (place >= 0) {
+            let [last, next] = [place, places.indexOf(1, place + 1)];
+            // The margins of a plot keep the columns apart.
+            while (next >= 0 && next - last <= size) {
+                [last, next] = [next, places.indexOf(1, next + 1)];
             }
+            const [left, top] = [Math.floor(place / kPlotHeight), place % kPlotHeight];
+            pen.fillRect(left - size / 2, top - size / 2, size, last - place + size);
+            place = next;
         }
     }
 }

@@ -144,9 +144,8 @@ interface Choice {
 interface Plot {
     name: string;
     constants: { text: string; value: number }[];
-    positions: Uint32Array;
-    values: Float64Array;
-    compared: Uint8Array;
+    series: { positions: Uint32Array; values: Float64Array }[];
+    isCompared: (position: number) => boolean;
     least: number;
     greatest: number;
 }
