@@ -1,8 +1,10 @@
 #!/usr/bin/env python3
-"""told.py PAGE EXPLANATIONS: fails, and says where, unless the first recording of a replay page tells what the lines of
-`vig run --explain=all --format jsonl` tell, step by step, value by value. It reads the page by itself, without its program."""
+"""told.py PAGE REPORT: fails, and says where, unless the first recording of a replay page tells what the lines of
+`vig run --explain=all --why-not --format jsonl` tell: step by step, value by value, with the trigger and log lines between
+them, and what became of each transition. It reads the page by itself, without its program."""
 
 import base64
+import collections
 import gzip
 import json
 import re
@@ -71,6 +73,55 @@ class Recording:
         return None if shown.endswith("missing") or shown.endswith("(missing)") else json.loads(shown)
 
 
+    def lines(self):
+        """Gives (event number, machine or None, steps before it, kind, texts)."""
+        places = self.json["lines"]
+        for at, machine, step, kind, text in zip(*(self.column(places[each]) for each in
+                                                   ("at", "machine", "step", "kind", "text"))):
+            number = None if machine == NONE else self.json["machines"][machine]["number"]
+            yield (self.numbers[at], number, step, "log" if kind else "trigger", self.json["lineTexts"][text].split("\n"))
+
+
+def check(what, got, want):
+    if got != want:
+        sys.exit(f"{what}: the page tells {got}, the tool {want}")
+
+
+def check_lines(recording, report):
+    """Logs of a report do not say whose they are."""
+    told = iter(recording.lines())
+    steps = collections.Counter()
+    for line in report:
+        if line["type"] == "explain":
+            steps[line["event"], line["machine"]] += 1
+        elif line["type"] in ("trigger", "log"):
+            event, machine, step, kind, texts = next(told, (None, None, 0, "no line", []))
+            want = ([line["trigger_name"], *line["metadata"]] if line["type"] == "trigger" else
+                    f"{line['priority']} {line['tag']}: {line['message']}".rstrip("\n").split("\n"))
+            check("line", (event, kind), (line["event"], line["type"]))
+            check(f"line of event {event}", step, steps[event, machine] if machine is not None else 0)
+            check(f"machine of event {event}", machine, line.get("machine", machine))
+            check(f"texts of event {event}", *([each for each in texts if shown.isprintable()]
+                                               for texts in (texts, want) for shown in ["".join(want)]))
+    check("lines", next(told, None), None)
+
+
+def check_accounts(machine, explanations, answers):
+    tries = collections.defaultdict(list)
+    for line in explanations:
+        for each in line["transitions"]:
+            tries[each["path"]].append(each)
+    for each in machine["transitions"]:
+        tried = tries[each["path"]]
+        stops = collections.Counter(len(one["filters"]) for one in tried if not one["fired"])
+        stopped = [stops[count] for count in range(1, len(each["filters"]) + 1)]
+        check(each["path"], (each["tried"], each["fired"], [one["stopped"] for one in each["filters"]]),
+              (len(tried), sum(one["fired"] for one in tried), stopped))
+        if each["path"] in answers:
+            nearest = [one["nearest"] and one["nearest"]["event"] for one in answers[each["path"]]["filters"]]
+            check(f"nearest of {each['path']}", [one["nearest"] for one in each["filters"]], nearest)
+
+
 def expected(line):
     attempts = [(each["path"], each["to"], each["fired"],
                  [(f["condition"], f["left"], f["right"], f["verdict"]) for f in each["filters"]], each["actions"])
@@ -80,18 +131,18 @@ def expected(line):
 
 def main():
     recording = Recording(open(sys.argv[1], encoding="utf-8").read())
-    lines = [json.loads(line) for line in open(sys.argv[2], encoding="utf-8")]
-    lines = [line for line in lines if line["type"] == "explain"]
+    report = [json.loads(line) for line in open(sys.argv[2], encoding="utf-8")]
+    answers = {line["path"]: line for line in report if line["type"] == "why_not"}
     count = 0
     for machine in recording.json["machines"]:
-        wanted = [(line["event"], expected(line)) for line in lines if line["machine"] == machine["number"]]
+        explanations = [line for line in report if line["type"] == "explain" and line["machine"] == machine["number"]]
         told = list(recording.steps(machine))
-        for got, want in zip(told, wanted):
-            if got != want:
-                sys.exit(f"machine {machine['label']}: the page tells {got}, the tool {want}")
-        if len(told) != len(wanted):
-            sys.exit(f"machine {machine['label']}: the page tells {len(told)} steps, the tool {len(wanted)}")
+        for got, line in zip(told, explanations):
+            check(f"machine {machine['label']}", got, (line["event"], expected(line)))
+        check(f"steps of machine {machine['label']}", len(told), len(explanations))
+        check_accounts(machine, explanations, answers)
         count += len(told)
+    check_lines(recording, report)
     print(f"{count} steps told alike")
 
 

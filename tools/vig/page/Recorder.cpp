@@ -8,13 +8,17 @@ namespace Brenta::OS::VIG::Tool {
 
 Recorder::Recorder(RecordedRun& recording, const Selection* selection)
     : recording(recording), selection(selection), isOn(isChosen()) {
-    // The start of the machines is the first event, which no record tells of.
     if (isOn) {
-        if (recording.eventCount() == 0) {
-            recording.addStart();
-        }
-        positions = 1;
+        recordStart();
     }
+}
+
+// The start of the machines is the first event, which no record tells of.
+void Recorder::recordStart() {
+    if (recording.eventCount() == 0) {
+        recording.addStart();
+    }
+    positions = 1;
 }
 
 void Recorder::loaded(const DocumentModel& loaded) {
@@ -78,7 +82,11 @@ void Recorder::log(const LogLine& line) {
         if (const auto place = placeOf(*line.machine)) {
             recording.addLog(place, positions - 1, line);
         }
-    } else if (hasOwnLog && isOn) {
+    } else if (hasOwnLog && (isOn || number == 0)) {
+        // What is logged before any event is told whichever of them are chosen.
+        if (number == 0) {
+            recordStart();
+        }
         recording.addLog(std::nullopt, positions - 1, line);
     }
 }

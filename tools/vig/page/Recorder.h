@@ -44,6 +44,7 @@ class Recorder final : public Trace, public NoReport {
 
   private:
     bool isChosen() const;
+    void recordStart();
     // Returns its place, if what it does now is recorded.
     std::optional<std::size_t> placeOf(std::size_t machine) const;
 
