@@ -13,6 +13,7 @@ import itertools
 import json
 import pathlib
 import random
+import re
 import subprocess
 import sys
 
@@ -22,6 +23,8 @@ from difference import Difference
 from documents import Vocabulary, make_document
 from judge import Case, add_options, judge_all, read_line
 from semantics import context_of
+
+DRAW = {"type": "function", "value": "PseudoRandomDouble"}
 
 
 def with_more_actions(rng, document):
@@ -43,17 +46,18 @@ class Behaviour:
         self.draws = [[] for _ in range(events + 1)]
         self.states = ["start"] * (events + 1)
 
-    def add(self, line):
+    def add(self, line, rules):
         event = line["event"]
         if line["type"] == "trigger":
             self.seen[event][0].append((line["trigger_name"], line["metadata"]))
         elif line["type"] == "log":
             self.seen[event][1].append(line["message"])
         for tried in line.get("transitions", []):
-            for rule in tried["filters"]:
-                sides = rule["condition"].split(" ")
-                self.draws[event] += [rule[side] for side, text in (("left", sides[0]), ("right", sides[-1]))
-                                      if text == "PseudoRandomDouble()"]
+            filters = rules[int(re.search(r"transitions\[(\d+)\]$", tried["path"])[1])]["filters"]
+            for asked, rule in zip(tried["filters"], filters):
+                # A filter of another type gets nothing from it, and takes no draw.
+                self.draws[event] += [asked[side] for side, operand in (("left", "operand1"), ("right", "operand2"))
+                                      if rule["value_type"] == "double" and rule[operand] == DRAW]
             if tried["fired"]:
                 self.states[event:] = [tried["to"]] * (len(self.states) - event)
 
@@ -136,7 +140,7 @@ class PairCase(Case):
             if line["type"] == "explain":
                 machine = line["config_id"]
             if line["type"] in ("explain", "trigger", "log"):
-                behaviours[machine].add(line)
+                behaviours[machine].add(line, self.rules[which].get(machine))
         return behaviours[number]
 
     def compare_play(self):

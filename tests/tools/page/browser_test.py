@@ -623,10 +623,19 @@ class TextsDoNothing(unittest.TestCase):
         figure("attempts that the policy refused", len(refused))
 
 
+# Reads a canvas by a copy: the browser complains of one that is read again and again.
+READ = """
+const read = (canvas, x, y, width, height) => {
+    const copy = new OffscreenCanvas(canvas.width, canvas.height).getContext('2d', { willReadFrequently: true });
+    copy.drawImage(canvas, 0, 0);
+    return copy.getImageData(x, y, width, height).data;
+};
+"""
+
 # Returns how wide the mark is on each row of a lane's canvas, in which one column of pixels is in the middle of it.
-WIDTHS = """
+WIDTHS = READ + """
 const canvas = arguments[0];
-const pixels = canvas.getContext('2d').getImageData(0, 0, canvas.width, canvas.height).data;
+const pixels = read(canvas, 0, 0, canvas.width, canvas.height);
 const [left, right] = [Math.max(arguments[1] - 8, 0), Math.min(arguments[1] + 8, canvas.width)];
 return Array.from({ length: canvas.height }, (_, y) => {
     let width = 0;
@@ -639,20 +648,20 @@ return Array.from({ length: canvas.height }, (_, y) => {
 
 
 # Returns the places of a canvas that have a colour of the page. Mixed with itself, a colour becomes one that is next to it.
-PIXELS = """
+PIXELS = READ + """
 const [canvas, name] = arguments;
 const paper = document.createElement('canvas').getContext('2d');
 paper.fillStyle = getComputedStyle(canvas).getPropertyValue(name).trim();
 paper.fillRect(0, 0, 1, 1);
 const wanted = paper.getImageData(0, 0, 1, 1).data;
-const seen = canvas.getContext('2d').getImageData(0, 0, canvas.width, canvas.height).data;
+const seen = read(canvas, 0, 0, canvas.width, canvas.height);
 return [...Array(canvas.width * canvas.height).keys()]
     .filter((index) => wanted.every((part, at) => Math.abs(part - seen[index * 4 + at]) < 3))
     .map((index) => [index % canvas.width, Math.floor(index / canvas.width)]);
 """
 
 # Returns the colour that a lane has there, above the letters.
-COLOUR = "return arguments[0].getContext('2d').getImageData(arguments[1], 14, 1, 1).data.join()"
+COLOUR = READ + "return read(arguments[0], arguments[1], 14, 1, 1).join()"
 
 
 class DamagedPages(unittest.TestCase):
