@@ -485,6 +485,15 @@ class Links(unittest.TestCase):
             self.assertEqual(browser.place(), (event, "0 (id 100)"), link)
         self.assertEqual(browser.complaints(), [])
 
+    def test_to_an_event_that_is_not_there_leads_to_the_nearest(self):
+        chosen = Run(TOOL, EXAMPLES, "escalation.json", "trace.jsonl", "--where", "event=ZramHeartBeat")
+        page = page_of(chosen, "chosen")
+        before, after = chosen.numbers[2:4]
+        self.assertGreater(after - before, 4)
+        for event, nearest in [(before + 1, before), (after - 1, after), (before, before), (1, chosen.numbers[0])]:
+            browser.open(page, f"#event={event}")
+            self.assertEqual(browser.place()[0], str(nearest), event)
+
     def test_to_a_test_that_failed(self):
         where = made_folder("tests")
         rules = json.loads((EXAMPLES / "escalation.json").read_text())
