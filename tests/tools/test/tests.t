@@ -70,7 +70,6 @@ It is explained by the machine, of several, that did what was not expected or di
           configs[0].payload.data.transitions[1] -> start: fires
   FAIL  two.test.json:11: context
           configs[0].payload.data.transitions[0] -> hot: fires
-          configs[1].payload.data.transitions[0] -> hot: fires
   FAIL  two.test.json: 0 of 10 passed
   [1]
 

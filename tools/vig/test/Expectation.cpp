@@ -270,7 +270,8 @@ void compareTriggers(const Expectation& expected, const Observed& actual, Mismat
 void compareLogs(const Expectation& expected, const Observed& actual, Mismatch& mismatch) {
     const auto row = compareLists(mismatch.lines, "log", expected.logs, actual.logs, actual.logCount);
     if (row && !mismatch.first) {
-        mismatch.first = row->actual ? Divergence{Divergence::Kind::Event, actual.logs[*row->actual].event}
+        mismatch.first = row->actual ? Divergence{Divergence::Kind::Event, actual.logs[*row->actual].event,
+                                                  actual.logs[*row->actual].machine}
                                      : Divergence{Divergence::Kind::MissingLog};
     }
 }
@@ -305,6 +306,10 @@ void compareStates(const Expectation& expected, const Observed& actual, Mismatch
             addMoves(mismatch.lines, found->second);
             if (!mismatch.first) {
                 mismatch.first = Divergence{.kind = Divergence::Kind::State, .config = config, .state = name};
+                if (const auto& moves = found->second.lastMoves; !moves.empty()) {
+                    mismatch.first->event = moves.back().event;
+                    mismatch.first->machine = moves.back().machine.index;
+                }
             }
         }
     }
@@ -339,7 +344,7 @@ void Observed::log(const LogLine& line) {
     }
     ++logCount;
     if (logs.size() < expectation.logs.size() + kMostUnexpected) {
-        logs.push_back({line.event, std::string(priorityName(line.priority)), std::string(line.message)});
+        logs.push_back({line.event, std::string(priorityName(line.priority)), std::string(line.message), line.machine});
     }
 }
 

@@ -24,6 +24,7 @@ class Observed final : public NoReport {
         std::uint64_t event;
         std::string priority;
         std::string message;
+        std::optional<std::size_t> machine;
     };
 
     struct Move {
@@ -83,8 +84,8 @@ struct Divergence {
     enum class Kind { Event, MissingTrigger, MissingLog, State };
 
     Kind kind;
-    std::uint64_t event = 0;                  // Kind::Event: it did what was not expected
-    std::optional<std::size_t> machine = {};  // Kind::Event: the machine that did it, if that is known
+    std::optional<std::uint64_t> event = {};  // which did what was not expected: of a state, the latest move, if any
+    std::optional<std::size_t> machine = {};  // the machine that did it, if that is known
     std::optional<std::int64_t> config = {};  // the one whose trigger or state is missing, if that is known
     std::string state = {};                   // Kind::State: the one expected
 };

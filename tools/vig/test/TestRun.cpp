@@ -92,6 +92,13 @@ class Explainer final : public Trace {
     std::size_t linesLeftOut = 0;
 };
 
+// Returns the place of the configuration with the id, of several of the first.
+std::optional<std::size_t> machineOf(const DocumentModel& document, std::int64_t config) {
+    const auto found = std::ranges::find(document.configs, config, &ConfigModel::id);
+    return found == document.configs.end() ? std::nullopt
+                                           : std::optional<std::size_t>(found - document.configs.begin());
+}
+
 }  // namespace
 
 TestOutcome loadRules(const std::string& rules, const Interruption& interruption, std::string& text) {
@@ -137,6 +144,7 @@ std::vector<std::string> explain(const std::string& rules, const TestCase& test,
 TestOutcome runTest(const std::string& rules, const TestCase& test, Trace& trace, const Interruption& interruption) {
     Observed observed(test.expect);
     TestOutcome outcome{};
+    Mismatch mismatch;
     {
         RuleSession session(rules, test.draws, test.context, observed, &trace);
         outcome.loading = play(session, test, observed, interruption);
@@ -144,14 +152,15 @@ TestOutcome runTest(const std::string& rules, const TestCase& test, Trace& trace
             outcome.problem = session.problem();
             return outcome;
         }
+        mismatch = compare(test.expect, observed);
+        if (mismatch.first && mismatch.first->config && !mismatch.first->machine) {
+            mismatch.first->machine = machineOf(session.document(), *mismatch.first->config);
+        }
     }
-    Mismatch mismatch = compare(test.expect, observed);
     outcome.failure = std::move(mismatch.lines);
     if (mismatch.first) {
-        if (mismatch.first->kind == Divergence::Kind::Event) {
-            outcome.event = mismatch.first->event;
-            outcome.machine = mismatch.first->machine;
-        }
+        outcome.event = mismatch.first->event;
+        outcome.machine = mismatch.first->machine;
         for (std::string& line : explain(rules, test, *mismatch.first, interruption)) {
             outcome.failure.push_back(std::move(line));
         }

@@ -21,8 +21,8 @@ struct TestOutcome {
     std::vector<std::string> failure;  // expected against actual, and why, printable; empty if the test passed
     std::string fault = {};            // says what the library does not confirm of what was decided, which is our fault
 
-    // Of one that did not: the event by which it went another way, and the machine that did, as far as there is such an
-    // event; and, of a property, what refutes it.
+    // Of one that did not: the event by which it went another way, and the machine that did, as far as they are known;
+    // and, of a property, what refutes it.
     std::optional<std::uint64_t> event = {};
     std::optional<std::size_t> machine = {};
     std::optional<TestCase> refutation = {};
