@@ -88,7 +88,7 @@ TEST(ReplayPage, HasAPolicyThatLetsItsOwnFilesRunAndNothingElse) {
 
 TEST(ReplayPage, IsOfTheSameElementsWhateverTextsSay) {
     const auto pageOf = [](const std::string& text) {
-        return replayPage(text, text, {{text, {text, text}, std::nullopt, 0, false, text}});
+        return replayPage(text, {text, text}, {{text, {text, text}, std::nullopt, 0, false, text}});
     };
     const std::vector<std::string> expected = tagsOf(pageOf("text"));
     for (const char* const text : {"</script><script>", "<!--<script>", "--></title></head><body>", "]]>", "</SCRIPT >",

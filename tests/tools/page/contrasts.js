@@ -53,10 +53,10 @@ while (texts.nextNode()) {
         found.push([texts.currentNode.data.trim().slice(0, 60), contrast(colour, ground)]);
     }
 }
-for (const line of document.querySelectorAll('#picture .shown path, #picture .shown polygon, #picture .shown ellipse')) {
+for (const line of document.querySelectorAll('#picture :is(.node, .edge, .cluster) :is(path, polygon, ellipse)')) {
     const { stroke } = getComputedStyle(line);
     if (stroke !== 'none' && rgba(stroke)[3] > 0) {
-        found.push([`a line of ${line.closest('g.shown').querySelector('title').textContent}`,
+        found.push([`a line of ${line.closest('.node, .edge, .cluster').querySelector('title').textContent}`,
             contrast(rgba(stroke), groundOf(document.getElementById('picture')))]);
     }
 }

@@ -99,9 +99,10 @@ A test that fails is told with what came of it, and so are properties, and what 
   $ vig test x.test.json --format html >tests.html
   vig: note: the page has no picture of the machines: the program dot of Graphviz is not installed
   [1]
-  $ parts() { grep -oE '"(name|event|machine|compared|title)":("[^"]*"|[0-9a-z]*)' <<<"$(grep -o 'id="page">.*' "$1")"; }
+  $ parts() { grep -oE '"(name|event|machine|compared|title|summary)":("[^"]*"|[0-9a-z]*)' <<<"$(grep -o 'id="page">.*' "$1")"; }
   $ parts tests.html
   "title":"x.test.json"
+  "summary":"4 tests: 1 passed, 3 failed"
   "name":"x.test.json:2: it \u003c/script> stays"
   "event":5
   "machine":0
@@ -113,6 +114,34 @@ A test that fails is told with what came of it, and so are properties, and what 
   $ grep -c 'class="recording"' tests.html
   2
 
+It is opened at the machine that went another way, whether by what it did, what it did not, or where it came to.
+
+  $ printf '%s\n' 'start b Timeout' 'start a ZramHeartBeat | | LogZramHeartBeat ; start b Test ; b a Test | | TriggerVelora' |
+  >   machines >y.json
+  $ cat >y.test.json <<TESTS
+  > { "rules": "y.json", "tests": [
+  >     { "name": "log", "events": [ { "event": "ProcessCpuHeartBeat" }, { "event": "ZramHeartBeat" } ], "expect": {} },
+  >     { "name": "trigger", "events": [ { "event": "Test" } ], "expect": { "triggers": [ { "config": 1 } ] } },
+  >     { "name": "state", "events": [ { "event": "Test" }, { "event": "ProcessCpuHeartBeat" } ], "expect": { "states": { "1": "start" } } },
+  >     { "name": "no move", "events": [ { "event": "ProcessCpuHeartBeat" } ], "expect": { "states": { "1": "a" } } } ] }
+  > TESTS
+  $ vig test y.test.json --format html 2>&1 >tests.html | grep -v picture
+  [1]
+  $ parts tests.html | grep -v compared
+  "title":"y.test.json"
+  "summary":"4 tests: 0 passed, 4 failed"
+  "name":"y.test.json:2: log"
+  "event":2
+  "machine":1
+  "name":"y.test.json:3: trigger"
+  "event":null
+  "machine":1
+  "name":"y.test.json:4: state"
+  "event":1
+  "machine":1
+  "name":"y.test.json:5: no move"
+  "event":null
+  "machine":1
 
 What came of the tests is on the page, also if something else fails; if nothing came of any, there is no page.
 
@@ -131,11 +160,16 @@ What came of the tests is on the page, also if something else fails; if nothing 
   [1]
   $ parts diff.html
   "title":"rules.json -> new.json"
+  "summary":"rules.json -> new.json: 1 changed, 1 unchanged"
   "name":"7"
   "event":2
   "machine":0
   "compared":true
-  $ vig diff rules.json rules.json --format html | grep -c 'class="recording"'
+  $ vig diff rules.json rules.json --format html >same.html
+  $ parts same.html
+  "title":"rules.json -> rules.json"
+  "summary":"rules.json -> rules.json: 2 unchanged"
+  $ grep -c 'class="recording"' same.html
   0
   [1]
   $ vig diff rules.json new.json few --format html

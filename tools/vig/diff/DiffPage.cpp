@@ -67,8 +67,8 @@ std::string pageOf(const DocumentDiff& diff, const Both<const DocumentModel*>& d
         recordings.push_back({labelOf(each.config), summaryOf(each.config), each.config.diff.events, 0, true,
                               each.recording.encoded(picture)});
     }
-    return replayPage(documents[0]->text.source().name() + " -> " + documents[1]->text.source().name(), text,
-                      recordings);
+    return replayPage(documents[0]->text.source().name() + " -> " + documents[1]->text.source().name(),
+                      {text.substr(0, text.find('\n')), text}, recordings);
 }
 
 }  // namespace Brenta::OS::VIG::Tool

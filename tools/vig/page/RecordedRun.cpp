@@ -205,9 +205,9 @@ std::string RecordedRun::encoded(const PagePicture& picture) {
                                                  "kind", lines.kinds, "text", lines.texts);
     const auto unchanged = [](std::string_view text) { return text; };
     std::string json = fmt::format(
-        R"({{{},"texts":{},"shownTexts":{},"machines":[{}],"lines":{{{}}},"lineTexts":{},"picture":{},"noPicture":{}}})",
-        events.json(writer), events.texts.json(unchanged), events.texts.json(shownQuoted), machinesJson, linesJson,
-        lineTexts.json(unchanged), quoted(picture.svg), quoted(picture.whyNone));
+        R"({{{},"texts":{},"shownTexts":{},"wholeStart":{},"machines":[{}],"lines":{{{}}},"lineTexts":{},"picture":{},"noPicture":{}}})",
+        events.json(writer), events.texts.json(unchanged), events.texts.json(shownQuoted), hasWholeStart, machinesJson,
+        linesJson, lineTexts.json(unchanged), quoted(picture.svg), quoted(picture.whyNone));
     ColumnWriter head;
     head.add(std::vector<std::uint32_t>{static_cast<std::uint32_t>(json.size())});
     json.resize((json.size() + ColumnWriter::kAlignment - 1) / ColumnWriter::kAlignment * ColumnWriter::kAlignment);

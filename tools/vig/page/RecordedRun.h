@@ -49,8 +49,12 @@ class RecordedRun {
     std::size_t addMachine(MachineTitle title, const ConfigModel& config, const RuleGraph& graph,
                            const AttributeSet& context);
 
-    // Adds an event at the end, of the number that reports give it: 0 is the start of the machines.
-    void addStart() { events.addStart(); }
+    // Adds an event at the end, of the number that reports give it: 0 is the start of the machines, of which also what
+    // is logged then may be all that is told.
+    void addStart(bool isWhole) {
+        events.addStart();
+        hasWholeStart = isWhole;
+    }
     void addEvent(std::uint32_t number, const EventRecord& record) { events.add(number, record); }
 
     std::size_t eventCount() const { return events.count(); }
@@ -123,6 +127,7 @@ class RecordedRun {
     std::deque<Machine> machines;  // which stay where they are, as their members point at each other
     Lines lines;
     NumberedTexts lineTexts;
+    bool hasWholeStart = false;
     std::size_t bytes = 0;
 };
 

@@ -16,7 +16,7 @@ Recorder::Recorder(RecordedRun& recording, const Selection* selection)
 // The start of the machines is the first event, which no record tells of.
 void Recorder::recordStart() {
     if (recording.eventCount() == 0) {
-        recording.addStart();
+        recording.addStart(isOn);
     }
     positions = 1;
 }

@@ -85,7 +85,7 @@ std::string withoutTags(const std::string& json) {
 
 }  // namespace
 
-std::string replayPage(std::string_view title, std::string_view note, const std::vector<PageRecording>& recordings) {
+std::string replayPage(std::string_view title, const PageNote& note, const std::vector<PageRecording>& recordings) {
     const std::span<const PageFile> files = pageFiles();
     const PageFile& markup = files[0];
     const PageFile& style = files[1];
@@ -96,11 +96,12 @@ std::string replayPage(std::string_view title, std::string_view note, const std:
         "<meta http-equiv=\"Content-Security-Policy\" content=\"default-src 'none'; script-src {}; style-src {}; "
         "base-uri 'none'; form-action 'none'\">\n<title>{}</title>\n<style>{}</style>\n</head>\n<body>\n{}",
         joined(scripts, " ", sourceOf), sourceOf(style), escaped(printable(title)), style.text, markup.text);
-    page += fmt::format(R"(<script type="application/json" id="page">{}</script>)"
-                        "\n",
-                        withoutTags(fmt::format(R"({{"title":{},"program":"vig {}","note":{},"recordings":{}}})",
-                                                quoted(printable(title)), VIG_VERSION, quoted(note),
-                                                jsonArray(recordings, recordingJson))));
+    page += fmt::format(
+        R"(<script type="application/json" id="page">{}</script>)"
+        "\n",
+        withoutTags(fmt::format(R"({{"title":{},"program":"vig {}","summary":{},"note":{},"recordings":{}}})",
+                                quoted(printable(title)), VIG_VERSION, quoted(note.summary), quoted(note.text),
+                                jsonArray(recordings, recordingJson))));
     // The program comes first, so that of a file that is cut off it can say so.
     for (const PageFile& script : scripts) {
         page += fmt::format("<script>{}</script>\n", script.text);

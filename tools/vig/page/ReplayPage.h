@@ -24,9 +24,15 @@ struct PageRecording {
     std::string content;                 // RecordedRun::encoded()
 };
 
+// It is what there is to say of all recordings, printable. Both are empty where there is nothing.
+struct PageNote {
+    std::string summary;  // in one line
+    std::string text;
+};
+
 // Returns a page that shows the recordings and lets people step through them: one HTML file, which loads nothing and in
-// which texts of documents and events can do nothing but be shown. `note` is a printable sentence on all of them.
-std::string replayPage(std::string_view title, std::string_view note, const std::vector<PageRecording>& recordings);
+// which texts of documents and events can do nothing but be shown.
+std::string replayPage(std::string_view title, const PageNote& note, const std::vector<PageRecording>& recordings);
 
 // Has Graphviz draw the machines. If it cannot, says so: a page without a picture is still one. Once it is interrupted,
 // what is returned means nothing.

@@ -89,8 +89,8 @@ int runToPage(const RunOptions& options, const Console& console, const Interrupt
     // What the records tell before one that is bad is on the page, as it is in the text.
     const std::string& problem = replay.problem();
     const std::string title = fileNameOf(nameOfInput(options.rules)) + ", " + fileNameOf(nameOfEvents(options.events));
-    rules.output().write(
-        replayPage(title, printable(problem), {{"", {}, std::nullopt, 0, false, recording.encoded(picture)}}));
+    rules.output().write(replayPage(title, {printable(problem), printable(problem)},
+                                    {{"", {}, std::nullopt, 0, false, recording.encoded(picture)}}));
     if (!problem.empty()) {
         rules.complainAfterOutput(problem);
     }

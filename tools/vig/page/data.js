@@ -1,8 +1,7 @@
 'use strict';
 
-// It reads a recording out of the page. Nothing is copied out of the columns but the numbers that were plotted, so that a
-// recording takes little more memory than its bytes; what is asked for again and again, such as where a machine moves, is
-// found once and kept in an index.
+// It reads a recording out of the page. Nothing is copied out of the columns but the numbers that were plotted; what is
+// asked for again and again, such as where a machine moves, is found once and kept in an index.
 
 const kColumnArrays = {
     u8: Uint8Array,
@@ -15,6 +14,9 @@ const kColumnArrays = {
 
 // It stands for no text, and for no machine.
 const kNone = 0xffffffff;
+
+// It stands for a state that is not known.
+const kUnknown = -1;
 
 /**
  * Returns the index of the first element that is not less than the value.
@@ -84,6 +86,7 @@ class Machine {
         this.label = data.label;
         this.number = data.number;
         this.states = data.states;
+        this.firstState = recording.data.wholeStart ? 0 : kUnknown;
         this.transitions = data.transitions;
         this.turns = recording.numbers(data.turns);
         this.shapes = data.shapes.map(stepsOf);
@@ -127,7 +130,7 @@ class Machine {
     // have moved at an event that was not chosen.
     #findChanges() {
         const changes = [];
-        let state = 0;
+        let state = this.firstState;
         for (let position = 0; position < this.turns.length; ++position) {
             const target = this.targets[this.turns[position]];
             if (target >= 0 && target !== state) {
@@ -143,7 +146,10 @@ class Machine {
         return this.shapes[this.turns[position]];
     }
 
-    /** @param {number} position */
+    /**
+     * Returns the state in which the machine is behind the event, or kUnknown if no event that was chosen tells.
+     * @param {number} position
+     */
     stateAfter(position) {
         for (let at = position; at >= 0; --at) {
             const target = this.targets[this.turns[at]];
@@ -151,7 +157,12 @@ class Machine {
                 return target;
             }
         }
-        return 0;
+        return this.firstState;
+    }
+
+    /** @param {number} state */
+    nameOf(state) {
+        return this.states[state] ?? 'unknown, as its events were not chosen';
     }
 
     /** @param {number} position */

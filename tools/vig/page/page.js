@@ -66,15 +66,11 @@ class Page {
         this.follow();
     }
 
-    // It is a report, of which the last line sums up.
     #showNote() {
-        const lines = this.data.note.trimEnd().split('\n');
         const note = /** @type {HTMLDetailsElement} */ (element('note'));
         note.hidden = this.data.note === '';
         note.open = this.data.recordings.length === 0;
-        // What came of it all is the first line of a comparison, and the last one of tests.
-        const isComparison = this.data.recordings.some((each) => each.compared);
-        note.querySelector('summary')?.append(lines.at(isComparison ? 0 : -1) ?? '');
+        note.querySelector('summary')?.append(this.data.summary);
         note.querySelector('pre')?.append(this.data.note);
     }
 
@@ -136,6 +132,7 @@ class Page {
             this.#pressInSearch(event);
         } else if (event.key === '/') {
             event.preventDefault();
+            kSearch.focus();
             kSearch.select();
         } else if (!(event.target instanceof HTMLSelectElement) && Object.hasOwn(kButtonOfKey, event.key)) {
             event.preventDefault();
@@ -146,6 +143,7 @@ class Page {
     /** @param {KeyboardEvent} event */
     #pressInSearch(event) {
         if (event.key === 'Escape') {
+            event.preventDefault();  // which would empty it
             kSearch.blur();
         } else if (event.key === 'Enter') {
             event.preventDefault();
@@ -223,7 +221,7 @@ class Page {
             return await Recording.decode(document.querySelectorAll('.recording')[index]?.textContent ?? '');
         } catch (error) {
             console.error(error);
-            return this.#refuse(kDamaged);
+            return index === this.index ? this.#refuse(kDamaged) : null;
         }
     }
 
@@ -316,7 +314,7 @@ class Page {
         const after = machine.stateAfter(this.position);
         const name = this.#shown.length > 1 ? machine.label : machine.number;
         return `event ${recording.eventNumbers[this.position]}, ${recording.typeAt(this.position)}, machine ${name}: ` +
-            (before === after ? machine.states[after] : `${machine.states[before]} -> ${machine.states[after]}`);
+            (before === after ? machine.nameOf(after) : `${machine.nameOf(before)} -> ${machine.nameOf(after)}`);
     }
 
     /** @param {string} text */

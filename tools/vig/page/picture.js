@@ -22,9 +22,11 @@ function textScale() {
  * Scrolls the box, and nothing around it, until it shows the element.
  * @param {Element} box
  * @param {Element} element
+ * @param {number} covered so much of it at the top, in pixels
  */
-function scrollWithin(box, element) {
-    const outer = box.getBoundingClientRect();
+function scrollWithin(box, element, covered = 0) {
+    const { left, right, top, bottom } = box.getBoundingClientRect();
+    const outer = { left, right, top: top + covered, bottom };
     const inner = element.getBoundingClientRect();
     /** @type {(low: number, high: number, from: number, to: number) => number} */
     const overhang = (low, high, from, to) => low < from ? low - from : Math.max(Math.min(high - to, low - from), 0);
@@ -168,7 +170,7 @@ class Picture {
             state?.prepend(this.#groundOf(state));
             this.#mark(state, 'lit');
         }
-        const state = selected.states[selected.stateAfter(position)];
+        const state = selected.nameOf(selected.stateAfter(position));
         this.svg.setAttribute('aria-label', `machine ${selected.label} in state ${state}`);
         this.#reveal();
     }

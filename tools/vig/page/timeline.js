@@ -1,7 +1,7 @@
 'use strict';
 
-// It shows the recording as a whole: a lane for each machine, and what the selected machine compared. Only the lanes in
-// sight have a canvas, and what is drawn is looked up in an index, pixel by pixel: neither takes longer for more events.
+// It shows the recording as a whole: a lane for each machine, and what the selected machine compared. Only what is in
+// sight has a canvas, and a lane is looked up in an index, pixel by pixel: it does not take longer for more events.
 
 // Paul Tol's light colours: people who are colour-blind can tell them apart, and black letters are readable on them.
 const kStateColours =
@@ -87,8 +87,17 @@ function plotOf(recording, machine, { name, kind, types, constants }) {
         series,
         isCompared: (position) => compares[machine.turns[position]] !== 0,
         least,
-        greatest: greatest > least ? greatest : least + 1,
+        greatest,
     };
+}
+
+/**
+ * Returns how far below the greatest value one lies, from 0 to 1. The difference of two doubles may be no double.
+ * @param {Plot} plot
+ * @param {number} value
+ */
+function plotted({ least, greatest }, value) {
+    return greatest > least ? (greatest / 2 - value / 2) / (greatest / 2 - least / 2) : 0.5;
 }
 
 /** @typedef {{height: number, draw: (pen: CanvasRenderingContext2D) => void}} Track */
@@ -203,7 +212,7 @@ class Timeline {
         this.position = position;
         this.selected = machine;
         this.#showMachine();
-        if (position < this.from || position >= this.from + this.span) {
+        if (position + 0.5 < this.from || position + 0.5 > this.from + this.span) {
             this.#pan(position + 0.5 - this.span / 2);
         }
         this.#placeCursor();
@@ -232,8 +241,9 @@ class Timeline {
         const lane = this.lanes.querySelector('.selected');
         lane?.after(this.plots);
         if (lane) {
-            scrollWithin(this.scroller, this.plots);
-            scrollWithin(this.scroller, lane);
+            const covered = this.axis.parentElement?.offsetHeight;
+            scrollWithin(this.scroller, this.plots, covered);
+            scrollWithin(this.scroller, lane, covered);
         }
     }
 
@@ -348,7 +358,7 @@ class Timeline {
     #see(entries) {
         this.width = Math.max(this.overlay.clientWidth / textScale(), 1);
         for (const { target, isIntersecting } of entries) {
-            if (isIntersecting) {
+            if (isIntersecting && this.tracks.has(target)) {
                 this.inSight.add(target);
                 this.#draw(target);
             } else {
@@ -449,6 +459,10 @@ class Timeline {
             const pixel = Math.ceil(this.#positionAt(Math.floor(left) + 1));
             const stop = Math.max(change, pixel, position + 1);
             const right = Math.min(this.#x(stop), this.width);
+            position = stop;
+            if (state === kUnknown) {
+                continue;
+            }
             pen.fillStyle = kStateColours[state % kStateColours.length];
             pen.fillRect(left, kBandTop, right - left, kBandBottom - kBandTop);
             const width = widths.get(state) ?? pen.measureText(machine.states[state]).width;
@@ -457,7 +471,6 @@ class Timeline {
                 pen.fillStyle = kOnStateColour;
                 pen.fillText(machine.states[state], left + 5, (kBandTop + kBandBottom) / 2);
             }
-            position = stop;
         }
     }
 
@@ -529,7 +542,7 @@ class Timeline {
     #drawPlot(pen, plot) {
         const height = kPlotHeight - 2 * kPlotMargin;
         /** @type {(value: number) => number} */
-        const y = (value) => kPlotMargin + (plot.greatest - value) / (plot.greatest - plot.least) * height;
+        const y = (value) => kPlotMargin + plotted(plot, value) * height;
         const places = () => new Uint8Array((Math.ceil(this.width) + 1) * kPlotHeight);
         const [others, compared] = [places(), places()];
         for (const { positions, values } of plot.series) {

@@ -11,6 +11,7 @@ declare class DecompressionStream implements GenericTransformStream {
 interface PageData {
     title: string;
     program: string;
+    summary: string;
     note: string;
     recordings: RecordingSummary[];
 }
@@ -47,6 +48,7 @@ interface RecordingData {
     names: string[];
     texts: string[];
     shownTexts: string[];
+    wholeStart: boolean;
     machines: MachineData[];
     lines: { at: ColumnPlace; machine: ColumnPlace; step: ColumnPlace; kind: ColumnPlace; text: ColumnPlace };
     lineTexts: string[];

@@ -51,7 +51,8 @@ void TestPage::add(const std::string& rules, const std::string& name, const Test
 std::string TestPage::html(std::string_view title, const std::string& report) const {
     const std::string more =
         leftOut == 0 ? "" : fmt::format("The page has no room for {} more tests that failed.\n", leftOut);
-    return replayPage(title, report + more, recordings);
+    const std::string lines = report.substr(0, report.find_last_not_of('\n') + 1);
+    return replayPage(title, {lines.substr(lines.rfind('\n') + 1), report + more}, recordings);
 }
 
 }  // namespace Brenta::OS::VIG::Tool
