@@ -839,6 +839,17 @@ class Looks(unittest.TestCase):
             middles = [36] if len(values) == 1 else [8, 64]
             self.assertTrue(rows and all(any(abs(row - each) < 4 for row in rows) for each in middles), f"{name}: {rows}")
 
+    def test_the_arrow_that_is_lit_is_that_of_the_transition(self):
+        where = made_folder("arrows")
+        recordings.write(where, recordings.document([[recordings.transition("start", to, "Test", [
+            ("integer", "x", "==", f"={index}")]) for index, to in enumerate(["start", "a", "start", "start"])]]),
+            [{"event": "Test", "int64": {"x": each}} for each in (0, 2, 3, 2, 0, 1)])
+        browser.open(page_of(Run(TOOL, where, "rules.json", "events.jsonl"), "arrows"))
+        said = "return [...document.querySelectorAll('#picture .fired a')].map((each) => each.getAttribute('xlink:title'))"
+        for place in (1, 3, 4, 3, 1, 2):
+            browser.press(Keys.ARROW_RIGHT)
+            self.assertEqual([each.split()[0] for each in browser.run(said)], [str(place)])
+
     def test_a_state_that_no_chosen_event_tells_is_unknown(self):
         where = made_folder("unknown")
         recordings.write(where, recordings.document([[recordings.transition("start", "moved", "EnteringState")]]),
