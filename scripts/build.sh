@@ -16,7 +16,7 @@ build_preset() {
     logged "$preset.log" cmake -S "$PROJECT" --preset "$preset" "${options[@]}" || give_up "$(build_advice "$log")"
     steps=$("${build[@]}" -- -n | grep -c '^\[' || true)
     [ "$steps" -gt 0 ] || return 0
-    seconds=$((steps * 2 / $(nproc)))
+    seconds=$((steps * 4 / $(nproc)))
     echo "Building in $steps steps (about $((seconds / 60 + 1)) min on $(nproc) cores); log in build/$preset.log" >&2
     logged "$preset.log" "${build[@]}" || give_up "$(build_advice "$log")"
 }

@@ -23,10 +23,10 @@ namespace {
 using namespace support;
 using testing::HasSubstr;
 
-const std::string kTrigger = R"([{"name":"TriggerVelora"}])";
+const std::string kTriggers = R"([{"name":"TriggerVelora"}])";
 
 std::string trigger(const std::vector<std::string>& conditions) {
-    return transition("start", "start", "ProcessMemoryHeartBeat", filters(conditions), kTrigger);
+    return transition("start", "start", "ProcessMemoryHeartBeat", filters(conditions), kTriggers);
 }
 
 // The machine samples; where it waits, it may still go on by the next draw.
@@ -151,7 +151,7 @@ TEST_F(FleetDiff, ExplanationIsOfWhatTheMachinesDid) {
         // An explanation names the action of a transition that fires.
         EXPECT_EQ(count(line, "trigger_name"), count(line, R"("actions":["TriggerVelora"])")) << line;
     }
-    const std::string atStart = transition("start", "end", "EnteringState", "[]", kTrigger);
+    const std::string atStart = transition("start", "end", "EnteringState", "[]", kTriggers);
     const ToolResult started = diff({config(7, {})}, {config(7, {atStart})});
     EXPECT_EQ(count(started.out, R"("change":"logs","triggers":{"old":0,"new":0},"event":0,"time_ms":null)"), 40u);
     EXPECT_EQ(count(started.out, R"("event_type":"EnteringState","state":"start")"), 40u);
@@ -160,7 +160,7 @@ TEST_F(FleetDiff, ExplanationIsOfWhatTheMachinesDid) {
 TEST_F(FleetDiff, LongExplanationIsCut) {
     options.format.ofDevices = ReportFormat::Text;
     options.devices = {folder.write("d", "{\"event\":\"Test\"}\n")};
-    const std::string cycle = transition("a", "a", "EnteringState", "[]", kTrigger);
+    const std::string cycle = transition("a", "a", "EnteringState", "[]", kTriggers);
     const std::string text = diff({config(7, {})}, {config(7, {transition("start", "a", "Test"), cycle})}).out;
     EXPECT_THAT(text, HasSubstr("in event.\n         and 950 more lines\n           Test in state start\n"));
     EXPECT_THAT(text, HasSubstr("\n         and 2952 more lines\n\nfleet\n"));

@@ -42,10 +42,10 @@ TEST(Text, PrintableShowsWhatATerminalWouldActOn) {
 }
 
 TEST(Text, JsonStringIsValidWhateverTheText) {
-    EXPECT_EQ(quoted(std::string_view("\"\\/\b\n\0\x1F\xC3\xA9\xFF", 10)),
+    EXPECT_EQ(inQuotes(std::string_view("\"\\/\b\n\0\x1F\xC3\xA9\xFF", 10)),
               "\"\\\"\\\\/\\u0008\\n\\u0000\\u001f\xC3\xA9\xEF\xBF\xBD\"");
-    EXPECT_EQ(quoted("\x7F\xC2\x9B\xE2\x80\xAE\xD8\x9C\xE2\x80\xA6"), "\"\\u007f\\u009b\\u202e\\u061c\xE2\x80\xA6\"");
-    EXPECT_EQ(quoted(""), "\"\"");
+    EXPECT_EQ(inQuotes("\x7F\xC2\x9B\xE2\x80\xAE\xD8\x9C\xE2\x80\xA6"), "\"\\u007f\\u009b\\u202e\\u061c\xE2\x80\xA6\"");
+    EXPECT_EQ(inQuotes(""), "\"\"");
 }
 
 TEST(Console, ColoursAreForTerminalsWhoseUserWantsThem) {

@@ -46,7 +46,7 @@ std::string textOf(const CataloguedAttributes& attributes, const std::string& in
         }
         if (!names.empty()) {
             kinds.push_back(
-                fmt::format("\n{}  {}: [{}]", indentation, quoted(kKindNames[kind]), joined(names, ", ", quoted)));
+                fmt::format("\n{}  {}: [{}]", indentation, inQuotes(kKindNames[kind]), joined(names, ", ", inQuotes)));
         }
     }
     return kinds.empty() ? "{}" : fmt::format("{{{}\n{}}}", fmt::join(kinds, ","), indentation);
@@ -219,7 +219,7 @@ std::string Catalogue::text() const {
     std::vector<std::string> types;
     for (const auto& [type, name] : kEventTypeNames.pairs) {
         if (const auto known = events.find(type); known != events.end()) {
-            types.push_back(fmt::format("\n    {}: {}", quoted(name), textOf(known->second, "    ")));
+            types.push_back(fmt::format("\n    {}: {}", inQuotes(name), textOf(known->second, "    ")));
         }
     }
     return fmt::format("{{\n  \"events\": {{{}{}}},\n  \"context\": {}\n}}\n", fmt::join(types, ","),

@@ -86,23 +86,23 @@ class OperandWarnings {
         const std::string_view better = comparableAs(known);
         warn(found, "wrong-kind", operand.place,
              shownQuoted(operand.operand.value) + " is known as " + known.text() + ", which a comparison as " +
-                 quoted(kFilterValueTypeTable.lookup(type)) + " never finds",
+                 inQuotes(kFilterValueTypeTable.lookup(type)) + " never finds",
              better.empty() ? "attributes of the kinds uint64 and bool cannot be compared at all"
-                            : "write \"value_type\": " + quoted(better));
+                            : "write \"value_type\": " + inQuotes(better));
     }
 
     void warnOfFallback(const OperandModel& operand, FilterValueType type) {
         const std::string& name = operand.operand.value;
         warn(found, "function-fallback", operand.place,
              "there is no function " + shownQuoted(name) + " that gives the type " +
-                 quoted(kFilterValueTypeTable.lookup(type)) + ": it reads as " + fallbackOf(type),
+                 inQuotes(kFilterValueTypeTable.lookup(type)) + ": it reads as " + fallbackOf(type),
              hintForFunction(name, type));
     }
 
     std::string hintForFunction(const std::string& name, FilterValueType type) const {
         for (const auto& [other, text] : kFilterValueTypeTable.pairs) {
             if (hasFunction(registry, name, other)) {
-                return "write \"value_type\": " + quoted(text);
+                return "write \"value_type\": " + inQuotes(text);
             }
         }
         return asHint(suggestion(name, functionNames(registry, type)));
@@ -151,7 +151,7 @@ std::string hintForAction(const ActionModel& action, EventType event, const Cata
             return catalogue.promises(event, need.attribute, need.kind);
         };
         if (each.startsCollection && std::ranges::all_of(each.needs, isThere)) {
-            return "without them it only logs; did you mean " + quoted(each.name) + "?";
+            return "without them it only logs; did you mean " + inQuotes(each.name) + "?";
         }
     }
     return "without them it only logs; listen for another event";

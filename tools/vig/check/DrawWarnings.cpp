@@ -9,10 +9,6 @@ namespace Brenta::OS::VIG::Tool {
 
 namespace {
 
-std::string shown(const FilterModel& filter) {
-    return "`" + shownCondition(filter) + "`";
-}
-
 // Returns the name of the function that the filter draws from; empty if it has none.
 std::string drawnBy(const FilterModel& filter) {
     for (const OperandModel* const operand : {&filter.operand1, &filter.operand2}) {
@@ -36,7 +32,7 @@ void appendExactDraw(const FilterModel& filter, std::vector<Finding>& found) {
     const bool isRare = normal.op == FilterOperator::Equal || normal.op == FilterOperator::LessEqual;
     const std::string constant = isConstant(normal.right) ? normal.right.operand.value : "";
     warn(found, "exact-draw", placeOf(filter, "operator"),
-         shown(filter) + " is as good as " + (isRare ? "never" : "always") +
+         markedCondition(filter) + " is as good as " + (isRare ? "never" : "always") +
              " true: a draw is hardly ever just one number",
          constant.empty() ? "compare by \"<\""
          : share && isEquality && constant.find_first_not_of("0.") != std::string::npos
@@ -66,8 +62,8 @@ class Repeats {
         const bool isBand = count == 2 && isBelow(filter) != isBelow(*last) && band > 0;
         const OperandModel& draw = normalFormOf(filter).left;
         warn(found, "repeated-draw", draw.place,
-             shown(filter) + " draws anew, after " + shown(*last) + ": " + (count > 2 ? "all" : "both") +
-                 " together let " + shownPercent(whole) + " through",
+             markedCondition(filter) + " draws anew, after " + markedCondition(*last) + ": " +
+                 (count > 2 ? "all" : "both") + " together let " + shownPercent(whole) + " through",
              isBand ? "write " + draw.operand.value + "() < " + shownNumber(band) + " alone to let " +
                           shownPercent(band) + " through"
                     : "leave one of them out");

@@ -130,7 +130,7 @@ class FallThroughSearch {
         FilterModel opposite = filter;
         opposite.op = negated(filter.op);
         warn(found, "missing-falls-through", filter.place,
-             "`" + shownCondition(filter) + "` is false for a " + std::string(nameOf(model.event)) + " event without " +
+             markedCondition(filter) + " is false for a " + std::string(nameOf(model.event)) + " event without " +
                  shownName(name) + ", which then fires " + shownTransition(transitions[later]) +
                  " as if it were the opposite",
              "add the filter `" + shownCondition(opposite) +

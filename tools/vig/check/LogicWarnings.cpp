@@ -17,10 +17,6 @@ namespace Brenta::OS::VIG::Tool {
 
 namespace {
 
-std::string shown(const FilterModel& filter) {
-    return "`" + shownCondition(filter) + "`";
-}
-
 // Returns the hint for a share that no draw can be on both sides of: mostly it is meant as percent.
 std::string shareHint(const FilterModel& filter, const char* otherwise) {
     constexpr double kMostPercent = 100;
@@ -40,7 +36,7 @@ std::string shareHint(const FilterModel& filter, const char* otherwise) {
     const bool isEquality = normal.op == FilterOperator::Equal || normal.op == FilterOperator::NotEqual;
     const bool isOther = isEquality || (isAbove && number < kMostPercent / 2);
     const std::string share = shownNumber(number / kMostPercent);
-    const std::string write = "write " + (isOther ? normal.left.operand.value + "() < " + share : quoted(share)) +
+    const std::string write = "write " + (isOther ? normal.left.operand.value + "() < " + share : inQuotes(share)) +
                               " to let " + shownNumber(isAbove && !isOther ? kMostPercent - number : number) +
                               " % through";
     return number > function->limit ? range + ": " + write : std::string(otherwise) + "; or " + write;
@@ -85,8 +81,8 @@ class FilterJudge {
             const std::string why =
                 isOfConstants(filter) ? ", being a comparison of two constants" : ", whatever the event";
             warn(found, "never-true", placeAt(filter, "operator"),
-                 holds == Answer::No ? shown(filter) + " is never true" + why
-                                     : "only " + unrecordable(filter) + " fulfils " + shown(filter),
+                 holds == Answer::No ? markedCondition(filter) + " is never true" + why
+                                     : "only " + unrecordable(filter) + " fulfils " + markedCondition(filter),
                  shareHint(filter, "mend the filter, or leave the transition out"));
         }
         const bool always = !isExplained && behaviour.decide(junction, {0, {&junction.toHold(place, index, false)}},
@@ -94,7 +90,7 @@ class FilterJudge {
         if (always && !isTold) {
             const std::string why =
                 isOfConstants(filter) ? ", being a comparison of two constants" : ", whatever the event";
-            warn(found, "always-true", placeAt(filter, "operator"), shown(filter) + " is always true" + why,
+            warn(found, "always-true", placeAt(filter, "operator"), markedCondition(filter) + " is always true" + why,
                  shareHint(filter, "leave the filter out"));
         }
         logic.isConditional = logic.isConditional || !always;
@@ -117,11 +113,12 @@ class FilterJudge {
         Blame blame = blameFor(behaviour, junction, {}, question, isNever ? Values::All : Values::Recordable);
         const FilterModel& last = filters[possible[blame.clauses.front()]];
         blame.clauses.erase(blame.clauses.begin());
-        const std::string others = blame.text([&](std::size_t each) { return shown(filters[possible[each]]); }) +
-                                   (blame.clauses.size() > 1 ? ", taken together," : "");
+        const std::string others = blame.text([&](std::size_t each) {
+            return markedCondition(filters[possible[each]]);
+        }) + (blame.clauses.size() > 1 ? ", taken together," : "");
         warn(found, "never-true", placeAt(last, "operator"),
-             isNever ? shown(last) + " contradicts " + others + " in the same transition"
-                     : "only " + unrecordable(last) + " fulfils " + shown(last) + " and " + others +
+             isNever ? markedCondition(last) + " contradicts " + others + " in the same transition"
+                     : "only " + unrecordable(last) + " fulfils " + markedCondition(last) + " and " + others +
                            " in the same transition",
              "a transition fires only if all its filters hold: make two transitions for two cases");
     }

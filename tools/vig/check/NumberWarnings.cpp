@@ -64,8 +64,8 @@ void appendUnread(const OperandModel& operand, const FilterModel& filter, const 
                   std::vector<Finding>& found) {
     const std::string& text = operand.operand.value;
     const auto meant = meaningOf(text, filter.valueType == FilterValueType::Integer, unitBeside(operand, filter));
-    const std::string hint = meant ? "write " + quoted(meant->number) + meant->more
-                                   : "write " + quoted(reading.number) + " if that is meant";
+    const std::string hint = meant ? "write " + inQuotes(meant->number) + meant->more
+                                   : "write " + inQuotes(reading.number) + " if that is meant";
     warn(found, "number-text", operand.place,
          shownQuoted(text) + " is read as " + reading.number + "; " + shownQuoted(reading.rest) + " is ignored", hint);
 }

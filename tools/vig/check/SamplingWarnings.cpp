@@ -4,7 +4,6 @@
 // larger share. Where actions lie behind both, it divides, and either side may be the larger one.
 #include <algorithm>
 #include <cmath>
-#include <limits>
 #include <map>
 #include <optional>
 #include <string>
@@ -21,8 +20,6 @@ namespace {
 
 // Judging a transition may look at all others. So many draws are in no document that a person has written.
 constexpr std::size_t kMostJudged = 256;
-
-constexpr std::size_t kNone = std::numeric_limits<std::size_t>::max();
 
 class SamplingJudge {
   public:
@@ -57,8 +54,8 @@ class SamplingJudge {
             const bool isOne = conditions[index].size() + 1 == transitions[index].filters.size();
             for (const FilterModel& filter : transitions[index].filters) {
                 const auto share = shareOf(filter);
-                const std::size_t other = samples(share) && isOne ? otherSideOf(index, *share) : kNone;
-                if (other != kNone) {
+                const std::size_t other = samples(share) && isOne ? otherSideOf(index, *share) : kNoIndex;
+                if (other != kNoIndex) {
                     warnOfSplit(filter, *share, transitions[other]);
                 } else if (samples(share) && kind == Kind::Chooses) {
                     if (isOne) {
@@ -91,7 +88,7 @@ class SamplingJudge {
     Kind kindOf(std::size_t index) const {
         const std::size_t rest = restOf(index);
         const bool acts = leadsToAction(index);
-        if (rest == kNone || !leadsToAction(rest)) {
+        if (rest == kNoIndex || !leadsToAction(rest)) {
             return acts ? Kind::Chooses : Kind::LetsGo;
         }
         return !acts || weightOf(transitions[rest]) > weightOf(transitions[index]) ? Kind::LetsGo : Kind::Divides;
@@ -107,7 +104,7 @@ class SamplingJudge {
                 return *each;
             }
         }
-        return kNone;
+        return kNoIndex;
     }
 
     // Tells whether the transition has an action, or one may follow before the machine is back in the same state.
@@ -144,14 +141,14 @@ class SamplingJudge {
                 return each;
             }
         }
-        return kNone;
+        return kNoIndex;
     }
 
     // Who writes both sides of a share expects one draw to choose between them.
     void warnOfSplit(const FilterModel& filter, double share, const TransitionModel& other) {
         warn(found, "repeated-draw", normalFormOf(filter).left.place,
-             "`" + shownCondition(filter) + "` draws anew, after " + shownTransition(other) +
-                 ": both together let only " + shownPercent(share * share) + " through here",
+             markedCondition(filter) + " draws anew, after " + shownTransition(other) + ": both together let only " +
+                 shownPercent(share * share) + " through here",
              "leave the filter out: what the other one leaves comes here");
     }
 
@@ -161,7 +158,7 @@ class SamplingJudge {
             const std::string below = "write " + normal.left.operand.value + "() < ";
             const std::string opposite = shownPercent(1 - share);
             warn(found, "inverted-share", placeOf(filter, "operator"),
-                 "`" + shownCondition(filter) + "` lets " + shownPercent(share) + " through, not " + opposite,
+                 markedCondition(filter) + " lets " + shownPercent(share) + " through, not " + opposite,
                  below + shownNumber(1 - share) + " if " + opposite + " is meant, otherwise " + below +
                      shownNumber(share));
         }
@@ -187,7 +184,7 @@ class SamplingJudge {
     struct Draws {
         bool isReached = false;
         std::size_t count = 0;
-        std::size_t last = kNone;  // transition that drew
+        std::size_t last = kNoIndex;  // transition that drew
     };
 
     std::vector<Draws> leastDraws(const std::vector<bool>& isChoosing) const {
@@ -203,10 +200,10 @@ class SamplingJudge {
                 levels[count].push_back(state);
             }
         };
-        arrive(Behaviour::kStart, 0, kNone);
+        arrive(Behaviour::kStart, 0, kNoIndex);
         for (std::size_t index = 0; index < transitions.size(); ++index) {
             if (reached[behaviour.from(index)] && !transitions[index].actions.empty()) {
-                arrive(behaviour.to(index), 0, kNone);
+                arrive(behaviour.to(index), 0, kNoIndex);
             }
         }
         for (std::size_t count = 0; count < levels.size(); ++count) {
@@ -231,7 +228,7 @@ class SamplingJudge {
             whole *= share;
         }
         warn(found, "repeated-draw", normalFormOf(*filter).left.place,
-             "`" + shownCondition(*filter) + "` draws anew, after " + shownTransition(transitions[before.last]) +
+             markedCondition(*filter) + " draws anew, after " + shownTransition(transitions[before.last]) +
                  " on the way here: " + (before.count > 1 ? "all" : "both") + " together let " + shownPercent(whole) +
                  " through",
              "leave the filter out here, or there");

@@ -14,7 +14,6 @@
 
 #include <algorithm>
 #include <deque>
-#include <limits>
 #include <map>
 #include <string>
 
@@ -33,8 +32,6 @@ namespace {
 // ways than can be tried.
 constexpr std::uint64_t kPart = 4;
 constexpr std::uint64_t kEffortOfStep = 10;
-
-constexpr std::size_t kNone = std::numeric_limits<std::size_t>::max();
 
 // Returns what is fulfilled exactly where a clause of one literal is not.
 Clause oppositeOf(const Clause& clause) {
@@ -156,9 +153,9 @@ class StormSearch {
         }
         nodes.clear();
         const std::size_t start = behaviour.from(steps[first].transition);
-        bool isFound = canFollow(kNone, first);
+        bool isFound = canFollow(kNoIndex, first);
         if (isFound) {
-            nodes.push_back({first, kNone});
+            nodes.push_back({first, kNoIndex});
             isFound = steps[first].to == start;
         }
         for (std::size_t node = 0; node < nodes.size() && !isFound; ++node) {
@@ -199,23 +196,23 @@ class StormSearch {
     Junction::Question questionOf(std::size_t node, std::size_t step, bool isWhole) const {
         Clauses question = asking;
         add(steps[step], isWhole, question);
-        for (; node != kNone; node = nodes[node].before) {
+        for (; node != kNoIndex; node = nodes[node].before) {
             add(steps[nodes[node].step], isWhole, question);
         }
         return {0, std::move(question)};
     }
 
     bool isOnTheWay(std::size_t node, std::size_t state) const {
-        while (node != kNone && steps[nodes[node].step].to != state) {
+        while (node != kNoIndex && steps[nodes[node].step].to != state) {
             node = nodes[node].before;
         }
-        return node != kNone;
+        return node != kNoIndex;
     }
 
     // Reports the circle that the last node closes.
     void report(const ActionModel& action) {
         std::vector<std::size_t> circle;
-        for (std::size_t node = nodes.size() - 1; node != kNone; node = nodes[node].before) {
+        for (std::size_t node = nodes.size() - 1; node != kNoIndex; node = nodes[node].before) {
             circle.push_back(nodes[node].step);
             steps[circle.back()].isReported = true;
         }

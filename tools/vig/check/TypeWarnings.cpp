@@ -47,7 +47,7 @@ class TypeJudge {
             warn(found, "operand-type",
                  placeInside(filter, (*filter.json)[member]["type"], std::string(member) + ".type"),
                  messageFor(operand, text, *meant),
-                 "write \"type\": " + quoted(kFilterOperandTypeTable.lookup(*meant)) + " if the " + nounOf(*meant) +
+                 "write \"type\": " + inQuotes(kFilterOperandTypeTable.lookup(*meant)) + " if the " + nounOf(*meant) +
                      " is meant");
         }
     }

@@ -96,7 +96,7 @@ void Verb::names(const std::string& name, std::vector<std::string>& values, std:
         values.push_back(text);
         return std::ranges::find(known, text) != known.end()
                    ? ""
-                   : "there is no " + what + " " + Tool::quoted(text) + suggestion(text, known);
+                   : "there is no " + what + " " + inQuotes(text) + suggestion(text, known);
     });
 }
 
@@ -204,7 +204,7 @@ int CommandLine::refuseVerb(std::string_view given, const Console& console) cons
         width = std::max(width, names.back().size());
     }
     const std::vector<std::string_view> known(names.begin(), names.end());
-    console.complain((given.empty() ? "a verb is missing" : "there is no verb " + Tool::quoted(given)) +
+    console.complain((given.empty() ? "a verb is missing" : "there is no verb " + inQuotes(given)) +
                      beforeList(given, known));
     for (const auto& [verb, run] : verbs) {
         const std::string line = fmt::format("  {:<{}}  {}", verb->get_name(), width, verb->get_description());

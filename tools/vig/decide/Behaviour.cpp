@@ -1,7 +1,6 @@
 #include "tools/vig/decide/Behaviour.h"
 
 #include <algorithm>
-#include <limits>
 #include <set>
 
 #include "rulesengine/FiniteStateMachine.h"
@@ -16,7 +15,6 @@ using RulesEngine::State;
 namespace {
 
 constexpr std::size_t kMostMoves = FiniteStateMachine::MAX_ENTERING_STATE_MOVES;
-constexpr std::size_t kNone = std::numeric_limits<std::size_t>::max();
 
 // A question is a small part of all that may be looked at, so that one that is hard leaves enough to the others.
 constexpr std::uint64_t kMostOfQuestion = 2'000'000;
@@ -142,7 +140,7 @@ const Chain& Behaviour::chainFrom(std::size_t state) {
     if (!isNew) {
         return chain;
     }
-    chain.stops.push_back({state, kNone, kNone, 0});
+    chain.stops.push_back({state, kNoIndex, kNoIndex, 0});
     std::set<std::size_t> rested;
     std::set<std::size_t> inNext;  // the states that one move more leads to
     std::set<std::size_t> followedOnes;
@@ -183,7 +181,7 @@ void Behaviour::explore() {
         std::vector<bool> seen(names.size());  // entered
         std::vector<bool> left(names.size());
         std::vector<std::size_t> waiting;
-        arrive(kStart, {answer, 0, kNone, kNone, 0}, seen, waiting);
+        arrive(kStart, {answer, 0, kNoIndex, kNoIndex, 0}, seen, waiting);
         for (std::size_t next = 0; next < waiting.size(); ++next) {
             const std::size_t state = waiting[next];
             if (left[state]) {
@@ -220,7 +218,7 @@ void Behaviour::arrive(std::size_t entered, Arrival arrival, std::vector<bool>& 
         for (arrival.stop = 0; arrival.stop < chain.stops.size(); ++arrival.stop) {
             const Chain::Stop& stop = chain.stops[arrival.stop];
             note(visits[stop.state]);
-            if (stop.transition != kNone) {
+            if (stop.transition != kNoIndex) {
                 note(followed[stop.transition]);
             }
         }
@@ -266,7 +264,7 @@ bool Behaviour::waitsIn(std::size_t state) {
 Route Behaviour::routeBy(const Arrival& last) {
     Route route;
     const Arrival* arrival = &last;
-    for (; arrival->transition != kNone; arrival = &waits[arrival->from]) {
+    for (; arrival->transition != kNoIndex; arrival = &waits[arrival->from]) {
         const Junction::Target target = targetOf(arrival->transition);
         route.steps.push_back(
             {arrival->transition, target, junctionOf(arrival->transition).toReach(target), arrival->stop});
@@ -393,19 +391,19 @@ std::optional<Route> Behaviour::search(const Options& options) {
         }
     };
     const auto routeOf = [&](std::size_t index, std::vector<RouteStep> last) {
-        for (; nodes[index].before != kNone; index = nodes[index].before) {
+        for (; nodes[index].before != kNoIndex; index = nodes[index].before) {
             last.push_back(nodes[index].step);
         }
         std::ranges::reverse(last);
         return Route{nodes[index].step.stop, std::move(last)};
     };
     for (const std::size_t rest : chainFrom(kStart).rests) {
-        add({chainFrom(kStart).stops[rest].state, 0, kNone, {kNone, {}, {}, rest}});
+        add({chainFrom(kStart).stops[rest].state, 0, kNoIndex, {kNoIndex, {}, {}, rest}});
     }
     for (std::size_t index = 0; index < nodes.size(); ++index) {
         const auto [state, mode] = std::pair(nodes[index].state, nodes[index].mode);
         std::vector<Option> possible;
-        std::size_t last = kNone;
+        std::size_t last = kNoIndex;
         for (const Edge& edge : edgesFrom(state)) {
             if (std::exchange(last, edge.transition) != edge.transition) {
                 possible = options(edge.transition, mode);

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <limits>
 #include <map>
 #include <memory>
 #include <optional>
@@ -16,6 +17,9 @@
 #include "tools/vig/events/EventRecord.h"
 
 namespace Brenta::OS::VIG::Tool {
+
+// Stands for none where a state, a transition or a stop is expected.
+inline constexpr std::size_t kNoIndex = std::numeric_limits<std::size_t>::max();
 
 // The answers, the strongest last.
 enum class Answer {

@@ -114,10 +114,10 @@ class Dimensions {
     std::map<std::pair<FilterValueType, std::string_view>, Use> uses;
 };
 
-class Comparison {
+class ContextComparison {
   public:
-    Comparison(const ConfigModel& config, const std::vector<std::vector<std::size_t>>& stays,
-               const Surroundings& surroundings)
+    ContextComparison(const ConfigModel& config, const std::vector<std::vector<std::size_t>>& stays,
+                      const Surroundings& surroundings)
         : model(config), given(surroundings), stays(stays), dimensions(Dimensions(config, surroundings.context).all) {
         std::size_t parts = dimensions.size() + model.transitions.size();
         for (const TransitionModel& each : model.transitions) {
@@ -245,7 +245,7 @@ class Comparison {
 
 ContextDependence dependenceOf(const ConfigModel& config, const std::vector<std::vector<std::size_t>>& stays,
                                const Surroundings& surroundings) {
-    return Comparison(config, stays, surroundings).run();
+    return ContextComparison(config, stays, surroundings).run();
 }
 
 }  // namespace Brenta::OS::VIG::Tool

@@ -1,7 +1,6 @@
 #include "tools/vig/decide/Load.h"
 
 #include <algorithm>
-#include <limits>
 #include <numeric>
 
 #include "tools/vig/decide/Components.h"
@@ -9,8 +8,6 @@
 namespace Brenta::OS::VIG::Tool {
 
 namespace {
-
-constexpr std::size_t kNone = std::numeric_limits<std::size_t>::max();
 
 // It is the event that asks for the most, of those that bring a machine from one state to another.
 struct Arrow {
@@ -81,7 +78,7 @@ std::uint64_t mostEver(const WaitGraph& graph) {
 // effort was used up.
 std::optional<std::vector<std::size_t>> circleAbove(const WaitGraph& graph, Rate rate, Effort& effort) {
     std::vector<std::int64_t> gain(graph.outgoing.size());
-    std::vector<std::size_t> by(graph.outgoing.size(), kNone);  // the arrow that brought it
+    std::vector<std::size_t> by(graph.outgoing.size(), kNoIndex);  // the arrow that brought it
     for (bool hasChanged = true; hasChanged;) {
         hasChanged = false;
         if (!effort.spend(graph.arrows.size())) {
@@ -98,14 +95,14 @@ std::optional<std::vector<std::size_t>> circleAbove(const WaitGraph& graph, Rate
             }
         }
         // What brought a gain goes back to the beginning, or round in a circle.
-        std::vector<std::size_t> seenFrom(graph.outgoing.size(), kNone);
+        std::vector<std::size_t> seenFrom(graph.outgoing.size(), kNoIndex);
         for (std::size_t state = 0; state < by.size(); ++state) {
             std::size_t at = state;
-            while (by[at] != kNone && seenFrom[at] == kNone) {
+            while (by[at] != kNoIndex && seenFrom[at] == kNoIndex) {
                 seenFrom[at] = state;
                 at = graph.arrows[by[at]].from;
             }
-            if (by[at] == kNone || seenFrom[at] != state) {
+            if (by[at] == kNoIndex || seenFrom[at] != state) {
                 continue;
             }
             std::vector<std::size_t> circle;
@@ -154,11 +151,11 @@ void findRate(const WaitGraph& graph, Effort& effort, Load& load) {
 void findDistance(const WaitGraph& graph, Load& load) {
     Behaviour& machine = graph.machine;
     std::vector<const Arrow*> next(graph.outgoing.size());  // on the way to the next event that asks
-    std::vector<std::size_t> away(graph.outgoing.size(), kNone);
+    std::vector<std::size_t> away(graph.outgoing.size(), kNoIndex);
     std::vector<std::vector<const Arrow*>> incoming(graph.outgoing.size());
     std::vector<std::size_t> waiting;
     const auto reach = [&](const Arrow& arrow, std::size_t distance) {
-        if (away[arrow.from] == kNone) {
+        if (away[arrow.from] == kNoIndex) {
             away[arrow.from] = distance;
             next[arrow.from] = &arrow;
             waiting.push_back(arrow.from);
@@ -176,10 +173,10 @@ void findDistance(const WaitGraph& graph, Load& load) {
         }
     }
     const Arrow* first = nullptr;
-    std::size_t shortest = kNone;
+    std::size_t shortest = kNoIndex;
     for (const Arrow& each : graph.arrows) {
         const std::size_t distance = each.triggers > 1 ? 0 : away[each.edge.to];
-        if (each.triggers == 0 || distance == kNone) {
+        if (each.triggers == 0 || distance == kNoIndex) {
             continue;
         }
         const std::size_t length = machine.routeToWait(each.from).steps.size();

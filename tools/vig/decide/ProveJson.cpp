@@ -25,13 +25,13 @@ std::string_view wordFor(Answer answer) {
 }
 
 std::string jsonOf(const Recording& recording) {
-    const std::string path = recording.path.empty() ? "" : ",\"path\":" + quoted(recording.path);
+    const std::string path = recording.path.empty() ? "" : ",\"path\":" + inQuotes(recording.path);
     return fmt::format(R"({{"events":{},"draws":[{}]{}}})",
                        jsonArray(recording.events, [](const EventRecord& each) { return jsonOf(each); }),
                        fmt::join(recording.draws, ","), path);
 }
 
-constexpr auto kNames = [](const Proof::Names& names) { return jsonArray(names, quoted); };
+constexpr auto kNames = [](const Proof::Names& names) { return jsonArray(names, inQuotes); };
 
 // Returns the end of the object of which `names` are the first members.
 std::string jsonOf(const Proof::Claim& claim, std::string_view verb) {
@@ -78,20 +78,20 @@ std::string jsonOf(const LoadSum& sum) {
 }
 
 std::string jsonOf(const Proof& proof, const std::string& file) {
-    std::string json = fmt::format("{{\"file\":{},\"index\":{},\"config\":{},\"states\":[", quoted(file), proof.index,
+    std::string json = fmt::format("{{\"file\":{},\"index\":{},\"config\":{},\"states\":[", inQuotes(file), proof.index,
                                    proof.config->id);
     for (std::size_t state = 0; state < proof.states.size(); ++state) {
-        json += fmt::format("{}\n{{\"name\":{},{}", state == 0 ? "" : ",", quoted(proof.stateNames[state]),
+        json += fmt::format("{}\n{{\"name\":{},{}", state == 0 ? "" : ",", inQuotes(proof.stateNames[state]),
                             jsonOf(proof.states[state], "reached"));
     }
     json += "\n],\"transitions\":[";
     for (std::size_t index = 0; index < proof.transitions.size(); ++index) {
         const TransitionModel& transition = proof.config->transitions[index];
         json += fmt::format("{}\n{{\"path\":{},\"from\":{},\"to\":{},\"event\":{},{}", index == 0 ? "" : ",",
-                            quoted(transition.place.path), quoted(transition.from), quoted(transition.to),
-                            quoted(nameOf(transition.event)), jsonOf(proof.transitions[index], "fires"));
+                            inQuotes(transition.place.path), inQuotes(transition.from), inQuotes(transition.to),
+                            inQuotes(nameOf(transition.event)), jsonOf(proof.transitions[index], "fires"));
     }
-    const auto nameOfState = [&](std::size_t state) { return quoted(proof.stateNames[state]); };
+    const auto nameOfState = [&](std::size_t state) { return inQuotes(proof.stateNames[state]); };
     const auto listOf = [&](const auto& states) { return jsonArray(states, nameOfState); };
     return json + fmt::format("\n],\"stays\":{},\"stays_context\":{},\n\"load\":{},\"context_decided\":{}}}",
                               proof.stays ? jsonArray(*proof.stays, listOf) : "null",

@@ -39,20 +39,21 @@ std::string jsonOf(const ConfigDiff& config) {
     if (!isDifferent) {
         return json + "}";
     }
-    json += fmt::format(R"(,"shortest":{},"same_odds":{},"changes":{})", diff.isShortest, diff.areOddsSame,
-                        jsonArray(diff.changes, [&](const auto& each) { return quoted(wordsFor(each, diff.states)); }));
+    json +=
+        fmt::format(R"(,"shortest":{},"same_odds":{},"changes":{})", diff.isShortest, diff.areOddsSame,
+                    jsonArray(diff.changes, [&](const auto& each) { return inQuotes(wordsFor(each, diff.states)); }));
     json +=
         fmt::format(R"(,"recording":{{"events":{},"draws":{{"old":[{}],"new":[{}]}}}})",
                     jsonArray(diff.plan.events, [](const EventRecord& each) { return Tool::jsonOf(each); }),
                     fmt::join(config.accounts[0].witness.draws, ","), fmt::join(config.accounts[1].witness.draws, ","));
-    const auto explanation = [&](std::size_t side) { return jsonArray(config.accounts[side].explanation, quoted); };
+    const auto explanation = [&](std::size_t side) { return jsonArray(config.accounts[side].explanation, inQuotes); };
     return json + fmt::format(R"(,"explanation":{{"old":{},"new":{}}}}})", explanation(0), explanation(1));
 }
 
 }  // namespace
 
 std::string jsonOf(const DocumentDiff& diff, const Both<std::string>& files) {
-    return fmt::format("{{\"old\":{},\"new\":{},\"machines\":[{}\n]}}\n", quoted(files[0]), quoted(files[1]),
+    return fmt::format("{{\"old\":{},\"new\":{},\"machines\":[{}\n]}}\n", inQuotes(files[0]), inQuotes(files[1]),
                        joined(diff.configs, ",", [](const ConfigDiff& each) { return "\n" + jsonOf(each); }));
 }
 

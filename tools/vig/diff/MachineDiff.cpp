@@ -6,7 +6,6 @@
 #include "tools/vig/diff/MachineDiff.h"
 
 #include <algorithm>
-#include <limits>
 #include <set>
 #include <tuple>
 
@@ -23,7 +22,6 @@ constexpr std::uint64_t kEffortOfPair = 20;
 constexpr std::uint64_t kEffortOfWay = 100;    // to ask what it demands
 constexpr std::uint64_t kDemandsOfEffort = 4;  // so many are put together in the time of one
 constexpr std::size_t kMostChanges = 4;
-constexpr std::size_t kNone = std::numeric_limits<std::size_t>::max();
 
 // An event of any type stands for what comes before the first one: only draws matter there.
 constexpr EventType kAnyType = EventType::Test;
@@ -41,7 +39,7 @@ class Differ::Search {
           newConditions(differ.conditionsOf(changed.config())) {}
 
     MachineDiff run() {
-        nodes.push_back({{WayFinder::kStart, WayFinder::kStart}, kNone, {}, {}, 0});
+        nodes.push_back({{WayFinder::kStart, WayFinder::kStart}, kNoIndex, {}, {}, 0});
         visit(meetingAt(0, kAnyType), 0, EventType::EnteringState);
         for (std::size_t index = 1; index < nodes.size() && changes.empty(); ++index) {
             if (!effort.spend(kEffortOfPair)) {
@@ -59,8 +57,8 @@ class Differ::Search {
             }
         }
         if (changes.empty()) {
-            return gap == kNone ? MachineDiff{MachineDiff::Verdict::Same}
-                                : MachineDiff{MachineDiff::Verdict::Undecided, gap};
+            return gap == kNoIndex ? MachineDiff{MachineDiff::Verdict::Same}
+                                   : MachineDiff{MachineDiff::Verdict::Undecided, gap};
         }
         return which == Values::All ? MachineDiff{MachineDiff::Verdict::Unrecordable} : difference();
     }
@@ -322,7 +320,7 @@ class Differ::Search {
     std::vector<Node> nodes;  // the first one is before the start
     std::set<Both<std::size_t>> seen;
     std::vector<Change> changes;
-    std::size_t gap = kNone;  // the least number of events after which something was not decided
+    std::size_t gap = kNoIndex;  // the least number of events after which something was not decided
     bool isUnrecordable = false;
 };
 

@@ -21,7 +21,7 @@ using RulesEngine::EventType;
 namespace {
 
 constexpr double kLeastDifference = 1e-15;  // what is added up of doubles can be off by less
-constexpr std::uint64_t kEffortOfWay = 50;
+constexpr std::uint64_t kEffortOfAssumedWay = 50;
 
 // Returns how probable it is that a filter that draws one number is true; nothing if that depends on an attribute.
 std::optional<double> oddsOf(const FilterModel& filter) {
@@ -149,7 +149,8 @@ class Odds {
         Both<Chances> chances;
         for (std::size_t side = 0; side < machines.size(); ++side) {
             const auto open = chancesOf(comparison, side, assumed, chances[side]);
-            if (!isKnown || !surroundings.effort.spend(kEffortOfWay * (1 + comparison.ways[side]->ways.size()))) {
+            if (!isKnown ||
+                !surroundings.effort.spend(kEffortOfAssumedWay * (1 + comparison.ways[side]->ways.size()))) {
                 isKnown = false;
                 return false;
             }

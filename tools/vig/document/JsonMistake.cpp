@@ -23,7 +23,6 @@ namespace Brenta::OS::VIG::Tool {
 
 namespace {
 
-constexpr std::string_view kWhiteSpace = " \t\r\n";
 constexpr std::size_t kMostLevels = 1000;  // beyond, the reader itself says what is wrong
 constexpr std::size_t kMostShownOfBrackets = 40;
 constexpr std::size_t kFarthestQuote = 200;
@@ -32,7 +31,7 @@ bool isOneOf(char character, std::string_view characters) {
     return characters.find(character) != std::string_view::npos;
 }
 
-std::string inQuotes(char character) {
+std::string signInQuotes(char character) {
     return std::string("\"") + character + "\"";
 }
 
@@ -428,13 +427,13 @@ class JsonSearch {
         const std::string outside = brackets(1);
         if (expected() == Expected::Key && outside.ends_with(']') && closesAll(token.begin, outside)) {
             tell("bracket", token.begin, token.end, nameOf(level) + " is not closed before this one",
-                 "write " + inQuotes(level.closing) + whereMissing());
+                 "write " + signInQuotes(level.closing) + whereMissing());
             finish();
             levels.back().expected = Expected::Value;
             open(token);
         } else {
             tell("bracket", token.begin, token.end,
-                 inQuotes(token.kind) + " stands where a key should, in " + nameOf(level),
+                 signInQuotes(token.kind) + " stands where a key should, in " + nameOf(level),
                  "write the key and \":\" before it; a list of objects stands in [ ]");
             scanner.hasEnded = true;
         }
@@ -442,7 +441,7 @@ class JsonSearch {
 
     void takeClosing(const JsonToken& token) {
         if (levels.empty()) {
-            tell("bracket", token.begin, token.end, inQuotes(token.kind) + " closes nothing", "remove it");
+            tell("bracket", token.begin, token.end, signInQuotes(token.kind) + " closes nothing", "remove it");
             scanner.hasEnded = true;
         } else if (levels.back().closing == token.kind) {
             close(token);
@@ -482,20 +481,22 @@ class JsonSearch {
         const Level& level = levels.back();
         const std::string outside = brackets(1);
         if (closesAll(token.end, outside)) {
-            tell("bracket", token.begin, token.end, inQuotes(token.kind) + " closes " + nameOf(level),
-                 "write " + inQuotes(level.closing) + " instead");
+            tell("bracket", token.begin, token.end, signInQuotes(token.kind) + " closes " + nameOf(level),
+                 "write " + signInQuotes(level.closing) + " instead");
             finish();
         } else if (outside.ends_with(token.kind) && closesAll(token.begin, outside)) {
             tell("bracket", token.begin, token.end,
-                 nameOf(level) + " is not closed before this " + inQuotes(token.kind),
-                 "write " + inQuotes(level.closing) + whereMissing());
+                 nameOf(level) + " is not closed before this " + signInQuotes(token.kind),
+                 "write " + signInQuotes(level.closing) + whereMissing());
             finish();
             close(token);
         } else if (closesAll(token.end, brackets(0))) {
-            tell("bracket", token.begin, token.end, "this " + inQuotes(token.kind) + " is one too many", "remove it");
+            tell("bracket", token.begin, token.end, "this " + signInQuotes(token.kind) + " is one too many",
+                 "remove it");
         } else {
             tell("bracket", token.begin, token.end,
-                 inQuotes(level.closing) + " is needed for " + nameOf(level) + ", and not " + inQuotes(token.kind),
+                 signInQuotes(level.closing) + " is needed for " + nameOf(level) + ", and not " +
+                     signInQuotes(token.kind),
                  "close the brackets in the order in which they are open");
             scanner.hasEnded = true;
         }
@@ -553,7 +554,7 @@ class JsonSearch {
         scanner.hasEnded = true;
         if (lastClosed.end > 0 && closesAll(lastClosed.end, brackets(0) + lastClosed.kind)) {
             tell("bracket", lastClosed.begin, lastClosed.end,
-                 "this " + inQuotes(lastClosed.kind) + " is one too many: the key " + shownPart(last) + " follows",
+                 "this " + signInQuotes(lastClosed.kind) + " is one too many: the key " + shownPart(last) + " follows",
                  "remove it");
             return;
         }
@@ -652,7 +653,7 @@ class JsonSearch {
     }
 
     std::string shownPart(const JsonToken& token) const {
-        return isOneOf(token.kind, "{}[]") ? inQuotes(token.kind) : shown(token);
+        return isOneOf(token.kind, "{}[]") ? signInQuotes(token.kind) : shown(token);
     }
 
     std::string nameOf(const Level& level) const {

@@ -13,7 +13,6 @@ namespace Brenta::OS::VIG::Tool {
 
 namespace {
 
-constexpr std::string_view kWhiteSpace = " \t\r\n";
 constexpr std::size_t kMostAlike = 3;
 
 bool closesText(std::string_view rest, char kind) {

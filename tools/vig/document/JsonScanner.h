@@ -11,6 +11,8 @@
 
 namespace Brenta::OS::VIG::Tool {
 
+inline constexpr std::string_view kWhiteSpace = " \t\r\n";
+
 // It collects mistakes. Of those that are alike the first few are kept, and how many more there are.
 class JsonMistakes {
   public:

@@ -189,7 +189,7 @@ WordMistake valueMistake(std::string_view word) {
     if (isOneOf(lower, {"yes", "no", "on", "off"})) {
         const bool isTrue = isOneOf(lower, {"yes", "on"});
         return {shown + " is no value of JSON",
-                fmt::format("write {}, or {} if a text is meant", isTrue, quoted(word))};
+                fmt::format("write {}, or {} if a text is meant", isTrue, inQuotes(word))};
     }
     if (isOneOf(word, {"...", "\u2026"})) {
         return {shown + " stands where something was left out", "write what is meant, or remove it"};

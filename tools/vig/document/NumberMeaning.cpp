@@ -13,7 +13,6 @@ namespace Brenta::OS::VIG::Tool {
 
 namespace {
 
-constexpr std::string_view kDigits = "0123456789";
 constexpr std::string_view kBlanks = " \t\r\n";
 constexpr double kMostExact = 0x1p53;
 
@@ -31,7 +30,7 @@ bool isGrouped(std::string_view text, char separator) {
     }
     for (std::size_t place = 0; place < text.size(); ++place) {
         const bool isSeparator = place >= first && (place - first) % 4 == 0;
-        if (isSeparator ? text[place] != separator : kDigits.find(text[place]) == std::string_view::npos) {
+        if (isSeparator ? text[place] != separator : text[place] < '0' || text[place] > '9') {
             return false;
         }
     }
@@ -123,8 +122,8 @@ std::optional<NumberMeaning> meaningOf(const std::string& text, bool isInteger, 
     const std::string below = fmt::format("{:.0f}", std::floor(*value));
     const std::string above = fmt::format("{:.0f}", std::ceil(*value));
     return NumberMeaning{isCut ? below : *number,
-                         isCut      ? " or " + quoted(above) + ": an integer has no decimals"
-                         : isEither ? ", or " + quoted(without(whole, ",").insert(whole.find(','), ".")) +
+                         isCut      ? " or " + inQuotes(above) + ": an integer has no decimals"
+                         : isEither ? ", or " + inQuotes(without(whole, ",").insert(whole.find(','), ".")) +
                                           " if the comma begins the decimals"
                                     : ""};
 }

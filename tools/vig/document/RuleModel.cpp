@@ -100,7 +100,7 @@ std::string termOf(const OperandModel& model, FilterValueType valueType) {
         case FilterOperand::Type::Constant:
             break;
     }
-    return valueType == FilterValueType::String ? quoted(text) : text;
+    return valueType == FilterValueType::String ? inQuotes(text) : text;
 }
 
 }  // namespace
@@ -138,6 +138,10 @@ std::string shownCondition(FilterModel filter) {
         each->operand.value = shortened(each->operand.value, kMostShownOfName);
     }
     return conditionOf(filter);
+}
+
+std::string markedCondition(const FilterModel& filter) {
+    return "`" + shownCondition(filter) + "`";
 }
 
 }  // namespace Brenta::OS::VIG::Tool

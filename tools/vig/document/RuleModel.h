@@ -86,4 +86,7 @@ std::string conditionOf(const FilterModel& filter);
 // Does the same, with the beginning of each long name and text.
 std::string shownCondition(FilterModel filter);
 
+// Does the same for the middle of a sentence, between backticks.
+std::string markedCondition(const FilterModel& filter);
+
 }  // namespace Brenta::OS::VIG::Tool

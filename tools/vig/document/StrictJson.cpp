@@ -81,7 +81,7 @@ std::vector<std::string> StrictJson::mistakesIn(const DocumentText& document) {
 
 bool StrictJson::hasMember(const Json::Value& object, const std::string& key, const std::string& path) {
     if (!object.isMember(key) && !isMisspelt(path, key)) {
-        complain(object, path, quoted(key) + " is missing");
+        complain(object, path, inQuotes(key) + " is missing");
     }
     return object.isMember(key);
 }

@@ -52,7 +52,7 @@ void appendKinds(std::string& line, const AttributeSet& attributes) {
 std::string jsonOf(const EventRecord& record) {
     std::string line = "{";
     if (!record.device.empty()) {
-        line += "\"device\":" + quoted(record.device) + ",";
+        line += "\"device\":" + inQuotes(record.device) + ",";
     }
     if (record.isEnd) {
         return line + "\"ended\":true}";

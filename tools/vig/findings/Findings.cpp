@@ -22,21 +22,22 @@ const Json::Value* takeElement(std::string_view& path, std::string_view name, co
     return error == std::errc() && path.starts_with(']') && index < list.size() ? &list[index] : nullptr;
 }
 
-const Json::Value& memberOf(const Json::Value& object, const char* key) {
+const Json::Value& memberOrNull(const Json::Value& object, const char* key) {
     return object.isObject() ? object[key] : Json::Value::nullSingleton();
 }
 
 std::optional<TransitionName> nameTransition(std::string_view path, const DocumentText& document) {
-    const Json::Value* const config = takeElement(path, "configs[", memberOf(document.root(), "configs"));
+    const Json::Value* const config = takeElement(path, "configs[", memberOrNull(document.root(), "configs"));
     const Json::Value* const transition =
-        config == nullptr ? nullptr
-                          : takeElement(path, "].payload.data.transitions[",
-                                        memberOf(memberOf(memberOf(*config, "payload"), "data"), "transitions"));
+        config == nullptr
+            ? nullptr
+            : takeElement(path, "].payload.data.transitions[",
+                          memberOrNull(memberOrNull(memberOrNull(*config, "payload"), "data"), "transitions"));
     if (transition == nullptr) {
         return std::nullopt;
     }
-    const Json::Value& from = memberOf(*transition, "from_state");
-    const Json::Value& to = memberOf(*transition, "to_state");
+    const Json::Value& from = memberOrNull(*transition, "from_state");
+    const Json::Value& to = memberOrNull(*transition, "to_state");
     if (!from.isString() && !to.isString()) {
         return std::nullopt;
     }

@@ -35,7 +35,7 @@ constexpr Meant kMeantTypes[] = {{"int", "integer"},    {"int32", "integer"}, {"
 // Returns the beginning of a hint.
 std::string firstMeant(std::string_view given, std::span<const Meant> table) {
     const auto found = std::ranges::find(table, given, &Meant::written);
-    return found == table.end() ? "" : "write " + quoted(found->meant) + ": ";
+    return found == table.end() ? "" : "write " + inQuotes(found->meant) + ": ";
 }
 
 std::string oneOf(std::string_view given, std::span<const std::string_view> names) {
@@ -79,7 +79,7 @@ std::string unknownName(std::string_view what, std::string_view given, const std
 // Says how the number or boolean is written as a string.
 std::string asString(const Json::Value& value) {
     const std::string text = toText(value).value_or("");
-    return "a string: write " + quoted(text) + " for " + text;
+    return "a string: write " + inQuotes(text) + " for " + text;
 }
 
 std::string typeHint(const Json::Value* given, const Json::Value& accepted) {
@@ -101,7 +101,7 @@ std::string typeHint(const Json::Value* given, const Json::Value& accepted) {
 }  // namespace
 
 std::string listOf(std::span<const std::string_view> names) {
-    return joined(names, ", ", quoted);
+    return joined(names, ", ", inQuotes);
 }
 
 std::string memberHint(const Shape& shape, std::string_view key, const Json::Value* given,
@@ -138,12 +138,12 @@ std::string nestingHint(const Shape::Member& missing, const Json::Value& piece) 
     const Shape::Member* member = &missing;
     while (member != nullptr && member->inside != nullptr) {
         const bool isList = member->kind == Shape::Kind::List;
-        around += (around.empty() ? "" : " ") + quoted(member->key) + (isList ? ": [ {" : ": {");
+        around += (around.empty() ? "" : " ") + inQuotes(member->key) + (isList ? ": [ {" : ": {");
         closing.insert(0, isList ? " } ]" : " }");
         const Shape::Member* next = nullptr;
         for (const Shape::Member& each : member->inside->members) {
             if (each.inside != nullptr && piece.isMember(std::string(each.key))) {
-                return fmt::format("put {} …{} around {}", around, closing, quoted(each.key));
+                return fmt::format("put {} …{} around {}", around, closing, inQuotes(each.key));
             }
             next = each.inside != nullptr ? &each : next;
         }
@@ -192,7 +192,7 @@ std::string functionHint(const VIGParserConfig& registry, std::string_view name)
     for (const auto& [type, text] : kFilterValueTypeTable.pairs) {
         const auto names = functionNames(registry, type);
         if (std::ranges::binary_search(names, name)) {
-            return "write \"value_type\": " + quoted(text) + ", which the function gives";
+            return "write \"value_type\": " + inQuotes(text) + ", which the function gives";
         }
         all.insert(all.end(), names.begin(), names.end());
     }

@@ -12,7 +12,7 @@ namespace Brenta::OS::VIG::Tool {
 namespace {
 
 std::string jsonOf(const TransitionName& transition) {
-    return fmt::format(R"({{"from":{},"to":{},"line":{}}})", quoted(transition.from), quoted(transition.to),
+    return fmt::format(R"({{"from":{},"to":{},"line":{}}})", inQuotes(transition.from), inQuotes(transition.to),
                        transition.line);
 }
 
@@ -22,21 +22,21 @@ class JsonFindings final : public FindingWriter {
 
     void write(const SourceText& source, const Findings& findings) override {
         for (const UndecidedConfig& each : findings.undecided) {
-            undecided.push_back(
-                fmt::format(R"({{"file":{},"path":{},"id":{}}})", quoted(source.name()), quoted(each.path), each.id));
+            undecided.push_back(fmt::format(R"({{"file":{},"path":{},"id":{}}})", inQuotes(source.name()),
+                                            inQuotes(each.path), each.id));
         }
         for (const Finding& finding : findings.all) {
             const auto start = source.positionOf(finding.place.begin);
             const auto end = source.positionOf(finding.place.end);
-            output.write(
-                fmt::format("{}\n"
-                            R"({{"file":{},"line":{},"column":{},"end_line":{},"end_column":{},"severity":"{}",)"
-                            R"("name":{},"path":{},"message":{},"hint":{}{}{}}})",
-                            std::exchange(separator, ","), quoted(source.name()), start.line, start.column, end.line,
-                            end.column, finding.severity == Severity::Error ? "error" : "warning", quoted(finding.name),
-                            quoted(finding.place.path), quoted(finding.message), quoted(finding.hint),
-                            finding.transition ? ",\"transition\":" + jsonOf(*finding.transition) : "",
-                            finding.witness ? ",\"witness\":" + jsonOf(*finding.witness) : ""));
+            output.write(fmt::format(
+                "{}\n"
+                R"({{"file":{},"line":{},"column":{},"end_line":{},"end_column":{},"severity":"{}",)"
+                R"("name":{},"path":{},"message":{},"hint":{}{}{}}})",
+                std::exchange(separator, ","), inQuotes(source.name()), start.line, start.column, end.line, end.column,
+                finding.severity == Severity::Error ? "error" : "warning", inQuotes(finding.name),
+                inQuotes(finding.place.path), inQuotes(finding.message), inQuotes(finding.hint),
+                finding.transition ? ",\"transition\":" + jsonOf(*finding.transition) : "",
+                finding.witness ? ",\"witness\":" + jsonOf(*finding.witness) : ""));
         }
     }
 

@@ -14,8 +14,6 @@ namespace Brenta::OS::VIG::Tool {
 
 namespace {
 
-constexpr std::size_t kMostShownOfMessage = 200;
-
 Finding errorAt(std::size_t begin, std::size_t end, std::string message, std::string hint) {
     return {Severity::Error,
             std::string(textOf(VIGParseError::InvalidJson).name),

@@ -1,11 +1,14 @@
 #pragma once
 
+#include <cstddef>
 #include <vector>
 
 #include "tools/vig/document/DocumentText.h"
 #include "tools/vig/findings/Findings.h"
 
 namespace Brenta::OS::VIG::Tool {
+
+inline constexpr std::size_t kMostShownOfMessage = 200;  // of the library's reader
 
 // Returns an error for every mistake because of which the text is not JSON. REQUIRES: the reader has refused it.
 std::vector<Finding> readerErrors(const DocumentText& document);

@@ -38,7 +38,6 @@ namespace {
 using Names = PieceParser::Names;
 
 constexpr std::size_t kMostShownOfPiece = 40;
-constexpr std::size_t kMostShownOfMessage = 200;
 
 // Returns null if there is none.
 const Json::Value* memberOf(const Json::Value& object, std::string_view key) {
@@ -68,10 +67,10 @@ bool haveAnyOf(const std::vector<std::string_view>& keys, std::initializer_list<
 // Says what is wrong with a member of an object, or nothing if that is more than its type.
 std::string faultOf(std::string_view key, const Json::Value* value, const Json::Value& accepted) {
     if (value == nullptr) {
-        return quoted(key) + " is missing";
+        return inQuotes(key) + " is missing";
     }
     const std::string_view kind = kindName(*value);
-    return kind == kindName(accepted) ? std::string() : quoted(key) + " is " + std::string(kind);
+    return kind == kindName(accepted) ? std::string() : inQuotes(key) + " is " + std::string(kind);
 }
 
 // Returns the attributes with which the filters of a transition compare, as far as it has the form of one.

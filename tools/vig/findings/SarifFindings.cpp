@@ -73,9 +73,10 @@ std::string regionOf(Columns& columns, const Place& place) {
 std::string logicalLocations(const Finding& finding) {
     const std::string& path = finding.place.path;
     const auto& transition = finding.transition;
-    const std::string name = transition ? R"("name":)" + quoted(transition->from + " -> " + transition->to) + "," : "";
+    const std::string name =
+        transition ? R"("name":)" + inQuotes(transition->from + " -> " + transition->to) + "," : "";
     return path.empty() ? ""
-                        : fmt::format(R"(,"logicalLocations":[{{{}"fullyQualifiedName":{}}}])", name, quoted(path));
+                        : fmt::format(R"(,"logicalLocations":[{{{}"fullyQualifiedName":{}}}])", name, inQuotes(path));
 }
 
 class SarifFindings final : public FindingWriter {
@@ -89,7 +90,7 @@ class SarifFindings final : public FindingWriter {
             output.write(
                 fmt::format("{}\n"
                             R"({{"id":{},"shortDescription":{{"text":{}}}}})",
-                            std::exchange(ruleSeparator, ","), quoted(rule.name), quoted(rule.meaning)));
+                            std::exchange(ruleSeparator, ","), inQuotes(rule.name), inQuotes(rule.meaning)));
         }
         output.write(R"(]}},"columnKind":"unicodeCodePoints","results":[)");
     }
@@ -97,7 +98,7 @@ class SarifFindings final : public FindingWriter {
     void write(const SourceText& source, const Findings& findings) override {
         if (!findings.undecided.empty()) {
             gaps.push_back(fmt::format(R"({{"level":"warning","message":{{"text":{}}}}})",
-                                       quoted(source.name() + ": " + gapsIn(findings))));
+                                       inQuotes(source.name() + ": " + gapsIn(findings))));
         }
         const std::string uri = uriOf(source.name());
         Columns columns(source);
@@ -108,9 +109,9 @@ class SarifFindings final : public FindingWriter {
                 fmt::format("{}\n"
                             R"({{"ruleId":{},"ruleIndex":{},"level":"{}","message":{{"text":{}}},"locations":[)"
                             R"({{"physicalLocation":{{"artifactLocation":{{"uri":{}}},"region":{}}}{}}}]{}}})",
-                            std::exchange(separator, ","), quoted(finding.name), rule,
-                            finding.severity == Severity::Error ? "error" : "warning", quoted(finding.message + hint),
-                            quoted(uri), regionOf(columns, finding.place), logicalLocations(finding),
+                            std::exchange(separator, ","), inQuotes(finding.name), rule,
+                            finding.severity == Severity::Error ? "error" : "warning", inQuotes(finding.message + hint),
+                            inQuotes(uri), regionOf(columns, finding.place), logicalLocations(finding),
                             finding.witness ? ",\"properties\":{\"witness\":" + jsonOf(*finding.witness) + "}" : ""));
         }
     }

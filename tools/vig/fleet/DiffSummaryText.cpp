@@ -8,8 +8,8 @@ namespace Brenta::OS::VIG::Tool {
 
 namespace {
 
-constexpr std::array<std::string_view, kDeviceChangeNames.size()> kColumns = {"newly",     "no longer", "more", "less",
-                                                                              "otherwise", "logs",      "same"};
+constexpr std::array<std::string_view, kDeviceChangeNames.size()> kHeads = {"newly",     "no longer", "more", "less",
+                                                                            "otherwise", "logs",      "same"};
 
 std::string row(const DiffSummary::Count& count, const std::string& what) {
     return fmt::format("{} {:>9} {:>9}  {}\n",
@@ -41,13 +41,13 @@ std::string jsonOf(const DiffSummary::Count& count) {
 
 std::string jsonOf(const DiffSummary::Example& example) {
     return fmt::format(R"({{"change":"{}","device":{},"triggers":{},"event":{}}})",
-                       kDeviceChangeNames[static_cast<std::size_t>(example.change)], quoted(example.device),
+                       kDeviceChangeNames[static_cast<std::size_t>(example.change)], inQuotes(example.device),
                        jsonOf(example.triggers), example.event);
 }
 
 std::string jsonOf(const DiffSummary::Machine& machine) {
     const auto path = [&](std::size_t side) {
-        return machine.paths[side].empty() ? "null" : quoted(machine.paths[side]);
+        return machine.paths[side].empty() ? "null" : inQuotes(machine.paths[side]);
     };
     return fmt::format(R"({{"id":{},"old":{},"new":{},{}}})", machine.id, path(kOld), path(kNew),
                        jsonOf(machine.count));
@@ -70,12 +70,12 @@ std::string textOf(const DiffSummary& summary) {
     add("events", summary.events);
     for (const DiffSummary::Example& each : summary.examples) {
         text += fmt::format("  {:<9} {}: {} -> {} triggers, from event {} on\n",
-                            kColumns[static_cast<std::size_t>(each.change)], printable(each.device),
-                            each.triggers[kOld], each.triggers[kNew], each.event);
+                            kHeads[static_cast<std::size_t>(each.change)], printable(each.device), each.triggers[kOld],
+                            each.triggers[kNew], each.event);
     }
     const auto column = [](std::string_view each) { return fmt::format(" {:>9}", each); };
     text += fmt::format(" {:>9}{:>69}\n", "devices", "triggers");
-    text += joined(kColumns, "", column) + column("old") + column("new") + "\n";
+    text += joined(kHeads, "", column) + column("old") + column("new") + "\n";
     text += row(summary.all, "all machines");
     for (const DiffSummary::Machine& each : summary.machines) {
         text += row(each.count, placeOf(each));
@@ -87,7 +87,7 @@ std::string jsonOf(const DiffSummary& summary, const std::string& first) {
     return fmt::format(R"({{{}"old":{},"new":{},"devices":{},"failed":{},"unfinished":{},"events":{},{},)"
                        R"("examples":{},"machines":{}}})"
                        "\n",
-                       first, quoted(summary.documentHashes[kOld]), quoted(summary.documentHashes[kNew]),
+                       first, inQuotes(summary.documentHashes[kOld]), inQuotes(summary.documentHashes[kNew]),
                        summary.devices(), summary.failed, summary.unfinished, summary.events, jsonOf(summary.all),
                        jsonArray(summary.examples, [](const auto& each) { return jsonOf(each); }),
                        jsonArray(summary.machines, [](const auto& each) { return jsonOf(each); }));

@@ -71,7 +71,7 @@ int fleet(const FleetOptions& options, const Console& console, const Interruptio
 
 namespace {
 
-constexpr const char* kHelp = R"(An event record is one JSON object a line; attributes are grouped by their kind:
+constexpr const char* kFleetHelp = R"(An event record is one JSON object a line; attributes are grouped by their kind:
   {{"event":"ProcessMemoryHeartBeat","string":{{"processName":"camera"}},"int64":{{"vmRssKB":1000,"vmSwapKB":24}}}}
   {{"event":"Timeout","timeout_id":3}}
 Kinds are uint64, int64, double, bool and string; "time_ms" may tell when it was.
@@ -118,7 +118,7 @@ int runOneOrMany(const FleetOptions& given, const Console& console, const Interr
     std::error_code ignored;
     if (options.devices.empty() && options.whyNot && std::filesystem::exists(*options.whyNot, ignored)) {
         return refuseArguments(console,
-                               "--why-not takes " + Tool::quoted(*options.whyNot) +
+                               "--why-not takes " + inQuotes(*options.whyNot) +
                                    " for a transition: write it behind the files, or --why-not=TRANSITION",
                                "run");
     }
@@ -155,10 +155,10 @@ int runOneOrMany(const FleetOptions& given, const Console& console, const Interr
 }  // namespace
 
 void addRun(CommandLine& commandLine, FleetOptions& options) {
-    Verb verb =
-        commandLine.addVerb("run", "Replays recorded events, and shows what the rules do with them.",
-                            fmt::format(kHelp, FleetSummary::Storm::LEAST_TRIGGERS, FleetSummary::Storm::MOST_EVENTS),
-                            runOneOrMany, options);
+    Verb verb = commandLine.addVerb(
+        "run", "Replays recorded events, and shows what the rules do with them.",
+        fmt::format(kFleetHelp, FleetSummary::Storm::LEAST_TRIGGERS, FleetSummary::Storm::MOST_EVENTS), runOneOrMany,
+        options);
     addRules(verb, options);
     verb.choice("--format", options.format,
                 {{"text", ReportFormat::Text},

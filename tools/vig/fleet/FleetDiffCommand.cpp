@@ -58,7 +58,7 @@ int fleetDiff(const FleetDiffOptions& options, const Console& console, const Int
 
 namespace {
 
-constexpr const char* kHelp =
+constexpr const char* kFleetDiffHelp =
     R"(Without files of events, both documents are compared for all events: each two machines are proved to do the same, or
 shown to differ by a shortest recording. The exit status is 0 if they do the same, 1 if not, 3 if it is not decided.
 --format html writes a page for a browser, on which each of these recordings can be stepped through, the two machines
@@ -107,7 +107,7 @@ int diff(const FleetDiffOptions& options, const Console& console, const Interrup
 
 void addDiff(CommandLine& commandLine, FleetDiffOptions& options) {
     Verb verb = commandLine.addVerb("diff", "Compares what two rule documents do, for all events or for recorded ones.",
-                                    kHelp, diff, options);
+                                    kFleetDiffHelp, diff, options);
     verb.argument("OLD", options.rules, Verb::Need::Required, "The rule document as it was");
     verb.argument("NEW", options.newRules, Verb::Need::Required, "The rule document that takes its place");
     verb.choice("--format", options.format,

@@ -15,13 +15,13 @@ std::string jsonOf(const FleetSummary::Count& count) {
 }
 
 std::string jsonOf(const FleetSummary::Transition& transition) {
-    return fmt::format(R"({{"path":{},"from":{},"to":{},"event":{},{}}})", quoted(transition.path),
-                       quoted(transition.from), quoted(transition.to), quoted(transition.event),
+    return fmt::format(R"({{"path":{},"from":{},"to":{},"event":{},{}}})", inQuotes(transition.path),
+                       inQuotes(transition.from), inQuotes(transition.to), inQuotes(transition.event),
                        jsonOf(transition.count));
 }
 
 std::string jsonOf(const FleetSummary::Storm& storm) {
-    return fmt::format(R"({{"device":{},"triggers":{},"events":{}}})", quoted(storm.device), storm.triggers,
+    return fmt::format(R"({{"device":{},"triggers":{},"events":{}}})", inQuotes(storm.device), storm.triggers,
                        storm.events);
 }
 
@@ -34,7 +34,7 @@ std::string jsonOf(const FleetSummary::Config& config);
 constexpr auto kToJson = [](const auto& element) { return jsonOf(element); };
 
 std::string jsonOf(const FleetSummary::Config& config) {
-    return fmt::format(R"({{"path":{},"id":{},{},"transitions":{}}})", quoted(config.path), config.id,
+    return fmt::format(R"({{"path":{},"id":{},{},"transitions":{}}})", inQuotes(config.path), config.id,
                        jsonOf(config.count), jsonArray(config.transitions, kToJson));
 }
 
@@ -82,7 +82,7 @@ std::string jsonOf(const FleetSummary& summary, const std::string& first) {
     return fmt::format(R"({{{}"document":{},"devices":{},"failed":{},"unfinished":{},"events":{},"triggers":{},)"
                        R"("storms":{{"devices":{},"worst":{}}},"configs":{}}})"
                        "\n",
-                       first, quoted(summary.documentHash), summary.devices(), summary.failed, summary.unfinished,
+                       first, inQuotes(summary.documentHash), summary.devices(), summary.failed, summary.unfinished,
                        summary.events, triggersOf(summary), summary.stormyDevices,
                        jsonArray(summary.worstStorms, kToJson), jsonArray(summary.configs, kToJson));
 }

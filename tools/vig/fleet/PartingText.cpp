@@ -79,14 +79,14 @@ std::vector<std::string> linesOf(const Parting::Machine& machine, std::size_t si
 }
 
 std::string jsonOf(const Doings::Trigger& trigger) {
-    return fmt::format(R"({{"trigger_name":{},"process_name":{},"metadata":{}}})", quoted(trigger.name),
-                       trigger.processName ? quoted(*trigger.processName) : "null",
-                       jsonArray(trigger.metadata, quoted));
+    return fmt::format(R"({{"trigger_name":{},"process_name":{},"metadata":{}}})", inQuotes(trigger.name),
+                       trigger.processName ? inQuotes(*trigger.processName) : "null",
+                       jsonArray(trigger.metadata, inQuotes));
 }
 
 std::string jsonOf(const Doings::Log& log) {
-    return fmt::format(R"({{"priority":"{}","tag":{},"message":{}}})", priorityName(log.priority), quoted(log.tag),
-                       quoted(log.message));
+    return fmt::format(R"({{"priority":"{}","tag":{},"message":{}}})", priorityName(log.priority), inQuotes(log.tag),
+                       inQuotes(log.message));
 }
 
 std::string jsonOf(const Parting::Machine& machine, std::size_t side) {
@@ -129,7 +129,7 @@ std::string jsonOf(const DeviceDiff& diff, const Parting& parting) {
     return fmt::format(R"({{"type":"device","device":{},"change":"{}","triggers":{{"old":{},"new":{}}},"event":{},)"
                        R"("time_ms":{},"machines":{}}})"
                        "\n",
-                       quoted(diff.device), kDeviceChangeNames[static_cast<std::size_t>(did.change())],
+                       inQuotes(diff.device), kDeviceChangeNames[static_cast<std::size_t>(did.change())],
                        did.triggers[kOld], did.triggers[kNew], parting.event,
                        parting.timeMs ? fmt::format("{}", *parting.timeMs) : "null",
                        jsonArray(parting.machines, [](const auto& each) { return jsonOf(each); }));

@@ -114,7 +114,7 @@ int summary(const SummaryOptions& options, const Console& console, const Interru
     return console.finish(output, kExitDone);
 }
 
-constexpr const char* kHelp =
+constexpr const char* kSummaryHelp =
     R"(Each line of the files is a summary that `vig run --format json` has written, all of one rule document; or that
 `vig diff --format json` has, all of the same two. The parts of a fleet, merged, give the same as the whole.
 
@@ -124,8 +124,9 @@ Example: two halves of a fleet, replayed apart
   vig summary a.json b.json)";
 
 void addSummary(CommandLine& commandLine, SummaryOptions& options) {
-    Verb verb = commandLine.addVerb(
-        "summary", "Merges the summaries of runs, or of comparisons, over parts of a fleet.", kHelp, summary, options);
+    Verb verb =
+        commandLine.addVerb("summary", "Merges the summaries of runs, or of comparisons, over parts of a fleet.",
+                            kSummaryHelp, summary, options);
     verb.argument("FILE", options.files, Verb::Need::Optional,
                   "Files of summaries (default: -, which is standard input)");
     verb.choice("--format", options.format, {{"text", ReportFormat::Text}, {"json", ReportFormat::Json}},

@@ -34,7 +34,7 @@ constexpr std::string_view kPrologue = R"(digraph vig {
 )";
 
 // Escapes text for an HTML-like label, or for an attribute. XML has no place for two of the characters.
-std::string escaped(std::string_view text) {
+std::string withEscapes(std::string_view text) {
     constexpr std::pair<std::string_view, std::string_view> kEscapes[] = {
         {"&", "&amp;"},
         {"<", "&lt;"},
@@ -56,7 +56,7 @@ std::string escaped(std::string_view text) {
 }
 
 std::string coloured(std::string_view colour, std::string_view text) {
-    return fmt::format(R"(<font color="{}">{}</font>)", colour, escaped(text));
+    return fmt::format(R"(<font color="{}">{}</font>)", colour, withEscapes(text));
 }
 
 struct Line {
@@ -175,14 +175,14 @@ class DotWriter {
         const std::string said = fmt::format("{} {} → {}: {}", orderOf(arrow), labelOf(state),
                                              labelOf(graph.states[arrow.target]), arrow.title);
         out += fmt::format("    {} -> {} [color=\"{}\", style={}, arrowhead={}, penwidth={:.2f}, tooltip=\"{}\"]\n",
-                           tail, head, line.colour, line.style, line.arrowHead, line.width, escaped(said));
+                           tail, head, line.colour, line.style, line.arrowHead, line.width, withEscapes(said));
     }
 
     void writeLegend(const std::string& replay) {
         out += fmt::format(
             "  label=<replay of {}<br align=\"left\"/>{}<br align=\"left\"/>{}<br align=\"left\"/>{}"
             "<br align=\"left\"/>>\n",
-            escaped(pictureText(replay, 80)), coloured(kFired, "━━▶  fired; wider is more often"),
+            withEscapes(pictureText(replay, 80)), coloured(kFired, "━━▶  fired; wider is more often"),
             coloured(kNeverFired, "┅┅┤  ✗ tried, but never fired"), coloured(kPale, "╌╌▶  never tried"));
     }
 
@@ -210,7 +210,7 @@ class DotWriter {
 
     // Returns it as an attribute, with what separates it from the next one.
     static std::string tooltip(const std::string& text) {
-        return text.empty() ? "" : fmt::format("tooltip=\"{}\", ", escaped(text));
+        return text.empty() ? "" : fmt::format("tooltip=\"{}\", ", withEscapes(text));
     }
 
     std::string out;

@@ -14,7 +14,7 @@ using RulesEngine::FiniteStateMachine;
 namespace {
 
 // Mermaid gives nearly every sign a meaning somewhere, so that only those that are known to have none stay.
-std::string escaped(std::string_view text) {
+std::string withEntities(std::string_view text) {
     constexpr std::string_view kHarmless = " .,()=!+*/_'>-";
     std::string result;
     for (const char each : text) {
@@ -33,16 +33,16 @@ std::string escaped(std::string_view text) {
 std::string marksOf(const std::vector<GraphMark>& marks) {
     std::string text;
     for (const std::string& line : markLinesOf(marks)) {
-        text += "<br/>" + escaped(line);
+        text += "<br/>" + withEntities(line);
     }
     return text;
 }
 
 std::string labelOf(const GraphArrow& arrow) {
-    std::string text = escaped(orderOf(arrow) + ". " + arrow.title);
+    std::string text = withEntities(orderOf(arrow) + ". " + arrow.title);
     for (const auto& lines : {conditionLinesOf(arrow), actionLinesOf(arrow)}) {
         for (const std::string& line : lines) {
-            text += "<br/>" + escaped(line);
+            text += "<br/>" + withEntities(line);
         }
     }
     if (arrow.traffic) {
@@ -55,8 +55,8 @@ void writeStates(std::string& out, const RuleGraph& graph, const std::string& na
     out += fmt::format("    [*] --> {}s0\n", name);
     for (std::size_t index = 0; index < graph.states.size(); ++index) {
         const GraphState& state = graph.states[index];
-        out += fmt::format("    state \"{}{}\" as {}s{}\n", escaped(Tool::labelOf(state)), marksOf(state.marks), name,
-                           index);
+        out += fmt::format("    state \"{}{}\" as {}s{}\n", withEntities(Tool::labelOf(state)), marksOf(state.marks),
+                           name, index);
     }
     for (std::size_t index = 0; index < graph.states.size(); ++index) {
         for (const GraphArrow& arrow : graph.states[index].arrows) {

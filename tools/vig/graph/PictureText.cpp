@@ -42,7 +42,7 @@ std::string pictureText(std::string_view text, std::size_t most) {
 
 std::string labelOf(const GraphState& state) {
     const bool visible = state.name.find_first_not_of(' ') != std::string::npos;
-    return visible ? pictureText(state.name, kLongestName) : quoted(state.name.substr(0, kLongestName));
+    return visible ? pictureText(state.name, kLongestName) : inQuotes(state.name.substr(0, kLongestName));
 }
 
 std::string orderOf(const GraphArrow& arrow) {

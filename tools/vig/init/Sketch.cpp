@@ -71,7 +71,7 @@ std::string meant(const std::string& text, bool isInteger, const Unit* unit, con
     std::string_view rest = meaning ? std::string_view(meaning->number) : std::string_view();
     const auto number = Decimal::readFrom(rest);
     return number && rest.empty() && isTaken(*number)
-               ? fmt::format("; write {}{}", quoted(meaning->number), meaning->more)
+               ? fmt::format("; write {}{}", inQuotes(meaning->number), meaning->more)
                : "";
 }
 

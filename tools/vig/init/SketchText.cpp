@@ -93,7 +93,7 @@ std::string filter(std::string_view operation, std::string_view valueType, std::
                   "operand1": {{ "type": "{}", "value": {} }},
                   "operand2": {{ "type": "constant", "value": {} }}
                 }})",
-                       operation, valueType, kind, quoted(name), quoted(constant));
+                       operation, valueType, kind, inQuotes(name), inQuotes(constant));
 }
 
 std::string filtersOf(const Way& way, const Sketch& sketch) {
@@ -251,15 +251,15 @@ std::string processesOf(const Heartbeats& beats, const Sketch& sketch) {
     const bool isOne = std::ranges::all_of(beats, &Heartbeat::isOfProcess);
     const bool isWord = sketch.process.find(' ') == std::string::npos;
     if (isOne) {
-        return isWord ? quoted(sketch.process) : "[" + quoted(sketch.process) + "]";
+        return isWord ? inQuotes(sketch.process) : "[" + inQuotes(sketch.process) + "]";
     }
     const std::string other = sketch.process == "gallery" ? "player" : "gallery";
     const auto name = [&](const Heartbeat& each) { return each.isOfProcess ? sketch.process : other; };
     // A process that is called like a repetition would be one.
     if (isWord && !sketch.process.starts_with('x')) {
-        return quoted(joined(beats, " ", name));
+        return inQuotes(joined(beats, " ", name));
     }
-    return "[" + joined(beats, ", ", [&](const Heartbeat& each) { return quoted(name(each)); }) + "]";
+    return "[" + joined(beats, ", ", [&](const Heartbeat& each) { return inQuotes(name(each)); }) + "]";
 }
 
 std::string testOf(const Sketch& sketch, const std::string& name, const Heartbeats& beats, bool isDrawn) {
@@ -275,7 +275,7 @@ std::string testOf(const Sketch& sketch, const std::string& name, const Heartbea
         "event": "{}",{}
         "{}": "{}"
       }},)",
-        quoted(name), nameOf(sketch.event),
+        inQuotes(name), nameOf(sketch.event),
         sketch.process.empty() ? std::string()
                                : fmt::format("\n        \"processName\": {},", processesOf(beats, sketch)),
         sketch.attribute, valuesOf(beats, [](const Heartbeat& each) { return each.value.text(); }));
@@ -286,7 +286,7 @@ std::string testOf(const Sketch& sketch, const std::string& name, const Heartbea
     if (startsCollection(sketch.action) && !walk.actions.empty()) {
         triggers = fmt::format("\n        \"triggers\": [ {} ],", joined(walk.actions, ", ", [&](int event) {
                                    const std::string process =
-                                       sketch.process.empty() ? "" : "\"process\": " + quoted(sketch.process) + ", ";
+                                       sketch.process.empty() ? "" : "\"process\": " + inQuotes(sketch.process) + ", ";
                                    return fmt::format("{{ {}\"event\": {} }}", process, event);
                                }));
     }
@@ -367,7 +367,7 @@ std::string testsOf(const Sketch& sketch, const std::string& rules) {
     if (sketch.share) {
         tests.push_back(testOf(sketch, "a device that was not drawn does nothing", allOf(sketch), false));
     }
-    return fmt::format("{{\n  \"rules\": {},\n  \"tests\": [{}\n  ]\n}}\n", quoted(rules), fmt::join(tests, ","));
+    return fmt::format("{{\n  \"rules\": {},\n  \"tests\": [{}\n  ]\n}}\n", inQuotes(rules), fmt::join(tests, ","));
 }
 
 }  // namespace Brenta::OS::VIG::Tool

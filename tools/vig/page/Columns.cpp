@@ -93,7 +93,7 @@ std::string EventColumns::json(ColumnWriter& writer) {
     };
     appendOptional("time", times);
     appendOptional("timeout", timeouts);
-    all += R"(},"types":)" + jsonArray(knownTypes, [](EventType type) { return quoted(Tool::nameOf(type)); });
+    all += R"(},"types":)" + jsonArray(knownTypes, [](EventType type) { return inQuotes(Tool::nameOf(type)); });
     all += R"(,"tables":[)";
     for (Table& each : tables) {
         all += (&each == &tables.front() ? "" : ",") + json(each, writer);

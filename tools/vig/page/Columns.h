@@ -27,7 +27,7 @@ class NumberedTexts {
 
     // Returns them in order, as a JSON array, each as `render` shows it.
     std::string json(const auto& render) const {
-        return jsonArray(texts, [&](std::string_view text) { return quoted(render(text)); });
+        return jsonArray(texts, [&](std::string_view text) { return inQuotes(render(text)); });
     }
 
   private:
@@ -43,7 +43,7 @@ class ColumnWriter {
     // Writes columns, each after its name, in order. Returns members of a JSON object: where each is and of which type.
     template <typename T, typename... Others>
     std::string members(std::string_view name, const std::vector<T>& column, const Others&... others) {
-        std::string json = quoted(name) + ":" + add(column);
+        std::string json = inQuotes(name) + ":" + add(column);
         if constexpr (sizeof...(others) > 0) {
             json += "," + members(others...);
         }

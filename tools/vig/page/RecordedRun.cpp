@@ -49,14 +49,14 @@ std::size_t RecordedRun::addMachine(MachineTitle title, const ConfigModel& confi
 std::string RecordedRun::operandJson(const FilterModel& filter, const OperandModel& operand,
                                      const AttributeSet& context) {
     if (isFunction(operand)) {
-        return fmt::format(R"({{"function":{}}})", quoted(shownName(operand.operand.value)));
+        return fmt::format(R"({{"function":{}}})", inQuotes(shownName(operand.operand.value)));
     }
     const AttributeSet none;
     const RecordedContext ofMachine(context);
     const RecordedEvent withoutAttributes(none, EventType::EnteringState);
     const std::vector<FunctionResult> noResults;
     OperandReader reader(noResults, filter, ofMachine, withoutAttributes);
-    const std::string text = quoted(shownValue(reader.read(operand.operand)));
+    const std::string text = inQuotes(shownValue(reader.read(operand.operand)));
     return isConstant(operand)
                ? fmt::format(R"({{"constant":{}}})", text)
                : fmt::format(R"({{"attribute":{},"absent":{}}})", events.nameOf(operand.operand.value), text);
@@ -142,7 +142,7 @@ void RecordedRun::addLog(std::optional<std::size_t> machine, std::size_t positio
 void RecordedRun::account(std::size_t machine, std::size_t transition, const WhyNot& answer) {
     ExplainText text(std::numeric_limits<std::size_t>::max());
     machines[machine].accounts[transition] = {answer.tried, answer.fired, answer.stops,
-                                              jsonArray(text.linesOf(answer), quoted)};
+                                              jsonArray(text.linesOf(answer), inQuotes)};
 }
 
 std::string RecordedRun::turnsJson(const Machine& machine, ColumnWriter& writer) {
@@ -168,17 +168,17 @@ std::string RecordedRun::json(const Machine& machine, ColumnWriter& writer) {
             const auto& [stopped, nearest] = *stops++;
             return fmt::format(
                 R"({{"condition":{},"operator":"{}","kind":"{}","left":{},"right":{},"stopped":{},"nearest":{}}})",
-                quoted(printable(shownCondition(filter))), kFilterOperatorTable.lookup(filter.op),
+                inQuotes(printable(shownCondition(filter))), kFilterOperatorTable.lookup(filter.op),
                 nameOf(kindOf(filter.valueType)), left, right, stopped,
                 nearest ? std::to_string(nearest->event) : "null");
         };
         transitions += fmt::format(
             R"({}{{"name":{},"path":{},"from":{},"to":{},"type":"{}","filters":{},"actions":{},"tried":{},"fired":{},)"
             R"("why":{}}})",
-            index == 0 ? "" : ",", quoted(lastPartOf(each)), quoted(each.place.path),
+            index == 0 ? "" : ",", inQuotes(lastPartOf(each)), inQuotes(each.place.path),
             machine.stateNumbers.at(each.from), machine.stateNumbers.at(each.to), nameOf(each.event),
             jsonArray(each.filters, filterJson),
-            jsonArray(each.actions, [](const ActionModel& action) { return quoted(shownName(action.name)); }),
+            jsonArray(each.actions, [](const ActionModel& action) { return inQuotes(shownName(action.name)); }),
             account.tried, account.fired, account.lines);
     }
     const auto shapeJson = [](const Shape* shape) {
@@ -189,9 +189,9 @@ std::string RecordedRun::json(const Machine& machine, ColumnWriter& writer) {
         writer.members("at", machine.drawnAt, "number", machine.drawnNumbers, "text", machine.drawnTexts);
     return fmt::format(
         R"({{"label":{},"number":{},"states":{},"transitions":[{}],"turns":{},"shapes":{},"drawn":{{{}}}}})",
-        quoted(machine.title.label), machine.title.number,
-        jsonArray(machine.states, [](const std::string& name) { return quoted(shownName(name)); }), transitions, turns,
-        jsonArray(machine.shapes, shapeJson), drawn);
+        inQuotes(machine.title.label), machine.title.number,
+        jsonArray(machine.states, [](const std::string& name) { return inQuotes(shownName(name)); }), transitions,
+        turns, jsonArray(machine.shapes, shapeJson), drawn);
 }
 
 std::string RecordedRun::encoded(const PagePicture& picture) {
@@ -207,7 +207,7 @@ std::string RecordedRun::encoded(const PagePicture& picture) {
     std::string json = fmt::format(
         R"({{{},"texts":{},"shownTexts":{},"wholeStart":{},"machines":[{}],"lines":{{{}}},"lineTexts":{},"picture":{},"noPicture":{}}})",
         events.json(writer), events.texts.json(unchanged), events.texts.json(shownQuoted), hasWholeStart, machinesJson,
-        linesJson, lineTexts.json(unchanged), quoted(picture.svg), quoted(picture.whyNone));
+        linesJson, lineTexts.json(unchanged), inQuotes(picture.svg), inQuotes(picture.whyNone));
     ColumnWriter head;
     head.add(std::vector<std::uint32_t>{static_cast<std::uint32_t>(json.size())});
     json.resize((json.size() + ColumnWriter::kAlignment - 1) / ColumnWriter::kAlignment * ColumnWriter::kAlignment);

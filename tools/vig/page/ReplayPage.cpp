@@ -69,7 +69,7 @@ std::string escaped(std::string_view text) {
 
 std::string recordingJson(const PageRecording& recording) {
     return fmt::format(R"({{"name":{},"facts":{},"event":{},"machine":{},"compared":{}}})",
-                       quoted(printable(recording.name)), jsonArray(recording.facts, quoted),
+                       inQuotes(printable(recording.name)), jsonArray(recording.facts, inQuotes),
                        recording.event ? std::to_string(*recording.event) : "null", recording.machine,
                        recording.isComparison);
 }
@@ -100,7 +100,7 @@ std::string replayPage(std::string_view title, const PageNote& note, const std::
         R"(<script type="application/json" id="page">{}</script>)"
         "\n",
         withoutTags(fmt::format(R"({{"title":{},"program":"vig {}","summary":{},"note":{},"recordings":{}}})",
-                                quoted(printable(title)), VIG_VERSION, quoted(note.summary), quoted(note.text),
+                                inQuotes(printable(title)), VIG_VERSION, inQuotes(note.summary), inQuotes(note.text),
                                 jsonArray(recordings, recordingJson))));
     // The program comes first, so that of a file that is cut off it can say so.
     for (const PageFile& script : scripts) {

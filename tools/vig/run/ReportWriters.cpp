@@ -209,7 +209,7 @@ class TextReport final : public Report {
 
 std::string jsonOf(const Summary::Machine& machine) {
     return fmt::format(R"({{"machine":{},"config_id":{},"payload_id":{},"state":{}}})", machine.name.index,
-                       machine.name.configId, machine.payloadId, quoted(machine.state));
+                       machine.name.configId, machine.payloadId, inQuotes(machine.state));
 }
 
 std::string jsonOf(const Summary::Sampling& sampling) {
@@ -224,7 +224,7 @@ std::string jsonOf(const Summary::Sampling& sampling) {
 class JsonlReport final : public Report {
   public:
     JsonlReport(Output& output, const ReportStyle& style)
-        : output(output), style(style), lastKey(style.device.empty() ? "" : R"(,"device":)" + quoted(style.device)) {}
+        : output(output), style(style), lastKey(style.device.empty() ? "" : R"(,"device":)" + inQuotes(style.device)) {}
 
     void trigger(const TriggerLine& line) override {
         if (!tells(style, line.machine.index)) {
@@ -233,8 +233,8 @@ class JsonlReport final : public Report {
         writeLine(fmt::format(
             R"({{"type":"trigger","event":{},"machine":{},"config_id":{},"trigger_name":{},"process_name":{},)"
             R"("metadata":{}}})",
-            line.event, line.machine.index, line.machine.configId, quoted(line.name),
-            line.processName ? quoted(*line.processName) : "null", jsonArray(line.metadata, quoted)));
+            line.event, line.machine.index, line.machine.configId, inQuotes(line.name),
+            line.processName ? inQuotes(*line.processName) : "null", jsonArray(line.metadata, inQuotes)));
     }
 
     void log(const LogLine& line) override {
@@ -242,7 +242,7 @@ class JsonlReport final : public Report {
             return;
         }
         writeLine(fmt::format(R"({{"type":"log","event":{},"priority":"{}","tag":{},"message":{}}})", line.event,
-                              priorityName(line.priority), quoted(line.tag), quoted(line.message)));
+                              priorityName(line.priority), inQuotes(line.tag), inQuotes(line.message)));
     }
 
     void move(const MoveLine& line) override {
@@ -250,14 +250,14 @@ class JsonlReport final : public Report {
             return;
         }
         writeLine(fmt::format(R"({{"type":"move","event":{},"machine":{},"config_id":{},"from":{},"to":{}}})",
-                              line.event, line.machine.index, line.machine.configId, quoted(line.from),
-                              quoted(line.to)));
+                              line.event, line.machine.index, line.machine.configId, inQuotes(line.from),
+                              inQuotes(line.to)));
     }
 
     void delivery(const DeliveryLine& line) override {
         const std::string outcome = line.refusal.empty() ? fmt::format(R"("configurations":{})", line.configurations)
-                                                         : fmt::format(R"("error":{})", quoted(line.refusal));
-        writeLine(fmt::format(R"({{"type":"delivery","event":{},"rules":{},{}}})", line.event, quoted(line.document),
+                                                         : fmt::format(R"("error":{})", inQuotes(line.refusal));
+        writeLine(fmt::format(R"({{"type":"delivery","event":{},"rules":{},{}}})", line.event, inQuotes(line.document),
                               outcome));
     }
 

@@ -45,7 +45,7 @@ std::string readWhere(const std::string& text, std::vector<SelectionOptions::Att
     }
     where.push_back({text.substr(0, sign), text.substr(sign + 1)});
     if (where.back().name == kEventKey && std::ranges::find(kEventNames, where.back().value) == kEventNames.end()) {
-        return "there is no event " + quoted(where.back().value) + suggestion(where.back().value, kEventNames);
+        return "there is no event " + inQuotes(where.back().value) + suggestion(where.back().value, kEventNames);
     }
     return {};
 }
@@ -160,7 +160,7 @@ std::string Selection::note() const {
     }
     for (std::size_t i = 0; i < options.where.size(); ++i) {
         if (having[i] == 0) {
-            return "no event has an attribute " + quoted(options.where[i].name);
+            return "no event has an attribute " + inQuotes(options.where[i].name);
         }
     }
     return fmt::format("none of {} events is chosen by --where, --from and --to", number);

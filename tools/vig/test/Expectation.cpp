@@ -102,7 +102,7 @@ std::vector<Row> aligned(std::size_t expectedCount, std::size_t actualCount, con
 }
 
 std::string list(const std::vector<std::string>& entries) {
-    return "[" + joined(entries, ", ", quoted) + "]";
+    return "[" + joined(entries, ", ", inQuotes) + "]";
 }
 
 // Returns those fields that the trigger does not have like that.
@@ -131,8 +131,8 @@ Fields fieldsOf(const ExpectedTrigger& trigger) {
         }
     };
     const auto number = [](std::int64_t value) { return std::to_string(value); };
-    add("name", trigger.name, quoted);
-    add("process", trigger.process, quoted);
+    add("name", trigger.name, inQuotes);
+    add("process", trigger.process, inQuotes);
     add("config", trigger.config, number);
     add("event", trigger.event, number);
     add("metadata", trigger.metadata, list);
@@ -143,8 +143,8 @@ Fields fieldsOf(const ExpectedTrigger& trigger) {
 }
 
 Fields fieldsOf(const TriggerLine& trigger) {
-    return {{"name", quoted(trigger.name)},
-            {"process", trigger.processName ? quoted(*trigger.processName) : "none"},
+    return {{"name", inQuotes(trigger.name)},
+            {"process", trigger.processName ? inQuotes(*trigger.processName) : "none"},
             {"config", std::to_string(trigger.machine.configId)},
             {"event", std::to_string(trigger.event)},
             {"metadata", list(trigger.metadata)}};
@@ -168,7 +168,7 @@ bool isMet(const ExpectedLog& expected, const Observed::Log& actual) {
 }
 
 Fields fieldsOf(const ExpectedLog& log) {
-    Fields fields = {{"message", quoted(log.message)}};
+    Fields fields = {{"message", inQuotes(log.message)}};
     if (log.priority) {
         fields.emplace_back("priority", *log.priority);
     }
@@ -176,7 +176,7 @@ Fields fieldsOf(const ExpectedLog& log) {
 }
 
 Fields fieldsOf(const Observed::Log& log) {
-    return {{"message", quoted(log.message)}, {"priority", log.priority}, {"event", std::to_string(log.event)}};
+    return {{"message", inQuotes(log.message)}, {"priority", log.priority}, {"event", std::to_string(log.event)}};
 }
 
 std::size_t commonBeginning(const Field& left, const Field& right) {
@@ -298,8 +298,8 @@ void compareStates(const Expectation& expected, const Observed& actual, Mismatch
         if (found == actual.states.end()) {
             mismatch.lines.push_back(fmt::format("  state of configuration {}: there is none", config));
         } else if (found->second.name != name) {
-            const Field expectedState = {"expected", quoted(name)};
-            const Field state = {"got", quoted(found->second.name)};
+            const Field expectedState = {"expected", inQuotes(name)};
+            const Field state = {"got", inQuotes(found->second.name)};
             const std::size_t inCommon = commonBeginning(expectedState, state);
             mismatch.lines.push_back(fmt::format("  state of configuration {}: {}, {}", config,
                                                  shown(expectedState, inCommon), shown(state, inCommon)));

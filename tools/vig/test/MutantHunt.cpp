@@ -107,9 +107,9 @@ class Doings final : public NoReport {
     std::vector<Doing> all;
 
     void trigger(const TriggerLine& line) override {
-        all.push_back(
-            {line.event, "triggers " + shownQuoted(line.name),
-             fmt::format(" of {} with {}", quoted(line.processName.value_or("")), jsonArray(line.metadata, quoted))});
+        all.push_back({line.event, "triggers " + shownQuoted(line.name),
+                       fmt::format(" of {} with {}", inQuotes(line.processName.value_or("")),
+                                   jsonArray(line.metadata, inQuotes))});
     }
 
     void log(const LogLine& line) override {

@@ -33,7 +33,7 @@ constexpr std::size_t kMostShownNumbers = 10;
 constexpr std::size_t kMostLooks = 200'000;
 
 // A longer recording is not made, let alone read by anybody.
-constexpr std::size_t kMostEvents = 10'000;
+constexpr std::size_t kMostSteps = 10'000;
 
 // It refutes a property.
 struct Counterexample {
@@ -200,7 +200,7 @@ class MachineJudge {
             }
             return options;
         });
-        if (route ? route->steps.size() > kMostEvents : looks > kMostLooks) {
+        if (route ? route->steps.size() > kMostSteps : looks > kMostLooks) {
             failure =
                 fmt::format("not decided for {}: a recording with so many triggers is too long to look for", name());
             return;

@@ -126,7 +126,7 @@ class TestSuite {
             console.say(error);
         }
         if (errors.empty() && files.empty()) {
-            console.complain("no test is called like " + Tool::quoted(options.filter));
+            console.complain("no test is called like " + inQuotes(options.filter));
             return false;
         }
         return errors.empty() && !wouldDestroyAnInput();

@@ -293,7 +293,7 @@ class TestFileReader {
             return property;
         }
         if (given.size() != 1) {
-            const auto render = [](const auto& each) { return Tool::quoted(each.second); };
+            const auto render = [](const auto& each) { return inQuotes(each.second); };
             check.complain(json, path, "expected exactly one of " + joined(kKinds, ", ", render));
             return property;
         }
@@ -336,7 +336,7 @@ class TestFileReader {
         }
         if (json.isMember("config")) {
             check.complain(json["config"], StrictJson::member(path, "config"),
-                           "not together with " + Tool::quoted(key) + ", which says it itself");
+                           "not together with " + inQuotes(key) + ", which says it itself");
         }
     }
 

@@ -14,15 +14,15 @@ namespace Brenta::OS::VIG::Tool {
 
 void ExpectationWriter::trigger(const TriggerLine& line) {
     const std::string process =
-        line.processName ? fmt::format(R"("process": {}, )", quoted(*line.processName)) : std::string();
-    triggers.push_back(fmt::format(R"({{ "name": {}, {}"config": {}, "event": {} }})", quoted(line.name), process,
+        line.processName ? fmt::format(R"("process": {}, )", inQuotes(*line.processName)) : std::string();
+    triggers.push_back(fmt::format(R"({{ "name": {}, {}"config": {}, "event": {} }})", inQuotes(line.name), process,
                                    line.machine.configId, line.event));
 }
 
 void ExpectationWriter::log(const LogLine& line) {
     if (line.message != kListeningMessage) {
-        logs.push_back(
-            fmt::format(R"({{ "message": {}, "priority": "{}" }})", quoted(line.message), priorityName(line.priority)));
+        logs.push_back(fmt::format(R"({{ "message": {}, "priority": "{}" }})", inQuotes(line.message),
+                                   priorityName(line.priority)));
     }
 }
 
@@ -31,7 +31,7 @@ void ExpectationWriter::end(const Summary& summary) {
     for (const Summary::Machine& each : summary.machines) {
         // A test cannot expect a name that is no UTF-8.
         if (replaceInvalidUtf8(std::string(each.state)) == each.state) {
-            byId.emplace(each.name.configId, quoted(each.state));
+            byId.emplace(each.name.configId, inQuotes(each.state));
         }
     }
     states = joined(byId, ", ", [](const auto& each) { return fmt::format(R"("{}": {})", each.first, each.second); });
@@ -60,7 +60,7 @@ std::string textOf(const TestCase& test, const std::vector<std::string>& expecte
     for (const EventRecord& each : *test.events) {
         events.push_back("\n        " + jsonOf(each));
     }
-    std::string text = fmt::format("    {{\n      \"name\": {},\n      \"events\": [{}{}],\n", quoted(test.name),
+    std::string text = fmt::format("    {{\n      \"name\": {},\n      \"events\": [{}{}],\n", inQuotes(test.name),
                                    fmt::join(events, ","), events.empty() ? "" : "\n      ");
     if (!test.draws.numbers.empty()) {
         text += fmt::format("      \"draws\": [{}],\n", fmt::join(test.draws.numbers, ", "));
@@ -76,7 +76,7 @@ std::string textOf(const TestCase& test, const std::vector<std::string>& expecte
 }
 
 std::string testFileOf(const std::string& rules, const std::vector<std::string>& tests) {
-    return fmt::format("{{\n  \"rules\": {},\n  \"tests\": [\n{}\n  ]\n}}\n", quoted(rules), fmt::join(tests, ",\n"));
+    return fmt::format("{{\n  \"rules\": {},\n  \"tests\": [\n{}\n  ]\n}}\n", inQuotes(rules), fmt::join(tests, ",\n"));
 }
 
 std::string withTests(const DocumentText& file, const std::vector<std::string>& tests) {

@@ -73,16 +73,16 @@ std::string json(const ComparedValue& compared) {
         return "null";
     }
     if (const auto* const characters = std::get_if<std::string>(&compared.value)) {
-        return quoted(*characters);
+        return inQuotes(*characters);
     }
     const auto* const number = std::get_if<double>(&compared.value);
     // JSON has no word for infinities and NaN.
-    return number != nullptr && !std::isfinite(*number) ? quoted(shownValue(compared)) : shownValue(compared);
+    return number != nullptr && !std::isfinite(*number) ? inQuotes(shownValue(compared)) : shownValue(compared);
 }
 
 std::string json(const Comparison& comparison) {
     return fmt::format(R"({{"condition":{},"left":{},"right":{},"verdict":{}}})",
-                       quoted(conditionOf(*comparison.filter)), json(comparison.left), json(comparison.right),
+                       inQuotes(conditionOf(*comparison.filter)), json(comparison.left), json(comparison.right),
                        comparison.verdict);
 }
 
@@ -90,9 +90,9 @@ std::string json(const Attempt& attempt) {
     const std::vector<ActionModel> none;
     const auto& actions = attempt.fired ? attempt.transition->actions : none;
     return fmt::format(R"({{"path":{},"to":{},"fired":{},"filters":{},"actions":{}}})",
-                       quoted(attempt.transition->place.path), quoted(attempt.transition->to), attempt.fired,
+                       inQuotes(attempt.transition->place.path), inQuotes(attempt.transition->to), attempt.fired,
                        jsonArray(attempt.comparisons, [](const Comparison& each) { return json(each); }),
-                       jsonArray(actions, [](const ActionModel& each) { return quoted(each.name); }));
+                       jsonArray(actions, [](const ActionModel& each) { return inQuotes(each.name); }));
 }
 
 std::string json(const WhyNot::NearestMiss& miss) {
@@ -247,27 +247,27 @@ void ExplainText::addUpstream(std::vector<std::string>& lines, const WhyNot& ans
 std::string explainJson(const Step& step) {
     return fmt::format(
         R"({{"type":"explain","event":{},"machine":{},"config_id":{},"event_type":"{}","state":{},"transitions":{}}})",
-        step.event, step.machine.index, step.machine.configId, nameOf(step.type), quoted(step.state),
+        step.event, step.machine.index, step.machine.configId, nameOf(step.type), inQuotes(step.state),
         jsonArray(step.attempts, [](const Attempt& each) { return json(each); }));
 }
 
 std::string whyNotJson(const WhyNot& answer) {
     const TransitionModel& transition = *answer.transition;
     const auto stateJson = [](const auto& each) {
-        return fmt::format(R"({{"state":{},"events":{}}})", quoted(each.first), each.second);
+        return fmt::format(R"({{"state":{},"events":{}}})", inQuotes(each.first), each.second);
     };
     std::size_t index = 0;
     const auto filterJson = [&](const WhyNot::Stops& each) {
         return fmt::format(R"({{"condition":{},"stopped":{},"nearest":{}}})",
-                           quoted(conditionOf(transition.filters[index++])), each.count,
+                           inQuotes(conditionOf(transition.filters[index++])), each.count,
                            each.nearest ? json(*each.nearest) : "null");
     };
     return fmt::format(
         R"({{"type":"why_not","path":{},"machine":{},"config_id":{},"from":{},"to":{},"event_type":"{}",)"
         R"("events":{},"other_types":{},"other_states":{},"earlier_fired":{},"tried":{},"fired":{},)"
         R"("filters":{},"upstream":{}}})",
-        quoted(transition.place.path), answer.machine, answer.config->id, quoted(transition.from),
-        quoted(transition.to), nameOf(transition.event), answer.events, answer.otherTypes,
+        inQuotes(transition.place.path), answer.machine, answer.config->id, inQuotes(transition.from),
+        inQuotes(transition.to), nameOf(transition.event), answer.events, answer.otherTypes,
         jsonArray(answer.otherStates, stateJson), answer.earlierFired, answer.tried, answer.fired,
         jsonArray(answer.stops, filterJson),
         jsonArray(answer.upstream, [](const WhyNot& each) { return whyNotJson(each); }));

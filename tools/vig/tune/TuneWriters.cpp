@@ -148,7 +148,7 @@ std::string jsonOf(const TuneWriter& writer, Rank rank) {
         writer.size.days > 0 ? fmt::format("{}", static_cast<double>(outcome.triggers) / writer.size.days) : "null";
     return fmt::format(
         R"({{"threshold":{},"devices":{},"share":{},"triggers":{},"triggers_a_day":{},"interval":[{},{}]}})",
-        quoted(writer.threshold(rank)), outcome.devices,
+        inQuotes(writer.threshold(rank)), outcome.devices,
         static_cast<double>(outcome.devices) / static_cast<double>(writer.size.devices), outcome.triggers, perDay,
         interval.low, interval.high);
 }
@@ -201,8 +201,8 @@ std::string jsonOf(const TuneReport& report) {
         R"("answer":{},"below":{},"above":{},"now":{},)"
         R"("certainty":{{"from_none":{},"from_double":{},"needed":{}}},"thresholds":{}}})"
         "\n",
-        quoted(report.plan.constant.operand().place.path), quoted(conditionOf(*report.plan.constant.model)),
-        quoted(report.targetText), writer.size.devices, report.tuning.problems.size(), report.tuning.events,
+        inQuotes(report.plan.constant.operand().place.path), inQuotes(conditionOf(*report.plan.constant.model)),
+        inQuotes(report.targetText), writer.size.devices, report.tuning.problems.size(), report.tuning.events,
         writer.size.days > 0 ? fmt::format("{}", writer.size.days) : "null", report.tuning.tried.size(),
         jsonOf(writer, report.answer()), jsonOf(writer, report.tuning.nearestBelow),
         jsonOf(writer, report.tuning.nearestAbove), jsonOf(writer, report.plan.constant.current), certainty.fromNone,

@@ -104,8 +104,8 @@ std::optional<TunedConstant> findConstant(const DocumentModel& document, const s
     }
     if (!found) {
         const std::vector<std::string_view> names(paths.begin(), paths.end());
-        problem = condition.empty() ? "no number to tune has the path " + quoted(path)
-                                    : "not a number to tune, " + quoted(path) + " in " + condition;
+        problem = condition.empty() ? "no number to tune has the path " + inQuotes(path)
+                                    : "not a number to tune, " + inQuotes(path) + " in " + condition;
         problem += condition.empty() ? choices(path, names) : choices({}, names);
     }
     return found;

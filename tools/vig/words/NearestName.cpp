@@ -134,9 +134,9 @@ std::string suggestion(std::string_view given, std::span<const std::string_view>
     if (near.empty()) {
         return {};
     }
-    std::string list = quoted(near.front());
+    std::string list = inQuotes(near.front());
     for (std::size_t index = 1; index < near.size(); ++index) {
-        list += (index + 1 == near.size() ? " or " : ", ") + quoted(near[index]);
+        list += (index + 1 == near.size() ? " or " : ", ") + inQuotes(near[index]);
     }
     return "; did you mean " + list + "?";
 }

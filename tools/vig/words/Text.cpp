@@ -81,7 +81,7 @@ void appendJsonString(std::string& out, std::string_view text) {
     out += '"';
 }
 
-std::string quoted(std::string_view text) {
+std::string inQuotes(std::string_view text) {
     std::string result;
     appendJsonString(result, text);
     return result;
@@ -171,7 +171,7 @@ std::string shownState(std::string_view name) {
 }
 
 std::string shownQuoted(std::string_view text) {
-    return quoted(shortened(text, kMostShownOfName));
+    return inQuotes(shortened(text, kMostShownOfName));
 }
 
 bool isBlank(std::string_view line) {

@@ -13,7 +13,7 @@ namespace Brenta::OS::VIG::Tool {
 void appendJsonString(std::string& out, std::string_view text);
 
 // Returns the text as a JSON string.
-std::string quoted(std::string_view text);
+std::string inQuotes(std::string_view text);
 
 // Returns the text without what a terminal would act on: control characters and those that change the direction of
 // writing are shown as escapes, ill-formed UTF-8 as U+FFFD.
