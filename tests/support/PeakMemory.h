@@ -10,7 +10,7 @@
 
 namespace support {
 
-// The sanitizer takes memory of its own.
+// The sanitizer takes memory of its own, and several times as long.
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 constexpr bool kHasSanitizer = true;
 #elif defined(__has_feature)

@@ -10,12 +10,13 @@ model=$(realpath "${1:-$folder/manager.pml}")
 install_packages "${MODEL_PACKAGES[@]}"
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
-cd "$work"
 
-# explore NAME DEFINITION...
-explore() {
+# explored NAME DEFINITION...
+explored() {
     local name=$1
     shift
+    mkdir "$work/$name"
+    cd "$work/$name"
     spin -a "${@/#/-D}" "$model" >spin.log || { cat spin.log; return 1; }
     gcc -O1 -DSAFETY -DVECTORSZ=1024 -DMEMLIM=2048 -o pan pan.c
     ./pan -m100000 -n >pan.log
@@ -28,6 +29,14 @@ explore() {
     awk -v name="$name" '/states, stored/ { printf "%-58s %9d states, every promise kept\n", name ":", $1 }' pan.log
 }
 
+# explore NAME DEFINITION...: two at a time.
+explore() {
+    while [ "$(jobs -rp | wc -l)" -ge 2 ]; do
+        wait -n
+    done
+    { explored "$@" || touch "$work/failed"; } &
+}
+
 explore "register against poll" CALLS_WITHIN=0 NOTIFIERS=0
 explore "deregister against first delivery" NOTIFIERS=0
 explore "destroy against notification" CALLS_A=1 CALLS_B=0 NOTIFIERS=2 CHECKS=1
@@ -38,3 +47,5 @@ explore "threads that cannot be created" CALLS_B=1 CALLS_WITHIN=0 NOTIFIERS=0 CH
 explore "removal that waits for notifications" CALLS_A=1 NOTIFICATIONS=2 CHECKS=1 REMOVAL_WAITS PATIENT
 explore "deregistration against another notification" CALLS_A=1 CALLS_B=0 NOTIFIERS=2 CHECKS=1 REMOVAL_WAITS PATIENT
 explore "a library that holds a lock while it notifies" CALLS_A=1 NOTIFICATIONS=2 CHECKS=1 LIBRARY_LOCKS PATIENT
+wait
+[ ! -e "$work/failed" ] || exit 1
