@@ -2,19 +2,23 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <regex>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "tests/support/Documents.h"
+#include "tests/support/TemporaryFolder.h"
 #include "tests/tools/ToolRun.h"
 #include "tools/vig/events/EventRecord.h"
 #include "tools/vig/page/Columns.h"
 #include "tools/vig/page/PageFiles.h"
 #include "tools/vig/page/ReplayPage.h"
 #include "tools/vig/page/RunPage.h"
+#include "tools/vig/test/TestPage.h"
 
 namespace Brenta::OS::VIG::Tool {
 
@@ -95,6 +99,32 @@ TEST(ReplayPage, IsOfTheSameElementsWhateverTextsSay) {
                                    "<img src=x onerror=\"f()\">", "&lt;b>", "\xff</style>", "\\u003c/script\\u003e"}) {
         EXPECT_EQ(tagsOf(pageOf(text)), expected) << text;
     }
+}
+
+TEST(TestPage, TellsWhatItHasNoRoomFor) {
+    constexpr std::size_t kEvents = 100;
+    TestCase test{"t"};
+    std::vector<EventRecord> events(kEvents, EventRecord{RulesEngine::EventType::Test});
+    for (std::size_t i = 0; i < kEvents; ++i) {
+        events[i].attributes.add<std::string_view>("text", std::string(100, 'x') + std::to_string(i));
+    }
+    test.events = std::make_shared<const std::vector<EventRecord>>(std::move(events));
+    const TestOutcome outcome{RuleSession::Loading::Done, "", {"it failed"}};
+    const TemporaryFolder folder;
+    const std::string rules = folder.write("rules.json", documentOf({transition("start", "start", "Test")}));
+    const Console console{-1, -1, -1};
+    const Interruption interruption;
+    TestPage page(console, interruption, 5000);
+    for (int i = 0; i < 3; ++i) {
+        page.add(rules, "t", &test, outcome);
+    }
+    const std::string html = page.html("title", "report");
+    std::smatch said;
+    ASSERT_TRUE(std::regex_search(html, said, std::regex("The page has ([0-9]+) of 100 events: it cannot hold more.")));
+    EXPECT_GT(std::stoul(said[1]), 20U);
+    EXPECT_LT(std::stoul(said[1]), 50U);
+    EXPECT_NE(html.find("The page has no room for 2 more tests that failed."), html.npos);
+    EXPECT_EQ(linesWith(html, "<script type=\"application/gzip\"").size(), 1U);
 }
 
 TEST(Pictures, OfAPageInTheDocumentationAreCurrent) {

@@ -21,7 +21,7 @@ namespace {
 // It is one recording in the making.
 struct Compared {
     const ConfigDiff& config;
-    RecordedRun recording = {};
+    RecordedRun recording = RecordedRun();
     std::vector<RuleGraph> graphs = {};  // of the machines that it has
 };
 

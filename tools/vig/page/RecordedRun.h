@@ -38,6 +38,8 @@ class RecordedRun {
     // More than so many bytes are too many for a browser.
     static constexpr std::size_t kMostBytes = 256U << 20;
 
+    explicit RecordedRun(std::size_t mostBytes = kMostBytes) : mostBytes(mostBytes) {}
+
     // It is a machine as the page calls it.
     struct MachineTitle {
         std::string label;
@@ -70,7 +72,7 @@ class RecordedRun {
     void account(std::size_t machine, std::size_t transition, const WhyNot& answer);
 
     // Returns true if it is too large for a page.
-    bool isTooLarge() const { return bytes + events.size() + lineTexts.size() > kMostBytes; }
+    bool isTooLarge() const { return bytes + events.size() + lineTexts.size() > mostBytes; }
 
     // Returns all of it as the page has it, with a picture of the machines. It is not to be added to any more.
     std::string encoded(const PagePicture& picture);
@@ -123,6 +125,7 @@ class RecordedRun {
     static std::string turnsJson(const Machine& machine, ColumnWriter& writer);
     static std::string json(const Machine& machine, ColumnWriter& writer);
 
+    const std::size_t mostBytes;
     EventColumns events;
     std::deque<Machine> machines;  // which stay where they are, as their members point at each other
     Lines lines;

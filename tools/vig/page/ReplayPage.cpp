@@ -36,6 +36,9 @@ std::string base64(std::string_view bytes) {
 std::string compressed(std::string_view bytes) {
     constexpr int kGzip = 16 + MAX_WBITS;
     z_stream stream = {};
+    // What the system refuses is told as wherever the tool asks for memory.
+    stream.zalloc = [](voidpf, uInt count, uInt size) { return ::operator new (std::size_t{count} * size); };
+    stream.zfree = [](voidpf, voidpf address) { ::operator delete(address); };
     deflateInit2(&stream, Z_DEFAULT_COMPRESSION, Z_DEFLATED, kGzip, MAX_MEM_LEVEL, Z_DEFAULT_STRATEGY);
     std::string result(deflateBound(&stream, bytes.size()), '\0');
     stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(bytes.data()));

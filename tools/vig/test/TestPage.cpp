@@ -2,7 +2,6 @@
 
 #include <fmt/format.h>
 
-#include "tools/vig/page/RecordedRun.h"
 #include "tools/vig/page/Recorder.h"
 #include "tools/vig/run/RuleSession.h"
 
@@ -14,11 +13,11 @@ void TestPage::add(const std::string& rules, const std::string& name, const Test
     if (played == nullptr) {
         return;
     }
-    if (bytes > RecordedRun::kMostBytes) {
+    if (bytes > mostBytes) {
         ++leftOut;
         return;
     }
-    RecordedRun recording;
+    RecordedRun recording(mostBytes);
     Recorder recorder(recording, nullptr);
     RuleSession session(rules, played->draws, played->context, recorder, &recorder);
     if (session.load(RuleSession::Changes::Ignore, interruption) != RuleSession::Loading::Done) {
@@ -49,8 +48,9 @@ void TestPage::add(const std::string& rules, const std::string& name, const Test
 }
 
 std::string TestPage::html(std::string_view title, const std::string& report) const {
-    const std::string more =
-        leftOut == 0 ? "" : fmt::format("The page has no room for {} more tests that failed.\n", leftOut);
+    const std::string more = leftOut == 0 ? ""
+                                          : fmt::format("The page has no room for {} more test{} that failed.\n",
+                                                        leftOut, leftOut == 1 ? "" : "s");
     const std::string lines = report.substr(0, report.find_last_not_of('\n') + 1);
     return replayPage(title, {lines.substr(lines.rfind('\n') + 1), report + more}, recordings);
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <map>
 #include <string>
 #include <string_view>
@@ -8,6 +9,7 @@
 #include "tools/vig/graph/RuleGraph.h"
 #include "tools/vig/io/Console.h"
 #include "tools/vig/io/Interruption.h"
+#include "tools/vig/page/RecordedRun.h"
 #include "tools/vig/page/ReplayPage.h"
 #include "tools/vig/test/TestFile.h"
 #include "tools/vig/test/TestRun.h"
@@ -17,7 +19,9 @@ namespace Brenta::OS::VIG::Tool {
 // Makes a page of the tests and properties that failed. Used on one thread.
 class TestPage {
   public:
-    TestPage(const Console& console, const Interruption& interruption) : console(console), interruption(interruption) {}
+    // Of one recording, and of all together, there are as many bytes as given.
+    TestPage(const Console& console, const Interruption& interruption, std::size_t mostBytes = RecordedRun::kMostBytes)
+        : console(console), interruption(interruption), mostBytes(mostBytes) {}
 
     // Adds one that failed with the rules at that path, if there is a recording of it. The test is null for a property.
     void add(const std::string& rules, const std::string& name, const TestCase* test, const TestOutcome& outcome);
@@ -34,6 +38,7 @@ class TestPage {
 
     const Console& console;
     const Interruption& interruption;
+    const std::size_t mostBytes;
     std::map<std::string, Drawing> drawings;  // by the path of the rules
     std::vector<PageRecording> recordings;
     std::size_t bytes = 0;
