@@ -29,19 +29,19 @@ std::string leadingTo(const std::string& state, const std::string& actions, cons
     return support::documentOf({support::transition("start", state, "ProcessMemoryHeartBeat", "[]", actions), further});
 }
 
-const std::string kTrigger = R"([{"name":"TriggerVelora"}])";
+const std::string kTriggers = R"([{"name":"TriggerVelora"}])";
 const std::string kFurther = support::transition("start", "end", "Test");
 
 TEST(Proof, IsNoneWithoutTheLibrary) {
-    const std::string once = leadingTo("end", kTrigger, kFurther);
-    const std::string again = leadingTo("start", kTrigger, kFurther);
+    const std::string once = leadingTo("end", kTriggers, kFurther);
+    const std::string again = leadingTo("start", kTriggers, kFurther);
     const std::tuple<std::string, std::string, const char*> cases[] = {
         {once, once, ""},
         {again, again, ""},
         {once, leadingTo("end", "[]", kFurther), "the worst load by event 1"},
         {once, support::documentOf({support::transition("end", "end", "Test"), kFurther}),
          "configs[0].payload.data.transitions[0] by event 1"},
-        {again, leadingTo("start", kTrigger, support::transition("other", "end", "Test")), "state \"end\" by event 1"},
+        {again, leadingTo("start", kTriggers, support::transition("other", "end", "Test")), "state \"end\" by event 1"},
         {again, once, "the shortest distance by event 2"},
     };
     for (const auto& [decided, rehearsed, fault] : cases) {
@@ -50,7 +50,7 @@ TEST(Proof, IsNoneWithoutTheLibrary) {
 }
 
 TEST(Proof, IsGivenUpWhenItIsInterrupted) {
-    const std::string once = leadingTo("end", kTrigger, kFurther);
+    const std::string once = leadingTo("end", kTriggers, kFurther);
     Interruption interruption;
     EXPECT_TRUE(proofOf(once, once, &interruption).isDecided());
     interruption.request();

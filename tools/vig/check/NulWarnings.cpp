@@ -9,7 +9,7 @@ namespace Brenta::OS::VIG::Tool {
 
 namespace {
 
-constexpr std::string_view kName = "nul-character";
+constexpr std::string_view kNulName = "nul-character";
 
 bool hasNul(std::string_view text) {
     return text.find('\0') != std::string_view::npos;
@@ -17,15 +17,15 @@ bool hasNul(std::string_view text) {
 
 void appendNulWarning(const std::string& text, Place place, std::vector<Finding>& found) {
     if (hasNul(text)) {
-        warn(found, kName, std::move(place), shownQuoted(text) + " has a NUL, where other programs take a text to end",
-             "leave the NUL out");
+        warn(found, kNulName, std::move(place),
+             shownQuoted(text) + " has a NUL, where other programs take a text to end", "leave the NUL out");
     }
 }
 
 void appendNulWarnings(const FilterModel& filter, std::vector<Finding>& found) {
     const std::string op = (*filter.json)["operator"].asString();
     if (hasNul(op)) {
-        warn(found, kName, placeOf(filter, "operator"),
+        warn(found, kNulName, placeOf(filter, "operator"),
              shownQuoted(op) + " is read as " + shownQuoted(kFilterOperatorTable.lookup(filter.op)) +
                  ": what follows the NUL is ignored",
              "write " + shownQuoted(kFilterOperatorTable.lookup(filter.op)) + " if that is meant");

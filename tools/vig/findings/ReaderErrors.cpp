@@ -36,11 +36,11 @@ std::vector<Finding> reportedErrors(const DocumentText& document) {
         } else if (!found.empty() && !line.empty()) {
             std::string& message = found.back().message;
             message += message.empty() ? "" : " ";
-            message += shortened(line.substr(std::min(line.find_first_not_of(' '), line.size())), kMostShownOfMessage);
+            message += shortened(line.substr(std::min(line.find_first_not_of(' '), line.size())), kMostShownOfReport);
         }
     }
     if (found.empty()) {
-        found.push_back(errorAt(0, 0, shortened(*document.report(), kMostShownOfMessage), {}));
+        found.push_back(errorAt(0, 0, shortened(*document.report(), kMostShownOfReport), {}));
     }
     return found;
 }

@@ -8,7 +8,7 @@
 
 namespace Brenta::OS::VIG::Tool {
 
-inline constexpr std::size_t kMostShownOfMessage = 200;  // of the library's reader
+inline constexpr std::size_t kMostShownOfReport = 200;  // of the library's reader
 
 // Returns an error for every mistake because of which the text is not JSON. REQUIRES: the reader has refused it.
 std::vector<Finding> readerErrors(const DocumentText& document);

@@ -285,7 +285,7 @@ class RefusalSearch {
     // The library ends a message that shows JSON, over many lines, like that.
     std::string shortMessage(const std::string& message, const Place& piece) const {
         if (!message.ends_with("\n.")) {
-            return shortened(message, kMostShownOfMessage);
+            return shortened(message, kMostShownOfReport);
         }
         const std::string_view text = document.source().text();
         return message.substr(0, message.find(": ") + 2) +

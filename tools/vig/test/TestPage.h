@@ -19,7 +19,7 @@ namespace Brenta::OS::VIG::Tool {
 // Makes a page of the tests and properties that failed. Used on one thread.
 class TestPage {
   public:
-    // Of one recording, and of all together, there are as many bytes as given.
+    // With more than so many bytes a recording ends, and no further one is added.
     TestPage(const Console& console, const Interruption& interruption, std::size_t mostBytes = RecordedRun::kMostBytes)
         : console(console), interruption(interruption), mostBytes(mostBytes) {}
 
