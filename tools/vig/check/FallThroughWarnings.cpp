@@ -133,8 +133,8 @@ class FallThroughSearch {
              markedCondition(filter) + " is false for a " + std::string(nameOf(model.event)) + " event without " +
                  shownName(name) + ", which then fires " + shownTransition(transitions[later]) +
                  " as if it were the opposite",
-             "add the filter `" + shownCondition(opposite) +
-                 "` there, or name the attribute in a file for --catalogue if all these events have it");
+             "add the filter " + markedCondition(opposite) +
+                 " there, or name the attribute in a file for --catalogue if all these events have it");
         found.back().witness = witness;
     }
 

@@ -18,7 +18,7 @@
 
 namespace Brenta::OS::VIG::Tool {
 
-// Stands for none where a state, a transition or a stop is expected.
+// Stands for none where an index is expected.
 inline constexpr std::size_t kNoIndex = std::numeric_limits<std::size_t>::max();
 
 // The answers, the strongest last.
