@@ -42,7 +42,6 @@ using namespace Brenta::OS::VIG;
 using namespace Brenta::OS::VIG::Tool;
 using Brenta::OS::RulesEngine::EventType;
 using Brenta::OS::RulesEngine::FiniteStateMachine;
-using Brenta::OS::RulesEngine::State;
 
 std::vector<EventRecord> recordsIn(const char* file) {
     std::vector<EventRecord> records;

@@ -27,7 +27,6 @@ using Brenta::OS::VIG::VIGManager;
 using testing::Each;
 using testing::ElementsAre;
 using testing::IsEmpty;
-using testing::UnorderedElementsAre;
 
 constexpr const char* kAvailable = "ViG device config is available now.";
 constexpr const char* kNotAvailable = "ViG device config is not available yet.";
