@@ -895,6 +895,20 @@ class Looks(unittest.TestCase):
         self.assertEqual(seen, ["picture", "side", "tracks"])
         browser.command("Emulation.setEmulatedMedia", media="")
 
+    def test_the_time_line_is_drawn_for_paper_whatever_the_screen(self):
+        browser.open(page_of(escalation, "escalation"))
+        for width in (360, 1440, 2560):
+            browser.size(width, 900)
+            browser.run("dispatchEvent(new Event('beforeprint'))")
+            drawn = browser.run("return document.querySelector('#lanes canvas').width / devicePixelRatio")
+            browser.command("Emulation.setEmulatedMedia", media="print")
+            browser.size(740, 1000)  # a page of paper
+            shown = browser.run("return document.querySelector('#lanes .track').clientWidth")
+            self.assertAlmostEqual(drawn, shown, delta=1)
+            browser.command("Emulation.setEmulatedMedia", media="")
+            browser.run("dispatchEvent(new Event('afterprint'))")
+        browser.size(1440, 900)
+
     def test_what_is_drawn_for_paper_alone_is_not_kept(self):
         browser.open(page_of(everything, "everything"))
         browser.size(800, 300)

@@ -356,7 +356,7 @@ class Timeline {
 
     /** @param {IntersectionObserverEntry[]} entries */
     #see(entries) {
-        this.width = Math.max(this.overlay.clientWidth / textScale(), 1);
+        this.#measure();
         for (const { target, isIntersecting } of entries) {
             if (isIntersecting && this.tracks.has(target)) {
                 this.inSight.add(target);
@@ -368,11 +368,15 @@ class Timeline {
         }
     }
 
+    #measure() {
+        this.width = Math.max(this.overlay.clientWidth / textScale(), 1);
+    }
+
     #redraw() {
         this.#placeCursor();
         cancelAnimationFrame(this.pending);
         this.pending = requestAnimationFrame(() => {
-            this.width = Math.max(this.overlay.clientWidth / textScale(), 1);
+            this.#measure();
             this.inSight.forEach((element) => this.#draw(element));
         });
     }
@@ -382,6 +386,7 @@ class Timeline {
      * @param {boolean} isPrinting
      */
     drawAll(isPrinting) {
+        this.#measure();
         for (const element of this.tracks.keys()) {
             if (isPrinting || this.inSight.has(element)) {
                 this.#draw(element);
