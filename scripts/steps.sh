@@ -3,6 +3,11 @@
 
 PROJECT=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
+# step NAME: says what follows, and how long it took so far.
+step() {
+    printf '\n== %s (%s s)\n' "$1" "$SECONDS"
+}
+
 # give_up SENTENCE: ends the script with what a person has to do.
 give_up() {
     printf '%s: %s\n' "${0##*/}" "$1" >&2
