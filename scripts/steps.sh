@@ -1,5 +1,6 @@
 # shellcheck shell=bash
-# Sourced by the scripts: does what takes long with one line on the terminal and the rest in a log in build/.
+# Sourced by the scripts: says what is done, and does what takes long with one line on the terminal and the rest in a log in
+# build/.
 
 PROJECT=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 

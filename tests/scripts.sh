@@ -72,6 +72,8 @@ expect 'a build that fails' $'Building in 1 steps (* on 2 cores); log in build/r
 fake df 'printf "avail file\n9 elsewhere\n1 there\n5 here\n"'
 expect 'a full disk that has no room for its message' $'*\nme: A disk is full, most likely that of there: *' \
     'build_preset release all'
+fake cmake 'case "$*" in *--preset*) echo "configures" >>calls; echo "changed variables that require your cache to be deleted" ;; esac'
+expect 'another compiler' $'configures\nconfigures' 'cd "$PROJECT"; build_preset release all; cat calls'
 fake cmake ':'
 expect 'nothing to build' '' 'build_preset release all'
 fake find 'echo "$1/release"'

@@ -44,7 +44,7 @@ class Browser:
         options.binary_location = "/usr/bin/chromium"
         arguments = ["--headless=new", "--disable-dev-shm-usage", f"--user-data-dir={self.folder.name}", "--no-first-run",
                      "--disable-background-networking", "--disable-component-update",
-                     "--host-resolver-rules=MAP * ~NOTFOUND", "--hide-scrollbars", "--force-device-scale-factor=1"]
+                     "--host-resolver-rules=MAP * ~NOTFOUND", "--force-device-scale-factor=1"]
         # Its sandbox refuses the user root.
         arguments += ["--no-sandbox"] if os.geteuid() == 0 else []
         for each in arguments:

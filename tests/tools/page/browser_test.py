@@ -890,15 +890,30 @@ class Looks(unittest.TestCase):
         if SCREENSHOTS:
             (SCREENSHOTS / "printed.pdf").write_bytes(printed)
         browser.command("Emulation.setEmulatedMedia", media="print")
+        self.addCleanup(browser.command, "Emulation.setEmulatedMedia", media="")
         seen = browser.run("""return ['controls', 'picture', 'side', 'tracks'].filter((id) =>
             document.getElementById(id).checkVisibility())""")
         self.assertEqual(seen, ["picture", "side", "tracks"])
-        browser.command("Emulation.setEmulatedMedia", media="")
+
+    def test_one_of_many_machines_has_its_form_on_paper(self):
+        browser.open(page_of(everything, "everything"))
+        self.addCleanup(browser.command, "Emulation.setEmulatedMedia", media="")
+        forms = []
+        for media in ("screen", "print"):
+            browser.command("Emulation.setEmulatedMedia", media=media)
+            form = browser.run("return document.querySelector('#picture > svg').getBoundingClientRect().toJSON()")
+            forms.append(form["width"] / form["height"])
+        self.assertAlmostEqual(forms[0], forms[1], delta=0.05 * forms[0])
 
     def test_the_time_line_is_drawn_for_paper_whatever_the_screen(self):
-        browser.open(page_of(escalation, "escalation"))
+        browser.open(page_of(everything, "everything"))
+        self.addCleanup(browser.size, 1440, 900)
+        self.addCleanup(browser.command, "Emulation.setEmulatedMedia", media="")
         for width in (360, 1440, 2560):
-            browser.size(width, 900)
+            browser.size(width, 300)
+            bar = browser.run("const { offsetWidth, clientWidth } = document.getElementById('tracks');"
+                              " return offsetWidth - clientWidth")
+            self.assertGreater(bar, 0)
             browser.run("dispatchEvent(new Event('beforeprint'))")
             drawn = browser.run("return document.querySelector('#lanes canvas').width / devicePixelRatio")
             browser.command("Emulation.setEmulatedMedia", media="print")
@@ -907,7 +922,6 @@ class Looks(unittest.TestCase):
             self.assertAlmostEqual(drawn, shown, delta=1)
             browser.command("Emulation.setEmulatedMedia", media="")
             browser.run("dispatchEvent(new Event('afterprint'))")
-        browser.size(1440, 900)
 
     def test_what_is_drawn_for_paper_alone_is_not_kept(self):
         browser.open(page_of(everything, "everything"))

@@ -77,6 +77,9 @@ class Picture {
         const parsed = new DOMParser().parseFromString(text, 'image/svg+xml').documentElement;
         this.svg = /** @type {SVGSVGElement} */ (/** @type {unknown} */ (document.importNode(parsed, true)));
         this.svg.setAttribute('role', 'img');
+        // Those are of all machines. Paper keeps the form of what is shown, which the view says alone.
+        this.svg.removeAttribute('width');
+        this.svg.removeAttribute('height');
         for (const element of this.svg.querySelectorAll('g.cluster, g.node, g.edge')) {
             this.#index(/** @type {SVGGElement} */ (element));
         }
