@@ -467,6 +467,26 @@ class KeysAndButtons(unittest.TestCase):
             has_fired = any(each["fired"] for step in escalation.steps[event, 0] for each in step["transitions"])
             self.assertEqual(len(fired), int(has_fired), event)
 
+    def test_the_focus_stays_where_it_was_at_the_side(self):
+        browser.press(Keys.ARROW_RIGHT)
+        at = "return document.activeElement.closest('#turns, #side')?.id"
+        for event in range(1, 20):
+            buttons = browser.run("const all = [...document.querySelectorAll('#turns button')]; all.at(-1)?.focus();"
+                                  "return all.length")
+            browser.press(Keys.ARROW_RIGHT)
+            self.assertIn(browser.run(at), ["turns", "side"] if buttons else [None, "side", "turns"], event)
+
+    def test_what_is_told_to_somebody_who_does_not_see_it(self):
+        browser.open(page_of(escalation, "escalation"))
+        for keys, told in [(Keys.ARROW_LEFT, "no earlier event"), ("t", "sampling -> cooling down, 1 trigger"),
+                           ("l", "1 log line"), (Keys.END + Keys.ARROW_RIGHT, "no later event"),
+                           ("/nothing of the kind" + Keys.ENTER, "no event is found")]:
+            browser.press(*keys)
+            self.assertIn(told, browser.snapshot()["live"])
+        said = [each["name"]["value"] for each in browser.command("Accessibility.getFullAXTree")["nodes"] if "name" in each]
+        self.assertIn("machine 0 (id 104) in state cooling down", said)
+        self.assertEqual([each for each in said if re.search(r"c\d+s\d|cluster", each)], [], "names of Graphviz")
+
     def test_tab_reaches_everything_and_the_focus_is_seen(self):
         controls = set(browser.run("""return [...document.querySelectorAll('button, input, select, a[href]')]
             .filter((each) => each.checkVisibility() && !each.disabled)
@@ -558,6 +578,8 @@ class Links(unittest.TestCase):
             seen = browser.snapshot()
             self.assertEqual((seen["event"], seen["machine"]), (event, f"old {identifier}"))
             self.assertEqual(browser.find("#note summary").text, "old.json -> new.json: 2 changed")
+            drawn = browser.find("#picture").text
+            self.assertTrue(all(f"{side} configuration {identifier}" in collapsed(drawn) for side in ("old", "new")), drawn)
             for turn, lines in zip(seen["turns"], sides, strict=True):
                 texts = [text for what, text in rows_in(turn) if what == "explain"]
                 self.assertEqual(" ".join(texts), collapsed("\n".join(lines)))
@@ -728,11 +750,12 @@ class Looks(unittest.TestCase):
 
     def test_nothing_overflows_sideways(self):
         pages = {"escalation": page_of(escalation, "escalation"), "everything": page_of(everything, "everything"),
-                 "hostile": self.hostile_page()}
-        for width, height in [(360, 740), (800, 600), (1440, 900), (3840, 2160)]:
+                 "hostile": self.hostile_page(), "failed": self.failed_page()}
+        for width, height in [(320, 256), (360, 740), (800, 600), (1440, 900), (3840, 2160)]:
             for name, page in pages.items():
                 browser.size(width, height)
                 browser.open(page, "#event=5&machine=0")
+                browser.run("document.getElementById('note').open = true")
                 wide, seen = browser.run("const root = document.documentElement; return [root.scrollWidth, root.clientWidth]")
                 self.assertLessEqual(wide, seen, f"{name}, {width} pixels wide")
                 screenshot(f"{name}-{width}")
@@ -746,6 +769,36 @@ class Looks(unittest.TestCase):
         recordings.hostile(where)
         run = Run(TOOL, where, "rules.json", "events.jsonl")
         return page_of(run, "wide")
+
+    def failed_page(self):
+        """Tests with long names and a long report, as one makes who tries many things at once."""
+        where, path = folder / "failed", folder / "failed.html"
+        if not path.exists():
+            where.mkdir()
+            tests = [{"name": f"{index}" + "name" * 250, "events": [{"event": "Test"}] * 5,
+                      "expect": {"triggers": [{"name": "none" * 100, "event": 1}]}} for index in range(20)]
+            rules = str(EXAMPLES / "escalation.json")
+            (where / "tests.json").write_text(json.dumps({"rules": rules, "tests": tests}))
+            path.write_text(vig(where, "test", "tests.json", "--format", "html"))
+        return path
+
+    def test_letters_are_as_large_as_the_browser_is_told(self):
+        self.addCleanup(browser.command, "Page.setFontSizes", fontSizes={"standard": 16, "fixed": 13})
+        for size, letters in [(16, 14), (24, 21)]:
+            browser.command("Page.setFontSizes", fontSizes={"standard": size, "fixed": 13})
+            browser.open(page_of(everything, "everything"))
+            self.assertEqual(browser.run("return getComputedStyle(document.body).fontSize"), f"{letters}px")
+            self.assertEqual(browser.run("const root = document.documentElement; return root.scrollWidth - root.clientWidth"), 0)
+
+    def test_the_place_is_seen_in_colours_that_the_user_forces(self):
+        self.addCleanup(browser.command, "Emulation.setEmulatedMedia", features=[])
+        for scheme in ("light", "dark"):
+            browser.command("Emulation.setEmulatedMedia", features=[
+                {"name": "forced-colors", "value": "active"}, {"name": "prefers-color-scheme", "value": scheme}])
+            browser.open(page_of(escalation, "escalation"), "#event=70")
+            cursor, ground = browser.run("""return [document.getElementById('cursor'), document.body.parentElement]
+                .map((each) => getComputedStyle(each).backgroundColor)""")
+            self.assertNotEqual(cursor, ground, scheme)
 
     def test_contrast_in_the_dark_and_in_the_light(self):
         for scheme in ["light", "dark"]:
@@ -895,15 +948,37 @@ class Looks(unittest.TestCase):
             document.getElementById(id).checkVisibility())""")
         self.assertEqual(seen, ["picture", "side", "tracks"])
 
-    def test_one_of_many_machines_has_its_form_on_paper(self):
-        browser.open(page_of(everything, "everything"))
+    def test_all_that_there_is_to_read_is_on_paper(self):
+        browser.open(self.failed_page())
         self.addCleanup(browser.command, "Emulation.setEmulatedMedia", media="")
-        forms = []
-        for media in ("screen", "print"):
-            browser.command("Emulation.setEmulatedMedia", media=media)
-            form = browser.run("return document.querySelector('#picture > svg').getBoundingClientRect().toJSON()")
-            forms.append(form["width"] / form["height"])
-        self.assertAlmostEqual(forms[0], forms[1], delta=0.05 * forms[0])
+        browser.run("document.getElementById('note').open = true")
+        browser.press("?")
+        browser.command("Emulation.setEmulatedMedia", media="print")
+        cut = browser.run("""return [...document.querySelectorAll('pre')].filter((each) => each.checkVisibility()
+            && (each.scrollHeight > each.clientHeight || each.scrollWidth > each.clientWidth)).map((each) => each.outerHTML)""")
+        self.assertEqual(cut, [])
+        seen = browser.run("return ['keys', 'recordings', 'facts'].filter((id) => document.getElementById(id).checkVisibility())")
+        self.assertEqual(seen, ["recordings", "facts"])
+
+    def test_one_of_many_machines_is_drawn_alone_whatever_was_before(self):
+        browser.open(page_of(everything, "everything"), "#event=0&machine=6")
+        self.addCleanup(browser.command, "Emulation.setEmulatedMedia", media="")
+        seen = "return document.querySelector('#picture > svg').getAttribute('viewBox')"
+        opened = browser.run(seen)
+        browser.press(Keys.ARROW_DOWN, Keys.ARROW_UP)
+        self.assertEqual(opened, browser.run(seen))
+        sizes = collections.defaultdict(list)
+        for button in ("larger", "larger", "fit"):
+            for media in ("screen", "print"):
+                browser.command("Emulation.setEmulatedMedia", media=media)
+                form = browser.run("return document.querySelector('#picture > svg').getBoundingClientRect().toJSON()")
+                sizes[media].append((form["width"], form["height"]))
+            browser.command("Emulation.setEmulatedMedia", media="screen")
+            browser.click(button)
+        self.assertEqual(len(set(sizes["print"])), 1, "paper has it in one size")
+        self.assertEqual(len(set(sizes["screen"])), 3)
+        ratios = [width / height for width, height in sizes["screen"] + sizes["print"]]
+        self.assertLess(max(ratios) / min(ratios), 1.05, "and in its form")
 
     def test_the_time_line_is_drawn_for_paper_whatever_the_screen(self):
         browser.open(page_of(everything, "everything"))

@@ -40,6 +40,7 @@ void record(std::size_t side, const DocumentModel& document, const AttributeSet&
         recorder.follow(machine, {fmt::format("{} {}", kSides[side], labelOf(each.config)), each.graphs.size()},
                         graphs[machine], context);
         each.graphs.push_back(graphs[machine]);
+        each.graphs.back().side = kSides[side];
         rehearsal.show(machine, each.config.diff.plan, recorder, recorder);
         recorder.finish();
     }

@@ -102,8 +102,9 @@ class DotWriter {
   private:
     void writeGraph(const RuleGraph& graph, const std::string& name) {
         out += fmt::format(
-            "  subgraph cluster_{} {{\n    graph [color=\"#ffffff00\", {}label=<configuration <b>{}</b>{}>]\n", name,
-            tooltip(Tool::messagesOf(graph.marks)), graph.id, marksOf(graph.marks, "  "));
+            "  subgraph cluster_{} {{\n    graph [color=\"#ffffff00\", {}label=<{}configuration <b>{}</b>{}>]\n", name,
+            tooltip(Tool::messagesOf(graph.marks)), graph.side.empty() ? "" : graph.side + " ", graph.id,
+            marksOf(graph.marks, "  "));
         out += fmt::format(
             "    {0} [shape=circle, style=filled, fillcolor=\"{1}\", label=\"\", width=0.13]\n"
             "    {0} -> {0}s0:name\n",

@@ -52,6 +52,7 @@ struct GraphState {
 
 struct RuleGraph {
     std::int64_t id;                 // the configuration's
+    std::string side;                // of a comparison, or empty
     std::vector<GraphState> states;  // "start" first, then those that the document names, in its order
     std::vector<GraphMark> marks;    // of the configuration as a whole
 };

@@ -30,6 +30,14 @@ function neighbour(positions, position, direction) {
     return direction > 0 ? positions[lowerBound(positions, position + 1)] : positions[lowerBound(positions, position) - 1];
 }
 
+/**
+ * @param {number} count
+ * @param {string} what
+ */
+function counted(count, what) {
+    return count === 0 ? '' : `, ${count} ${what}${count === 1 ? '' : 's'}`;
+}
+
 class Page {
     /** @param {PageData} data */
     constructor(data) {
@@ -99,8 +107,8 @@ class Page {
     #commands() {
         return {
             'first': () => this.go(0, this.machine),
-            'previous': () => this.go(this.position - 1, this.machine),
-            'next': () => this.go(this.position + 1, this.machine),
+            'previous': () => this.#step(-1),
+            'next': () => this.#step(1),
             'last': () => this.go(Infinity, this.machine),
             'previous-machine': () => this.go(this.position, this.machine - 1),
             'next-machine': () => this.go(this.position, this.machine + 1),
@@ -281,16 +289,28 @@ class Page {
         element('time').textContent = time === null ? '' : `at ${time} ms`;
         element('type').textContent = recording.typeAt(position) + (timeout === null ? '' : ` ${timeout}`);
         element('machine').textContent = recording.machines[this.machine].label;
-        const turns = this.#shown.map((index) => makeTurn(recording, index, position, (machine, choice) =>
-            this.choose(machine, choice)));
-        const own = recording.linesAt(position).filter((line) => line.machine === kNone).map(makeLine);
-        element('turns').replaceChildren(...turns, ...own);
+        this.#showTurns(recording);
         this.#showAttributes(recording);
         this.picture.show(this.#shown.map((index) => recording.machines[index]));
         this.picture.light(recording.machines[this.machine], position);
         this.timeline.show(position, this.machine);
         this.#showFound();
         this.#say(this.#summary(recording));
+    }
+
+    /** @param {Recording} recording */
+    #showTurns(recording) {
+        const turns = this.#shown.map((index) => makeTurn(recording, index, this.position, (machine, choice) => {
+            this.choose(machine, choice);
+            element('choice').scrollIntoView({ block: 'nearest' });
+        }));
+        const own = recording.linesAt(this.position).filter((line) => line.machine === kNone).map(makeLine);
+        const buttons = () => /** @type {HTMLElement[]} */ ([...element('turns').querySelectorAll('button')]);
+        const focused = buttons().findIndex((each) => each === document.activeElement);
+        element('turns').replaceChildren(...turns, ...own);
+        if (focused >= 0) {
+            (buttons()[focused] ?? element('side')).focus({ preventScroll: true });
+        }
     }
 
     /** @param {Recording} recording */
@@ -313,8 +333,11 @@ class Page {
         const before = machine.stateBefore(this.position);
         const after = machine.stateAfter(this.position);
         const name = this.#shown.length > 1 ? machine.label : machine.number;
+        const lines = recording.linesAt(this.position).filter((line) => line.machine === this.machine || line.machine === kNone);
+        const triggers = lines.filter(({ isTrigger }) => isTrigger).length;
         return `event ${recording.eventNumbers[this.position]}, ${recording.typeAt(this.position)}, machine ${name}: ` +
-            (before === after ? machine.nameOf(after) : `${machine.nameOf(before)} -> ${machine.nameOf(after)}`);
+            (before === after ? machine.nameOf(after) : `${machine.nameOf(before)} -> ${machine.nameOf(after)}`) +
+            counted(triggers, 'trigger') + counted(lines.length - triggers, 'log line');
     }
 
     /** @param {string} text */
@@ -333,6 +356,13 @@ class Page {
         } else {
             this.go(position, this.machine);
         }
+    }
+
+    /** @param {number} direction */
+    #step(direction) {
+        const position = this.position + direction;
+        const isThere = position >= 0 && position < (this.recording?.count ?? 0);
+        this.#goIfAny(isThere ? position : undefined, direction, 'event');
     }
 
     /**
@@ -400,7 +430,9 @@ class Page {
     /** @param {number} direction */
     #jumpToFound(direction) {
         const position = neighbour(this.found, this.position, direction) ?? this.found.at(direction > 0 ? 0 : -1);
-        if (position !== undefined) {
+        if (position === undefined) {
+            this.#say('no event is found');
+        } else {
             this.go(position, this.machine);
         }
     }

@@ -77,13 +77,14 @@ class Picture {
         const parsed = new DOMParser().parseFromString(text, 'image/svg+xml').documentElement;
         this.svg = /** @type {SVGSVGElement} */ (/** @type {unknown} */ (document.importNode(parsed, true)));
         this.svg.setAttribute('role', 'img');
-        // Those are of all machines. Paper keeps the form of what is shown, which the view says alone.
-        this.svg.removeAttribute('width');
-        this.svg.removeAttribute('height');
+        // It is of all machines, and letters would be measured at its scale.
+        this.svg.removeAttribute('viewBox');
         for (const element of this.svg.querySelectorAll('g.cluster, g.node, g.edge')) {
             this.#index(/** @type {SVGGElement} */ (element));
         }
         this.graph = /** @type {SVGGElement | null} */ (this.svg.querySelector('g.graph'));
+        // What they are is said of the picture as a whole, and at its side.
+        this.graph?.setAttribute('aria-hidden', 'true');
         this.graph?.replaceChildren();
         this.box.replaceChildren(this.svg);
     }
@@ -125,6 +126,9 @@ class Picture {
         this.size = { width: width + 2 * kMargin, height: height + 2 * kMargin };
         this.svg.setAttribute('viewBox',
             `${x + shift.e - kMargin} ${y + shift.f - kMargin} ${this.size.width} ${this.size.height}`);
+        // On paper it has this size.
+        this.svg.setAttribute('width', String(this.size.width));
+        this.svg.setAttribute('height', String(this.size.height));
         this.#resize();
     }
 
@@ -134,7 +138,7 @@ class Picture {
 
     // So that it fits as far as it can be read.
     #fitScale() {
-        return Math.min(Math.max(this.#wholeScale(), kLeastFit), kGreatestFit * textScale());
+        return Math.min(Math.max(this.#wholeScale(), kLeastFit * textScale()), kGreatestFit * textScale());
     }
 
     #resize() {

@@ -225,7 +225,9 @@ class Timeline {
         }
         this.machine = machine;
         for (const lane of this.lanes.querySelectorAll('.lane')) {
-            lane.classList.toggle('selected', lane instanceof HTMLElement && lane.dataset.machine === String(this.selected));
+            const isSelected = lane instanceof HTMLElement && lane.dataset.machine === String(this.selected);
+            lane.classList.toggle('selected', isSelected);
+            lane.querySelector('button.label')?.setAttribute('aria-current', String(isSelected));
         }
         for (const track of this.plots.querySelectorAll('.track')) {
             this.sight.unobserve(track);
@@ -529,13 +531,16 @@ class Timeline {
         const least = Math.max(kTickDistance / this.width * this.span, 1);
         const power = 10 ** Math.floor(Math.log10(least));
         const step = [1, 2, 5, 10].map((each) => each * power).find((each) => each >= least) ?? least;
+        let free = 0;  // behind the last text
         for (let position = Math.ceil(this.from / step) * step; position < this.from + this.span; position += step) {
             const x = this.#x(position + 0.5);
             const time = recording.timeAt(position);
             const text = `${recording.eventNumbers[position]}${time === null ? '' : ` · ${clock(Number(time))}`}`;
             pen.fillRect(x, kAxisHeight - 4, 1, 4);
-            if (x + pen.measureText(text).width + 3 < this.width) {
+            const end = x + 3 + pen.measureText(text).width;
+            if (x >= free && end < this.width) {
                 pen.fillText(text, x + 3, kAxisHeight / 2);
+                free = end;
             }
         }
     }
